@@ -1,0 +1,19 @@
+/* The host's user status: name-value pairs that a plug-in shows to the people who run the host. */
+#ifndef VLT_HOST_STATUS_H
+#define VLT_HOST_STATUS_H
+
+#include "host/types.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* [after create, never within a batch] Takes over the entries of `table` for the reporter `handle`;
+ * reads the table before it returns and does not keep it: the caller still owns it. Never throws.
+ */
+void vlt_set_user_status_map(void* handle, const vlt_underlying_map_table_t* table);
+
+#ifdef __cplusplus
+}
+#endif
+#endif
