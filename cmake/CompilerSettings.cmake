@@ -8,6 +8,6 @@ if(VLT_SANITIZE)
 endif()
 
 if(VLT_COVERAGE)
-  add_compile_options(--coverage -fno-inline)
+  add_compile_options(--coverage -fno-inline -fprofile-update=atomic)
   add_link_options(--coverage)
 endif()

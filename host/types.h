@@ -1,13 +1,12 @@
 /* The data that the host and the plug-in share in memory: one tagged value, the blocks behind it,
  * and the message. Both sides read and write these bytes in place, so every layout is fixed.
  *
- *   value          0 content (8, read by tag)   8 tag (4)   12 padding, never read          16
- * bytes list block     0 count (8)   8 capacity (8)   16 elements (16 each)           16 + 16 ×
- * capacity buffer block   0 length (4)   4 padding   8 bytes                                     8
- * + length map table      0 host (8)   8 live (8)   16 capacity (8)   24 deleted (8)   32 slots (40
- * each) map slot       0 hash (8)   8 key (16)   24 value (16)                                  40
- * bytes message        0 payload (16)   16 metadata table (8)                                   24
- * bytes
+ *   value      0 content (8, read by tag)   8 tag (4)   12 padding, never read          16 bytes
+ *   list       0 count (8)   8 capacity (8)   16 elements (16 each)        16 + 16 × capacity
+ *   buffer     0 length (4)   4 padding   8 bytes                                  8 + length
+ *   table      0 host (8)   8 live (8)   16 capacity (8)   24 deleted (8)   32 slots (40 each)
+ *   slot       0 hash (8)   8 key (16)   24 value (16)                                40 bytes
+ *   message    0 payload (16)   16 metadata table (8)                                 24 bytes
  *
  * Blocks are made and freed by the host's functions only (host/storage.h). The header is plain C11
  * and C++, for hosts written in either. */

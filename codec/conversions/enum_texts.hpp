@@ -1,0 +1,40 @@
+// The texts of an enumeration whose values count from 0: one row a value, in the order of the
+// values, each a constant that events copy.
+#ifndef VLT_CODEC_CONVERSIONS_ENUM_TEXTS_HPP
+#define VLT_CODEC_CONVERSIONS_ENUM_TEXTS_HPP
+
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include "value/get_visitor.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+
+template <class Enum, std::size_t ROWS>
+struct EnumTexts {
+  std::array<data_t const*, ROWS> texts;
+
+  // The value whose text equals `text` (not null), case included. Throws std::runtime_error
+  // "Unrecognized WHAT: TEXT".
+  [[nodiscard]] Enum fromString(char const* text, char const* what) const {
+    for (std::size_t row = 0; row < ROWS; ++row) {
+      if (std::strcmp(text, texts[row]->template get<char const*>()) == 0)
+        return static_cast<Enum>(row);
+    }
+    throw std::runtime_error(std::string("Unrecognized ") + what + ": " + text);
+  }
+
+  // The text of `value`. Throws std::runtime_error "Unrecognized enum value.".
+  [[nodiscard]] data_t const& toDataTString(Enum value) const {
+    const auto row = static_cast<std::size_t>(value);
+    if (row >= ROWS) throw std::runtime_error("Unrecognized enum value.");
+    return *texts[row];
+  }
+};
+
+} // namespace com::velanto::connectivity::plugins::pulsar
+
+#endif

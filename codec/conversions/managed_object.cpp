@@ -1,0 +1,91 @@
+// Managed object: (1) id, name, type  (2) builder  (3) supported operations and measurements
+//                 (4) position  (5) references  (6) optional dates  (7) all that is left
+// The order is behaviour: the first field that is missing or wrong is the one reported, and of two
+// fields that end up under one name the later step's stays.
+#include "codec/conversions/managed_object.hpp"
+
+#include "codec/constants.hpp"
+#include "codec/payload_fields.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+
+namespace {
+
+// Stores what the payload has under `from`, of whatever kind, as field `to`.
+void addSupported(data_t const& from, data_t const& to, PulsarMessageDisassembler& notification,
+                  ManagedObjectBuilder& builder) {
+  boost::optional<data_t> value = extractFromMapIfPresent(notification.getPayloadMap(), from);
+  if (value && value->type_tag() == VLT_TAG_LIST) {
+    value = builder.tryAddSupported(std::move(value->get<list_t>()), to);
+  }
+  if (value) builder.fields[data_t(to)] = std::move(*value);
+}
+
+// Numeric components become "position", the others fields of their own; what is no map vanishes.
+void addPosition(PulsarMessageDisassembler& notification, ManagedObjectBuilder& builder) {
+  boost::optional<data_t> position =
+      extractFromMapIfPresent(notification.getPayloadMap(), DATA_T_o6a_Position);
+  if (!position || position->type_tag() != VLT_TAG_MAP) return;
+  map_t others = builder.tryAddPositionComponents(std::move(position->get<map_t>()));
+  for (auto [key, value] : others) builder.fields[std::move(key)] = std::move(value);
+}
+
+} // namespace
+
+std::unique_ptr<TivraMessageBuilder> convertManagedObject(PulsarMessageDisassembler& notification) {
+  map_t& payload = notification.getPayloadMap();
+  data_t id = extractFromMapOrThrow(payload, DATA_T_id, IN_MESSAGE_PAYLOAD);
+  data_t name = extractFromMapOrThrow(payload, DATA_T_name, IN_MESSAGE_PAYLOAD);
+  boost::optional<data_t> type = extractFromMapIfPresent(payload, DATA_T_type);
+  if (!type) type = DATA_T_;
+
+  auto builder =
+      std::make_unique<ManagedObjectBuilder>(std::move(id), std::move(name), std::move(*type));
+
+  addSupported(DATA_T_o6a_SupportedOperations, DATA_T_supportedOperations, notification, *builder);
+  addSupported(DATA_T_o6a_SupportedMeasurements, DATA_T_supportedMeasurements, notification,
+               *builder);
+  addPosition(notification, *builder);
+
+  const auto remap = [&](data_t const& from, data_t const& to) {
+    remapPayloadElement(from, data_t(to), notification, *builder);
+  };
+  remap(DATA_T_childDevices, DATA_T_childDeviceIds);
+  remap(DATA_T_childAssets, DATA_T_childAssetIds);
+  remap(DATA_T_childAdditions, DATA_T_childAdditionIds);
+  remap(DATA_T_deviceParents, DATA_T_deviceParentIds);
+  remap(DATA_T_assetParents, DATA_T_assetParentIds);
+  remap(DATA_T_additionParents, DATA_T_additionParentIds);
+
+  convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
+  convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
+  copyOverRemainingPayloadElements(notification, *builder);
+  return builder;
+}
+
+ManagedObjectBuilder::ManagedObjectBuilder(data_t&& id, data_t&& name, data_t&& type)
+    : TivraMessageBuilder(std::move(id), data_t(MANAGEDOBJECT_TYPE_DATA_T)) {
+  ensureValueDataTIsString("source", name);
+  fields[data_t(DATA_T_source)] = std::move(name);
+  ensureValueDataTIsString("type", type);
+}
+
+boost::optional<list_t> ManagedObjectBuilder::tryAddSupported(list_t&& values, data_t const& key) {
+  for (const data_t& value : values) {
+    if (!value.is_string()) return std::move(values);
+  }
+  fields[data_t(key)] = data_t(std::move(values));
+  return boost::none;
+}
+
+map_t ManagedObjectBuilder::tryAddPositionComponents(map_t&& position) {
+  map_t components;
+  map_t others;
+  for (auto [key, value] : position) {
+    (dataTConvertableToFloat(value) ? components : others).insert(std::move(key), std::move(value));
+  }
+  if (!components.empty()) fields[data_t(DATA_T_position)] = data_t(std::move(components));
+  return others;
+}
+
+} // namespace com::velanto::connectivity::plugins::pulsar

@@ -1,0 +1,23 @@
+// Routes a notification to the conversion of its resource kind.
+#ifndef VLT_CODEC_DISPATCH_HPP
+#define VLT_CODEC_DISPATCH_HPP
+
+#include <memory>
+
+#include "codec/pulsar_message_disassembler.hpp"
+#include "codec/tivra_message_builder.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+
+// Whether a type segment, or any text that begins at one, begins with the word of a kind. Only the
+// word's own length counts: alarmsX is accepted as alarms.
+[[nodiscard]] bool isOfKind(const char* typeSegment, const char* kind) noexcept;
+
+// The event made from the notification, which is consumed. Throws what the conversion throws, and
+// std::runtime_error "Unrecognised Pulsar message type: 'SEGMENT'".
+[[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
+    PulsarMessageDisassembler& notification);
+
+} // namespace com::velanto::connectivity::plugins::pulsar
+
+#endif

@@ -1,0 +1,36 @@
+// Reads and checks one field's value; the errors name the field's key.
+#ifndef VLT_CODEC_FIELD_CHECKS_HPP
+#define VLT_CODEC_FIELD_CHECKS_HPP
+
+#include <exception>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+
+#include "value/get_visitor.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+
+// The typed get of `value`, with "Problem with key 'KEY': " in front of its error text. T is
+// char const* (which may be null), map_t& (a reference into the value) or long long.
+template <class T, class Value>
+[[nodiscard]] T getFromDataTReportingKey(Value& value, char const* key) {
+  using content =
+      std::conditional_t<std::is_same_v<T, long long>, std::int64_t, std::remove_reference_t<T>>;
+  try {
+    return value.template get<content>();
+  } catch (const std::exception& e) {
+    throw std::runtime_error("Problem with key '" + std::string(key) + "': " + e.what());
+  }
+}
+
+// Throws "Value for key 'KEY' is not a string." unless the value is of one of the two string kinds.
+void ensureValueDataTIsString(char const* key, data_t const& value);
+
+// Whether the value is a number, or a text that strtod can begin to read and that has no 'x' in it:
+// 12abc is numeric, 0x10 is refused on purpose.
+[[nodiscard]] bool dataTConvertableToFloat(data_t const& value);
+
+} // namespace com::velanto::connectivity::plugins::pulsar
+
+#endif

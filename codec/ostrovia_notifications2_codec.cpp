@@ -1,0 +1,120 @@
+#include "codec/ostrovia_notifications2_codec.hpp"
+
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+#include "codec/constants.hpp"
+#include "codec/dispatch.hpp"
+#include "codec/pulsar_message_disassembler.hpp"
+#include "plugin/map_extractor.hpp"
+#include "value/get_visitor.hpp"
+#include "value/to_string.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+
+namespace {
+
+constexpr vlt_log_level_t DROPPED_LEVEL = 3;
+constexpr vlt_log_level_t TRACE_LEVEL = 6;
+
+// The configured text, which may be null, or the default when the setting is absent or no text.
+const char* readMeasurementChannel(const MapExtractor& settings) {
+  try {
+    return settings.doGet(data_t(STR_measurementSplittingChannel)).get<const char*>();
+  } catch (const std::exception&) {
+    return STR_ostroviaDOTmeasurements;
+  }
+}
+
+// The notification's "id" if it is a string, otherwise null.
+const data_t* findStringId(const map_t& payload) {
+  const map_t::const_iterator entry = payload.find(DATA_T_id);
+  if (entry == payload.end() || !(*entry).second.is_string()) return nullptr;
+  return &(*entry).second;
+}
+
+std::string describeFailure(const Message& message, bool towardsTransport) {
+  std::string text = "Error when transforming message towards ";
+  text += towardsTransport ? "transport" : "host";
+  const data_t& payload = message.getPayload();
+  // The kind before the content: a typed get of another kind would write to standard error.
+  if (payload.type_tag() == VLT_TAG_MAP) {
+    if (const data_t* const id = findStringId(payload.get<map_t>())) {
+      text += " ('id' = '" + std::string(text_or_empty(id->get<const char*>())) + "')";
+    }
+  }
+  try {
+    throw;
+  } catch (const std::exception& e) {
+    text += ": ";
+    text += e.what();
+  } catch (...) { // NOLINT(bugprone-empty-catch): nothing is known of it
+  }
+  return text;
+}
+
+} // namespace
+
+OstroviaNotifications2Codec::OstroviaNotifications2Codec(
+    const PluginConstructorParameters::CodecConstructorParameters& params)
+    : AbstractSimpleCodec(params) {
+  const MapExtractor settings(params.getConfiguration(), STR_Notifications2Codec);
+
+  measurementSplittingChannel = data_t(readMeasurementChannel(settings));
+
+  const auto prefix = settings.get<std::string>(DATA_T_towardsHostChannelPrefix, "");
+  devicesChannel = data_t((prefix + STR_ostroviaDOTdevices).c_str());
+
+  const char* const tenant = text_or_empty(settings.doGet(DATA_T_tenantId).get<const char*>());
+  if (*tenant != '\0') tenantId = data_t(tenant);
+}
+
+bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) {
+  const map_t& metadata = message.getMetadataMap();
+  if (metadata.find(DATA_T_pulsarPath) == metadata.end()) return true;
+
+  if (getLogger().enabled(TRACE_LEVEL)) {
+    const std::string text = "Processing message: " + to_string(message, true);
+    getLogger().log<TRACE_LEVEL>("%s", text.c_str());
+  }
+
+  Message notification;
+  if (const data_t* const id = findStringId(message.getPayload().get<map_t>())) {
+    map_t only_id;
+    only_id.insert(data_t(DATA_T_id), data_t(*id));
+    notification.getPayload() = data_t(std::move(only_id));
+  }
+  // From here on `message` names the notification for the report, whatever becomes of it.
+  std::swap(message, notification);
+  message = processPulsarMessage(std::move(notification));
+  return true;
+}
+
+Message OstroviaNotifications2Codec::processPulsarMessage(Message&& notification) const {
+  if (notification.getPayload().type_tag() != VLT_TAG_MAP) {
+    throw std::runtime_error("Message payload is not a map");
+  }
+  PulsarMessageDisassembler disassembler(std::move(notification));
+  std::unique_ptr<TivraMessageBuilder> builder = convertPulsarToTivraMessage(disassembler);
+
+  const bool is_measurement = isOfKind(disassembler.getStartCharOfMessageType(), STR_measurements);
+  builder->insertIntoMetadata(
+      data_t(DATA_T_vltDOTchannel),
+      data_t(is_measurement ? measurementSplittingChannel : devicesChannel));
+  if (tenantId) builder->fields[data_t(DATA_T_tenantId)] = *tenantId;
+  return TivraMessageBuilder::getResult(std::move(builder));
+}
+
+bool OstroviaNotifications2Codec::transformMessageTowardsTransport(Message&) { return true; }
+
+bool OstroviaNotifications2Codec::handleException(Message& message, bool towardsTransport) {
+  if (std::current_exception() == nullptr || !getLogger().enabled(DROPPED_LEVEL)) return false;
+  try {
+    getLogger().log<DROPPED_LEVEL>("%s", describeFailure(message, towardsTransport).c_str());
+  } catch (...) { // NOLINT(bugprone-empty-catch): no memory for the report; it is lost
+  }
+  return false;
+}
+
+} // namespace com::velanto::connectivity::plugins::pulsar

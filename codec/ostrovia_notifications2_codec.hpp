@@ -1,0 +1,44 @@
+// The codec: replaces each notification on its way to the host by a typed host event, drops and
+// reports what it cannot decode, and lets everything else pass.
+//
+//   metadata has no "pulsarPath"   →  passes untouched, not even traced
+//   conversion succeeds            →  replaced by the event
+//   conversion fails               →  one level-3 line, dropped
+//
+// Configuration: "measurementSplittingChannel", "towardsHostChannelPrefix", "tenantId" (required).
+#ifndef VLT_CODEC_OSTROVIA_NOTIFICATIONS2_CODEC_HPP
+#define VLT_CODEC_OSTROVIA_NOTIFICATIONS2_CODEC_HPP
+
+#include <boost/optional.hpp>
+
+#include "plugin/abstract_simple_codec.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+
+class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
+ public:
+  // Throws std::runtime_error when "tenantId" is missing, empty of any value or not a string.
+  explicit OstroviaNotifications2Codec(
+      const PluginConstructorParameters::CodecConstructorParameters& params);
+
+  // Returns true. Throws when the notification cannot be converted; `message` then holds nothing
+  // but the notification's "id", if that was a string, for the report. A payload that is no map,
+  // and a trace that fails, leave it untouched.
+  bool transformMessageTowardsHost(Message& message) override;
+  // Returns true and changes nothing.
+  bool transformMessageTowardsTransport(Message& message) override;
+  // Reports the exception in flight at level 3. Returns false: the message is dropped, also when
+  // there is no memory for the report.
+  bool handleException(Message& message, bool towardsTransport) override;
+
+ private:
+  [[nodiscard]] Message processPulsarMessage(Message&& notification) const;
+
+  data_t measurementSplittingChannel; // for events made from measurements
+  data_t devicesChannel;              // for all others, prefix included
+  boost::optional<data_t> tenantId;   // written into every event when set
+};
+
+} // namespace com::velanto::connectivity::plugins::pulsar
+
+#endif

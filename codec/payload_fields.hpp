@@ -1,0 +1,53 @@
+// The vocabulary of the conversions: take fields out of a notification's payload, convert them, and
+// put them into the event under construction.
+//
+// Taking a field removes it. What a conversion has not taken when it finishes is copied over whole,
+// so no field is ever both converted and copied. A missing field, one of the wrong kind and an
+// unreadable time are std::runtime_error with a text that names the key; nothing is rolled back
+// then, since the notification is dropped.
+#ifndef VLT_CODEC_PAYLOAD_FIELDS_HPP
+#define VLT_CODEC_PAYLOAD_FIELDS_HPP
+
+#include <boost/optional.hpp>
+
+#include "codec/field_checks.hpp"
+#include "codec/pulsar_message_disassembler.hpp"
+#include "codec/tivra_message_builder.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+
+// What error texts call the two maps that fields are required in.
+inline constexpr const char* IN_MESSAGE_PAYLOAD = "message payload";
+inline constexpr const char* IN_SOURCE = "source";
+
+// Removes the entry under `key` and returns its value; empty, and the map untouched, when absent.
+[[nodiscard]] boost::optional<data_t> extractFromMapIfPresent(map_t& map, data_t const& key);
+
+// The same, but throws "Required key 'KEY' missing from WHERE" when absent.
+[[nodiscard]] data_t extractFromMapOrThrow(map_t& map, data_t const& key, char const* where);
+
+// Takes "time" out of the payload: seconds since the epoch. Throws when it is missing, no string,
+// or unreadable: "Error parsing timestamp 'TEXT' in key 'time'".
+[[nodiscard]] double extractTimeTimestampOrThrow(PulsarMessageDisassembler& notification);
+
+// Takes the id of the source out of the map that `source` must be; what else the map holds is of no
+// interest to any conversion.
+[[nodiscard]] data_t extractSourceId(data_t& source);
+
+// Moves the entry under `from`, if there is one, into the event's field `to`, over any there.
+void remapPayloadElement(data_t const& from, data_t&& to, PulsarMessageDisassembler& notification,
+                         TivraMessageBuilder& builder);
+
+// Moves the entry under `key`, if there is one, into the event's field of that name, over any
+// there: as seconds since the epoch when it is a readable timestamp, otherwise as it is.
+void convertDateTimePayloadElement(data_t const& key, PulsarMessageDisassembler& notification,
+                                   TivraMessageBuilder& builder);
+
+// Moves everything that is left in the payload into the event's fields, over those of the same
+// names.
+void copyOverRemainingPayloadElements(PulsarMessageDisassembler& notification,
+                                      TivraMessageBuilder& builder);
+
+} // namespace com::velanto::connectivity::plugins::pulsar
+
+#endif

@@ -1,0 +1,37 @@
+// Owns one notification while it is taken apart: tells the resource kind from the path under which
+// it was delivered, and hands out the payload map from which the conversions remove what they use.
+//
+//   pulsarPath   tenantA / sub1 / alarms / 4711
+//                                 ^ the type segment: after the second '/', up to the next or the
+//                                 end
+#ifndef VLT_CODEC_PULSAR_MESSAGE_DISASSEMBLER_HPP
+#define VLT_CODEC_PULSAR_MESSAGE_DISASSEMBLER_HPP
+
+#include "value/message.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+
+class PulsarMessageDisassembler {
+ public:
+  PulsarMessageDisassembler() noexcept = default;
+  explicit PulsarMessageDisassembler(Message&& notification) noexcept
+      : notification_(std::move(notification)) {}
+
+  // The first character of the type segment, inside the stored path: valid while this object lives.
+  // The terminating NUL when the path has fewer than two '/'. Throws std::runtime_error "No Pulsar
+  // path found", or the typed get's error for a path that is no string.
+  [[nodiscard]] const char* getStartCharOfMessageType() const;
+
+  // The payload in place. Throws the typed get's error when it is no map.
+  [[nodiscard]] map_t& getPayloadMap();
+
+  // Moves the payload map out and leaves an empty map. Throws as getPayloadMap does.
+  [[nodiscard]] map_t extractRemainingPayload();
+
+ private:
+  Message notification_;
+};
+
+} // namespace com::velanto::connectivity::plugins::pulsar
+
+#endif

@@ -1,0 +1,49 @@
+// Assembles one host event message:
+//
+//   payload    id, the fields of the kind, what was left of the notification, "measurements"
+//   metadata   vlt.type, and vlt.channel, which the codec adds
+//
+// Each kind derives a builder that does all its work in its constructor and adds no members; it
+// lives in a std::unique_ptr from the conversion to getResult.
+#ifndef VLT_CODEC_TIVRA_MESSAGE_BUILDER_HPP
+#define VLT_CODEC_TIVRA_MESSAGE_BUILDER_HPP
+
+#include <memory>
+
+#include "value/message.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+
+class TivraMessageBuilder {
+ public:
+  TivraMessageBuilder(const TivraMessageBuilder&) = delete;
+  TivraMessageBuilder& operator=(const TivraMessageBuilder&) = delete;
+  virtual ~TivraMessageBuilder() = default;
+
+  // Sets a metadata entry, over any under that key. Throws std::runtime_error "Cannot use
+  // non-string keys into metadata".
+  void insertIntoMetadata(data_t&& key, data_t&& value);
+
+  // Adds the field "measurements", unless the notification brought one of that name, and returns
+  // the message. The builder is left empty; its owner still destroys it.
+  [[nodiscard]] static Message getResult(std::unique_ptr<TivraMessageBuilder>&& builder);
+
+ protected:
+  // `id` must be a string; `type` names the host event.
+  TivraMessageBuilder(data_t&& id, data_t&& type);
+
+ public:
+  // Series name to measurement value; stays empty for every kind but measurements.
+  map_t measurements;
+
+ private:
+  Message message_; // its payload stays empty until getResult
+
+ public:
+  // The event's payload by field name. Writing a field again replaces it.
+  map_t fields;
+};
+
+} // namespace com::velanto::connectivity::plugins::pulsar
+
+#endif

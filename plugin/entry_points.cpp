@@ -1,0 +1,15 @@
+#include "plugin/entry_points.hpp"
+
+#include "plugin/logger.hpp"
+
+namespace com::velanto::connectivity::entry_points {
+
+void reportFailedCreation(const char* plugin_name, const char* chain_id) noexcept {
+  try {
+    const Logger logger(loggerCategory(text_or_empty(plugin_name), text_or_empty(chain_id)));
+    handleException(logger, 2, "create");
+  } catch (...) { // NOLINT(bugprone-empty-catch): no memory for the report; it is lost
+  }
+}
+
+} // namespace com::velanto::connectivity::entry_points

@@ -1,0 +1,65 @@
+// Writes log lines through the host, and turns the exception in flight into one.
+//
+// Every line reads "<PREFIX> TEXT". The host formats: a call passes "<%s> " followed by its own
+// format, the prefix as first argument and then its texts, so text from messages is never a format.
+//
+//   level  2  creation and lifecycle failures
+//          3  batch failures and dropped messages
+//          6  the per-message trace
+#ifndef VLT_PLUGIN_LOGGER_HPP
+#define VLT_PLUGIN_LOGGER_HPP
+
+#include <string>
+
+#include "host/logging.h"
+
+namespace com::velanto::connectivity {
+
+class Logger {
+ public:
+  // Asks the host for the level of the category `name`, this once: a level that the host changes
+  // later is not seen.
+  explicit Logger(const std::string& name);
+
+  // True when a line of `level` would be written. For callers whose text is costly to build.
+  [[nodiscard]] bool enabled(vlt_log_level_t level) const noexcept { return level <= level_; }
+
+  // Writes one line, or does nothing at all below the level. `format` is a printf format for the
+  // texts (none of them null). Throws std::bad_alloc.
+  template <class... Texts>
+  void log(vlt_log_level_t level, const char* format, const Texts*... texts) const {
+    if (enabled(level)) write(level, format, texts...);
+  }
+  template <vlt_log_level_t LEVEL>
+  void log(const char* format, const char* text) const {
+    log(LEVEL, format, text);
+  }
+
+ private:
+  template <class... Texts>
+  void write(vlt_log_level_t level, const char* format, const Texts*... texts) const {
+    const std::string line_format = std::string("<%s> ") + format;
+    emit(level, line_format.c_str(), texts...);
+  }
+  // The calls that reach the host: one text or two.
+  void emit(vlt_log_level_t level, const char* line_format, const char* text) const;
+  void emit(vlt_log_level_t level, const char* line_format, const char* first,
+            const char* second) const;
+
+  std::string category_;
+  std::string prefix_;
+  vlt_log_level_t level_;
+};
+
+// The category of a plug-in's logger: "connectivity." + plug-in name + "." + chain identifier.
+[[nodiscard]] std::string loggerCategory(const std::string& plugin_name,
+                                         const std::string& chain_id);
+
+// Logs the exception in flight: "Exception from WHERE: WHAT", or "Unknown exception from WHERE" for
+// anything that is no std::exception. To be called inside a catch clause. When even the report
+// fails, it is lost: nothing leaves this function.
+void handleException(const Logger& logger, vlt_log_level_t level, const char* where) noexcept;
+
+} // namespace com::velanto::connectivity
+
+#endif

@@ -1,0 +1,38 @@
+# shellcheck shell=bash
+# Configuring, building and testing one preset of CMakePresets.json. Sourced by ./dev, which runs in
+# the project's root. Everything that builds speaks on stderr, and only when there is work.
+
+# configure PRESET
+configure() {
+  local ninja_file=build/$1/build.ninja
+  # Ninja reconfigures by itself when a CMake file changes, but knows nothing of the presets.
+  [[ $ninja_file -nt CMakePresets.json ]] && return
+  note "configuring $1"
+  cmake --preset "$1" --log-level=NOTICE >&2
+}
+
+# build PRESET [TARGET…]: all targets when none is named.
+build() {
+  local preset=$1
+  shift
+  configure "$preset"
+  is_current "$preset" "$@" && return
+  note "building $preset"
+  cmake --build "build/$preset" ${1:+--target "$@"} >&2
+}
+
+# is_current PRESET [TARGET…]: whether a build would have nothing to do.
+is_current() {
+  local preset=$1
+  shift
+  ninja -C "build/$preset" -n "$@" 2>/dev/null | grep --quiet '^ninja: no work to do'
+}
+
+# build_and_test PRESET [CTEST ARGS…]: what ctest prints is the only output on stdout.
+build_and_test() {
+  local preset=$1
+  shift
+  build "$preset"
+  note "testing $preset"
+  ctest --preset "$preset" "$@"
+}

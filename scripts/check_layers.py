@@ -1,0 +1,101 @@
+"""Keeps the project in layers that one can hold in the head: reads the include lines of the files
+named as arguments, relative to the current directory, and reports each broken rule as file:line.
+
+  (1) a folder is a layer and includes only what LAYERS grants it
+  (2) quoted includes name project files; foreign headers stand in angle brackets
+  (3) no file includes itself, directly or through others
+  (4) a file longer than 400 lines draws a warning, longer than 500 it is an error: two subjects
+
+Exit status 1 when a rule is broken; warnings leave it at 0.
+"""
+
+import pathlib
+import sys
+
+from includes import IncludeGraph
+
+EVERYTHING = {"host", "value", "plugin", "codec", "standin", "tools", "fuzz", "bench", "tests"}
+
+# Layer: the layers that it may include. The tool finds the plug-in at run time, never by include.
+LAYERS = {
+    "host": {"host"},
+    "value": {"host", "value"},
+    "plugin": {"host", "value", "plugin"},
+    "codec": {"host", "value", "plugin", "codec"},
+    "standin": {"host", "standin"},
+    "tools": {"host", "value", "standin", "tools"},
+    "fuzz": EVERYTHING - {"tests", "bench"},
+    "bench": EVERYTHING - {"tests"},
+    "tests": EVERYTHING,
+}
+
+LONG = 400
+TOO_LONG = 500
+
+
+def layer_of(path):
+    return path.split("/", 1)[0] if "/" in path else ""
+
+
+def broken_layers(graph, path):
+    layer = layer_of(path)
+    if layer not in LAYERS:
+        yield f"{path}:1: the folder '{layer}' is no layer; LAYERS in check_layers.py names them"
+        return
+    for include in graph.includes(path):
+        where = f"{path}:{include.line}"
+        if include.target is None:
+            if include.quoted:
+                yield f'{where}: "{include.name}" is no file of the project; foreign: use <>'
+        elif layer_of(include.target) not in LAYERS[layer]:
+            yield f"{where}: {layer}/ must not include {include.target}"
+
+
+def cycles(graph, paths):
+    """One line per include that closes a cycle; depth first, without recursion."""
+    done = set()
+    for start in paths:
+        if start in done:
+            continue
+        trail = [start]
+        pending = [iter(graph.includes(start))]
+        while trail:
+            include = next(pending[-1], None)
+            if include is None:
+                done.add(trail.pop())
+                pending.pop()
+            elif include.target in trail:
+                loop = trail[trail.index(include.target):] + [include.target]
+                yield f"{trail[-1]}:{include.line}: include cycle: " + " -> ".join(loop)
+            elif include.target and include.target not in done:
+                trail.append(include.target)
+                pending.append(iter(graph.includes(include.target)))
+
+
+def check(root, paths):
+    """Returns (errors, warnings), each a list of lines."""
+    graph = IncludeGraph(root)
+    errors = []
+    warnings = []
+    for path in paths:
+        errors += broken_layers(graph, path)
+        lines = len((graph.root / path).read_text(encoding="utf-8").splitlines())
+        if lines > TOO_LONG:
+            errors.append(f"{path}:{TOO_LONG + 1}: {lines} lines, at most {TOO_LONG}")
+        elif lines > LONG:
+            warnings.append(f"{path}:{LONG + 1}: warning: {lines} lines, better at most {LONG}")
+    errors += cycles(graph, paths)
+    return errors, warnings
+
+
+def main():
+    if len(sys.argv) < 2:
+        sys.exit("check_layers.py: no files named, nothing would be checked")
+    errors, warnings = check(pathlib.Path.cwd(), sys.argv[1:])
+    for line in warnings + errors:
+        print(line)
+    sys.exit(1 if errors else 0)
+
+
+if __name__ == "__main__":
+    main()

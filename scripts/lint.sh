@@ -1,0 +1,60 @@
+# shellcheck shell=bash
+# What must hold of the sources beyond compiling. Sourced by ./dev, which runs in the project's root.
+#
+#   lint_format   clang-format would change nothing
+#   lint_shell    shellcheck is content with every script
+#   lint_layers   includes point down, no cycles, files stay short (and the check itself works)
+#   lint_tidy     clang-tidy is content with every source
+#
+# The cheap checks come first.
+
+# project_files PATTERN…: the project's own files whose path matches one of the shell patterns,
+# added to git or not, one per line. Git's own list leaves out what .gitignore names; an unpacked
+# archive has no such list and no such files but those in build/.
+project_files() {
+  local -a own_tree=(git -c "safe.directory=$PWD")
+  if "${own_tree[@]}" rev-parse --is-inside-work-tree >/dev/null 2>&1; then
+    "${own_tree[@]}" ls-files --cached --others --exclude-standard --deduplicate -- "$@"
+  else
+    local pattern
+    for pattern in "$@"; do
+      find . -path ./build -prune -o -type f -path "./$pattern" -printf '%P\n'
+    done
+  fi | LC_ALL=C sort | while IFS= read -r file; do
+    # A file that is deleted but not yet committed is still in git's list.
+    [[ ! -f $file ]] || printf '%s\n' "$file"
+  done
+}
+
+c_and_cpp_files() { project_files '*.h' '*.hpp' '*.c' '*.cpp'; }
+
+lint_format() {
+  c_and_cpp_files | xargs --no-run-if-empty clang-format-14 --dry-run -Werror
+}
+
+lint_shell() {
+  { project_files '*.sh' && printf '%s\n' dev .ci/run; } | xargs shellcheck --external-sources
+}
+
+lint_layers() {
+  local output
+  output=$(python3 scripts/test_check_layers.py 2>&1) || fail "the layer check is broken:"$'\n'"$output"
+  c_and_cpp_files | xargs python3 scripts/check_layers.py
+}
+
+lint_tidy() {
+  configure clang
+  python3 scripts/run_clang_tidy.py build/clang
+}
+
+lint() {
+  local step
+  for step in format shell layers tidy; do
+    note "lint: $step"
+    "lint_$step" >&2
+  done
+}
+
+format() {
+  c_and_cpp_files | xargs --no-run-if-empty clang-format-14 -i
+}

@@ -1,0 +1,104 @@
+// The slow half of counting: threads that come and go, sums, and resets.
+#include "standin/accounting.hpp"
+
+#include <pthread.h>
+
+#include <mutex>
+
+namespace standin {
+
+constinit thread_local thread_counters_t threadCounters;
+
+namespace {
+
+std::mutex lock; // guards all that follows in this namespace
+thread_counters_t* runningThreads = nullptr;
+std::array<int64_t, counterCount> endedTotals{};
+std::array<int64_t, counterCount> callsAtReset{};
+
+// A destructor of a pthread key and not of a C++ object: it runs after the destructors of all C++
+// thread-local objects, which may still free values.
+void endThread(void* ended) {
+  auto& thread = *static_cast<thread_counters_t*>(ended);
+  const std::lock_guard guard(lock);
+  for (std::size_t i = 0; i < counterCount; ++i) {
+    endedTotals[i] += thread.counters[i].load(std::memory_order_relaxed);
+  }
+  (thread.previous != nullptr ? thread.previous->next : runningThreads) = thread.next;
+  if (thread.next != nullptr) thread.next->previous = thread.previous;
+  thread.state = thread_state_t::ended;
+}
+
+struct end_key_t {
+  pthread_key_t key{};
+  bool made = pthread_key_create(&key, endThread) == 0;
+};
+
+// Only a thread whose end will be noticed may enter the list: its counters vanish with it.
+bool enterThread() noexcept {
+  static const end_key_t end;
+  thread_counters_t& own = threadCounters;
+  if (!end.made || pthread_setspecific(end.key, &own) != 0) return false;
+  const std::lock_guard guard(lock);
+  own.next = runningThreads;
+  if (runningThreads != nullptr) runningThreads->previous = &own;
+  runningThreads = &own;
+  own.state = thread_state_t::running;
+  return true;
+}
+
+// The caller holds the lock.
+int64_t sum(std::size_t counter) noexcept {
+  int64_t total = endedTotals[counter];
+  for (const thread_counters_t* thread = runningThreads; thread != nullptr; thread = thread->next) {
+    total += thread->counters[counter].load(std::memory_order_relaxed);
+  }
+  return total;
+}
+
+} // namespace
+
+void addSlowly(std::size_t counter, int64_t change) noexcept {
+  if (threadCounters.state == thread_state_t::fresh && enterThread()) return add(counter, change);
+  const std::lock_guard guard(lock);
+  endedTotals[counter] += change;
+}
+
+} // namespace standin
+
+using namespace standin;
+
+int64_t standin_live_blocks(standin_block_t kind) {
+  if (kind >= STANDIN_BLOCK_KINDS) return 0;
+  const std::lock_guard guard(lock);
+  return sum(kind);
+}
+
+int64_t standin_live_blocks_total(void) {
+  const std::lock_guard guard(lock);
+  int64_t total = 0;
+  for (std::size_t i = 0; i < STANDIN_BLOCK_KINDS; ++i) total += sum(i);
+  return total;
+}
+
+int64_t standin_calls(standin_function_t function) {
+  if (function >= STANDIN_FUNCTIONS) return 0;
+  const std::lock_guard guard(lock);
+  const std::size_t counter = std::size_t{STANDIN_BLOCK_KINDS} + function;
+  return sum(counter) - callsAtReset[counter];
+}
+
+int64_t standin_calls_total(void) {
+  const std::lock_guard guard(lock);
+  int64_t total = 0;
+  for (std::size_t i = STANDIN_BLOCK_KINDS; i < counterCount; ++i) {
+    total += sum(i) - callsAtReset[i];
+  }
+  return total;
+}
+
+// Remembers the sums instead of clearing the counters, which only their own threads may write.
+void standin_reset_calls(void) {
+  const std::lock_guard guard(lock);
+  for (std::size_t i = STANDIN_BLOCK_KINDS; i < counterCount; ++i) callsAtReset[i] = sum(i);
+}

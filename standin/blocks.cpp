@@ -1,0 +1,79 @@
+// Single blocks out of the C library's heap.
+#include "standin/blocks.hpp"
+
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+#include "standin/accounting.hpp"
+#include "standin/failures.hpp"
+
+namespace standin {
+
+namespace {
+
+// Zeroed memory for a head and `count` items of `itemSize` bytes behind it.
+void* makeZeroed(standin_block_t kind, std::size_t head, int64_t count,
+                 std::size_t itemSize) noexcept {
+  if (count < 0 || static_cast<uint64_t>(count) > (PTRDIFF_MAX - head) / itemSize) return nullptr;
+  if (allocationRefused()) return nullptr;
+  void* block = std::calloc(1, head + static_cast<std::size_t>(count) * itemSize);
+  if (block != nullptr) countMade(kind);
+  return block;
+}
+
+void release(standin_block_t kind, void* block) noexcept {
+  if (block == nullptr) return;
+  countFreed(kind);
+  std::free(block);
+}
+
+} // namespace
+
+vlt_underlying_map_table_t* makeMap(int64_t capacity) noexcept {
+  void* block = makeZeroed(STANDIN_BLOCK_MAP, sizeof(vlt_underlying_map_table_t), capacity,
+                           sizeof(vlt_underlying_map_table_entry_t));
+  if (block == nullptr) return nullptr;
+  auto* table = static_cast<vlt_underlying_map_table_t*>(block);
+  table->capacity = capacity;
+  return table;
+}
+
+vlt_underlying_vector_t* makeList(int64_t capacity) noexcept {
+  void* block = makeZeroed(STANDIN_BLOCK_LIST, sizeof(vlt_underlying_vector_t), capacity,
+                           sizeof(vlt_underlying_data_t));
+  if (block == nullptr) return nullptr;
+  auto* list = static_cast<vlt_underlying_vector_t*>(block);
+  list->capacity = capacity;
+  return list;
+}
+
+vlt_underlying_buffer_t* makeBuffer(uint32_t length) noexcept {
+  void* block = makeZeroed(STANDIN_BLOCK_BUFFER, sizeof(vlt_underlying_buffer_t), length, 1);
+  if (block == nullptr) return nullptr;
+  auto* buffer = static_cast<vlt_underlying_buffer_t*>(block);
+  buffer->length = length;
+  return buffer;
+}
+
+char* makeString(std::size_t length) noexcept {
+  if (allocationRefused()) return nullptr;
+  void* block = std::malloc(length + 1);
+  if (block != nullptr) countMade(STANDIN_BLOCK_STRING);
+  return static_cast<char*>(block);
+}
+
+custom_object_t* makeCustom(uint64_t label) noexcept {
+  void* block = makeZeroed(STANDIN_BLOCK_CUSTOM, sizeof(custom_object_t), 0, 1);
+  return block == nullptr ? nullptr : new (block) custom_object_t{label};
+}
+
+void releaseMap(void* table) noexcept { release(STANDIN_BLOCK_MAP, table); }
+void releaseList(void* list) noexcept { release(STANDIN_BLOCK_LIST, list); }
+void releaseBuffer(vlt_underlying_buffer_t* buffer) noexcept {
+  release(STANDIN_BLOCK_BUFFER, buffer);
+}
+void releaseString(char* text) noexcept { release(STANDIN_BLOCK_STRING, text); }
+void releaseCustom(void* object) noexcept { release(STANDIN_BLOCK_CUSTOM, object); }
+
+} // namespace standin

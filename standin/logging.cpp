@@ -1,0 +1,139 @@
+// The log: a level per category, and lines handed to a sink. Levels and sink lie behind one lock,
+// which is not held while the sink runs, so a sink may log.
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <utility>
+
+#include "standin/accounting.hpp"
+#include "standin/interface.hpp"
+#include "standin/stderr_line.hpp"
+
+namespace standin {
+
+namespace {
+
+struct category_t {
+  category_t* next;
+  vlt_log_level_t level;
+  char name[1]; // as long as it needs to be
+};
+
+struct log_sink_t {
+  standin_log_sink_t function; // null: standard error
+  void* context;
+};
+
+constexpr vlt_log_level_t initialLevel = 3;
+
+std::mutex lock; // guards all that follows up to the functions
+category_t* categories = nullptr;
+vlt_log_level_t defaultLevel = initialLevel;
+log_sink_t currentSink{};
+
+// The caller holds the lock. Null: no level of its own. A plain list: a process has few categories,
+// and a plug-in asks once for each.
+category_t* findCategory(const char* name) noexcept {
+  category_t* category = categories;
+  while (category != nullptr && std::strcmp(category->name, name) != 0) category = category->next;
+  return category;
+}
+
+log_sink_t sinkInUse() noexcept {
+  const std::lock_guard guard(lock);
+  return currentSink;
+}
+
+void deliver(const char* category, vlt_log_level_t level, char* text, std::size_t length) noexcept {
+  const log_sink_t sink = sinkInUse();
+  if (sink.function == nullptr) return writeStderrLine(text, length);
+  sink.function(sink.context, category == nullptr ? "" : category, level, text);
+}
+
+struct free_t {
+  void operator()(void* memory) const noexcept { std::free(memory); }
+};
+
+// Most lines fit a buffer on the stack. A longer one is formatted again on the heap; if there is no
+// room for it, its beginning is worth more than nothing.
+void formatAndDeliver(const char* category, vlt_log_level_t level, const char* format,
+                      va_list arguments) noexcept {
+  va_list again;
+  va_copy(again, arguments);
+  std::array<char, 1024> shortText;
+  // The caller has started the list; the analyzer loses sight of that across the call.
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
+  const int result = std::vsnprintf(shortText.data(), shortText.size(), format, arguments);
+  const std::size_t length = result < 0 ? 0 : static_cast<std::size_t>(result);
+  if (length < shortText.size()) {
+    shortText[length] = '\0'; // after an error the contents are anyone's guess
+    deliver(category, level, shortText.data(), length);
+  } else {
+    const std::unique_ptr<char, free_t> longText(static_cast<char*>(std::malloc(length + 1)));
+    if (longText != nullptr) {
+      std::vsnprintf(longText.get(), length + 1, format, again);
+      deliver(category, level, longText.get(), length);
+    } else {
+      deliver(category, level, shortText.data(), shortText.size() - 1);
+    }
+  }
+  va_end(again);
+}
+
+} // namespace
+
+} // namespace standin
+
+using namespace standin;
+
+vlt_log_level_t vlt_get_log_level(const char* category) {
+  countCall(STANDIN_GET_LOG_LEVEL);
+  const std::lock_guard guard(lock);
+  const category_t* found = findCategory(category == nullptr ? "" : category);
+  return found == nullptr ? defaultLevel : found->level;
+}
+
+void vlt_log_at(const char* category, vlt_log_level_t level, const char* format, ...) {
+  countCall(STANDIN_LOG_AT);
+  va_list arguments;
+  va_start(arguments, format);
+  formatAndDeliver(category, level, format, arguments);
+  va_end(arguments);
+}
+
+bool standin_set_log_level(const char* category, vlt_log_level_t level) {
+  const std::lock_guard guard(lock);
+  if (category_t* found = findCategory(category); found != nullptr) {
+    found->level = level;
+    return true;
+  }
+  const std::size_t length = std::strlen(category);
+  void* memory = std::malloc(sizeof(category_t) + length);
+  if (memory == nullptr) return false;
+  auto* added = new (memory) category_t{categories, level, {}};
+  std::memcpy(static_cast<char*>(memory) + offsetof(category_t, name), category, length + 1);
+  categories = added;
+  return true;
+}
+
+void standin_set_default_log_level(vlt_log_level_t level) {
+  const std::lock_guard guard(lock);
+  defaultLevel = level;
+}
+
+void standin_set_log_sink(standin_log_sink_t sink, void* context) {
+  const std::lock_guard guard(lock);
+  currentSink = {sink, context};
+}
+
+void standin_reset_logging(void) {
+  const std::lock_guard guard(lock);
+  while (categories != nullptr) std::free(std::exchange(categories, categories->next));
+  defaultLevel = initialLevel;
+  currentSink = {};
+}

@@ -1,0 +1,90 @@
+// The work list of everything that walks nested values and may neither recurse (a message nests as
+// deep as its sender likes) nor ask for memory: a stack threaded through the waiting blocks
+// themselves.
+//
+//   list, map    0 head (16 or 32 bytes)
+//   waiting      0 next: address of the block below, its lowest bit set for a map (8)   8 note (8)
+//
+// A waiting block's first 16 bytes are lost; what is still needed of them travels in the note.
+#ifndef VLT_STANDIN_PENDING_BLOCKS_HPP
+#define VLT_STANDIN_PENDING_BLOCKS_HPP
+
+#include <cstdint>
+#include <new>
+
+#include "host/types.h"
+
+namespace standin {
+
+// A list block or a map table.
+class Container {
+ public:
+  Container() = default;
+  explicit Container(vlt_underlying_vector_t* list) noexcept : block_(list) {}
+  explicit Container(vlt_underlying_map_table_t* table) noexcept : block_(table), isMap_(true) {}
+
+  bool null() const noexcept { return block_ == nullptr; }
+  bool isMap() const noexcept { return isMap_; }
+  void* block() const noexcept { return block_; }
+
+ private:
+  void* block_ = nullptr;
+  bool isMap_ = false;
+};
+
+// Last in, first out. The blocks are not owned.
+template <typename Note>
+class PendingBlocks {
+ public:
+  struct item_t {
+    Container container;
+    Note note;
+  };
+
+  bool empty() const noexcept { return top_.null(); }
+
+  // Overwrites the block's first 16 bytes until it is taken off again.
+  void push(Container container, Note note) noexcept {
+    new (container.block()) waiting_t{marked(top_), note};
+    top_ = container;
+  }
+
+  // Not on an empty stack. The block's first 16 bytes are the caller's to fill.
+  item_t pop() noexcept {
+    const Container container = top_;
+    const waiting_t waiting = *static_cast<const waiting_t*>(container.block());
+    top_ = unmarked(waiting.next);
+    return {container, waiting.note};
+  }
+
+ private:
+  // A pointer into the block, not a number, so that leak checkers see that the block is referenced.
+  struct waiting_t {
+    char* next;
+    Note note;
+  };
+  static_assert(sizeof(waiting_t) == sizeof(vlt_underlying_vector_t),
+                "a list block of no elements has no room for more");
+
+  static constexpr std::uintptr_t mapMark = 1;
+  static_assert(alignof(vlt_underlying_vector_t) > mapMark &&
+                    alignof(vlt_underlying_map_table_t) > mapMark,
+                "the mark needs a bit that is 0 in every address");
+
+  static char* marked(Container container) noexcept {
+    return static_cast<char*>(container.block()) + (container.isMap() ? mapMark : 0);
+  }
+
+  static Container unmarked(char* address) noexcept {
+    if ((reinterpret_cast<std::uintptr_t>(address) & mapMark) == 0) {
+      return Container(reinterpret_cast<vlt_underlying_vector_t*>(address));
+    }
+    return Container(reinterpret_cast<vlt_underlying_map_table_t*>(address - mapMark));
+  }
+
+  Container top_;
+};
+
+} // namespace standin
+
+#endif

@@ -1,0 +1,31 @@
+// The display text of values. Nothing parses it; it is stable so that logs and tests can be
+// compared.
+//
+//   empty            null
+//   boolean          true, false
+//   double           the shortest text that reads back as the same number, "5.0" when whole
+//   integer          decimal digits
+//   decimal          decimal(0x0123456789abcdef), the 8 bytes as one number
+//   string           in quotes; escaped \" \\ \n \r \t, other control characters as \u00xx; a null
+//                    text as ""
+//   list             [a, b]
+//   map              {key: value, key: value} in slot order: the same for the same table, though
+//   not
+//                    for equal maps with another history. Sorting would cost memory and time.
+//   buffer           buffer(12 bytes)
+//   custom           custom
+//   unknown          unknown(11), with the tag
+#ifndef VLT_STANDIN_RENDER_HPP
+#define VLT_STANDIN_RENDER_HPP
+
+#include "host/types.h"
+
+namespace standin {
+
+// A counted string block, owned by the caller. Null: exhausted. Uses a fixed amount of stack,
+// however deep the value nests.
+char* renderValue(const vlt_underlying_data_t& value) noexcept;
+
+} // namespace standin
+
+#endif

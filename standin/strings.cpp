@@ -1,0 +1,79 @@
+// Strings: copies, and the hash that places string keys in tables.
+//
+// The hash: (1) seed and length start the state, (2) each 8 bytes, little-endian, and then the 0 to
+// 7 bytes left, padded with zeros, are multiplied and mixed in, (3) two multiply-and-shift rounds
+// spread every bit of the state over all 64. Each step is a bijection of the state, so texts of one
+// length below 9 bytes never collide under one seed.
+#include "standin/strings.hpp"
+
+#include <atomic>
+#include <bit>
+#include <cstring>
+
+#include "standin/accounting.hpp"
+#include "standin/blocks.hpp"
+#include "standin/interface.hpp"
+
+namespace standin {
+
+char* copyText(const char* text) noexcept {
+  const std::size_t length = std::strlen(text);
+  char* copy = makeString(length);
+  if (copy != nullptr) std::memcpy(copy, text, length + 1);
+  return copy;
+}
+
+namespace {
+
+// Odd, and so bijective factors, with about half of their bits set in no pattern.
+constexpr uint64_t wordFactor = 0x9e3779b97f4a7c15;
+constexpr uint64_t stateFactor = 0xd6e8feb86659fd93;
+constexpr uint64_t lengthFactor = 0xa0761d6478bd642f;
+
+constexpr uint64_t mixIn(uint64_t state, uint64_t word) noexcept {
+  return std::rotl(state ^ (word * wordFactor), 29) * stateFactor;
+}
+
+constexpr uint64_t finish(uint64_t state) noexcept {
+  state = (state ^ (state >> 32)) * wordFactor;
+  state = (state ^ (state >> 29)) * stateFactor;
+  return state ^ (state >> 32);
+}
+
+uint64_t readWord(const char* bytes, std::size_t count) noexcept {
+  uint64_t word = 0;
+  std::memcpy(&word, bytes, count);
+  return word;
+}
+
+uint64_t ownHash(const char* text, uint64_t seed) {
+  std::size_t left = std::strlen(text);
+  uint64_t state = seed ^ (left * lengthFactor);
+  for (; left >= sizeof(uint64_t); left -= sizeof(uint64_t), text += sizeof(uint64_t)) {
+    state = mixIn(state, readWord(text, sizeof(uint64_t)));
+  }
+  if (left > 0) state = mixIn(state, readWord(text, left));
+  return finish(state);
+}
+
+constinit std::atomic<standin_string_hash_t> stringHash{ownHash};
+
+} // namespace
+
+} // namespace standin
+
+using namespace standin;
+
+char* vlt_copy_string(const char* text) {
+  countCall(STANDIN_COPY_STRING);
+  return copyText(text == nullptr ? "" : text);
+}
+
+uint64_t vlt_hash_string(const char* text, uint64_t seed) {
+  countCall(STANDIN_HASH_STRING);
+  return stringHash.load(std::memory_order_relaxed)(text == nullptr ? "" : text, seed);
+}
+
+void standin_set_string_hash(standin_string_hash_t hash) {
+  stringHash.store(hash == nullptr ? ownHash : hash, std::memory_order_relaxed);
+}

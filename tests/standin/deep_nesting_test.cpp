@@ -1,0 +1,97 @@
+// Values nested a million deep, on a stack that has room for a few hundred calls.
+#include "host/storage.h"
+
+#include <utility>
+
+#include "tests/standin/values.hpp"
+
+namespace standin::test {
+namespace {
+
+constexpr int depth = 1'000'000;
+constexpr std::size_t smallStack = 65536;
+
+data listOf(const data& inner) { return list({inner}); }
+data valueOf(const data& inner) { return map(tableOf(1, {{0, 5, integer(1), inner}})); }
+data keyOf(const data& inner) { return map(tableOf(1, {{0, 5, inner, integer(1)}})); }
+
+// One level of nesting, and the text around what is inside it.
+struct nesting_t {
+  const char* name;
+  data (*around)(const data& inner);
+  const char* before;
+  const char* after;
+};
+
+constexpr nesting_t lists{"lists", listOf, "[", "]"};
+constexpr nesting_t values{"values", valueOf, "{1: ", "}"};
+constexpr nesting_t keys{"keys", keyOf, "{", ": 1}"};
+
+// The three kinds of level in turn, or one of them only.
+struct case_t {
+  const char* name;
+  nesting_t levels[3];
+};
+
+class DeepNesting : public testing::TestWithParam<case_t> {
+ protected:
+  void SetUp() override {
+    for (int i = 0; i < depth; ++i) value_ = GetParam().levels[i % 3].around(value_);
+  }
+
+  void TearDown() override { EXPECT_EQ(standin_live_blocks_total(), before_); }
+
+  std::string text() const {
+    std::string before;
+    std::string after;
+    for (int i = 0; i < depth; ++i) {
+      before += GetParam().levels[(depth - 1 - i) % 3].before;
+      after += GetParam().levels[i % 3].after;
+    }
+    return before + "7" + after;
+  }
+
+  const int64_t before_ = standin_live_blocks_total();
+  data value_ = integer(7);
+};
+
+TEST_P(DeepNesting, IsFreedOnASmallStack) {
+  runWithStack(smallStack, [this] { freeData(value_); });
+}
+
+TEST_P(DeepNesting, IsCopiedOnASmallStack) {
+  data copy = empty();
+  runWithStack(smallStack, [&] { copy = vlt_copy_data(&value_); });
+  EXPECT_EQ(standin_live_blocks_total() - before_, 2 * depth);
+  freeData(value_);
+  EXPECT_TRUE(rendered(copy) == text()) << "the copy differs";
+  freeData(copy);
+}
+
+TEST_P(DeepNesting, PartialCopyIsFreedOnASmallStack) {
+  data copy = integer(1);
+  standin_fail_allocation(depth);
+  runWithStack(smallStack, [&] { copy = vlt_copy_data(&value_); });
+  EXPECT_EQ(standin_failed_allocations(), 1U);
+  EXPECT_EQ(copy.tag, uint32_t{VLT_TAG_EMPTY});
+  EXPECT_EQ(standin_live_blocks_total() - before_, depth);
+  freeData(value_);
+}
+
+TEST_P(DeepNesting, IsRenderedOnASmallStack) {
+  data rendering = empty();
+  runWithStack(smallStack, [&] { rendering = vlt_data_to_string(&value_); });
+  EXPECT_TRUE(rendering.value.string == text()) << "the text differs";
+  freeData(rendering);
+  freeData(value_);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, DeepNesting,
+                         testing::Values(case_t{"Lists", {lists, lists, lists}},
+                                         case_t{"MapValues", {values, values, values}},
+                                         case_t{"MapKeys", {keys, keys, keys}},
+                                         case_t{"Mixed", {lists, values, keys}}),
+                         [](const auto& named) { return named.param.name; });
+
+} // namespace
+} // namespace standin::test

@@ -1,0 +1,186 @@
+// The vocabulary of these tests: values written down in one expression, freed by their holder, and
+// a fixture that finds every block again.
+#ifndef VLT_TESTS_STANDIN_VALUES_HPP
+#define VLT_TESTS_STANDIN_VALUES_HPP
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <cstring>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+#include "host/storage.h"
+#include "standin/layout.hpp"
+#include "standin/standin.h"
+
+namespace standin::test {
+
+using data = vlt_underlying_data_t;
+using table = vlt_underlying_map_table_t;
+
+inline data tagged(uint32_t tag, uint64_t bits = 0) {
+  data value{};
+  std::memcpy(&value.value, &bits, sizeof bits);
+  value.tag = tag;
+  return value;
+}
+
+inline data empty() { return tagged(VLT_TAG_EMPTY); }
+inline data boolean(bool content) { return tagged(VLT_TAG_BOOLEAN, content ? 1 : 0); }
+inline data decimal(uint64_t bits) { return tagged(VLT_TAG_DECIMAL, bits); }
+
+inline data integer(int64_t content) {
+  return tagged(VLT_TAG_INTEGER, static_cast<uint64_t>(content));
+}
+
+inline data real(double content) {
+  data value = tagged(VLT_TAG_DOUBLE);
+  value.value.real = content;
+  return value;
+}
+
+inline data borrowed(const char* text) {
+  data value = tagged(VLT_TAG_BORROWED_STRING);
+  value.value.string = text;
+  return value;
+}
+
+inline data string(const char* text) {
+  data value = tagged(VLT_TAG_STRING);
+  value.value.string = vlt_copy_string(text);
+  return value;
+}
+
+inline data list(std::initializer_list<data> elements) {
+  const auto count = static_cast<int64_t>(elements.size());
+  data value = tagged(VLT_TAG_LIST);
+  value.value.list = standin_make_list(count, count);
+  int64_t i = 0;
+  for (const data& element : elements) elementsOf(value.value.list)[i++] = element;
+  return value;
+}
+
+inline data buffer(std::string_view bytes) {
+  data value = tagged(VLT_TAG_BUFFER);
+  value.value.buffer = standin_make_buffer(static_cast<uint32_t>(bytes.size()));
+  std::memcpy(bytesOf(value.value.buffer), bytes.data(), bytes.size());
+  return value;
+}
+
+inline data custom(uint64_t label) {
+  data value = tagged(VLT_TAG_CUSTOM);
+  value.value.custom = standin_make_custom(label);
+  return value;
+}
+
+// A table with each entry in the slot that it names.
+struct placed_t {
+  int64_t slot;
+  uint64_t hash;
+  data key;
+  data value;
+};
+
+inline table* tableOf(int64_t capacity, std::initializer_list<placed_t> entries) {
+  table* made = vlt_allocate_map(capacity);
+  for (const placed_t& entry : entries) {
+    slotsOf(made)[entry.slot] = {entry.hash, entry.key, entry.value};
+    ++made->live;
+  }
+  return made;
+}
+
+// A tombstone, as erasing leaves it.
+inline void markDeleted(table* changed, int64_t slot) {
+  slotsOf(changed)[slot] = {deletedHash, empty(), empty()};
+  ++changed->deleted;
+}
+
+inline data map(table* content) {
+  data value = tagged(VLT_TAG_MAP);
+  value.value.map = content;
+  return value;
+}
+
+inline void freeData(const data& value) {
+  switch (value.tag) {
+    case VLT_TAG_STRING:
+      return vlt_free_string(const_cast<char*>(value.value.string));
+    case VLT_TAG_LIST:
+      return vlt_free_vector(value.value.list);
+    case VLT_TAG_MAP:
+      return vlt_free_map(value.value.map);
+    case VLT_TAG_BUFFER:
+      return vlt_free_buffer(value.value.buffer);
+    case VLT_TAG_CUSTOM:
+      return vlt_free_custom(value.value.custom);
+    default:
+      return;
+  }
+}
+
+// Frees its value at the end of the scope.
+struct Held {
+  explicit Held(const data& held) : value(held) {}
+  Held(const Held&) = delete;
+  Held& operator=(const Held&) = delete;
+  ~Held() { freeData(value); }
+
+  data value;
+};
+
+inline std::string rendered(const data& value) {
+  const Held text(vlt_data_to_string(&value));
+  return text.value.value.string == nullptr ? "(null text)" : text.value.value.string;
+}
+
+inline std::string renderedAndFreed(const data& value) {
+  const Held held(value);
+  return rendered(value);
+}
+
+// Every block that a test makes has to be freed by its end.
+class Blocks : public testing::Test {
+ protected:
+  void TearDown() override {
+    standin_fail_allocation(0);
+    EXPECT_EQ(standin_live_blocks_total(), before_) << "blocks made by this test are still live";
+  }
+
+ private:
+  const int64_t before_ = standin_live_blocks_total();
+};
+
+// Runs `body` with the 1st allocation refused, then the 2nd, until none is. Returns how many runs
+// saw a refusal, which is the number of allocations that a full run makes.
+template <typename Body>
+int failEach(Body body) {
+  for (uint64_t n = 1;; ++n) {
+    standin_fail_allocation(n);
+    body();
+    standin_fail_allocation(0);
+    if (standin_failed_allocations() == 0) return static_cast<int>(n - 1);
+  }
+}
+
+// Runs `body` to its end on a thread of its own with `stackBytes` of stack.
+template <typename Body>
+void runWithStack(std::size_t stackBytes, Body body) {
+  pthread_attr_t attributes;
+  ASSERT_EQ(pthread_attr_init(&attributes), 0);
+  ASSERT_EQ(pthread_attr_setstacksize(&attributes, stackBytes), 0);
+  pthread_t thread{};
+  const auto run = [](void* argument) -> void* {
+    (*static_cast<Body*>(argument))();
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &attributes, run, &body), 0);
+  EXPECT_EQ(pthread_join(thread, nullptr), 0);
+  pthread_attr_destroy(&attributes);
+}
+
+} // namespace standin::test
+
+#endif

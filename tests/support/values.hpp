@@ -1,0 +1,97 @@
+// The words in which tests write values down: one expression a value, any kind, any nesting.
+//
+//   map_of("id", text("1"), "source", map_of("id", text("7")), "tags", list_of(text("a"), whole(2)))
+#ifndef VLT_TESTS_SUPPORT_VALUES_HPP
+#define VLT_TESTS_SUPPORT_VALUES_HPP
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <utility>
+
+#include "standin/standin.h"
+#include "value/get_visitor.hpp"
+#include "value/message.hpp"
+#include "value/to_string.hpp"
+
+namespace com::velanto::connectivity::test {
+
+inline data_t text(const char* content) { return data_t(content); }
+inline data_t whole(std::int64_t content) { return data_t(content); }
+inline data_t real(double content) { return data_t(content); }
+inline data_t truth(bool content) { return data_t(content); }
+inline data_t decimal(std::uint64_t bits) { return data_t(vlt_underlying_decimal_t{bits}); }
+
+// A value of any tag with these content bits, owning whatever they point at.
+inline data_t tagged(std::uint32_t tag, std::uint64_t bits = 0) {
+  vlt_underlying_data_t raw{};
+  std::memcpy(&raw.value, &bits, sizeof bits);
+  raw.tag = tag;
+  return data_t::adopt(raw);
+}
+// A string that does not own its text, which must outlive it.
+inline data_t borrowed(const char* content) {
+  return tagged(VLT_TAG_BORROWED_STRING, reinterpret_cast<std::uintptr_t>(content));
+}
+inline data_t null_text() { return tagged(VLT_TAG_STRING); }
+inline data_t custom(std::uint64_t label = 1) {
+  vlt_underlying_data_t raw{};
+  raw.value.custom = standin_make_custom(label);
+  raw.tag = VLT_TAG_CUSTOM;
+  return data_t::adopt(raw);
+}
+inline data_t bytes(const std::string& content) {
+  vlt_underlying_buffer_t* const block =
+      standin_make_buffer(static_cast<std::uint32_t>(content.size()));
+  std::memcpy(block + 1, content.data(), content.size());
+  return buffer_t(block);
+}
+
+template <class... Elements>
+data_t list_of(Elements&&... elements) {
+  const auto count = static_cast<std::int64_t>(sizeof...(elements));
+  list_t list(standin_make_list(count, count));
+  [[maybe_unused]] std::size_t at = 0;
+  ((list[at++] = std::forward<Elements>(elements)), ...);
+  return list;
+}
+
+inline data_t key_of(const char* key) { return data_t(key); }
+inline data_t key_of(data_t&& key) { return std::move(key); }
+
+inline void fill(map_t&) {}
+template <class Key, class... Rest>
+void fill(map_t& map, Key&& key, data_t&& value, Rest&&... rest) {
+  map[key_of(std::forward<Key>(key))] = std::move(value);
+  fill(map, std::forward<Rest>(rest)...);
+}
+// Keys are texts or values; they are inserted in the order in which they stand.
+template <class... KeysAndValues>
+map_t map_of(KeysAndValues&&... entries) {
+  map_t map;
+  fill(map, std::forward<KeysAndValues>(entries)...);
+  return map;
+}
+
+inline Message notification(const char* path, data_t&& payload) {
+  return Message(std::move(payload), map_of("pulsarPath", text(path)));
+}
+
+// The value under a key; a test failure by exception when there is none.
+inline data_t& at(map_t& map, const char* key) { return (*map.find(data_t(key))).second; }
+inline bool has(const map_t& map, const char* key) { return map.find(data_t(key)) != map.end(); }
+
+// The what() of the exception that `action` throws, or "nothing thrown".
+template <class Action>
+std::string error_of(const Action& action) {
+  try {
+    action();
+  } catch (const std::exception& e) {
+    return e.what();
+  }
+  return "nothing thrown";
+}
+
+} // namespace com::velanto::connectivity::test
+
+#endif

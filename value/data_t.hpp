@@ -1,0 +1,201 @@
+// The tagged value that every piece of data crossing the plug-in boundary is:
+//
+//   0 content (8, read by tag)   8 tag (4)   12 padding, never read
+//
+//   tag  0 empty   1 boolean   2 double   3 integer   4 decimal   5 string   6 list   7 map
+//        8 buffer  9 custom   10 borrowed string (reads as a string; the text is not owned)
+//
+// A value owns the block behind tags 5 to 9 and frees it through the host. The containers are
+// members of the union, so that a typed get is a reference into the value itself, never a copy. A
+// tag above 10 comes from a newer host: it is not empty, owns nothing, equals nothing and is moved
+// along unread.
+//
+// A null text (tags 5 and 10) reads as the empty text, in comparisons and hashes too.
+#ifndef VLT_VALUE_DATA_T_HPP
+#define VLT_VALUE_DATA_T_HPP
+
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+#include "host/storage.h"
+#include "value/buffer_t.hpp"
+#include "value/list_t.hpp"
+#include "value/map_t.hpp"
+
+namespace com::velanto::connectivity {
+
+// The kind's name as messages use it; "Unknown" for a tag above 10.
+[[nodiscard]] const char* kind_name(std::uint32_t tag) noexcept;
+
+// The text itself, or the empty text for null.
+[[nodiscard]] inline const char* text_or_empty(const char* text) noexcept {
+  return text == nullptr ? "" : text;
+}
+
+// `text`, which must not be null: throws std::runtime_error "Cannot use a null char* as a data_t
+// value (consider using an empty data_t() instead)".
+const char* requireText(const char* text);
+
+class data_t {
+ public:
+  data_t() noexcept : tag_(VLT_TAG_EMPTY) {}
+  explicit data_t(bool content) noexcept : tag_(VLT_TAG_BOOLEAN) { content_.boolean = content; }
+  explicit data_t(double content) noexcept : tag_(VLT_TAG_DOUBLE) { content_.real = content; }
+  explicit data_t(std::int64_t content) noexcept : tag_(VLT_TAG_INTEGER) {
+    content_.integer = content;
+  }
+  explicit data_t(long long content) noexcept : data_t(static_cast<std::int64_t>(content)) {}
+  explicit data_t(vlt_underlying_decimal_t content) noexcept : tag_(VLT_TAG_DECIMAL) {
+    content_.decimal = content;
+  }
+  // Copies the text. Throws std::runtime_error for null, std::bad_alloc.
+  explicit data_t(const char* text);
+  // Take over the container's block; the source is left holding null. Implicit, since a container is a
+  // value already, only without its tag.
+  data_t(list_t&& content) noexcept : tag_(VLT_TAG_LIST) {
+    new (&content_.list) list_t(std::move(content));
+  }
+  data_t(map_t&& content) noexcept : tag_(VLT_TAG_MAP) {
+    new (&content_.map) map_t(std::move(content));
+  }
+  data_t(buffer_t&& content) noexcept : tag_(VLT_TAG_BUFFER) {
+    new (&content_.buffer) buffer_t(std::move(content));
+  }
+  // A pointer of any other type would otherwise become a boolean.
+  explicit data_t(const void*) = delete;
+
+  // Deep copies; a borrowed string is copied into an owned one. Throw std::bad_alloc; the target of
+  // an assignment then keeps its content.
+  data_t(const data_t& other);
+  data_t& operator=(const data_t& other);
+
+  // Take over the 16 bytes; the source is left empty. The host is not called but to free what the
+  // target of an assignment held.
+  data_t(data_t&& other) noexcept { take(other); }
+  data_t& operator=(data_t&& other) noexcept {
+    if (this != &other) {
+      data_t old;
+      old.take(*this);
+      take(other);
+    }
+    return *this;
+  }
+
+  ~data_t() {
+    if (owns_block()) free_block();
+  }
+
+  // The value that `content` is; takes over its block.
+  [[nodiscard]] static data_t adopt(const vlt_underlying_data_t& content) noexcept {
+    data_t result;
+    std::memcpy(static_cast<void*>(&result), &content, sizeof content);
+    return result;
+  }
+  // `content`, which keeps its block, seen as a value.
+  [[nodiscard]] static const data_t& view(const vlt_underlying_data_t& content) noexcept {
+    return reinterpret_cast<const data_t&>(content);
+  }
+  // The value as the host's functions take it; still owned here.
+  [[nodiscard]] const vlt_underlying_data_t* underlying() const noexcept {
+    return reinterpret_cast<const vlt_underlying_data_t*>(this);
+  }
+
+  [[nodiscard]] bool empty() const noexcept { return tag_ == VLT_TAG_EMPTY; }
+  [[nodiscard]] std::uint32_t type_tag() const noexcept { return tag_; }
+  // Either string kind.
+  [[nodiscard]] bool is_string() const noexcept {
+    return tag_ == VLT_TAG_STRING || tag_ == VLT_TAG_BORROWED_STRING;
+  }
+
+  // Same kind and same content; no conversion between kinds, so a borrowed string never equals an
+  // owned one. A NaN and a custom value differ from everything, themselves included.
+  bool operator==(const data_t& other) const noexcept;
+
+  // The content in place, as T: bool, double, int64_t, vlt_underlying_decimal_t, const char* (which
+  // may be null), list_t, map_t, buffer_t or vlt_underlying_custom_t. Valid until the value is
+  // destroyed, moved from or assigned to. Throws std::runtime_error "Get from empty" (also for a
+  // tag above 10), or "Incorrect type in get (you asked for … but it's actually …)" after a line on
+  // standard error. Defined in value/get_visitor.hpp.
+  template <class T>
+  [[nodiscard]] T& get();
+  template <class T>
+  [[nodiscard]] const T& get() const;
+
+  // Calls `visitor` with a reference to the content, whose type tells the kind, or `on_nothing`
+  // with no argument when there is none to be read: an empty value or a tag above 10.
+  template <class Visitor, class OnNothing>
+  decltype(auto) apply_visitor(const Visitor& visitor, const OnNothing& on_nothing) {
+    return visit(*this, visitor, on_nothing);
+  }
+  template <class Visitor, class OnNothing>
+  decltype(auto) apply_visitor(const Visitor& visitor, const OnNothing& on_nothing) const {
+    return visit(*this, visitor, on_nothing);
+  }
+
+ private:
+  // The containers' own destructors are never run through the union: free_block() decides by tag.
+  union content_t {
+    content_t() noexcept : integer(0) {}
+    ~content_t() {} // NOLINT(modernize-use-equals-default): a defaulted one would be deleted
+    bool boolean;
+    double real;
+    std::int64_t integer;
+    vlt_underlying_decimal_t decimal;
+    const char* string;
+    list_t list;
+    map_t map;
+    buffer_t buffer;
+    vlt_underlying_custom_t custom;
+  };
+
+  [[nodiscard]] bool owns_block() const noexcept {
+    return tag_ >= VLT_TAG_STRING && tag_ <= VLT_TAG_CUSTOM;
+  }
+  // Moves the 16 bytes of `other` here, over whatever stands here, and leaves `other` empty.
+  void take(data_t& other) noexcept {
+    std::memcpy(static_cast<void*>(this), static_cast<const void*>(&other), sizeof *this);
+    other.content_.integer = 0;
+    other.tag_ = VLT_TAG_EMPTY;
+  }
+  void free_block() noexcept;
+
+  template <class Self, class Visitor, class OnNothing>
+  static decltype(auto) visit(Self& self, const Visitor& visitor, const OnNothing& on_nothing) {
+    switch (self.tag_) {
+      case VLT_TAG_BOOLEAN:
+        return visitor(self.content_.boolean);
+      case VLT_TAG_DOUBLE:
+        return visitor(self.content_.real);
+      case VLT_TAG_INTEGER:
+        return visitor(self.content_.integer);
+      case VLT_TAG_DECIMAL:
+        return visitor(self.content_.decimal);
+      case VLT_TAG_STRING:
+      case VLT_TAG_BORROWED_STRING:
+        return visitor(self.content_.string);
+      case VLT_TAG_LIST:
+        return visitor(self.content_.list);
+      case VLT_TAG_MAP:
+        return visitor(self.content_.map);
+      case VLT_TAG_BUFFER:
+        return visitor(self.content_.buffer);
+      case VLT_TAG_CUSTOM:
+        return visitor(self.content_.custom);
+      default:
+        return on_nothing();
+    }
+  }
+
+  content_t content_;
+  std::uint32_t tag_;
+};
+
+static_assert(sizeof(data_t) == sizeof(vlt_underlying_data_t), "a value wraps the host's bytes");
+static_assert(alignof(data_t) == alignof(vlt_underlying_data_t), "arrays are shared in place");
+static_assert(!std::is_polymorphic_v<data_t>, "a virtual table would change the layout");
+
+} // namespace com::velanto::connectivity
+
+#endif

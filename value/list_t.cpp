@@ -1,0 +1,71 @@
+#include "value/list_t.hpp"
+
+#include "value/data_t.hpp"
+#include "value/iterator_checks.hpp"
+
+namespace com::velanto::connectivity {
+
+data_t* list_t::elements() const noexcept { return reinterpret_cast<data_t*>(block_ + 1); }
+
+data_t& list_t::operator[](std::size_t index) noexcept { return elements()[index]; }
+const data_t& list_t::operator[](std::size_t index) const noexcept { return elements()[index]; }
+
+list_t::iterator list_t::begin() noexcept { return {this, 0}; }
+list_t::iterator list_t::end() noexcept { return {this, size()}; }
+list_t::const_iterator list_t::begin() const noexcept { return {this, 0}; }
+list_t::const_iterator list_t::end() const noexcept { return {this, size()}; }
+
+bool list_t::operator==(const list_t& other) const noexcept {
+  if (size() != other.size()) return false;
+  for (std::size_t i = 0; i < size(); ++i) {
+    if ((*this)[i] != other[i]) return false;
+  }
+  return true;
+}
+
+template <bool Const>
+list_t::_iterator<Const>::_iterator(list_pointer list, std::size_t index) noexcept
+    : list_(list), block_(list->block_), count_(list->size()), index_(index) {}
+
+template <bool Const>
+void list_t::_iterator<Const>::check() const {
+  const bool lost_block = block_ != nullptr && list_->block_ == nullptr;
+  if (lost_block || list_->size() != count_) {
+    iterator_checks::report(iterator_checks::LIST_MODIFIED);
+  }
+}
+
+template <bool Const>
+auto list_t::_iterator<Const>::operator*() const noexcept -> reference {
+  return (*list_)[index_];
+}
+
+template <bool Const>
+auto list_t::_iterator<Const>::operator->() const noexcept -> pointer {
+  return &(*list_)[index_];
+}
+
+template <bool Const>
+auto list_t::_iterator<Const>::operator++() -> _iterator& {
+  check();
+  ++index_;
+  return *this;
+}
+
+template <bool Const>
+auto list_t::_iterator<Const>::operator++(int) -> _iterator {
+  _iterator before = *this;
+  ++*this;
+  return before;
+}
+
+template <bool Const>
+bool list_t::_iterator<Const>::operator==(const _iterator& other) const {
+  check();
+  return index_ == other.index_;
+}
+
+template class list_t::_iterator<false>;
+template class list_t::_iterator<true>;
+
+} // namespace com::velanto::connectivity

@@ -1,0 +1,107 @@
+// A sequence of values behind one pointer, as the host lays it out:
+//
+//   0 count (8)   8 capacity (8)   16 elements (16 each)
+//
+// A null pointer is a valid empty list. The host makes and grows lists; here they are read, moved
+// and, through the value that holds them, copied.
+//
+// An iterator remembers the block and its count when it is made. Whoever advances or compares it
+// after the list lost its block or changed its count gets "Iterator invalidated by modifying list".
+#ifndef VLT_VALUE_LIST_T_HPP
+#define VLT_VALUE_LIST_T_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <type_traits>
+#include <utility>
+
+#include "host/storage.h"
+
+namespace com::velanto::connectivity {
+
+class data_t;
+
+class list_t {
+ public:
+  template <bool Const>
+  class _iterator;
+  using iterator = _iterator<false>;
+  using const_iterator = _iterator<true>;
+
+  list_t() noexcept = default;
+  // Takes over `block`, which the host allocated.
+  explicit list_t(vlt_underlying_vector_t* block) noexcept : block_(block) {}
+  list_t(list_t&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
+  list_t& operator=(list_t&& other) noexcept {
+    if (this != &other) reset(std::exchange(other.block_, nullptr));
+    return *this;
+  }
+  list_t(const list_t&) = delete;
+  list_t& operator=(const list_t&) = delete;
+  ~list_t() { reset(nullptr); }
+
+  // Number of elements; 0 for a null block.
+  [[nodiscard]] std::size_t size() const noexcept {
+    return block_ == nullptr ? 0 : static_cast<std::size_t>(block_->count);
+  }
+  // The element at `index`, which must be below size().
+  [[nodiscard]] data_t& operator[](std::size_t index) noexcept;
+  [[nodiscard]] const data_t& operator[](std::size_t index) const noexcept;
+
+  [[nodiscard]] iterator begin() noexcept;
+  [[nodiscard]] iterator end() noexcept;
+  [[nodiscard]] const_iterator begin() const noexcept;
+  [[nodiscard]] const_iterator end() const noexcept;
+
+  // Same count and pairwise equal elements, in order.
+  bool operator==(const list_t& other) const noexcept;
+
+ private:
+  void reset(vlt_underlying_vector_t* block) noexcept {
+    vlt_underlying_vector_t* const old = std::exchange(block_, block);
+    if (old != nullptr) vlt_free_vector(old);
+  }
+  [[nodiscard]] data_t* elements() const noexcept;
+
+  vlt_underlying_vector_t* block_ = nullptr;
+};
+
+template <bool Const>
+class list_t::_iterator {
+ public:
+  using iterator_category = std::forward_iterator_tag;
+  using value_type = data_t;
+  using difference_type = std::ptrdiff_t;
+  using reference = std::conditional_t<Const, const data_t&, data_t&>;
+  using pointer = std::conditional_t<Const, const data_t*, data_t*>;
+  using list_pointer = std::conditional_t<Const, const list_t*, list_t*>;
+
+  _iterator() noexcept = default;
+  // Points at element `index` of `list`, which must outlive the iterator.
+  _iterator(list_pointer list, std::size_t index) noexcept;
+
+  reference operator*() const noexcept;
+  pointer operator->() const noexcept;
+  // Throws when the list was modified.
+  _iterator& operator++();
+  _iterator operator++(int);
+  bool operator==(const _iterator& other) const;
+
+ private:
+  void check() const;
+
+  list_pointer list_ = nullptr;
+  const vlt_underlying_vector_t* block_ = nullptr;
+  std::size_t count_ = 0;
+  std::size_t index_ = 0;
+};
+
+extern template class list_t::_iterator<false>;
+extern template class list_t::_iterator<true>;
+
+static_assert(sizeof(list_t) == sizeof(void*), "a value is viewed in place as its list");
+
+} // namespace com::velanto::connectivity
+
+#endif

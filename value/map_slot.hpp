@@ -1,0 +1,30 @@
+// One slot of a map table with its three states, as drawn at the head of value/map_t.hpp.
+#ifndef VLT_VALUE_MAP_SLOT_HPP
+#define VLT_VALUE_MAP_SLOT_HPP
+
+#include <cstddef>
+#include <cstdint>
+
+#include "value/data_t.hpp"
+
+namespace com::velanto::connectivity {
+
+struct map_slot_t {
+  static constexpr std::uint64_t FREE = 0;
+  static constexpr std::uint64_t DELETED = 1;
+
+  [[nodiscard]] bool is_free() const noexcept { return hash == FREE && key.empty(); }
+  [[nodiscard]] bool is_deleted() const noexcept { return hash == DELETED && key.empty(); }
+  [[nodiscard]] bool is_live() const noexcept { return hash > DELETED || !key.empty(); }
+
+  std::uint64_t hash;
+  data_t key;
+  data_t value;
+};
+
+static_assert(sizeof(map_slot_t) == sizeof(vlt_underlying_map_table_entry_t),
+              "slots are shared with the host in place");
+
+} // namespace com::velanto::connectivity
+
+#endif

@@ -1,0 +1,231 @@
+#include "value/map_t.hpp"
+
+#include <algorithm>
+#include <new>
+#include <stdexcept>
+
+#include "value/hashes.hpp"
+#include "value/iterator_checks.hpp"
+#include "value/map_slot.hpp"
+
+namespace com::velanto::connectivity {
+
+namespace {
+
+constexpr std::int64_t FIRST_CAPACITY = 8;
+constexpr double MAX_LOAD = 0.75;
+
+} // namespace
+
+map_slot_t* map_t::slots() const noexcept {
+  return table_ == nullptr ? nullptr : reinterpret_cast<map_slot_t*>(table_ + 1);
+}
+
+map_t map_t::copy() const {
+  if (table_ == nullptr) return {};
+  map_t result(vlt_allocate_map(table_->capacity));
+  if (result.table_ == nullptr) throw std::bad_alloc();
+  for (std::int64_t i = 0; i < table_->capacity; ++i) {
+    const map_slot_t& from = slots()[i];
+    map_slot_t& to = result.slots()[i];
+    // The key first: a slot whose key is set counts as live and is freed with the table.
+    to.key = from.key;
+    to.value = from.value;
+    to.hash = from.hash;
+  }
+  result.table_->live = table_->live;
+  result.table_->deleted = table_->deleted;
+  return result;
+}
+
+// ---- lookup
+
+map_t::probe_t map_t::find_for_insert(const data_t& key, std::uint64_t hash) const noexcept {
+  const std::int64_t slot_count = capacity();
+  if (slot_count == 0) return {NONE, NONE};
+  const map_slot_t* const slot = slots();
+  const auto start = static_cast<std::int64_t>(hash % static_cast<std::uint64_t>(slot_count));
+  std::int64_t vacant = NONE;
+  std::int64_t i = start;
+  do {
+    if (slot[i].is_free()) return {NONE, vacant == NONE ? i : vacant};
+    if (slot[i].is_deleted()) {
+      if (vacant == NONE) vacant = i;
+    } else if (slot[i].hash == hash && slot[i].key == key) {
+      return {i, NONE};
+    }
+    if (++i == slot_count) i = 0;
+  } while (i != start);
+  return {NONE, vacant};
+}
+
+std::int64_t map_t::index_of(const data_t& key) const {
+  const std::uint64_t hash = hashes::key_hash(key);
+  const probe_t probe = find_for_insert(key, hash);
+  return probe.found == NONE ? capacity() : probe.found;
+}
+
+map_t::iterator map_t::find(const data_t& key) { return {this, index_of(key)}; }
+map_t::const_iterator map_t::find(const data_t& key) const { return {this, index_of(key)}; }
+
+// ---- insertion
+
+data_t& map_t::operator[](data_t&& key) {
+  data_t consumed = std::move(key);
+  data_t nothing;
+  const iterator entry = maybe_insert(pair(consumed, nothing)).first;
+  return (*entry).second;
+}
+
+std::pair<map_t::iterator, bool> map_t::insert(data_t&& key, data_t&& value) {
+  return maybe_insert(pair(key, value));
+}
+
+std::pair<map_t::iterator, bool> map_t::insert(std::pair<data_t, data_t>&& entry) {
+  return maybe_insert(pair(entry.first, entry.second));
+}
+
+std::pair<map_t::iterator, bool> map_t::maybe_insert(const const_pair& entry) {
+  const std::uint64_t hash = hashes::key_hash(entry.first);
+  const probe_t probe = find_for_insert(entry.first, hash);
+  if (probe.found != NONE) return {iterator(this, probe.found), false};
+  // Both copies before the table is touched: a copy that fails leaves it as it was.
+  data_t key = entry.first;
+  data_t value = entry.second;
+  const std::int64_t slot = place(hash, probe.vacant, std::move(key), std::move(value));
+  return {iterator(this, slot), true};
+}
+
+std::pair<map_t::iterator, bool> map_t::maybe_insert(pair&& entry) {
+  if (entry.first.empty()) throw std::runtime_error("Cannot have a null key");
+  const std::uint64_t hash = hashes::key_hash(entry.first);
+  const probe_t probe = find_for_insert(entry.first, hash);
+  if (probe.found != NONE) return {iterator(this, probe.found), false};
+  const std::int64_t slot =
+      place(hash, probe.vacant, std::move(entry.first), std::move(entry.second));
+  return {iterator(this, slot), true};
+}
+
+// Puts an absent key into the slot that the lookup found, or, after growing, into the one that a
+// second lookup finds. Returns the slot.
+std::int64_t map_t::place(std::uint64_t hash, std::int64_t vacant, data_t&& key, data_t&& value) {
+  if (must_grow() || vacant == NONE) {
+    grow();
+    vacant = find_for_insert(key, hash).vacant;
+  }
+  map_slot_t& slot = slots()[vacant];
+  slot.hash = hash;
+  slot.key = std::move(key);
+  slot.value = std::move(value);
+  ++table_->live;
+  return vacant;
+}
+
+bool map_t::must_grow() const noexcept {
+  if (table_ == nullptr) return true;
+  return static_cast<double>(table_->capacity) * MAX_LOAD <
+         static_cast<double>(table_->live + table_->deleted);
+}
+
+void map_t::grow() {
+  vlt_underlying_map_table_t* const grown =
+      table_ == nullptr
+          ? vlt_allocate_map(FIRST_CAPACITY)
+          : vlt_reallocate_map(table_, std::max(2 * table_->live + 2, FIRST_CAPACITY));
+  if (grown == nullptr) throw std::bad_alloc();
+  table_ = grown;
+}
+
+// ---- erasing
+
+void map_t::erase(const iterator& position) {
+  if (position.map_ != this) iterator_checks::report(iterator_checks::DIFFERENT_MAPS);
+  if (position.at_end()) return;
+  const pair entry = *position;
+  // Taken out before the slot changes, destroyed after the table is consistent again.
+  const data_t key = std::move(entry.first);
+  const data_t value = std::move(entry.second);
+  position.slots_[position.index_].hash = map_slot_t::DELETED;
+  --table_->live;
+  ++table_->deleted;
+}
+
+// ---- iteration and equality
+
+map_t::iterator map_t::begin() {
+  iterator first(this, 0);
+  first.skip_to_live();
+  return first;
+}
+
+map_t::const_iterator map_t::begin() const {
+  const_iterator first(this, 0);
+  first.skip_to_live();
+  return first;
+}
+
+map_t::iterator map_t::end() { return {this, capacity()}; }
+map_t::const_iterator map_t::end() const { return {this, capacity()}; }
+
+bool map_t::operator==(const map_t& other) const noexcept {
+  if (size() != other.size()) return false;
+  for (std::int64_t i = 0; i < capacity(); ++i) {
+    const map_slot_t& slot = slots()[i];
+    if (!slot.is_live()) continue;
+    const probe_t probe = other.find_for_insert(slot.key, slot.hash);
+    if (probe.found == NONE || slot.value != other.slots()[probe.found].value) return false;
+  }
+  return true;
+}
+
+template <bool Const>
+map_t::_iterator<Const>::_iterator(map_pointer map, std::int64_t index) noexcept
+    : map_(map),
+      slots_(map->slots()),
+      capacity_(map->capacity()),
+      index_(index),
+      live_(static_cast<std::int64_t>(map->size())) {}
+
+template <bool Const>
+void map_t::_iterator<Const>::check() const {
+  const bool valid = map_->slots() == slots_ && map_->capacity() == capacity_ &&
+                     static_cast<std::int64_t>(map_->size()) == live_;
+  if (!valid) iterator_checks::report(iterator_checks::MAP_MODIFIED);
+}
+
+template <bool Const>
+void map_t::_iterator<Const>::skip_to_live() noexcept {
+  while (index_ < capacity_ && !slots_[index_].is_live()) ++index_;
+}
+
+template <bool Const>
+auto map_t::_iterator<Const>::operator*() const -> reference {
+  check();
+  return {slots_[index_].key, slots_[index_].value};
+}
+
+template <bool Const>
+auto map_t::_iterator<Const>::operator++() -> _iterator& {
+  check();
+  ++index_;
+  skip_to_live();
+  return *this;
+}
+
+template <bool Const>
+auto map_t::_iterator<Const>::operator++(int) -> _iterator {
+  _iterator before = *this;
+  ++*this;
+  return before;
+}
+
+template <bool Const>
+bool map_t::_iterator<Const>::operator==(const _iterator& other) const {
+  if (map_ != other.map_) iterator_checks::report(iterator_checks::DIFFERENT_MAPS);
+  return index_ == other.index_;
+}
+
+template class map_t::_iterator<false>;
+template class map_t::_iterator<true>;
+
+} // namespace com::velanto::connectivity

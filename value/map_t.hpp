@@ -1,0 +1,183 @@
+// The host's hash map from values to values: open addressing with linear probing, in a table that
+// the host allocates and reads in place. Where an entry lies is part of the interface.
+//
+//   table   0 host    8 live   16 capacity   24 deleted   32 slots
+//   slot    0 hash    8 key    24 value                   (40 bytes)
+//
+//   state     hash   key         a probe
+//   free      0      empty       ends here
+//   deleted   1      empty       goes on; the first one met is where an insertion goes
+//   live      any    not empty   compares the hash, then the key
+//
+// (A live entry may hash to 0 or 1: its key tells it apart.)
+//
+// Lookup starts at slot hash mod capacity and probes upwards, wrapping at the end, until it finds
+// the key, meets a free slot or is back where it started.
+//
+// Insertion into a map without a table allocates 8 slots. Otherwise it first grows the table when
+// capacity × 0.75 < live + deleted, to 2 × live + 2 slots but at least 8: the new capacity follows
+// the live count, so a table full of tombstones may be rebuilt at the same size or smaller. Worked:
+// the 7th key of a fresh table finds 0.75 × 8 = 6 not below 6 and stays; the 8th makes 2 × 7 + 2 =
+// 16 slots. Reusing a deleted slot leaves the deleted count alone: it counts deletions since the
+// last rebuild, so that frequent erasing brings the next rebuild forward.
+//
+// Erasing leaves a tombstone, since entries that were displaced past the slot must stay reachable.
+//
+// An iterator remembers the slot array, the capacity and the live count; it is valid while the map
+// still has them. Use after that throws "Iterator invalidated by modifying map".
+#ifndef VLT_VALUE_MAP_T_HPP
+#define VLT_VALUE_MAP_T_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <type_traits>
+#include <utility>
+
+#include "host/storage.h"
+
+namespace com::velanto::connectivity {
+
+class data_t;
+struct map_slot_t;
+
+class map_t {
+ public:
+  // References into a slot: the key and the value of one entry.
+  using pair = std::pair<data_t&, data_t&>;
+  using const_pair = std::pair<const data_t&, const data_t&>;
+  template <bool Const>
+  class _iterator;
+  using iterator = _iterator<false>;
+  using const_iterator = _iterator<true>;
+
+  // No table: a valid empty map.
+  map_t() noexcept = default;
+  // Takes over `table`, which the host allocated.
+  explicit map_t(vlt_underlying_map_table_t* table) noexcept : table_(table) {}
+  map_t(map_t&& other) noexcept : table_(std::exchange(other.table_, nullptr)) {}
+  map_t& operator=(map_t&& other) noexcept {
+    if (this != &other) reset(std::exchange(other.table_, nullptr));
+    return *this;
+  }
+  map_t(const map_t&) = delete;
+  map_t& operator=(const map_t&) = delete;
+  ~map_t() { reset(nullptr); }
+
+  // A deep copy, slot by slot: same capacity, positions, hashes, tombstones and counts.
+  // Throws std::bad_alloc; nothing leaks then.
+  [[nodiscard]] map_t copy() const;
+
+  [[nodiscard]] std::size_t size() const noexcept {
+    return table_ == nullptr ? 0 : static_cast<std::size_t>(table_->live);
+  }
+  [[nodiscard]] bool empty() const noexcept { return size() == 0; }
+
+  // The entry under `key`, or end(). Throws std::runtime_error for a custom key.
+  [[nodiscard]] iterator find(const data_t& key);
+  [[nodiscard]] const_iterator find(const data_t& key) const;
+
+  // The value under `key`, inserted empty when absent; the key is consumed either way. The
+  // reference lives until the map is next modified. Throws as insert does.
+  data_t& operator[](data_t&& key);
+
+  // Inserts, taking over key and value, when the key is absent; otherwise changes neither the map
+  // nor the arguments. Returns the entry, and whether it was inserted. Throws std::runtime_error
+  // for an empty or a custom key, std::bad_alloc; the entries are then what they were.
+  std::pair<iterator, bool> insert(data_t&& key, data_t&& value);
+  std::pair<iterator, bool> insert(std::pair<data_t, data_t>&& entry);
+
+  // The workers of the inserts: one copies key and value, the other moves them. Only the moving one
+  // refuses an empty key; the asymmetry is the host's.
+  std::pair<iterator, bool> maybe_insert(const const_pair& entry);
+  std::pair<iterator, bool> maybe_insert(pair&& entry);
+
+  // Removes the entry at `position`; end() removes nothing. Throws std::runtime_error for an
+  // iterator of another map or one that a modification has invalidated.
+  void erase(const iterator& position);
+
+  [[nodiscard]] iterator begin();
+  [[nodiscard]] iterator end();
+  [[nodiscard]] const_iterator begin() const;
+  [[nodiscard]] const_iterator end() const;
+
+  // Same entries, whatever their order, capacity and history.
+  bool operator==(const map_t& other) const noexcept;
+
+  // The table, still owned by the map; null when there is none.
+  [[nodiscard]] const vlt_underlying_map_table_t* table() const noexcept { return table_; }
+
+ private:
+  // Where a lookup ended: the slot of the key, or NONE, and the slot where it would be inserted, or
+  // NONE when no slot is left.
+  struct probe_t {
+    std::int64_t found;
+    std::int64_t vacant;
+  };
+  static constexpr std::int64_t NONE = -1;
+
+  void reset(vlt_underlying_map_table_t* table) noexcept {
+    vlt_underlying_map_table_t* const old = std::exchange(table_, table);
+    if (old != nullptr) vlt_free_map(old);
+  }
+  [[nodiscard]] std::int64_t capacity() const noexcept {
+    return table_ == nullptr ? 0 : table_->capacity;
+  }
+  [[nodiscard]] map_slot_t* slots() const noexcept;
+  [[nodiscard]] probe_t find_for_insert(const data_t& key, std::uint64_t hash) const noexcept;
+  [[nodiscard]] std::int64_t index_of(const data_t& key) const;
+  [[nodiscard]] bool must_grow() const noexcept;
+  void grow();
+  std::int64_t place(std::uint64_t hash, std::int64_t vacant, data_t&& key, data_t&& value);
+
+  vlt_underlying_map_table_t* table_ = nullptr;
+};
+
+template <bool Const>
+class map_t::_iterator {
+ public:
+  using iterator_category = std::input_iterator_tag;
+  using value_type = std::pair<data_t, data_t>;
+  using difference_type = std::ptrdiff_t;
+  using reference = std::conditional_t<Const, const_pair, pair>;
+  using map_pointer = std::conditional_t<Const, const map_t*, map_t*>;
+
+  // Lets `it->first` reach through the pair of references that a dereference makes.
+  struct arrow {
+    reference entry;
+    const reference* operator->() const noexcept { return &entry; }
+  };
+  using pointer = arrow;
+
+  _iterator() noexcept = default;
+
+  // Throw std::runtime_error when the map was modified, or, for the comparison, when the iterators
+  // belong to different maps.
+  reference operator*() const;
+  arrow operator->() const { return {**this}; }
+  _iterator& operator++();
+  _iterator operator++(int);
+  bool operator==(const _iterator& other) const;
+
+ private:
+  friend class map_t;
+  _iterator(map_pointer map, std::int64_t index) noexcept;
+  [[nodiscard]] bool at_end() const noexcept { return index_ == capacity_; }
+  void check() const;
+  void skip_to_live() noexcept;
+
+  map_pointer map_ = nullptr;
+  map_slot_t* slots_ = nullptr;
+  std::int64_t capacity_ = 0;
+  std::int64_t index_ = 0;
+  std::int64_t live_ = 0;
+};
+
+extern template class map_t::_iterator<false>;
+extern template class map_t::_iterator<true>;
+
+static_assert(sizeof(map_t) == sizeof(void*), "a value is viewed in place as its map");
+
+} // namespace com::velanto::connectivity
+
+#endif
