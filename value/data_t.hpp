@@ -138,6 +138,8 @@ class data_t {
   // The containers' own destructors are never run through the union: free_block() decides by tag.
   union content_t {
     content_t() noexcept : integer(0) {}
+    content_t(const content_t&) = delete;
+    content_t& operator=(const content_t&) = delete;
     ~content_t() {} // NOLINT(modernize-use-equals-default): a defaulted one would be deleted
     bool boolean;
     double real;
