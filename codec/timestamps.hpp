@@ -2,12 +2,13 @@
 //
 //   2023-04-05T06:07:08.123+01:00
 //       ^  ^  ^  ^  ^  ^   ^
-//       4  7  10 13 16 19  23        19 characters of date and time, then the zone; with a
-//       fraction,
-//                                    '.' stands at 19 and the zone at 23
+//       4  7  10 13 16 19  23
+//
+// 19 characters of date and time, then the zone; with a fraction, '.' stands at 19 and the zone at 23.
+// The zone is at most six characters long, what follows them is ignored.
 //
 //   zone      offset     accepted as
-//   Z z       0          whatever follows the letter
+//   Z z       0          the letter, without a ':' behind it
 //   +01:00    as read    hours before the ':', minutes after it
 //   -0530     as read    three characters of hours, two of minutes
 //   :         0          both parts empty

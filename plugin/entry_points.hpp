@@ -5,8 +5,7 @@
 //
 //   [before create]  vlt_plugin_api_version_X              version of this interface, 4
 //                    vlt_plugin_product_version_X          static text, not to be freed
-//                    _vlt_plugin_checkIsCodec_X            its presence marks the library as a
-//                    codec
+//                    _vlt_plugin_checkIsCodec_X            does nothing; there, it is a codec
 //   [once]           vlt_create_plugin_with_params_X       the plug-in, or null and a level-2 line
 //   [after create]   vlt_plugin_setNextTowardsHost_X       level 2; a null function is refused and
 //                    vlt_plugin_setNextTowardsTransport_X    the previous link stays

@@ -6,12 +6,13 @@
 //   double             the 8 bytes, a zero of either sign taken as +0.0
 //   integer, decimal   the 8 bytes
 //   string             the host's function, with the seed
-//   list               fold: each element hashed with the hash so far as its seed     ┐ start over
-//   map                BASE + Σ hash(key) + hash(value), independent of slot order    │ from BASE,
-//   buffer             the bytes                                                      ┘ not the
-//   seed custom             refused
+//   list               fold from BASE: each element hashed with the hash so far as its seed
+//   map                BASE + Σ hash(key) + hash(value), independent of slot order
+//   buffer             the bytes, from BASE
+//   custom             refused
 //
-// So the seed varies only inside a list; the asymmetry is the host's and is kept.
+// Lists, maps and buffers start over from BASE whatever seed they are given, so the seed varies only
+// inside a list; the asymmetry is the host's and is kept.
 #ifndef VLT_VALUE_HASHES_HPP
 #define VLT_VALUE_HASHES_HPP
 

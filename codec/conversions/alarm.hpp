@@ -13,8 +13,8 @@ namespace com::velanto::connectivity::plugins::pulsar {
 enum class AlarmSeverity { CRITICAL, MAJOR, MINOR, WARNING };
 enum class AlarmStatus { ACTIVE, ACKNOWLEDGED, CLEARED };
 
-// `text` is not null; the comparison is case-sensitive. Throws std::runtime_error "Unrecognized
-// alarm severity: TEXT".
+// `text` is not null; the comparison is case-sensitive. Throws std::runtime_error
+// "Unrecognized alarm severity: TEXT".
 [[nodiscard]] AlarmSeverity alarmSeverityFromString(char const* text);
 // The same for a status, "Unrecognized alarm status: TEXT"; a null text is refused as no text for a
 // string value.

@@ -1,6 +1,5 @@
 // Measurement: (1) source, id  (2) the source's id  (3) time, type  (4) builder
-//              (5) optional dates  (6) all that is left: fragments are gathered, the rest copied
-//              over
+//              (5) optional dates  (6) of all that is left, fragments gathered, the rest copied
 // The order is behaviour: the first field that is missing or wrong is the one reported.
 #include "codec/conversions/measurement.hpp"
 

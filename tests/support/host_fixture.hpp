@@ -25,14 +25,18 @@ inline std::ostream& operator<<(std::ostream& out, const log_line_t& line) {
 }
 
 class HostFixture : public ::testing::Test {
- protected:
-  HostFixture() : live_before_(standin_live_blocks_total()) {
-    standin_set_log_sink(&HostFixture::file, this);
-  }
+ public:
+  HostFixture(const HostFixture&) = delete;
+  HostFixture& operator=(const HostFixture&) = delete;
   ~HostFixture() override {
     standin_fail_allocation(0);
     standin_reset_logging();
     EXPECT_EQ(standin_live_blocks_total(), live_before_) << "blocks leaked or freed twice";
+  }
+
+ protected:
+  HostFixture() : live_before_(standin_live_blocks_total()) {
+    standin_set_log_sink(&HostFixture::file, this);
   }
 
   // The lines since the last call.

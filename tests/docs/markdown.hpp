@@ -1,0 +1,65 @@
+// What the tests read out of the project's documents: fenced blocks, numbered log lines and tables.
+// A document that is not laid out as expected is a std::runtime_error "NAME:LINE: REASON", so that a
+// misspelt fence is an error and not an example that nobody runs.
+#ifndef VLT_TESTS_DOCS_MARKDOWN_HPP
+#define VLT_TESTS_DOCS_MARKDOWN_HPP
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace com::velanto::connectivity::test {
+
+struct document_t {
+  std::string name; // as error texts call it
+  std::vector<std::string> lines;
+};
+
+// The file `name`, relative to the project's root. Throws when it cannot be read.
+[[nodiscard]] document_t readDocument(const std::string& name);
+
+// The document that `text` is, for tests of what stands below.
+[[nodiscard]] document_t documentOf(const std::string& text);
+
+// "NAME:LINE", lines counted from 1.
+[[nodiscard]] std::string placeOf(const document_t& document, std::size_t line);
+
+struct block_t {
+  std::size_t line; // of the opening fence
+  std::string info;
+  std::string text; // with line ends
+};
+
+// All fenced blocks. Throws when one is not closed.
+[[nodiscard]] std::vector<block_t> readBlocks(const document_t& document);
+
+// One example: a message, and either the message that comes of it or the line that is logged.
+struct example_t {
+  std::string place;
+  std::string input;
+  std::string output; // empty: the message is dropped
+  std::string log;    // without a line end; empty: nothing is logged
+};
+
+struct examples_t {
+  std::string configuration;
+  std::vector<example_t> examples;
+};
+
+// The blocks "json configuration" (one, before all others), "json input", "json output" and "log".
+// Throws when an input is not followed by an output or a log line, when one of these stands alone,
+// and for a block of any other kind.
+[[nodiscard]] examples_t readExamples(const document_t& document);
+
+// The code spans of a numbered list whose items are a sentence and, on the next line, a code span.
+// Throws when the numbers are not 1, 2, 3 … or an item has no code span.
+[[nodiscard]] std::vector<std::string> readNumberedSpans(const document_t& document);
+
+// The rows of the table whose head begins with `first_column`, cell by cell without blanks and code
+// marks around them. Throws when there is no such table or a row lacks cells.
+[[nodiscard]] std::vector<std::vector<std::string>> readTable(const document_t& document,
+                                                              const std::string& first_column);
+
+} // namespace com::velanto::connectivity::test
+
+#endif
