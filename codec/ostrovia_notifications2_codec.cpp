@@ -20,8 +20,9 @@ constexpr vlt_log_level_t TRACE_LEVEL = 6;
 
 // The configured text, which may be null, or the default when the setting is absent or no text.
 const char* readMeasurementChannel(const MapExtractor& settings) {
+  const data_t key(STR_measurementSplittingChannel); // no memory for it is no reason for a default
   try {
-    return settings.doGet(data_t(STR_measurementSplittingChannel)).get<const char*>();
+    return settings.doGet(key).get<const char*>();
   } catch (const std::exception&) {
     return STR_ostroviaDOTmeasurements;
   }

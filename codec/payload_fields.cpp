@@ -19,7 +19,7 @@ boost::optional<data_t> extractFromMapIfPresent(map_t& map, data_t const& key) {
 data_t extractFromMapOrThrow(map_t& map, data_t const& key, char const* where) {
   boost::optional<data_t> value = extractFromMapIfPresent(map, key);
   if (!value) {
-    throw std::runtime_error("Required key '" + std::string(key.get<char const*>()) +
+    throw std::runtime_error("Required key '" + std::string(text_or_empty(key.get<char const*>())) +
                              "' missing from " + where);
   }
   return std::move(*value);

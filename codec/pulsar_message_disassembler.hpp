@@ -2,8 +2,7 @@
 // it was delivered, and hands out the payload map from which the conversions remove what they use.
 //
 //   pulsarPath   tenantA / sub1 / alarms / 4711
-//                                 ^ the type segment: after the second '/', up to the next or the
-//                                 end
+//                                 ^ the type segment: from the second '/' to the next, or the end
 #ifndef VLT_CODEC_PULSAR_MESSAGE_DISASSEMBLER_HPP
 #define VLT_CODEC_PULSAR_MESSAGE_DISASSEMBLER_HPP
 

@@ -62,6 +62,7 @@ auto list_t::_iterator<Const>::operator++(int) -> _iterator {
 template <bool Const>
 bool list_t::_iterator<Const>::operator==(const _iterator& other) const {
   check();
+  other.check();
   return index_ == other.index_;
 }
 

@@ -15,6 +15,11 @@ namespace {
 constexpr std::int64_t FIRST_CAPACITY = 8;
 constexpr double MAX_LOAD = 0.75;
 
+// Where the probing for a key begins.
+std::int64_t home_slot(std::uint64_t hash, std::int64_t capacity) noexcept {
+  return static_cast<std::int64_t>(hash % static_cast<std::uint64_t>(capacity));
+}
+
 } // namespace
 
 map_slot_t* map_t::slots() const noexcept {
@@ -44,7 +49,7 @@ map_t::probe_t map_t::find_for_insert(const data_t& key, std::uint64_t hash) con
   const std::int64_t slot_count = capacity();
   if (slot_count == 0) return {NONE, NONE};
   const map_slot_t* const slot = slots();
-  const auto start = static_cast<std::int64_t>(hash % static_cast<std::uint64_t>(slot_count));
+  const std::int64_t start = home_slot(hash, slot_count);
   std::int64_t vacant = NONE;
   std::int64_t i = start;
   do {
@@ -57,6 +62,15 @@ map_t::probe_t map_t::find_for_insert(const data_t& key, std::uint64_t hash) con
     if (++i == slot_count) i = 0;
   } while (i != start);
   return {NONE, vacant};
+}
+
+// The first slot on the way of `hash` that holds no entry; there must be one.
+std::int64_t map_t::find_vacant(std::uint64_t hash) const noexcept {
+  std::int64_t i = home_slot(hash, capacity());
+  while (slots()[i].is_live()) {
+    if (++i == capacity()) i = 0;
+  }
+  return i;
 }
 
 std::int64_t map_t::index_of(const data_t& key) const {
@@ -106,12 +120,13 @@ std::pair<map_t::iterator, bool> map_t::maybe_insert(pair&& entry) {
   return {iterator(this, slot), true};
 }
 
-// Puts an absent key into the slot that the lookup found, or, after growing, into the one that a
-// second lookup finds. Returns the slot.
+// Puts an absent key into the slot that the lookup found, or, after growing, into the first vacant one
+// on its way. No second lookup: the key may have become equal to another one by being copied, when a
+// borrowed string was copied into an owned one. Returns the slot.
 std::int64_t map_t::place(std::uint64_t hash, std::int64_t vacant, data_t&& key, data_t&& value) {
   if (must_grow() || vacant == NONE) {
     grow();
-    vacant = find_for_insert(key, hash).vacant;
+    vacant = find_vacant(hash);
   }
   map_slot_t& slot = slots()[vacant];
   slot.hash = hash;

@@ -125,6 +125,7 @@ class map_t {
   }
   [[nodiscard]] map_slot_t* slots() const noexcept;
   [[nodiscard]] probe_t find_for_insert(const data_t& key, std::uint64_t hash) const noexcept;
+  [[nodiscard]] std::int64_t find_vacant(std::uint64_t hash) const noexcept;
   [[nodiscard]] std::int64_t index_of(const data_t& key) const;
   [[nodiscard]] bool must_grow() const noexcept;
   void grow();

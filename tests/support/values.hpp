@@ -4,8 +4,11 @@
 #ifndef VLT_TESTS_SUPPORT_VALUES_HPP
 #define VLT_TESTS_SUPPORT_VALUES_HPP
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
+#include <ostream>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -13,6 +16,14 @@
 #include "value/get_visitor.hpp"
 #include "value/message.hpp"
 #include "value/to_string.hpp"
+
+namespace com::velanto::connectivity {
+
+// How a failed comparison shows values.
+inline void PrintTo(const data_t& value, std::ostream* out) { *out << to_string(value); }
+inline void PrintTo(const map_t& map, std::ostream* out) { *out << to_string(map); }
+
+} // namespace com::velanto::connectivity
 
 namespace com::velanto::connectivity::test {
 
@@ -78,8 +89,16 @@ inline Message notification(const char* path, data_t&& payload) {
 }
 
 // The value under a key; a test failure by exception when there is none.
-inline data_t& at(map_t& map, const char* key) { return (*map.find(data_t(key))).second; }
+inline data_t& at(map_t& map, const data_t& key) {
+  const map_t::iterator entry = map.find(key);
+  if (entry == map.end()) throw std::out_of_range("no entry " + to_string(key));
+  return (*entry).second;
+}
+inline data_t& at(map_t& map, const char* key) { return at(map, data_t(key)); }
 inline bool has(const map_t& map, const char* key) { return map.find(data_t(key)) != map.end(); }
+
+// A pointer that cannot be read through: for handles that are only ever passed on.
+inline void* unreadable(std::uintptr_t address) { return std::bit_cast<void*>(address); }
 
 // The what() of the exception that `action` throws, or "nothing thrown".
 template <class Action>

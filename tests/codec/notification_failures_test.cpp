@@ -1,0 +1,227 @@
+// Notifications that cannot be converted: the report, what is left of the message, and the rest of
+// the batch.
+#include <gmock/gmock.h>
+
+#include <new>
+
+#include "tests/codec/codec_fixture.hpp"
+#include "tests/support/stderr_capture.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+namespace {
+
+using namespace connectivity::test;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Failures : public CodecFixture {
+ protected:
+  // Sends one message and expects it to be dropped.
+  void expectDropped(Message& message) {
+    std::vector<std::ptrdiff_t> sizes;
+    const auto codec = CodecFixture::codec();
+    codec->setNextTowardsHost(std::make_unique<CountingLink>(sizes));
+    codec->sendBatchTowardsHost(&message, &message + 1);
+    EXPECT_THAT(sizes, ElementsAre(0));
+  }
+  static Message inventory(data_t&& id) {
+    return notification("tenantA/sub1/inventory/7", map_of("id", std::move(id), "a", whole(1)));
+  }
+};
+
+TEST_F(Failures, ReportNamesTheIdAndTheReason) {
+  Message message = inventory(text("4711"));
+  expectDropped(message);
+  EXPECT_THAT(
+      takeLog(),
+      ElementsAre(dropped(" ('id' = '4711'): Unrecognised Pulsar message type: 'inventory'")));
+}
+
+TEST_F(Failures, OnlyTheIdIsLeftOfADroppedMessage) {
+  const char* const lent = "4711";
+  Message message = inventory(borrowed(lent));
+  expectDropped(message);
+  // A copy, so owned: the notification is gone.
+  EXPECT_TRUE(same(message.getPayload(), map_of("id", text("4711"))));
+  EXPECT_EQ(block_of(message.getMetadataMap()), 0U);
+  takeLog();
+}
+
+TEST_F(Failures, IdThatIsNoStringIsNotReported) {
+  for (const bool number : {true, false}) {
+    Message message = inventory(number ? whole(4711) : data_t());
+    expectDropped(message);
+    EXPECT_THAT(takeLog(), ElementsAre(dropped(": Unrecognised Pulsar message type: 'inventory'")));
+    EXPECT_TRUE(message.getPayload().empty());
+    EXPECT_EQ(block_of(message.getMetadataMap()), 0U);
+  }
+}
+
+TEST_F(Failures, MissingIdIsNotReported) {
+  Message message = notification("a/b/alarms", map_of());
+  expectDropped(message);
+  EXPECT_THAT(takeLog(),
+              ElementsAre(dropped(": Required key 'source' missing from message payload")));
+}
+
+TEST_F(Failures, NullIdReadsAsTheEmptyText) {
+  Message message = inventory(null_text());
+  expectDropped(message);
+  EXPECT_THAT(takeLog(),
+              ElementsAre(dropped(" ('id' = ''): Unrecognised Pulsar message type: 'inventory'")));
+}
+
+TEST_F(Failures, TextOfTheMessageIsNeverAFormat) {
+  Message message = notification("a/b/%s%n%d", map_of("id", text("%s%n")));
+  expectDropped(message);
+  EXPECT_THAT(takeLog(),
+              ElementsAre(dropped(" ('id' = '%s%n'): Unrecognised Pulsar message type: '%s%n%d'")));
+}
+
+TEST_F(Failures, PathsWithoutATypeAreReported) {
+  for (const bool null : {true, false}) {
+    Message message(map_of("id", text("1")),
+                    map_of("pulsarPath", null ? null_text() : text("a/alarms")));
+    expectDropped(message);
+    EXPECT_THAT(takeLog(),
+                ElementsAre(dropped(" ('id' = '1'): Unrecognised Pulsar message type: ''")));
+  }
+}
+
+TEST_F(Failures, PathThatIsNoStringIsReported) {
+  Message message(map_of("id", text("1")), map_of("pulsarPath", whole(1)));
+  stderr_of([&] { expectDropped(message); });
+  EXPECT_THAT(takeLog(), ElementsAre(dropped(" ('id' = '1'): Incorrect type in get (you asked for "
+                                             "string but it's actually integer)")));
+}
+
+TEST_F(Failures, PayloadThatIsNoMapStaysUntouchedAndWritesOneLine) {
+  Message message = notification("a/b/alarms", list_of(text("x")));
+  const std::uint64_t block = block_of(message.getPayload());
+  const std::string written = stderr_of([&] { expectDropped(message); });
+  EXPECT_EQ(written, wrong_kind_line<map_t>());
+  EXPECT_EQ(block_of(message.getPayload()), block);
+  EXPECT_TRUE(same(message.getMetadataMap(), map_of("pulsarPath", text("a/b/alarms"))));
+  EXPECT_THAT(takeLog(), ElementsAre(dropped(": Incorrect type in get (you asked for map but it's "
+                                             "actually list)")));
+}
+
+TEST_F(Failures, EmptyPayloadPassesThroughTheBatch) {
+  Message message = notification("a/b/alarms", data_t());
+  CodecFixture::codec()->sendBatchTowardsHost(&message, &message + 1);
+  EXPECT_TRUE(same(message.getMetadataMap(), map_of("pulsarPath", text("a/b/alarms"))));
+  EXPECT_THAT(takeLog(), IsEmpty());
+}
+
+TEST_F(Failures, OthersOfTheBatchKeepTheirOrder) {
+  std::vector<std::ptrdiff_t> sizes;
+  const auto codec = CodecFixture::codec();
+  codec->setNextTowardsHost(std::make_unique<CountingLink>(sizes));
+  Message batch[] = {alarm(), inventory(text("1")), measurement()};
+  codec->sendBatchTowardsHost(std::begin(batch), std::end(batch));
+  EXPECT_THAT(sizes, ElementsAre(2));
+  EXPECT_TRUE(same(batch[0].getPayload(), alarm_fields()));
+  EXPECT_TRUE(same(batch[1].getPayload(), measurement_fields()));
+  EXPECT_EQ(takeLog().size(), 1U);
+}
+
+TEST_F(Failures, NothingIsReportedBelowLevelThree) {
+  standin_set_log_level(CATEGORY, 2);
+  Message message = inventory(text("1"));
+  expectDropped(message);
+  EXPECT_THAT(takeLog(), IsEmpty());
+}
+
+TEST_F(Failures, WithoutAnExceptionInFlightNothingIsReported) {
+  Message message(map_of("id", text("1")));
+  const auto codec = CodecFixture::codec();
+  EXPECT_FALSE(codec->handleException(message, false));
+  EXPECT_FALSE(codec->handleException(message, true));
+  EXPECT_THAT(takeLog(), IsEmpty());
+}
+
+template <class Exception>
+void reportInFlight(OstroviaNotifications2Codec& codec, Message& message, bool towardsTransport,
+                    const Exception& exception) {
+  try {
+    throw exception;
+  } catch (...) {
+    EXPECT_FALSE(codec.handleException(message, towardsTransport));
+  }
+}
+
+TEST_F(Failures, ReportNamesTheDirectionAndWhatIsKnownOfTheException) {
+  const auto codec = CodecFixture::codec();
+  Message named(map_of("id", borrowed("1")));
+  Message unnamed(text("id"));
+  reportInFlight(*codec, named, true, std::runtime_error("boom"));
+  reportInFlight(*codec, named, false, 42);
+  reportInFlight(*codec, unnamed, true, 42);
+  reportInFlight(*codec, unnamed, false, std::logic_error("oops"));
+  EXPECT_THAT(
+      takeLog(),
+      ElementsAre(line(3, "Error when transforming message towards transport ('id' = '1'): boom"),
+                  line(3, "Error when transforming message towards host ('id' = '1')"),
+                  line(3, "Error when transforming message towards transport"),
+                  line(3, "Error when transforming message towards host: oops")));
+}
+
+TEST_F(Failures, FailingTraceLeavesTheMessageUntouched) {
+  standin_set_log_level(CATEGORY, 6);
+  const auto codec = CodecFixture::codec();
+  Message message = alarm();
+  standin_fail_allocation(1);
+  EXPECT_THROW(codec->transformMessageTowardsHost(message), std::exception);
+  standin_fail_allocation(0);
+  EXPECT_TRUE(same(message.getPayload(), alarm_example()));
+  EXPECT_TRUE(same(message.getMetadataMap(), map_of("pulsarPath", text("a/b/alarms/1"))));
+  EXPECT_THAT(takeLog(), IsEmpty());
+}
+
+// A message that failed is as it came, or holds its id and nothing else.
+bool isUntouchedOrOnlyItsId(const Message& message, map_t (*example)()) {
+  const bool only_id = message.getPayload() == map_of("id", text("1"));
+  return only_id ? message.getMetadataMap().table() == nullptr
+                 : message.getPayload() == example() && message.getMetadataMap().size() == 1;
+}
+
+TEST_F(Failures, ExhaustedMemoryDropsOneMessageAndTheBatchGoesOn) {
+  const auto codec = CodecFixture::codec();
+  std::vector<std::ptrdiff_t> sizes;
+  codec->setNextTowardsHost(std::make_unique<CountingLink>(sizes));
+  const auto report = dropped(std::string(" ('id' = '1'): ") + std::bad_alloc().what());
+  int dropped_alarms = 0;
+  int dropped_events = 0;
+  for (bool refused = true; refused;) {
+    Message batch[] = {alarm(), example(1)};
+    standin_fail_allocation(static_cast<std::uint64_t>(dropped_alarms + dropped_events) + 1);
+    codec->sendBatchTowardsHost(std::begin(batch), std::end(batch));
+    standin_fail_allocation(0);
+    refused = standin_failed_allocations() != 0;
+    ASSERT_EQ(sizes.back(), refused ? 1 : 2);
+    ASSERT_EQ(takeLog(), refused ? std::vector{report} : std::vector<log_line_t>{});
+    if (!refused) break;
+    const bool alarm_dropped = batch[0].getPayload() == event_fields();
+    ASSERT_TRUE(alarm_dropped || batch[0].getPayload() == alarm_fields());
+    ASSERT_TRUE(isUntouchedOrOnlyItsId(batch[1], alarm_dropped ? alarm_example : event_example));
+    ++(alarm_dropped ? dropped_alarms : dropped_events);
+  }
+  EXPECT_GT(dropped_alarms, 5);
+  EXPECT_GT(dropped_events, 5);
+}
+
+TEST_F(Failures, MemoryThatStaysExhaustedDropsEveryMessageWithOneReportEach) {
+  const auto codec = CodecFixture::codec();
+  std::vector<std::ptrdiff_t> sizes;
+  codec->setNextTowardsHost(std::make_unique<CountingLink>(sizes));
+  Message batch[] = {alarm(), measurement()};
+  standin_fail_allocations_from(1);
+  codec->sendBatchTowardsHost(std::begin(batch), std::end(batch));
+  standin_fail_allocation(0);
+  EXPECT_THAT(sizes, ElementsAre(0));
+  const auto report = dropped(std::string(" ('id' = '1'): ") + std::bad_alloc().what());
+  EXPECT_THAT(takeLog(), ElementsAre(report, report));
+}
+
+} // namespace
+} // namespace com::velanto::connectivity::plugins::pulsar

@@ -1,0 +1,83 @@
+// The words in which the decoding core's tests speak: wrap a payload, convert it, compare whole
+// events, ask whether a block is still the same one.
+#ifndef VLT_TESTS_CODEC_NOTIFICATIONS_HPP
+#define VLT_TESTS_CODEC_NOTIFICATIONS_HPP
+
+#include <cstring>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "codec/pulsar_message_disassembler.hpp"
+#include "codec/tivra_message_builder.hpp"
+#include "tests/support/host_fixture.hpp"
+#include "tests/support/values.hpp"
+
+namespace com::velanto::connectivity::test {
+
+using plugins::pulsar::PulsarMessageDisassembler;
+using plugins::pulsar::TivraMessageBuilder;
+
+using Conversion = std::unique_ptr<TivraMessageBuilder>(PulsarMessageDisassembler&);
+
+// A builder of no particular kind.
+class PlainBuilder final : public TivraMessageBuilder {
+ public:
+  explicit PlainBuilder(data_t&& id = text("42"), data_t&& type = text("a.b.Type"))
+      : TivraMessageBuilder(std::move(id), std::move(type)) {}
+};
+
+// The payload wrapped, as the conversions get it.
+inline PulsarMessageDisassembler wrapped(data_t&& payload) {
+  return PulsarMessageDisassembler(Message(std::move(payload)));
+}
+
+// The finished message made of a payload.
+inline Message converted(Conversion* convert, map_t&& payload) {
+  PulsarMessageDisassembler notification = wrapped(std::move(payload));
+  return TivraMessageBuilder::getResult(convert(notification));
+}
+
+// The fields of the event made of a payload.
+inline map_t fields_of(Conversion* convert, map_t&& payload) {
+  Message message = converted(convert, std::move(payload));
+  return std::move(message.getPayload().get<map_t>());
+}
+
+inline std::string conversion_error(Conversion* convert, map_t&& payload) {
+  return error_of([&] { converted(convert, std::move(payload)); });
+}
+
+inline void remove(map_t& map, const char* key) { map.erase(map.find(data_t(key))); }
+
+// Equality with both texts in the failure message.
+inline ::testing::AssertionResult same(const data_t& actual, const data_t& expected) {
+  if (actual == expected) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure()
+         << "it is " << to_string(actual) << " [" << actual.type_tag() << "], not "
+         << to_string(expected) << " [" << expected.type_tag() << "]";
+}
+inline ::testing::AssertionResult same(const map_t& actual, const map_t& expected) {
+  if (actual == expected) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure()
+         << "it is " << to_string(actual) << ", not " << to_string(expected);
+}
+
+// The content's 8 bytes: for a kind with a block, which block it is.
+inline std::uint64_t block_of(const data_t& value) {
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &value.underlying()->value, sizeof bits);
+  return bits;
+}
+inline std::uint64_t block_of(const map_t& map) {
+  return reinterpret_cast<std::uintptr_t>(map.table());
+}
+// Which block the key of an entry is.
+inline std::uint64_t key_block_of(map_t& map, const data_t& key) {
+  (void)at(map, key); // there is one
+  return block_of((*map.find(key)).first);
+}
+
+} // namespace com::velanto::connectivity::test
+
+#endif

@@ -1,0 +1,144 @@
+// The builder that all kinds of event share.
+#include "codec/tivra_message_builder.hpp"
+
+#include "tests/codec/notifications.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+namespace {
+
+using namespace connectivity::test;
+
+class Builder : public HostFixture {
+ protected:
+  static Message result_of(PlainBuilder&& builder) {
+    auto owner = std::make_unique<PlainBuilder>();
+    owner->fields = std::move(builder.fields);
+    owner->measurements = std::move(builder.measurements);
+    return TivraMessageBuilder::getResult(std::move(owner));
+  }
+};
+
+TEST_F(Builder, FreshOneYieldsIdTypeAndNoMeasurements) {
+  const Message message = TivraMessageBuilder::getResult(
+      std::make_unique<PlainBuilder>(text("42"), text("com.tivra.ostrovia.Event")));
+  EXPECT_TRUE(same(message.getPayload(), map_of("id", text("42"), "measurements", map_of())));
+  EXPECT_TRUE(same(message.getMetadataMap(), map_of("vlt.type", text("com.tivra.ostrovia.Event"))));
+}
+
+TEST_F(Builder, MeasurementsWithoutSeriesAreANullTable) {
+  Message message = TivraMessageBuilder::getResult(std::make_unique<PlainBuilder>());
+  const data_t& measurements = at(message.getPayload().get<map_t>(), "measurements");
+  EXPECT_EQ(measurements.type_tag(), static_cast<std::uint32_t>(VLT_TAG_MAP));
+  EXPECT_EQ(block_of(measurements), 0U);
+}
+
+TEST_F(Builder, IdAndTypeAreMoved) {
+  data_t id = text("42");
+  data_t type = borrowed("t");
+  const std::uint64_t id_block = block_of(id);
+  const std::uint64_t type_block = block_of(type);
+  Message message = TivraMessageBuilder::getResult(
+      std::make_unique<PlainBuilder>(std::move(id), std::move(type)));
+  EXPECT_EQ(block_of(at(message.getPayload().get<map_t>(), "id")), id_block);
+  EXPECT_EQ(block_of(at(message.getMetadataMap(), "vlt.type")), type_block);
+  EXPECT_EQ(at(message.getMetadataMap(), "vlt.type").type_tag(),
+            static_cast<std::uint32_t>(VLT_TAG_BORROWED_STRING));
+}
+
+TEST_F(Builder, IdMustBeAString) {
+  EXPECT_EQ(error_of([] { const PlainBuilder builder(whole(42)); }),
+            "Value for key 'id' is not a string.");
+  EXPECT_EQ(error_of([] { const PlainBuilder builder(data_t{}); }),
+            "Value for key 'id' is not a string.");
+  EXPECT_NO_THROW(PlainBuilder{borrowed("42")});
+  EXPECT_NO_THROW(PlainBuilder{null_text()});
+}
+
+TEST_F(Builder, LaterMetadataReplacesEarlier) {
+  auto builder = std::make_unique<PlainBuilder>();
+  builder->insertIntoMetadata(text("vlt.channel"), text("one"));
+  builder->insertIntoMetadata(text("vlt.channel"), text("two"));
+  builder->insertIntoMetadata(text("vlt.type"), whole(3));
+  const Message message = TivraMessageBuilder::getResult(std::move(builder));
+  EXPECT_TRUE(
+      same(message.getMetadataMap(), map_of("vlt.channel", text("two"), "vlt.type", whole(3))));
+}
+
+TEST_F(Builder, MetadataKeysAndValuesAreMoved) {
+  data_t key = text("k");
+  data_t value = list_of(whole(1));
+  const std::uint64_t key_block = block_of(key);
+  const std::uint64_t value_block = block_of(value);
+  auto builder = std::make_unique<PlainBuilder>();
+  builder->insertIntoMetadata(std::move(key), std::move(value));
+  builder->insertIntoMetadata(borrowed("lent"), data_t());
+  Message message = TivraMessageBuilder::getResult(std::move(builder));
+  EXPECT_EQ(key_block_of(message.getMetadataMap(), text("k")), key_block);
+  EXPECT_EQ(block_of(at(message.getMetadataMap(), "k")), value_block);
+  EXPECT_NE(message.getMetadataMap().find(borrowed("lent")), message.getMetadataMap().end());
+}
+
+TEST_F(Builder, MetadataKeyThatIsNoStringIsRefusedAndChangesNothing) {
+  auto builder = std::make_unique<PlainBuilder>();
+  const auto error = [&](data_t&& key) {
+    return error_of([&] { builder->insertIntoMetadata(std::move(key), text("v")); });
+  };
+  const std::string expected = "Cannot use non-string keys into metadata";
+  EXPECT_EQ(error(whole(1)), expected);
+  EXPECT_EQ(error(data_t()), expected);
+  EXPECT_EQ(error(custom()), expected);
+  EXPECT_EQ(error(map_of()), expected);
+  const Message message = TivraMessageBuilder::getResult(std::move(builder));
+  EXPECT_TRUE(same(message.getMetadataMap(), map_of("vlt.type", text("a.b.Type"))));
+}
+
+TEST_F(Builder, FieldsAndMeasurementsBecomeThePayload) {
+  PlainBuilder builder;
+  builder.fields[text("a")] = list_of(whole(1));
+  builder.measurements[text("T")] = real(1);
+  const std::uint64_t list = block_of(at(builder.fields, "a"));
+  const std::uint64_t series = block_of(builder.measurements);
+  Message message = result_of(std::move(builder));
+  map_t& payload = message.getPayload().get<map_t>();
+  EXPECT_TRUE(same(payload, map_of("id", text("42"), "a", list_of(whole(1)), "measurements",
+                                   map_of("T", real(1)))));
+  EXPECT_EQ(block_of(at(payload, "a")), list);
+  EXPECT_EQ(block_of(at(payload, "measurements")), series);
+}
+
+TEST_F(Builder, FieldNamedMeasurementsStaysAndTheSeriesAreDropped) {
+  PlainBuilder builder;
+  builder.fields[text("measurements")] = text("mine");
+  builder.measurements[text("T")] = real(1);
+  const Message message = result_of(std::move(builder));
+  EXPECT_TRUE(same(message.getPayload(), map_of("id", text("42"), "measurements", text("mine"))));
+}
+
+TEST_F(Builder, IsLeftEmptyAndStillOwnedByTheCaller) {
+  std::unique_ptr<TivraMessageBuilder> builder = std::make_unique<PlainBuilder>();
+  builder->measurements[text("T")] = real(1);
+  (void)TivraMessageBuilder::getResult(std::move(builder));
+  ASSERT_NE(builder, nullptr);
+  EXPECT_EQ(block_of(builder->fields), 0U);
+  EXPECT_EQ(block_of(builder->measurements), 0U);
+}
+
+TEST_F(Builder, MembersStandInTheOrderMeasurementsMessageFields) {
+  const PlainBuilder builder;
+  const auto offset = [&](const map_t& member) {
+    return reinterpret_cast<const char*>(&member) - reinterpret_cast<const char*>(&builder);
+  };
+  EXPECT_EQ(offset(builder.measurements), 8); // behind the virtual table's pointer
+  EXPECT_EQ(offset(builder.fields), 8 + 8 + 24);
+}
+
+TEST_F(Builder, UnfinishedOneFreesAllThatItHolds) {
+  auto builder = std::make_unique<PlainBuilder>();
+  builder->fields[text("a")] = list_of(text("x"));
+  builder->measurements[text("T")] = bytes("x");
+  builder->insertIntoMetadata(text("k"), custom());
+  const std::unique_ptr<TivraMessageBuilder> base = std::move(builder); // the fixture counts
+}
+
+} // namespace
+} // namespace com::velanto::connectivity::plugins::pulsar
