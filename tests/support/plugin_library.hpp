@@ -1,4 +1,4 @@
-// The built plug-in library as a host uses it: loaded by dlopen, driven through its twelve functions.
+// A built plug-in library as a host uses it: loaded by dlopen, driven through its twelve functions.
 #ifndef VLT_TESTS_SUPPORT_PLUGIN_LIBRARY_HPP
 #define VLT_TESTS_SUPPORT_PLUGIN_LIBRARY_HPP
 
@@ -15,9 +15,10 @@ namespace com::velanto::connectivity::test {
 
 class PluginLibrary {
  public:
-  // `path` names the library; VLT_PLUGIN_PATH is the one that was built. Throws when it cannot be
-  // loaded or lacks a function.
-  explicit PluginLibrary(const char* path) : handle_(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
+  // `path` names the library; VLT_PLUGIN_PATH is the one that was built. `codec` is the class that
+  // its functions are named after. Throws when it cannot be loaded or lacks a function.
+  explicit PluginLibrary(const char* path, const char* codec = "OstroviaNotifications2Codec")
+      : handle_(dlopen(path, RTLD_NOW | RTLD_LOCAL)), codec_(codec) {
     if (handle_ == nullptr) throw std::runtime_error(dlerror());
     load(apiVersion, "vlt_plugin_api_version_");
     load(productVersion, "vlt_plugin_product_version_");
@@ -52,12 +53,13 @@ class PluginLibrary {
  private:
   template <class Function>
   void load(Function*& function, const char* prefix) {
-    const std::string name = std::string(prefix) + "OstroviaNotifications2Codec";
+    const std::string name = prefix + codec_;
     function = reinterpret_cast<Function*>(dlsym(handle_, name.c_str()));
     if (function == nullptr) throw std::runtime_error("no function " + name);
   }
 
   void* handle_;
+  std::string codec_;
 };
 
 // A next link that keeps what it is sent: moves each message out of the batch.

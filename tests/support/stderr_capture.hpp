@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <typeinfo>
 
 namespace com::velanto::connectivity::test {
 
@@ -19,6 +20,13 @@ std::string stderr_of(const Action& action) {
     throw;
   }
   return ::testing::internal::GetCapturedStderr();
+}
+
+// The line that a typed get of the wrong kind writes to standard error; T is the type asked for.
+template <class T>
+std::string wrong_kind_line() {
+  const std::string type = typeid(T).name();
+  return std::string("GetVisitor<").append(type).append(">.operator()(").append(type) + ")\n";
 }
 
 } // namespace com::velanto::connectivity::test

@@ -1,0 +1,98 @@
+// What a host can do wrong, or differently, at the C interface of the built library.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "tests/end_to_end/loaded_codec.hpp"
+
+namespace com::velanto::connectivity::test {
+namespace {
+
+class BoundaryTest : public EndToEnd {};
+
+TEST_F(BoundaryTest, NullPluginDoesNothing) {
+  Received host;
+  EXPECT_EQ(library_.destroy(nullptr), 0);
+  EXPECT_EQ(library_.start(nullptr), 1);
+  EXPECT_EQ(library_.hostReady(nullptr), 1);
+  EXPECT_EQ(library_.shutdown(nullptr), 1);
+  EXPECT_EQ(library_.setNextTowardsHost(nullptr, &host, Received::take), 1);
+  EXPECT_EQ(library_.setNextTowardsTransport(nullptr, &host, Received::take), 1);
+  EXPECT_EQ(library_.sendBatchTowardsHost(nullptr, nullptr, nullptr), 1);
+  EXPECT_EQ(library_.sendBatchTowardsTransport(nullptr, nullptr, nullptr), 1);
+  EXPECT_EQ(host.calls, 0);
+  EXPECT_EQ(takeLog(), lines_t{});
+}
+
+TEST_F(BoundaryTest, NullBatchFunctionIsRefusedAndThePreviousLinkStays) {
+  LoadedCodec codec(library_, map_of("tenantId", text("")));
+  EXPECT_EQ(library_.setNextTowardsHost(codec.plugin(), nullptr, nullptr), 1);
+  EXPECT_EQ(
+      takeLog(),
+      (lines_t{line(
+          2, "Exception from setNextTowardsHost: Cannot use a null batch function as a link")}));
+  static_cast<void>(codec.converted(notification(EVENT_PATH, eventPayload())));
+  EXPECT_EQ(codec.host.calls, 1);
+}
+
+TEST_F(BoundaryTest, NullNamesReadAsEmptyOnes) {
+  LoadedCodec codec(library_, map_of("tenantId", text("")), nullptr, nullptr);
+  Message message = notification(UNKNOWN_PATH, map_t());
+  EXPECT_EQ(codec.sendTowardsHost(message), 0);
+  EXPECT_EQ(takeLog(), (lines_t{{"connectivity..", 3,
+                                 "<connectivity..> Error when transforming message towards host: "
+                                 "Unrecognised Pulsar message type: 'inventory'"}}));
+}
+
+TEST_F(BoundaryTest, HandlesOfTheHostAreNotDereferenced) {
+  const data_t settings = map_of("tenantId", text(""));
+  void* const plugin =
+      library_.create("codec", "chain", settings.underlying(), unreadable(1), unreadable(2));
+  ASSERT_NE(plugin, nullptr);
+  Message message = notification(EVENT_PATH, eventPayload());
+  EXPECT_EQ(library_.sendBatchTowardsHost(plugin, &message, &message + 1), 0);
+  EXPECT_EQ(library_.destroy(plugin), 0);
+}
+
+TEST_F(BoundaryTest, ThrowingNextLinkIsLoggedAndTheCodecStaysUsable) {
+  LoadedCodec codec(library_, map_of("tenantId", text("")));
+  library_.setNextTowardsHost(codec.plugin(), nullptr,
+                              [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {
+                                throw std::runtime_error("jam");
+                              });
+  Message message = notification(EVENT_PATH, eventPayload());
+  EXPECT_EQ(codec.sendTowardsHost(message), 1);
+  EXPECT_EQ(takeLog(), (lines_t{line(3, "Exception from sendBatchTowardsHost: jam")}));
+  library_.setNextTowardsHost(codec.plugin(), &codec.host, Received::take);
+  static_cast<void>(codec.converted(notification(EVENT_PATH, eventPayload())));
+}
+
+TEST_F(BoundaryTest, TextsOfMessagesAreNeverFormats) {
+  LoadedCodec codec(library_, map_of("tenantId", text("")));
+  Message message = notification("%s/%n/%s%n%d/1", map_of("id", text("%s%n")));
+  EXPECT_EQ(codec.sendTowardsHost(message), 0);
+  EXPECT_EQ(takeLog(),
+            (lines_t{dropped(" ('id' = '%s%n'): Unrecognised Pulsar message type: '%s%n%d'")}));
+}
+
+TEST_F(BoundaryTest, CodecsOfSeveralThreadsDoNotDisturbEachOther) {
+  constexpr int EACH = 200;
+  const auto work = [this](const char* tenant, int* right) {
+    LoadedCodec codec(library_, map_of("tenantId", text(tenant)), "codec", tenant);
+    for (int i = 0; i < EACH; ++i) {
+      Message event = codec.converted(notification(EVENT_PATH, eventPayload(tenant)));
+      auto& fields = event.getPayload().get<map_t>();
+      if (at(fields, "tenantId") == text(tenant) && at(fields, "id") == text(tenant)) ++*right;
+    }
+  };
+  int first = 0;
+  int second = 0;
+  std::thread other(work, "t1", &first);
+  work("t2", &second);
+  other.join();
+  EXPECT_EQ(first, EACH);
+  EXPECT_EQ(second, EACH);
+}
+
+} // namespace
+} // namespace com::velanto::connectivity::test

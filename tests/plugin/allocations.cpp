@@ -1,0 +1,53 @@
+// The replaced operator new and delete. The array forms end in these; the forms for a larger
+// alignment are not replaced, since nothing here uses them.
+#include "tests/plugin/allocations.hpp"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+std::atomic<std::int64_t> made{0};
+std::atomic<std::int64_t> held{0};
+thread_local bool refusing = false;
+
+} // namespace
+
+// Null when refused or exhausted. Not in the unnamed namespace: the operators are global.
+static void* take(std::size_t size) noexcept {
+  void* const memory = refusing ? nullptr : std::malloc(size == 0 ? 1 : size);
+  if (memory != nullptr) {
+    ++made;
+    ++held;
+  }
+  return memory;
+}
+
+static void giveBack(void* memory) noexcept {
+  if (memory != nullptr) --held;
+  std::free(memory);
+}
+
+std::int64_t allocationsMade() noexcept { return made; }
+std::int64_t allocationsHeld() noexcept { return held; }
+
+NoMemory::NoMemory() noexcept { refusing = true; }
+NoMemory::~NoMemory() { refusing = false; }
+
+} // namespace com::velanto::connectivity::test
+
+using com::velanto::connectivity::test::giveBack;
+using com::velanto::connectivity::test::take;
+
+void* operator new(std::size_t size) {
+  void* const memory = take(size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return take(size); }
+void operator delete(void* memory) noexcept { giveBack(memory); }
+void operator delete(void* memory, std::size_t) noexcept { giveBack(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { giveBack(memory); }

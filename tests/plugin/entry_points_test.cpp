@@ -1,0 +1,195 @@
+// The entry points after create: every failure becomes a 1 and one line at the entry point's level.
+#include "plugin/entry_points.hpp"
+
+#include <functional>
+#include <stdexcept>
+#include <tuple>
+
+#include "tests/plugin/allocations.hpp"
+#include "tests/plugin/failing_library.hpp"
+
+namespace com::velanto::connectivity::test {
+namespace {
+
+struct operation_t {
+  const char* name;
+  vlt_log_level_t level;
+  std::function<int(const PluginLibrary&, void* plugin)> call;
+};
+void PrintTo(const operation_t& row, std::ostream* out) { *out << row.name; }
+
+void ignore(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {}
+
+const std::vector<operation_t> operations = {
+    {"start", 2, [](const auto& l, void* p) { return l.start(p); }},
+    {"setNextTowardsHost", 2,
+     [](const auto& l, void* p) { return l.setNextTowardsHost(p, nullptr, ignore); }},
+    {"setNextTowardsTransport", 2,
+     [](const auto& l, void* p) { return l.setNextTowardsTransport(p, nullptr, ignore); }},
+    {"shutdown", 3, [](const auto& l, void* p) { return l.shutdown(p); }},
+    {"hostReady", 3, [](const auto& l, void* p) { return l.hostReady(p); }},
+    {"sendBatchTowardsHost", 3,
+     [](const auto& l, void* p) { return l.sendBatchTowardsHost(p, nullptr, nullptr); }},
+    {"sendBatchTowardsTransport", 3,
+     [](const auto& l, void* p) { return l.sendBatchTowardsTransport(p, nullptr, nullptr); }},
+};
+
+class OperationTest : public FailingLibrary, public ::testing::WithParamInterface<operation_t> {
+ protected:
+  // The operation, on a codec whose operation of that name throws `failure`.
+  int callFailing(const char* failure) {
+    void* const plugin = create(map_of(GetParam().name, text(failure)));
+    const int result = GetParam().call(library_, plugin);
+    library_.destroy(plugin);
+    return result;
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Entry, OperationTest, ::testing::ValuesIn(operations),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_P(OperationTest, SuccessIsZeroAndSilent) {
+  void* const plugin = create(map_t());
+  EXPECT_EQ(GetParam().call(library_, plugin), 0);
+  EXPECT_EQ(takeLog(), lines_t{});
+  library_.destroy(plugin);
+}
+
+TEST_P(OperationTest, ExceptionIsLoggedWithItsText) {
+  EXPECT_EQ(callFailing("runtime_error"), 1);
+  EXPECT_EQ(takeLog(), (lines_t{line(GetParam().level, std::string("Exception from ") +
+                                                           GetParam().name + ": boom")}));
+}
+
+TEST_P(OperationTest, ThrownIntegerIsLoggedAsUnknown) {
+  EXPECT_EQ(callFailing("integer"), 1);
+  EXPECT_EQ(
+      takeLog(),
+      (lines_t{line(GetParam().level, std::string("Unknown exception from ") + GetParam().name)}));
+}
+
+TEST_P(OperationTest, ExhaustedMemoryIsLoggedLikeAnyFailure) {
+  EXPECT_EQ(callFailing("bad_alloc"), 1);
+  EXPECT_EQ(takeLog(), (lines_t{line(GetParam().level, std::string("Exception from ") +
+                                                           GetParam().name + ": std::bad_alloc")}));
+}
+
+TEST_P(OperationTest, FailureBelowTheLevelIsSilent) {
+  standin_set_log_level("connectivity.codec.chain", GetParam().level - 1);
+  EXPECT_EQ(callFailing("runtime_error"), 1);
+  EXPECT_EQ(takeLog(), lines_t{});
+}
+
+TEST_P(OperationTest, FailureWithoutMemoryForItsReportIsStillOne) {
+  void* const plugin = create(map_of(GetParam().name, text("integer")));
+  int result = 0;
+  {
+    const NoMemory memory;
+    result = GetParam().call(library_, plugin);
+  }
+  EXPECT_EQ(result, 1);
+  EXPECT_EQ(takeLog(), lines_t{});
+  library_.destroy(plugin);
+}
+
+TEST_P(OperationTest, PluginStaysUsableAfterAFailure) {
+  void* const plugin = create(map_of(GetParam().name, text("runtime_error")));
+  EXPECT_EQ(GetParam().call(library_, plugin), 1);
+  for (const operation_t& other : operations) {
+    const bool fails = std::string(other.name) == GetParam().name;
+    EXPECT_EQ(other.call(library_, plugin), fails ? 1 : 0) << other.name;
+  }
+  EXPECT_EQ(takeLog().size(), 2U);
+  library_.destroy(plugin);
+}
+
+TEST_P(OperationTest, FailureLeavesNoMemoryBehind) {
+  standin_set_default_log_level(0);
+  void* const plugin = create(map_of(GetParam().name, text("runtime_error")));
+  const std::int64_t before = allocationsHeld();
+  EXPECT_EQ(GetParam().call(library_, plugin), 1);
+  EXPECT_EQ(allocationsHeld(), before) << "a refused link goes down with the exception";
+  library_.destroy(plugin);
+}
+
+TEST_P(OperationTest, NullPluginGivesOneInSilence) {
+  EXPECT_EQ(GetParam().call(library_, nullptr), 1);
+  EXPECT_EQ(takeLog(), lines_t{});
+}
+
+class EntryPointsTest : public FailingLibrary {};
+
+TEST_F(EntryPointsTest, DestroyOfNullIsZero) {
+  standin_reset_calls();
+  EXPECT_EQ(library_.destroy(nullptr), 0);
+  EXPECT_EQ(standin_calls_total(), 0);
+}
+
+TEST_F(EntryPointsTest, NullBatchFunctionIsRefusedAndThePreviousLinkStays) {
+  Received host;
+  Received transport;
+  void* const plugin = create(map_t());
+  library_.setNextTowardsHost(plugin, &host, Received::take);
+  library_.setNextTowardsTransport(plugin, &transport, Received::take);
+  EXPECT_EQ(library_.setNextTowardsHost(plugin, nullptr, nullptr), 1);
+  EXPECT_EQ(library_.setNextTowardsTransport(plugin, nullptr, nullptr), 1);
+  const char* const why = ": Cannot use a null batch function as a link";
+  EXPECT_EQ(takeLog(),
+            (lines_t{line(2, std::string("Exception from setNextTowardsHost") + why),
+                     line(2, std::string("Exception from setNextTowardsTransport") + why)}));
+  library_.sendBatchTowardsHost(plugin, nullptr, nullptr);
+  library_.sendBatchTowardsTransport(plugin, nullptr, nullptr);
+  EXPECT_EQ(host.calls, 1);
+  EXPECT_EQ(transport.calls, 1);
+  library_.destroy(plugin);
+}
+
+TEST_F(EntryPointsTest, BatchReachesTheLinkOfItsDirection) {
+  Received host;
+  Received transport;
+  void* const plugin = create(map_t());
+  library_.setNextTowardsHost(plugin, &host, Received::take);
+  library_.setNextTowardsTransport(plugin, &transport, Received::take);
+  Message message(whole(1));
+  EXPECT_EQ(library_.sendBatchTowardsHost(plugin, &message, &message + 1), 0);
+  EXPECT_EQ(host.messages.size(), 1U);
+  EXPECT_EQ(transport.messages.size(), 0U);
+  message = Message(whole(2));
+  EXPECT_EQ(library_.sendBatchTowardsTransport(plugin, &message, &message + 1), 0);
+  EXPECT_EQ(host.messages.size(), 1U);
+  ASSERT_EQ(transport.messages.size(), 1U);
+  EXPECT_EQ(transport.messages[0].getPayload(), whole(2));
+  library_.destroy(plugin);
+}
+
+TEST_F(EntryPointsTest, NewLinkReplacesThePreviousOne) {
+  Received first;
+  Received second;
+  void* const plugin = create(map_t());
+  library_.setNextTowardsHost(plugin, &first, Received::take);
+  library_.setNextTowardsHost(plugin, &second, Received::take);
+  library_.sendBatchTowardsHost(plugin, nullptr, nullptr);
+  EXPECT_EQ(first.calls, 0);
+  EXPECT_EQ(second.calls, 1);
+  library_.destroy(plugin);
+}
+
+TEST_F(EntryPointsTest, ThrowingNextLinkIsCaughtAtTheEntryPoint) {
+  const auto jam = [](void* handle, vlt_underlying_message_t*, vlt_underlying_message_t*) {
+    if (handle == nullptr) throw std::runtime_error("jam");
+    throw 42;
+  };
+  int handle = 0;
+  void* const plugin = create(map_t());
+  library_.setNextTowardsHost(plugin, nullptr, jam);
+  library_.setNextTowardsTransport(plugin, &handle, jam);
+  EXPECT_EQ(library_.sendBatchTowardsHost(plugin, nullptr, nullptr), 1);
+  EXPECT_EQ(library_.sendBatchTowardsTransport(plugin, nullptr, nullptr), 1);
+  EXPECT_EQ(takeLog(), (lines_t{line(3, "Exception from sendBatchTowardsHost: jam"),
+                                line(3, "Unknown exception from sendBatchTowardsTransport")}));
+  EXPECT_EQ(library_.hostReady(plugin), 0) << "the plug-in stays usable";
+  library_.destroy(plugin);
+}
+
+} // namespace
+} // namespace com::velanto::connectivity::test

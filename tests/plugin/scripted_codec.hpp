@@ -1,0 +1,80 @@
+// A codec that does with each message what the message says, and writes down each call:
+//
+//   payload    "keep …" "drop …" "fail …" "throw …"      the last throws an integer
+//   empty      the hook's default, or nullVerb when set
+#ifndef VLT_TESTS_PLUGIN_SCRIPTED_CODEC_HPP
+#define VLT_TESTS_PLUGIN_SCRIPTED_CODEC_HPP
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "plugin/abstract_simple_codec.hpp"
+#include "value/get_visitor.hpp"
+
+namespace com::velanto::connectivity::test {
+
+class ScriptedCodec final : public AbstractSimpleCodec {
+ public:
+  ScriptedCodec()
+      : AbstractSimpleCodec(
+            PluginConstructorParameters("codec", "chain", map_t(), nullptr, nullptr)) {}
+
+  bool transformMessageTowardsHost(Message& message) override { return play("host", message); }
+  bool transformMessageTowardsTransport(Message& message) override {
+    return play("transport", message);
+  }
+  bool transformNullPayloadTowardsHost(Message& message) override {
+    calls.emplace_back("host: null");
+    if (nullVerb.empty()) return AbstractSimpleCodec::transformNullPayloadTowardsHost(message);
+    return act(nullVerb);
+  }
+  bool transformNullPayloadTowardsTransport(Message& message) override {
+    calls.emplace_back("transport: null");
+    if (nullVerb.empty()) return AbstractSimpleCodec::transformNullPayloadTowardsTransport(message);
+    return act(nullVerb);
+  }
+  bool handleException(Message& message, bool towardsTransport) override {
+    calls.push_back(std::string(towardsTransport ? "transport" : "host") + ": " + textOf(message) +
+                    " failed with " + inFlight());
+    if (reportFails) throw std::runtime_error("no report");
+    return keepsFailed;
+  }
+
+  std::vector<std::string> calls; // "DIRECTION: PAYLOAD" and "DIRECTION: PAYLOAD failed with WHAT"
+  std::string nullVerb;
+  bool keepsFailed = false; // what handleException returns
+  bool reportFails = false; // it throws instead
+
+ private:
+  static std::string textOf(const Message& message) {
+    return message.getPayload().empty() ? "null" : message.getPayload().get<const char*>();
+  }
+
+  // What is thrown is told by rethrowing, which works only while the exception is in flight.
+  static std::string inFlight() {
+    try {
+      throw;
+    } catch (const std::exception& e) {
+      return e.what();
+    } catch (int number) {
+      return std::to_string(number);
+    }
+  }
+
+  static bool act(const std::string& verb) {
+    if (verb == "fail") throw std::runtime_error("boom");
+    if (verb == "throw") throw 42;
+    return verb == "keep";
+  }
+
+  bool play(const char* direction, const Message& message) {
+    const std::string text = textOf(message);
+    calls.push_back(std::string(direction) + ": " + text);
+    return act(text.substr(0, text.find(' ')));
+  }
+};
+
+} // namespace com::velanto::connectivity::test
+
+#endif
