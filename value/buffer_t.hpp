@@ -28,9 +28,9 @@ class buffer_t {
   [[nodiscard]] std::uint32_t size() const noexcept {
     return block_ == nullptr ? 0 : block_->length;
   }
-  // The first of size() bytes; not to be read when size() is 0.
+  // The first of size() bytes; null for a null block.
   [[nodiscard]] const unsigned char* data() const noexcept {
-    return reinterpret_cast<const unsigned char*>(block_ + 1);
+    return block_ == nullptr ? nullptr : reinterpret_cast<const unsigned char*>(block_ + 1);
   }
 
  private:

@@ -9,7 +9,7 @@ namespace com::velanto::connectivity {
 namespace convert_to_details {
 
 std::string _get_or_convert<std::string>::operator()(const bool& content) const {
-  return content ? "true" : "false";
+  return is_true(content) ? "true" : "false";
 }
 
 std::string _get_or_convert<std::string>::operator()(const double& content) const {

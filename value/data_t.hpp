@@ -34,6 +34,11 @@ namespace com::velanto::connectivity {
   return text == nullptr ? "" : text;
 }
 
+// A boolean's content, which a host may have written with other bits than 0 and 1.
+[[nodiscard]] inline bool is_true(const bool& content) noexcept {
+  return reinterpret_cast<const unsigned char&>(content) != 0;
+}
+
 // `text`, which must not be null: throws std::runtime_error "Cannot use a null char* as a data_t
 // value (consider using an empty data_t() instead)".
 const char* requireText(const char* text);

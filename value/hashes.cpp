@@ -12,8 +12,7 @@ std::uint64_t calculate_hash::of(const data_t& value) const {
 }
 
 std::uint64_t calculate_hash::operator()(const bool& content) const noexcept {
-  // Read as a byte: a host may have written other bits than 0 and 1.
-  return reinterpret_cast<const unsigned char&>(content) != 0 ? seed_ : ~seed_;
+  return is_true(content) ? seed_ : ~seed_;
 }
 
 std::uint64_t calculate_hash::operator()(const double& content) const noexcept {

@@ -1,0 +1,18 @@
+// Makes figures comparable: the time that a replay took differs from run to run.
+#ifndef VLT_TESTS_TOOLS_ELAPSED_HPP
+#define VLT_TESTS_TOOLS_ELAPSED_HPP
+
+#include <regex>
+#include <string>
+
+namespace com::velanto::connectivity::test {
+
+// `text` with "T ms" for each time with three decimals.
+inline std::string without_elapsed(const std::string& text) {
+  static const std::regex TIME(R"(\b[0-9]+\.[0-9]{3} ms\b)");
+  return std::regex_replace(text, TIME, "T ms");
+}
+
+} // namespace com::velanto::connectivity::test
+
+#endif

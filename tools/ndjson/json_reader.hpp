@@ -1,0 +1,63 @@
+// Reads messages from JSON text, one message a line:
+//
+//   {"metadata": {"pulsarPath": "t1/sub/events/7"}, "payload": {"id": "1", "count": 2}}
+//
+//   JSON                  value
+//   null                  empty
+//   true, false           boolean
+//   5, -0 (becomes 0)     integer, if without fraction and exponent and within 64 bits
+//   5.0, 1e2, 2^63 …      double: every other number; one beyond the doubles' range is refused
+//   "text"                string; with an embedded NUL refused, since the host's texts end at NUL
+//   [ ]                   list, of any mixture
+//   { }                   map; a repeated key keeps its last value, "" is a key like any other
+//
+// A line is an object with "metadata" (an object) and "payload" (any value) and no other members.
+// Without the one there are no entries, without the other the payload is empty.
+//
+// The parser underneath checks only what is asked of it. Here every value is asked for, so that
+// nothing malformed passes: a text is accepted whole or not at all.
+#ifndef VLT_TOOLS_NDJSON_JSON_READER_HPP
+#define VLT_TOOLS_NDJSON_JSON_READER_HPP
+
+#include <memory>
+#include <stdexcept>
+#include <string_view>
+
+#include "value/message.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+// A text that is not what it has to be; what() is the reason, one line without a full stop.
+class MalformedJson : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Keeps its buffers from text to text; they are as large as the longest text so far needed. One
+// thread at a time.
+class JsonReader {
+ public:
+  // Lists and objects within each other, counted from the payload, from the metadata or from the
+  // value that parseValue reads. A deeper text is malformed.
+  static constexpr int MAX_DEPTH = 1024;
+
+  JsonReader();
+  JsonReader(const JsonReader&) = delete;
+  JsonReader& operator=(const JsonReader&) = delete;
+  ~JsonReader();
+
+  // The message that `line` is, white space around it allowed. Throws MalformedJson,
+  // std::bad_alloc; the reader can be used on.
+  [[nodiscard]] Message parseMessage(std::string_view line);
+
+  // The same for a text that is one JSON value of any kind.
+  [[nodiscard]] data_t parseValue(std::string_view json);
+
+ private:
+  class Parser; // keeps the parsing library out of the sources that only use the reader
+  std::unique_ptr<Parser> parser_;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

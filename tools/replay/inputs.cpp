@@ -1,0 +1,52 @@
+#include "tools/replay/inputs.hpp"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <system_error>
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+[[noreturn]] void refuse(const std::string& path, int error) {
+  throw std::runtime_error(path + ": " + std::generic_category().message(error));
+}
+
+void checkReadable(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) refuse(path, errno);
+  if (S_ISDIR(status.st_mode)) refuse(path, EISDIR);
+}
+
+input_t fileInput(const std::string& path) {
+  checkReadable(path);
+  return {path, [path]() -> std::unique_ptr<std::istream> {
+            errno = 0;
+            auto file = std::make_unique<std::ifstream>(path, std::ios::binary);
+            if (!file->is_open()) refuse(path, errno);
+            return file;
+          }};
+}
+
+input_t standardInput() {
+  return {"<stdin>", [] { return std::make_unique<std::istream>(std::cin.rdbuf()); }};
+}
+
+} // namespace
+
+std::vector<input_t> inputsFrom(const std::vector<std::string>& paths) {
+  if (paths.empty()) return {standardInput()};
+  std::vector<input_t> inputs;
+  inputs.reserve(paths.size());
+  for (const std::string& path : paths) {
+    inputs.push_back(path == "-" ? standardInput() : fileInput(path));
+  }
+  return inputs;
+}
+
+} // namespace com::velanto::connectivity::tools

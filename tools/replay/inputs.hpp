@@ -1,0 +1,27 @@
+// Where recorded messages come from: files and standard input, each opened when its turn comes, so
+// that any number of them can be named.
+#ifndef VLT_TOOLS_REPLAY_INPUTS_HPP
+#define VLT_TOOLS_REPLAY_INPUTS_HPP
+
+#include <functional>
+#include <istream>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace com::velanto::connectivity::tools {
+
+struct input_t {
+  std::string name; // as diagnostics show it
+  // Called once. Throws std::runtime_error when there is nothing to be read.
+  std::function<std::unique_ptr<std::istream>()> open;
+};
+
+// An input for each path, in order; "-" is standard input, as is an empty list. Looks at every path
+// before any is opened: throws std::runtime_error "PATH: reason" for the first that is a directory
+// or cannot be read.
+[[nodiscard]] std::vector<input_t> inputsFrom(const std::vector<std::string>& paths);
+
+} // namespace com::velanto::connectivity::tools
+
+#endif
