@@ -3,8 +3,10 @@
 #include <gmock/gmock.h>
 
 #include <new>
+#include <stdexcept>
 
 #include "tests/codec/codec_fixture.hpp"
+#include "tests/plugin/allocations.hpp"
 #include "tests/support/stderr_capture.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -221,6 +223,18 @@ TEST_F(Failures, MemoryThatStaysExhaustedDropsEveryMessageWithOneReportEach) {
   EXPECT_THAT(sizes, ElementsAre(0));
   const auto report = dropped(std::string(" ('id' = '1'): ") + std::bad_alloc().what());
   EXPECT_THAT(takeLog(), ElementsAre(report, report));
+}
+
+TEST_F(Failures, ReportThatFindsNoMemoryIsLostAndTheMessageIsDroppedAllTheSame) {
+  const auto codec = CodecFixture::codec();
+  Message message = inventory(text("4711"));
+  try {
+    throw std::runtime_error("boom");
+  } catch (const std::exception&) {
+    const NoMemory none;
+    EXPECT_FALSE(codec->handleException(message, false));
+  }
+  EXPECT_THAT(takeLog(), IsEmpty());
 }
 
 } // namespace

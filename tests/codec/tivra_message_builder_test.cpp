@@ -99,7 +99,7 @@ TEST_F(Builder, FieldsAndMeasurementsBecomeThePayload) {
   const std::uint64_t list = block_of(at(builder.fields, "a"));
   const std::uint64_t series = block_of(builder.measurements);
   Message message = result_of(std::move(builder));
-  map_t& payload = message.getPayload().get<map_t>();
+  auto& payload = message.getPayload().get<map_t>();
   EXPECT_TRUE(same(payload, map_of("id", text("42"), "a", list_of(whole(1)), "measurements",
                                    map_of("T", real(1)))));
   EXPECT_EQ(block_of(at(payload, "a")), list);
