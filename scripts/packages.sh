@@ -7,6 +7,8 @@
 #   clang     the preset `clang`, and clang-tidy's view of the sources
 #   lint      ./dev lint, ./dev format
 #   coverage  ./dev coverage
+#   bench     ./dev bench; besides, scripts/bench.sh unpacks libboost1.81-dev, which conflicts with
+#             libboost-dev
 #
 # Only what is named here is installed: recommended packages are left out, so a name that is missing
 # shows on a fresh machine and not on the machine of whoever forgot it.
@@ -23,6 +25,7 @@ declare -A package_groups=(
   [clang]="clang-14"
   [lint]="clang-format-14 clang-tidy-14 git python3 shellcheck"
   [coverage]="gcovr"
+  [bench]="git libbenchmark-dev nlohmann-json3-dev valgrind"
 )
 
 # missing_packages NAME…: prints the packages that are not installed, one per line.

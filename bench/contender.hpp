@@ -1,0 +1,62 @@
+// One way of turning notifications into host events. All of them start from the same lines of JSON
+// and own what they read, so that a run is the whole life of a batch:
+//
+//   fill      builds the inputs anew                         not timed
+//   run       inputs → outputs → everything released         timed
+//   outcome   the same run, but with its results written down, for comparison
+#ifndef VLT_BENCH_CONTENDER_HPP
+#define VLT_BENCH_CONTENDER_HPP
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace com::velanto::connectivity::bench {
+
+// One message a line, as tools/ndjson reads them.
+using lines_t = std::vector<std::string>;
+
+// Which message stands where in a batch.
+using order_t = std::vector<std::uint32_t>;
+
+// The order in which the messages were given.
+[[nodiscard]] inline order_t ownOrder(std::size_t size) {
+  order_t order(size);
+  std::iota(order.begin(), order.end(), 0);
+  return order;
+}
+
+// Another one for each round, the same for all contenders. How the blocks of a batch come to lie
+// side by side decides how much the heap has to do when they are freed: up to a fifth of the time,
+// by chance, if the order were always the same.
+[[nodiscard]] inline order_t orderOfRound(std::size_t size, std::size_t round) {
+  order_t order = ownOrder(size);
+  std::mt19937_64 engine(round);
+  std::shuffle(order.begin(), order.end(), engine);
+  return order;
+}
+
+class Contender {
+ public:
+  Contender() = default;
+  Contender(const Contender&) = delete;
+  Contender& operator=(const Contender&) = delete;
+  virtual ~Contender() = default;
+
+  // Messages per run.
+  [[nodiscard]] virtual std::size_t size() const noexcept = 0;
+  // Before every run; `order` names each message once. Throws std::bad_alloc.
+  virtual void fill(const order_t& order) = 0;
+  virtual void run() = 0;
+  // Fills, runs and renders: the messages that are passed on, as JSON text in their order.
+  [[nodiscard]] virtual lines_t outcome() = 0;
+};
+
+} // namespace com::velanto::connectivity::bench
+
+#endif

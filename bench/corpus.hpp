@@ -1,0 +1,49 @@
+// The notifications that are measured, made up from a fixed seed: every run and every machine sees
+// the same ones. They are lines of JSON, the one form that each contender can read into values of
+// its own.
+#ifndef VLT_BENCH_CORPUS_HPP
+#define VLT_BENCH_CORPUS_HPP
+
+#include <array>
+#include <cstddef>
+
+#include "bench/contender.hpp"
+
+namespace com::velanto::connectivity::bench {
+
+enum class kind_t { alarms, events, measurements, managedobjects, operations };
+
+inline constexpr std::array ALL_KINDS = {kind_t::alarms, kind_t::events, kind_t::measurements,
+                                         kind_t::managedobjects, kind_t::operations};
+
+// The word that stands for the kind in a path.
+[[nodiscard]] const char* nameOf(kind_t kind) noexcept;
+
+// `count` notifications of one kind. Measurements have 1 to 3 fragments of 1 to 4 series, managed
+// objects 15 to 40 fields.
+[[nodiscard]] lines_t notifications(kind_t kind, std::size_t count);
+
+// 60 % measurements, 15 % events, 10 % alarms, 10 % managed objects, 5 % operations, shuffled.
+[[nodiscard]] lines_t mixedNotifications(std::size_t count);
+
+// Messages without a path, otherwise like the mix.
+[[nodiscard]] lines_t passingMessages(std::size_t count);
+
+// Notifications that are dropped, in turn for a key that is missing, for a text that does not read
+// as what it must be, and for a field that is no string: the faults that are found last.
+[[nodiscard]] lines_t droppedNotifications(kind_t kind, std::size_t count);
+
+// Notifications that are dropped since a field is of a kind that cannot be read at all: a source
+// that is no map, a count or a status that is no text. Kinds in turn, but for managed objects,
+// which have no such field. Each also costs a line on standard error.
+[[nodiscard]] lines_t wronglyTypedNotifications(std::size_t count);
+
+// One event with `fields` fields that are carried over.
+[[nodiscard]] lines_t eventWithFields(std::size_t fields);
+
+// One measurement with `series` series in one fragment.
+[[nodiscard]] lines_t measurementWithSeries(std::size_t series);
+
+} // namespace com::velanto::connectivity::bench
+
+#endif

@@ -1,0 +1,108 @@
+// What is left of a conversion when only its host calls remain: for one notification, which texts
+// are freed, which tables are made and grown, and what lies where in them afterwards. Everything that
+// has to be found out (hashes, slots, kinds, times) was found out when the plan was made, so that
+// carrying it out costs the calls, the moves between slots, and next to nothing else.
+//
+// Numbers in a plan:
+//
+//   input table   0 payload   1 metadata   2… the maps within that lose entries (source, fragments,
+//                 series, position), each after the one that holds it
+//   text          one of the constants that are copied: keys, event type, channel, …
+//   output table  in the order of building, a table after those that it holds; the last two are the
+//                 event's metadata and its payload
+#ifndef VLT_BENCH_FLOOR_PLAN_HPP
+#define VLT_BENCH_FLOOR_PLAN_HPP
+
+#include <cstdint>
+#include <vector>
+
+#include "host/types.h"
+
+namespace com::velanto::connectivity::bench::floor {
+
+// Where a key or a value of an output entry comes from, in 8 bytes: plans of the largest inputs have
+// hundreds of thousands of these, and reading them must not become the work that is measured.
+class origin_t {
+ public:
+  enum class way_t : std::uint32_t {
+    moved,    // the key, or the value, of a slot of an input table
+    copied,   // a deep copy of a constant text
+    constant, // 16 bytes that own nothing: a time, a count
+    table,    // an output table
+  };
+
+  origin_t() noexcept = default;
+  origin_t(way_t way, std::uint32_t index, std::uint32_t slot = 0) noexcept
+      : way_and_index_((static_cast<std::uint32_t>(way) << INDEX_BITS) | index), slot_(slot) {}
+
+  [[nodiscard]] way_t way() const noexcept {
+    return static_cast<way_t>(way_and_index_ >> INDEX_BITS);
+  }
+  // Of the input table, the text, the constant or the output table.
+  [[nodiscard]] std::uint32_t index() const noexcept {
+    return way_and_index_ & ((1u << INDEX_BITS) - 1);
+  }
+  [[nodiscard]] std::uint32_t slot() const noexcept { return slot_; }
+
+ private:
+  static constexpr unsigned INDEX_BITS = 28;
+  std::uint32_t way_and_index_ = 0;
+  std::uint32_t slot_ = 0;
+};
+
+struct entry_t {
+  std::uint64_t hash;
+  std::uint32_t slot; // at the time of its insertion
+  origin_t key;
+  origin_t value;
+};
+
+struct growth_t {
+  std::uint32_t before; // the number of the entry whose insertion it precedes, within the table
+  std::int64_t capacity;
+};
+
+struct output_table_t {
+  std::int64_t capacity; // when it is made
+  std::uint32_t entries;
+  std::uint32_t growths;
+};
+
+// A text of an input table that is freed: its key or its value.
+struct freed_t {
+  std::uint32_t table;
+  std::uint32_t slot;
+  bool is_key;
+};
+
+// An input table that loses entries lies in a slot of another.
+struct opened_t {
+  std::uint32_t table;
+  std::uint32_t slot;
+};
+
+// A slot of an input table whose entry was taken out one by one, which leaves a tombstone.
+struct erased_t {
+  std::uint32_t table;
+  std::uint32_t slot;
+};
+
+struct plan_t {
+  bool passes = false; // nothing is done at all
+  bool has_id = false; // a text: the stand-by message has a map with a copy of it
+  std::uint32_t id_slot = 0;
+  std::vector<opened_t> opened; // input tables 2 and up
+  std::vector<freed_t> freed;   // texts that are consumed
+  std::vector<erased_t> erased;
+  std::vector<std::uint32_t> copied_in_vain; // texts: copied and freed again
+  std::vector<output_table_t> outputs;
+  std::vector<entry_t> entries;               // of all outputs, one after the other
+  std::vector<growth_t> growths;              // of all outputs
+  std::vector<std::uint32_t> freed_tables;    // input tables, with what is left in them
+  std::vector<std::int64_t> transient_tables; // made at this capacity and freed again
+  std::vector<vlt_underlying_data_t> constants;
+};
+
+} // namespace com::velanto::connectivity::bench::floor
+
+#endif

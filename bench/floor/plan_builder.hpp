@@ -1,0 +1,115 @@
+// The steps that conversions are made of, as they show in a plan. What each costs in host calls
+// stands beside it; the steps of the kinds, one after the other, are in planner.cpp.
+//
+// A key or text of the input that is not carried over is a spare: the plain floor frees all spares
+// and copies all constants; the others move a spare whenever a constant of the same text is due, and
+// free what is left.
+#ifndef VLT_BENCH_FLOOR_PLAN_BUILDER_HPP
+#define VLT_BENCH_FLOOR_PLAN_BUILDER_HPP
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "bench/floor/output_model.hpp"
+#include "bench/floor/texts.hpp"
+
+namespace com::velanto::connectivity::bench::floor {
+
+enum class variant_t {
+  plain, // the calls of the steps as they are written down
+  reuse, // the same, but blocks that come back under the same text are moved
+  sized, // besides, every output table is made at its final capacity
+};
+
+class PlanBuilder {
+ public:
+  static constexpr std::uint32_t PAYLOAD = 0;
+  static constexpr std::uint32_t METADATA = 1;
+
+  // A value that was taken out of an input table.
+  struct taken_t {
+    std::uint32_t table;
+    std::uint32_t slot;
+    const vlt_underlying_data_t* value;
+  };
+
+  // Both must outlive the builder.
+  PlanBuilder(const vlt_underlying_message_t& notification, variant_t variant, Texts& texts);
+
+  // ---- input
+
+  [[nodiscard]] const vlt_underlying_data_t* find(std::uint32_t table, const char* key) const;
+  // Frees the key; a tombstone stays.
+  std::optional<taken_t> takeIfPresent(std::uint32_t table, const char* key);
+  // The same; the plan of a notification that lacks the key cannot be made: throws.
+  taken_t take(std::uint32_t table, const char* key);
+  // A map that is taken apart itself. No call here; what is left of it is freed by freeTable, or
+  // lives on as a value.
+  std::uint32_t open(const taken_t& map);
+  void freeTable(std::uint32_t table) { plan_.freed_tables.push_back(table); }
+  // Frees a text that is not carried over; nothing for kinds that own nothing. Throws for others.
+  void drop(const taken_t& value);
+  // Frees the key of an entry whose value is taken, and leaves a tombstone.
+  taken_t takeAt(std::uint32_t table, std::uint32_t slot);
+  // Calls `visit` with the slot number of each entry that was not taken, in slot order.
+  void forEach(std::uint32_t table, const std::function<void(std::uint32_t)>& visit) const;
+  [[nodiscard]] const vlt_underlying_map_table_entry_t& slotAt(std::uint32_t table,
+                                                               std::uint32_t slot) const;
+
+  // ---- output
+
+  [[nodiscard]] static origin_t moved(const taken_t& value) {
+    return {origin_t::way_t::moved, value.table, value.slot};
+  }
+  [[nodiscard]] origin_t copied(const char* text) {
+    return {origin_t::way_t::copied, texts_.of(text)};
+  }
+  [[nodiscard]] origin_t constant(const vlt_underlying_data_t& value);
+  [[nodiscard]] origin_t constant(double value);
+  // Sets a field: copies the key; the copy is in vain if the field is there, and its value goes.
+  void put(OutputModel& output, const char* key, origin_t value);
+  // Moves key and value; the key is freed if the field is there, and the field's value goes.
+  void putEntry(OutputModel& output, std::uint32_t table, std::uint32_t slot);
+  // Moves the key, and the value from elsewhere; false, and nothing happens, if the key is there.
+  bool insertUnder(OutputModel& output, std::uint32_t table, std::uint32_t slot,
+                   origin_t value) const;
+  // The field `key` as seconds if it can be read: frees and copies the key, frees the text.
+  void convertDate(const char* key);
+  // A constant is copied and freed again.
+  void copyInVain(const char* text) { in_vain_.push_back(texts_.of(text)); }
+  // A table is made, grown as `model` says, and freed once its entries have been moved on.
+  void makeTransient(const TableModel& model);
+  // A table is made and grown. No more may be put into it. Returns its value.
+  origin_t finish(const OutputModel& output);
+
+  OutputModel fields;
+  OutputModel metadata;
+
+  [[nodiscard]] plan_t result();
+
+ private:
+  using spares_t = std::unordered_map<std::string, std::vector<taken_t>>;
+
+  [[nodiscard]] std::uint32_t slotOfValue(std::uint32_t table,
+                                          const vlt_underlying_data_t* value) const;
+  [[nodiscard]] bool isTaken(std::uint32_t table, std::uint32_t slot) const;
+  [[nodiscard]] std::optional<taken_t> reuse(spares_t& spares, std::uint32_t text);
+  [[nodiscard]] origin_t withReuse(origin_t origin, spares_t& spares);
+  void dropOrigin(origin_t value);
+
+  plan_t plan_;
+  variant_t variant_;
+  Texts& texts_;
+  std::vector<const vlt_underlying_map_table_t*> inputs_;
+  std::vector<std::vector<std::uint32_t>> taken_; // slots, by input table
+  spares_t spare_keys_;
+  spares_t spare_values_;
+  std::vector<std::uint32_t> in_vain_;
+};
+
+} // namespace com::velanto::connectivity::bench::floor
+
+#endif

@@ -1,0 +1,118 @@
+#include "bench/host_messages.hpp"
+
+#include <dlfcn.h>
+
+#include <new>
+
+#include "standin/standin.h"
+#include "tools/ndjson/json_reader.hpp"
+#include "tools/ndjson/json_writer.hpp"
+
+namespace com::velanto::connectivity::bench {
+
+namespace {
+
+vlt_underlying_message_t& underlying(Message& message) noexcept {
+  return reinterpret_cast<vlt_underlying_message_t&>(message);
+}
+
+// Gives every table another capacity, the inner ones too; `turn` counts the tables.
+class Rebuilder {
+ public:
+  void rebuild(vlt_underlying_map_table_t*& table) {
+    if (table == nullptr) return;
+    const std::int64_t room = 3 * table->live;
+    const std::int64_t capacity = table->live + 1 + (room == 0 ? 0 : (turn_++ * 7) % room);
+    table = vlt_reallocate_map(table, capacity);
+    if (table == nullptr) throw std::bad_alloc();
+    auto* const slots = reinterpret_cast<vlt_underlying_map_table_entry_t*>(table + 1);
+    for (std::int64_t i = 0; i < capacity; ++i) rebuildWithin(slots[i].value);
+  }
+
+ private:
+  void rebuildWithin(vlt_underlying_data_t& value) {
+    if (value.tag == VLT_TAG_MAP) rebuild(value.value.map);
+    if (value.tag != VLT_TAG_LIST || value.value.list == nullptr) return;
+    auto* const elements = reinterpret_cast<vlt_underlying_data_t*>(value.value.list + 1);
+    for (std::int64_t i = 0; i < value.value.list->count; ++i) rebuildWithin(elements[i]);
+  }
+
+  std::int64_t turn_ = 0;
+};
+
+data_t copyOf(const vlt_underlying_data_t& source) {
+  data_t copy = data_t::adopt(vlt_copy_data(&source));
+  if (copy.empty() && source.tag != VLT_TAG_EMPTY) throw std::bad_alloc();
+  return copy;
+}
+
+using set_sink_t = decltype(standin_set_log_sink);
+
+void setSink(standin_log_sink_t sink, void* context) noexcept {
+  auto* const set = reinterpret_cast<set_sink_t*>(dlsym(RTLD_DEFAULT, "standin_set_log_sink"));
+  if (set != nullptr) set(sink, context);
+}
+
+void keepLine(void* context, const char*, vlt_log_level_t level, const char* text) {
+  static_cast<lines_t*>(context)->push_back(std::to_string(level) + ' ' + text);
+}
+
+void dropLine(void*, const char*, vlt_log_level_t, const char*) {}
+
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): the library has but one sink
+LogCapture* innermost = nullptr;
+
+} // namespace
+
+messages_t readMessages(const lines_t& lines, tables_t tables) {
+  tools::JsonReader reader;
+  Rebuilder rebuilder;
+  messages_t messages;
+  messages.reserve(lines.size());
+  for (const std::string& line : lines) {
+    messages.push_back(reader.parseMessage(line));
+    if (tables == tables_t::grown) continue;
+    vlt_underlying_message_t& raw = underlying(messages.back());
+    rebuilder.rebuild(raw.payload.value.map);
+    rebuilder.rebuild(raw.metadata);
+  }
+  return messages;
+}
+
+void copyMessages(const messages_t& prototypes, const order_t& order, messages_t& copies) {
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    const Message& prototype = prototypes[order[i]];
+    data_t payload = copyOf(*prototype.getPayload().underlying());
+    copies[i] = Message(std::move(payload), prototype.getMetadataMap().copy());
+  }
+}
+
+void releaseMessages(messages_t& messages) noexcept {
+  for (Message& message : messages) message = Message();
+}
+
+std::string renderMessage(const Message& message) {
+  std::string text;
+  tools::writeJson(text, message);
+  return text;
+}
+
+LogCapture::LogCapture(lines_t* lines) noexcept
+    : outer_(std::exchange(innermost, this)), lines_(lines) {
+  listen();
+}
+
+LogCapture::~LogCapture() {
+  innermost = outer_;
+  if (outer_ == nullptr) {
+    setSink(nullptr, nullptr);
+  } else {
+    outer_->listen();
+  }
+}
+
+void LogCapture::listen() const noexcept {
+  setSink(lines_ == nullptr ? dropLine : keepLine, lines_);
+}
+
+} // namespace com::velanto::connectivity::bench

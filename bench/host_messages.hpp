@@ -1,0 +1,51 @@
+// Messages in the host's storage: prototypes that are read once, and copies of them, made before
+// each run by the host's own deep copy, which keeps capacities, positions and tombstones.
+#ifndef VLT_BENCH_HOST_MESSAGES_HPP
+#define VLT_BENCH_HOST_MESSAGES_HPP
+
+#include <vector>
+
+#include "bench/contender.hpp"
+#include "value/message.hpp"
+
+namespace com::velanto::connectivity::bench {
+
+using messages_t = std::vector<Message>;
+
+// How full the tables of the inputs are.
+enum class tables_t {
+  grown,  // as insertion by insertion leaves them: 8, 16, 2 × live + 2 … slots
+  others, // rebuilt with anything between live + 1 and 4 × live slots, changing from table to table
+};
+
+// The messages that the lines stand for. Throws tools::MalformedJson, std::bad_alloc.
+[[nodiscard]] messages_t readMessages(const lines_t& lines, tables_t tables);
+
+// Deep copies into `copies`, in `order`; all three are of one size. Throws std::bad_alloc.
+void copyMessages(const messages_t& prototypes, const order_t& order, messages_t& copies);
+
+// Frees what the messages hold, as the owner of the array does when it is done with it.
+void releaseMessages(messages_t& messages) noexcept;
+
+[[nodiscard]] std::string renderMessage(const Message& message);
+
+// What the host's library logs while one of these lives: kept, or dropped where nobody listens. The
+// library must offer a sink; one that does not goes on writing where it writes.
+class LogCapture {
+ public:
+  // `lines` may be null: nobody listens.
+  explicit LogCapture(lines_t* lines) noexcept;
+  LogCapture(const LogCapture&) = delete;
+  LogCapture& operator=(const LogCapture&) = delete;
+  ~LogCapture(); // whoever listened before listens again
+
+ private:
+  void listen() const noexcept;
+
+  LogCapture* outer_;
+  lines_t* lines_;
+};
+
+} // namespace com::velanto::connectivity::bench
+
+#endif

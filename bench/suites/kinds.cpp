@@ -1,0 +1,30 @@
+#include "bench/corpus.hpp"
+#include "bench/suites/suites.hpp"
+
+namespace com::velanto::connectivity::bench {
+
+suite_t measureKinds(const options_t& options) {
+  suite_t suite{"kinds", "ns per message", {}};
+  const auto add = [&](const char* name, lines_t lines) {
+    Heat heat(options, name, std::move(lines));
+    heat.withPlugin().withSmallBatches().withFloors().withPeers();
+    suite.groups.push_back(heat.run(options.rounds));
+  };
+  add("mix", mixedNotifications(LARGE_BATCH));
+  for (const kind_t kind : ALL_KINDS) add(nameOf(kind), notifications(kind, LARGE_BATCH));
+  add("passing", passingMessages(LARGE_BATCH));
+  return suite;
+}
+
+suite_t measureCapacities(const options_t& options) {
+  suite_t suite{"capacities", "ns per message", {}};
+  const auto add = [&](const char* name, lines_t lines) {
+    Heat heat(options, name, std::move(lines), tables_t::others);
+    suite.groups.push_back(heat.withPlugin().withFloors().run(options.rounds));
+  };
+  add("mix", mixedNotifications(LARGE_BATCH));
+  for (const kind_t kind : ALL_KINDS) add(nameOf(kind), notifications(kind, LARGE_BATCH));
+  return suite;
+}
+
+} // namespace com::velanto::connectivity::bench
