@@ -40,11 +40,15 @@ bool isOfKind(const char* typeSegment, const char* kind) noexcept {
 
 std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
     PulsarMessageDisassembler& notification) {
-  const char* const segment = notification.getStartCharOfMessageType();
+  return convertPulsarToTivraMessage(notification, notification.getStartCharOfMessageType());
+}
+
+std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
+    PulsarMessageDisassembler& notification, const char* typeSegment) {
   for (const Route& route : ROUTES) {
-    if (isOfKind(segment, route.kind)) return route.convert(notification);
+    if (isOfKind(typeSegment, route.kind)) return route.convert(notification);
   }
-  const std::string type(segment, std::strcspn(segment, "/"));
+  const std::string type(typeSegment, std::strcspn(typeSegment, "/"));
   throw std::runtime_error("Unrecognised Pulsar message type: '" + type + "'");
 }
 

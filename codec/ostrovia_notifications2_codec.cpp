@@ -1,5 +1,6 @@
 #include "codec/ostrovia_notifications2_codec.hpp"
 
+#include <cstring>
 #include <exception>
 #include <stdexcept>
 #include <string>
@@ -34,6 +35,52 @@ const data_t* findStringId(const map_t& payload) {
   if (entry == payload.end() || !(*entry).second.is_string()) return nullptr;
   return &(*entry).second;
 }
+
+// Puts the notification's "id" aside for the report: a message whose conversion fails is left with
+// that and nothing else. The text is kept here, where it costs no call of the host, and becomes a map
+// again only when it is needed.
+class IdForReport {
+ public:
+  // Throws std::bad_alloc for a long text.
+  IdForReport(const data_t* id, Message& message) : message_(message), has_id_(id != nullptr) {
+    if (!has_id_) return;
+    const char* const text = text_or_empty(id->get<const char*>());
+    const std::size_t size = std::strlen(text) + 1;
+    if (size > sizeof short_text_) {
+      long_text_ = data_t(text);
+    } else {
+      std::memcpy(short_text_, text, size);
+    }
+  }
+  IdForReport(const IdForReport&) = delete;
+  IdForReport& operator=(const IdForReport&) = delete;
+  ~IdForReport() {
+    if (has_id_ && !converted_) leaveOnlyId();
+  }
+
+  // There is nothing to report.
+  void converted() noexcept { converted_ = true; }
+
+ private:
+  void leaveOnlyId() noexcept {
+    try {
+      map_t only_id;
+      only_id.insert(
+          DATA_T_id.with(long_text_.empty() ? data_t(short_text_) : std::move(long_text_)));
+      message_.getPayload() = data_t(std::move(only_id));
+    } catch (...) { // NOLINT(bugprone-empty-catch): no memory for it; the report goes without
+    }
+  }
+
+  static constexpr std::size_t USUAL_LENGTH = 64; // platform ids are shorter
+
+  Message& message_;
+  data_t long_text_;
+  bool has_id_;
+  bool converted_ = false;
+  char
+      short_text_[USUAL_LENGTH]; // NOLINT(cppcoreguidelines-pro-type-member-init): a text or unused
+};
 
 std::string describeFailure(const Message& message, bool towardsTransport) {
   std::string text = "Error when transforming message towards ";
@@ -80,30 +127,31 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
     getLogger().log<TRACE_LEVEL>("%s", text.c_str());
   }
 
-  Message notification;
-  if (const data_t* const id = findStringId(message.getPayload().get<map_t>())) {
-    map_t only_id;
-    only_id.insert(data_t(DATA_T_id), data_t(*id));
-    notification.getPayload() = data_t(std::move(only_id));
-  }
-  // From here on `message` names the notification for the report, whatever becomes of it.
-  std::swap(message, notification);
-  message = processPulsarMessage(std::move(notification));
+  const data_t* const id = findStringId(message.getPayload().get<map_t>());
+  // Made while the message is whole: when there is no memory at all, it stays so for its report.
+  data_t channelKey(DATA_T_vltDOTchannel);
+  IdForReport idForReport(id, message);
+  Message notification(std::move(message));
+  message = processPulsarMessage(std::move(notification), std::move(channelKey));
+  idForReport.converted();
   return true;
 }
 
-Message OstroviaNotifications2Codec::processPulsarMessage(Message&& notification) const {
+Message OstroviaNotifications2Codec::processPulsarMessage(Message&& notification,
+                                                          data_t&& channelKey) const {
   if (notification.getPayload().type_tag() != VLT_TAG_MAP) {
     throw std::runtime_error("Message payload is not a map");
   }
   PulsarMessageDisassembler disassembler(std::move(notification));
-  std::unique_ptr<TivraMessageBuilder> builder = convertPulsarToTivraMessage(disassembler);
+  const char* const typeSegment = disassembler.getStartCharOfMessageType();
+  std::unique_ptr<TivraMessageBuilder> builder =
+      convertPulsarToTivraMessage(disassembler, typeSegment);
 
-  const bool is_measurement = isOfKind(disassembler.getStartCharOfMessageType(), STR_measurements);
+  const bool is_measurement = isOfKind(typeSegment, STR_measurements);
   builder->insertIntoMetadata(
-      data_t(DATA_T_vltDOTchannel),
-      data_t(is_measurement ? measurementSplittingChannel : devicesChannel));
-  if (tenantId) builder->fields[data_t(DATA_T_tenantId)] = *tenantId;
+      {DATA_T_vltDOTchannel.hash(), std::move(channelKey),
+       data_t(is_measurement ? measurementSplittingChannel : devicesChannel)});
+  if (tenantId) builder->fields.assign(DATA_T_tenantId.with(data_t(*tenantId)));
   return TivraMessageBuilder::getResult(std::move(builder));
 }
 

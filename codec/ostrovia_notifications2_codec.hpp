@@ -23,7 +23,7 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
 
   // Returns true. Throws when the notification cannot be converted; `message` then holds nothing
   // but the notification's "id", if that was a string, for the report. A payload that is no map,
-  // and a trace that fails, leave it untouched.
+  // a trace that fails, and having no memory to begin with, leave it untouched.
   bool transformMessageTowardsHost(Message& message) override;
   // Returns true and changes nothing.
   bool transformMessageTowardsTransport(Message& message) override;
@@ -32,7 +32,8 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
   bool handleException(Message& message, bool towardsTransport) override;
 
  private:
-  [[nodiscard]] Message processPulsarMessage(Message&& notification) const;
+  // `channelKey` is a copy of the key under which the channel goes into the metadata.
+  [[nodiscard]] Message processPulsarMessage(Message&& notification, data_t&& channelKey) const;
 
   data_t measurementSplittingChannel; // for events made from measurements
   data_t devicesChannel;              // for all others, prefix included

@@ -5,37 +5,58 @@
 
 #include "codec/constants.hpp"
 #include "codec/timestamps.hpp"
+#include "value/map_slot.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-boost::optional<data_t> extractFromMapIfPresent(map_t& map, data_t const& key) {
-  const map_t::iterator entry = map.find(key);
-  if (entry == map.end()) return boost::none;
-  boost::optional<data_t> value(std::move((*entry).second));
-  map.erase(entry);
-  return value;
+namespace {
+
+data_t valueOrThrow(boost::optional<data_t>&& value, data_t const& key, char const* where) {
+  if (value) return std::move(*value);
+  throw std::runtime_error("Required key '" + std::string(text_or_empty(key.get<char const*>())) +
+                           "' missing from " + where);
 }
 
-data_t extractFromMapOrThrow(map_t& map, data_t const& key, char const* where) {
-  boost::optional<data_t> value = extractFromMapIfPresent(map, key);
-  if (!value) {
-    throw std::runtime_error("Required key '" + std::string(text_or_empty(key.get<char const*>())) +
-                             "' missing from " + where);
-  }
-  return std::move(*value);
+// Removes the entry under a constant and keeps its key for the event.
+boost::optional<data_t> extractKeepingKey(map_t& map, constant_t const& key, SpareCopies&& spares) {
+  map_entry_t entry = map.extract(key);
+  if (!entry) return boost::none;
+  spares.keep(key, std::move(entry.key));
+  return std::move(entry.value);
+}
+
+} // namespace
+
+boost::optional<data_t> extractFromMapIfPresent(map_t& map, key_ref key) {
+  map_entry_t entry = map.extract(key);
+  if (!entry) return boost::none;
+  return std::move(entry.value);
+}
+
+data_t extractFromMapOrThrow(map_t& map, key_ref key, char const* where) {
+  return valueOrThrow(extractFromMapIfPresent(map, key), key.key, where);
+}
+
+boost::optional<data_t> extractFieldIfPresent(PulsarMessageDisassembler& notification,
+                                              constant_t const& key) {
+  return extractKeepingKey(notification.getPayloadMap(), key, notification.getSpareCopies());
+}
+
+data_t extractFieldOrThrow(PulsarMessageDisassembler& notification, constant_t const& key) {
+  return valueOrThrow(extractFieldIfPresent(notification, key), key, IN_MESSAGE_PAYLOAD);
 }
 
 double extractTimeTimestampOrThrow(PulsarMessageDisassembler& notification) {
-  const data_t time =
-      extractFromMapOrThrow(notification.getPayloadMap(), DATA_T_time, IN_MESSAGE_PAYLOAD);
+  const data_t time = extractFieldOrThrow(notification, DATA_T_time);
   const char* const text = text_or_empty(getFromDataTReportingKey<char const*>(time, "time"));
   if (const auto seconds = tryParseTime(text)) return *seconds;
   throw std::runtime_error("Error parsing timestamp '" + std::string(text) + "' in key 'time'");
 }
 
-data_t extractSourceId(data_t& source) {
-  return extractFromMapOrThrow(getFromDataTReportingKey<map_t&>(source, "source"), DATA_T_id,
-                               IN_SOURCE);
+data_t extractSourceId(data_t& source, SpareCopies&& spares) {
+  map_t& entries = getFromDataTReportingKey<map_t&>(source, "source");
+  return valueOrThrow(extractKeepingKey(entries, DATA_T_id, std::move(spares)), DATA_T_id,
+                      IN_SOURCE);
 }
 
 void remapPayloadElement(data_t const& from, data_t&& to, PulsarMessageDisassembler& notification,
@@ -44,20 +65,28 @@ void remapPayloadElement(data_t const& from, data_t&& to, PulsarMessageDisassemb
   if (value) builder.fields[std::move(to)] = std::move(*value);
 }
 
-void convertDateTimePayloadElement(data_t const& key, PulsarMessageDisassembler& notification,
+void remapPayloadElement(constant_t const& from, constant_t const& to,
+                         PulsarMessageDisassembler& notification, TivraMessageBuilder& builder) {
+  auto value = extractFromMapIfPresent(notification.getPayloadMap(), from);
+  if (value) builder.fields.assign(to.with(std::move(*value)));
+}
+
+void convertDateTimePayloadElement(constant_t const& key, PulsarMessageDisassembler& notification,
                                    TivraMessageBuilder& builder) {
-  auto value = extractFromMapIfPresent(notification.getPayloadMap(), key);
-  if (!value) return;
-  if (value->is_string()) {
-    if (const auto seconds = tryParseTime(value->get<char const*>())) *value = data_t(*seconds);
+  map_entry_t entry = notification.getPayloadMap().extract(key);
+  if (!entry) return;
+  if (entry.value.is_string()) {
+    if (const auto seconds = tryParseTime(entry.value.get<char const*>())) {
+      entry.value = data_t(*seconds);
+    }
   }
-  builder.fields[data_t(key)] = std::move(*value);
+  builder.fields.assign(std::move(entry));
 }
 
 void copyOverRemainingPayloadElements(PulsarMessageDisassembler& notification,
                                       TivraMessageBuilder& builder) {
-  map_t remaining = notification.extractRemainingPayload();
-  for (auto [key, value] : remaining) builder.fields[std::move(key)] = std::move(value);
+  notification.extractRemainingPayload().drain(
+      [&builder](map_entry_t&& entry) { builder.fields.assign(std::move(entry)); });
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -21,26 +21,35 @@ inline constexpr const char* IN_MESSAGE_PAYLOAD = "message payload";
 inline constexpr const char* IN_SOURCE = "source";
 
 // Removes the entry under `key` and returns its value; empty, and the map untouched, when absent.
-[[nodiscard]] boost::optional<data_t> extractFromMapIfPresent(map_t& map, data_t const& key);
+[[nodiscard]] boost::optional<data_t> extractFromMapIfPresent(map_t& map, key_ref key);
 
 // The same, but throws "Required key 'KEY' missing from WHERE" when absent.
-[[nodiscard]] data_t extractFromMapOrThrow(map_t& map, data_t const& key, char const* where);
+[[nodiscard]] data_t extractFromMapOrThrow(map_t& map, key_ref key, char const* where);
+
+// The two for a field of the payload itself, whose key becomes one of the spare copies.
+[[nodiscard]] boost::optional<data_t> extractFieldIfPresent(PulsarMessageDisassembler& notification,
+                                                            constant_t const& key);
+[[nodiscard]] data_t extractFieldOrThrow(PulsarMessageDisassembler& notification,
+                                         constant_t const& key);
 
 // Takes "time" out of the payload: seconds since the epoch. Throws when it is missing, no string,
 // or unreadable: "Error parsing timestamp 'TEXT' in key 'time'".
 [[nodiscard]] double extractTimeTimestampOrThrow(PulsarMessageDisassembler& notification);
 
-// Takes the id of the source out of the map that `source` must be; what else the map holds is of no
-// interest to any conversion.
-[[nodiscard]] data_t extractSourceId(data_t& source);
+// Takes the id of the source out of the map that `source` must be, its key into `spares`; what else the
+// map holds is of no interest to any conversion.
+[[nodiscard]] data_t extractSourceId(data_t& source, SpareCopies&& spares = SpareCopies());
 
 // Moves the entry under `from`, if there is one, into the event's field `to`, over any there.
 void remapPayloadElement(data_t const& from, data_t&& to, PulsarMessageDisassembler& notification,
                          TivraMessageBuilder& builder);
+// The same for a field that has a constant name; its key is copied only when there is an entry.
+void remapPayloadElement(constant_t const& from, constant_t const& to,
+                         PulsarMessageDisassembler& notification, TivraMessageBuilder& builder);
 
 // Moves the entry under `key`, if there is one, into the event's field of that name, over any
 // there: as seconds since the epoch when it is a readable timestamp, otherwise as it is.
-void convertDateTimePayloadElement(data_t const& key, PulsarMessageDisassembler& notification,
+void convertDateTimePayloadElement(constant_t const& key, PulsarMessageDisassembler& notification,
                                    TivraMessageBuilder& builder);
 
 // Moves everything that is left in the payload into the event's fields, over those of the same

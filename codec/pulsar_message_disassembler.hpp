@@ -6,6 +6,7 @@
 #ifndef VLT_CODEC_PULSAR_MESSAGE_DISASSEMBLER_HPP
 #define VLT_CODEC_PULSAR_MESSAGE_DISASSEMBLER_HPP
 
+#include "codec/spare_copies.hpp"
 #include "value/message.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -27,8 +28,12 @@ class PulsarMessageDisassembler {
   // Moves the payload map out and leaves an empty map. Throws as getPayloadMap does.
   [[nodiscard]] map_t extractRemainingPayload();
 
+  // What the fields that were taken out have left behind, to be used up by the fields of the event.
+  [[nodiscard]] SpareCopies&& getSpareCopies() noexcept { return std::move(spares_); }
+
  private:
   Message notification_;
+  SpareCopies spares_;
 };
 
 } // namespace com::velanto::connectivity::plugins::pulsar

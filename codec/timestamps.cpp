@@ -1,5 +1,10 @@
+// Two readers: the usual forms, with every character where it belongs, are read off their fixed
+// positions; any other text goes through the literal steps, which decide what becomes of the odd ones.
+// The first gives what the second would, in a fraction of the time and without the lock that timegm
+// takes.
 #include "codec/timestamps.hpp"
 
+#include <chrono>
 #include <ctime>
 #include <exception>
 #include <string>
@@ -17,6 +22,79 @@ constexpr std::size_t ZONE_AFTER_FRACTION_AT = 23;
 constexpr std::size_t ZONE_LENGTH = 6;
 constexpr double SECONDS_PER_HOUR = 3600.0;
 constexpr double SECONDS_PER_MINUTE = 60.0;
+
+// ---- the usual forms: YYYY-MM-DDThh:mm:ss, then .mmm or nothing, then Z (the last character) or ±hh:mm
+
+// Reads numbers of fixed width. A character that is no digit makes the reading invalid.
+class Digits {
+ public:
+  explicit Digits(const char* text) noexcept : text_(text) {}
+
+  template <std::size_t COUNT>
+  [[nodiscard]] int at(std::size_t position) noexcept {
+    unsigned value = 0;
+    for (std::size_t i = 0; i < COUNT; ++i) {
+      const auto digit = static_cast<unsigned char>(text_[position + i] - '0');
+      valid_ &= digit <= 9;
+      value = value * 10 + digit;
+    }
+    return static_cast<int>(value);
+  }
+  // As at<2>, and invalid too outside `least` to `most`.
+  [[nodiscard]] int pairAt(std::size_t position, int least, int most) noexcept {
+    const int value = at<2>(position);
+    valid_ &= least <= value && value <= most;
+    return value;
+  }
+  [[nodiscard]] bool valid() const noexcept { return valid_; }
+
+ private:
+  const char* text_;
+  bool valid_ = true;
+};
+
+// Seconds since the epoch, read as UTC. A day behind the end of its month counts on into the next.
+double secondsSinceEpoch(Digits& digits) noexcept {
+  namespace chrono = std::chrono;
+  const chrono::year year(digits.at<4>(0));
+  const chrono::month month(static_cast<unsigned>(digits.pairAt(5, 1, 12)));
+  const chrono::days day(digits.pairAt(8, 1, 31));
+  const chrono::hours hours(digits.pairAt(11, 0, 23));
+  const chrono::minutes minutes(digits.pairAt(14, 0, 59));
+  const chrono::seconds seconds(digits.pairAt(17, 0, 61)); // leap seconds too
+  if (!digits.valid()) return 0.0;
+  const chrono::sys_days first_of_month(year / month / 1);
+  const chrono::sys_seconds time =
+      first_of_month + (day - chrono::days(1)) + hours + minutes + seconds;
+  return static_cast<double>(time.time_since_epoch().count());
+}
+
+// `text` has SHORTEST characters and its marks.
+boost::optional<double> readUsualForm(std::string_view text) noexcept {
+  Digits digits(text.data());
+  const double date_time = secondsSinceEpoch(digits);
+  std::size_t zone = DATE_TIME_LENGTH;
+  double fraction = 0.0;
+  if (text[DATE_TIME_LENGTH] == '.') {
+    zone = ZONE_AFTER_FRACTION_AT;
+    if (text.size() <= zone) return boost::none;
+    fraction = digits.at<FRACTION_LENGTH>(FRACTION_AT) / 1000.0;
+  }
+  double offset = 0.0;
+  if (text[zone] == '+' || text[zone] == '-') {
+    if (text.size() < zone + ZONE_LENGTH || text[zone + 3] != ':') return boost::none;
+    const int sign = text[zone] == '-' ? -1 : 1;
+    const int hours = sign * digits.at<2>(zone + 1);
+    const int minutes = sign * digits.at<2>(zone + 4);
+    offset = hours * SECONDS_PER_HOUR + 0.0 + minutes * SECONDS_PER_MINUTE;
+  } else if (text[zone] != 'Z' || text.size() != zone + 1) {
+    return boost::none;
+  }
+  if (!digits.valid()) return boost::none;
+  return (fraction + date_time) - offset;
+}
+
+// ---- the literal steps
 
 // std::stoi decides what a number is; its exceptions end the parsing.
 int number(std::string_view digits) { return std::stoi(std::string(digits)); }
@@ -62,8 +140,8 @@ boost::optional<double> readDateTime(std::string_view text) {
   return static_cast<double>(timegm(&fields));
 }
 
-boost::optional<double> parse(std::string_view text) {
-  if (text.size() < SHORTEST || !hasMarks(text)) return boost::none;
+// `text` has SHORTEST characters and its marks.
+boost::optional<double> readLiterally(std::string_view text) {
   const bool has_fraction = text[DATE_TIME_LENGTH] == '.';
   const double fraction = has_fraction ? readFraction(text) : 0.0;
   const std::size_t zone_at = has_fraction ? ZONE_AFTER_FRACTION_AT : DATE_TIME_LENGTH;
@@ -79,8 +157,11 @@ boost::optional<double> parse(std::string_view text) {
 
 boost::optional<double> tryParseTime(const char* text) noexcept {
   if (text == nullptr) return boost::none;
+  const std::string_view view(text);
+  if (view.size() < SHORTEST || !hasMarks(view)) return boost::none;
+  if (const auto seconds = readUsualForm(view)) return seconds;
   try {
-    return parse(text);
+    return readLiterally(view);
   } catch (const std::exception&) { // a part that is too short, or no number
     return boost::none;
   }

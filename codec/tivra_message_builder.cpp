@@ -7,20 +7,25 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-TivraMessageBuilder::TivraMessageBuilder(data_t&& id, data_t&& type) {
+TivraMessageBuilder::TivraMessageBuilder(data_t&& id, data_t&& type, SpareCopies&& spares) {
   ensureValueDataTIsString("id", id);
-  fields[data_t(DATA_T_id)] = std::move(id);
-  insertIntoMetadata(data_t(DATA_T_vltDOTtype), std::move(type));
+  set(DATA_T_id, std::move(id), spares);
+  insertIntoMetadata(DATA_T_vltDOTtype.with(std::move(type)));
 }
 
 void TivraMessageBuilder::insertIntoMetadata(data_t&& key, data_t&& value) {
   if (!key.is_string()) throw std::runtime_error("Cannot use non-string keys into metadata");
-  message_.getMetadataMap()[std::move(key)] = std::move(value);
+  const std::uint64_t hash = hashes::key_hash(key);
+  insertIntoMetadata({hash, std::move(key), std::move(value)});
+}
+
+void TivraMessageBuilder::insertIntoMetadata(map_entry_t&& entry) {
+  message_.getMetadataMap().assign(std::move(entry));
 }
 
 Message TivraMessageBuilder::getResult(std::unique_ptr<TivraMessageBuilder>&& builder) {
   // A plain insert: a field of this name that the notification brought stays.
-  builder->fields.insert(data_t(DATA_T_measurements), data_t(std::move(builder->measurements)));
+  builder->fields.insert(DATA_T_measurements.with(data_t(std::move(builder->measurements))));
   builder->message_.getPayload() = data_t(std::move(builder->fields));
   return std::move(builder->message_);
 }

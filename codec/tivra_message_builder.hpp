@@ -10,6 +10,7 @@
 
 #include <memory>
 
+#include "codec/spare_copies.hpp"
 #include "value/message.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -23,14 +24,21 @@ class TivraMessageBuilder {
   // Sets a metadata entry, over any under that key. Throws std::runtime_error "Cannot use
   // non-string keys into metadata".
   void insertIntoMetadata(data_t&& key, data_t&& value);
+  // The same for an entry whose key is known to be a string.
+  void insertIntoMetadata(map_entry_t&& entry);
 
   // Adds the field "measurements", unless the notification brought one of that name, and returns
   // the message. The builder is left empty; its owner still destroys it.
   [[nodiscard]] static Message getResult(std::unique_ptr<TivraMessageBuilder>&& builder);
 
  protected:
-  // `id` must be a string; `type` names the host event.
-  TivraMessageBuilder(data_t&& id, data_t&& type);
+  // `id` must be a string; `type` names the host event. Keys of fields are taken from `spares`.
+  TivraMessageBuilder(data_t&& id, data_t&& type, SpareCopies&& spares = SpareCopies());
+
+  // Sets a field, over any of that name.
+  void set(const constant_t& key, data_t&& value, SpareCopies& spares) {
+    fields.assign(spares.entry(key, std::move(value)));
+  }
 
  public:
   // Series name to measurement value; stays empty for every kind but measurements.

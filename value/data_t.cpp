@@ -37,18 +37,24 @@ const char* requireText(const char* text) {
   return text;
 }
 
-data_t::data_t(const char* text) : tag_(VLT_TAG_EMPTY) {
-  content_.string = vlt_copy_string(requireText(text));
+data_t::data_t(const char* text) : data_t() { copy_text(requireText(text)); }
+
+// `text` may not be null.
+void data_t::copy_text(const char* text) {
+  content_.string = vlt_copy_string(text);
   if (content_.string == nullptr) throw std::bad_alloc();
   tag_ = VLT_TAG_STRING;
 }
 
 data_t::data_t(const data_t& other) : tag_(VLT_TAG_EMPTY) {
-  const bool is_string = other.is_string();
-  const bool has_block = (other.owns_block() || is_string) && other.content_.string != nullptr;
+  const bool has_block = (other.owns_block() || other.is_string()) && other.content_.string;
   if (!has_block) { // Nothing behind the pointer or no pointer at all: the bits are the value.
     std::memcpy(static_cast<void*>(this), static_cast<const void*>(&other), sizeof *this);
-    if (is_string) tag_ = VLT_TAG_STRING;
+    if (is_string()) tag_ = VLT_TAG_STRING;
+    return;
+  }
+  if (other.is_string()) {
+    copy_text(other.content_.string);
     return;
   }
   const vlt_underlying_data_t copied = vlt_copy_data(other.underlying());

@@ -167,6 +167,7 @@ class data_t {
     other.tag_ = VLT_TAG_EMPTY;
   }
   void free_block() noexcept;
+  void copy_text(const char* text);
 
   template <class Self, class Visitor, class OnNothing>
   static decltype(auto) visit(Self& self, const Visitor& visitor, const OnNothing& on_nothing) {

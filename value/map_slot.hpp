@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "value/data_t.hpp"
+#include "value/map_entry.hpp"
 
 namespace com::velanto::connectivity {
 
@@ -24,6 +24,15 @@ struct map_slot_t {
 
 static_assert(sizeof(map_slot_t) == sizeof(vlt_underlying_map_table_entry_t),
               "slots are shared with the host in place");
+
+template <class Use>
+void map_t::drain(const Use& use) && {
+  const map_t drained = std::move(*this);
+  map_slot_t* const end = drained.slots() + drained.capacity();
+  for (map_slot_t* slot = drained.slots(); slot != end; ++slot) {
+    if (slot->is_live()) use(map_entry_t{slot->hash, std::move(slot->key), std::move(slot->value)});
+  }
+}
 
 } // namespace com::velanto::connectivity
 

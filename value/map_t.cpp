@@ -13,14 +13,57 @@ namespace com::velanto::connectivity {
 namespace {
 
 constexpr std::int64_t FIRST_CAPACITY = 8;
-constexpr double MAX_LOAD = 0.75;
 
-// Where the probing for a key begins.
+// The remainder by a constant takes a multiplication or two, any other a division of 64 bits.
+template <std::uint64_t CAPACITY>
+std::int64_t remainder_by(std::uint64_t hash) noexcept {
+  return static_cast<std::int64_t>(hash % CAPACITY);
+}
+
+// Where the probing for a key begins. The cases are the capacities that a table grows through.
 std::int64_t home_slot(std::uint64_t hash, std::int64_t capacity) noexcept {
-  return static_cast<std::int64_t>(hash % static_cast<std::uint64_t>(capacity));
+  switch (capacity) {
+    case 8:
+      return remainder_by<8>(hash);
+    case 16:
+      return remainder_by<16>(hash);
+    case 28:
+      return remainder_by<28>(hash);
+    case 46:
+      return remainder_by<46>(hash);
+    case 72:
+      return remainder_by<72>(hash);
+    case 112:
+      return remainder_by<112>(hash);
+    default:
+      return static_cast<std::int64_t>(hash % static_cast<std::uint64_t>(capacity));
+  }
+}
+
+void requireKey(const data_t& key) {
+  if (key.empty()) throw std::runtime_error("Cannot have a null key");
+}
+
+// Refuses the keys of entries that an insertion would refuse if it had to hash them: those that are, or
+// hold, a custom value.
+void requireKeyOf(const map_entry_t& entry) {
+  requireKey(entry.key);
+  switch (entry.key.type_tag()) {
+    case VLT_TAG_LIST:
+    case VLT_TAG_MAP:
+    case VLT_TAG_CUSTOM:
+      static_cast<void>(hashes::key_hash(entry.key));
+      break;
+    default:
+      break;
+  }
 }
 
 } // namespace
+
+key_ref::key_ref(const data_t& any) : key(any), hash(hashes::key_hash(any)) {}
+key_ref::key_ref(const map_entry_t& entry) noexcept : key(entry.key), hash(entry.hash) {}
+key_ref::key_ref(const map_slot_t& slot) noexcept : key(slot.key), hash(slot.hash) {}
 
 map_slot_t* map_t::slots() const noexcept {
   return table_ == nullptr ? nullptr : reinterpret_cast<map_slot_t*>(table_ + 1);
@@ -45,18 +88,18 @@ map_t map_t::copy() const {
 
 // ---- lookup
 
-map_t::probe_t map_t::find_for_insert(const data_t& key, std::uint64_t hash) const noexcept {
+map_t::probe_t map_t::find_for_insert(key_ref key) const noexcept {
   const std::int64_t slot_count = capacity();
   if (slot_count == 0) return {NONE, NONE};
   const map_slot_t* const slot = slots();
-  const std::int64_t start = home_slot(hash, slot_count);
+  const std::int64_t start = home_slot(key.hash, slot_count);
   std::int64_t vacant = NONE;
   std::int64_t i = start;
   do {
     if (slot[i].is_free()) return {NONE, vacant == NONE ? i : vacant};
     if (slot[i].is_deleted()) {
       if (vacant == NONE) vacant = i;
-    } else if (slot[i].hash == hash && slot[i].key == key) {
+    } else if (slot[i].hash == key.hash && slot[i].key == key.key) {
       return {i, NONE};
     }
     if (++i == slot_count) i = 0;
@@ -73,14 +116,13 @@ std::int64_t map_t::find_vacant(std::uint64_t hash) const noexcept {
   return i;
 }
 
-std::int64_t map_t::index_of(const data_t& key) const {
-  const std::uint64_t hash = hashes::key_hash(key);
-  const probe_t probe = find_for_insert(key, hash);
+std::int64_t map_t::index_of(key_ref key) const noexcept {
+  const probe_t probe = find_for_insert(key);
   return probe.found == NONE ? capacity() : probe.found;
 }
 
-map_t::iterator map_t::find(const data_t& key) { return {this, index_of(key)}; }
-map_t::const_iterator map_t::find(const data_t& key) const { return {this, index_of(key)}; }
+map_t::iterator map_t::find(key_ref key) noexcept { return {this, index_of(key)}; }
+map_t::const_iterator map_t::find(key_ref key) const noexcept { return {this, index_of(key)}; }
 
 // ---- insertion
 
@@ -99,24 +141,44 @@ std::pair<map_t::iterator, bool> map_t::insert(std::pair<data_t, data_t>&& entry
   return maybe_insert(pair(entry.first, entry.second));
 }
 
+void map_t::insert(map_entry_t&& entry) {
+  map_entry_t consumed = std::move(entry);
+  requireKeyOf(consumed);
+  const probe_t probe = find_for_insert(consumed);
+  if (probe.found != NONE) return;
+  place(consumed.hash, probe.vacant, std::move(consumed.key), std::move(consumed.value));
+}
+
+void map_t::assign(map_entry_t&& entry) {
+  map_entry_t consumed = std::move(entry);
+  requireKeyOf(consumed);
+  const probe_t probe = find_for_insert(consumed);
+  if (probe.found == NONE) {
+    place(consumed.hash, probe.vacant, std::move(consumed.key), std::move(consumed.value));
+  } else {
+    slots()[probe.found].value = std::move(consumed.value);
+  }
+}
+
 std::pair<map_t::iterator, bool> map_t::maybe_insert(const const_pair& entry) {
-  const std::uint64_t hash = hashes::key_hash(entry.first);
-  const probe_t probe = find_for_insert(entry.first, hash);
+  const key_ref key = entry.first;
+  const probe_t probe = find_for_insert(key);
   if (probe.found != NONE) return {iterator(this, probe.found), false};
   // Both copies before the table is touched: a copy that fails leaves it as it was.
-  data_t key = entry.first;
-  data_t value = entry.second;
-  const std::int64_t slot = place(hash, probe.vacant, std::move(key), std::move(value));
+  data_t copied_key = entry.first;
+  data_t copied_value = entry.second;
+  const std::int64_t slot =
+      place(key.hash, probe.vacant, std::move(copied_key), std::move(copied_value));
   return {iterator(this, slot), true};
 }
 
 std::pair<map_t::iterator, bool> map_t::maybe_insert(pair&& entry) {
-  if (entry.first.empty()) throw std::runtime_error("Cannot have a null key");
-  const std::uint64_t hash = hashes::key_hash(entry.first);
-  const probe_t probe = find_for_insert(entry.first, hash);
+  requireKey(entry.first);
+  const key_ref key = entry.first;
+  const probe_t probe = find_for_insert(key);
   if (probe.found != NONE) return {iterator(this, probe.found), false};
   const std::int64_t slot =
-      place(hash, probe.vacant, std::move(entry.first), std::move(entry.second));
+      place(key.hash, probe.vacant, std::move(entry.first), std::move(entry.second));
   return {iterator(this, slot), true};
 }
 
@@ -130,16 +192,17 @@ std::int64_t map_t::place(std::uint64_t hash, std::int64_t vacant, data_t&& key,
   }
   map_slot_t& slot = slots()[vacant];
   slot.hash = hash;
-  slot.key = std::move(key);
-  slot.value = std::move(value);
+  // A vacant slot holds nothing that an assignment would have to free.
+  new (&slot.key) data_t(std::move(key));
+  new (&slot.value) data_t(std::move(value));
   ++table_->live;
   return vacant;
 }
 
+// Whether capacity × 0.75 < live + deleted, in whole numbers.
 bool map_t::must_grow() const noexcept {
   if (table_ == nullptr) return true;
-  return static_cast<double>(table_->capacity) * MAX_LOAD <
-         static_cast<double>(table_->live + table_->deleted);
+  return 3 * table_->capacity < 4 * (table_->live + table_->deleted);
 }
 
 void map_t::grow() {
@@ -155,14 +218,24 @@ void map_t::grow() {
 
 void map_t::erase(const iterator& position) {
   if (position.map_ != this) iterator_checks::report(iterator_checks::DIFFERENT_MAPS);
-  if (position.at_end()) return;
-  const pair entry = *position;
-  // Taken out before the slot changes, destroyed after the table is consistent again.
-  const data_t key = std::move(entry.first);
-  const data_t value = std::move(entry.second);
-  position.slots_[position.index_].hash = map_slot_t::DELETED;
+  if (position.at_end() || table_ == nullptr) return;
+  position.check();
+  static_cast<void>(take(position.slots_[position.index_]));
+}
+
+map_entry_t map_t::extract(key_ref key) noexcept {
+  const probe_t probe = find_for_insert(key);
+  return probe.found == NONE ? map_entry_t() : take(slots()[probe.found]);
+}
+
+// Takes the entry out of its slot and leaves a tombstone. Whoever destroys the entry does so after the
+// table is consistent again.
+map_entry_t map_t::take(map_slot_t& slot) noexcept {
+  map_entry_t entry{slot.hash, std::move(slot.key), std::move(slot.value)};
+  slot.hash = map_slot_t::DELETED;
   --table_->live;
   ++table_->deleted;
+  return entry;
 }
 
 // ---- iteration and equality
@@ -187,7 +260,7 @@ bool map_t::operator==(const map_t& other) const noexcept {
   for (std::int64_t i = 0; i < capacity(); ++i) {
     const map_slot_t& slot = slots()[i];
     if (!slot.is_live()) continue;
-    const probe_t probe = other.find_for_insert(slot.key, slot.hash);
+    const probe_t probe = other.find_for_insert(slot);
     if (probe.found == NONE || slot.value != other.slots()[probe.found].value) return false;
   }
   return true;

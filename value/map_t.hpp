@@ -39,7 +39,21 @@
 namespace com::velanto::connectivity {
 
 class data_t;
+class hashed_key_t;
+struct map_entry_t;
 struct map_slot_t;
+
+// A key with its hash, for the length of a call. A constant (value/hashed_key.hpp), an entry and a slot
+// know their hash; any other value is hashed, and a custom one refused with std::runtime_error.
+struct key_ref {
+  key_ref(const data_t& any);
+  key_ref(const hashed_key_t& constant) noexcept;
+  key_ref(const map_entry_t& entry) noexcept;
+  key_ref(const map_slot_t& slot) noexcept;
+
+  const data_t& key;
+  std::uint64_t hash;
+};
 
 class map_t {
  public:
@@ -73,9 +87,9 @@ class map_t {
   }
   [[nodiscard]] bool empty() const noexcept { return size() == 0; }
 
-  // The entry under `key`, or end(). Throws std::runtime_error for a custom key.
-  [[nodiscard]] iterator find(const data_t& key);
-  [[nodiscard]] const_iterator find(const data_t& key) const;
+  // The entry under `key`, or end().
+  [[nodiscard]] iterator find(key_ref key) noexcept;
+  [[nodiscard]] const_iterator find(key_ref key) const noexcept;
 
   // The value under `key`, inserted empty when absent; the key is consumed either way. The
   // reference lives until the map is next modified. Throws as insert does.
@@ -87,6 +101,11 @@ class map_t {
   std::pair<iterator, bool> insert(data_t&& key, data_t&& value);
   std::pair<iterator, bool> insert(std::pair<data_t, data_t>&& entry);
 
+  // The same for an entry with its hash, and for one that replaces the value under an equal key; the
+  // key in the map then stays, and the entry's is freed. Consume the entry.
+  void insert(map_entry_t&& entry);
+  void assign(map_entry_t&& entry);
+
   // The workers of the inserts: one copies key and value, the other moves them. Only the moving one
   // refuses an empty key; the asymmetry is the host's.
   std::pair<iterator, bool> maybe_insert(const const_pair& entry);
@@ -95,6 +114,14 @@ class map_t {
   // Removes the entry at `position`; end() removes nothing. Throws std::runtime_error for an
   // iterator of another map or one that a modification has invalidated.
   void erase(const iterator& position);
+
+  // Removes the entry under `key` and returns it; no entry when there is none.
+  [[nodiscard]] map_entry_t extract(key_ref key) noexcept;
+
+  // Hands every entry to `use`, in the order of iteration, as map_entry_t&&; the map is left without a
+  // table. What `use` throws ends it, and frees the rest. Defined in value/map_slot.hpp.
+  template <class Use>
+  void drain(const Use& use) &&;
 
   [[nodiscard]] iterator begin();
   [[nodiscard]] iterator end();
@@ -124,12 +151,13 @@ class map_t {
     return table_ == nullptr ? 0 : table_->capacity;
   }
   [[nodiscard]] map_slot_t* slots() const noexcept;
-  [[nodiscard]] probe_t find_for_insert(const data_t& key, std::uint64_t hash) const noexcept;
+  [[nodiscard]] probe_t find_for_insert(key_ref key) const noexcept;
   [[nodiscard]] std::int64_t find_vacant(std::uint64_t hash) const noexcept;
-  [[nodiscard]] std::int64_t index_of(const data_t& key) const;
+  [[nodiscard]] std::int64_t index_of(key_ref key) const noexcept;
   [[nodiscard]] bool must_grow() const noexcept;
   void grow();
   std::int64_t place(std::uint64_t hash, std::int64_t vacant, data_t&& key, data_t&& value);
+  [[nodiscard]] map_entry_t take(map_slot_t& slot) noexcept;
 
   vlt_underlying_map_table_t* table_ = nullptr;
 };

@@ -9,26 +9,39 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
+namespace {
+
+constexpr EnumTexts<AlarmSeverity, 4, constant_t> SEVERITY_TEXTS = {
+    {&DATA_T_CRITICAL, &DATA_T_MAJOR, &DATA_T_MINOR, &DATA_T_WARNING}};
+
+constexpr EnumTexts<AlarmStatus, 3, constant_t> STATUS_TEXTS = {
+    {&DATA_T_ACTIVE, &DATA_T_ACKNOWLEDGED, &DATA_T_CLEARED}};
+
+} // namespace
+
 std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& notification) {
-  map_t& payload = notification.getPayloadMap();
-  data_t source = extractFromMapOrThrow(payload, DATA_T_source, IN_MESSAGE_PAYLOAD);
-  data_t id = extractFromMapOrThrow(payload, DATA_T_id, IN_MESSAGE_PAYLOAD);
-  const data_t count = extractFromMapOrThrow(payload, DATA_T_count, IN_MESSAGE_PAYLOAD);
+  data_t source = extractFieldOrThrow(notification, DATA_T_source);
+  data_t id = extractFieldOrThrow(notification, DATA_T_id);
+  const data_t count = extractFieldOrThrow(notification, DATA_T_count);
   const std::int64_t countValue = getFromDataTReportingKey<long long>(count, "count");
-  const data_t severity = extractFromMapOrThrow(payload, DATA_T_severity, IN_MESSAGE_PAYLOAD);
+  data_t severity = extractFieldOrThrow(notification, DATA_T_severity);
   const AlarmSeverity severityValue = alarmSeverityFromString(
       text_or_empty(getFromDataTReportingKey<char const*>(severity, "severity")));
-  data_t sourceId = extractSourceId(source);
-  const data_t status = extractFromMapOrThrow(payload, DATA_T_status, IN_MESSAGE_PAYLOAD);
+  data_t sourceId = extractSourceId(source, notification.getSpareCopies());
+  data_t status = extractFieldOrThrow(notification, DATA_T_status);
   const AlarmStatus statusValue =
       alarmStatusFromString(getFromDataTReportingKey<char const*>(status, "status"));
-  data_t text = extractFromMapOrThrow(payload, DATA_T_text, IN_MESSAGE_PAYLOAD);
+  data_t text = extractFieldOrThrow(notification, DATA_T_text);
   const double time = extractTimeTimestampOrThrow(notification);
-  data_t type = extractFromMapOrThrow(payload, DATA_T_type, IN_MESSAGE_PAYLOAD);
+  data_t type = extractFieldOrThrow(notification, DATA_T_type);
 
-  auto builder = std::make_unique<AlarmMessageBuilder>(std::move(id), countValue, severityValue,
-                                                       std::move(sourceId), statusValue,
-                                                       std::move(text), time, std::move(type));
+  notification.getSpareCopies().keep(SEVERITY_TEXTS.toDataTString(severityValue),
+                                     std::move(severity));
+  notification.getSpareCopies().keep(STATUS_TEXTS.toDataTString(statusValue), std::move(status));
+
+  auto builder = std::make_unique<AlarmMessageBuilder>(
+      std::move(id), countValue, severityValue, std::move(sourceId), statusValue, std::move(text),
+      time, std::move(type), notification.getSpareCopies());
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_firstOccurrenceTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
@@ -38,29 +51,19 @@ std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& not
 
 AlarmMessageBuilder::AlarmMessageBuilder(data_t&& id, std::int64_t count, AlarmSeverity severity,
                                          data_t&& sourceId, AlarmStatus status, data_t&& text,
-                                         double time, data_t&& type)
-    : TivraMessageBuilder(std::move(id), data_t(ALARM_TYPE_DATA_T)) {
-  fields[data_t(DATA_T_count)] = data_t(count);
-  fields[data_t(DATA_T_severity)] = alarmSeverityToDataTString(severity);
+                                         double time, data_t&& type, SpareCopies&& spares)
+    : TivraMessageBuilder(std::move(id), data_t(ALARM_TYPE_DATA_T), std::move(spares)) {
+  set(DATA_T_count, data_t(count), spares);
+  set(DATA_T_severity, spares.take(SEVERITY_TEXTS.toDataTString(severity)), spares);
   ensureValueDataTIsString("id", sourceId); // reported as "id", on purpose
-  fields[data_t(DATA_T_source)] = std::move(sourceId);
-  fields[data_t(DATA_T_status)] = alarmStatusToDataTString(status);
+  set(DATA_T_source, std::move(sourceId), spares);
+  set(DATA_T_status, spares.take(STATUS_TEXTS.toDataTString(status)), spares);
   ensureValueDataTIsString("text", text);
-  fields[data_t(DATA_T_text)] = std::move(text);
-  fields[data_t(DATA_T_time)] = data_t(time);
+  set(DATA_T_text, std::move(text), spares);
+  set(DATA_T_time, data_t(time), spares);
   ensureValueDataTIsString("type", type);
-  fields[data_t(DATA_T_type)] = std::move(type);
+  set(DATA_T_type, std::move(type), spares);
 }
-
-namespace {
-
-constexpr EnumTexts<AlarmSeverity, 4> SEVERITY_TEXTS = {
-    {&DATA_T_CRITICAL, &DATA_T_MAJOR, &DATA_T_MINOR, &DATA_T_WARNING}};
-
-constexpr EnumTexts<AlarmStatus, 3> STATUS_TEXTS = {
-    {&DATA_T_ACTIVE, &DATA_T_ACKNOWLEDGED, &DATA_T_CLEARED}};
-
-} // namespace
 
 AlarmSeverity alarmSeverityFromString(char const* text) {
   return SEVERITY_TEXTS.fromString(text, "alarm severity");

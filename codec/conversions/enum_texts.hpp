@@ -13,9 +13,9 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-template <class Enum, std::size_t ROWS>
+template <class Enum, std::size_t ROWS, class Text = data_t>
 struct EnumTexts {
-  std::array<data_t const*, ROWS> texts;
+  std::array<Text const*, ROWS> texts;
 
   // The value whose text equals `text` (not null), case included. Throws std::runtime_error
   // "Unrecognized WHAT: TEXT".
@@ -28,7 +28,7 @@ struct EnumTexts {
   }
 
   // The text of `value`. Throws std::runtime_error "Unrecognized enum value.".
-  [[nodiscard]] data_t const& toDataTString(Enum value) const {
+  [[nodiscard]] Text const& toDataTString(Enum value) const {
     const auto row = static_cast<std::size_t>(value);
     if (row >= ROWS) throw std::runtime_error("Unrecognized enum value.");
     return *texts[row];

@@ -13,7 +13,8 @@ namespace com::velanto::connectivity::plugins::pulsar {
 // strings; `time` is in seconds since the epoch.
 class EventMessageBuilder final : public TivraMessageBuilder {
  public:
-  EventMessageBuilder(data_t&& id, data_t&& source, data_t&& text, double time, data_t&& type);
+  EventMessageBuilder(data_t&& id, data_t&& source, data_t&& text, double time, data_t&& type,
+                      SpareCopies&& spares = SpareCopies());
 };
 
 // Consumes the notification. Throws std::runtime_error naming the first field that is missing or

@@ -6,19 +6,20 @@
 
 #include "codec/constants.hpp"
 #include "codec/payload_fields.hpp"
+#include "value/map_slot.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
 namespace {
 
 // Stores what the payload has under `from`, of whatever kind, as field `to`.
-void addSupported(data_t const& from, data_t const& to, PulsarMessageDisassembler& notification,
-                  ManagedObjectBuilder& builder) {
+void addSupported(constant_t const& from, constant_t const& to,
+                  PulsarMessageDisassembler& notification, ManagedObjectBuilder& builder) {
   boost::optional<data_t> value = extractFromMapIfPresent(notification.getPayloadMap(), from);
   if (value && value->type_tag() == VLT_TAG_LIST) {
     value = builder.tryAddSupported(std::move(value->get<list_t>()), to);
   }
-  if (value) builder.fields[data_t(to)] = std::move(*value);
+  if (value) builder.fields.assign(to.with(std::move(*value)));
 }
 
 // Numeric components become "position", the others fields of their own; what is no map vanishes.
@@ -27,28 +28,28 @@ void addPosition(PulsarMessageDisassembler& notification, ManagedObjectBuilder& 
       extractFromMapIfPresent(notification.getPayloadMap(), DATA_T_o6a_Position);
   if (!position || position->type_tag() != VLT_TAG_MAP) return;
   map_t others = builder.tryAddPositionComponents(std::move(position->get<map_t>()));
-  for (auto [key, value] : others) builder.fields[std::move(key)] = std::move(value);
+  std::move(others).drain(
+      [&builder](map_entry_t&& entry) { builder.fields.assign(std::move(entry)); });
 }
 
 } // namespace
 
 std::unique_ptr<TivraMessageBuilder> convertManagedObject(PulsarMessageDisassembler& notification) {
-  map_t& payload = notification.getPayloadMap();
-  data_t id = extractFromMapOrThrow(payload, DATA_T_id, IN_MESSAGE_PAYLOAD);
-  data_t name = extractFromMapOrThrow(payload, DATA_T_name, IN_MESSAGE_PAYLOAD);
-  boost::optional<data_t> type = extractFromMapIfPresent(payload, DATA_T_type);
+  data_t id = extractFieldOrThrow(notification, DATA_T_id);
+  data_t name = extractFieldOrThrow(notification, DATA_T_name);
+  boost::optional<data_t> type = extractFieldIfPresent(notification, DATA_T_type);
   if (!type) type = DATA_T_;
 
-  auto builder =
-      std::make_unique<ManagedObjectBuilder>(std::move(id), std::move(name), std::move(*type));
+  auto builder = std::make_unique<ManagedObjectBuilder>(
+      std::move(id), std::move(name), std::move(*type), notification.getSpareCopies());
 
   addSupported(DATA_T_o6a_SupportedOperations, DATA_T_supportedOperations, notification, *builder);
   addSupported(DATA_T_o6a_SupportedMeasurements, DATA_T_supportedMeasurements, notification,
                *builder);
   addPosition(notification, *builder);
 
-  const auto remap = [&](data_t const& from, data_t const& to) {
-    remapPayloadElement(from, data_t(to), notification, *builder);
+  const auto remap = [&](constant_t const& from, constant_t const& to) {
+    remapPayloadElement(from, to, notification, *builder);
   };
   remap(DATA_T_childDevices, DATA_T_childDeviceIds);
   remap(DATA_T_childAssets, DATA_T_childAssetIds);
@@ -63,18 +64,19 @@ std::unique_ptr<TivraMessageBuilder> convertManagedObject(PulsarMessageDisassemb
   return builder;
 }
 
-ManagedObjectBuilder::ManagedObjectBuilder(data_t&& id, data_t&& name, data_t&& type)
-    : TivraMessageBuilder(std::move(id), data_t(MANAGEDOBJECT_TYPE_DATA_T)) {
+ManagedObjectBuilder::ManagedObjectBuilder(data_t&& id, data_t&& name, data_t&& type,
+                                           SpareCopies&& spares)
+    : TivraMessageBuilder(std::move(id), data_t(MANAGEDOBJECT_TYPE_DATA_T), std::move(spares)) {
   ensureValueDataTIsString("source", name);
-  fields[data_t(DATA_T_source)] = std::move(name);
+  set(DATA_T_source, std::move(name), spares);
   ensureValueDataTIsString("type", type);
 }
 
-boost::optional<list_t> ManagedObjectBuilder::tryAddSupported(list_t&& values, data_t const& key) {
+boost::optional<list_t> ManagedObjectBuilder::tryAddSupported(list_t&& values, key_ref key) {
   for (const data_t& value : values) {
     if (!value.is_string()) return std::move(values);
   }
-  fields[data_t(key)] = data_t(std::move(values));
+  fields.assign({key.hash, data_t(key.key), data_t(std::move(values))});
   return boost::none;
 }
 

@@ -15,10 +15,11 @@ namespace com::velanto::connectivity::plugins::pulsar {
 // is checked and then dropped. Both are what the host's rules expect.
 class ManagedObjectBuilder final : public TivraMessageBuilder {
  public:
-  ManagedObjectBuilder(data_t&& id, data_t&& name, data_t&& type);
+  ManagedObjectBuilder(data_t&& id, data_t&& name, data_t&& type,
+                       SpareCopies&& spares = SpareCopies());
 
   // Stores the list as field `key` when all its elements are strings, otherwise hands it back.
-  [[nodiscard]] boost::optional<list_t> tryAddSupported(list_t&& values, data_t const& key);
+  [[nodiscard]] boost::optional<list_t> tryAddSupported(list_t&& values, key_ref key);
 
   // Makes the field "position" of the numeric entries, if there are any, and returns the others.
   [[nodiscard]] map_t tryAddPositionComponents(map_t&& position);

@@ -7,51 +7,54 @@
 
 #include "codec/constants.hpp"
 #include "codec/payload_fields.hpp"
+#include "value/map_slot.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
 std::unique_ptr<TivraMessageBuilder> convertMeasurement(PulsarMessageDisassembler& notification) {
-  map_t& payload = notification.getPayloadMap();
-  data_t source = extractFromMapOrThrow(payload, DATA_T_source, IN_MESSAGE_PAYLOAD);
-  data_t id = extractFromMapOrThrow(payload, DATA_T_id, IN_MESSAGE_PAYLOAD);
-  data_t sourceId = extractSourceId(source);
+  data_t source = extractFieldOrThrow(notification, DATA_T_source);
+  data_t id = extractFieldOrThrow(notification, DATA_T_id);
+  data_t sourceId = extractSourceId(source, notification.getSpareCopies());
   const double time = extractTimeTimestampOrThrow(notification);
-  data_t type = extractFromMapOrThrow(payload, DATA_T_type, IN_MESSAGE_PAYLOAD);
+  data_t type = extractFieldOrThrow(notification, DATA_T_type);
 
-  auto builder = std::make_unique<MeasurementMessageBuilder>(std::move(id), std::move(sourceId),
-                                                             time, std::move(type));
+  auto builder = std::make_unique<MeasurementMessageBuilder>(
+      std::move(id), std::move(sourceId), time, std::move(type), notification.getSpareCopies());
   // Not "firstOccurrenceTime": it has no meaning for measurements and is copied over as it stands.
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
 
-  map_t remaining = notification.extractRemainingPayload();
-  for (auto [key, value] : remaining) {
-    auto entry = builder->tryAddMeasurementFragment({std::move(key), std::move(value)});
-    if (entry) builder->fields[std::move(entry->first)] = std::move(entry->second);
-  }
+  notification.extractRemainingPayload().drain([&builder](map_entry_t&& entry) {
+    if (!builder->tryAddFragment(entry.value)) builder->fields.assign(std::move(entry));
+  });
   return builder;
 }
 
 MeasurementMessageBuilder::MeasurementMessageBuilder(data_t&& id, data_t&& source, double time,
-                                                     data_t&& type)
-    : TivraMessageBuilder(std::move(id), data_t(MEASUREMENT_TYPE_DATA_T)) {
+                                                     data_t&& type, SpareCopies&& spares)
+    : TivraMessageBuilder(std::move(id), data_t(MEASUREMENT_TYPE_DATA_T), std::move(spares)) {
   ensureValueDataTIsString("source", source);
-  fields[data_t(DATA_T_source)] = std::move(source);
-  fields[data_t(DATA_T_time)] = data_t(time);
+  set(DATA_T_source, std::move(source), spares);
+  set(DATA_T_time, data_t(time), spares);
   ensureValueDataTIsString("type", type);
-  fields[data_t(DATA_T_type)] = std::move(type);
+  set(DATA_T_type, std::move(type), spares);
 }
 
 boost::optional<std::pair<data_t, data_t>> MeasurementMessageBuilder::tryAddMeasurementFragment(
     std::pair<data_t, data_t>&& entry) {
-  const bool is_fragment =
-      entry.second.type_tag() == VLT_TAG_MAP && isValidFragment(entry.second.get<map_t>());
-  if (!is_fragment) return std::move(entry);
-  for (auto [name, series] : entry.second.get<map_t>()) {
-    map_t value = createMeasurementValue(std::move(series.get<map_t>()));
-    measurements.insert(std::move(name), data_t(std::move(value)));
-  }
+  if (!tryAddFragment(entry.second)) return std::move(entry);
   return boost::none;
+}
+
+bool MeasurementMessageBuilder::tryAddFragment(data_t& value) {
+  if (value.type_tag() != VLT_TAG_MAP) return false;
+  map_t& fragment = value.get<map_t>();
+  if (!isValidFragment(fragment)) return false;
+  std::move(fragment).drain([this](map_entry_t&& series) {
+    series.value = createMeasurementValue(std::move(series.value.get<map_t>()));
+    measurements.insert(std::move(series));
+  });
+  return true;
 }
 
 bool MeasurementMessageBuilder::isValidFragment(map_t const& fragment) {
@@ -67,26 +70,31 @@ bool MeasurementMessageBuilder::isValidSeriesValue(map_t const& series) {
 }
 
 map_t createMeasurementValue(map_t&& series) {
-  boost::optional<data_t> value = extractFromMapIfPresent(series, DATA_T_value);
+  map_entry_t value = series.extract(DATA_T_value);
   if (!value) throw std::runtime_error("'value' key missing from measurement value");
-  MeasurementValueBuilder builder(std::move(*value));
-  if (auto units = extractFromMapIfPresent(series, DATA_T_units)) {
-    builder.setUnits(std::move(*units));
-  }
+  MeasurementValueBuilder builder(std::move(value));
+  if (map_entry_t units = series.extract(DATA_T_units)) builder.setUnits(std::move(units));
   builder.setParams(std::move(series));
   return std::move(builder).getResult();
 }
 
-MeasurementValueBuilder::MeasurementValueBuilder(data_t&& value) {
-  measurementValue_[data_t(DATA_T_value)] = std::move(value);
+MeasurementValueBuilder::MeasurementValueBuilder(data_t&& value)
+    : MeasurementValueBuilder(DATA_T_value.with(std::move(value))) {}
+
+MeasurementValueBuilder::MeasurementValueBuilder(map_entry_t&& value) {
+  measurementValue_.assign(std::move(value));
 }
 
 void MeasurementValueBuilder::setUnits(data_t&& units) {
-  measurementValue_[data_t(DATA_T_units)] = std::move(units);
+  setUnits(DATA_T_units.with(std::move(units)));
+}
+
+void MeasurementValueBuilder::setUnits(map_entry_t&& units) {
+  measurementValue_.assign(std::move(units));
 }
 
 void MeasurementValueBuilder::setParams(map_t&& params) {
-  measurementValue_[data_t(DATA_T_params)] = data_t(std::move(params));
+  measurementValue_.assign(DATA_T_params.with(std::move(params)));
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -20,12 +20,15 @@ namespace com::velanto::connectivity::plugins::pulsar {
 // strings; `time` is in seconds since the epoch.
 class MeasurementMessageBuilder final : public TivraMessageBuilder {
  public:
-  MeasurementMessageBuilder(data_t&& id, data_t&& source, double time, data_t&& type);
+  MeasurementMessageBuilder(data_t&& id, data_t&& source, double time, data_t&& type,
+                            SpareCopies&& spares = SpareCopies());
 
   // Takes the series of a payload entry that is a valid fragment; of two series of one name the
   // first stays. Hands any other entry back untouched.
   [[nodiscard]] boost::optional<std::pair<data_t, data_t>> tryAddMeasurementFragment(
       std::pair<data_t, data_t>&& entry);
+  // The same for the value of an entry: whether its series were taken.
+  [[nodiscard]] bool tryAddFragment(data_t& value);
 
   // Whether every entry is a map that is a valid series value. True for no entries at all.
   [[nodiscard]] static bool isValidFragment(map_t const& fragment);
@@ -38,6 +41,9 @@ class MeasurementValueBuilder {
  public:
   explicit MeasurementValueBuilder(data_t&& value);
   void setUnits(data_t&& units);
+  // The same for entries that have these names already.
+  explicit MeasurementValueBuilder(map_entry_t&& value);
+  void setUnits(map_entry_t&& units);
   void setParams(map_t&& params);
   [[nodiscard]] map_t getResult() && noexcept { return std::move(measurementValue_); }
 

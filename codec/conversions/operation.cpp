@@ -11,17 +11,25 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
+namespace {
+
+constexpr EnumTexts<OperationStatus, 4, constant_t> STATUS_TEXTS = {
+    {&DATA_T_SUCCESSFUL, &DATA_T_FAILED, &DATA_T_EXECUTING, &DATA_T_PENDING}};
+
+} // namespace
+
 std::unique_ptr<TivraMessageBuilder> convertOperation(PulsarMessageDisassembler& notification) {
-  map_t& payload = notification.getPayloadMap();
-  data_t source = extractFromMapOrThrow(payload, DATA_T_source, IN_MESSAGE_PAYLOAD);
-  data_t deviceId = extractFromMapOrThrow(payload, DATA_T_deviceId, IN_MESSAGE_PAYLOAD);
-  data_t sourceId = extractSourceId(source);
-  const data_t status = extractFromMapOrThrow(payload, DATA_T_status, IN_MESSAGE_PAYLOAD);
+  data_t source = extractFieldOrThrow(notification, DATA_T_source);
+  data_t deviceId = extractFieldOrThrow(notification, DATA_T_deviceId);
+  data_t sourceId = extractSourceId(source, notification.getSpareCopies());
+  data_t status = extractFieldOrThrow(notification, DATA_T_status);
   const OperationStatus statusValue = operationStatusFromString(
       text_or_empty(getFromDataTReportingKey<char const*>(status, "status")));
 
-  auto builder = std::make_unique<OperationMessageBuilder>(std::move(deviceId), std::move(sourceId),
-                                                           statusValue);
+  notification.getSpareCopies().keep(STATUS_TEXTS.toDataTString(statusValue), std::move(status));
+
+  auto builder = std::make_unique<OperationMessageBuilder>(
+      std::move(deviceId), std::move(sourceId), statusValue, notification.getSpareCopies());
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_firstOccurrenceTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
@@ -30,19 +38,12 @@ std::unique_ptr<TivraMessageBuilder> convertOperation(PulsarMessageDisassembler&
 }
 
 OperationMessageBuilder::OperationMessageBuilder(data_t&& id, data_t&& source,
-                                                 OperationStatus status)
-    : TivraMessageBuilder(std::move(id), data_t(OPERATION_TYPE_DATA_T)) {
+                                                 OperationStatus status, SpareCopies&& spares)
+    : TivraMessageBuilder(std::move(id), data_t(OPERATION_TYPE_DATA_T), std::move(spares)) {
   ensureValueDataTIsString("source", source);
-  fields[data_t(DATA_T_source)] = std::move(source);
-  fields[data_t(DATA_T_status)] = operationStatusToDataTString(status);
+  set(DATA_T_source, std::move(source), spares);
+  set(DATA_T_status, spares.take(STATUS_TEXTS.toDataTString(status)), spares);
 }
-
-namespace {
-
-constexpr EnumTexts<OperationStatus, 4> STATUS_TEXTS = {
-    {&DATA_T_SUCCESSFUL, &DATA_T_FAILED, &DATA_T_EXECUTING, &DATA_T_PENDING}};
-
-} // namespace
 
 OperationStatus operationStatusFromString(char const* text) {
   return STATUS_TEXTS.fromString(text, "operation status");

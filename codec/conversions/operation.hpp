@@ -20,7 +20,8 @@ enum class OperationStatus { SUCCESSFUL, FAILED, EXECUTING, PENDING };
 // The host event of type "com.tivra.ostrovia.Operation". `id` and `source` must be strings.
 class OperationMessageBuilder final : public TivraMessageBuilder {
  public:
-  OperationMessageBuilder(data_t&& id, data_t&& source, OperationStatus status);
+  OperationMessageBuilder(data_t&& id, data_t&& source, OperationStatus status,
+                          SpareCopies&& spares = SpareCopies());
 };
 
 // Consumes the notification. Throws std::runtime_error naming the first field that is missing or

@@ -1,0 +1,35 @@
+// A key known beforehand, hashed once when it is made, so that neither a lookup under it nor an entry
+// made of it costs any hashing.
+#ifndef VLT_VALUE_HASHED_KEY_HPP
+#define VLT_VALUE_HASHED_KEY_HPP
+
+#include <cstdint>
+#include <utility>
+
+#include "value/hashes.hpp"
+#include "value/map_entry.hpp"
+
+namespace com::velanto::connectivity {
+
+class hashed_key_t : public data_t {
+ public:
+  // Copies the text. Throws std::runtime_error for null, std::bad_alloc.
+  explicit hashed_key_t(const char* text) : data_t(text), hash_(hashes::key_hash(*this)) {}
+
+  [[nodiscard]] std::uint64_t hash() const noexcept { return hash_; }
+
+  // The entry of `value` under a copy of the key. Throws std::bad_alloc.
+  [[nodiscard]] map_entry_t with(data_t&& value) const {
+    return {hash_, data_t(*this), std::move(value)};
+  }
+
+ private:
+  std::uint64_t hash_;
+};
+
+inline key_ref::key_ref(const hashed_key_t& constant) noexcept
+    : key(constant), hash(constant.hash()) {}
+
+} // namespace com::velanto::connectivity
+
+#endif
