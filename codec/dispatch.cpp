@@ -46,7 +46,9 @@ std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
 std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
     PulsarMessageDisassembler& notification, const char* typeSegment) {
   for (const Route& route : ROUTES) {
-    if (isOfKind(typeSegment, route.kind)) return route.convert(notification);
+    if (!isOfKind(typeSegment, route.kind)) continue;
+    notification.discardMetadata(); // and with it the path
+    return route.convert(notification);
   }
   const std::string type(typeSegment, std::strcspn(typeSegment, "/"));
   throw std::runtime_error("Unrecognised Pulsar message type: '" + type + "'");

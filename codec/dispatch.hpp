@@ -17,7 +17,7 @@ namespace com::velanto::connectivity::plugins::pulsar {
 // std::runtime_error "Unrecognised Pulsar message type: 'SEGMENT'".
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
     PulsarMessageDisassembler& notification);
-// The same for a notification whose type segment has been looked up already.
+// The same for one whose type segment has been looked up already.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
     PulsarMessageDisassembler& notification, const char* typeSegment);
 

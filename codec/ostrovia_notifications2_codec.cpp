@@ -31,9 +31,8 @@ const char* readMeasurementChannel(const MapExtractor& settings) {
 
 // The notification's "id" if it is a string, otherwise null.
 const data_t* findStringId(const map_t& payload) {
-  const map_t::const_iterator entry = payload.find(DATA_T_id);
-  if (entry == payload.end() || !(*entry).second.is_string()) return nullptr;
-  return &(*entry).second;
+  const data_t* const id = payload.find_value(DATA_T_id);
+  return id != nullptr && id->is_string() ? id : nullptr;
 }
 
 // Puts the notification's "id" aside for the report: a message whose conversion fails is left with
@@ -119,8 +118,7 @@ OstroviaNotifications2Codec::OstroviaNotifications2Codec(
 }
 
 bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) {
-  const map_t& metadata = message.getMetadataMap();
-  if (metadata.find(DATA_T_pulsarPath) == metadata.end()) return true;
+  if (message.getMetadataMap().find_value(DATA_T_pulsarPath) == nullptr) return true;
 
   if (getLogger().enabled(TRACE_LEVEL)) {
     const std::string text = "Processing message: " + to_string(message, true);
@@ -144,10 +142,10 @@ Message OstroviaNotifications2Codec::processPulsarMessage(Message&& notification
   }
   PulsarMessageDisassembler disassembler(std::move(notification));
   const char* const typeSegment = disassembler.getStartCharOfMessageType();
+  const bool is_measurement = isOfKind(typeSegment, STR_measurements);
   std::unique_ptr<TivraMessageBuilder> builder =
       convertPulsarToTivraMessage(disassembler, typeSegment);
 
-  const bool is_measurement = isOfKind(typeSegment, STR_measurements);
   builder->insertIntoMetadata(
       {DATA_T_vltDOTchannel.hash(), std::move(channelKey),
        data_t(is_measurement ? measurementSplittingChannel : devicesChannel)});

@@ -18,7 +18,7 @@ data_t valueOrThrow(boost::optional<data_t>&& value, data_t const& key, char con
 }
 
 // Removes the entry under a constant and keeps its key for the event.
-boost::optional<data_t> extractKeepingKey(map_t& map, constant_t const& key, SpareCopies&& spares) {
+boost::optional<data_t> extractKeepingKey(map_t& map, constant_t const& key, SpareParts&& spares) {
   map_entry_t entry = map.extract(key);
   if (!entry) return boost::none;
   spares.keep(key, std::move(entry.key));
@@ -39,7 +39,7 @@ data_t extractFromMapOrThrow(map_t& map, key_ref key, char const* where) {
 
 boost::optional<data_t> extractFieldIfPresent(PulsarMessageDisassembler& notification,
                                               constant_t const& key) {
-  return extractKeepingKey(notification.getPayloadMap(), key, notification.getSpareCopies());
+  return extractKeepingKey(notification.getPayloadMap(), key, notification.getSpareParts());
 }
 
 data_t extractFieldOrThrow(PulsarMessageDisassembler& notification, constant_t const& key) {
@@ -53,10 +53,16 @@ double extractTimeTimestampOrThrow(PulsarMessageDisassembler& notification) {
   throw std::runtime_error("Error parsing timestamp '" + std::string(text) + "' in key 'time'");
 }
 
-data_t extractSourceId(data_t& source, SpareCopies&& spares) {
+data_t extractSourceId(data_t& source, SpareParts&& spares) {
   map_t& entries = getFromDataTReportingKey<map_t&>(source, "source");
   return valueOrThrow(extractKeepingKey(entries, DATA_T_id, std::move(spares)), DATA_T_id,
                       IN_SOURCE);
+}
+
+data_t reduceToId(data_t&& source, PulsarMessageDisassembler& notification) {
+  data_t id = extractSourceId(source, notification.getSpareParts());
+  notification.getSpareParts().keep(std::move(source.get<map_t>()));
+  return id;
 }
 
 void remapPayloadElement(data_t const& from, data_t&& to, PulsarMessageDisassembler& notification,
@@ -85,8 +91,8 @@ void convertDateTimePayloadElement(constant_t const& key, PulsarMessageDisassemb
 
 void copyOverRemainingPayloadElements(PulsarMessageDisassembler& notification,
                                       TivraMessageBuilder& builder) {
-  notification.extractRemainingPayload().drain(
-      [&builder](map_entry_t&& entry) { builder.fields.assign(std::move(entry)); });
+  static_cast<void>(notification.extractRemainingPayload().drain(
+      [&builder](map_entry_t&& entry) { builder.fields.assign(std::move(entry)); }));
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -36,9 +36,12 @@ inline constexpr const char* IN_SOURCE = "source";
 // or unreadable: "Error parsing timestamp 'TEXT' in key 'time'".
 [[nodiscard]] double extractTimeTimestampOrThrow(PulsarMessageDisassembler& notification);
 
-// Takes the id of the source out of the map that `source` must be, its key into `spares`; what else the
-// map holds is of no interest to any conversion.
-[[nodiscard]] data_t extractSourceId(data_t& source, SpareCopies&& spares = SpareCopies());
+// Takes the id of the source out of the map that `source` must be; its key goes to `spares`.
+[[nodiscard]] data_t extractSourceId(data_t& source, SpareParts&& spares = SpareParts());
+
+// The same for a source of which nothing else is of interest: the rest is freed, key and table become
+// spare parts.
+[[nodiscard]] data_t reduceToId(data_t&& source, PulsarMessageDisassembler& notification);
 
 // Moves the entry under `from`, if there is one, into the event's field `to`, over any there.
 void remapPayloadElement(data_t const& from, data_t&& to, PulsarMessageDisassembler& notification,

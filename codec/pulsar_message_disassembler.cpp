@@ -1,5 +1,6 @@
 #include "codec/pulsar_message_disassembler.hpp"
 
+#include <cstring>
 #include <stdexcept>
 
 #include "codec/constants.hpp"
@@ -7,17 +8,22 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-const char* PulsarMessageDisassembler::getStartCharOfMessageType() const {
-  constexpr int SLASHES_BEFORE_TYPE = 2;
-  const map_t& metadata = notification_.getMetadataMap();
-  const map_t::const_iterator path = metadata.find(DATA_T_pulsarPath);
-  if (path == metadata.end()) throw std::runtime_error("No Pulsar path found");
+namespace {
 
-  const char* at = text_or_empty((*path).second.get<const char*>());
-  for (int slashes = 0; slashes < SLASHES_BEFORE_TYPE && *at != '\0'; ++at) {
-    if (*at == '/') ++slashes;
-  }
-  return at;
+// The character behind the first '/', or the terminating NUL.
+const char* behindSlash(const char* text) {
+  const char* const slash = std::strchr(text, '/');
+  return slash == nullptr ? text + std::strlen(text) : slash + 1;
+}
+
+} // namespace
+
+const char* PulsarMessageDisassembler::getStartCharOfMessageType() const {
+  const data_t* const path = notification_.getMetadataMap().find_value(DATA_T_pulsarPath);
+  if (path == nullptr) throw std::runtime_error("No Pulsar path found");
+
+  const char* const text = text_or_empty(path->get<const char*>());
+  return behindSlash(behindSlash(text));
 }
 
 map_t& PulsarMessageDisassembler::getPayloadMap() {

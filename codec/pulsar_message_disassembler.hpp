@@ -6,7 +6,7 @@
 #ifndef VLT_CODEC_PULSAR_MESSAGE_DISASSEMBLER_HPP
 #define VLT_CODEC_PULSAR_MESSAGE_DISASSEMBLER_HPP
 
-#include "codec/spare_copies.hpp"
+#include "codec/spare_parts.hpp"
 #include "value/message.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -28,12 +28,15 @@ class PulsarMessageDisassembler {
   // Moves the payload map out and leaves an empty map. Throws as getPayloadMap does.
   [[nodiscard]] map_t extractRemainingPayload();
 
-  // What the fields that were taken out have left behind, to be used up by the fields of the event.
-  [[nodiscard]] SpareCopies&& getSpareCopies() noexcept { return std::move(spares_); }
+  // Frees the metadata, once the resource kind is known. There is no path after this.
+  void discardMetadata() noexcept { spares_.keep(std::move(notification_.getMetadataMap())); }
+
+  // What the notification has lost and the event can use.
+  [[nodiscard]] SpareParts&& getSpareParts() noexcept { return std::move(spares_); }
 
  private:
   Message notification_;
-  SpareCopies spares_;
+  SpareParts spares_;
 };
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -7,10 +7,11 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-TivraMessageBuilder::TivraMessageBuilder(data_t&& id, data_t&& type, SpareCopies&& spares) {
+TivraMessageBuilder::TivraMessageBuilder(data_t&& id, data_t&& type, SpareParts&& spares)
+    : message_(data_t(), spares.takeMap()), fields(spares.takeMap()) {
   ensureValueDataTIsString("id", id);
-  set(DATA_T_id, std::move(id), spares);
-  insertIntoMetadata(DATA_T_vltDOTtype.with(std::move(type)));
+  addField(DATA_T_id, std::move(id), spares);
+  message_.getMetadataMap().add(DATA_T_vltDOTtype.with(std::move(type)));
 }
 
 void TivraMessageBuilder::insertIntoMetadata(data_t&& key, data_t&& value) {

@@ -10,7 +10,7 @@
 
 #include <memory>
 
-#include "codec/spare_copies.hpp"
+#include "codec/spare_parts.hpp"
 #include "value/message.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -33,11 +33,11 @@ class TivraMessageBuilder {
 
  protected:
   // `id` must be a string; `type` names the host event. Keys of fields are taken from `spares`.
-  TivraMessageBuilder(data_t&& id, data_t&& type, SpareCopies&& spares = SpareCopies());
+  TivraMessageBuilder(data_t&& id, data_t&& type, SpareParts&& spares = SpareParts());
 
-  // Sets a field, over any of that name.
-  void set(const constant_t& key, data_t&& value, SpareCopies& spares) {
-    fields.assign(spares.entry(key, std::move(value)));
+  // Adds a field of a name that no field has so far.
+  void addField(const constant_t& key, data_t&& value, SpareParts& spares) {
+    fields.add(spares.entry(key, std::move(value)));
   }
 
  public:

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 #include "standin/accounting.hpp"
@@ -12,12 +13,21 @@ namespace standin {
 
 namespace {
 
+// What the C library's heap keeps in a cache of each thread, out of which calloc does not serve.
+constexpr std::size_t cachedSize = 1032;
+
+// Out of line, or else the compiler turns malloc and memset into calloc again.
+[[gnu::noinline]] void* zeroed(void* block, std::size_t size) noexcept {
+  return block == nullptr ? nullptr : std::memset(block, 0, size);
+}
+
 // Zeroed memory for a head and `count` items of `itemSize` bytes behind it.
 void* makeZeroed(standin_block_t kind, std::size_t head, int64_t count,
                  std::size_t itemSize) noexcept {
   if (count < 0 || static_cast<uint64_t>(count) > (PTRDIFF_MAX - head) / itemSize) return nullptr;
   if (allocationRefused()) return nullptr;
-  void* block = std::calloc(1, head + static_cast<std::size_t>(count) * itemSize);
+  const std::size_t size = head + static_cast<std::size_t>(count) * itemSize;
+  void* block = size <= cachedSize ? zeroed(std::malloc(size), size) : std::calloc(1, size);
   if (block != nullptr) countMade(kind);
   return block;
 }

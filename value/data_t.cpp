@@ -89,8 +89,8 @@ void data_t::free_block() noexcept {
   }
 }
 
-bool data_t::operator==(const data_t& other) const noexcept {
-  if (tag_ != other.tag_) return false;
+// Both have the same tag.
+bool data_t::same_content(const data_t& other) const noexcept {
   switch (tag_) {
     case VLT_TAG_EMPTY:
       return true;

@@ -116,7 +116,14 @@ class data_t {
 
   // Same kind and same content; no conversion between kinds, so a borrowed string never equals an
   // owned one. A NaN and a custom value differ from everything, themselves included.
-  bool operator==(const data_t& other) const noexcept;
+  bool operator==(const data_t& other) const noexcept {
+    if (tag_ != other.tag_) return false;
+    // Nearly every comparison is one of keys.
+    if (tag_ == VLT_TAG_STRING && content_.string != nullptr && other.content_.string != nullptr) {
+      return std::strcmp(content_.string, other.content_.string) == 0;
+    }
+    return same_content(other);
+  }
 
   // The content in place, as T: bool, double, int64_t, vlt_underlying_decimal_t, const char* (which
   // may be null), list_t, map_t, buffer_t or vlt_underlying_custom_t. Valid until the value is
@@ -160,13 +167,17 @@ class data_t {
   [[nodiscard]] bool owns_block() const noexcept {
     return tag_ >= VLT_TAG_STRING && tag_ <= VLT_TAG_CUSTOM;
   }
-  // Moves the 16 bytes of `other` here, over whatever stands here, and leaves `other` empty.
+  // Moves content and tag of `other` here, over whatever stands here, and leaves `other` empty. In two
+  // pieces, as they were written: one load of 16 bytes would have to wait for both writes.
   void take(data_t& other) noexcept {
-    std::memcpy(static_cast<void*>(this), static_cast<const void*>(&other), sizeof *this);
+    std::memcpy(static_cast<void*>(&content_), static_cast<const void*>(&other.content_),
+                sizeof content_);
+    tag_ = other.tag_;
     other.content_.integer = 0;
     other.tag_ = VLT_TAG_EMPTY;
   }
   void free_block() noexcept;
+  [[nodiscard]] bool same_content(const data_t& other) const noexcept;
   void copy_text(const char* text);
 
   template <class Self, class Visitor, class OnNothing>

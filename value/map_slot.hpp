@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "value/map_entry.hpp"
 
@@ -15,7 +16,10 @@ struct map_slot_t {
 
   [[nodiscard]] bool is_free() const noexcept { return hash == FREE && key.empty(); }
   [[nodiscard]] bool is_deleted() const noexcept { return hash == DELETED && key.empty(); }
-  [[nodiscard]] bool is_live() const noexcept { return hash > DELETED || !key.empty(); }
+  [[nodiscard]] bool is_live() const noexcept { return !is_vacant(); }
+
+  // Whether an entry could go here.
+  [[nodiscard]] bool is_vacant() const noexcept { return hash <= DELETED && key.empty(); }
 
   std::uint64_t hash;
   data_t key;
@@ -26,12 +30,16 @@ static_assert(sizeof(map_slot_t) == sizeof(vlt_underlying_map_table_entry_t),
               "slots are shared with the host in place");
 
 template <class Use>
-void map_t::drain(const Use& use) && {
-  const map_t drained = std::move(*this);
+map_t map_t::drain(const Use& use) && {
+  map_t drained = std::move(*this);
   map_slot_t* const end = drained.slots() + drained.capacity();
   for (map_slot_t* slot = drained.slots(); slot != end; ++slot) {
-    if (slot->is_live()) use(map_entry_t{slot->hash, std::move(slot->key), std::move(slot->value)});
+    if (!slot->is_live()) continue;
+    --drained.table_->live;
+    use(map_entry_t{std::exchange(slot->hash, map_slot_t::FREE), std::move(slot->key),
+                    std::move(slot->value)});
   }
+  return drained;
 }
 
 } // namespace com::velanto::connectivity

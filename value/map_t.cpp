@@ -1,6 +1,7 @@
 #include "value/map_t.hpp"
 
 #include <algorithm>
+#include <memory>
 #include <new>
 #include <stdexcept>
 
@@ -12,31 +13,22 @@ namespace com::velanto::connectivity {
 
 namespace {
 
-constexpr std::int64_t FIRST_CAPACITY = 8;
-
-// The remainder by a constant takes a multiplication or two, any other a division of 64 bits.
-template <std::uint64_t CAPACITY>
-std::int64_t remainder_by(std::uint64_t hash) noexcept {
-  return static_cast<std::int64_t>(hash % CAPACITY);
-}
-
-// Where the probing for a key begins. The cases are the capacities that a table grows through.
+// Where the probing for a key begins. The capacities that tables grow through are constants here: a
+// remainder by one takes a multiplication or two, any other a division of 64 bits.
 std::int64_t home_slot(std::uint64_t hash, std::int64_t capacity) noexcept {
-  switch (capacity) {
-    case 8:
-      return remainder_by<8>(hash);
-    case 16:
-      return remainder_by<16>(hash);
+  const auto divisor = static_cast<std::uint64_t>(capacity);
+  if ((divisor & (divisor - 1)) == 0) return static_cast<std::int64_t>(hash & (divisor - 1));
+  switch (divisor) {
     case 28:
-      return remainder_by<28>(hash);
+      return static_cast<std::int64_t>(hash % 28);
     case 46:
-      return remainder_by<46>(hash);
+      return static_cast<std::int64_t>(hash % 46);
     case 72:
-      return remainder_by<72>(hash);
+      return static_cast<std::int64_t>(hash % 72);
     case 112:
-      return remainder_by<112>(hash);
+      return static_cast<std::int64_t>(hash % 112);
     default:
-      return static_cast<std::int64_t>(hash % static_cast<std::uint64_t>(capacity));
+      return static_cast<std::int64_t>(hash % divisor);
   }
 }
 
@@ -88,6 +80,21 @@ map_t map_t::copy() const {
 
 // ---- lookup
 
+// The slot of the key, or NONE.
+std::int64_t map_t::find_slot(key_ref key) const noexcept {
+  const std::int64_t slot_count = capacity();
+  if (slot_count == 0) return NONE;
+  const map_slot_t* const slot = slots();
+  const std::int64_t start = home_slot(key.hash, slot_count);
+  std::int64_t i = start;
+  do {
+    if (slot[i].hash == key.hash && slot[i].is_live() && slot[i].key == key.key) return i;
+    if (slot[i].is_free()) return NONE;
+    if (++i == slot_count) i = 0;
+  } while (i != start);
+  return NONE;
+}
+
 map_t::probe_t map_t::find_for_insert(key_ref key) const noexcept {
   const std::int64_t slot_count = capacity();
   if (slot_count == 0) return {NONE, NONE};
@@ -96,9 +103,9 @@ map_t::probe_t map_t::find_for_insert(key_ref key) const noexcept {
   std::int64_t vacant = NONE;
   std::int64_t i = start;
   do {
-    if (slot[i].is_free()) return {NONE, vacant == NONE ? i : vacant};
-    if (slot[i].is_deleted()) {
+    if (slot[i].is_vacant()) {
       if (vacant == NONE) vacant = i;
+      if (slot[i].hash == map_slot_t::FREE) break;
     } else if (slot[i].hash == key.hash && slot[i].key == key.key) {
       return {i, NONE};
     }
@@ -109,20 +116,34 @@ map_t::probe_t map_t::find_for_insert(key_ref key) const noexcept {
 
 // The first slot on the way of `hash` that holds no entry; there must be one.
 std::int64_t map_t::find_vacant(std::uint64_t hash) const noexcept {
-  std::int64_t i = home_slot(hash, capacity());
-  while (slots()[i].is_live()) {
-    if (++i == capacity()) i = 0;
+  const std::int64_t slot_count = capacity();
+  const map_slot_t* const slot = slots();
+  std::int64_t i = home_slot(hash, slot_count);
+  while (!slot[i].is_vacant()) {
+    if (++i == slot_count) i = 0;
   }
   return i;
 }
 
-std::int64_t map_t::index_of(key_ref key) const noexcept {
-  const probe_t probe = find_for_insert(key);
-  return probe.found == NONE ? capacity() : probe.found;
+map_t::iterator map_t::find(key_ref key) noexcept {
+  const std::int64_t found = find_slot(key);
+  return {this, found == NONE ? capacity() : found};
 }
 
-map_t::iterator map_t::find(key_ref key) noexcept { return {this, index_of(key)}; }
-map_t::const_iterator map_t::find(key_ref key) const noexcept { return {this, index_of(key)}; }
+map_t::const_iterator map_t::find(key_ref key) const noexcept {
+  const std::int64_t found = find_slot(key);
+  return {this, found == NONE ? capacity() : found};
+}
+
+data_t* map_t::find_value(key_ref key) noexcept {
+  const std::int64_t found = find_slot(key);
+  return found == NONE ? nullptr : &slots()[found].value;
+}
+
+const data_t* map_t::find_value(key_ref key) const noexcept {
+  const std::int64_t found = find_slot(key);
+  return found == NONE ? nullptr : &slots()[found].value;
+}
 
 // ---- insertion
 
@@ -142,22 +163,24 @@ std::pair<map_t::iterator, bool> map_t::insert(std::pair<data_t, data_t>&& entry
 }
 
 void map_t::insert(map_entry_t&& entry) {
-  map_entry_t consumed = std::move(entry);
-  requireKeyOf(consumed);
-  const probe_t probe = find_for_insert(consumed);
-  if (probe.found != NONE) return;
-  place(consumed.hash, probe.vacant, std::move(consumed.key), std::move(consumed.value));
+  requireKeyOf(entry);
+  const probe_t probe = find_for_insert(entry);
+  if (probe.found == NONE) place(entry.hash, probe.vacant, entry.key, entry.value);
 }
 
 void map_t::assign(map_entry_t&& entry) {
-  map_entry_t consumed = std::move(entry);
-  requireKeyOf(consumed);
-  const probe_t probe = find_for_insert(consumed);
+  requireKeyOf(entry);
+  const probe_t probe = find_for_insert(entry);
   if (probe.found == NONE) {
-    place(consumed.hash, probe.vacant, std::move(consumed.key), std::move(consumed.value));
+    place(entry.hash, probe.vacant, entry.key, entry.value);
   } else {
-    slots()[probe.found].value = std::move(consumed.value);
+    slots()[probe.found].value = std::move(entry.value);
   }
+}
+
+void map_t::add(map_entry_t&& entry) {
+  if (must_grow()) grow();
+  put(find_vacant(entry.hash), entry.hash, entry.key, entry.value);
 }
 
 std::pair<map_t::iterator, bool> map_t::maybe_insert(const const_pair& entry) {
@@ -167,8 +190,7 @@ std::pair<map_t::iterator, bool> map_t::maybe_insert(const const_pair& entry) {
   // Both copies before the table is touched: a copy that fails leaves it as it was.
   data_t copied_key = entry.first;
   data_t copied_value = entry.second;
-  const std::int64_t slot =
-      place(key.hash, probe.vacant, std::move(copied_key), std::move(copied_value));
+  const std::int64_t slot = place(key.hash, probe.vacant, copied_key, copied_value);
   return {iterator(this, slot), true};
 }
 
@@ -177,26 +199,29 @@ std::pair<map_t::iterator, bool> map_t::maybe_insert(pair&& entry) {
   const key_ref key = entry.first;
   const probe_t probe = find_for_insert(key);
   if (probe.found != NONE) return {iterator(this, probe.found), false};
-  const std::int64_t slot =
-      place(key.hash, probe.vacant, std::move(entry.first), std::move(entry.second));
+  const std::int64_t slot = place(key.hash, probe.vacant, entry.first, entry.second);
   return {iterator(this, slot), true};
 }
 
-// Puts an absent key into the slot that the lookup found, or, after growing, into the first vacant one
-// on its way. No second lookup: the key may have become equal to another one by being copied, when a
-// borrowed string was copied into an owned one. Returns the slot.
-std::int64_t map_t::place(std::uint64_t hash, std::int64_t vacant, data_t&& key, data_t&& value) {
+// Moves an absent key and its value into the slot that the lookup found, or, after growing, into the
+// first vacant one on its way. No second lookup: the key may have become equal to another one by being
+// copied, when a borrowed string was copied into an owned one. Returns the slot.
+std::int64_t map_t::place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value) {
   if (must_grow() || vacant == NONE) {
     grow();
     vacant = find_vacant(hash);
   }
+  put(vacant, hash, key, value);
+  return vacant;
+}
+
+// Moves an entry into a vacant slot, which holds nothing that would have to be freed.
+void map_t::put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept {
   map_slot_t& slot = slots()[vacant];
   slot.hash = hash;
-  // A vacant slot holds nothing that an assignment would have to free.
   new (&slot.key) data_t(std::move(key));
   new (&slot.value) data_t(std::move(value));
   ++table_->live;
-  return vacant;
 }
 
 // Whether capacity × 0.75 < live + deleted, in whole numbers.
@@ -224,8 +249,8 @@ void map_t::erase(const iterator& position) {
 }
 
 map_entry_t map_t::extract(key_ref key) noexcept {
-  const probe_t probe = find_for_insert(key);
-  return probe.found == NONE ? map_entry_t() : take(slots()[probe.found]);
+  const std::int64_t found = find_slot(key);
+  return found == NONE ? map_entry_t() : take(slots()[found]);
 }
 
 // Takes the entry out of its slot and leaves a tombstone. Whoever destroys the entry does so after the
@@ -236,6 +261,18 @@ map_entry_t map_t::take(map_slot_t& slot) noexcept {
   --table_->live;
   ++table_->deleted;
   return entry;
+}
+
+void map_t::clear() noexcept {
+  if (table_ == nullptr || table_->live + table_->deleted == 0) return;
+  map_slot_t* const end = slots() + table_->capacity;
+  for (map_slot_t* slot = slots(); slot != end; ++slot) {
+    if (slot->is_free()) continue;
+    std::destroy_at(slot);
+    new (slot) map_slot_t{};
+  }
+  table_->live = 0;
+  table_->deleted = 0;
 }
 
 // ---- iteration and equality
@@ -260,8 +297,8 @@ bool map_t::operator==(const map_t& other) const noexcept {
   for (std::int64_t i = 0; i < capacity(); ++i) {
     const map_slot_t& slot = slots()[i];
     if (!slot.is_live()) continue;
-    const probe_t probe = other.find_for_insert(slot);
-    if (probe.found == NONE || slot.value != other.slots()[probe.found].value) return false;
+    const data_t* const value = other.find_value(slot);
+    if (value == nullptr || slot.value != *value) return false;
   }
   return true;
 }

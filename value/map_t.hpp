@@ -78,6 +78,9 @@ class map_t {
   map_t& operator=(const map_t&) = delete;
   ~map_t() { reset(nullptr); }
 
+  // The capacity of the table that a first insertion makes.
+  static constexpr std::int64_t FIRST_CAPACITY = 8;
+
   // A deep copy, slot by slot: same capacity, positions, hashes, tombstones and counts.
   // Throws std::bad_alloc; nothing leaks then.
   [[nodiscard]] map_t copy() const;
@@ -90,6 +93,9 @@ class map_t {
   // The entry under `key`, or end().
   [[nodiscard]] iterator find(key_ref key) noexcept;
   [[nodiscard]] const_iterator find(key_ref key) const noexcept;
+  // Its value, or null. Valid until the map is next modified.
+  [[nodiscard]] data_t* find_value(key_ref key) noexcept;
+  [[nodiscard]] const data_t* find_value(key_ref key) const noexcept;
 
   // The value under `key`, inserted empty when absent; the key is consumed either way. The
   // reference lives until the map is next modified. Throws as insert does.
@@ -101,10 +107,12 @@ class map_t {
   std::pair<iterator, bool> insert(data_t&& key, data_t&& value);
   std::pair<iterator, bool> insert(std::pair<data_t, data_t>&& entry);
 
-  // The same for an entry with its hash, and for one that replaces the value under an equal key; the
-  // key in the map then stays, and the entry's is freed. Consume the entry.
+  // The same for an entry with its hash. What is not moved into the map stays in the entry.
   void insert(map_entry_t&& entry);
+  // As insert, but an entry whose key is there already replaces the value, not the key.
   void assign(map_entry_t&& entry);
+  // As insert, without looking whether the key is there: it must not be, nor may it be empty.
+  void add(map_entry_t&& entry);
 
   // The workers of the inserts: one copies key and value, the other moves them. Only the moving one
   // refuses an empty key; the asymmetry is the host's.
@@ -118,10 +126,13 @@ class map_t {
   // Removes the entry under `key` and returns it; no entry when there is none.
   [[nodiscard]] map_entry_t extract(key_ref key) noexcept;
 
-  // Hands every entry to `use`, in the order of iteration, as map_entry_t&&; the map is left without a
-  // table. What `use` throws ends it, and frees the rest. Defined in value/map_slot.hpp.
+  // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the emptied
+  // map. What `use` throws ends it, and frees the rest. Defined in value/map_slot.hpp.
   template <class Use>
-  void drain(const Use& use) &&;
+  map_t drain(const Use& use) &&;
+
+  // Frees all entries; a table is then as the host makes it, without tombstones.
+  void clear() noexcept;
 
   [[nodiscard]] iterator begin();
   [[nodiscard]] iterator end();
@@ -131,6 +142,10 @@ class map_t {
   // Same entries, whatever their order, capacity and history.
   bool operator==(const map_t& other) const noexcept;
 
+  // Number of slots; 0 without a table.
+  [[nodiscard]] std::int64_t capacity() const noexcept {
+    return table_ == nullptr ? 0 : table_->capacity;
+  }
   // The table, still owned by the map; null when there is none.
   [[nodiscard]] const vlt_underlying_map_table_t* table() const noexcept { return table_; }
 
@@ -147,16 +162,14 @@ class map_t {
     vlt_underlying_map_table_t* const old = std::exchange(table_, table);
     if (old != nullptr) vlt_free_map(old);
   }
-  [[nodiscard]] std::int64_t capacity() const noexcept {
-    return table_ == nullptr ? 0 : table_->capacity;
-  }
   [[nodiscard]] map_slot_t* slots() const noexcept;
+  [[nodiscard]] std::int64_t find_slot(key_ref key) const noexcept;
   [[nodiscard]] probe_t find_for_insert(key_ref key) const noexcept;
   [[nodiscard]] std::int64_t find_vacant(std::uint64_t hash) const noexcept;
-  [[nodiscard]] std::int64_t index_of(key_ref key) const noexcept;
   [[nodiscard]] bool must_grow() const noexcept;
   void grow();
-  std::int64_t place(std::uint64_t hash, std::int64_t vacant, data_t&& key, data_t&& value);
+  std::int64_t place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value);
+  void put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept;
   [[nodiscard]] map_entry_t take(map_slot_t& slot) noexcept;
 
   vlt_underlying_map_table_t* table_ = nullptr;

@@ -27,7 +27,7 @@ std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& not
   data_t severity = extractFieldOrThrow(notification, DATA_T_severity);
   const AlarmSeverity severityValue = alarmSeverityFromString(
       text_or_empty(getFromDataTReportingKey<char const*>(severity, "severity")));
-  data_t sourceId = extractSourceId(source, notification.getSpareCopies());
+  data_t sourceId = reduceToId(std::move(source), notification);
   data_t status = extractFieldOrThrow(notification, DATA_T_status);
   const AlarmStatus statusValue =
       alarmStatusFromString(getFromDataTReportingKey<char const*>(status, "status"));
@@ -35,13 +35,13 @@ std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& not
   const double time = extractTimeTimestampOrThrow(notification);
   data_t type = extractFieldOrThrow(notification, DATA_T_type);
 
-  notification.getSpareCopies().keep(SEVERITY_TEXTS.toDataTString(severityValue),
-                                     std::move(severity));
-  notification.getSpareCopies().keep(STATUS_TEXTS.toDataTString(statusValue), std::move(status));
+  notification.getSpareParts().keep(SEVERITY_TEXTS.toDataTString(severityValue),
+                                    std::move(severity));
+  notification.getSpareParts().keep(STATUS_TEXTS.toDataTString(statusValue), std::move(status));
 
   auto builder = std::make_unique<AlarmMessageBuilder>(
       std::move(id), countValue, severityValue, std::move(sourceId), statusValue, std::move(text),
-      time, std::move(type), notification.getSpareCopies());
+      time, std::move(type), notification.getSpareParts());
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_firstOccurrenceTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
@@ -51,18 +51,18 @@ std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& not
 
 AlarmMessageBuilder::AlarmMessageBuilder(data_t&& id, std::int64_t count, AlarmSeverity severity,
                                          data_t&& sourceId, AlarmStatus status, data_t&& text,
-                                         double time, data_t&& type, SpareCopies&& spares)
+                                         double time, data_t&& type, SpareParts&& spares)
     : TivraMessageBuilder(std::move(id), data_t(ALARM_TYPE_DATA_T), std::move(spares)) {
-  set(DATA_T_count, data_t(count), spares);
-  set(DATA_T_severity, spares.take(SEVERITY_TEXTS.toDataTString(severity)), spares);
+  addField(DATA_T_count, data_t(count), spares);
+  addField(DATA_T_severity, spares.take(SEVERITY_TEXTS.toDataTString(severity)), spares);
   ensureValueDataTIsString("id", sourceId); // reported as "id", on purpose
-  set(DATA_T_source, std::move(sourceId), spares);
-  set(DATA_T_status, spares.take(STATUS_TEXTS.toDataTString(status)), spares);
+  addField(DATA_T_source, std::move(sourceId), spares);
+  addField(DATA_T_status, spares.take(STATUS_TEXTS.toDataTString(status)), spares);
   ensureValueDataTIsString("text", text);
-  set(DATA_T_text, std::move(text), spares);
-  set(DATA_T_time, data_t(time), spares);
+  addField(DATA_T_text, std::move(text), spares);
+  addField(DATA_T_time, data_t(time), spares);
   ensureValueDataTIsString("type", type);
-  set(DATA_T_type, std::move(type), spares);
+  addField(DATA_T_type, std::move(type), spares);
 }
 
 AlarmSeverity alarmSeverityFromString(char const* text) {

@@ -29,7 +29,7 @@ class AlarmMessageBuilder final : public TivraMessageBuilder {
  public:
   AlarmMessageBuilder(data_t&& id, std::int64_t count, AlarmSeverity severity, data_t&& sourceId,
                       AlarmStatus status, data_t&& text, double time, data_t&& type,
-                      SpareCopies&& spares = SpareCopies());
+                      SpareParts&& spares = SpareParts());
 };
 
 // Consumes the notification. Throws std::runtime_error naming the first field that is missing or

@@ -11,14 +11,14 @@ namespace com::velanto::connectivity::plugins::pulsar {
 std::unique_ptr<TivraMessageBuilder> convertEvent(PulsarMessageDisassembler& notification) {
   data_t source = extractFieldOrThrow(notification, DATA_T_source);
   data_t id = extractFieldOrThrow(notification, DATA_T_id);
-  data_t sourceId = extractSourceId(source, notification.getSpareCopies());
+  data_t sourceId = reduceToId(std::move(source), notification);
   data_t text = extractFieldOrThrow(notification, DATA_T_text);
   const double time = extractTimeTimestampOrThrow(notification);
   data_t type = extractFieldOrThrow(notification, DATA_T_type);
 
   auto builder =
       std::make_unique<EventMessageBuilder>(std::move(id), std::move(sourceId), std::move(text),
-                                            time, std::move(type), notification.getSpareCopies());
+                                            time, std::move(type), notification.getSpareParts());
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_firstOccurrenceTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
@@ -27,17 +27,17 @@ std::unique_ptr<TivraMessageBuilder> convertEvent(PulsarMessageDisassembler& not
 }
 
 EventMessageBuilder::EventMessageBuilder(data_t&& id, data_t&& source, data_t&& text, double time,
-                                         data_t&& type, SpareCopies&& spares)
+                                         data_t&& type, SpareParts&& spares)
     : TivraMessageBuilder(std::move(id), data_t(EVENT_TYPE_DATA_T), std::move(spares)) {
   ensureValueDataTIsString("source", source);
-  set(DATA_T_source, std::move(source), spares);
+  addField(DATA_T_source, std::move(source), spares);
   ensureValueDataTIsString("text", text);
-  set(DATA_T_text, std::move(text), spares);
+  addField(DATA_T_text, std::move(text), spares);
   // Under this name on purpose: an event has no field "time". One that the notification brings
   // under this name replaces it.
-  set(DATA_T_firstOccurrenceTime, data_t(time), spares);
+  addField(DATA_T_firstOccurrenceTime, data_t(time), spares);
   ensureValueDataTIsString("type", type);
-  set(DATA_T_type, std::move(type), spares);
+  addField(DATA_T_type, std::move(type), spares);
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

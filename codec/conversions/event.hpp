@@ -14,7 +14,7 @@ namespace com::velanto::connectivity::plugins::pulsar {
 class EventMessageBuilder final : public TivraMessageBuilder {
  public:
   EventMessageBuilder(data_t&& id, data_t&& source, data_t&& text, double time, data_t&& type,
-                      SpareCopies&& spares = SpareCopies());
+                      SpareParts&& spares = SpareParts());
 };
 
 // Consumes the notification. Throws std::runtime_error naming the first field that is missing or

@@ -41,7 +41,7 @@ std::unique_ptr<TivraMessageBuilder> convertManagedObject(PulsarMessageDisassemb
   if (!type) type = DATA_T_;
 
   auto builder = std::make_unique<ManagedObjectBuilder>(
-      std::move(id), std::move(name), std::move(*type), notification.getSpareCopies());
+      std::move(id), std::move(name), std::move(*type), notification.getSpareParts());
 
   addSupported(DATA_T_o6a_SupportedOperations, DATA_T_supportedOperations, notification, *builder);
   addSupported(DATA_T_o6a_SupportedMeasurements, DATA_T_supportedMeasurements, notification,
@@ -65,10 +65,10 @@ std::unique_ptr<TivraMessageBuilder> convertManagedObject(PulsarMessageDisassemb
 }
 
 ManagedObjectBuilder::ManagedObjectBuilder(data_t&& id, data_t&& name, data_t&& type,
-                                           SpareCopies&& spares)
+                                           SpareParts&& spares)
     : TivraMessageBuilder(std::move(id), data_t(MANAGEDOBJECT_TYPE_DATA_T), std::move(spares)) {
   ensureValueDataTIsString("source", name);
-  set(DATA_T_source, std::move(name), spares);
+  addField(DATA_T_source, std::move(name), spares);
   ensureValueDataTIsString("type", type);
 }
 

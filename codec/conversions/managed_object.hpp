@@ -16,7 +16,7 @@ namespace com::velanto::connectivity::plugins::pulsar {
 class ManagedObjectBuilder final : public TivraMessageBuilder {
  public:
   ManagedObjectBuilder(data_t&& id, data_t&& name, data_t&& type,
-                       SpareCopies&& spares = SpareCopies());
+                       SpareParts&& spares = SpareParts());
 
   // Stores the list as field `key` when all its elements are strings, otherwise hands it back.
   [[nodiscard]] boost::optional<list_t> tryAddSupported(list_t&& values, key_ref key);

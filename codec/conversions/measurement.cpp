@@ -14,30 +14,31 @@ namespace com::velanto::connectivity::plugins::pulsar {
 std::unique_ptr<TivraMessageBuilder> convertMeasurement(PulsarMessageDisassembler& notification) {
   data_t source = extractFieldOrThrow(notification, DATA_T_source);
   data_t id = extractFieldOrThrow(notification, DATA_T_id);
-  data_t sourceId = extractSourceId(source, notification.getSpareCopies());
+  data_t sourceId = reduceToId(std::move(source), notification);
   const double time = extractTimeTimestampOrThrow(notification);
   data_t type = extractFieldOrThrow(notification, DATA_T_type);
 
   auto builder = std::make_unique<MeasurementMessageBuilder>(
-      std::move(id), std::move(sourceId), time, std::move(type), notification.getSpareCopies());
+      std::move(id), std::move(sourceId), time, std::move(type), notification.getSpareParts());
   // Not "firstOccurrenceTime": it has no meaning for measurements and is copied over as it stands.
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
 
-  notification.extractRemainingPayload().drain([&builder](map_entry_t&& entry) {
-    if (!builder->tryAddFragment(entry.value)) builder->fields.assign(std::move(entry));
+  notification.extractRemainingPayload().drain([&](map_entry_t&& entry) {
+    if (builder->tryAddFragment(entry.value, notification.getSpareParts())) return;
+    builder->fields.assign(std::move(entry));
   });
   return builder;
 }
 
 MeasurementMessageBuilder::MeasurementMessageBuilder(data_t&& id, data_t&& source, double time,
-                                                     data_t&& type, SpareCopies&& spares)
+                                                     data_t&& type, SpareParts&& spares)
     : TivraMessageBuilder(std::move(id), data_t(MEASUREMENT_TYPE_DATA_T), std::move(spares)) {
   ensureValueDataTIsString("source", source);
-  set(DATA_T_source, std::move(source), spares);
-  set(DATA_T_time, data_t(time), spares);
+  addField(DATA_T_source, std::move(source), spares);
+  addField(DATA_T_time, data_t(time), spares);
   ensureValueDataTIsString("type", type);
-  set(DATA_T_type, std::move(type), spares);
+  addField(DATA_T_type, std::move(type), spares);
 }
 
 boost::optional<std::pair<data_t, data_t>> MeasurementMessageBuilder::tryAddMeasurementFragment(
@@ -46,14 +47,14 @@ boost::optional<std::pair<data_t, data_t>> MeasurementMessageBuilder::tryAddMeas
   return boost::none;
 }
 
-bool MeasurementMessageBuilder::tryAddFragment(data_t& value) {
+bool MeasurementMessageBuilder::tryAddFragment(data_t& value, SpareParts&& spares) {
   if (value.type_tag() != VLT_TAG_MAP) return false;
   map_t& fragment = value.get<map_t>();
   if (!isValidFragment(fragment)) return false;
-  std::move(fragment).drain([this](map_entry_t&& series) {
-    series.value = createMeasurementValue(std::move(series.value.get<map_t>()));
+  spares.keep(std::move(fragment).drain([&](map_entry_t&& series) {
+    series.value = createMeasurementValue(std::move(series.value.get<map_t>()), std::move(spares));
     measurements.insert(std::move(series));
-  });
+  }));
   return true;
 }
 
@@ -65,15 +66,15 @@ bool MeasurementMessageBuilder::isValidFragment(map_t const& fragment) {
 }
 
 bool MeasurementMessageBuilder::isValidSeriesValue(map_t const& series) {
-  const map_t::const_iterator value = series.find(DATA_T_value);
-  return value != series.end() && dataTConvertableToFloat((*value).second);
+  const data_t* const value = series.find_value(DATA_T_value);
+  return value != nullptr && dataTConvertableToFloat(*value);
 }
 
-map_t createMeasurementValue(map_t&& series) {
+map_t createMeasurementValue(map_t&& series, SpareParts&& spares) {
   map_entry_t value = series.extract(DATA_T_value);
   if (!value) throw std::runtime_error("'value' key missing from measurement value");
-  MeasurementValueBuilder builder(std::move(value));
-  if (map_entry_t units = series.extract(DATA_T_units)) builder.setUnits(std::move(units));
+  MeasurementValueBuilder builder(std::move(value), spares.takeMap());
+  if (map_entry_t units = series.extract(DATA_T_units)) builder.addUnits(std::move(units));
   builder.setParams(std::move(series));
   return std::move(builder).getResult();
 }
@@ -81,16 +82,17 @@ map_t createMeasurementValue(map_t&& series) {
 MeasurementValueBuilder::MeasurementValueBuilder(data_t&& value)
     : MeasurementValueBuilder(DATA_T_value.with(std::move(value))) {}
 
-MeasurementValueBuilder::MeasurementValueBuilder(map_entry_t&& value) {
-  measurementValue_.assign(std::move(value));
+MeasurementValueBuilder::MeasurementValueBuilder(map_entry_t&& value, map_t&& emptied)
+    : measurementValue_(std::move(emptied)) {
+  measurementValue_.add(std::move(value));
 }
 
 void MeasurementValueBuilder::setUnits(data_t&& units) {
-  setUnits(DATA_T_units.with(std::move(units)));
+  measurementValue_.assign(DATA_T_units.with(std::move(units)));
 }
 
-void MeasurementValueBuilder::setUnits(map_entry_t&& units) {
-  measurementValue_.assign(std::move(units));
+void MeasurementValueBuilder::addUnits(map_entry_t&& units) {
+  measurementValue_.add(std::move(units));
 }
 
 void MeasurementValueBuilder::setParams(map_t&& params) {

@@ -21,14 +21,14 @@ namespace com::velanto::connectivity::plugins::pulsar {
 class MeasurementMessageBuilder final : public TivraMessageBuilder {
  public:
   MeasurementMessageBuilder(data_t&& id, data_t&& source, double time, data_t&& type,
-                            SpareCopies&& spares = SpareCopies());
+                            SpareParts&& spares = SpareParts());
 
   // Takes the series of a payload entry that is a valid fragment; of two series of one name the
   // first stays. Hands any other entry back untouched.
   [[nodiscard]] boost::optional<std::pair<data_t, data_t>> tryAddMeasurementFragment(
       std::pair<data_t, data_t>&& entry);
   // The same for the value of an entry: whether its series were taken.
-  [[nodiscard]] bool tryAddFragment(data_t& value);
+  [[nodiscard]] bool tryAddFragment(data_t& value, SpareParts&& spares = SpareParts());
 
   // Whether every entry is a map that is a valid series value. True for no entries at all.
   [[nodiscard]] static bool isValidFragment(map_t const& fragment);
@@ -41,9 +41,9 @@ class MeasurementValueBuilder {
  public:
   explicit MeasurementValueBuilder(data_t&& value);
   void setUnits(data_t&& units);
-  // The same for entries that have these names already.
-  explicit MeasurementValueBuilder(map_entry_t&& value);
-  void setUnits(map_entry_t&& units);
+  // For entries that have these names already; units are added once at most.
+  explicit MeasurementValueBuilder(map_entry_t&& value, map_t&& emptied = map_t());
+  void addUnits(map_entry_t&& units);
   void setParams(map_t&& params);
   [[nodiscard]] map_t getResult() && noexcept { return std::move(measurementValue_); }
 
@@ -53,7 +53,7 @@ class MeasurementValueBuilder {
 
 // The measurement value of a series: what is neither "value" nor "units" becomes "params", in the
 // series' own table. Throws std::runtime_error "'value' key missing from measurement value".
-[[nodiscard]] map_t createMeasurementValue(map_t&& series);
+[[nodiscard]] map_t createMeasurementValue(map_t&& series, SpareParts&& spares = SpareParts());
 
 // Consumes the notification. Throws std::runtime_error naming the first field that is missing or
 // wrong, in the order of the steps.

@@ -21,15 +21,15 @@ constexpr EnumTexts<OperationStatus, 4, constant_t> STATUS_TEXTS = {
 std::unique_ptr<TivraMessageBuilder> convertOperation(PulsarMessageDisassembler& notification) {
   data_t source = extractFieldOrThrow(notification, DATA_T_source);
   data_t deviceId = extractFieldOrThrow(notification, DATA_T_deviceId);
-  data_t sourceId = extractSourceId(source, notification.getSpareCopies());
+  data_t sourceId = reduceToId(std::move(source), notification);
   data_t status = extractFieldOrThrow(notification, DATA_T_status);
   const OperationStatus statusValue = operationStatusFromString(
       text_or_empty(getFromDataTReportingKey<char const*>(status, "status")));
 
-  notification.getSpareCopies().keep(STATUS_TEXTS.toDataTString(statusValue), std::move(status));
+  notification.getSpareParts().keep(STATUS_TEXTS.toDataTString(statusValue), std::move(status));
 
   auto builder = std::make_unique<OperationMessageBuilder>(
-      std::move(deviceId), std::move(sourceId), statusValue, notification.getSpareCopies());
+      std::move(deviceId), std::move(sourceId), statusValue, notification.getSpareParts());
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_firstOccurrenceTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
@@ -38,11 +38,11 @@ std::unique_ptr<TivraMessageBuilder> convertOperation(PulsarMessageDisassembler&
 }
 
 OperationMessageBuilder::OperationMessageBuilder(data_t&& id, data_t&& source,
-                                                 OperationStatus status, SpareCopies&& spares)
+                                                 OperationStatus status, SpareParts&& spares)
     : TivraMessageBuilder(std::move(id), data_t(OPERATION_TYPE_DATA_T), std::move(spares)) {
   ensureValueDataTIsString("source", source);
-  set(DATA_T_source, std::move(source), spares);
-  set(DATA_T_status, spares.take(STATUS_TEXTS.toDataTString(status)), spares);
+  addField(DATA_T_source, std::move(source), spares);
+  addField(DATA_T_status, spares.take(STATUS_TEXTS.toDataTString(status)), spares);
 }
 
 OperationStatus operationStatusFromString(char const* text) {

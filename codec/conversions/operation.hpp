@@ -21,7 +21,7 @@ enum class OperationStatus { SUCCESSFUL, FAILED, EXECUTING, PENDING };
 class OperationMessageBuilder final : public TivraMessageBuilder {
  public:
   OperationMessageBuilder(data_t&& id, data_t&& source, OperationStatus status,
-                          SpareCopies&& spares = SpareCopies());
+                          SpareParts&& spares = SpareParts());
 };
 
 // Consumes the notification. Throws std::runtime_error naming the first field that is missing or

@@ -23,8 +23,8 @@ TEST_P(ExhaustedMemory, IsBadAllocWhicheverAllocationFailsAndNothingLeaks) {
     payload = example.payload();
   };
   const std::uint64_t failures = fail_each_allocation(attempt, verify);
-  // The tables of fields and metadata, the event's type under its key, "measurements".
-  EXPECT_GE(failures, 5U);
+  // The event's type under its key, "measurements", and no fewer than one table.
+  EXPECT_GE(failures, 4U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, ExhaustedMemory,

@@ -1,11 +1,16 @@
-// Copies of constants that a notification brings along. A field that is taken out of the payload
-// leaves its key behind, and the event mostly has a field of the same name: its key is then the one
-// that came, instead of that one being freed and another one made. The same goes for texts that turned
-// out to be those of an enumeration.
-#ifndef VLT_CODEC_SPARE_COPIES_HPP
-#define VLT_CODEC_SPARE_COPIES_HPP
+// What a notification brings along and its event can use, instead of it being freed and the same being
+// made again:
+//
+//   copies of constants   a field that is taken out of the payload leaves its key behind, and the event
+//                         mostly has a field of that name; a text may be one of an enumeration's
+//   tables                of the maps that are emptied on the way, those that have the capacity that new
+//                         tables have
+#ifndef VLT_CODEC_SPARE_PARTS_HPP
+#define VLT_CODEC_SPARE_PARTS_HPP
 
+#include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -13,18 +18,18 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-class SpareCopies {
+class SpareParts {
  public:
-  SpareCopies() noexcept = default;
-  SpareCopies(SpareCopies&& other) noexcept { takeAll(other); }
-  SpareCopies& operator=(SpareCopies&& other) noexcept {
+  SpareParts() noexcept = default;
+  SpareParts(SpareParts&& other) noexcept { takeAll(other); }
+  SpareParts& operator=(SpareParts&& other) noexcept {
     if (this != &other) {
       freeAll();
       takeAll(other);
     }
     return *this;
   }
-  ~SpareCopies() { freeAll(); }
+  ~SpareParts() { freeAll(); }
 
   // Keeps `copy`, a string of the constant's text; one that is borrowed, or one too many, is freed.
   void keep(const constant_t& constant, data_t&& copy) noexcept {
@@ -41,6 +46,19 @@ class SpareCopies {
     if (!isKept(constant)) return data_t(constant);
     kept_ &= ~bitOf(constant);
     return std::move(slots_[constant.number()].copy);
+  }
+
+  // Keeps the table of `map`, whose entries are freed, or frees that as well.
+  void keep(map_t&& map) noexcept {
+    map_t table = std::move(map);
+    if (table.capacity() != map_t::FIRST_CAPACITY || kept_tables_ == tables_.size()) return;
+    table.clear();
+    tables_[kept_tables_++] = std::move(table);
+  }
+
+  // A map without entries, for one that is about to get some: with a table, if one was kept.
+  [[nodiscard]] map_t takeMap() noexcept {
+    return kept_tables_ == 0 ? map_t() : std::move(tables_[--kept_tables_]);
   }
 
   // The entry of `value` under such a copy.
@@ -69,16 +87,20 @@ class SpareCopies {
     for (; kept_ != 0; kept_ &= kept_ - 1) slots_[std::countr_zero(kept_)].copy.~data_t();
   }
   // There must be none here.
-  void takeAll(SpareCopies& other) noexcept {
+  void takeAll(SpareParts& other) noexcept {
     for (; other.kept_ != 0; other.kept_ &= other.kept_ - 1) {
       const int number = std::countr_zero(other.kept_);
       new (&slots_[number].copy) data_t(std::move(other.slots_[number].copy));
       kept_ |= std::uint64_t{1} << number;
     }
+    tables_ = std::move(other.tables_);
+    kept_tables_ = std::exchange(other.kept_tables_, 0);
   }
 
   std::uint64_t kept_ = 0; // the slots in use, a bit each
   slot_t slots_[constant_t::MOST];
+  std::array<map_t, 4> tables_;
+  std::size_t kept_tables_ = 0; // the first ones
 };
 
 } // namespace com::velanto::connectivity::plugins::pulsar
