@@ -5,9 +5,16 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
+namespace {
+
+std::runtime_error notAString(char const* key) {
+  return std::runtime_error("Value for key '" + std::string(key) + "' is not a string.");
+}
+
+} // namespace
+
 void ensureValueDataTIsString(char const* key, data_t const& value) {
-  if (value.is_string()) return;
-  throw std::runtime_error("Value for key '" + std::string(key) + "' is not a string.");
+  if (!value.is_string()) throw notAString(key);
 }
 
 bool dataTConvertableToFloat(data_t const& value) {

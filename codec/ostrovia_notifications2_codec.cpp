@@ -8,6 +8,7 @@
 #include "codec/constants.hpp"
 #include "codec/dispatch.hpp"
 #include "codec/pulsar_message_disassembler.hpp"
+#include "plugin/exception_in_flight.hpp"
 #include "plugin/map_extractor.hpp"
 #include "value/get_visitor.hpp"
 #include "value/to_string.hpp"
@@ -91,12 +92,9 @@ std::string describeFailure(const Message& message, bool towardsTransport) {
       text += " ('id' = '" + std::string(text_or_empty(id->get<const char*>())) + "')";
     }
   }
-  try {
-    throw;
-  } catch (const std::exception& e) {
+  if (const char* const what = ExceptionInFlight::what()) {
     text += ": ";
-    text += e.what();
-  } catch (...) { // NOLINT(bugprone-empty-catch): nothing is known of it
+    text += what;
   }
   return text;
 }
@@ -117,6 +115,25 @@ OstroviaNotifications2Codec::OstroviaNotifications2Codec(
   if (*tenant != '\0') tenantId = data_t(tenant);
 }
 
+// Inline: one frame fewer to unwind for a message that is dropped.
+[[gnu::always_inline]] inline Message OstroviaNotifications2Codec::processPulsarMessage(
+    Message&& notification, data_t&& channelKey) const {
+  if (notification.getPayload().type_tag() != VLT_TAG_MAP) {
+    throw std::runtime_error("Message payload is not a map");
+  }
+  PulsarMessageDisassembler disassembler(std::move(notification));
+  const char* const typeSegment = disassembler.getStartCharOfMessageType();
+  const bool is_measurement = isOfKind(typeSegment, STR_measurements);
+  std::unique_ptr<TivraMessageBuilder> builder =
+      convertPulsarToTivraMessage(disassembler, typeSegment);
+
+  builder->insertIntoMetadata(
+      {DATA_T_vltDOTchannel.hash(), std::move(channelKey),
+       data_t(is_measurement ? measurementSplittingChannel : devicesChannel)});
+  if (tenantId) builder->fields.assign(DATA_T_tenantId.with(data_t(*tenantId)));
+  return TivraMessageBuilder::getResult(std::move(builder));
+}
+
 bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) {
   if (message.getMetadataMap().find_value(DATA_T_pulsarPath) == nullptr) return true;
 
@@ -133,24 +150,6 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
   message = processPulsarMessage(std::move(notification), std::move(channelKey));
   idForReport.converted();
   return true;
-}
-
-Message OstroviaNotifications2Codec::processPulsarMessage(Message&& notification,
-                                                          data_t&& channelKey) const {
-  if (notification.getPayload().type_tag() != VLT_TAG_MAP) {
-    throw std::runtime_error("Message payload is not a map");
-  }
-  PulsarMessageDisassembler disassembler(std::move(notification));
-  const char* const typeSegment = disassembler.getStartCharOfMessageType();
-  const bool is_measurement = isOfKind(typeSegment, STR_measurements);
-  std::unique_ptr<TivraMessageBuilder> builder =
-      convertPulsarToTivraMessage(disassembler, typeSegment);
-
-  builder->insertIntoMetadata(
-      {DATA_T_vltDOTchannel.hash(), std::move(channelKey),
-       data_t(is_measurement ? measurementSplittingChannel : devicesChannel)});
-  if (tenantId) builder->fields.assign(DATA_T_tenantId.with(data_t(*tenantId)));
-  return TivraMessageBuilder::getResult(std::move(builder));
 }
 
 bool OstroviaNotifications2Codec::transformMessageTowardsTransport(Message&) { return true; }

@@ -11,16 +11,25 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 namespace {
 
-data_t valueOrThrow(boost::optional<data_t>&& value, data_t const& key, char const* where) {
-  if (value) return std::move(*value);
-  throw std::runtime_error("Required key '" + std::string(text_or_empty(key.get<char const*>())) +
-                           "' missing from " + where);
+// Errors are made by functions of their own: an expression that throws what it builds has temporaries
+// to clean up, which makes the frame one more for the unwinding to stop at.
+std::runtime_error missing(data_t const& key, char const* where) {
+  return std::runtime_error("Required key '" + std::string(text_or_empty(key.get<char const*>())) +
+                            "' missing from " + where);
 }
 
-// Removes the entry under a constant and keeps its key for the event.
-boost::optional<data_t> extractKeepingKey(map_t& map, constant_t const& key, SpareParts&& spares) {
-  map_entry_t entry = map.extract(key);
-  if (!entry) return boost::none;
+std::runtime_error unreadableTime(char const* text) {
+  return std::runtime_error("Error parsing timestamp '" + std::string(text) + "' in key 'time'");
+}
+
+map_entry_t extractEntryOrThrow(map_t& map, key_ref key, char const* where) {
+  map_slot_t* const found = map.find_slot(key);
+  if (found == nullptr) throw missing(key.key, where);
+  return map.extract(*found);
+}
+
+// The value of an entry that was taken out under a constant, whose key is kept for the event.
+data_t valueOf(map_entry_t&& entry, constant_t const& key, SpareParts&& spares) noexcept {
   spares.keep(key, std::move(entry.key));
   return std::move(entry.value);
 }
@@ -34,29 +43,31 @@ boost::optional<data_t> extractFromMapIfPresent(map_t& map, key_ref key) {
 }
 
 data_t extractFromMapOrThrow(map_t& map, key_ref key, char const* where) {
-  return valueOrThrow(extractFromMapIfPresent(map, key), key.key, where);
+  return extractEntryOrThrow(map, key, where).value;
 }
 
 boost::optional<data_t> extractFieldIfPresent(PulsarMessageDisassembler& notification,
                                               constant_t const& key) {
-  return extractKeepingKey(notification.getPayloadMap(), key, notification.getSpareParts());
+  map_entry_t entry = notification.getPayloadMap().extract(key);
+  if (!entry) return boost::none;
+  return valueOf(std::move(entry), key, notification.getSpareParts());
 }
 
 data_t extractFieldOrThrow(PulsarMessageDisassembler& notification, constant_t const& key) {
-  return valueOrThrow(extractFieldIfPresent(notification, key), key, IN_MESSAGE_PAYLOAD);
+  return valueOf(extractEntryOrThrow(notification.getPayloadMap(), key, IN_MESSAGE_PAYLOAD), key,
+                 notification.getSpareParts());
 }
 
 double extractTimeTimestampOrThrow(PulsarMessageDisassembler& notification) {
   const data_t time = extractFieldOrThrow(notification, DATA_T_time);
   const char* const text = text_or_empty(getFromDataTReportingKey<char const*>(time, "time"));
   if (const auto seconds = tryParseTime(text)) return *seconds;
-  throw std::runtime_error("Error parsing timestamp '" + std::string(text) + "' in key 'time'");
+  throw unreadableTime(text);
 }
 
 data_t extractSourceId(data_t& source, SpareParts&& spares) {
   map_t& entries = getFromDataTReportingKey<map_t&>(source, "source");
-  return valueOrThrow(extractKeepingKey(entries, DATA_T_id, std::move(spares)), DATA_T_id,
-                      IN_SOURCE);
+  return valueOf(extractEntryOrThrow(entries, DATA_T_id, IN_SOURCE), DATA_T_id, spares.lend());
 }
 
 data_t reduceToId(data_t&& source, PulsarMessageDisassembler& notification) {
@@ -87,6 +98,14 @@ void convertDateTimePayloadElement(constant_t const& key, PulsarMessageDisassemb
     }
   }
   builder.fields.assign(std::move(entry));
+}
+
+void carryOverDatesAndRemaining(PulsarMessageDisassembler& notification,
+                                TivraMessageBuilder& builder) {
+  convertDateTimePayloadElement(DATA_T_creationTime, notification, builder);
+  convertDateTimePayloadElement(DATA_T_firstOccurrenceTime, notification, builder);
+  convertDateTimePayloadElement(DATA_T_lastUpdated, notification, builder);
+  copyOverRemainingPayloadElements(notification, builder);
 }
 
 void copyOverRemainingPayloadElements(PulsarMessageDisassembler& notification,

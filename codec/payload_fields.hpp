@@ -60,6 +60,11 @@ void convertDateTimePayloadElement(constant_t const& key, PulsarMessageDisassemb
 void copyOverRemainingPayloadElements(PulsarMessageDisassembler& notification,
                                       TivraMessageBuilder& builder);
 
+// Converts the optional dates "creationTime", "firstOccurrenceTime" and "lastUpdated", and moves
+// everything else that is left: how events, alarms and operations end.
+void carryOverDatesAndRemaining(PulsarMessageDisassembler& notification,
+                                TivraMessageBuilder& builder);
+
 } // namespace com::velanto::connectivity::plugins::pulsar
 
 #endif

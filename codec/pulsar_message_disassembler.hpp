@@ -32,7 +32,7 @@ class PulsarMessageDisassembler {
   void discardMetadata() noexcept { spares_.keep(std::move(notification_.getMetadataMap())); }
 
   // What the notification has lost and the event can use.
-  [[nodiscard]] SpareParts&& getSpareParts() noexcept { return std::move(spares_); }
+  [[nodiscard]] SpareParts&& getSpareParts() noexcept { return spares_.lend(); }
 
  private:
   Message notification_;

@@ -31,6 +31,9 @@ class SpareParts {
   }
   ~SpareParts() { freeAll(); }
 
+  // For a callee that may take of the parts what it needs; the rest stays here.
+  [[nodiscard]] SpareParts&& lend() noexcept { return std::move(*this); }
+
   // Keeps `copy`, a string of the constant's text; one that is borrowed, or one too many, is freed.
   void keep(const constant_t& constant, data_t&& copy) noexcept {
     if (copy.type_tag() != VLT_TAG_STRING || isKept(constant)) {

@@ -1,6 +1,9 @@
 #include "plugin/abstract_simple_codec.hpp"
 
+#include <exception>
 #include <utility>
+
+#include "plugin/exception_in_flight.hpp"
 
 namespace com::velanto::connectivity {
 
@@ -26,6 +29,9 @@ void AbstractSimpleCodec::sendBatchTowardsHost(Message* start, Message* end) {
     try {
       return message.getPayload().empty() ? transformNullPayloadTowardsHost(message)
                                           : transformMessageTowardsHost(message);
+    } catch (const std::exception& e) {
+      const ExceptionInFlight caught(e);
+      return handleException(message, false);
     } catch (...) {
       return handleException(message, false);
     }
@@ -38,6 +44,9 @@ void AbstractSimpleCodec::sendBatchTowardsTransport(Message* start, Message* end
     try {
       return message.getPayload().empty() ? transformNullPayloadTowardsTransport(message)
                                           : transformMessageTowardsTransport(message);
+    } catch (const std::exception& e) {
+      const ExceptionInFlight caught(e);
+      return handleException(message, true);
     } catch (...) {
       return handleException(message, true);
     }

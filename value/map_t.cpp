@@ -80,19 +80,18 @@ map_t map_t::copy() const {
 
 // ---- lookup
 
-// The slot of the key, or NONE.
-std::int64_t map_t::find_slot(key_ref key) const noexcept {
+map_slot_t* map_t::find_slot(key_ref key) const noexcept {
   const std::int64_t slot_count = capacity();
-  if (slot_count == 0) return NONE;
-  const map_slot_t* const slot = slots();
+  if (slot_count == 0) return nullptr;
+  map_slot_t* const slot = slots();
   const std::int64_t start = home_slot(key.hash, slot_count);
   std::int64_t i = start;
   do {
-    if (slot[i].hash == key.hash && slot[i].is_live() && slot[i].key == key.key) return i;
-    if (slot[i].is_free()) return NONE;
+    if (slot[i].hash == key.hash && slot[i].is_live() && slot[i].key == key.key) return &slot[i];
+    if (slot[i].is_free()) return nullptr;
     if (++i == slot_count) i = 0;
   } while (i != start);
-  return NONE;
+  return nullptr;
 }
 
 map_t::probe_t map_t::find_for_insert(key_ref key) const noexcept {
@@ -125,24 +124,22 @@ std::int64_t map_t::find_vacant(std::uint64_t hash) const noexcept {
   return i;
 }
 
-map_t::iterator map_t::find(key_ref key) noexcept {
-  const std::int64_t found = find_slot(key);
-  return {this, found == NONE ? capacity() : found};
+std::int64_t map_t::index_of(key_ref key) const noexcept {
+  const map_slot_t* const found = find_slot(key);
+  return found == nullptr ? capacity() : found - slots();
 }
 
-map_t::const_iterator map_t::find(key_ref key) const noexcept {
-  const std::int64_t found = find_slot(key);
-  return {this, found == NONE ? capacity() : found};
-}
+map_t::iterator map_t::find(key_ref key) noexcept { return {this, index_of(key)}; }
+map_t::const_iterator map_t::find(key_ref key) const noexcept { return {this, index_of(key)}; }
 
 data_t* map_t::find_value(key_ref key) noexcept {
-  const std::int64_t found = find_slot(key);
-  return found == NONE ? nullptr : &slots()[found].value;
+  map_slot_t* const found = find_slot(key);
+  return found == nullptr ? nullptr : &found->value;
 }
 
 const data_t* map_t::find_value(key_ref key) const noexcept {
-  const std::int64_t found = find_slot(key);
-  return found == NONE ? nullptr : &slots()[found].value;
+  const map_slot_t* const found = find_slot(key);
+  return found == nullptr ? nullptr : &found->value;
 }
 
 // ---- insertion
@@ -245,17 +242,17 @@ void map_t::erase(const iterator& position) {
   if (position.map_ != this) iterator_checks::report(iterator_checks::DIFFERENT_MAPS);
   if (position.at_end() || table_ == nullptr) return;
   position.check();
-  static_cast<void>(take(position.slots_[position.index_]));
+  static_cast<void>(extract(position.slots_[position.index_]));
 }
 
 map_entry_t map_t::extract(key_ref key) noexcept {
-  const std::int64_t found = find_slot(key);
-  return found == NONE ? map_entry_t() : take(slots()[found]);
+  map_slot_t* const found = find_slot(key);
+  return found == nullptr ? map_entry_t() : extract(*found);
 }
 
 // Takes the entry out of its slot and leaves a tombstone. Whoever destroys the entry does so after the
 // table is consistent again.
-map_entry_t map_t::take(map_slot_t& slot) noexcept {
+map_entry_t map_t::extract(map_slot_t& slot) noexcept {
   map_entry_t entry{slot.hash, std::move(slot.key), std::move(slot.value)};
   slot.hash = map_slot_t::DELETED;
   --table_->live;

@@ -125,6 +125,10 @@ class map_t {
 
   // Removes the entry under `key` and returns it; no entry when there is none.
   [[nodiscard]] map_entry_t extract(key_ref key) noexcept;
+  // The same in two steps. The slot, or null, is valid until the map is next modified; it must be one
+  // of an entry of this map.
+  [[nodiscard]] map_slot_t* find_slot(key_ref key) const noexcept;
+  [[nodiscard]] map_entry_t extract(map_slot_t& slot) noexcept;
 
   // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the emptied
   // map. What `use` throws ends it, and frees the rest. Defined in value/map_slot.hpp.
@@ -163,14 +167,13 @@ class map_t {
     if (old != nullptr) vlt_free_map(old);
   }
   [[nodiscard]] map_slot_t* slots() const noexcept;
-  [[nodiscard]] std::int64_t find_slot(key_ref key) const noexcept;
+  [[nodiscard]] std::int64_t index_of(key_ref key) const noexcept;
   [[nodiscard]] probe_t find_for_insert(key_ref key) const noexcept;
   [[nodiscard]] std::int64_t find_vacant(std::uint64_t hash) const noexcept;
   [[nodiscard]] bool must_grow() const noexcept;
   void grow();
   std::int64_t place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value);
   void put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept;
-  [[nodiscard]] map_entry_t take(map_slot_t& slot) noexcept;
 
   vlt_underlying_map_table_t* table_ = nullptr;
 };

@@ -42,17 +42,14 @@ std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& not
   auto builder = std::make_unique<AlarmMessageBuilder>(
       std::move(id), countValue, severityValue, std::move(sourceId), statusValue, std::move(text),
       time, std::move(type), notification.getSpareParts());
-  convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
-  convertDateTimePayloadElement(DATA_T_firstOccurrenceTime, notification, *builder);
-  convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
-  copyOverRemainingPayloadElements(notification, *builder);
+  carryOverDatesAndRemaining(notification, *builder);
   return builder;
 }
 
 AlarmMessageBuilder::AlarmMessageBuilder(data_t&& id, std::int64_t count, AlarmSeverity severity,
                                          data_t&& sourceId, AlarmStatus status, data_t&& text,
                                          double time, data_t&& type, SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), data_t(ALARM_TYPE_DATA_T), std::move(spares)) {
+    : TivraMessageBuilder(std::move(id), data_t(ALARM_TYPE_DATA_T), spares.lend()) {
   addField(DATA_T_count, data_t(count), spares);
   addField(DATA_T_severity, spares.take(SEVERITY_TEXTS.toDataTString(severity)), spares);
   ensureValueDataTIsString("id", sourceId); // reported as "id", on purpose

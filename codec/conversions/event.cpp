@@ -19,16 +19,13 @@ std::unique_ptr<TivraMessageBuilder> convertEvent(PulsarMessageDisassembler& not
   auto builder =
       std::make_unique<EventMessageBuilder>(std::move(id), std::move(sourceId), std::move(text),
                                             time, std::move(type), notification.getSpareParts());
-  convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
-  convertDateTimePayloadElement(DATA_T_firstOccurrenceTime, notification, *builder);
-  convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
-  copyOverRemainingPayloadElements(notification, *builder);
+  carryOverDatesAndRemaining(notification, *builder);
   return builder;
 }
 
 EventMessageBuilder::EventMessageBuilder(data_t&& id, data_t&& source, data_t&& text, double time,
                                          data_t&& type, SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), data_t(EVENT_TYPE_DATA_T), std::move(spares)) {
+    : TivraMessageBuilder(std::move(id), data_t(EVENT_TYPE_DATA_T), spares.lend()) {
   ensureValueDataTIsString("source", source);
   addField(DATA_T_source, std::move(source), spares);
   ensureValueDataTIsString("text", text);

@@ -66,7 +66,7 @@ std::unique_ptr<TivraMessageBuilder> convertManagedObject(PulsarMessageDisassemb
 
 ManagedObjectBuilder::ManagedObjectBuilder(data_t&& id, data_t&& name, data_t&& type,
                                            SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), data_t(MANAGEDOBJECT_TYPE_DATA_T), std::move(spares)) {
+    : TivraMessageBuilder(std::move(id), data_t(MANAGEDOBJECT_TYPE_DATA_T), spares.lend()) {
   ensureValueDataTIsString("source", name);
   addField(DATA_T_source, std::move(name), spares);
   ensureValueDataTIsString("type", type);

@@ -33,7 +33,7 @@ std::unique_ptr<TivraMessageBuilder> convertMeasurement(PulsarMessageDisassemble
 
 MeasurementMessageBuilder::MeasurementMessageBuilder(data_t&& id, data_t&& source, double time,
                                                      data_t&& type, SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), data_t(MEASUREMENT_TYPE_DATA_T), std::move(spares)) {
+    : TivraMessageBuilder(std::move(id), data_t(MEASUREMENT_TYPE_DATA_T), spares.lend()) {
   ensureValueDataTIsString("source", source);
   addField(DATA_T_source, std::move(source), spares);
   addField(DATA_T_time, data_t(time), spares);
@@ -52,7 +52,7 @@ bool MeasurementMessageBuilder::tryAddFragment(data_t& value, SpareParts&& spare
   map_t& fragment = value.get<map_t>();
   if (!isValidFragment(fragment)) return false;
   spares.keep(std::move(fragment).drain([&](map_entry_t&& series) {
-    series.value = createMeasurementValue(std::move(series.value.get<map_t>()), std::move(spares));
+    series.value = createMeasurementValue(std::move(series.value.get<map_t>()), spares.lend());
     measurements.insert(std::move(series));
   }));
   return true;

@@ -30,16 +30,13 @@ std::unique_ptr<TivraMessageBuilder> convertOperation(PulsarMessageDisassembler&
 
   auto builder = std::make_unique<OperationMessageBuilder>(
       std::move(deviceId), std::move(sourceId), statusValue, notification.getSpareParts());
-  convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
-  convertDateTimePayloadElement(DATA_T_firstOccurrenceTime, notification, *builder);
-  convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
-  copyOverRemainingPayloadElements(notification, *builder);
+  carryOverDatesAndRemaining(notification, *builder);
   return builder;
 }
 
 OperationMessageBuilder::OperationMessageBuilder(data_t&& id, data_t&& source,
                                                  OperationStatus status, SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), data_t(OPERATION_TYPE_DATA_T), std::move(spares)) {
+    : TivraMessageBuilder(std::move(id), data_t(OPERATION_TYPE_DATA_T), spares.lend()) {
   ensureValueDataTIsString("source", source);
   addField(DATA_T_source, std::move(source), spares);
   addField(DATA_T_status, spares.take(STATUS_TEXTS.toDataTString(status)), spares);
