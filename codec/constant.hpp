@@ -19,6 +19,7 @@ class constant_t : public hashed_key_t {
   [[nodiscard]] unsigned number() const noexcept { return number_; }
 
  private:
+  // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): changes only during loading
   static inline unsigned made_ = 0;
   unsigned number_;
 };

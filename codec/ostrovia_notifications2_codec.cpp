@@ -144,7 +144,7 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
 
   const data_t* const id = findStringId(message.getPayload().get<map_t>());
   // Made while the message is whole: when there is no memory at all, it stays so for its report.
-  data_t channelKey(DATA_T_vltDOTchannel);
+  data_t channelKey = DATA_T_vltDOTchannel.copy();
   IdForReport idForReport(id, message);
   Message notification(std::move(message));
   message = processPulsarMessage(std::move(notification), std::move(channelKey));

@@ -66,7 +66,7 @@ double extractTimeTimestampOrThrow(PulsarMessageDisassembler& notification) {
 }
 
 data_t extractSourceId(data_t& source, SpareParts&& spares) {
-  map_t& entries = getFromDataTReportingKey<map_t&>(source, "source");
+  auto& entries = getFromDataTReportingKey<map_t&>(source, "source");
   return valueOf(extractEntryOrThrow(entries, DATA_T_id, IN_SOURCE), DATA_T_id, spares.lend());
 }
 

@@ -21,6 +21,8 @@ namespace com::velanto::connectivity::plugins::pulsar {
 class SpareParts {
  public:
   SpareParts() noexcept = default;
+  SpareParts(const SpareParts&) = delete;
+  SpareParts& operator=(const SpareParts&) = delete;
   SpareParts(SpareParts&& other) noexcept { takeAll(other); }
   SpareParts& operator=(SpareParts&& other) noexcept {
     if (this != &other) {
@@ -46,7 +48,7 @@ class SpareParts {
 
   // The copy that was kept, or else a new one. Throws std::bad_alloc.
   [[nodiscard]] data_t take(const constant_t& constant) {
-    if (!isKept(constant)) return data_t(constant);
+    if (!isKept(constant)) return constant.copy();
     kept_ &= ~bitOf(constant);
     return std::move(slots_[constant.number()].copy);
   }

@@ -6,6 +6,7 @@ namespace com::velanto::connectivity {
 
 namespace {
 
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): one a thread, scoped
 constinit thread_local const std::exception* announced = nullptr;
 
 } // namespace

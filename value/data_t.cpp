@@ -47,7 +47,8 @@ void data_t::copy_text(const char* text) {
 }
 
 data_t::data_t(const data_t& other) : tag_(VLT_TAG_EMPTY) {
-  const bool has_block = (other.owns_block() || other.is_string()) && other.content_.string;
+  const bool has_block =
+      (other.owns_block() || other.is_string()) && other.content_.string != nullptr;
   if (!has_block) { // Nothing behind the pointer or no pointer at all: the bits are the value.
     std::memcpy(static_cast<void*>(this), static_cast<const void*>(&other), sizeof *this);
     if (is_string()) tag_ = VLT_TAG_STRING;

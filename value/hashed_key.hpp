@@ -18,10 +18,13 @@ class hashed_key_t : public data_t {
 
   [[nodiscard]] std::uint64_t hash() const noexcept { return hash_; }
 
-  // The entry of `value` under a copy of the key. Throws std::bad_alloc.
-  [[nodiscard]] map_entry_t with(data_t&& value) const {
-    return {hash_, data_t(*this), std::move(value)};
+  // A value of its own. Throws std::bad_alloc.
+  [[nodiscard]] data_t copy() const {
+    const data_t& key = *this;
+    return key;
   }
+  // The entry of `value` under such a copy.
+  [[nodiscard]] map_entry_t with(data_t&& value) const { return {hash_, copy(), std::move(value)}; }
 
  private:
   std::uint64_t hash_;

@@ -132,11 +132,6 @@ std::int64_t map_t::index_of(key_ref key) const noexcept {
 map_t::iterator map_t::find(key_ref key) noexcept { return {this, index_of(key)}; }
 map_t::const_iterator map_t::find(key_ref key) const noexcept { return {this, index_of(key)}; }
 
-data_t* map_t::find_value(key_ref key) noexcept {
-  map_slot_t* const found = find_slot(key);
-  return found == nullptr ? nullptr : &found->value;
-}
-
 const data_t* map_t::find_value(key_ref key) const noexcept {
   const map_slot_t* const found = find_slot(key);
   return found == nullptr ? nullptr : &found->value;

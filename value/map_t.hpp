@@ -94,7 +94,6 @@ class map_t {
   [[nodiscard]] iterator find(key_ref key) noexcept;
   [[nodiscard]] const_iterator find(key_ref key) const noexcept;
   // Its value, or null. Valid until the map is next modified.
-  [[nodiscard]] data_t* find_value(key_ref key) noexcept;
   [[nodiscard]] const data_t* find_value(key_ref key) const noexcept;
 
   // The value under `key`, inserted empty when absent; the key is consumed either way. The

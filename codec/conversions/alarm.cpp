@@ -49,7 +49,7 @@ std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& not
 AlarmMessageBuilder::AlarmMessageBuilder(data_t&& id, std::int64_t count, AlarmSeverity severity,
                                          data_t&& sourceId, AlarmStatus status, data_t&& text,
                                          double time, data_t&& type, SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), data_t(ALARM_TYPE_DATA_T), spares.lend()) {
+    : TivraMessageBuilder(std::move(id), ALARM_TYPE_DATA_T.copy(), spares.lend()) {
   addField(DATA_T_count, data_t(count), spares);
   addField(DATA_T_severity, spares.take(SEVERITY_TEXTS.toDataTString(severity)), spares);
   ensureValueDataTIsString("id", sourceId); // reported as "id", on purpose
@@ -72,9 +72,11 @@ AlarmStatus alarmStatusFromString(char const* text) {
 }
 
 data_t alarmSeverityToDataTString(AlarmSeverity severity) {
-  return SEVERITY_TEXTS.toDataTString(severity);
+  return SEVERITY_TEXTS.toDataTString(severity).copy();
 }
 
-data_t alarmStatusToDataTString(AlarmStatus status) { return STATUS_TEXTS.toDataTString(status); }
+data_t alarmStatusToDataTString(AlarmStatus status) {
+  return STATUS_TEXTS.toDataTString(status).copy();
+}
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -25,7 +25,7 @@ std::unique_ptr<TivraMessageBuilder> convertEvent(PulsarMessageDisassembler& not
 
 EventMessageBuilder::EventMessageBuilder(data_t&& id, data_t&& source, data_t&& text, double time,
                                          data_t&& type, SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), data_t(EVENT_TYPE_DATA_T), spares.lend()) {
+    : TivraMessageBuilder(std::move(id), EVENT_TYPE_DATA_T.copy(), spares.lend()) {
   ensureValueDataTIsString("source", source);
   addField(DATA_T_source, std::move(source), spares);
   ensureValueDataTIsString("text", text);

@@ -38,7 +38,7 @@ std::unique_ptr<TivraMessageBuilder> convertManagedObject(PulsarMessageDisassemb
   data_t id = extractFieldOrThrow(notification, DATA_T_id);
   data_t name = extractFieldOrThrow(notification, DATA_T_name);
   boost::optional<data_t> type = extractFieldIfPresent(notification, DATA_T_type);
-  if (!type) type = DATA_T_;
+  if (!type) type = DATA_T_.copy();
 
   auto builder = std::make_unique<ManagedObjectBuilder>(
       std::move(id), std::move(name), std::move(*type), notification.getSpareParts());
@@ -66,7 +66,7 @@ std::unique_ptr<TivraMessageBuilder> convertManagedObject(PulsarMessageDisassemb
 
 ManagedObjectBuilder::ManagedObjectBuilder(data_t&& id, data_t&& name, data_t&& type,
                                            SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), data_t(MANAGEDOBJECT_TYPE_DATA_T), spares.lend()) {
+    : TivraMessageBuilder(std::move(id), MANAGEDOBJECT_TYPE_DATA_T.copy(), spares.lend()) {
   ensureValueDataTIsString("source", name);
   addField(DATA_T_source, std::move(name), spares);
   ensureValueDataTIsString("type", type);
@@ -83,10 +83,10 @@ boost::optional<list_t> ManagedObjectBuilder::tryAddSupported(list_t&& values, k
 map_t ManagedObjectBuilder::tryAddPositionComponents(map_t&& position) {
   map_t components;
   map_t others;
-  for (auto [key, value] : position) {
-    (dataTConvertableToFloat(value) ? components : others).insert(std::move(key), std::move(value));
-  }
-  if (!components.empty()) fields[data_t(DATA_T_position)] = data_t(std::move(components));
+  std::move(position).drain([&](map_entry_t&& entry) {
+    (dataTConvertableToFloat(entry.value) ? components : others).insert(std::move(entry));
+  });
+  if (!components.empty()) fields.assign(DATA_T_position.with(std::move(components)));
   return others;
 }
 

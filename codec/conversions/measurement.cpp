@@ -33,7 +33,7 @@ std::unique_ptr<TivraMessageBuilder> convertMeasurement(PulsarMessageDisassemble
 
 MeasurementMessageBuilder::MeasurementMessageBuilder(data_t&& id, data_t&& source, double time,
                                                      data_t&& type, SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), data_t(MEASUREMENT_TYPE_DATA_T), spares.lend()) {
+    : TivraMessageBuilder(std::move(id), MEASUREMENT_TYPE_DATA_T.copy(), spares.lend()) {
   ensureValueDataTIsString("source", source);
   addField(DATA_T_source, std::move(source), spares);
   addField(DATA_T_time, data_t(time), spares);
@@ -49,7 +49,7 @@ boost::optional<std::pair<data_t, data_t>> MeasurementMessageBuilder::tryAddMeas
 
 bool MeasurementMessageBuilder::tryAddFragment(data_t& value, SpareParts&& spares) {
   if (value.type_tag() != VLT_TAG_MAP) return false;
-  map_t& fragment = value.get<map_t>();
+  auto& fragment = value.get<map_t>();
   if (!isValidFragment(fragment)) return false;
   spares.keep(std::move(fragment).drain([&](map_entry_t&& series) {
     series.value = createMeasurementValue(std::move(series.value.get<map_t>()), spares.lend());

@@ -36,7 +36,7 @@ std::unique_ptr<TivraMessageBuilder> convertOperation(PulsarMessageDisassembler&
 
 OperationMessageBuilder::OperationMessageBuilder(data_t&& id, data_t&& source,
                                                  OperationStatus status, SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), data_t(OPERATION_TYPE_DATA_T), spares.lend()) {
+    : TivraMessageBuilder(std::move(id), OPERATION_TYPE_DATA_T.copy(), spares.lend()) {
   ensureValueDataTIsString("source", source);
   addField(DATA_T_source, std::move(source), spares);
   addField(DATA_T_status, spares.take(STATUS_TEXTS.toDataTString(status)), spares);
