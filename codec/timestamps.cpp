@@ -4,6 +4,7 @@
 // takes.
 #include "codec/timestamps.hpp"
 
+#include <array>
 #include <chrono>
 #include <ctime>
 #include <exception>
@@ -135,8 +136,9 @@ boost::optional<double> readOffset(std::string_view zone) {
 // Seconds since the epoch, read as UTC.
 boost::optional<double> readDateTime(std::string_view text) {
   std::tm fields{};
-  const std::string date_time(text.substr(0, DATE_TIME_LENGTH));
-  if (strptime(date_time.c_str(), "%Y-%m-%dT%H:%M:%S", &fields) == nullptr) return boost::none;
+  std::array<char, DATE_TIME_LENGTH + 1> date_time{};
+  text.copy(date_time.data(), DATE_TIME_LENGTH);
+  if (strptime(date_time.data(), "%Y-%m-%dT%H:%M:%S", &fields) == nullptr) return boost::none;
   return static_cast<double>(timegm(&fields));
 }
 

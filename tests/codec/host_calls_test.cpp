@@ -1,0 +1,145 @@
+// What a message costs in calls of the host and in memory of the plug-in's own, so that neither grows
+// unnoticed. A count that falls is a reason to change the table; one that rises is a reason to ask why.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <ostream>
+
+#include "tests/codec/codec_fixture.hpp"
+#include "tests/plugin/allocations.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+namespace {
+
+using namespace connectivity::test;
+
+// The calls that converting one example comes to; every other function of the host is not called.
+struct calls_t {
+  const char* kind;
+  std::int64_t allocate_map;
+  std::int64_t reallocate_map;
+  std::int64_t free_map;
+  std::int64_t copy_string;
+  std::int64_t free_string;
+  bool operator==(const calls_t&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const calls_t& calls) {
+  return out << calls.kind << ": " << calls.allocate_map << " allocate_map, "
+             << calls.reallocate_map << " reallocate_map, " << calls.free_map << " free_map, "
+             << calls.copy_string << " copy_string, " << calls.free_string << " free_string";
+}
+
+// Every event copies the keys and values of its type, its channel and its tenant, and the key
+// "measurements": 7 copy_string; it frees the payload's table: 1 free_map; and key and text of the path:
+// 2 free_string. Its metadata lie in the table of the notification's, its fields in that of the
+// source's, if there is a source. Besides:
+//
+//   alarms           14 fields: grown twice. Frees four texts of times, the key of the source's id, and
+//                    key and text of the source's name.
+//   events           8 fields: grown once. Copies the key firstOccurrenceTime, frees key and text of
+//                    the time, and 3 strings of the source's.
+//   measurements     10 fields: grown once. New tables for the series and for one value, whose "params"
+//                    is copied; the fragment's table and key are freed, and 3 + 3 strings as above.
+//   managedobjects   17 fields: grown twice. New tables for the fields, the position and the component
+//                    that is no number, and the last one freed with the position's. Ten names are
+//                    copied, ten keys, the name's key, the type's entry and a time freed.
+//   operations       7 fields. Frees the device's id under its two keys, a time, and 2 strings of the
+//                    source's.
+constexpr std::array EXPECTED = {
+    // kind, allocate_map, reallocate_map, free_map, copy_string, free_string
+    calls_t{"alarms", 0, 2, 1, 7, 9},       calls_t{"events", 0, 1, 1, 8, 7},
+    calls_t{"measurements", 2, 1, 2, 8, 9}, calls_t{"managedobjects", 3, 2, 3, 17, 15},
+    calls_t{"operations", 0, 0, 1, 7, 8},
+};
+
+class HostCalls : public CodecFixture, public ::testing::WithParamInterface<std::size_t> {
+ protected:
+  // A codec that writes a tenant and has a link.
+  static std::unique_ptr<OstroviaNotifications2Codec> linkedCodec(
+      std::vector<std::ptrdiff_t>& sizes) {
+    auto codec = codec_with(map_of("tenantId", text("t1")));
+    codec->setNextTowardsHost(std::make_unique<CountingLink>(sizes));
+    return codec;
+  }
+};
+
+TEST_P(HostCalls, OfAConvertedMessageAreThoseOfTheTable) {
+  std::vector<std::ptrdiff_t> sizes;
+  const auto codec = linkedCodec(sizes);
+  Message message = example(GetParam());
+  standin_reset_calls();
+  codec->sendBatchTowardsHost(&message, &message + 1);
+  const calls_t calls{EXAMPLES[GetParam()].kind,
+                      standin_calls(STANDIN_ALLOCATE_MAP),
+                      standin_calls(STANDIN_REALLOCATE_MAP),
+                      standin_calls(STANDIN_FREE_MAP),
+                      standin_calls(STANDIN_COPY_STRING),
+                      standin_calls(STANDIN_FREE_STRING)};
+  const std::int64_t all = standin_calls_total();
+  ASSERT_EQ(sizes, std::vector<std::ptrdiff_t>{1});
+  EXPECT_EQ(calls, EXPECTED[GetParam()]);
+  EXPECT_EQ(all, calls.allocate_map + calls.reallocate_map + calls.free_map + calls.copy_string +
+                     calls.free_string)
+      << "nothing is hashed, rendered, logged or deeply copied";
+}
+
+TEST_P(HostCalls, OwnMemoryIsTheBuilderAlone) {
+  std::vector<std::ptrdiff_t> sizes;
+  sizes.reserve(2);
+  const auto codec = linkedCodec(sizes);
+  Message messages[] = {example(GetParam()), example(GetParam())};
+  const std::int64_t before = allocationsMade();
+  codec->sendBatchTowardsHost(std::begin(messages), std::end(messages));
+  EXPECT_EQ(allocationsMade() - before, 2);
+  EXPECT_EQ(sizes, std::vector<std::ptrdiff_t>{2});
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, HostCalls, ::testing::Range(std::size_t{0}, std::size(EXAMPLES)),
+                         [](const auto& kind) { return std::string(EXAMPLES[kind.param].kind); });
+
+using HostCallsOfOthers = CodecFixture;
+
+TEST_F(HostCallsOfOthers, PassingMessageCostsNothing) {
+  const auto codec = CodecFixture::codec();
+  Message messages[] = {Message(map_of("id", text("1")), map_of("other", text("a/b/alarms/1"))),
+                        Message(data_t(), map_of("pulsarPath", text("a/b/alarms/1")))};
+  const std::int64_t before = allocationsMade();
+  standin_reset_calls();
+  codec->sendBatchTowardsHost(std::begin(messages), std::end(messages));
+  codec->sendBatchTowardsTransport(std::begin(messages), std::end(messages));
+  EXPECT_EQ(standin_calls_total(), 0);
+  EXPECT_EQ(allocationsMade() - before, 0);
+}
+
+TEST_F(HostCallsOfOthers, NothingIsRenderedBelowTheLevelOfTheTrace) {
+  standin_set_log_level(CATEGORY, 5);
+  const auto codec = CodecFixture::codec();
+  Message message = alarm();
+  standin_reset_calls();
+  codec->sendBatchTowardsHost(&message, &message + 1);
+  EXPECT_EQ(standin_calls(STANDIN_DATA_TO_STRING), 0);
+  EXPECT_EQ(standin_calls(STANDIN_LOG_AT), 0);
+}
+
+TEST_F(HostCallsOfOthers, NothingIsFormattedForADroppedMessageBelowTheLevelOfReports) {
+  // What the exception itself takes is the same at both levels.
+  std::int64_t made[2];
+  std::int64_t lines[2];
+  for (const vlt_log_level_t level : {2, 3}) {
+    standin_set_log_level(CATEGORY, level);
+    const auto codec = CodecFixture::codec();
+    Message message = notification("a/b/inventory/1", map_of("id", text("1")));
+    const std::int64_t before = allocationsMade();
+    standin_reset_calls();
+    codec->sendBatchTowardsHost(&message, &message + 1);
+    made[level - 2] = allocationsMade() - before;
+    lines[level - 2] = standin_calls(STANDIN_LOG_AT);
+  }
+  EXPECT_EQ(lines[0], 0);
+  EXPECT_EQ(lines[1], 1);
+  EXPECT_LT(made[0], made[1]);
+}
+
+} // namespace
+} // namespace com::velanto::connectivity::plugins::pulsar
