@@ -10,8 +10,8 @@ namespace com::velanto::connectivity::bench {
 
 namespace {
 
-// The processor's time that this thread has used, in nanoseconds: what else runs on the machine does
-// not count, only what it does to the caches.
+// The processor's time that this thread has used, in nanoseconds: what else runs on the machine
+// does not count, only what it does to the caches.
 double usedTime() noexcept {
   std::timespec used{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &used);
@@ -19,8 +19,8 @@ double usedTime() noexcept {
 }
 
 // The C library puts off part of the work of freeing small blocks until somebody wants a large one.
-// Wanting one at the end of each run makes every contender pay for its own frees; otherwise the next
-// fill, which is not timed, would do the work of some of them and not of others.
+// Wanting one at the end of each run makes every contender pay for its own frees; otherwise the
+// next fill, which is not timed, would do the work of some of them and not of others.
 void settleHeap() {
   constexpr std::size_t LARGE = std::size_t{64} * 1024;
   void* block = std::malloc(LARGE);
@@ -33,7 +33,8 @@ void settleHeap() {
 lane_t laneOf(std::string name, std::shared_ptr<Contender> contender, double per) {
   return {std::move(name), [contender = std::move(contender), per](std::size_t round) {
             const order_t order = orderOfRound(contender->size(), round);
-            // Once for nothing: the heap is then as this contender leaves it, and not the one before.
+            // Once for nothing: the heap is then as this contender leaves it, and not the one
+            // before.
             contender->fill(order);
             contender->run();
             contender->fill(order);

@@ -1,6 +1,6 @@
 # The plug-in is optimised as a whole when it is linked, which lets the small functions of the value
-# layer vanish into the conversions: 6 % of the time of a message. Release builds with g++ only; clang
-# would need a linker plug-in that Debian packages apart.
+# layer vanish into the conversions: a few percent of the time of a message. Release builds with
+# g++ only: clang would need a linker plug-in that Debian packages apart.
 #
 # The objects are ordinary ones as well: what else links them (tests, tools) is linked as usual.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "Release")

@@ -1,5 +1,5 @@
-// One word of the codec's vocabulary: a key with its hash, and a number of its own by which copies of
-// it are told apart (codec/spare_parts.hpp).
+// One word of the codec's vocabulary: a key with its hash, and a number of its own by which copies
+// of it are told apart (codec/spare_parts.hpp).
 #ifndef VLT_CODEC_CONSTANT_HPP
 #define VLT_CODEC_CONSTANT_HPP
 

@@ -37,8 +37,8 @@ const data_t* findStringId(const map_t& payload) {
 }
 
 // Puts the notification's "id" aside for the report: a message whose conversion fails is left with
-// that and nothing else. The text is kept here, where it costs no call of the host, and becomes a map
-// again only when it is needed.
+// that and nothing else. The text is kept here, where it costs no call of the host, and becomes a
+// map again only when it is needed.
 class IdForReport {
  public:
   // Throws std::bad_alloc for a long text.

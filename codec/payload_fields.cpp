@@ -11,8 +11,8 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 namespace {
 
-// Errors are made by functions of their own: an expression that throws what it builds has temporaries
-// to clean up, which makes the frame one more for the unwinding to stop at.
+// Errors are made by functions of their own: an expression that throws what it builds has
+// temporaries to clean up, which makes the frame one more for the unwinding to stop at.
 std::runtime_error missing(data_t const& key, char const* where) {
   return std::runtime_error("Required key '" + std::string(text_or_empty(key.get<char const*>())) +
                             "' missing from " + where);

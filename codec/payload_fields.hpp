@@ -39,8 +39,8 @@ inline constexpr const char* IN_SOURCE = "source";
 // Takes the id of the source out of the map that `source` must be; its key goes to `spares`.
 [[nodiscard]] data_t extractSourceId(data_t& source, SpareParts&& spares = SpareParts());
 
-// The same for a source of which nothing else is of interest: the rest is freed, key and table become
-// spare parts.
+// The same for a source of which nothing else is of interest: the rest is freed, key and table
+// become spare parts.
 [[nodiscard]] data_t reduceToId(data_t&& source, PulsarMessageDisassembler& notification);
 
 // Moves the entry under `from`, if there is one, into the event's field `to`, over any there.

@@ -1,10 +1,11 @@
-// What a notification brings along and its event can use, instead of it being freed and the same being
-// made again:
+// What a notification brings along and its event can use, instead of it being freed and the same
+// being made again:
 //
-//   copies of constants   a field that is taken out of the payload leaves its key behind, and the event
-//                         mostly has a field of that name; a text may be one of an enumeration's
-//   tables                of the maps that are emptied on the way, those that have the capacity that new
-//                         tables have
+//   copies of constants   a field that is taken out of the payload leaves its key behind, and the
+//                         event mostly has a field of that name; a text may be one of an
+//                         enumeration's
+//   tables                of the maps that are emptied on the way, those that have the capacity
+//                         that new tables have
 #ifndef VLT_CODEC_SPARE_PARTS_HPP
 #define VLT_CODEC_SPARE_PARTS_HPP
 

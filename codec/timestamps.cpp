@@ -1,7 +1,7 @@
 // Two readers: the usual forms, with every character where it belongs, are read off their fixed
-// positions; any other text goes through the literal steps, which decide what becomes of the odd ones.
-// The first gives what the second would, in a fraction of the time and without the lock that timegm
-// takes.
+// positions; any other text goes through the literal steps, which decide what becomes of the odd
+// ones. The first gives what the second would, in a fraction of the time and without the lock that
+// timegm takes.
 #include "codec/timestamps.hpp"
 
 #include <array>
@@ -24,7 +24,8 @@ constexpr std::size_t ZONE_LENGTH = 6;
 constexpr double SECONDS_PER_HOUR = 3600.0;
 constexpr double SECONDS_PER_MINUTE = 60.0;
 
-// ---- the usual forms: YYYY-MM-DDThh:mm:ss, then .mmm or nothing, then Z (the last character) or ±hh:mm
+// ---- the usual forms: YYYY-MM-DDThh:mm:ss, then .mmm or nothing, then Z (the last character) or
+// ±hh:mm
 
 // Reads numbers of fixed width. A character that is no digit makes the reading invalid.
 class Digits {

@@ -1,5 +1,5 @@
-// Tells a hook that runs inside a catch clause what was caught. A hook could throw the exception again to
-// find out, at the price of another unwinding: a third of the time of a dropped message.
+// Tells a hook that runs inside a catch clause what was caught. A hook could throw the exception
+// again to find out, at the price of another unwinding: a sixth of a dropped message's instructions.
 #ifndef VLT_PLUGIN_EXCEPTION_IN_FLIGHT_HPP
 #define VLT_PLUGIN_EXCEPTION_IN_FLIGHT_HPP
 
@@ -15,8 +15,8 @@ class ExceptionInFlight {
   ExceptionInFlight& operator=(const ExceptionInFlight&) = delete;
   ~ExceptionInFlight();
 
-  // To be called inside a catch clause, announced or not: the text of the exception, or null when it is
-  // no std::exception. Valid as long as that clause runs.
+  // To be called inside a catch clause, announced or not: the text of the exception, or null when
+  // it is no std::exception. Valid as long as that clause runs.
   [[nodiscard]] static const char* what() noexcept;
 
  private:

@@ -57,8 +57,8 @@ class data_t {
   }
   // Copies the text. Throws std::runtime_error for null, std::bad_alloc.
   explicit data_t(const char* text);
-  // Take over the container's block; the source is left holding null. Implicit, since a container is a
-  // value already, only without its tag.
+  // Take over the container's block; the source is left holding null. Implicit, since a container
+  // is a value already, only without its tag.
   data_t(list_t&& content) noexcept : tag_(VLT_TAG_LIST) {
     new (&content_.list) list_t(std::move(content));
   }
@@ -167,8 +167,8 @@ class data_t {
   [[nodiscard]] bool owns_block() const noexcept {
     return tag_ >= VLT_TAG_STRING && tag_ <= VLT_TAG_CUSTOM;
   }
-  // Moves content and tag of `other` here, over whatever stands here, and leaves `other` empty. In two
-  // pieces, as they were written: one load of 16 bytes would have to wait for both writes.
+  // Moves content and tag of `other` here, over whatever stands here, and leaves `other` empty. In
+  // two pieces, as they were written: one load of 16 bytes would have to wait for both writes.
   void take(data_t& other) noexcept {
     std::memcpy(static_cast<void*>(&content_), static_cast<const void*>(&other.content_),
                 sizeof content_);

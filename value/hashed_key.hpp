@@ -1,5 +1,5 @@
-// A key known beforehand, hashed once when it is made, so that neither a lookup under it nor an entry
-// made of it costs any hashing.
+// A key known beforehand, hashed once when it is made, so that neither a lookup under it nor an
+// entry made of it costs any hashing.
 #ifndef VLT_VALUE_HASHED_KEY_HPP
 #define VLT_VALUE_HASHED_KEY_HPP
 

@@ -36,8 +36,8 @@ void requireKey(const data_t& key) {
   if (key.empty()) throw std::runtime_error("Cannot have a null key");
 }
 
-// Refuses the keys of entries that an insertion would refuse if it had to hash them: those that are, or
-// hold, a custom value.
+// Refuses the keys of entries that an insertion would refuse if it had to hash them: those that
+// are, or hold, a custom value.
 void requireKeyOf(const map_entry_t& entry) {
   requireKey(entry.key);
   switch (entry.key.type_tag()) {
@@ -195,9 +195,9 @@ std::pair<map_t::iterator, bool> map_t::maybe_insert(pair&& entry) {
   return {iterator(this, slot), true};
 }
 
-// Moves an absent key and its value into the slot that the lookup found, or, after growing, into the
-// first vacant one on its way. No second lookup: the key may have become equal to another one by being
-// copied, when a borrowed string was copied into an owned one. Returns the slot.
+// Moves an absent key and its value into the slot that the lookup found, or, after growing, into
+// the first vacant one on its way. No second lookup: the key may have become equal to another one
+// by being copied, when a borrowed string was copied into an owned one. Returns the slot.
 std::int64_t map_t::place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value) {
   if (must_grow() || vacant == NONE) {
     grow();
@@ -245,8 +245,8 @@ map_entry_t map_t::extract(key_ref key) noexcept {
   return found == nullptr ? map_entry_t() : extract(*found);
 }
 
-// Takes the entry out of its slot and leaves a tombstone. Whoever destroys the entry does so after the
-// table is consistent again.
+// Takes the entry out of its slot and leaves a tombstone. Whoever destroys the entry does so after
+// the table is consistent again.
 map_entry_t map_t::extract(map_slot_t& slot) noexcept {
   map_entry_t entry{slot.hash, std::move(slot.key), std::move(slot.value)};
   slot.hash = map_slot_t::DELETED;

@@ -43,8 +43,9 @@ class hashed_key_t;
 struct map_entry_t;
 struct map_slot_t;
 
-// A key with its hash, for the length of a call. A constant (value/hashed_key.hpp), an entry and a slot
-// know their hash; any other value is hashed, and a custom one refused with std::runtime_error.
+// A key with its hash, for the length of a call. A constant (value/hashed_key.hpp), an entry and a
+// slot know their hash; any other value is hashed, and a custom one refused with
+// std::runtime_error.
 struct key_ref {
   key_ref(const data_t& any);
   key_ref(const hashed_key_t& constant) noexcept;
@@ -124,13 +125,13 @@ class map_t {
 
   // Removes the entry under `key` and returns it; no entry when there is none.
   [[nodiscard]] map_entry_t extract(key_ref key) noexcept;
-  // The same in two steps. The slot, or null, is valid until the map is next modified; it must be one
-  // of an entry of this map.
+  // The same in two steps. The slot, or null, is valid until the map is next modified; it must be
+  // one of an entry of this map.
   [[nodiscard]] map_slot_t* find_slot(key_ref key) const noexcept;
   [[nodiscard]] map_entry_t extract(map_slot_t& slot) noexcept;
 
-  // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the emptied
-  // map. What `use` throws ends it, and frees the rest. Defined in value/map_slot.hpp.
+  // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the
+  // emptied map. What `use` throws ends it, and frees the rest. Defined in value/map_slot.hpp.
   template <class Use>
   map_t drain(const Use& use) &&;
 

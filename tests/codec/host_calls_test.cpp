@@ -1,5 +1,6 @@
-// What a message costs in calls of the host and in memory of the plug-in's own, so that neither grows
-// unnoticed. A count that falls is a reason to change the table; one that rises is a reason to ask why.
+// What a message costs in calls of the host and in memory of the plug-in's own, so that neither
+// grows unnoticed. A count that falls is a reason to change the table; one that rises is a reason
+// to ask why.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -30,22 +31,23 @@ std::ostream& operator<<(std::ostream& out, const calls_t& calls) {
              << calls.copy_string << " copy_string, " << calls.free_string << " free_string";
 }
 
-// Every event copies the keys and values of its type, its channel and its tenant, and the key
-// "measurements": 7 copy_string; it frees the payload's table: 1 free_map; and key and text of the path:
-// 2 free_string. Its metadata lie in the table of the notification's, its fields in that of the
-// source's, if there is a source. Besides:
+// Every event copies keys and values of its type, its channel and its tenant, and the key
+// "measurements": 7 copy_string. It frees the payload's table: 1 free_map, and key and text of the
+// path: 2 free_string. Its metadata lie in the table of the notification's, its fields in that of
+// the source, if there is one. Besides:
 //
-//   alarms           14 fields: grown twice. Frees four texts of times, the key of the source's id, and
-//                    key and text of the source's name.
-//   events           8 fields: grown once. Copies the key firstOccurrenceTime, frees key and text of
-//                    the time, and 3 strings of the source's.
-//   measurements     10 fields: grown once. New tables for the series and for one value, whose "params"
-//                    is copied; the fragment's table and key are freed, and 3 + 3 strings as above.
-//   managedobjects   17 fields: grown twice. New tables for the fields, the position and the component
-//                    that is no number, and the last one freed with the position's. Ten names are
-//                    copied, ten keys, the name's key, the type's entry and a time freed.
-//   operations       7 fields. Frees the device's id under its two keys, a time, and 2 strings of the
-//                    source's.
+//   alarms           14 fields: grown twice. Frees four texts of times and three strings of the
+//                    source: the key of its id, and its name's key and text.
+//   events           8 fields: grown once. Copies the key firstOccurrenceTime; frees key and text
+//                    of the time, and the source's three.
+//   measurements     10 fields: grown once. New tables for the series and for a value, whose key
+//                    "params" is copied. Frees the fragment's table and key, three texts of times,
+//                    and the source's three.
+//   managedobjects   17 fields: grown twice. New tables for the fields, the position and the
+//                    component that is no number; frees that and the position's own. Copies ten
+//                    names; frees ten, key and text of the type, and the text of a time.
+//   operations       7 fields. Frees key and text of the device's id, the key of the id that
+//                    replaces it, the text of a time, and key and text of the source's name.
 constexpr std::array EXPECTED = {
     // kind, allocate_map, reallocate_map, free_map, copy_string, free_string
     calls_t{"alarms", 0, 2, 1, 7, 9},       calls_t{"events", 0, 1, 1, 8, 7},
