@@ -218,7 +218,7 @@ void map_t::put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& va
 
 // Whether capacity × 0.75 < live + deleted, in whole numbers.
 bool map_t::must_grow() const noexcept {
-  if (table_ == nullptr) return true;
+  if (capacity() == 0) return true;
   return 3 * table_->capacity < 4 * (table_->live + table_->deleted);
 }
 

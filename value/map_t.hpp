@@ -135,7 +135,8 @@ class map_t {
   template <class Use>
   map_t drain(const Use& use) &&;
 
-  // Frees all entries; a table is then as the host makes it, without tombstones.
+  // Frees all entries; a table is then as the host makes it, without tombstones. The host's own word
+  // in its head stays what it is.
   void clear() noexcept;
 
   [[nodiscard]] iterator begin();
