@@ -24,8 +24,7 @@ constexpr std::size_t ZONE_LENGTH = 6;
 constexpr double SECONDS_PER_HOUR = 3600.0;
 constexpr double SECONDS_PER_MINUTE = 60.0;
 
-// ---- the usual forms: YYYY-MM-DDThh:mm:ss, then .mmm or nothing, then Z (the last character) or
-// ±hh:mm
+// ---- the usual forms: YYYY-MM-DDThh:mm:ss, with or without .mmm, then Z at the end or ±hh:mm
 
 // Reads numbers of fixed width. A character that is no digit makes the reading invalid.
 class Digits {
