@@ -11,6 +11,7 @@
 #include "standin/standin.h"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"
+#include "value/hashes.hpp"
 #include "value/map_slot.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -59,6 +60,15 @@ inline void put(const map_t& map, std::int64_t index, std::uint64_t hash, data_t
 inline void put_tombstone(const map_t& map, std::int64_t index) {
   slot_at(map, index).hash = map_slot_t::DELETED;
   ++head_of(map).deleted;
+}
+
+// An entry as a table would store it.
+inline map_entry_t entry_of(data_t&& key, data_t&& value) {
+  const std::uint64_t hash = hashes::key_hash(key);
+  return {hash, std::move(key), std::move(value)};
+}
+inline map_entry_t entry_of(const char* key, data_t&& value) {
+  return entry_of(text(key), std::move(value));
 }
 
 // Text keys hash to the number that they start with, so that a test says where an entry lies: in a
