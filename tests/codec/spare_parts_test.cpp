@@ -1,0 +1,299 @@
+// What was kept comes back once, as the same block; what is not kept is freed.
+#include "codec/spare_parts.hpp"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <set>
+#include <utility>
+
+#include "codec/constants.hpp"
+#include "tests/codec/notifications.hpp"
+#include "tests/support/failing_allocations.hpp"
+#include "tests/value/tables.hpp"
+
+namespace com::velanto::connectivity::test {
+namespace {
+
+using namespace plugins::pulsar;
+
+using SparePartsTest = HostFixture;
+
+// Keeps a copy of the constant; returns its block.
+std::uint64_t keepCopy(SpareParts& spares, const constant_t& constant) {
+  data_t copy = constant.copy();
+  const std::uint64_t block = block_of(copy);
+  spares.keep(constant, std::move(copy));
+  return block;
+}
+
+// Keeps a table of 8 slots; returns its block.
+std::uint64_t keepTable(SpareParts& spares) {
+  map_t map = map_of("a", text("1"));
+  const std::uint64_t block = block_of(map);
+  spares.keep(std::move(map));
+  return block;
+}
+
+// ---- copies
+
+TEST_F(SparePartsTest, KeptCopyComesBackInItsBlock) {
+  SpareParts spares;
+  data_t copy = text("id");
+  const std::uint64_t block = block_of(copy);
+  standin_reset_calls();
+  spares.keep(DATA_T_id, std::move(copy));
+  EXPECT_TRUE(copy.empty());
+  const data_t taken = spares.take(DATA_T_id);
+  EXPECT_EQ(standin_calls_total(), 0);
+  EXPECT_EQ(block_of(taken), block);
+  EXPECT_TRUE(same(taken, text("id")));
+}
+
+TEST_F(SparePartsTest, WithoutACopyANewOneIsMade) {
+  SpareParts spares;
+  const std::int64_t before = standin_live_blocks_total();
+  const data_t taken = spares.take(DATA_T_id);
+  EXPECT_TRUE(same(taken, text("id")));
+  EXPECT_NE(block_of(taken), block_of(DATA_T_id));
+  EXPECT_EQ(standin_live_blocks_total(), before + 1);
+}
+
+TEST_F(SparePartsTest, CopyIsTakenOnceOnly) {
+  SpareParts spares;
+  const std::uint64_t block = keepCopy(spares, DATA_T_id);
+  const data_t first = spares.take(DATA_T_id);
+  const data_t second = spares.take(DATA_T_id);
+  EXPECT_EQ(block_of(first), block);
+  EXPECT_NE(block_of(second), block);
+  EXPECT_TRUE(same(second, text("id")));
+}
+
+TEST_F(SparePartsTest, CopyCanBeKeptAgainAfterItWasTaken) {
+  SpareParts spares;
+  keepCopy(spares, DATA_T_id);
+  data_t taken = spares.take(DATA_T_id);
+  const std::uint64_t block = block_of(taken);
+  spares.keep(DATA_T_id, std::move(taken));
+  EXPECT_EQ(block_of(spares.take(DATA_T_id)), block);
+}
+
+TEST_F(SparePartsTest, SecondCopyIsFreed) {
+  SpareParts spares;
+  const std::uint64_t block = keepCopy(spares, DATA_T_id);
+  data_t second = text("id");
+  const std::int64_t before = standin_live_blocks_total();
+  spares.keep(DATA_T_id, std::move(second));
+  EXPECT_TRUE(second.empty());
+  EXPECT_EQ(standin_live_blocks_total(), before - 1);
+  EXPECT_EQ(block_of(spares.take(DATA_T_id)), block);
+}
+
+TEST_F(SparePartsTest, BorrowedStringIsNotKept) {
+  SpareParts spares;
+  data_t copy = borrowed("id");
+  spares.keep(DATA_T_id, std::move(copy));
+  EXPECT_TRUE(copy.empty());
+  EXPECT_EQ(spares.take(DATA_T_id).type_tag(), std::uint32_t{VLT_TAG_STRING});
+}
+
+TEST_F(SparePartsTest, EveryConstantHasAPlaceOfItsOwn) {
+  SpareParts spares;
+  const std::array<const constant_t*, 6> constants = {&DATA_T_,         &DATA_T_ACTIVE,
+                                                      &DATA_T_severity, &DATA_T_time,
+                                                      &DATA_T_WARNING,  &OPERATION_TYPE_DATA_T};
+  ASSERT_GE(OPERATION_TYPE_DATA_T.number(), 32u) << "no number beyond half a word";
+  ASSERT_LT(OPERATION_TYPE_DATA_T.number(), constant_t::MOST);
+  std::array<std::uint64_t, 6> blocks{};
+  for (std::size_t i = 0; i < 6; ++i) blocks.at(i) = keepCopy(spares, *constants.at(i));
+  for (std::size_t i = 0; i < 6; ++i) {
+    const data_t taken = spares.take(*constants.at(i));
+    EXPECT_EQ(block_of(taken), blocks.at(i)) << i;
+    EXPECT_TRUE(same(taken, *constants.at(i)));
+  }
+}
+
+TEST_F(SparePartsTest, CopiesLeftOverAreFreed) {
+  const std::int64_t before = standin_live_blocks_total();
+  {
+    SpareParts spares;
+    keepCopy(spares, DATA_T_);
+    keepCopy(spares, DATA_T_id);
+    keepCopy(spares, OPERATION_TYPE_DATA_T);
+    static_cast<void>(spares.take(DATA_T_id));
+    EXPECT_EQ(standin_live_blocks_total(), before + 2);
+  }
+  EXPECT_EQ(standin_live_blocks_total(), before);
+}
+
+TEST_F(SparePartsTest, EntryUsesTheKeptCopyAndTheHashOfTheConstant) {
+  SpareParts spares;
+  const std::uint64_t key_block = keepCopy(spares, DATA_T_id);
+  data_t value = list_of(text("v"));
+  const std::uint64_t value_block = block_of(value);
+  standin_reset_calls();
+  const map_entry_t entry = spares.entry(DATA_T_id, std::move(value));
+  EXPECT_EQ(standin_calls_total(), 0);
+  EXPECT_EQ(entry.hash, hashes::key_hash(text("id")));
+  EXPECT_EQ(block_of(entry.key), key_block);
+  EXPECT_EQ(block_of(entry.value), value_block);
+  EXPECT_TRUE(value.empty());
+}
+
+TEST_F(SparePartsTest, EntryWithoutMemoryForItsKeyLeavesTheValue) {
+  SpareParts spares;
+  data_t value = list_of(text("v"));
+  map_entry_t entry;
+  const auto verify = [&] {
+    EXPECT_TRUE(same(standin_failed_allocations() > 0 ? value : entry.value, list_of(text("v"))));
+  };
+  const auto attempt = [&] { entry = spares.entry(DATA_T_id, std::move(value)); };
+  EXPECT_EQ(fail_each_allocation(attempt, verify), 1u);
+  EXPECT_TRUE(same(entry.key, text("id")));
+}
+
+// ---- tables
+
+TEST_F(SparePartsTest, KeptTableComesBackEmptied) {
+  SpareParts spares;
+  map_t map = map_of("a", text("1"), "b", list_of(text("2")), "c", text("3"));
+  remove(map, "a");
+  const std::uint64_t block = block_of(map);
+  const std::int64_t before = standin_live_blocks_total();
+  spares.keep(std::move(map));
+  EXPECT_EQ(map.table(), nullptr);
+  EXPECT_EQ(standin_live_blocks_total(), before - 5) << "two keys, a list with a text, a text";
+  const map_t taken = spares.takeMap();
+  ASSERT_EQ(block_of(taken), block);
+  EXPECT_EQ(counts_of(taken), (counts_t{0, 8, 0}));
+  for (std::int64_t i = 0; i < 8; ++i) EXPECT_TRUE(slot_at(taken, i).is_free()) << i;
+}
+
+TEST_F(SparePartsTest, WithoutATableTheMapHasNone) {
+  SpareParts spares;
+  standin_reset_calls();
+  EXPECT_EQ(spares.takeMap().table(), nullptr);
+  spares.keep(map_t());
+  EXPECT_EQ(spares.takeMap().table(), nullptr);
+  EXPECT_EQ(standin_calls_total(), 0);
+}
+
+TEST_F(SparePartsTest, TablesOfOtherCapacitiesAreFreed) {
+  for (const std::int64_t capacity : {0, 7, 9, 16}) {
+    SCOPED_TRACE(capacity);
+    SpareParts spares;
+    const std::int64_t before = standin_live_blocks_total();
+    map_t map = table_of(capacity);
+    if (capacity > 0) put(map, 0, 5, text("a"), text("1"));
+    spares.keep(std::move(map));
+    EXPECT_EQ(map.table(), nullptr);
+    EXPECT_EQ(standin_live_blocks_total(), before);
+    EXPECT_EQ(spares.takeMap().table(), nullptr);
+  }
+}
+
+TEST_F(SparePartsTest, FifthTableIsFreed) {
+  SpareParts spares;
+  const std::int64_t before = standin_live_blocks_total();
+  std::set<std::uint64_t> kept;
+  for (int i = 0; i < 4; ++i) kept.insert(keepTable(spares));
+  EXPECT_EQ(standin_live_blocks_total(), before + 4);
+  keepTable(spares);
+  EXPECT_EQ(standin_live_blocks_total(), before + 4);
+  std::array<map_t, 4> taken;
+  std::set<std::uint64_t> blocks;
+  for (map_t& map : taken) {
+    map = spares.takeMap();
+    blocks.insert(block_of(map));
+  }
+  EXPECT_EQ(blocks, kept);
+  EXPECT_EQ(spares.takeMap().table(), nullptr);
+}
+
+TEST_F(SparePartsTest, TableOfAnEmptiedMapIsKept) {
+  SpareParts spares;
+  map_t map = map_of("a", text("1"), "b", text("2"));
+  remove(map, "a");
+  const std::uint64_t block = block_of(map);
+  spares.keep(std::move(map).drain([](map_entry_t&&) {}));
+  const map_t taken = spares.takeMap();
+  ASSERT_EQ(block_of(taken), block);
+  EXPECT_EQ(counts_of(taken), (counts_t{0, 8, 0}));
+}
+
+// ---- whole collections
+
+TEST_F(SparePartsTest, MovingTakesAllPartsAlong) {
+  SpareParts source;
+  const std::uint64_t first = keepCopy(source, DATA_T_);
+  const std::uint64_t last = keepCopy(source, OPERATION_TYPE_DATA_T);
+  const std::uint64_t table = keepTable(source);
+  standin_reset_calls();
+  SpareParts target(std::move(source));
+  const data_t first_taken = target.take(DATA_T_);
+  const data_t last_taken = target.take(OPERATION_TYPE_DATA_T);
+  const map_t map = target.takeMap();
+  EXPECT_EQ(source.takeMap().table(), nullptr);
+  EXPECT_EQ(standin_calls_total(), 0);
+  EXPECT_EQ(block_of(first_taken), first);
+  EXPECT_EQ(block_of(last_taken), last);
+  EXPECT_EQ(block_of(map), table);
+}
+
+TEST_F(SparePartsTest, WhatWasMovedFromIsEmptyAndCanBeUsedOn) {
+  SpareParts source;
+  const std::uint64_t moved = keepCopy(source, DATA_T_id);
+  for (int i = 0; i < 4; ++i) keepTable(source);
+  const SpareParts target(std::move(source));
+  EXPECT_NE(block_of(source.take(DATA_T_id)), moved);
+  const std::uint64_t copy = keepCopy(source, DATA_T_id);
+  const std::uint64_t table = keepTable(source);
+  standin_reset_calls();
+  const data_t copy_taken = source.take(DATA_T_id);
+  const map_t map = source.takeMap();
+  EXPECT_EQ(standin_calls_total(), 0);
+  EXPECT_EQ(block_of(copy_taken), copy);
+  EXPECT_EQ(block_of(map), table);
+}
+
+TEST_F(SparePartsTest, AssignmentFreesWhatTheTargetHad) {
+  SpareParts target;
+  keepCopy(target, DATA_T_id);
+  keepCopy(target, DATA_T_time);
+  for (int i = 0; i < 2; ++i) keepTable(target);
+  SpareParts source;
+  const std::uint64_t copy = keepCopy(source, DATA_T_time);
+  const std::uint64_t table = keepTable(source);
+  const std::int64_t before = standin_live_blocks_total();
+  target = std::move(source);
+  EXPECT_EQ(standin_live_blocks_total(), before - 4);
+  EXPECT_EQ(block_of(target.take(DATA_T_time)), copy);
+  EXPECT_EQ(block_of(target.takeMap()), table);
+  EXPECT_EQ(target.takeMap().table(), nullptr);
+  EXPECT_TRUE(same(target.take(DATA_T_id), text("id")));
+}
+
+TEST_F(SparePartsTest, AssignmentToItselfKeepsThem) {
+  SpareParts spares;
+  const std::uint64_t copy = keepCopy(spares, DATA_T_id);
+  const std::uint64_t table = keepTable(spares);
+  SpareParts& alias = spares;
+  standin_reset_calls();
+  spares = std::move(alias);
+  const data_t copy_taken = spares.take(DATA_T_id);
+  const map_t map = spares.takeMap();
+  EXPECT_EQ(standin_calls_total(), 0) << "freed and made again";
+  EXPECT_EQ(block_of(copy_taken), copy);
+  EXPECT_EQ(block_of(map), table);
+}
+
+TEST_F(SparePartsTest, LendingLeavesWhatTheCalleeDoesNotTake) {
+  SpareParts spares;
+  keepCopy(spares, DATA_T_id);
+  const std::uint64_t time = keepCopy(spares, DATA_T_time);
+  [](SpareParts&& lent) { static_cast<void>(lent.take(DATA_T_id)); }(spares.lend());
+  EXPECT_EQ(block_of(spares.take(DATA_T_time)), time);
+}
+
+} // namespace
+} // namespace com::velanto::connectivity::test
