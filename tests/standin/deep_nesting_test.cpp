@@ -4,12 +4,14 @@
 #include <utility>
 
 #include "tests/standin/values.hpp"
+#include "tests/support/small_stack.hpp"
 
 namespace standin::test {
 namespace {
 
+using com::velanto::connectivity::test::run_on_small_stack;
+
 constexpr int depth = 1'000'000;
-constexpr std::size_t smallStack = 65536;
 
 data listOf(const data& inner) { return list({inner}); }
 data valueOf(const data& inner) { return map(tableOf(1, {{0, 5, integer(1), inner}})); }
@@ -56,12 +58,12 @@ class DeepNesting : public testing::TestWithParam<case_t> {
 };
 
 TEST_P(DeepNesting, IsFreedOnASmallStack) {
-  runWithStack(smallStack, [this] { freeData(value_); });
+  run_on_small_stack([this] { freeData(value_); });
 }
 
 TEST_P(DeepNesting, IsCopiedOnASmallStack) {
   data copy = empty();
-  runWithStack(smallStack, [&] { copy = vlt_copy_data(&value_); });
+  run_on_small_stack([&] { copy = vlt_copy_data(&value_); });
   EXPECT_EQ(standin_live_blocks_total() - before_, 2 * depth);
   freeData(value_);
   EXPECT_TRUE(rendered(copy) == text()) << "the copy differs";
@@ -71,7 +73,7 @@ TEST_P(DeepNesting, IsCopiedOnASmallStack) {
 TEST_P(DeepNesting, PartialCopyIsFreedOnASmallStack) {
   data copy = integer(1);
   standin_fail_allocation(depth);
-  runWithStack(smallStack, [&] { copy = vlt_copy_data(&value_); });
+  run_on_small_stack([&] { copy = vlt_copy_data(&value_); });
   EXPECT_EQ(standin_failed_allocations(), 1U);
   EXPECT_EQ(copy.tag, uint32_t{VLT_TAG_EMPTY});
   EXPECT_EQ(standin_live_blocks_total() - before_, depth);
@@ -80,7 +82,7 @@ TEST_P(DeepNesting, PartialCopyIsFreedOnASmallStack) {
 
 TEST_P(DeepNesting, IsRenderedOnASmallStack) {
   data rendering = empty();
-  runWithStack(smallStack, [&] { rendering = vlt_data_to_string(&value_); });
+  run_on_small_stack([&] { rendering = vlt_data_to_string(&value_); });
   EXPECT_TRUE(rendering.value.string == text()) << "the text differs";
   freeData(rendering);
   freeData(value_);

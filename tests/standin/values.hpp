@@ -4,7 +4,6 @@
 #define VLT_TESTS_STANDIN_VALUES_HPP
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <cstring>
 #include <initializer_list>
@@ -163,22 +162,6 @@ int failEach(Body body) {
     standin_fail_allocation(0);
     if (standin_failed_allocations() == 0) return static_cast<int>(n - 1);
   }
-}
-
-// Runs `body` to its end on a thread of its own with `stackBytes` of stack.
-template <typename Body>
-void runWithStack(std::size_t stackBytes, Body body) {
-  pthread_attr_t attributes;
-  ASSERT_EQ(pthread_attr_init(&attributes), 0);
-  ASSERT_EQ(pthread_attr_setstacksize(&attributes, stackBytes), 0);
-  pthread_t thread{};
-  const auto run = [](void* argument) -> void* {
-    (*static_cast<Body*>(argument))();
-    return nullptr;
-  };
-  ASSERT_EQ(pthread_create(&thread, &attributes, run, &body), 0);
-  EXPECT_EQ(pthread_join(thread, nullptr), 0);
-  pthread_attr_destroy(&attributes);
 }
 
 } // namespace standin::test
