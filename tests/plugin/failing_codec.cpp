@@ -6,47 +6,23 @@
 #include <stdexcept>
 #include <string>
 
-#include "plugin/abstract_simple_codec.hpp"
 #include "plugin/entry_points.hpp"
+#include "tests/support/failing_operations.hpp"
 
 namespace com::velanto::connectivity::test {
 
-class FailingCodec final : public AbstractSimpleCodec {
+class FailingCodec final : public FailingOperations {
  public:
   explicit FailingCodec(const PluginConstructorParameters::CodecConstructorParameters& params)
-      : AbstractSimpleCodec(params) {
+      : FailingOperations(params) {
     for (const auto& [operation, failure] : params.getConfiguration()) {
       failures_[operation.get<const char*>()] = failure.get<const char*>();
     }
-    failIn("create");
+    FailingCodec::failIn("create");
   }
-
-  void start() override { failIn("start"); }
-  void hostReady() override { failIn("hostReady"); }
-  void shutdown() override { failIn("shutdown"); }
-  void setNextTowardsHost(std::unique_ptr<HostSide>&& next) override {
-    failIn("setNextTowardsHost");
-    AbstractSimpleCodec::setNextTowardsHost(std::move(next));
-  }
-  void setNextTowardsTransport(std::unique_ptr<TransportSide>&& next) override {
-    failIn("setNextTowardsTransport");
-    AbstractSimpleCodec::setNextTowardsTransport(std::move(next));
-  }
-  void sendBatchTowardsHost(Message* start, Message* end) override {
-    failIn("sendBatchTowardsHost");
-    AbstractSimpleCodec::sendBatchTowardsHost(start, end);
-  }
-  void sendBatchTowardsTransport(Message* start, Message* end) override {
-    failIn("sendBatchTowardsTransport");
-    AbstractSimpleCodec::sendBatchTowardsTransport(start, end);
-  }
-
-  bool transformMessageTowardsHost(Message&) override { return true; }
-  bool transformMessageTowardsTransport(Message&) override { return true; }
-  bool handleException(Message&, bool) override { return false; }
 
  private:
-  void failIn(const char* operation) const {
+  void failIn(const char* operation) const override {
     const auto failure = failures_.find(operation);
     if (failure == failures_.end()) return;
     if (failure->second == "runtime_error") throw std::runtime_error("boom");

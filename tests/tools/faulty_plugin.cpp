@@ -9,49 +9,33 @@
 #include <stdexcept>
 #include <string>
 
-#include "plugin/abstract_simple_codec.hpp"
 #include "plugin/entry_points.hpp"
+#include "tests/support/failing_operations.hpp"
 #include "value/map_t.hpp"
 
 namespace com::velanto::connectivity::test {
 
 namespace {
 
-class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
+class OstroviaNotifications2Codec final : public FailingOperations {
  public:
   explicit OstroviaNotifications2Codec(
       const PluginConstructorParameters::CodecConstructorParameters& params)
-      : AbstractSimpleCodec(params) {
+      : FailingOperations(params) {
     for (const auto& [key, value] : params.getConfiguration()) {
       if (key == data_t("tenantId")) fault_ = value.get<const char*>();
     }
-    failIn("create");
+    OstroviaNotifications2Codec::failIn("create");
   }
 
-  void start() override { failIn("start"); }
-  void hostReady() override { failIn("hostReady"); }
-  void shutdown() override { failIn("shutdown"); }
-  void setNextTowardsHost(std::unique_ptr<HostSide>&& next) override {
-    failIn("setNextTowardsHost");
-    AbstractSimpleCodec::setNextTowardsHost(std::move(next));
-  }
-  void setNextTowardsTransport(std::unique_ptr<TransportSide>&& next) override {
-    failIn("setNextTowardsTransport");
-    AbstractSimpleCodec::setNextTowardsTransport(std::move(next));
-  }
   void sendBatchTowardsHost(Message* start, Message* end) override {
-    failIn("sendBatchTowardsHost");
     if (fault_ == "leak") static_cast<void>(vlt_allocate_map(1));
-    if (fault_ == "twice") AbstractSimpleCodec::sendBatchTowardsHost(start, end);
-    AbstractSimpleCodec::sendBatchTowardsHost(start, end);
+    if (fault_ == "twice") FailingOperations::sendBatchTowardsHost(start, end);
+    FailingOperations::sendBatchTowardsHost(start, end);
   }
-
-  bool transformMessageTowardsHost(Message&) override { return true; }
-  bool transformMessageTowardsTransport(Message&) override { return true; }
-  bool handleException(Message&, bool) override { return false; }
 
  private:
-  void failIn(const char* operation) const {
+  void failIn(const char* operation) const override {
     if (fault_ == operation) throw std::runtime_error("boom");
   }
 

@@ -1,0 +1,49 @@
+// A codec that passes all messages on, but asks before each operation whether it is to fail there:
+// the base of plug-ins that fail on demand.
+#ifndef VLT_TESTS_SUPPORT_FAILING_OPERATIONS_HPP
+#define VLT_TESTS_SUPPORT_FAILING_OPERATIONS_HPP
+
+#include <memory>
+#include <utility>
+
+#include "plugin/abstract_simple_codec.hpp"
+
+namespace com::velanto::connectivity::test {
+
+class FailingOperations : public AbstractSimpleCodec {
+ public:
+  using AbstractSimpleCodec::AbstractSimpleCodec;
+
+  void start() override { failIn("start"); }
+  void hostReady() override { failIn("hostReady"); }
+  void shutdown() override { failIn("shutdown"); }
+  void setNextTowardsHost(std::unique_ptr<HostSide>&& next) override {
+    failIn("setNextTowardsHost");
+    AbstractSimpleCodec::setNextTowardsHost(std::move(next));
+  }
+  void setNextTowardsTransport(std::unique_ptr<TransportSide>&& next) override {
+    failIn("setNextTowardsTransport");
+    AbstractSimpleCodec::setNextTowardsTransport(std::move(next));
+  }
+  void sendBatchTowardsHost(Message* start, Message* end) override {
+    failIn("sendBatchTowardsHost");
+    AbstractSimpleCodec::sendBatchTowardsHost(start, end);
+  }
+  void sendBatchTowardsTransport(Message* start, Message* end) override {
+    failIn("sendBatchTowardsTransport");
+    AbstractSimpleCodec::sendBatchTowardsTransport(start, end);
+  }
+
+  bool transformMessageTowardsHost(Message&) override { return true; }
+  bool transformMessageTowardsTransport(Message&) override { return true; }
+  bool handleException(Message&, bool) override { return false; }
+
+ protected:
+  // Throws if `operation`, one of the functions above, is to fail. A constructor that is to fail
+  // asks for "create" itself: here it would be too early.
+  virtual void failIn(const char* operation) const = 0;
+};
+
+} // namespace com::velanto::connectivity::test
+
+#endif
