@@ -33,6 +33,7 @@ void AbstractSimpleCodec::sendBatchTowardsHost(Message* start, Message* end) {
       const ExceptionInFlight caught(e);
       return handleException(message, false);
     } catch (...) {
+      const ExceptionInFlight unknown;
       return handleException(message, false);
     }
   });
@@ -48,6 +49,7 @@ void AbstractSimpleCodec::sendBatchTowardsTransport(Message* start, Message* end
       const ExceptionInFlight caught(e);
       return handleException(message, true);
     } catch (...) {
+      const ExceptionInFlight unknown;
       return handleException(message, true);
     }
   });

@@ -7,17 +7,22 @@ namespace com::velanto::connectivity {
 namespace {
 
 // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): one a thread, scoped
-constinit thread_local const std::exception* announced = nullptr;
+constinit thread_local const ExceptionInFlight* innermost = nullptr;
 
 } // namespace
 
+ExceptionInFlight::ExceptionInFlight(const std::exception* caught) noexcept
+    : caught_(caught), outer_(std::exchange(innermost, this)) {}
 ExceptionInFlight::ExceptionInFlight(const std::exception& caught) noexcept
-    : outer_(std::exchange(announced, &caught)) {}
+    : ExceptionInFlight(&caught) {}
+ExceptionInFlight::ExceptionInFlight() noexcept : ExceptionInFlight(nullptr) {}
 
-ExceptionInFlight::~ExceptionInFlight() { announced = outer_; }
+ExceptionInFlight::~ExceptionInFlight() { innermost = outer_; }
 
 const char* ExceptionInFlight::what() noexcept {
-  if (announced != nullptr) return announced->what();
+  if (innermost != nullptr) {
+    return innermost->caught_ == nullptr ? nullptr : innermost->caught_->what();
+  }
   try {
     throw;
   } catch (const std::exception& e) {

@@ -11,16 +11,21 @@ class ExceptionInFlight {
  public:
   // Announces what a catch clause has caught, on this thread, until destroyed.
   explicit ExceptionInFlight(const std::exception& caught) noexcept;
+  ExceptionInFlight() noexcept; // something that is no std::exception
   ExceptionInFlight(const ExceptionInFlight&) = delete;
   ExceptionInFlight& operator=(const ExceptionInFlight&) = delete;
   ~ExceptionInFlight();
 
-  // To be called inside a catch clause, announced or not: the text of the exception, or null when
-  // it is no std::exception. Valid as long as that clause runs.
+  // To be called inside a catch clause: the text of the exception that was announced last, or, where
+  // none is, of the one that was caught; null when it is no std::exception. Valid as long as the
+  // clause runs.
   [[nodiscard]] static const char* what() noexcept;
 
  private:
-  const std::exception* outer_;
+  explicit ExceptionInFlight(const std::exception* caught) noexcept;
+
+  const std::exception* caught_; // null: no std::exception
+  const ExceptionInFlight* outer_;
 };
 
 } // namespace com::velanto::connectivity

@@ -256,7 +256,7 @@ map_entry_t map_t::extract(map_slot_t& slot) noexcept {
 }
 
 void map_t::clear() noexcept {
-  if (table_ == nullptr || table_->live + table_->deleted == 0) return;
+  if (table_ == nullptr) return;
   map_slot_t* const end = slots() + table_->capacity;
   for (map_slot_t* slot = slots(); slot != end; ++slot) {
     if (slot->is_free()) continue;

@@ -126,8 +126,8 @@ TEST_F(HostCallsOfOthers, NothingIsRenderedBelowTheLevelOfTheTrace) {
 
 TEST_F(HostCallsOfOthers, NothingIsFormattedForADroppedMessageBelowTheLevelOfReports) {
   // What the exception itself takes is the same at both levels.
-  std::int64_t made[2];
-  std::int64_t lines[2];
+  std::int64_t made[2]{};
+  std::int64_t lines[2]{};
   for (const vlt_log_level_t level : {2, 3}) {
     standin_set_log_level(CATEGORY, level);
     const auto codec = CodecFixture::codec();

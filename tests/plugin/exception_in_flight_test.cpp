@@ -89,6 +89,16 @@ TEST(ExceptionInFlight, InnerAnnouncementHidesTheOuterWhileItLives) {
   EXPECT_STREQ(ExceptionInFlight::what(), "outer");
 }
 
+TEST(ExceptionInFlight, SomethingElseAnnouncedInsideAnOuterOneHasNoText) {
+  const std::runtime_error error("outer");
+  const ExceptionInFlight outer(error);
+  {
+    const ExceptionInFlight unknown;
+    EXPECT_EQ(ExceptionInFlight::what(), nullptr);
+  }
+  EXPECT_STREQ(ExceptionInFlight::what(), "outer");
+}
+
 TEST(ExceptionInFlight, AnnouncementEndsWithItsScope) {
   {
     const std::runtime_error announced("announced");
