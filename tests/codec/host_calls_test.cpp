@@ -5,6 +5,7 @@
 
 #include <array>
 #include <ostream>
+#include <string_view>
 
 #include "tests/codec/codec_fixture.hpp"
 #include "tests/plugin/allocations.hpp"
@@ -16,7 +17,7 @@ using namespace connectivity::test;
 
 // The calls that converting one example comes to; every other function of the host is not called.
 struct calls_t {
-  const char* kind;
+  std::string_view kind;
   std::int64_t allocate_map;
   std::int64_t reallocate_map;
   std::int64_t free_map;
