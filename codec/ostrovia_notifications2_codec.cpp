@@ -1,12 +1,12 @@
 #include "codec/ostrovia_notifications2_codec.hpp"
 
-#include <cstring>
 #include <exception>
 #include <stdexcept>
 #include <string>
 
 #include "codec/constants.hpp"
 #include "codec/dispatch.hpp"
+#include "codec/id_for_report.hpp"
 #include "codec/pulsar_message_disassembler.hpp"
 #include "plugin/exception_in_flight.hpp"
 #include "plugin/map_extractor.hpp"
@@ -35,52 +35,6 @@ const data_t* findStringId(const map_t& payload) {
   const data_t* const id = payload.find_value(DATA_T_id);
   return id != nullptr && id->is_string() ? id : nullptr;
 }
-
-// Puts the notification's "id" aside for the report: a message whose conversion fails is left with
-// that and nothing else. The text is kept here, where it costs no call of the host, and becomes a
-// map again only when it is needed.
-class IdForReport {
- public:
-  // Throws std::bad_alloc for a long text.
-  IdForReport(const data_t* id, Message& message) : message_(message), has_id_(id != nullptr) {
-    if (!has_id_) return;
-    const char* const text = text_or_empty(id->get<const char*>());
-    const std::size_t size = std::strlen(text) + 1;
-    if (size > sizeof short_text_) {
-      long_text_ = data_t(text);
-    } else {
-      std::memcpy(short_text_, text, size);
-    }
-  }
-  IdForReport(const IdForReport&) = delete;
-  IdForReport& operator=(const IdForReport&) = delete;
-  ~IdForReport() {
-    if (has_id_ && !converted_) leaveOnlyId();
-  }
-
-  // There is nothing to report.
-  void converted() noexcept { converted_ = true; }
-
- private:
-  void leaveOnlyId() noexcept {
-    try {
-      map_t only_id;
-      only_id.insert(
-          DATA_T_id.with(long_text_.empty() ? data_t(short_text_) : std::move(long_text_)));
-      message_.getPayload() = data_t(std::move(only_id));
-    } catch (...) { // NOLINT(bugprone-empty-catch): no memory for it; the report goes without
-    }
-  }
-
-  static constexpr std::size_t USUAL_LENGTH = 64; // platform ids are shorter
-
-  Message& message_;
-  data_t long_text_;
-  bool has_id_;
-  bool converted_ = false;
-  char
-      short_text_[USUAL_LENGTH]; // NOLINT(cppcoreguidelines-pro-type-member-init): a text or unused
-};
 
 std::string describeFailure(const Message& message, bool towardsTransport) {
   std::string text = "Error when transforming message towards ";
