@@ -11,10 +11,10 @@ namespace com::velanto::connectivity::plugins::pulsar {
 IdForReport::IdForReport(const data_t* id, Message& message)
     : message_(message), has_id_(id != nullptr) {
   if (!has_id_) return;
-  const char* const text = text_or_empty(id->get<const char*>());
-  const std::size_t size = std::strlen(text) + 1;
-  if (size > sizeof short_text_) {
-    long_text_ = data_t(text);
+  const auto* const text = id->get<const char*>();
+  const std::size_t size = std::strlen(text_or_empty(text)) + 1;
+  if (text == nullptr || size > sizeof short_text_) {
+    other_text_ = *id;
   } else {
     std::memcpy(short_text_, text, size);
   }
@@ -22,7 +22,7 @@ IdForReport::IdForReport(const data_t* id, Message& message)
 
 void IdForReport::leaveOnlyId() noexcept {
   try {
-    data_t id = long_text_.empty() ? data_t(short_text_) : std::move(long_text_);
+    data_t id = other_text_.empty() ? data_t(short_text_) : std::move(other_text_);
     map_t only_id;
     only_id.add(DATA_T_id.with(std::move(id)));
     message_.getPayload() = data_t(std::move(only_id));

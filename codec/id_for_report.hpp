@@ -33,7 +33,7 @@ class IdForReport {
   Message& message_;
   bool has_id_;
   bool converted_ = false;
-  data_t long_text_; // or else
+  data_t other_text_; // a long one or a null one; empty: the short one counts
   char short_text_[USUAL_SIZE];
 };
 

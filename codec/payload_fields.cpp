@@ -88,7 +88,7 @@ void remapPayloadElement(constant_t const& from, constant_t const& to,
   if (value) builder.fields.assign(to.with(std::move(*value)));
 }
 
-void convertDateTimePayloadElement(constant_t const& key, PulsarMessageDisassembler& notification,
+void convertDateTimePayloadElement(key_ref key, PulsarMessageDisassembler& notification,
                                    TivraMessageBuilder& builder) {
   map_entry_t entry = notification.getPayloadMap().extract(key);
   if (!entry) return;

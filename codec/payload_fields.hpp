@@ -52,7 +52,7 @@ void remapPayloadElement(constant_t const& from, constant_t const& to,
 
 // Moves the entry under `key`, if there is one, into the event's field of that name, over any
 // there: as seconds since the epoch when it is a readable timestamp, otherwise as it is.
-void convertDateTimePayloadElement(constant_t const& key, PulsarMessageDisassembler& notification,
+void convertDateTimePayloadElement(key_ref key, PulsarMessageDisassembler& notification,
                                    TivraMessageBuilder& builder);
 
 // Moves everything that is left in the payload into the event's fields, over those of the same

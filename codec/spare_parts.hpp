@@ -37,7 +37,8 @@ class SpareParts {
   // For a callee that may take of the parts what it needs; the rest stays here.
   [[nodiscard]] SpareParts&& lend() noexcept { return std::move(*this); }
 
-  // Keeps `copy`, a string of the constant's text; one that is borrowed, or one too many, is freed.
+  // Keeps `copy`, a string of the constant's text, unless it is borrowed or there is one already;
+  // `copy` is left empty in any case.
   void keep(const constant_t& constant, data_t&& copy) noexcept {
     if (copy.type_tag() != VLT_TAG_STRING || isKept(constant)) {
       const data_t freed = std::move(copy);

@@ -235,8 +235,9 @@ void map_t::grow() {
 
 void map_t::erase(const iterator& position) {
   if (position.map_ != this) iterator_checks::report(iterator_checks::DIFFERENT_MAPS);
-  if (position.at_end() || table_ == nullptr) return;
+  if (position.at_end()) return;
   position.check();
+  if (table_ == nullptr) return;
   static_cast<void>(extract(position.slots_[position.index_]));
 }
 
@@ -259,8 +260,8 @@ void map_t::clear() noexcept {
   if (table_ == nullptr) return;
   map_slot_t* const end = slots() + table_->capacity;
   for (map_slot_t* slot = slots(); slot != end; ++slot) {
-    if (slot->is_free()) continue;
-    std::destroy_at(slot);
+    // What stands in the value of a slot without an entry means nothing, and is freed by nobody.
+    if (slot->is_live()) std::destroy_at(slot);
     new (slot) map_slot_t{};
   }
   table_->live = 0;

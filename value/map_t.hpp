@@ -14,11 +14,11 @@
 // Lookup starts at slot hash mod capacity and probes upwards, wrapping at the end, until it finds
 // the key, meets a free slot or is back where it started.
 //
-// Insertion into a map without a table allocates 8 slots. Otherwise it first grows the table when
-// capacity × 0.75 < live + deleted, to 2 × live + 2 slots but at least 8: the new capacity follows
-// the live count, so a table full of tombstones may be rebuilt at the same size or smaller. Worked:
-// the 7th key of a fresh table finds 0.75 × 8 = 6 not below 6 and stays; the 8th makes 2 × 7 + 2 =
-// 16 slots. Reusing a deleted slot leaves the deleted count alone: it counts deletions since the
+// Insertion of a key that is not there into a map without a table allocates 8 slots. Otherwise it
+// first grows the table when it has no slots at all or capacity × 0.75 < live + deleted, to
+// 2 × live + 2 slots but at least 8: the new capacity follows the live count, so a table full of
+// tombstones may be rebuilt at the same size or smaller. Worked: the 7th key of a fresh table finds
+// 0.75 × 8 = 6 not below 6 and stays; the 8th makes 2 × 7 + 2 = 16 slots. Reusing a deleted slot leaves the deleted count alone: it counts deletions since the
 // last rebuild, so that frequent erasing brings the next rebuild forward.
 //
 // Erasing leaves a tombstone, since entries that were displaced past the slot must stay reachable.

@@ -38,13 +38,15 @@ TEST_F(IdForReportTest, BorrowedIdIsLeftAsAnOwnedOne) {
   EXPECT_EQ(message.getPayload(), data_t(map_of("id", text("4711"))));
 }
 
-TEST_F(IdForReportTest, NullTextIsLeftAsTheEmptyText) {
+TEST_F(IdForReportTest, NullTextStaysOne) {
   Message message;
   {
     const data_t id = null_text();
     const IdForReport report(&id, message);
   }
-  EXPECT_EQ(message.getPayload(), data_t(map_of("id", text(""))));
+  const data_t& id = at(message.getPayload().get<map_t>(), "id");
+  EXPECT_EQ(id.type_tag(), VLT_TAG_STRING);
+  EXPECT_EQ(id.get<const char*>(), nullptr);
 }
 
 TEST_F(IdForReportTest, NothingIsLeftWithoutAnId) {

@@ -180,6 +180,17 @@ TEST_F(MapClear, FreesTheEntryOfAnEmptyKey) {
   expect_free_slots(map);
 }
 
+TEST_F(MapClear, ValueOfASlotWithoutAnEntryIsNobodys) {
+  map_t map = with_keys("3", "11");
+  map.erase(map.find(text("3")));
+  const data_t elsewhere = text("v");
+  slot_at(map, 3).value = data_t::adopt(*elsewhere.underlying()); // as a host may have left it
+  map.clear();
+  EXPECT_EQ(counts_of(map), (counts_t{0, 8, 0}));
+  expect_free_slots(map);
+  EXPECT_STREQ(elsewhere.get<const char*>(), "v");
+}
+
 TEST_F(MapClear, TableIsThenUsedAsAFreshOne) {
   map_t map = with_keys("3", "11", "19", "4");
   map.erase(map.find(text("11")));

@@ -152,6 +152,14 @@ TEST_F(MapIterator, LosingTheTableInvalidates) {
   expect_invalid(it);
 }
 
+TEST_F(MapIterator, EraseNoticesThatTheTableIsLost) {
+  map_t map = with_keys("3");
+  const map_t::iterator first = map.begin();
+  const map_t taken(std::move(map));
+  EXPECT_EQ(error_of([&] { map.erase(first); }), MODIFIED);
+  EXPECT_EQ(taken.size(), 1U);
+}
+
 TEST_F(MapIterator, GettingATableInvalidates) {
   map_t map;
   const auto it = map.begin();
