@@ -13,9 +13,9 @@ namespace com::velanto::connectivity::plugins::pulsar {
 // word's own length counts: alarmsX is accepted as alarms.
 [[nodiscard]] bool isOfKind(const char* typeSegment, const char* kind) noexcept;
 
-// The event made from the notification, which is consumed: its metadata, and with them the path, are
-// gone. Throws what the conversion throws, and std::runtime_error "Unrecognised Pulsar message type:
-// 'SEGMENT'".
+// The event made from the notification, which is consumed: its metadata, and with them the path,
+// are gone. Throws what the conversion throws, and std::runtime_error "Unrecognised Pulsar message
+// type: 'SEGMENT'".
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
     PulsarMessageDisassembler& notification);
 // The same for one whose type segment has been looked up already.

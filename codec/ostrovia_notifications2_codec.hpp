@@ -22,8 +22,9 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
       const PluginConstructorParameters::CodecConstructorParameters& params);
 
   // Returns true. Throws when the notification cannot be converted; `message` then holds nothing
-  // but the notification's "id", if that was a string and there is memory for it, for the report. A payload that is no map,
-  // a trace that fails, and having no memory to begin with, leave it untouched.
+  // but the notification's "id", if that was a string and there is memory for it, for the report.
+  // A payload that is no map, a trace that fails, and having no memory to begin with, leave it
+  // untouched.
   bool transformMessageTowardsHost(Message& message) override;
   // Returns true and changes nothing.
   bool transformMessageTowardsTransport(Message& message) override;

@@ -110,8 +110,8 @@ void carryOverDatesAndRemaining(PulsarMessageDisassembler& notification,
 
 void copyOverRemainingPayloadElements(PulsarMessageDisassembler& notification,
                                       TivraMessageBuilder& builder) {
-  static_cast<void>(notification.extractRemainingPayload().drain(
-      [&builder](map_entry_t&& entry) { builder.fields.assign(std::move(entry)); }));
+  notification.extractRemainingPayload().drain(
+      [&builder](map_entry_t&& entry) { builder.fields.assign(std::move(entry)); });
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

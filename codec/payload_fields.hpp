@@ -26,7 +26,7 @@ inline constexpr const char* IN_SOURCE = "source";
 // The same, but throws "Required key 'KEY' missing from WHERE" when absent.
 [[nodiscard]] data_t extractFromMapOrThrow(map_t& map, key_ref key, char const* where);
 
-// The two for a field of the payload itself, whose key becomes one of the spare copies.
+// The two for a field of the payload itself, whose key becomes a spare part.
 [[nodiscard]] boost::optional<data_t> extractFieldIfPresent(PulsarMessageDisassembler& notification,
                                                             constant_t const& key);
 [[nodiscard]] data_t extractFieldOrThrow(PulsarMessageDisassembler& notification,

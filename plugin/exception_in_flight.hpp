@@ -1,5 +1,6 @@
 // Tells a hook that runs inside a catch clause what was caught. A hook could throw the exception
-// again to find out, at the price of another unwinding: a sixth of a dropped message's instructions.
+// again to find out, at the price of another unwinding: a sixth of a dropped message's
+// instructions.
 #ifndef VLT_PLUGIN_EXCEPTION_IN_FLIGHT_HPP
 #define VLT_PLUGIN_EXCEPTION_IN_FLIGHT_HPP
 
@@ -16,9 +17,9 @@ class ExceptionInFlight {
   ExceptionInFlight& operator=(const ExceptionInFlight&) = delete;
   ~ExceptionInFlight();
 
-  // To be called inside a catch clause: the text of the exception that was announced last, or, where
-  // none is, of the one that was caught; null when it is no std::exception. Valid as long as the
-  // clause runs.
+  // To be called inside a catch clause: the text of the exception that was announced last, or,
+  // where none is, of the one that was caught; null when it is no std::exception. Valid as long as
+  // the clause runs.
   [[nodiscard]] static const char* what() noexcept;
 
  private:

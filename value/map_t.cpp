@@ -80,6 +80,8 @@ map_t map_t::copy() const {
 
 // ---- lookup
 
+// Apart from find_for_insert, which also has to remember where an entry could go: lookups are what
+// a conversion does most.
 map_slot_t* map_t::find_slot(key_ref key) const noexcept {
   const std::int64_t slot_count = capacity();
   if (slot_count == 0) return nullptr;

@@ -18,8 +18,9 @@
 // first grows the table when it has no slots at all or capacity × 0.75 < live + deleted, to
 // 2 × live + 2 slots but at least 8: the new capacity follows the live count, so a table full of
 // tombstones may be rebuilt at the same size or smaller. Worked: the 7th key of a fresh table finds
-// 0.75 × 8 = 6 not below 6 and stays; the 8th makes 2 × 7 + 2 = 16 slots. Reusing a deleted slot leaves the deleted count alone: it counts deletions since the
-// last rebuild, so that frequent erasing brings the next rebuild forward.
+// 0.75 × 8 = 6 not below 6 and stays; the 8th makes 2 × 7 + 2 = 16 slots. Reusing a deleted slot
+// leaves the deleted count alone: it counts deletions since the last rebuild, so that frequent
+// erasing brings the next rebuild forward.
 //
 // Erasing leaves a tombstone, since entries that were displaced past the slot must stay reachable.
 //
@@ -135,8 +136,8 @@ class map_t {
   template <class Use>
   map_t drain(const Use& use) &&;
 
-  // Frees all entries; a table is then as the host makes it, without tombstones. The host's own word
-  // in its head stays what it is.
+  // Frees all entries; a table is then as the host makes it, without tombstones. The host's own
+  // word in its head stays what it is.
   void clear() noexcept;
 
   [[nodiscard]] iterator begin();
