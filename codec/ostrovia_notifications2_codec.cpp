@@ -99,10 +99,17 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
   const data_t* const id = findStringId(message.getPayload().get<map_t>());
   // Made while the message is whole: when there is no memory at all, it stays so for its report.
   data_t channelKey = DATA_T_vltDOTchannel.copy();
-  IdForReport idForReport(id, message);
-  Message notification(std::move(message));
-  message = processPulsarMessage(std::move(notification), std::move(channelKey));
-  idForReport.converted();
+  // Caught here already, where all that is left to free is freed on the way: every frame in between
+  // costs a dropped message as much as converting it would.
+  try {
+    IdForReport idForReport(id, message);
+    Message notification(std::move(message));
+    message = processPulsarMessage(std::move(notification), std::move(channelKey));
+    idForReport.converted();
+  } catch (const std::exception& e) {
+    const ExceptionInFlight caught(e);
+    return handleException(message, false);
+  }
   return true;
 }
 

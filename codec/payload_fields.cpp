@@ -46,20 +46,21 @@ data_t extractFromMapOrThrow(map_t& map, key_ref key, char const* where) {
   return extractEntryOrThrow(map, key, where).value;
 }
 
-boost::optional<data_t> extractFieldIfPresent(PulsarMessageDisassembler& notification,
-                                              constant_t const& key) {
+data_t* extractFieldIfPresent(PulsarMessageDisassembler& notification, constant_t const& key) {
   map_entry_t entry = notification.getPayloadMap().extract(key);
-  if (!entry) return boost::none;
-  return valueOf(std::move(entry), key, notification.getSpareParts());
+  if (!entry) return nullptr;
+  return &notification.getTakenFields().keep(
+      valueOf(std::move(entry), key, notification.getSpareParts()));
 }
 
-data_t extractFieldOrThrow(PulsarMessageDisassembler& notification, constant_t const& key) {
-  return valueOf(extractEntryOrThrow(notification.getPayloadMap(), key, IN_MESSAGE_PAYLOAD), key,
-                 notification.getSpareParts());
+data_t& extractFieldOrThrow(PulsarMessageDisassembler& notification, constant_t const& key) {
+  return notification.getTakenFields().keep(
+      valueOf(extractEntryOrThrow(notification.getPayloadMap(), key, IN_MESSAGE_PAYLOAD), key,
+              notification.getSpareParts()));
 }
 
 double extractTimeTimestampOrThrow(PulsarMessageDisassembler& notification) {
-  const data_t time = extractFieldOrThrow(notification, DATA_T_time);
+  const data_t& time = extractFieldOrThrow(notification, DATA_T_time);
   const char* const text = text_or_empty(getFromDataTReportingKey<char const*>(time, "time"));
   if (const auto seconds = tryParseTime(text)) return *seconds;
   throw unreadableTime(text);
@@ -70,8 +71,9 @@ data_t extractSourceId(data_t& source, SpareParts&& spares) {
   return valueOf(extractEntryOrThrow(entries, DATA_T_id, IN_SOURCE), DATA_T_id, spares.lend());
 }
 
-data_t reduceToId(data_t&& source, PulsarMessageDisassembler& notification) {
-  data_t id = extractSourceId(source, notification.getSpareParts());
+data_t& reduceToId(data_t& source, PulsarMessageDisassembler& notification) {
+  data_t& id =
+      notification.getTakenFields().keep(extractSourceId(source, notification.getSpareParts()));
   notification.getSpareParts().keep(std::move(source.get<map_t>()));
   return id;
 }

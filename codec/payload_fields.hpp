@@ -26,11 +26,12 @@ inline constexpr const char* IN_SOURCE = "source";
 // The same, but throws "Required key 'KEY' missing from WHERE" when absent.
 [[nodiscard]] data_t extractFromMapOrThrow(map_t& map, key_ref key, char const* where);
 
-// The two for a field of the payload itself, whose key becomes a spare part.
-[[nodiscard]] boost::optional<data_t> extractFieldIfPresent(PulsarMessageDisassembler& notification,
-                                                            constant_t const& key);
-[[nodiscard]] data_t extractFieldOrThrow(PulsarMessageDisassembler& notification,
-                                         constant_t const& key);
+// The two for a field of the payload itself. Its key becomes a spare part; its value stays with the
+// notification, to be moved from there.
+[[nodiscard]] data_t* extractFieldIfPresent(PulsarMessageDisassembler& notification,
+                                            constant_t const& key);
+[[nodiscard]] data_t& extractFieldOrThrow(PulsarMessageDisassembler& notification,
+                                          constant_t const& key);
 
 // Takes "time" out of the payload: seconds since the epoch. Throws when it is missing, no string,
 // or unreadable: "Error parsing timestamp 'TEXT' in key 'time'".
@@ -41,7 +42,7 @@ inline constexpr const char* IN_SOURCE = "source";
 
 // The same for a source of which nothing else is of interest: the rest is freed, key and table
 // become spare parts.
-[[nodiscard]] data_t reduceToId(data_t&& source, PulsarMessageDisassembler& notification);
+[[nodiscard]] data_t& reduceToId(data_t& source, PulsarMessageDisassembler& notification);
 
 // Moves the entry under `from`, if there is one, into the event's field `to`, over any there.
 void remapPayloadElement(data_t const& from, data_t&& to, PulsarMessageDisassembler& notification,

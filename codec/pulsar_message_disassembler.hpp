@@ -7,6 +7,7 @@
 #define VLT_CODEC_PULSAR_MESSAGE_DISASSEMBLER_HPP
 
 #include "codec/spare_parts.hpp"
+#include "codec/taken_fields.hpp"
 #include "value/message.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -28,6 +29,9 @@ class PulsarMessageDisassembler {
   // Moves the payload map out and leaves an empty map. Throws as getPayloadMap does.
   [[nodiscard]] map_t extractRemainingPayload();
 
+  // Where fields that were taken out of the payload wait for the event.
+  [[nodiscard]] TakenFields& getTakenFields() noexcept { return taken_; }
+
   // Frees the metadata, once the resource kind is known. There is no path after this.
   void discardMetadata() noexcept { spares_.keep(std::move(notification_.getMetadataMap())); }
 
@@ -37,6 +41,7 @@ class PulsarMessageDisassembler {
  private:
   Message notification_;
   SpareParts spares_;
+  TakenFields taken_;
 };
 
 } // namespace com::velanto::connectivity::plugins::pulsar

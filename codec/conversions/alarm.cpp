@@ -20,20 +20,20 @@ constexpr EnumTexts<AlarmStatus, 3, constant_t> STATUS_TEXTS = {
 } // namespace
 
 std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& notification) {
-  data_t source = extractFieldOrThrow(notification, DATA_T_source);
-  data_t id = extractFieldOrThrow(notification, DATA_T_id);
-  const data_t count = extractFieldOrThrow(notification, DATA_T_count);
+  data_t& source = extractFieldOrThrow(notification, DATA_T_source);
+  data_t& id = extractFieldOrThrow(notification, DATA_T_id);
+  const data_t& count = extractFieldOrThrow(notification, DATA_T_count);
   const std::int64_t countValue = getFromDataTReportingKey<long long>(count, "count");
-  data_t severity = extractFieldOrThrow(notification, DATA_T_severity);
+  data_t& severity = extractFieldOrThrow(notification, DATA_T_severity);
   const AlarmSeverity severityValue = alarmSeverityFromString(
       text_or_empty(getFromDataTReportingKey<char const*>(severity, "severity")));
-  data_t sourceId = reduceToId(std::move(source), notification);
-  data_t status = extractFieldOrThrow(notification, DATA_T_status);
+  data_t& sourceId = reduceToId(source, notification);
+  data_t& status = extractFieldOrThrow(notification, DATA_T_status);
   const AlarmStatus statusValue =
       alarmStatusFromString(getFromDataTReportingKey<char const*>(status, "status"));
-  data_t text = extractFieldOrThrow(notification, DATA_T_text);
+  data_t& text = extractFieldOrThrow(notification, DATA_T_text);
   const double time = extractTimeTimestampOrThrow(notification);
-  data_t type = extractFieldOrThrow(notification, DATA_T_type);
+  data_t& type = extractFieldOrThrow(notification, DATA_T_type);
 
   notification.getSpareParts().keep(SEVERITY_TEXTS.toDataTString(severityValue),
                                     std::move(severity));

@@ -9,12 +9,12 @@
 namespace com::velanto::connectivity::plugins::pulsar {
 
 std::unique_ptr<TivraMessageBuilder> convertEvent(PulsarMessageDisassembler& notification) {
-  data_t source = extractFieldOrThrow(notification, DATA_T_source);
-  data_t id = extractFieldOrThrow(notification, DATA_T_id);
-  data_t sourceId = reduceToId(std::move(source), notification);
-  data_t text = extractFieldOrThrow(notification, DATA_T_text);
+  data_t& source = extractFieldOrThrow(notification, DATA_T_source);
+  data_t& id = extractFieldOrThrow(notification, DATA_T_id);
+  data_t& sourceId = reduceToId(source, notification);
+  data_t& text = extractFieldOrThrow(notification, DATA_T_text);
   const double time = extractTimeTimestampOrThrow(notification);
-  data_t type = extractFieldOrThrow(notification, DATA_T_type);
+  data_t& type = extractFieldOrThrow(notification, DATA_T_type);
 
   auto builder =
       std::make_unique<EventMessageBuilder>(std::move(id), std::move(sourceId), std::move(text),

@@ -35,10 +35,10 @@ void addPosition(PulsarMessageDisassembler& notification, ManagedObjectBuilder& 
 } // namespace
 
 std::unique_ptr<TivraMessageBuilder> convertManagedObject(PulsarMessageDisassembler& notification) {
-  data_t id = extractFieldOrThrow(notification, DATA_T_id);
-  data_t name = extractFieldOrThrow(notification, DATA_T_name);
-  boost::optional<data_t> type = extractFieldIfPresent(notification, DATA_T_type);
-  if (!type) type = DATA_T_.copy();
+  data_t& id = extractFieldOrThrow(notification, DATA_T_id);
+  data_t& name = extractFieldOrThrow(notification, DATA_T_name);
+  data_t* type = extractFieldIfPresent(notification, DATA_T_type);
+  if (type == nullptr) type = &notification.getTakenFields().keep(DATA_T_.copy());
 
   auto builder = std::make_unique<ManagedObjectBuilder>(
       std::move(id), std::move(name), std::move(*type), notification.getSpareParts());

@@ -12,11 +12,11 @@
 namespace com::velanto::connectivity::plugins::pulsar {
 
 std::unique_ptr<TivraMessageBuilder> convertMeasurement(PulsarMessageDisassembler& notification) {
-  data_t source = extractFieldOrThrow(notification, DATA_T_source);
-  data_t id = extractFieldOrThrow(notification, DATA_T_id);
-  data_t sourceId = reduceToId(std::move(source), notification);
+  data_t& source = extractFieldOrThrow(notification, DATA_T_source);
+  data_t& id = extractFieldOrThrow(notification, DATA_T_id);
+  data_t& sourceId = reduceToId(source, notification);
   const double time = extractTimeTimestampOrThrow(notification);
-  data_t type = extractFieldOrThrow(notification, DATA_T_type);
+  data_t& type = extractFieldOrThrow(notification, DATA_T_type);
 
   auto builder = std::make_unique<MeasurementMessageBuilder>(
       std::move(id), std::move(sourceId), time, std::move(type), notification.getSpareParts());

@@ -19,10 +19,10 @@ constexpr EnumTexts<OperationStatus, 4, constant_t> STATUS_TEXTS = {
 } // namespace
 
 std::unique_ptr<TivraMessageBuilder> convertOperation(PulsarMessageDisassembler& notification) {
-  data_t source = extractFieldOrThrow(notification, DATA_T_source);
-  data_t deviceId = extractFieldOrThrow(notification, DATA_T_deviceId);
-  data_t sourceId = reduceToId(std::move(source), notification);
-  data_t status = extractFieldOrThrow(notification, DATA_T_status);
+  data_t& source = extractFieldOrThrow(notification, DATA_T_source);
+  data_t& deviceId = extractFieldOrThrow(notification, DATA_T_deviceId);
+  data_t& sourceId = reduceToId(source, notification);
+  data_t& status = extractFieldOrThrow(notification, DATA_T_status);
   const OperationStatus statusValue = operationStatusFromString(
       text_or_empty(getFromDataTReportingKey<char const*>(status, "status")));
 
