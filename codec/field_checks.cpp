@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
@@ -12,6 +13,10 @@ std::runtime_error notAString(char const* key) {
 }
 
 } // namespace
+
+std::runtime_error problemWithKey(char const* key, const std::exception& error) {
+  return std::runtime_error("Problem with key '" + std::string(key) + "': " + error.what());
+}
 
 void ensureValueDataTIsString(char const* key, data_t const& value) {
   if (!value.is_string()) throw notAString(key);

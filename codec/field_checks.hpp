@@ -4,12 +4,14 @@
 
 #include <exception>
 #include <stdexcept>
-#include <string>
 #include <type_traits>
 
 #include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
+
+// `error` with "Problem with key 'KEY': " in front of its text.
+[[nodiscard]] std::runtime_error problemWithKey(char const* key, const std::exception& error);
 
 // The typed get of `value`, with "Problem with key 'KEY': " in front of its error text. T is
 // char const* (which may be null), map_t& (a reference into the value) or long long.
@@ -17,11 +19,8 @@ template <class T, class Value>
 [[nodiscard]] T getFromDataTReportingKey(Value& value, char const* key) {
   using content =
       std::conditional_t<std::is_same_v<T, long long>, std::int64_t, std::remove_reference_t<T>>;
-  try {
-    return value.template get<content>();
-  } catch (const std::exception& e) {
-    throw std::runtime_error("Problem with key '" + std::string(key) + "': " + e.what());
-  }
+  if (auto* const found = value.template get_if<content>()) return *found;
+  throw problemWithKey(key, value.template get_error<content>());
 }
 
 // Throws "Value for key 'KEY' is not a string." unless the value is of one of the two string kinds.

@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <stdexcept>
 #include <type_traits>
 #include <utility>
 
@@ -134,6 +135,15 @@ class data_t {
   [[nodiscard]] T& get();
   template <class T>
   [[nodiscard]] const T& get() const;
+  // The same, but null for content of another kind, and what get would then throw (after the line,
+  // if there is one to write): for who has something to add to the error, since throwing twice
+  // doubles the price of a bad message.
+  template <class T>
+  [[nodiscard]] T* get_if() noexcept;
+  template <class T>
+  [[nodiscard]] const T* get_if() const noexcept;
+  template <class T>
+  [[nodiscard]] std::runtime_error get_error() const;
 
   // Calls `visitor` with a reference to the content, whose type tells the kind, or `on_nothing`
   // with no argument when there is none to be read: an empty value or a tag above 10.

@@ -1,8 +1,9 @@
-// Typed access to a value: GetVisitor<T> yields the content when it is a T and reports a mismatch
-// otherwise. data_t::get<T>() is this visitor applied.
+// Typed access to a value: GetVisitor<T> yields the content when it is a T and null otherwise.
+// data_t::get_if<T>() is this visitor applied, data_t::get<T>() throws for a null.
 #ifndef VLT_VALUE_GET_VISITOR_HPP
 #define VLT_VALUE_GET_VISITOR_HPP
 
+#include <stdexcept>
 #include <type_traits>
 #include <typeinfo>
 
@@ -32,30 +33,46 @@ inline constexpr std::uint32_t TAG_OF<buffer_t> = VLT_TAG_BUFFER;
 template <>
 inline constexpr std::uint32_t TAG_OF<vlt_underlying_custom_t> = VLT_TAG_CUSTOM;
 
-// Writes "GetVisitor<T>.operator()(T)" to standard error, both with the run-time name of the type
-// asked for; no setting suppresses it. Then throws the "Incorrect type in get" error.
-[[noreturn]] void report_wrong_kind(const std::type_info& requested, std::uint32_t requested_tag,
-                                    std::uint32_t actual_tag);
-[[noreturn]] void report_get_from_empty();
+// The error of a typed get that found `value`: "Get from empty", or the "Incorrect type in get" one,
+// for which a line "GetVisitor<T>.operator()(T)" is written to standard error, both with the
+// run-time name of the type asked for; no setting suppresses it.
+[[nodiscard]] std::runtime_error mismatch(const data_t& value, const std::type_info& requested,
+                                          std::uint32_t requested_tag);
 
 template <class T> // T may be const: a get on a constant value
 struct GetVisitor {
-  T& operator()(T& content) const noexcept { return content; }
+  T* operator()(T& content) const noexcept { return &content; }
   template <class Other>
-  T& operator()(Other&) const {
-    report_wrong_kind(typeid(T), TAG_OF<std::remove_const_t<T>>,
-                      TAG_OF<std::remove_const_t<Other>>);
+  T* operator()(Other&) const noexcept {
+    return nullptr;
   }
 };
 
 template <class T>
+T* data_t::get_if() noexcept {
+  return apply_visitor(GetVisitor<T>(), []() -> T* { return nullptr; });
+}
+
+template <class T>
+const T* data_t::get_if() const noexcept {
+  return apply_visitor(GetVisitor<const T>(), []() -> const T* { return nullptr; });
+}
+
+template <class T>
+std::runtime_error data_t::get_error() const {
+  return mismatch(*this, typeid(T), TAG_OF<T>);
+}
+
+template <class T>
 T& data_t::get() {
-  return apply_visitor(GetVisitor<T>(), []() -> T& { report_get_from_empty(); });
+  if (T* const content = get_if<T>()) return *content;
+  throw get_error<T>();
 }
 
 template <class T>
 const T& data_t::get() const {
-  return apply_visitor(GetVisitor<const T>(), []() -> const T& { report_get_from_empty(); });
+  if (const T* const content = get_if<T>()) return *content;
+  throw get_error<T>();
 }
 
 } // namespace com::velanto::connectivity

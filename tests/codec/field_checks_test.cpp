@@ -95,11 +95,15 @@ TEST_F(FieldChecks, NothingToReadIsReportedWithoutALine) {
   }
 }
 
-// A value whose get throws something that is no std::exception.
+// A value whose typed access throws something that is no std::exception.
 struct Hostile {
   template <class T>
-  T& get() const {
+  T* get_if() const {
     throw 42;
+  }
+  template <class T>
+  [[nodiscard]] std::runtime_error get_error() const {
+    return std::runtime_error("not reached");
   }
 };
 
