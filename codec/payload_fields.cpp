@@ -22,7 +22,7 @@ std::runtime_error unreadableTime(char const* text) {
   return std::runtime_error("Error parsing timestamp '" + std::string(text) + "' in key 'time'");
 }
 
-map_entry_t extractEntryOrThrow(map_t& map, key_ref key, char const* where) {
+inline map_entry_t extractEntryOrThrow(map_t& map, key_ref key, char const* where) {
   map_slot_t* const found = map.find_slot(key);
   if (found == nullptr) throw missing(key.key, where);
   return map.extract(*found);

@@ -1,6 +1,7 @@
 // What a host can do wrong, or differently, at the C interface of the built library.
 #include <gtest/gtest.h>
 
+#include <exception>
 #include <thread>
 
 #include "tests/end_to_end/loaded_codec.hpp"
@@ -65,6 +66,30 @@ TEST_F(BoundaryTest, ThrowingNextLinkIsLoggedAndTheCodecStaysUsable) {
   EXPECT_EQ(takeLog(), (lines_t{line(3, "Exception from sendBatchTowardsHost: jam")}));
   library_.setNextTowardsHost(codec.plugin(), &codec.host, Received::take);
   static_cast<void>(codec.converted(notification(EVENT_PATH, eventPayload())));
+}
+
+TEST_F(BoundaryTest, NextLinkMayThrowWhateverItLikes) {
+  LoadedCodec codec(library_, map_of("tenantId", text("")));
+  library_.setNextTowardsHost(
+      codec.plugin(), nullptr,
+      [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) { throw 42; });
+  Message message = notification(EVENT_PATH, eventPayload());
+  EXPECT_EQ(codec.sendTowardsHost(message), 1);
+  EXPECT_EQ(takeLog(), (lines_t{line(3, "Unknown exception from sendBatchTowardsHost")}));
+}
+
+// A C++ library of the plug-in's own would count apart what it catches, and leave the host's count
+// of exceptions under way one too high.
+TEST_F(BoundaryTest, ExceptionOfANextLinkIsOverForTheHostToo) {
+  LoadedCodec codec(library_, map_of("tenantId", text("")));
+  library_.setNextTowardsHost(codec.plugin(), nullptr,
+                              [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {
+                                throw std::runtime_error("jam");
+                              });
+  Message message = notification(EVENT_PATH, eventPayload());
+  EXPECT_EQ(codec.sendTowardsHost(message), 1);
+  EXPECT_EQ(std::uncaught_exceptions(), 0);
+  takeLog();
 }
 
 TEST_F(BoundaryTest, TextsOfMessagesAreNeverFormats) {

@@ -1,0 +1,204 @@
+// The plug-in as the loader sees it: what it offers, what it asks for, and that it is hardened. Reads
+// the built file and loads nothing.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iostream>
+#include <utility>
+
+#include "tests/end_to_end/elf_file.hpp"
+#include "tests/end_to_end/unwind_table.hpp"
+
+namespace com::velanto::connectivity::test {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::IsSubsetOf;
+using ::testing::Not;
+using ::testing::Truly;
+using ::testing::UnorderedElementsAreArray;
+using names_t = std::vector<std::string>;
+
+names_t entryPoints() {
+  names_t names = {"_vlt_plugin_checkIsCodec",
+                   "vlt_create_plugin_with_params",
+                   "vlt_destroy_plugin",
+                   "vlt_plugin_api_version",
+                   "vlt_plugin_hostReady",
+                   "vlt_plugin_product_version",
+                   "vlt_plugin_sendBatchTowardsHost",
+                   "vlt_plugin_sendBatchTowardsTransport",
+                   "vlt_plugin_setNextTowardsHost",
+                   "vlt_plugin_setNextTowardsTransport",
+                   "vlt_plugin_shutdown",
+                   "vlt_plugin_start"};
+  for (std::string& name : names) name += "_OstroviaNotifications2Codec";
+  return names;
+}
+
+const names_t HOST_FUNCTIONS = {"vlt_allocate_map",   "vlt_copy_data",          "vlt_copy_string",
+                                "vlt_data_to_string", "vlt_free_buffer",        "vlt_free_custom",
+                                "vlt_free_map",       "vlt_free_string",        "vlt_free_vector",
+                                "vlt_get_log_level",  "vlt_hash_string",        "vlt_log_at",
+                                "vlt_reallocate_map", "vlt_set_user_status_map"};
+
+bool belongsToTheHost(const std::string& name) {
+  return name.starts_with("vlt_") || name.starts_with("_vlt_") || name.starts_with("standin_");
+}
+
+class BuiltLibraryTest : public ::testing::Test {
+ protected:
+  template <class Selection>
+  names_t namesOf(const Selection& selected) const {
+    names_t names;
+    for (const ElfFile::symbol_t& symbol : library_.dynamicSymbols()) {
+      if (selected(symbol)) names.push_back(symbol.name);
+    }
+    return names;
+  }
+
+  // The highest version of a family, "GLIBC_", that the library asks for, with the symbol.
+  std::pair<std::vector<int>, std::string> highest(const std::string& family) const {
+    std::pair<std::vector<int>, std::string> found;
+    for (const ElfFile::symbol_t& symbol : library_.dynamicSymbols()) {
+      if (!symbol.version.starts_with(family)) continue;
+      std::vector<int> numbers;
+      for (std::size_t at = family.size() - 1; at != std::string::npos;
+           at = symbol.version.find('.', at + 1)) {
+        numbers.push_back(std::stoi(symbol.version.substr(at + 1)));
+      }
+      found = std::max(found, {numbers, symbol.version + " (" + symbol.name + ")"});
+    }
+    std::cout << "highest of " << family << "*: " << found.second << '\n';
+    return found;
+  }
+
+  const ElfFile library_{VLT_PLUGIN_PATH};
+};
+
+// ---- what it offers and asks for
+
+TEST_F(BuiltLibraryTest, IsNamedAfterItsCodec) {
+  EXPECT_THAT(library_.dynamicTexts(DT_SONAME), ElementsAre("libOstroviaNotifications2Codec.so"));
+}
+
+TEST_F(BuiltLibraryTest, NamesTheHostsClientLibraryAsNeeded) {
+  EXPECT_THAT(library_.dynamicTexts(DT_NEEDED), Contains("libtvclient.so.10.15"));
+}
+
+// The host has its client library loaded; a path of the build machine must not lead elsewhere.
+TEST_F(BuiltLibraryTest, HasNoRunPath) {
+  EXPECT_THAT(library_.dynamicTexts(DT_RPATH), IsEmpty());
+  EXPECT_THAT(library_.dynamicTexts(DT_RUNPATH), IsEmpty());
+}
+
+// Nothing of the C++ library either: whatever is defined here is out of the host's way, and the
+// host's definitions cannot take its place.
+TEST_F(BuiltLibraryTest, ExportsTheTwelveEntryPointsAndNothingElse) {
+  EXPECT_THAT(namesOf([](const auto& symbol) { return symbol.defined(); }),
+              UnorderedElementsAreArray(entryPoints()));
+}
+
+TEST_F(BuiltLibraryTest, AsksTheHostForItsFunctionsOnly) {
+  const names_t asked = namesOf(
+      [](const auto& symbol) { return !symbol.defined() && belongsToTheHost(symbol.name); });
+  EXPECT_THAT(asked, Not(IsEmpty()));
+  EXPECT_THAT(asked, IsSubsetOf(HOST_FUNCTIONS));
+}
+
+// ---- what stays loaded
+
+TEST_F(BuiltLibraryTest, CanBeUnloaded) {
+  const std::vector<std::uint64_t> flags = library_.dynamicValues(DT_FLAGS_1);
+  for (const std::uint64_t value : flags) EXPECT_EQ(value & DF_1_NODELETE, 0U);
+  EXPECT_THAT(namesOf([](const auto& symbol) {
+                return ELF64_ST_BIND(symbol.entry.st_info) == STB_GNU_UNIQUE;
+              }),
+              IsEmpty());
+}
+
+// ---- hardening
+
+TEST_F(BuiltLibraryTest, BindsAllItsAddressesWhenItIsLoaded) {
+  ASSERT_EQ(library_.dynamicValues(DT_FLAGS).size(), 1U);
+  EXPECT_NE(library_.dynamicValues(DT_FLAGS)[0] & DF_BIND_NOW, 0U);
+}
+
+TEST_F(BuiltLibraryTest, MakesItsBoundAddressesReadOnly) {
+  const auto read_only = library_.segment(PT_GNU_RELRO);
+  ASSERT_TRUE(read_only);
+  for (const std::uint64_t table : library_.dynamicValues(DT_PLTGOT)) {
+    EXPECT_GE(table, read_only->p_vaddr);
+    EXPECT_LT(table, read_only->p_vaddr + read_only->p_memsz);
+  }
+}
+
+TEST_F(BuiltLibraryTest, AsksForAStackThatIsNotExecutable) {
+  const auto stack = library_.segment(PT_GNU_STACK);
+  ASSERT_TRUE(stack);
+  EXPECT_EQ(stack->p_flags & PF_X, 0U);
+}
+
+TEST_F(BuiltLibraryTest, HasNoMemoryThatIsBothWritableAndExecutable) {
+  for (const Elf64_Phdr& segment : library_.segments()) {
+    EXPECT_NE(segment.p_flags & (PF_W | PF_X), std::uint32_t{PF_W | PF_X});
+  }
+  EXPECT_THAT(library_.dynamicValues(DT_TEXTREL), IsEmpty());
+}
+
+TEST_F(BuiltLibraryTest, GuardsArraysOnTheStack) {
+  EXPECT_THAT(namesOf([](const auto&) { return true; }), Contains("__stack_chk_fail"));
+}
+
+#ifdef VLT_FORTIFIED
+// Functions of the C library that write into memory whose size the compiler knows.
+TEST_F(BuiltLibraryTest, UsesTheCheckedFunctionsOfTheCLibrary) {
+  EXPECT_THAT(namesOf([](const auto&) { return true; }), Contains("__snprintf_chk"));
+  EXPECT_THAT(namesOf([](const auto&) { return true; }), Not(Contains("snprintf")));
+}
+
+// ---- exceptions
+
+bool passesThrough(const guarded_call_t& call) { return call.landing_pad == 0 || call.action == 0; }
+
+// The others answer at once, or, as this codec has nothing to do there, could not throw.
+bool canFail(const std::string& entry_point) {
+  return entry_point.find("create") != std::string::npos ||
+         entry_point.find("Next") != std::string::npos ||
+         entry_point.find("Batch") != std::string::npos;
+}
+
+// Without optimisation the guards are functions of their own, and the entry points' tables are
+// empty.
+TEST_F(BuiltLibraryTest, EntryPointsLetNoExceptionThrough) {
+  const std::vector<frame_t> frames = readFrames(library_);
+  for (const ElfFile::symbol_t& symbol : library_.dynamicSymbols()) {
+    if (!symbol.defined()) continue;
+    const auto frame = std::find_if(frames.begin(), frames.end(), [&](const frame_t& candidate) {
+      return candidate.start == symbol.entry.st_value;
+    });
+    ASSERT_NE(frame, frames.end()) << symbol.name;
+    EXPECT_TRUE(frame->calls || !canFail(symbol.name)) << symbol.name;
+    if (frame->calls) {
+      EXPECT_THAT(*frame->calls, Not(Contains(Truly(passesThrough)))) << symbol.name;
+    }
+  }
+}
+
+// ---- what it runs on; see docs/reliability.md
+
+TEST_F(BuiltLibraryTest, RunsOnTheCLibraryFromVersion214On) {
+  EXPECT_LE(highest("GLIBC_").first, (std::vector{2, 14}));
+}
+
+TEST_F(BuiltLibraryTest, RunsOnTheCppLibraryOfGcc5AndLater) {
+  EXPECT_LE(highest("GLIBCXX_").first, (std::vector{3, 4, 21}));
+  EXPECT_LE(highest("CXXABI_").first, (std::vector{1, 3, 9}));
+}
+#endif
+
+} // namespace
+} // namespace com::velanto::connectivity::test

@@ -1,0 +1,54 @@
+// A C++ host that has a C++ library of its own inside, beside the shared one that the plug-in brings:
+// exceptions of the plug-in are caught in the plug-in, and those of the host's links too.
+//
+// Exit status 0, or 1 after a line on standard error that names the check that failed.
+#include <cstdlib>
+#include <iostream>
+#include <stdexcept>
+
+#include "tests/support/plugin_library.hpp"
+#include "tests/support/values.hpp"
+
+namespace com::velanto::connectivity::test {
+namespace {
+
+void require(bool holds, const char* what) {
+  if (holds) return;
+  std::cerr << "own_runtime_host: not so: " << what << '\n';
+  std::exit(EXIT_FAILURE);
+}
+
+void jam(void* kind, vlt_underlying_message_t*, vlt_underlying_message_t*) {
+  if (kind == nullptr) throw std::runtime_error("jam");
+  throw 42;
+}
+
+void run(const char* path) {
+  const PluginLibrary library(path);
+  const data_t settings = map_of("tenantId", text("t1"));
+  void* const codec = library.create("codec", "chain", settings.underlying(), nullptr, nullptr);
+  require(codec != nullptr, "the codec is created");
+
+  Received host;
+  library.setNextTowardsHost(codec, &host, Received::take);
+  Message unknown = notification("tenant/subscription/inventory/1", map_of("id", text("1")));
+  require(library.sendBatchTowardsHost(codec, &unknown, &unknown + 1) == 0, "the batch succeeds");
+  require(host.calls == 1 && host.messages.empty(), "the message is dropped");
+
+  int number = 0;
+  for (void* kind : {static_cast<void*>(nullptr), static_cast<void*>(&number)}) {
+    library.setNextTowardsHost(codec, kind, jam);
+    Message passing;
+    require(library.sendBatchTowardsHost(codec, &passing, &passing + 1) == 1, "the batch fails");
+  }
+  require(library.destroy(codec) == 0, "the codec is destroyed");
+}
+
+} // namespace
+} // namespace com::velanto::connectivity::test
+
+int main(int argc, char** argv) {
+  if (argc != 2) return EXIT_FAILURE;
+  com::velanto::connectivity::test::run(argv[1]);
+  return EXIT_SUCCESS;
+}

@@ -1,0 +1,30 @@
+#include "tests/soak/figures.hpp"
+
+#include "value/murmur_hash.hpp"
+
+namespace com::velanto::connectivity::soak {
+
+std::uint64_t mixed(std::uint64_t digest, std::string_view text) noexcept {
+  return hashes::murmur_hash(reinterpret_cast<const unsigned char*>(text.data()), text.size(),
+                             digest);
+}
+
+std::string figures_t::imbalance() const {
+  if (sent_towards_host != reached_host + dropped) {
+    return "towards the host, what was sent is not what arrived and what was logged as dropped";
+  }
+  if (sent_towards_transport != reached_transport) {
+    return "towards the transport, what was sent is not what arrived";
+  }
+  return {};
+}
+
+std::string describe(const figures_t& figures) {
+  return "sent " + std::to_string(figures.sent_towards_host) + " + " +
+         std::to_string(figures.sent_towards_transport) + ", reached the host " +
+         std::to_string(figures.reached_host) + ", dropped " + std::to_string(figures.dropped) +
+         ", reached the transport " + std::to_string(figures.reached_transport) + ", traced " +
+         std::to_string(figures.traced) + ", digest " + std::to_string(figures.digest);
+}
+
+} // namespace com::velanto::connectivity::soak

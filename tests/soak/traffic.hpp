@@ -1,0 +1,62 @@
+// Mixed traffic through a plug-in, in rounds. A round sends every message that was read
+//
+//   in both directions, in batches of 1, 7, 64 and 256, each time as fresh copies
+//
+// and adds up what the links and the log got. What changes from round to round, by its number, must
+// change nothing of that:
+//
+//   every 5th    the codec is destroyed and another one created
+//   every 20th   the codec is created at the trace level, which adds lines and nothing else
+#ifndef VLT_TESTS_SOAK_TRAFFIC_HPP
+#define VLT_TESTS_SOAK_TRAFFIC_HPP
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/soak/figures.hpp"
+#include "tools/plugin_host/hosted_plugin.hpp"
+
+namespace com::velanto::connectivity::soak {
+
+class Traffic {
+ public:
+  static constexpr int NEW_CODEC_EVERY = 5;
+  static constexpr int TRACED_EVERY = 20;
+
+  // `library` must outlive it. Takes the process's log for as long as it lives.
+  Traffic(const tools::PluginLibrary& library, std::vector<Message>&& messages);
+  Traffic(const Traffic&) = delete;
+  Traffic& operator=(const Traffic&) = delete;
+  ~Traffic();
+
+  [[nodiscard]] static bool isTraced(std::int64_t round) noexcept {
+    return round % TRACED_EVERY == TRACED_EVERY - 1;
+  }
+
+  // Throws std::runtime_error when the plug-in reports failure.
+  [[nodiscard]] figures_t run(std::int64_t round);
+
+ private:
+  void renewCodec(bool traced);
+  void send(tools::Direction direction, std::size_t batch_size);
+  void add(const Message* start, const Message* end, std::int64_t& reached);
+
+  static void log(void* context, const char* category, vlt_log_level_t level, const char* text);
+  static void takeTowardsHost(void* handle, vlt_underlying_message_t* start,
+                              vlt_underlying_message_t* end) noexcept;
+  static void takeTowardsTransport(void* handle, vlt_underlying_message_t* start,
+                                   vlt_underlying_message_t* end) noexcept;
+
+  const tools::PluginLibrary& library_;
+  std::vector<Message> messages_;
+  std::vector<Message> batch_;
+  std::optional<tools::HostedPlugin> codec_;
+  bool codec_traces_ = false;
+  std::string text_; // of the message at hand
+  figures_t figures_;
+};
+
+} // namespace com::velanto::connectivity::soak
+
+#endif
