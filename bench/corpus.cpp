@@ -329,4 +329,16 @@ lines_t measurementWithSeries(std::size_t series) {
   return {Maker::whole(JsonObject().text("pulsarPath", "t4100/bench/measurements/1"), payload)};
 }
 
+lines_t managedObjectWithPosition(std::size_t components) {
+  Maker maker(7);
+  JsonObject payload = maker.opening(kind_t::managedobjects, fault_t::none);
+  payload.text("name", "Tower crane").text("type", "site_Crane");
+  JsonObject position;
+  for (std::size_t i = 0; i < components; ++i) {
+    position.member('c' + to_string(i), maker.number());
+  }
+  payload.member("o6a_Position", position.str());
+  return {Maker::whole(JsonObject().text("pulsarPath", "t4100/bench/managedobjects/1"), payload)};
+}
+
 } // namespace com::velanto::connectivity::bench

@@ -44,6 +44,9 @@ inline constexpr std::array ALL_KINDS = {kind_t::alarms, kind_t::events, kind_t:
 // One measurement with `series` series in one fragment.
 [[nodiscard]] lines_t measurementWithSeries(std::size_t series);
 
+// One managed object with `components` numeric components in its position.
+[[nodiscard]] lines_t managedObjectWithPosition(std::size_t components);
+
 } // namespace com::velanto::connectivity::bench
 
 #endif

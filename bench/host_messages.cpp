@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 
+#include <cmath>
 #include <new>
 
 #include "standin/standin.h"
@@ -16,13 +17,29 @@ vlt_underlying_message_t& underlying(Message& message) noexcept {
   return reinterpret_cast<vlt_underlying_message_t&>(message);
 }
 
+// The capacity of `tables_t::worst` for that many entries: of the capacities that tables grow
+// through, twice the one that comes out nearest to three fifths full.
+std::int64_t worstCapacity(std::int64_t live) noexcept {
+  constexpr double WORST_LOAD = 0.6;
+  const auto distance = [live](std::int64_t capacity) {
+    return std::abs(static_cast<double>(live) / (2.0 * static_cast<double>(capacity)) - WORST_LOAD);
+  };
+  std::int64_t best = 8;
+  for (std::int64_t at = 8; at <= 2 * live; at = 2 * (3 * at / 4 + 1) + 2) {
+    if (2 * at > live && distance(at) < distance(best)) best = at;
+  }
+  return 2 * best;
+}
+
 // Gives every table another capacity, the inner ones too; `turn` counts the tables.
 class Rebuilder {
  public:
+  explicit Rebuilder(tables_t tables) noexcept : tables_(tables) {}
+
   void rebuild(vlt_underlying_map_table_t*& table) {
     if (table == nullptr) return;
-    const std::int64_t room = 3 * table->live;
-    const std::int64_t capacity = table->live + 1 + (room == 0 ? 0 : (turn_++ * 7) % room);
+    const std::int64_t capacity =
+        tables_ == tables_t::worst ? worstCapacity(table->live) : nextCapacity(table->live);
     table = vlt_reallocate_map(table, capacity);
     if (table == nullptr) throw std::bad_alloc();
     auto* const slots = reinterpret_cast<vlt_underlying_map_table_entry_t*>(table + 1);
@@ -30,6 +47,10 @@ class Rebuilder {
   }
 
  private:
+  std::int64_t nextCapacity(std::int64_t live) noexcept {
+    const std::int64_t room = 3 * live;
+    return live + 1 + (room == 0 ? 0 : (turn_++ * 7) % room);
+  }
   void rebuildWithin(vlt_underlying_data_t& value) {
     if (value.tag == VLT_TAG_MAP) rebuild(value.value.map);
     if (value.tag != VLT_TAG_LIST || value.value.list == nullptr) return;
@@ -37,6 +58,7 @@ class Rebuilder {
     for (std::int64_t i = 0; i < value.value.list->count; ++i) rebuildWithin(elements[i]);
   }
 
+  tables_t tables_;
   std::int64_t turn_ = 0;
 };
 
@@ -66,7 +88,7 @@ LogCapture* innermost = nullptr;
 
 messages_t readMessages(const lines_t& lines, tables_t tables) {
   tools::JsonReader reader;
-  Rebuilder rebuilder;
+  Rebuilder rebuilder(tables);
   messages_t messages;
   messages.reserve(lines.size());
   for (const std::string& line : lines) {

@@ -78,7 +78,7 @@ std::string scalingText(const suite_t& suite) {
                       fixed(ratio(other.samples, floor), 2)});
     }
   }
-  return titled("Scaling (ns per field or series)", rows);
+  return titled("Scaling (ns per field, series or component)", rows);
 }
 
 std::string threadsText(const std::string& title, const suite_t& suite) {

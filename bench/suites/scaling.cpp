@@ -5,23 +5,44 @@
 
 namespace com::velanto::connectivity::bench {
 
+namespace {
+
+// Messages of one shape, over their size.
+struct shape_t {
+  const char* part; // what there are many of
+  lines_t (*make)(std::size_t count);
+};
+
+constexpr shape_t SHAPES[] = {{"fields", eventWithFields},
+                              {"series", measurementWithSeries},
+                              {"position components", managedObjectWithPosition}};
+
+group_t measure(const options_t& options, const shape_t& shape, std::size_t count,
+                tables_t tables) {
+  constexpr std::size_t PARTS_PER_RUN = 20'000; // enough for the clock, if messages are small
+  const lines_t message = shape.make(count);
+  lines_t lines;
+  const std::size_t copies = std::clamp<std::size_t>(PARTS_PER_RUN / count, 1, LARGE_BATCH);
+  for (std::size_t i = 0; i < copies; ++i) lines.push_back(message.front());
+  std::string name = std::to_string(count) + ' ' + shape.part;
+  if (tables == tables_t::worst) name += ", worst tables";
+  Heat heat(options, std::move(name), std::move(lines), tables);
+  heat.withPlugin().withFloor("floor", floor::variant_t::plain);
+  const std::size_t rounds = options.rounds / (tables == tables_t::worst ? 15 : 3);
+  return heat.run(std::max<std::size_t>(rounds, 1), static_cast<double>(count));
+}
+
+} // namespace
+
 suite_t measureScaling(const options_t& options) {
-  constexpr std::size_t FIELDS_PER_RUN = 20'000; // enough for the clock, if messages are small
-  suite_t suite{"scaling", "ns per field", {}};
-  const auto add = [&](const std::string& name, const lines_t& message, std::size_t fields) {
-    lines_t lines;
-    const std::size_t copies = std::clamp<std::size_t>(FIELDS_PER_RUN / fields, 1, LARGE_BATCH);
-    for (std::size_t i = 0; i < copies; ++i) lines.push_back(message.front());
-    Heat heat(options, name, std::move(lines));
-    heat.withPlugin().withFloor("floor", floor::variant_t::plain);
-    const std::size_t rounds = std::max<std::size_t>(options.rounds / 3, 1);
-    suite.groups.push_back(heat.run(rounds, static_cast<double>(fields)));
-  };
-  for (const std::size_t count : {10u, 100u, 1'000u, 10'000u, 100'000u}) {
-    add(std::to_string(count) + " fields", eventWithFields(count), count);
-  }
-  for (const std::size_t count : {10u, 100u, 1'000u, 10'000u, 100'000u}) {
-    add(std::to_string(count) + " series", measurementWithSeries(count), count);
+  suite_t suite{"scaling", "ns per part", {}};
+  for (const shape_t& shape : SHAPES) {
+    for (const std::size_t count : {10u, 100u, 1'000u, 10'000u, 100'000u}) {
+      suite.groups.push_back(measure(options, shape, count, tables_t::grown));
+    }
+    for (const std::size_t count : {1'000u, 10'000u, 100'000u}) {
+      suite.groups.push_back(measure(options, shape, count, tables_t::worst));
+    }
   }
   return suite;
 }
