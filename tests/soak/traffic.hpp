@@ -6,7 +6,7 @@
 // change nothing of that:
 //
 //   every 5th    the codec is destroyed and another one created
-//   every 20th   the codec is created at the trace level, which adds lines and nothing else
+//   every 10th   the codec is created at the trace level, which adds lines and nothing else
 #ifndef VLT_TESTS_SOAK_TRAFFIC_HPP
 #define VLT_TESTS_SOAK_TRAFFIC_HPP
 
@@ -22,7 +22,7 @@ namespace com::velanto::connectivity::soak {
 class Traffic {
  public:
   static constexpr int NEW_CODEC_EVERY = 5;
-  static constexpr int TRACED_EVERY = 20;
+  static constexpr int TRACED_EVERY = 10;
 
   // `library` must outlive it. Takes the process's log for as long as it lives.
   Traffic(const tools::PluginLibrary& library, std::vector<Message>&& messages);

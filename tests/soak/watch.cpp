@@ -12,8 +12,8 @@ namespace com::velanto::connectivity::soak {
 
 namespace {
 
-// Two rounds of each kind, and the codec made anew in between.
-constexpr std::int64_t WARM_UP_ROUNDS = 2 * Traffic::TRACED_EVERY;
+// A round of each kind, and the codec made anew in between.
+constexpr std::int64_t WARM_UP_ROUNDS = Traffic::TRACED_EVERY;
 constexpr double WARM_UP_SHARE = 0.1; // of the time
 // What the C library's heap may take besides, for good or ill luck in where blocks come to lie.
 [[maybe_unused]] constexpr std::int64_t GROWTH_ALLOWED = 1 << 20;
