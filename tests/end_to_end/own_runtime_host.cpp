@@ -3,6 +3,7 @@
 //
 // Exit status 0, or 1 after a line on standard error that names the check that failed.
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 #include <stdexcept>
 
@@ -49,6 +50,11 @@ void run(const char* path) {
 
 int main(int argc, char** argv) {
   if (argc != 2) return EXIT_FAILURE;
-  com::velanto::connectivity::test::run(argv[1]);
-  return EXIT_SUCCESS;
+  try {
+    com::velanto::connectivity::test::run(argv[1]);
+    return EXIT_SUCCESS;
+  } catch (const std::exception& e) {
+    std::cerr << "own_runtime_host: " << e.what() << '\n';
+    return EXIT_FAILURE;
+  }
 }
