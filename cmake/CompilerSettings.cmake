@@ -2,11 +2,11 @@
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 
 if(VLT_SANITIZE)
-  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
+  add_compile_options(-fsanitize=${VLT_SANITIZE} -fno-sanitize-recover=all
                       -fno-omit-frame-pointer)
   # g++ 12 takes boost::optional's storage for uninitialised once the sanitizers have rewritten it.
   add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
-  add_link_options(-fsanitize=address,undefined)
+  add_link_options(-fsanitize=${VLT_SANITIZE})
 endif()
 
 if(VLT_COVERAGE)

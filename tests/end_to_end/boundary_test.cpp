@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <exception>
-#include <thread>
 
 #include "tests/end_to_end/loaded_codec.hpp"
 
@@ -98,25 +97,6 @@ TEST_F(BoundaryTest, TextsOfMessagesAreNeverFormats) {
   EXPECT_EQ(codec.sendTowardsHost(message), 0);
   EXPECT_EQ(takeLog(),
             (lines_t{dropped(" ('id' = '%s%n'): Unrecognised Pulsar message type: '%s%n%d'")}));
-}
-
-TEST_F(BoundaryTest, CodecsOfSeveralThreadsDoNotDisturbEachOther) {
-  constexpr int EACH = 200;
-  const auto work = [this](const char* tenant, int* right) {
-    LoadedCodec codec(library_, map_of("tenantId", text(tenant)), "codec", tenant);
-    for (int i = 0; i < EACH; ++i) {
-      Message event = codec.converted(notification(EVENT_PATH, eventPayload(tenant)));
-      auto& fields = event.getPayload().get<map_t>();
-      if (at(fields, "tenantId") == text(tenant) && at(fields, "id") == text(tenant)) ++*right;
-    }
-  };
-  int first = 0;
-  int second = 0;
-  std::thread other(work, "t1", &first);
-  work("t2", &second);
-  other.join();
-  EXPECT_EQ(first, EACH);
-  EXPECT_EQ(second, EACH);
 }
 
 } // namespace
