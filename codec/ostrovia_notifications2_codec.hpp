@@ -17,7 +17,8 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
  public:
-  // Throws std::runtime_error when "tenantId" is missing, empty of any value or not a string.
+  // Throws std::runtime_error when "tenantId" is missing, empty of any value or not a string, and
+  // std::bad_alloc, also when there was no memory for the constants while the library was loaded.
   explicit OstroviaNotifications2Codec(
       const PluginConstructorParameters::CodecConstructorParameters& params);
 

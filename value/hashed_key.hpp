@@ -16,6 +16,9 @@ class hashed_key_t : public data_t {
   // Copies the text. Throws std::runtime_error for null, std::bad_alloc.
   explicit hashed_key_t(const char* text) : data_t(text), hash_(hashes::key_hash(*this)) {}
 
+  // Takes over `key`, which must be neither custom nor hold a custom value.
+  explicit hashed_key_t(data_t&& key) : data_t(std::move(key)), hash_(hashes::key_hash(*this)) {}
+
   [[nodiscard]] std::uint64_t hash() const noexcept { return hash_; }
 
   // A value of its own. Throws std::bad_alloc.

@@ -24,6 +24,14 @@ TEST_F(HashedKey, IsAStringWithTheHashOfItsText) {
   }
 }
 
+TEST_F(HashedKey, TakesOverAValueThatIsThere) {
+  data_t made = text("a");
+  const char* const content = made.get<const char*>();
+  const hashed_key_t key(std::move(made));
+  EXPECT_EQ(key.get<const char*>(), content);
+  EXPECT_EQ(key.hash(), hashed_key_t("a").hash());
+}
+
 TEST_F(HashedKey, NullIsRefused) {
   EXPECT_EQ(error_of([] { const hashed_key_t key(nullptr); }),
             "Cannot use a null char* as a data_t value (consider using an empty data_t() instead)");
