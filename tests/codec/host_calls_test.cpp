@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "tests/codec/codec_fixture.hpp"
-#include "tests/plugin/allocations.hpp"
+#include "tests/support/allocations.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
 namespace {

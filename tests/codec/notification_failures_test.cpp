@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "tests/codec/codec_fixture.hpp"
-#include "tests/plugin/allocations.hpp"
+#include "tests/support/allocations.hpp"
 #include "tests/support/stderr_capture.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {

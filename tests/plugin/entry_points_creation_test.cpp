@@ -3,8 +3,8 @@
 
 #include <cstring>
 
-#include "tests/plugin/allocations.hpp"
 #include "tests/plugin/failing_library.hpp"
+#include "tests/support/allocations.hpp"
 #include "tests/support/stderr_capture.hpp"
 
 namespace com::velanto::connectivity::test {

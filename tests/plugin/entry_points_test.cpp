@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <tuple>
 
-#include "tests/plugin/allocations.hpp"
 #include "tests/plugin/failing_library.hpp"
+#include "tests/support/allocations.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {

@@ -4,7 +4,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "tests/plugin/allocations.hpp"
+#include "tests/support/allocations.hpp"
 #include "tests/support/host_fixture.hpp"
 
 namespace com::velanto::connectivity::test {

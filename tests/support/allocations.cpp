@@ -1,10 +1,11 @@
 // The replaced operator new and delete. The array forms end in these; the forms for a larger
 // alignment are not replaced, since nothing here uses them.
-#include "tests/plugin/allocations.hpp"
+#include "tests/support/allocations.hpp"
 
 #include <atomic>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace com::velanto::connectivity::test {
 
@@ -14,11 +15,23 @@ std::atomic<std::int64_t> made{0};
 std::atomic<std::int64_t> held{0};
 thread_local bool refusing = false;
 
+// The n-th allocation refused: those left up to and including it; 0: none is requested.
+thread_local std::uint64_t left = 0;
+thread_local bool all_after_too = false;
+thread_local std::uint64_t refused = 0;
+
+bool countAndRefuse() noexcept {
+  if (left == 0 || --left > 0) return false;
+  if (all_after_too) left = 1;
+  ++refused;
+  return true;
+}
+
 } // namespace
 
 // Null when refused or exhausted. Not in the unnamed namespace: the operators are global.
 static void* take(std::size_t size) noexcept {
-  void* const memory = refusing ? nullptr : std::malloc(size == 0 ? 1 : size);
+  void* const memory = refusing || countAndRefuse() ? nullptr : std::malloc(size == 0 ? 1 : size);
   if (memory != nullptr) {
     ++made;
     ++held;
@@ -36,6 +49,16 @@ std::int64_t allocationsHeld() noexcept { return held; }
 
 NoMemory::NoMemory() noexcept { refusing = true; }
 NoMemory::~NoMemory() { refusing = false; }
+
+void failAllocation(std::uint64_t n, bool all_after) noexcept {
+  left = n;
+  all_after_too = all_after;
+  if (n > 0) refused = 0;
+}
+std::uint64_t refusedAllocations() noexcept { return refused; }
+
+UncountedAllocations::UncountedAllocations() noexcept : left_(std::exchange(left, 0)) {}
+UncountedAllocations::~UncountedAllocations() { left = left_; }
 
 } // namespace com::velanto::connectivity::test
 
