@@ -91,7 +91,7 @@ void data_t::free_block() noexcept {
 }
 
 // Both have the same tag.
-bool data_t::same_content(const data_t& other) const noexcept {
+bool data_t::same_content(const data_t& other) const {
   switch (tag_) {
     case VLT_TAG_EMPTY:
       return true;

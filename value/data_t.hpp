@@ -116,8 +116,9 @@ class data_t {
   }
 
   // Same kind and same content; no conversion between kinds, so a borrowed string never equals an
-  // owned one. A NaN and a custom value differ from everything, themselves included.
-  bool operator==(const data_t& other) const noexcept {
+  // owned one. A NaN and a custom value differ from everything, themselves included. Containers in
+  // containers need memory to be compared: throws std::bad_alloc.
+  bool operator==(const data_t& other) const {
     if (tag_ != other.tag_) return false;
     // Nearly every comparison is one of keys.
     if (tag_ == VLT_TAG_STRING && content_.string != nullptr && other.content_.string != nullptr) {
@@ -187,7 +188,7 @@ class data_t {
     other.tag_ = VLT_TAG_EMPTY;
   }
   void free_block() noexcept;
-  [[nodiscard]] bool same_content(const data_t& other) const noexcept;
+  [[nodiscard]] bool same_content(const data_t& other) const;
   void copy_text(const char* text);
 
   template <class Self, class Visitor, class OnNothing>

@@ -13,6 +13,9 @@
 //
 // Lists, maps and buffers start over from BASE whatever seed they are given, so the seed varies only
 // inside a list; the asymmetry is the host's and is kept.
+//
+// However deep a value is, its hash takes the same stack. Containers in containers take memory
+// instead: throws std::bad_alloc.
 #ifndef VLT_VALUE_HASHES_HPP
 #define VLT_VALUE_HASHES_HPP
 

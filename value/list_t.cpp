@@ -2,6 +2,7 @@
 
 #include "value/data_t.hpp"
 #include "value/iterator_checks.hpp"
+#include "value/nested_equality.hpp"
 
 namespace com::velanto::connectivity {
 
@@ -15,13 +16,7 @@ list_t::iterator list_t::end() noexcept { return {this, size()}; }
 list_t::const_iterator list_t::begin() const noexcept { return {this, 0}; }
 list_t::const_iterator list_t::end() const noexcept { return {this, size()}; }
 
-bool list_t::operator==(const list_t& other) const noexcept {
-  if (size() != other.size()) return false;
-  for (std::size_t i = 0; i < size(); ++i) {
-    if ((*this)[i] != other[i]) return false;
-  }
-  return true;
-}
+bool list_t::operator==(const list_t& other) const { return are_equal(*this, other); }
 
 template <bool Const>
 list_t::_iterator<Const>::_iterator(list_pointer list, std::size_t index) noexcept
@@ -29,7 +24,7 @@ list_t::_iterator<Const>::_iterator(list_pointer list, std::size_t index) noexce
 
 template <bool Const>
 void list_t::_iterator<Const>::check() const {
-  const bool lost_block = block_ != nullptr && list_->block_ == nullptr;
+  const bool lost_block = list_ == nullptr || (block_ != nullptr && list_->block_ == nullptr);
   if (lost_block || list_->size() != count_) {
     iterator_checks::report(iterator_checks::LIST_MODIFIED);
   }
@@ -61,8 +56,10 @@ auto list_t::_iterator<Const>::operator++(int) -> _iterator {
 
 template <bool Const>
 bool list_t::_iterator<Const>::operator==(const _iterator& other) const {
-  check();
-  other.check();
+  if (list_ != nullptr || other.list_ != nullptr) {
+    check();
+    other.check();
+  }
   return index_ == other.index_;
 }
 

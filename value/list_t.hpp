@@ -54,8 +54,8 @@ class list_t {
   [[nodiscard]] const_iterator begin() const noexcept;
   [[nodiscard]] const_iterator end() const noexcept;
 
-  // Same count and pairwise equal elements, in order.
-  bool operator==(const list_t& other) const noexcept;
+  // Same count and pairwise equal elements, in order. Throws std::bad_alloc.
+  bool operator==(const list_t& other) const;
 
  private:
   void reset(vlt_underlying_vector_t* block) noexcept {
@@ -77,6 +77,8 @@ class list_t::_iterator {
   using pointer = std::conditional_t<Const, const data_t*, data_t*>;
   using list_pointer = std::conditional_t<Const, const list_t*, list_t*>;
 
+  // Of no list: equals its like, and is as good as one whose list lost its block. Must not be
+  // dereferenced.
   _iterator() noexcept = default;
   // Points at element `index` of `list`, which must outlive the iterator.
   _iterator(list_pointer list, std::size_t index) noexcept;

@@ -8,6 +8,7 @@
 #include "value/hashes.hpp"
 #include "value/iterator_checks.hpp"
 #include "value/map_slot.hpp"
+#include "value/nested_equality.hpp"
 
 namespace com::velanto::connectivity {
 
@@ -82,7 +83,7 @@ map_t map_t::copy() const {
 
 // Apart from find_for_insert, which also has to remember where an entry could go: lookups are what
 // a conversion does most.
-map_slot_t* map_t::find_slot(key_ref key) const noexcept {
+map_slot_t* map_t::find_slot(key_ref key) const {
   const std::int64_t slot_count = capacity();
   if (slot_count == 0) return nullptr;
   map_slot_t* const slot = slots();
@@ -96,7 +97,7 @@ map_slot_t* map_t::find_slot(key_ref key) const noexcept {
   return nullptr;
 }
 
-map_t::probe_t map_t::find_for_insert(key_ref key) const noexcept {
+map_t::probe_t map_t::find_for_insert(key_ref key) const {
   const std::int64_t slot_count = capacity();
   if (slot_count == 0) return {NONE, NONE};
   const map_slot_t* const slot = slots();
@@ -126,15 +127,15 @@ std::int64_t map_t::find_vacant(std::uint64_t hash) const noexcept {
   return i;
 }
 
-std::int64_t map_t::index_of(key_ref key) const noexcept {
+std::int64_t map_t::index_of(key_ref key) const {
   const map_slot_t* const found = find_slot(key);
   return found == nullptr ? capacity() : found - slots();
 }
 
-map_t::iterator map_t::find(key_ref key) noexcept { return {this, index_of(key)}; }
-map_t::const_iterator map_t::find(key_ref key) const noexcept { return {this, index_of(key)}; }
+map_t::iterator map_t::find(key_ref key) { return {this, index_of(key)}; }
+map_t::const_iterator map_t::find(key_ref key) const { return {this, index_of(key)}; }
 
-const data_t* map_t::find_value(key_ref key) const noexcept {
+const data_t* map_t::find_value(key_ref key) const {
   const map_slot_t* const found = find_slot(key);
   return found == nullptr ? nullptr : &found->value;
 }
@@ -243,7 +244,7 @@ void map_t::erase(const iterator& position) {
   static_cast<void>(extract(position.slots_[position.index_]));
 }
 
-map_entry_t map_t::extract(key_ref key) noexcept {
+map_entry_t map_t::extract(key_ref key) {
   map_slot_t* const found = find_slot(key);
   return found == nullptr ? map_entry_t() : extract(*found);
 }
@@ -287,16 +288,7 @@ map_t::const_iterator map_t::begin() const {
 map_t::iterator map_t::end() { return {this, capacity()}; }
 map_t::const_iterator map_t::end() const { return {this, capacity()}; }
 
-bool map_t::operator==(const map_t& other) const noexcept {
-  if (size() != other.size()) return false;
-  for (std::int64_t i = 0; i < capacity(); ++i) {
-    const map_slot_t& slot = slots()[i];
-    if (!slot.is_live()) continue;
-    const data_t* const value = other.find_value(slot);
-    if (value == nullptr || slot.value != *value) return false;
-  }
-  return true;
-}
+bool map_t::operator==(const map_t& other) const { return are_equal(*this, other); }
 
 template <bool Const>
 map_t::_iterator<Const>::_iterator(map_pointer map, std::int64_t index) noexcept
@@ -308,7 +300,7 @@ map_t::_iterator<Const>::_iterator(map_pointer map, std::int64_t index) noexcept
 
 template <bool Const>
 void map_t::_iterator<Const>::check() const {
-  const bool valid = map_->slots() == slots_ && map_->capacity() == capacity_ &&
+  const bool valid = map_ != nullptr && map_->slots() == slots_ && map_->capacity() == capacity_ &&
                      static_cast<std::int64_t>(map_->size()) == live_;
   if (!valid) iterator_checks::report(iterator_checks::MAP_MODIFIED);
 }

@@ -92,11 +92,14 @@ class map_t {
   }
   [[nodiscard]] bool empty() const noexcept { return size() == 0; }
 
+  // Lookups throw std::bad_alloc when keys with containers in containers have to be compared and
+  // there is no memory for that; looking for any other key never throws.
+
   // The entry under `key`, or end().
-  [[nodiscard]] iterator find(key_ref key) noexcept;
-  [[nodiscard]] const_iterator find(key_ref key) const noexcept;
+  [[nodiscard]] iterator find(key_ref key);
+  [[nodiscard]] const_iterator find(key_ref key) const;
   // Its value, or null. Valid until the map is next modified.
-  [[nodiscard]] const data_t* find_value(key_ref key) const noexcept;
+  [[nodiscard]] const data_t* find_value(key_ref key) const;
 
   // The value under `key`, inserted empty when absent; the key is consumed either way. The
   // reference lives until the map is next modified. Throws as insert does.
@@ -125,10 +128,10 @@ class map_t {
   void erase(const iterator& position);
 
   // Removes the entry under `key` and returns it; no entry when there is none.
-  [[nodiscard]] map_entry_t extract(key_ref key) noexcept;
+  [[nodiscard]] map_entry_t extract(key_ref key);
   // The same in two steps. The slot, or null, is valid until the map is next modified; it must be
   // one of an entry of this map.
-  [[nodiscard]] map_slot_t* find_slot(key_ref key) const noexcept;
+  [[nodiscard]] map_slot_t* find_slot(key_ref key) const;
   [[nodiscard]] map_entry_t extract(map_slot_t& slot) noexcept;
 
   // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the
@@ -145,8 +148,8 @@ class map_t {
   [[nodiscard]] const_iterator begin() const;
   [[nodiscard]] const_iterator end() const;
 
-  // Same entries, whatever their order, capacity and history.
-  bool operator==(const map_t& other) const noexcept;
+  // Same entries, whatever their order, capacity and history. Throws std::bad_alloc.
+  bool operator==(const map_t& other) const;
 
   // Number of slots; 0 without a table.
   [[nodiscard]] std::int64_t capacity() const noexcept {
@@ -169,8 +172,8 @@ class map_t {
     if (old != nullptr) vlt_free_map(old);
   }
   [[nodiscard]] map_slot_t* slots() const noexcept;
-  [[nodiscard]] std::int64_t index_of(key_ref key) const noexcept;
-  [[nodiscard]] probe_t find_for_insert(key_ref key) const noexcept;
+  [[nodiscard]] std::int64_t index_of(key_ref key) const;
+  [[nodiscard]] probe_t find_for_insert(key_ref key) const;
   [[nodiscard]] std::int64_t find_vacant(std::uint64_t hash) const noexcept;
   [[nodiscard]] bool must_grow() const noexcept;
   void grow();
@@ -196,6 +199,7 @@ class map_t::_iterator {
   };
   using pointer = arrow;
 
+  // Of no map: equals its like, and is never valid.
   _iterator() noexcept = default;
 
   // Throw std::runtime_error when the map was modified, or, for the comparison, when the iterators

@@ -149,6 +149,17 @@ TEST_F(ListT, FaultsAreRuntimeErrors) {
   EXPECT_THROW(++it, std::runtime_error);
 }
 
+TEST_F(ListT, IteratorOfNoListEqualsItsLikeAndIsOtherwiseAFault) {
+  list_t::iterator none;
+  EXPECT_TRUE(none == list_t::iterator());
+  EXPECT_EQ(error_of([&] { ++none; }), MODIFIED);
+  EXPECT_EQ(error_of([&] { none++; }), MODIFIED);
+  EXPECT_EQ(error_of([&] { static_cast<void>(none == list_.begin()); }), MODIFIED);
+  EXPECT_EQ(error_of([&] { static_cast<void>(list_.begin() == none); }), MODIFIED);
+  const SkippedChecks skipped;
+  EXPECT_EQ(error_of([&] { ++none; }), "nothing thrown");
+}
+
 TEST_F(ListT, ElementsMayChangeUnderAnIterator) {
   auto it = list_.begin();
   list_[1] = text("other");

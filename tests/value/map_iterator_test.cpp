@@ -172,6 +172,15 @@ TEST_F(MapIterator, MapWithoutTableKeepsItsIteratorsValid) {
   EXPECT_EQ(error_of_advance(map.begin()), NOTHING);
 }
 
+TEST_F(MapIterator, IteratorOfNoMapIsNeverValid) {
+  expect_invalid(map_t::iterator());
+  expect_invalid(map_t::const_iterator());
+  EXPECT_TRUE(map_t::iterator() == map_t::iterator());
+  map_t map = with_keys("3");
+  EXPECT_EQ(error_of([&] { static_cast<void>(map_t::iterator() == map.begin()); }), DIFFERENT);
+  EXPECT_EQ(error_of([&] { map.erase(map_t::iterator()); }), DIFFERENT);
+}
+
 TEST_F(MapIterator, ChangingAValueInvalidatesNothing) {
   map_t map = with_keys("3", "5");
   const auto it = map.begin();
