@@ -1,6 +1,7 @@
 #include "plugin/map_extractor.hpp"
 
 #include <exception>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -32,6 +33,8 @@ std::string MapExtractor::get<std::string>(const data_t& key,
                                            const std::string& defaultValue) const {
   try {
     return convert_to<std::string>(doGet(key));
+  } catch (const std::bad_alloc&) {
+    throw; // says nothing about the setting
   } catch (const std::exception&) {
     return defaultValue;
   }
