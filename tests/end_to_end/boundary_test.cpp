@@ -1,4 +1,5 @@
-// What a host can do wrong, or differently, at the C interface of the built library.
+// What a host may do differently at the C interface of the built library; what it can do wrong is
+// in tests/misuse/.
 #include <gtest/gtest.h>
 
 #include <exception>
@@ -9,31 +10,6 @@ namespace com::velanto::connectivity::test {
 namespace {
 
 class BoundaryTest : public EndToEnd {};
-
-TEST_F(BoundaryTest, NullPluginDoesNothing) {
-  Received host;
-  EXPECT_EQ(library_.destroy(nullptr), 0);
-  EXPECT_EQ(library_.start(nullptr), 1);
-  EXPECT_EQ(library_.hostReady(nullptr), 1);
-  EXPECT_EQ(library_.shutdown(nullptr), 1);
-  EXPECT_EQ(library_.setNextTowardsHost(nullptr, &host, Received::take), 1);
-  EXPECT_EQ(library_.setNextTowardsTransport(nullptr, &host, Received::take), 1);
-  EXPECT_EQ(library_.sendBatchTowardsHost(nullptr, nullptr, nullptr), 1);
-  EXPECT_EQ(library_.sendBatchTowardsTransport(nullptr, nullptr, nullptr), 1);
-  EXPECT_EQ(host.calls, 0);
-  EXPECT_EQ(takeLog(), lines_t{});
-}
-
-TEST_F(BoundaryTest, NullBatchFunctionIsRefusedAndThePreviousLinkStays) {
-  LoadedCodec codec(library_, map_of("tenantId", text("")));
-  EXPECT_EQ(library_.setNextTowardsHost(codec.plugin(), nullptr, nullptr), 1);
-  EXPECT_EQ(
-      takeLog(),
-      (lines_t{line(
-          2, "Exception from setNextTowardsHost: Cannot use a null batch function as a link")}));
-  static_cast<void>(codec.converted(notification(EVENT_PATH, eventPayload())));
-  EXPECT_EQ(codec.host.calls, 1);
-}
 
 TEST_F(BoundaryTest, NullNamesReadAsEmptyOnes) {
   LoadedCodec codec(library_, map_of("tenantId", text("")), nullptr, nullptr);
