@@ -22,7 +22,7 @@ class ExhaustionFixture : private LibraryHolder, public HostFixture {
 
   ExhaustionFixture() { standin_set_log_sink(&ExhaustionFixture::note, this); }
 
-  // The texts of the lines since the last call, whose categories must be the codec's.
+  // The lines since the last call.
   std::vector<log_line_t> takeLines() { return std::exchange(noted_, {}); }
 
   // What one of the codec's lines begins with.
