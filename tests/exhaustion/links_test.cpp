@@ -10,13 +10,15 @@ constexpr exhaustion_t ONE_OF_ITS_OWN = EXHAUSTIONS[2];
 constexpr exhaustion_t ITS_OWN_FOR_GOOD = EXHAUSTIONS[3];
 
 class ExhaustedLinks : public ExhaustionFixture {
+ public:
+  ~ExhaustedLinks() override { library_.destroy(codec_); }
+
  protected:
   ExhaustedLinks() {
     codec_ = create(map_of("tenantId", text("t1")));
     library_.setNextTowardsHost(codec_, &previous_, count);
     library_.setNextTowardsTransport(codec_, &previous_, count);
   }
-  ~ExhaustedLinks() override { library_.destroy(codec_); }
 
   static void count(void* handle, vlt_underlying_message_t*, vlt_underlying_message_t*) {
     ++*static_cast<int*>(handle);

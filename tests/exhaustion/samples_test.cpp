@@ -24,13 +24,15 @@ class ExhaustedSamples
     : private SamplesHolder,
       public ExhaustionFixture,
       public ::testing::WithParamInterface<std::tuple<exhaustion_t, vlt_log_level_t>> {
+ public:
+  ~ExhaustedSamples() override { library_.destroy(codec_); }
+
  protected:
   ExhaustedSamples() {
     standin_set_default_log_level(std::get<1>(GetParam()));
     codec_ = create(map_of("tenantId", text("t1")));
     library_.setNextTowardsHost(codec_, &arrived_, take);
   }
-  ~ExhaustedSamples() override { library_.destroy(codec_); }
 
   static std::vector<Message> batchAround(const Message& sample) {
     std::vector<Message> batch;

@@ -18,6 +18,9 @@ class LibraryAndSamples {
 };
 
 class SharedCodec : private LibraryAndSamples, public HostFixture {
+ public:
+  ~SharedCodec() override { library_.destroy(codec_); }
+
  protected:
   SharedCodec() {
     standin_set_default_log_level(6);
@@ -25,7 +28,6 @@ class SharedCodec : private LibraryAndSamples, public HostFixture {
     codec_ = library_.create("codec", "chain", settings.underlying(), nullptr, nullptr);
     library_.setNextTowardsHost(codec_, &kept_, count);
   }
-  ~SharedCodec() override { library_.destroy(codec_); }
 
   // A link for several threads at once.
   static void count(void* handle, vlt_underlying_message_t* start, vlt_underlying_message_t* end) {
