@@ -7,6 +7,8 @@
 #   clang     the preset `clang`, and clang-tidy's view of the sources
 #   lint      ./dev lint, ./dev format
 #   coverage  ./dev coverage
+#   fuzz      ./dev fuzz, together with clang: the fuzzer's and the sanitizers' runtime, and names in
+#             their reports
 #   bench     ./dev bench; besides, scripts/bench.sh unpacks libboost1.81-dev, which conflicts with
 #             libboost-dev
 #
@@ -25,6 +27,7 @@ declare -A package_groups=(
   [clang]="clang-14"
   [lint]="clang-format-14 clang-tidy-14 git python3 shellcheck"
   [coverage]="gcovr"
+  [fuzz]="libclang-rt-14-dev llvm-14 python3"
   [bench]="git libbenchmark-dev nlohmann-json3-dev valgrind"
 )
 

@@ -37,6 +37,16 @@ class CheckLayersTest(unittest.TestCase):
         )
         self.assertEqual(["plugin/entry.cpp:2: plugin/ must not include codec/codec.hpp"], errors)
 
+    def test_fuzz_takes_models_from_the_tests_and_nobody_takes_from_fuzz(self):
+        self.assertEqual(
+            (["tests/a_test.cpp:1: tests/ must not include fuzz/finding.hpp"], []),
+            self.report(
+                tests__model_dot_hpp="\n",
+                fuzz__finding_dot_hpp='#include "tests/model.hpp"\n',
+                tests__a_test_dot_cpp='#include "fuzz/finding.hpp"\n',
+            ),
+        )
+
     def test_angle_brackets_hide_no_project_file(self):
         errors, _ = self.report(
             value__data_dot_hpp="\n", standin__map_dot_cpp="#include <value/data.hpp>\n"

@@ -11,10 +11,16 @@
 
 namespace com::velanto::connectivity::test::model {
 
+// The texts that borrowed strings borrow. Whoever makes many of them clears the set when no value is
+// left that borrows one.
+inline std::set<std::string>& lasting_texts() {
+  static std::set<std::string> texts;
+  return texts;
+}
+
 // A text that outlives every value that borrows it.
 inline const char* lasting(const std::string& text) {
-  static std::set<std::string> texts;
-  return texts.insert(text).first->c_str();
+  return lasting_texts().insert(text).first->c_str();
 }
 
 // ---- making blocks; the caller owns the result

@@ -1,0 +1,15 @@
+# What all code gets that a fuzz target drives: counters that tell the fuzzer where an input went.
+# The targets themselves add the fuzzer's own main when they are linked (fuzz/CMakeLists.txt).
+if(VLT_BUILD_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "VLT_BUILD_FUZZ: libFuzzer comes with clang; see the preset `fuzz`")
+  endif()
+  add_compile_options(-fsanitize=fuzzer-no-link)
+  if(VLT_SANITIZE)
+    # The entry points take Message where the host's prototypes have the plain struct of the same
+    # layout; the check compares the names of types.
+    add_compile_options(-fno-sanitize=function)
+    add_compile_options(
+      -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/sanitizer_ignorelist.txt)
+  endif()
+endif()

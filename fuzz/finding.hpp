@@ -1,0 +1,28 @@
+// How a fuzz target says that a check failed: one line, then the end of the process, which the
+// fuzzer answers by keeping the input. A crash needs no such line, it has the sanitizers' report.
+#ifndef VLT_FUZZ_FINDING_HPP
+#define VLT_FUZZ_FINDING_HPP
+
+#include <string>
+
+namespace com::velanto::connectivity::fuzz {
+
+// To standard error as it was when the program began: the fuzzer may have closed it for what the
+// code under test writes there.
+[[noreturn]] void reportFinding(const std::string& text);
+
+// A line for the run's log, to the same place.
+void note(const std::string& text);
+
+// `difference` says how two things that must be the same differ, and is empty when they do not.
+inline void requireNone(const std::string& difference, const char* what) {
+  if (!difference.empty()) reportFinding(std::string(what) + ": " + difference);
+}
+
+inline void require(bool holds, const char* law) {
+  if (!holds) reportFinding(std::string("broken: ") + law);
+}
+
+} // namespace com::velanto::connectivity::fuzz
+
+#endif

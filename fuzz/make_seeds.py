@@ -1,0 +1,85 @@
+#!/usr/bin/env python3
+"""Makes the first inputs of the fuzz targets from the samples, so that no run begins at nothing.
+
+  target   an input is
+  time     a text that the samples have under one of the names of times
+  number   the kind of a text, and a number that they have as a value or in a position; besides, the
+           forms that strtod knows and no sample has
+  map      a program of map operations: random bytes, always the same, since the samples have none
+  plugin   the settings of a run, and which samples make up its batch
+  replay   a line of the samples; a few lines together
+
+usage: make_seeds.py FOLDER     writes FOLDER/TARGET/NAME; run in the project's root
+"""
+
+import json
+import pathlib
+import random
+import sys
+
+SAMPLES = sorted(path for path in pathlib.Path("samples").glob("*.ndjson")
+                 if path.name != "site-day.ndjson")
+TIMES = {"time", "creationTime", "lastUpdated", "firstOccurrenceTime"}
+TAG_STRING = 5
+ODD_NUMBERS = {"", " \t42", "+.5", "-5.", ".", "1e", "1e+400", "12abc", "0x1p3", "inf", "-Infinity",
+               "nan", "nan(12)", "1,5"}
+SEED = 20230405
+
+
+def entries(value):
+    """Every (key, value) of every object within `value`."""
+    if isinstance(value, dict):
+        for key, content in value.items():
+            yield key, content
+            yield from entries(content)
+    elif isinstance(value, list):
+        for element in value:
+            yield from entries(element)
+
+
+def times(messages):
+    texts = {content for message in messages for key, content in entries(message)
+             if key in TIMES and isinstance(content, str)}
+    return [text.encode() for text in sorted(texts)]
+
+
+def numbers(messages):
+    texts = {str(content) for message in messages for key, content in entries(message)
+             if key in {"value", "lat", "lng", "alt"} and not isinstance(content, (dict, list))}
+    return [bytes([TAG_STRING]) + text.encode() for text in sorted(texts | ODD_NUMBERS)]
+
+
+def programs():
+    random.seed(SEED)
+    return [random.randbytes(length) for length in (50, 200, 400, 800)]
+
+
+def batches(count):
+    """As fuzz/plugin/scenario.hpp reads them: no settings beyond the usual ones; single samples
+    without edits, and runs of six."""
+    singles = [bytes([0, 0, 0, 0, 0, index, 0]) for index in range(count)]
+    sixes = [bytes([0, 0, 0, 0, 5]) + b"".join(bytes([index + i, 0]) for i in range(6))
+             for index in range(0, count - 5, 6)]
+    return singles + sixes
+
+
+def write(folder, inputs):
+    folder.mkdir(parents=True, exist_ok=True)
+    for number, content in enumerate(inputs):
+        (folder / f"seed-{number:03}").write_bytes(content)
+
+
+def main():
+    folder = pathlib.Path(sys.argv[1])
+    lines = [line for path in SAMPLES
+             for line in path.read_text(encoding="utf-8").splitlines()]
+    messages = [json.loads(line) for line in lines]
+    write(folder / "time", times(messages))
+    write(folder / "number", numbers(messages))
+    write(folder / "map", programs())
+    write(folder / "plugin", batches(len(lines)))
+    write(folder / "replay", [line.encode() for line in lines + ["\n".join(lines[:3])]])
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,94 @@
+// The reader of recorded messages: whatever it accepts is JSON to another reader too, and is the
+// same when it has been written and read again.
+//
+//   input   lines, each read as a message; and all of it read as one value
+#include <rapidjson/reader.h>
+#include <rapidjson/stream.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "fuzz/finding.hpp"
+#include "standin/standin.h"
+#include "tools/ndjson/json_reader.hpp"
+#include "tools/ndjson/json_writer.hpp"
+
+namespace fuzz = com::velanto::connectivity::fuzz;
+using com::velanto::connectivity::data_t;
+using com::velanto::connectivity::Message;
+using com::velanto::connectivity::tools::JsonReader;
+using com::velanto::connectivity::tools::MalformedJson;
+using com::velanto::connectivity::tools::writeJson;
+
+namespace {
+
+bool isJson(const std::string& text) {
+  constexpr unsigned FLAGS = rapidjson::kParseValidateEncodingFlag |
+                             rapidjson::kParseFullPrecisionFlag | rapidjson::kParseIterativeFlag;
+  rapidjson::Reader reader;
+  rapidjson::BaseReaderHandler<> nothing;
+  rapidjson::StringStream stream(text.c_str());
+  return !reader.Parse<FLAGS>(stream, nothing).IsError();
+}
+
+// What `read` makes of the text, unless the text is refused for a reason that is one line.
+template <class Read>
+auto readIfWellFormed(const Read& read, std::string_view text)
+    -> std::optional<decltype(read(text))> {
+  try {
+    return read(text);
+  } catch (const MalformedJson& e) {
+    const std::string_view reason = e.what();
+    fuzz::require(!reason.empty() && reason.find('\n') == std::string_view::npos,
+                  "a reason is one line");
+    return std::nullopt;
+  }
+}
+
+bool equal(const data_t& left, const data_t& right) { return left == right; }
+bool equal(const Message& left, const Message& right) {
+  return left.getPayload() == right.getPayload() && left.getMetadataMap() == right.getMetadataMap();
+}
+
+// The same text, were it not for the order of entries.
+std::string sorted(std::string text) {
+  std::sort(text.begin(), text.end());
+  return text;
+}
+
+template <class Read>
+void check(const Read& read, std::string_view text) {
+  const auto first = readIfWellFormed(read, text);
+  if (!first) return;
+  fuzz::require(isJson(std::string(text)), "what is accepted is JSON");
+  std::string written;
+  writeJson(written, *first);
+  const auto second = readIfWellFormed(read, written);
+  fuzz::require(second.has_value(), "what was written can be read");
+  fuzz::require(equal(*first, *second), "what was written reads as what it was");
+  std::string again;
+  writeJson(again, *second);
+  fuzz::require(sorted(written) == sorted(again), "the same is written again");
+}
+
+void checkAll(std::string_view input) {
+  static JsonReader reader; // as the tool has one for all lines
+  check([](std::string_view text) { return reader.parseValue(text); }, input);
+  while (!input.empty()) {
+    const std::size_t end = std::min(input.find('\n'), input.size());
+    check([](std::string_view text) { return reader.parseMessage(text); }, input.substr(0, end));
+    input.remove_prefix(std::min(end + 1, input.size()));
+  }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::int64_t live_before = standin_live_blocks_total();
+  checkAll({reinterpret_cast<const char*>(data), size});
+  fuzz::require(standin_live_blocks_total() == live_before, "no block is left");
+  return 0;
+}

@@ -1,0 +1,141 @@
+# shellcheck shell=bash
+# Building and running the fuzz targets. Sourced by ./dev, which runs in the project's root.
+#
+#   fuzz_all SECONDS             every target, as many at a time as there are processors
+#   fuzz_target TARGET SECONDS   one of them
+#   fuzz_file TARGET FILE        one input, once: what a finding does today
+#
+# In build/fuzz, for each target:
+#
+#   seeds/TARGET      made anew from the samples by each run
+#   corpus/TARGET     inputs that reached something new, from this and earlier runs, which go on
+#                     from there
+#   findings/TARGET   inputs that broke a check, crashed, leaked or took too long
+#   log/TARGET        the last run's output
+
+fuzz_targets=(time number map replay)
+
+# The longest inputs, in bytes. Longer ones show little more and slow everything down.
+declare -A fuzz_longest=([time]=64 [number]=64 [map]=1024 [replay]=4096)
+
+# An ordinary input takes milliseconds at most: a slower one found a way to make the code slow. The
+# memory includes 256 MB that AddressSanitizer holds back from reuse.
+fuzz_limits=(-timeout=5 -rss_limit_mb=1024 -malloc_limit_mb=256)
+
+is_fuzz_target() {
+  local target
+  for target in "${fuzz_targets[@]}"; do
+    [[ $1 != "$target" ]] || return 0
+  done
+  return 1
+}
+
+build_fuzz_targets() {
+  build fuzz "${@/#/fuzz-}"
+}
+
+# fuzz_program TARGET ARGS…: the program of a target, with the sanitizers set up.
+fuzz_program() {
+  local target=$1
+  shift
+  ASAN_SYMBOLIZER_PATH=/usr/bin/llvm-symbolizer-14 UBSAN_OPTIONS=print_stacktrace=1 \
+    "build/fuzz/bin/fuzz-$target" "${fuzz_limits[@]}" -max_len="${fuzz_longest[$target]}" "$@"
+}
+
+# fuzz_run TARGET SECONDS: runs a target that is built; prints its closing line and each finding.
+fuzz_run() {
+  local target=$1 seconds=$2 status=0
+  local corpus=build/fuzz/corpus/$target findings=build/fuzz/findings/$target
+  local log=build/fuzz/log/$target
+  mkdir -p "$corpus" "$findings" build/fuzz/log
+  touch "$log.begun"
+  # What the code under test writes to standard error, line by line, would fill the log.
+  fuzz_program "$target" -max_total_time="$seconds" -close_fd_mask=2 -print_final_stats=1 \
+    -artifact_prefix="$findings/" "$corpus" "build/fuzz/seeds/$target" >"$log" 2>&1 || status=$?
+  local -a found
+  mapfile -t found < <(find "$findings" -type f -newer "$log.begun" | LC_ALL=C sort)
+  rm "$log.begun"
+  fuzz_closing_line "$target" "$log" "${#found[@]}"
+  local file
+  for file in "${found[@]}"; do
+    echo "  $file; again: ./dev fuzz $target $file"
+  done
+  if ((status != 0 || ${#found[@]} > 0)); then
+    grep -E 'FINDING|^SUMMARY|^==[0-9]+==ERROR' "$log" | sed 's/^/  /' || true
+    echo "  all of it: $log"
+    return 1
+  fi
+}
+
+# fuzz_closing_line TARGET LOG FINDINGS
+fuzz_closing_line() {
+  awk -v target="$1" -v findings="$3" '
+    match($0, /cov: [0-9]+/) { coverage = substr($0, RSTART + 5, RLENGTH - 5) }
+    /^stat::number_of_executed_units:/ { runs = $2 }
+    /^Done [0-9]+ runs in/ { seconds = $5 }
+    /^COUNTS: / { counts = "; " substr($0, 9) }
+    END {
+      printf "%s: %d runs, coverage %d, %d seconds, %d findings%s\n",
+             target, runs, coverage, seconds, findings, counts
+    }' "$2"
+}
+
+prepare_fuzzing() {
+  build_fuzz_targets "$@"
+  python3 fuzz/make_seeds.py build/fuzz/seeds
+}
+
+fuzz_target() {
+  local target=$1 seconds=$2
+  prepare_fuzzing "$target"
+  note "fuzzing $target for $seconds seconds"
+  fuzz_run "$target" "$seconds"
+}
+
+fuzz_all() {
+  local seconds=$1 failed=0 running=0 target
+  prepare_fuzzing "${fuzz_targets[@]}"
+  note "fuzzing ${fuzz_targets[*]}, each for $seconds seconds"
+  for target in "${fuzz_targets[@]}"; do
+    if ((running == CMAKE_BUILD_PARALLEL_LEVEL)); then
+      wait -n || failed=1
+      running=$((running - 1))
+    fi
+    fuzz_run "$target" "$seconds" &
+    running=$((running + 1))
+  done
+  while ((running > 0)); do
+    wait -n || failed=1
+    running=$((running - 1))
+  done
+  return "$failed"
+}
+
+fuzz_file() {
+  local target=$1 file=$2
+  build_fuzz_targets "$target"
+  fuzz_program "$target" "$file"
+}
+
+# fuzz [TARGET] [SECONDS | FILE]
+fuzz() {
+  local target='' seconds=30
+  if (($#)) && is_fuzz_target "$1"; then
+    target=$1
+    shift
+  fi
+  (($# <= 1)) || fail "fuzz takes a target and a number of seconds or a file"
+  if [[ ${1:-} =~ ^[0-9]+$ ]]; then
+    seconds=$1
+  elif (($#)); then
+    [[ -n $target ]] || fail "no fuzz target '$1'; there are: ${fuzz_targets[*]}"
+    [[ -f $1 ]] || fail "no such file: $1"
+    fuzz_file "$target" "$1"
+    return
+  fi
+  if [[ -n $target ]]; then
+    fuzz_target "$target" "$seconds"
+  else
+    fuzz_all "$seconds"
+  fi
+}
