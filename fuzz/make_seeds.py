@@ -6,7 +6,7 @@
   number   the kind of a text, and a number that they have as a value or in a position; besides, the
            forms that strtod knows and no sample has
   map      a program of map operations: random bytes, always the same, since the samples have none
-  plugin   the settings of a run, and which samples make up its batch
+  plugin   the settings of a run, which samples make up its batch, and what is spoilt in them
   replay   a line of the samples; a few lines together
 
 usage: make_seeds.py FOLDER     writes FOLDER/TARGET/NAME; run in the project's root
@@ -21,6 +21,8 @@ SAMPLES = sorted(path for path in pathlib.Path("samples").glob("*.ndjson")
                  if path.name != "site-day.ndjson")
 TIMES = {"time", "creationTime", "lastUpdated", "firstOccurrenceTime"}
 TAG_STRING = 5
+WAYS_TO_SPOIL = 8
+FAILING_FROM = 176  # the byte of the first failing sample
 ODD_NUMBERS = {"", " \t42", "+.5", "-5.", ".", "1e", "1e+400", "12abc", "0x1p3", "inf", "-Infinity",
                "nan", "nan(12)", "1,5"}
 SEED = 20230405
@@ -54,13 +56,25 @@ def programs():
     return [random.randbytes(length) for length in (50, 200, 400, 800)]
 
 
-def batches(count):
-    """As fuzz/plugin/scenario.hpp reads them: no settings beyond the usual ones; single samples
-    without edits, and runs of six."""
-    singles = [bytes([0, 0, 0, 0, 0, index, 0]) for index in range(count)]
-    sixes = [bytes([0, 0, 0, 0, 5]) + b"".join(bytes([index + i, 0]) for i in range(6))
-             for index in range(0, count - 5, 6)]
+def batches(common, failing):
+    """As fuzz/plugin/scenario.cpp reads them: the usual settings, every second run traced; each
+    sample alone, without edits, and batches of six."""
+    samples = [*range(common), *range(FAILING_FROM, FAILING_FROM + failing)]
+    singles = [bytes([index % 2, 2, 0, 0, 0, sample, 0]) for index, sample in enumerate(samples)]
+    sixes = [bytes([0, 0, 0, 0, 5]) + b"".join(bytes([sample, 0]) for sample in samples[at:at + 6])
+             for at in range(0, len(samples), 6)]
     return singles + sixes
+
+
+def spoilt(messages):
+    """The first sample of each kind, each field spoilt in each way of fuzz/plugin/edits.cpp."""
+    firsts = {}
+    for index, message in enumerate(messages):
+        firsts.setdefault(message["metadata"]["pulsarPath"].split("/")[2], (index, message))
+    return [bytes([0, 2, 0, 0, 0, index, 1, way, field])
+            for index, message in firsts.values()
+            for way in range(WAYS_TO_SPOIL)
+            for field in range(len(message["payload"]))]
 
 
 def write(folder, inputs):
@@ -71,13 +85,16 @@ def write(folder, inputs):
 
 def main():
     folder = pathlib.Path(sys.argv[1])
-    lines = [line for path in SAMPLES
-             for line in path.read_text(encoding="utf-8").splitlines()]
+    common, failing = (
+        [line for path in SAMPLES if (path.name == "failing.ndjson") == is_failing
+         for line in path.read_text(encoding="utf-8").splitlines()]
+        for is_failing in (False, True))
+    lines = common + failing
     messages = [json.loads(line) for line in lines]
     write(folder / "time", times(messages))
     write(folder / "number", numbers(messages))
     write(folder / "map", programs())
-    write(folder / "plugin", batches(len(lines)))
+    write(folder / "plugin", batches(len(common), len(failing)) + spoilt(messages[:len(common)]))
     write(folder / "replay", [line.encode() for line in lines + ["\n".join(lines[:3])]])
 
 

@@ -13,14 +13,14 @@
 #   findings/TARGET   inputs that broke a check, crashed, leaked or took too long
 #   log/TARGET        the last run's output
 
-fuzz_targets=(time number map replay)
+fuzz_targets=(plugin map replay time number)
 
 # The longest inputs, in bytes. Longer ones show little more and slow everything down.
-declare -A fuzz_longest=([time]=64 [number]=64 [map]=1024 [replay]=4096)
+declare -A fuzz_longest=([time]=64 [number]=64 [map]=1024 [plugin]=256 [replay]=4096)
 
-# An ordinary input takes milliseconds at most: a slower one found a way to make the code slow. The
-# memory includes 256 MB that AddressSanitizer holds back from reuse.
-fuzz_limits=(-timeout=5 -rss_limit_mb=1024 -malloc_limit_mb=256)
+# An ordinary input takes milliseconds: one that takes seconds, on a busy machine too, found a way
+# to make the code slow. The memory includes 256 MB that AddressSanitizer holds back from reuse.
+fuzz_limits=(-timeout=10 -rss_limit_mb=1024 -malloc_limit_mb=256)
 
 is_fuzz_target() {
   local target
@@ -39,12 +39,13 @@ fuzz_program() {
   local target=$1
   shift
   ASAN_SYMBOLIZER_PATH=/usr/bin/llvm-symbolizer-14 UBSAN_OPTIONS=print_stacktrace=1 \
-    "build/fuzz/bin/fuzz-$target" "${fuzz_limits[@]}" -max_len="${fuzz_longest[$target]}" "$@"
+    "build/fuzz/bin/fuzz-$target" "${fuzz_limits[@]}" -max_len="${fuzz_longest[$target]}" \
+    -len_control=20 "$@"
 }
 
 # fuzz_run TARGET SECONDS: runs a target that is built; prints its closing line and each finding.
 fuzz_run() {
-  local target=$1 seconds=$2 status=0
+  local target=$1 seconds=$2 status=0 begin=$SECONDS
   local corpus=build/fuzz/corpus/$target findings=build/fuzz/findings/$target
   local log=build/fuzz/log/$target
   mkdir -p "$corpus" "$findings" build/fuzz/log
@@ -55,24 +56,25 @@ fuzz_run() {
   local -a found
   mapfile -t found < <(find "$findings" -type f -newer "$log.begun" | LC_ALL=C sort)
   rm "$log.begun"
-  fuzz_closing_line "$target" "$log" "${#found[@]}"
+  fuzz_closing_line "$target" "$log" $((SECONDS - begin)) "${#found[@]}"
   local file
   for file in "${found[@]}"; do
     echo "  $file; again: ./dev fuzz $target $file"
   done
   if ((status != 0 || ${#found[@]} > 0)); then
-    grep -E 'FINDING|^SUMMARY|^==[0-9]+==ERROR' "$log" | sed 's/^/  /' || true
+    # The input may be in the text, whatever its bytes are.
+    grep --text -E 'FINDING|runtime error:|^SUMMARY|^==[0-9]+==ERROR' "$log" |
+      cat --show-nonprinting | sed 's/^/  /' || true
     echo "  all of it: $log"
     return 1
   fi
 }
 
-# fuzz_closing_line TARGET LOG FINDINGS
+# fuzz_closing_line TARGET LOG SECONDS FINDINGS
 fuzz_closing_line() {
-  awk -v target="$1" -v findings="$3" '
+  awk -v target="$1" -v seconds="$3" -v findings="$4" '
     match($0, /cov: [0-9]+/) { coverage = substr($0, RSTART + 5, RLENGTH - 5) }
     /^stat::number_of_executed_units:/ { runs = $2 }
-    /^Done [0-9]+ runs in/ { seconds = $5 }
     /^COUNTS: / { counts = "; " substr($0, 9) }
     END {
       printf "%s: %d runs, coverage %d, %d seconds, %d findings%s\n",
@@ -82,6 +84,7 @@ fuzz_closing_line() {
 
 prepare_fuzzing() {
   build_fuzz_targets "$@"
+  rm -rf build/fuzz/seeds
   python3 fuzz/make_seeds.py build/fuzz/seeds
 }
 
@@ -129,8 +132,11 @@ fuzz() {
     seconds=$1
   elif (($#)); then
     [[ -n $target ]] || fail "no fuzz target '$1'; there are: ${fuzz_targets[*]}"
-    [[ -f $1 ]] || fail "no such file: $1"
-    fuzz_file "$target" "$1"
+    # shellcheck disable=SC2154 # set by ./dev
+    local file=$callers_directory/$1
+    [[ $1 != /* ]] || file=$1
+    [[ -f $file ]] || fail "no such file: $file"
+    fuzz_file "$target" "$file"
     return
   fi
   if [[ -n $target ]]; then

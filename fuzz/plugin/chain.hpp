@@ -1,0 +1,70 @@
+// The plug-in in a chain of one, driven through its C functions, with everything seen that it does:
+// lines logged, ranges passed on, results.
+//
+// What must hold whatever happens is checked here: results are 0 or 1, a range passed on is the
+// front of the batch, and every block has one owner and is the host's, the messages' or the
+// plug-in's own.
+#ifndef VLT_FUZZ_PLUGIN_CHAIN_HPP
+#define VLT_FUZZ_PLUGIN_CHAIN_HPP
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fuzz/plugin/batch.hpp"
+#include "fuzz/plugin/scenario.hpp"
+
+namespace com::velanto::connectivity::fuzz {
+
+struct line_t {
+  vlt_log_level_t level;
+  std::string text;
+  bool operator==(const line_t&) const = default;
+};
+
+// What sending a batch came to.
+struct outcome_t {
+  int result = 0;
+  std::optional<std::size_t> kept; // messages passed on; nothing: no call of the next link
+  std::vector<line_t> lines;
+};
+
+class Chain {
+ public:
+  // Loads the plug-in library, which makes blocks of its own; before the first chain.
+  static void loadLibrary();
+
+  // Creates the plug-in, unless it refuses, with its links set and started.
+  explicit Chain(const scenario_t& scenario);
+  Chain(const Chain&) = delete;
+  Chain& operator=(const Chain&) = delete;
+  ~Chain(); // shuts down and destroys; a finding when a block is left
+
+  [[nodiscard]] bool exists() const { return plugin_ != nullptr; }
+  // What was logged until now.
+  [[nodiscard]] const std::vector<line_t>& lines() const { return lines_; }
+
+  outcome_t sendTowardsHost(Batch& batch);
+  outcome_t sendTowardsTransport(Batch& batch);
+
+ private:
+  using send_t = int (*)(void*, Message*, Message*);
+  outcome_t send(send_t function, Batch& batch);
+  void setLinks(links_t links);
+
+  static void file(void* chain, const char* category, vlt_log_level_t level, const char* text);
+  static void pass(void* chain, vlt_underlying_message_t* start, vlt_underlying_message_t* end);
+  static void passAndThrow(void* chain, vlt_underlying_message_t* start,
+                           vlt_underlying_message_t* end);
+
+  std::int64_t live_before_;
+  std::vector<line_t> lines_;
+  void* plugin_ = nullptr;
+  Batch* under_way_ = nullptr;
+  std::optional<std::size_t> passed_;
+};
+
+} // namespace com::velanto::connectivity::fuzz
+
+#endif

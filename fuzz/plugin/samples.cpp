@@ -1,0 +1,77 @@
+#include "fuzz/plugin/samples.hpp"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+#include "fuzz/finding.hpp"
+#include "tools/ndjson/json_reader.hpp"
+
+namespace com::velanto::connectivity::fuzz {
+
+namespace {
+
+std::vector<std::filesystem::path> files() {
+  std::vector<std::filesystem::path> result;
+  for (const auto& entry : std::filesystem::directory_iterator(VLT_FUZZ_SAMPLES)) {
+    const std::filesystem::path& path = entry.path();
+    if (path.extension() == ".ndjson" && path.filename() != "site-day.ndjson") {
+      result.push_back(path);
+    }
+  }
+  std::sort(result.begin(), result.end());
+  return result;
+}
+
+void collectWords(const model::table_t& table, std::set<std::string>& words);
+
+void collectWords(const model::value_t& value, std::set<std::string>& words) {
+  if (isText(value)) words.insert(value.text);
+  for (const model::value_t& element : value.elements) collectWords(element, words);
+  collectWords(value.table, words);
+}
+
+void collectWords(const model::table_t& table, std::set<std::string>& words) {
+  for (const model::slot_t& slot : table.slots) {
+    collectWords(slot.key, words);
+    collectWords(slot.value, words);
+  }
+}
+
+samples_t read() {
+  samples_t result;
+  // Also what the codec's configuration and events have, and no sample does.
+  std::set<std::string> words = {"measurementSplittingChannel",
+                                 "towardsHostChannelPrefix",
+                                 "tenantId",
+                                 "vlt.type",
+                                 "vlt.channel",
+                                 "params",
+                                 "position"};
+  tools::JsonReader reader;
+  for (const std::filesystem::path& path : files()) {
+    std::ifstream lines(path);
+    auto& messages = path.filename() == "failing.ndjson" ? result.failing : result.messages;
+    for (std::string line; std::getline(lines, line);) {
+      const Message message = reader.parseMessage(line);
+      const auto& bytes = reinterpret_cast<const vlt_underlying_message_t&>(message);
+      const message_t& added = messages.emplace_back(modelOf(bytes));
+      collectWords(added.payload, words);
+      collectWords(added.metadata, words);
+    }
+  }
+  if (result.messages.empty() || result.failing.empty())
+    reportFinding("no samples in " VLT_FUZZ_SAMPLES);
+  result.words.assign(words.begin(), words.end());
+  return result;
+}
+
+} // namespace
+
+const samples_t& samples() {
+  static const samples_t result = read();
+  return result;
+}
+
+} // namespace com::velanto::connectivity::fuzz
