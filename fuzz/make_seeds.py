@@ -21,7 +21,11 @@ SAMPLES = sorted(path for path in pathlib.Path("samples").glob("*.ndjson")
                  if path.name != "site-day.ndjson")
 TIMES = {"time", "creationTime", "lastUpdated", "firstOccurrenceTime"}
 TAG_STRING = 5
+# Bytes of fuzz/plugin/edits.cpp.
 WAYS_TO_SPOIL = 8
+ANYWHERE = 128
+METADATA = 224
+REPLACE = 1
 FAILING_FROM = 176  # the byte of the first failing sample
 ODD_NUMBERS = {"", " \t42", "+.5", "-5.", ".", "1e", "1e+400", "12abc", "0x1p3", "inf", "-Infinity",
                "nan", "nan(12)", "1,5"}
@@ -77,6 +81,14 @@ def spoilt(messages):
             for field in range(len(message["payload"]))]
 
 
+def of_every_kind():
+    """A payload, and then a path, of each of the twelve kinds, with a block and without one."""
+    kinds = [*range(12), *range(240, 252)]
+    payloads = [bytes([0, 2, 0, 0, 0, 0, 1, ANYWHERE, 0, REPLACE, kind]) for kind in kinds]
+    paths = [bytes([0, 2, 0, 0, 0, 0, 1, METADATA, 0, REPLACE, kind]) for kind in kinds]
+    return payloads + paths
+
+
 def write(folder, inputs):
     folder.mkdir(parents=True, exist_ok=True)
     for number, content in enumerate(inputs):
@@ -94,7 +106,8 @@ def main():
     write(folder / "time", times(messages))
     write(folder / "number", numbers(messages))
     write(folder / "map", programs())
-    write(folder / "plugin", batches(len(common), len(failing)) + spoilt(messages[:len(common)]))
+    write(folder / "plugin", batches(len(common), len(failing))
+          + spoilt(messages[:len(common)]) + of_every_kind())
     write(folder / "replay", [line.encode() for line in lines + ["\n".join(lines[:3])]])
 
 

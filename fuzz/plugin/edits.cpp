@@ -158,13 +158,17 @@ void transplant(message_t&, const place_t& place, ValueMaker& input) {
   *place.value = std::move(*anyPlace(donor, input.byte(), input).value);
 }
 
+void replacePayload(message_t& message, const place_t&, ValueMaker& input) {
+  message.payload = input.value();
+}
+
 void dropMetadata(message_t& message, const place_t&, ValueMaker&) { message.metadata = {}; }
 
 using edit_t = void (*)(message_t&, const place_t&, ValueMaker&);
 // First those that spoil a field, then those that change the message's shape.
-constexpr std::array<edit_t, 15> EDITS = {
-    makeNull, replace, erase,  borrowKey, borrow, changeText,     lengthen,    transplant,
-    add,      addMany, rename, resize,    nest,   routeElsewhere, dropMetadata};
+constexpr std::array<edit_t, 16> EDITS = {
+    makeNull, replace, erase,  borrowKey, borrow, changeText,     lengthen,     transplant,
+    add,      addMany, rename, resize,    nest,   routeElsewhere, dropMetadata, replacePayload};
 constexpr std::size_t SPOILING = 8;
 
 } // namespace
