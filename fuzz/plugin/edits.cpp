@@ -75,7 +75,7 @@ void addMany(message_t&, const place_t& place, ValueMaker& input) {
   model::value_t key = input.key();
   const model::value_t value = input.value(2);
   for (unsigned left = input.byte(); left > 0; --left) {
-    if (isText(key)) key.text += static_cast<char>('a' + left % 26);
+    if (isText(key) && !key.null) key.text += static_cast<char>('a' + left % 26);
     if (key.tag == VLT_TAG_INTEGER) key.bits += left;
     put(*table, key, value);
   }
