@@ -1,7 +1,6 @@
 #include "plugin/map_extractor.hpp"
 
 #include <exception>
-#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -33,8 +32,6 @@ std::string MapExtractor::get<std::string>(const data_t& key,
                                            const std::string& defaultValue) const {
   try {
     return convert_to<std::string>(doGet(key));
-  } catch (const std::bad_alloc&) {
-    throw; // says nothing about the setting
   } catch (const std::exception&) {
     return defaultValue;
   }

@@ -19,8 +19,7 @@ class MapExtractor {
   [[nodiscard]] const data_t& doGet(const data_t& key) const;
 
   // The value under `key` converted to T, or the default when it is absent, empty or cannot be
-  // converted. Throws std::bad_alloc, so that no setting is lost unnoticed. Defined for
-  // std::string.
+  // converted, for whatever reason, lack of memory included. Defined for std::string.
   template <class T>
   [[nodiscard]] T get(const data_t& key, const T& defaultValue) const;
 

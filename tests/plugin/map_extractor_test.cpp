@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "tests/support/allocations.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/stderr_capture.hpp"
 #include "tests/support/values.hpp"
@@ -121,6 +122,18 @@ TEST_F(MapExtractorTest, KeyTextIsTheHostsRendering) {
   EXPECT_EQ(MapExtractor::stringifyKey(text("k")), "\"k\"");
   EXPECT_EQ(MapExtractor::stringifyKey(whole(3)), "3");
   EXPECT_EQ(MapExtractor::stringifyKey(data_t()), "null");
+}
+
+TEST_F(MapExtractorTest, TextWithoutMemoryForItGivesTheDefault) {
+  settings_[text("long")] = text("longer than a std::string keeps inside");
+  const data_t key = text("long");
+  const std::string short_default = "d";
+  failAllocation(1, false);
+  const std::string read = extractor_.get<std::string>(key, short_default);
+  const std::uint64_t refused = refusedAllocations();
+  failAllocation(0, false);
+  EXPECT_EQ(read, "d");
+  EXPECT_EQ(refused, 1U);
 }
 
 TEST_F(MapExtractorTest, KeyThatCannotBeRenderedGivesTheDefault) {
