@@ -52,4 +52,12 @@ bool setLogLevel(vlt_log_level_t level) noexcept {
   return true;
 }
 
+bool setLogSink(log_sink_t sink, void* context) noexcept {
+  using function_t = decltype(standin_set_log_sink);
+  auto* const function = find<function_t>("standin_set_log_sink");
+  if (function == nullptr) return false;
+  function(sink, context);
+  return true;
+}
+
 } // namespace com::velanto::connectivity::tools

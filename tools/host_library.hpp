@@ -3,7 +3,7 @@
 //
 //   lists            made with the host's own functions: a list of empty values is laid out here,
 //                    copied by vlt_copy_data, and the copy, which is the host's, is filled in place
-//   blocks, levels   offered by the stand-in only, so looked up by name at run time; a tool that
+//   blocks, log      offered by the stand-in only, so looked up by name at run time; a tool that
 //                    linked them could not be built against a real library
 #ifndef VLT_TOOLS_HOST_LIBRARY_HPP
 #define VLT_TOOLS_HOST_LIBRARY_HPP
@@ -27,6 +27,15 @@ namespace com::velanto::connectivity::tools {
 // Sets the level of every log category. False: the library keeps its levels to itself, nothing
 // changed.
 bool setLogLevel(vlt_log_level_t level) noexcept;
+
+// Takes one line of the log, without a line end; the texts are valid during the call only. May be
+// called on several threads at once and must not throw.
+using log_sink_t = void (*)(void* context, const char* category, vlt_log_level_t level,
+                            const char* text);
+
+// Sends the log to `sink` with `context`, which stays the caller's; null: back to where the library
+// sends it by itself. False: the library keeps its log to itself, nothing changed.
+bool setLogSink(log_sink_t sink, void* context) noexcept;
 
 } // namespace com::velanto::connectivity::tools
 

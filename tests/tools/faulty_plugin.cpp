@@ -1,8 +1,11 @@
 // A plug-in that does wrong what its configuration names under "tenantId": an operation that is to
 // fail ("create", "start", "sendBatchTowardsHost" and so on), or
 //
-//   leak     each batch makes a block of the host that nobody frees
-//   twice    each batch is sent on twice
+//   leak      each batch makes a block of the host that nobody frees
+//   twice     each batch is sent on twice
+//   silence   each batch vanishes without a word
+//   greed     of a batch of several messages, the last one vanishes without a word
+//   late      a message that nobody has sent comes out in shutdown
 //
 // With any other tenant it sends on whatever comes. It stands where the real plug-in would, so it
 // bears that one's name.
@@ -31,7 +34,15 @@ class OstroviaNotifications2Codec final : public FailingOperations {
   void sendBatchTowardsHost(Message* start, Message* end) override {
     if (fault_ == "leak") static_cast<void>(vlt_allocate_map(1));
     if (fault_ == "twice") FailingOperations::sendBatchTowardsHost(start, end);
+    if (fault_ == "silence") end = start;
+    if (fault_ == "greed" && end - start > 1) --end;
     FailingOperations::sendBatchTowardsHost(start, end);
+  }
+  void shutdown() override {
+    FailingOperations::shutdown();
+    if (fault_ != "late") return;
+    Message unasked(data_t(true));
+    FailingOperations::sendBatchTowardsHost(&unasked, &unasked + 1);
   }
 
  private:

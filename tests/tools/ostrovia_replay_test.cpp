@@ -1,89 +1,19 @@
 // The built program as people run it: its standard streams and its exit status.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <fstream>
 #include <string>
-#include <vector>
 
-#include "tests/tools/elapsed.hpp"
-#include "tests/tools/temporary_folder.hpp"
+#include "tests/tools/program.hpp"
+#include "tools/replay/exit_status.hpp"
+#include "tools/replay/options.hpp"
 
 namespace com::velanto::connectivity::test {
 
 namespace {
-
-struct result_t {
-  int status; // -1 when a signal ended the program
-  std::string out;
-  std::string diagnostics; // without the time
-  long memory;             // the most that was resident, in KiB
-};
-
-// The program with its surroundings.
-class Program : public ::testing::Test {
- protected:
-  result_t run(const std::vector<std::string>& arguments) {
-    const std::string in_path = folder_.write("in", input_);
-    const std::string diagnostics_path = folder_.path("diagnostics");
-    posix_spawn_file_actions_t streams;
-    posix_spawn_file_actions_init(&streams);
-    open(streams, 0, in_path, O_RDONLY);
-    if (out_descriptor_ >= 0) {
-      posix_spawn_file_actions_adddup2(&streams, out_descriptor_, 1);
-    } else {
-      open(streams, 1, out_path_, O_WRONLY | O_CREAT | O_TRUNC);
-    }
-    open(streams, 2, diagnostics_path, O_WRONLY | O_CREAT | O_TRUNC);
-    const int status = spawn(arguments, streams);
-    posix_spawn_file_actions_destroy(&streams);
-    return {status, folder_.read("out"), without_elapsed(folder_.read("diagnostics")), memory_};
-  }
-
-  const TemporaryFolder folder_;
-  std::string input_;
-  std::string out_path_ = folder_.path("out"); // where standard output goes,
-  int out_descriptor_ = -1;                    // unless this is set: a descriptor of the test
-  std::vector<std::string> environment_;       // added to the test's own
-
- private:
-  static void open(posix_spawn_file_actions_t& streams, int descriptor, const std::string& path,
-                   int flags) {
-    ASSERT_EQ(posix_spawn_file_actions_addopen(&streams, descriptor, path.c_str(), flags, 0600), 0);
-  }
-
-  int spawn(std::vector<std::string> arguments, const posix_spawn_file_actions_t& streams) {
-    arguments.insert(arguments.begin(), VLT_REPLAY_PATH);
-    std::vector<std::string> variables = environment_;
-    for (char** variable = environ; *variable != nullptr; ++variable)
-      variables.emplace_back(*variable);
-    pid_t child = 0;
-    int status = 0;
-    EXPECT_EQ(posix_spawn(&child, VLT_REPLAY_PATH, &streams, nullptr, pointers(arguments).data(),
-                          pointers(variables).data()),
-              0);
-    rusage usage{};
-    EXPECT_EQ(wait4(child, &status, 0, &usage), child);
-    memory_ = usage.ru_maxrss;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
-
-  // As C wants them, a null at the end.
-  static std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> result;
-    result.reserve(texts.size() + 1);
-    for (std::string& text : texts) result.push_back(text.data());
-    result.push_back(nullptr);
-    return result;
-  }
-
-  long memory_ = 0;
-};
 
 using OstroviaReplayTest = Program;
 
@@ -117,50 +47,73 @@ TEST_F(OstroviaReplayTest, FilesAreReadInOrderAndMalformedLinesNamed) {
   const std::string first = folder_.write("first", "{\"payload\":1}\nx\n");
   input_ = "{\"payload\":2}\n{}x";
   const result_t result = run({first, "-"});
-  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.status, tools::EXIT_BAD_INPUT);
   EXPECT_EQ(result.out, "{\"metadata\":{},\"payload\":1}\n{\"metadata\":{},\"payload\":2}\n");
   EXPECT_EQ(result.diagnostics,
             first +
                 ":2: not well-formed JSON\n<stdin>:2: not well-formed JSON\n"
-                "read 2, reached the host 2, dropped 0, malformed 2, T ms, 0 blocks live\n");
+                "read 4, reached the host 2, dropped 0, malformed 2, T ms, 0 blocks live\n");
+}
+
+TEST_F(OstroviaReplayTest, DroppedMessagesAreStatus1WhenStrict) {
+  input_ = eventLine("1") + textlessLine("2");
+  EXPECT_EQ(run({}).status, 0);
+  EXPECT_EQ(run({"--strict"}).status, 1);
 }
 
 TEST_F(OstroviaReplayTest, WrongUseIsStatus2) {
-  const result_t missing = run({"/nowhere/in"});
-  EXPECT_EQ(missing.status, 2);
-  EXPECT_EQ(missing.out, "");
-  EXPECT_EQ(missing.diagnostics, "ostrovia-replay: /nowhere/in: No such file or directory\n");
   const result_t unknown = run({"--unknown"});
   EXPECT_EQ(unknown.status, 2);
   EXPECT_EQ(unknown.diagnostics,
             "ostrovia-replay: The following argument was not expected: --unknown\n");
 }
 
-TEST_F(OstroviaReplayTest, LeakIsStatus3) {
+TEST_F(OstroviaReplayTest, MalformedLinesAreStatus3) {
+  input_ = "x\n";
+  EXPECT_EQ(run({"--strict"}).status, 3);
+}
+
+TEST_F(OstroviaReplayTest, PluginThatCannotBeUsedIsStatus4) {
+  EXPECT_EQ(run({"--plugin", "/nowhere/plugin.so"}).status, 4);
+  EXPECT_EQ(run({"--plugin", VLT_FAULTY_PLUGIN_PATH, "--tenant-id", "create"}).status, 4);
+}
+
+TEST_F(OstroviaReplayTest, BrokenLawIsStatus6) {
+  input_ = "{\"payload\":1}\n";
+  EXPECT_EQ(run({"--plugin", VLT_FAULTY_PLUGIN_PATH, "--tenant-id", "twice"}).status, 6);
+}
+
+TEST_F(OstroviaReplayTest, LeakIsStatus6) {
   input_ = "{\"payload\":1}\n{\"payload\":2}\n";
   environment_ = {"ASAN_OPTIONS=detect_leaks=0"}; // the leak is the subject
-  const result_t result =
-      run({"--plugin", VLT_FAULTY_PLUGIN_PATH, "--tenant-id", "leak", "--batch-size", "1"});
-  EXPECT_EQ(result.status, 3);
+  const result_t result = run({"--plugin", VLT_FAULTY_PLUGIN_PATH, "--tenant-id", "leak"});
+  EXPECT_EQ(result.status, 6);
   EXPECT_EQ(result.out, "{\"metadata\":{},\"payload\":1}\n{\"metadata\":{},\"payload\":2}\n");
   EXPECT_EQ(result.diagnostics,
             "read 2, reached the host 2, dropped 0, malformed 0, T ms, 2 blocks live\n");
 }
 
-TEST_F(OstroviaReplayTest, FullDeviceIsStatus2) {
+TEST_F(OstroviaReplayTest, WhatCannotBeReadIsStatus7) {
+  const result_t missing = run({"/nowhere/in"});
+  EXPECT_EQ(missing.status, 7);
+  EXPECT_EQ(missing.out, "");
+  EXPECT_EQ(missing.diagnostics, "ostrovia-replay: /nowhere/in: No such file or directory\n");
+}
+
+TEST_F(OstroviaReplayTest, FullDeviceIsStatus7) {
   input_ = "{\"payload\":1}\n";
   out_path_ = "/dev/full";
   const result_t events = run({});
-  EXPECT_EQ(events.status, 2);
+  EXPECT_EQ(events.status, 7);
   EXPECT_EQ(events.diagnostics,
             "ostrovia-replay: cannot write the events: No space left on device\n");
   const result_t help = run({"--help"});
-  EXPECT_EQ(help.status, 2);
+  EXPECT_EQ(help.status, 7);
   EXPECT_EQ(help.diagnostics, "ostrovia-replay: cannot write to standard output\n");
 }
 
 // The file's other side is closed at once, as `| head -1` does after its line.
-TEST_F(OstroviaReplayTest, ReaderThatGoesAwayIsStatus2) {
+TEST_F(OstroviaReplayTest, ReaderThatGoesAwayIsNoError) {
   const std::string pipe = folder_.path("pipe");
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   const int reader = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
@@ -172,8 +125,47 @@ TEST_F(OstroviaReplayTest, ReaderThatGoesAwayIsStatus2) {
   out_descriptor_ = writer;
   const result_t result = run({});
   close(writer);
-  EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.diagnostics, "ostrovia-replay: cannot write the events: Broken pipe\n");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.diagnostics,
+            "read 1, reached the host 1, dropped 0, malformed 0, T ms, 0 blocks live\n");
+}
+
+TEST_F(OstroviaReplayTest, NothingMoreIsReadForAReaderThatIsGone) {
+  input_ = eventLine("1");
+  for (int i = 0; i < 14; ++i) input_ += input_;
+  const result_t result = runShell("ostrovia-replay | head -1");
+  EXPECT_EQ(result.out.rfind(R"({"metadata":{)", 0), 0u);
+  EXPECT_EQ(result.diagnostics.find("read 16384,"), std::string::npos) << result.diagnostics;
+}
+
+TEST_F(OstroviaReplayTest, MessagesAreNotHeldBackWhileTheInputPauses) {
+  int in[2] = {};
+  int out[2] = {};
+  ASSERT_EQ(pipe2(in, O_CLOEXEC), 0);
+  ASSERT_EQ(pipe2(out, O_CLOEXEC), 0);
+  in_descriptor_ = in[0];
+  out_descriptor_ = out[1];
+  const pid_t child = start(VLT_REPLAY_PATH, {});
+  const std::string line = passingLine("1");
+  ASSERT_EQ(write(in[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
+  char event[100] = {};
+  const ssize_t size = read(out[0], event, sizeof event); // waits forever for a tool that waits
+  EXPECT_EQ(std::string(event, static_cast<std::size_t>(size)),
+            "{\"metadata\":{},\"payload\":1}\n");
+  for (const int descriptor : {in[0], in[1], out[0], out[1]}) close(descriptor);
+  EXPECT_EQ(waitFor(child).status, 0);
+}
+
+// Each in a shell, over a recording of the name that they use.
+TEST_F(OstroviaReplayTest, ExamplesOfTheHelpWork) {
+  folder_.write("recorded.ndjson", eventLine("1"));
+  for (const tools::example_row_t& example : tools::exampleTable()) {
+    const result_t result = runShell(example.command);
+    EXPECT_EQ(result.status, 0) << example.command << '\n' << result.diagnostics;
+    EXPECT_NE(result.diagnostics.find("read 1, reached the host 1, "), std::string::npos)
+        << example.command << '\n'
+        << result.diagnostics;
+  }
 }
 
 TEST_F(OstroviaReplayTest, MemoryDoesNotGrowWithTheInput) {

@@ -16,6 +16,8 @@ namespace {
 using tools::input_t;
 using tools::ReplayOptions;
 
+const std::string LABEL = "<connectivity.OstroviaNotifications2Codec.replay> ";
+
 // A line with an event that is decoded, and one with an event that lacks all but its id.
 std::string good(const std::string& id) {
   return R"({"metadata": {"pulsarPath": "t1/sub/events/7"}, "payload": {"id": ")" + id +
@@ -24,6 +26,16 @@ std::string good(const std::string& id) {
 }
 std::string bad(const std::string& id) {
   return R"({"metadata": {"pulsarPath": "t1/sub/events/7"}, "payload": {"id": ")" + id + "\"}}\n";
+}
+
+// What the plug-in logs about the latter.
+std::string sourcelessLog(const std::string& id) {
+  return LABEL + "Error when transforming message towards host ('id' = '" + id +
+         "'): Required key 'source' missing from message payload\n";
+}
+// What its entry points log when an operation of the faulty plug-in fails.
+std::string faultLog(const std::string& operation) {
+  return LABEL + "Exception from " + operation + ": boom\n";
 }
 
 input_t input(const char* name, std::string content) {
@@ -83,12 +95,8 @@ TEST_F(ReplayTest, EventsComeOutInOrderAndDroppedOnesAreCounted) {
             "{\"metadata\":{},\"payload\":1}\n"
             "{\"metadata\":{\"m\":null},\"payload\":{\"a\":3.0}}\n");
   EXPECT_EQ(diagnostics(),
-            "read 3, reached the host 2, dropped 1, malformed 0, T ms, 0 blocks live\n");
-  const std::vector<log_line_t> expected = {
-      {"connectivity.OstroviaNotifications2Codec.replay", 3,
-       "<connectivity.OstroviaNotifications2Codec.replay> Error when transforming message towards "
-       "host ('id' = '2'): Required key 'source' missing from message payload"}};
-  EXPECT_EQ(takeLog(), expected);
+            sourcelessLog("2") +
+                "read 3, reached the host 2, dropped 1, malformed 0, T ms, 0 blocks live\n");
 }
 
 TEST_F(ReplayTest, NotificationIsDecoded) {
@@ -123,12 +131,12 @@ TEST_F(ReplayTest, MalformedLinesAreReportedAndSkipped) {
   EXPECT_EQ(replay({input("a", "{\"payload\":1}\nx\n"), input("b",
                                                               "\n{\"payload\":\"\\u0000\"}\n"
                                                               "{\"payload\":2}")}),
-            1);
+            tools::EXIT_BAD_INPUT);
   EXPECT_EQ(events(), "{\"metadata\":{},\"payload\":1}\n{\"metadata\":{},\"payload\":2}\n");
   EXPECT_EQ(diagnostics(),
             "a:2: not well-formed JSON\n"
             "b:2: text with an embedded NUL\n"
-            "read 2, reached the host 2, dropped 0, malformed 2, T ms, 0 blocks live\n");
+            "read 4, reached the host 2, dropped 0, malformed 2, T ms, 0 blocks live\n");
 }
 
 TEST_F(ReplayTest, BlankLinesAndLineEndsOfOtherSystemsAreFine) {
@@ -142,17 +150,19 @@ TEST_F(ReplayTest, BatchSizeChangesNothingButTheBatches) {
   std::string content;
   for (int i = 0; i < 10; ++i) {
     content += (i % 3 == 0 ? bad(std::to_string(i)) : good(std::to_string(i)));
+    if (i == 4) content += "x\n";
   }
-  options_.batch_size = 1;
-  EXPECT_EQ(replay(content), 0);
+  EXPECT_EQ(replay(content), tools::EXIT_BAD_INPUT);
   const std::string one_by_one = events();
-  const std::vector<log_line_t> log = takeLog();
-  EXPECT_EQ(log.size(), 4u);
-  for (const std::size_t size : {3u, 5u, 10u, 256u}) {
+  const std::string log = diagnostics();
+  EXPECT_EQ(log, sourcelessLog("0") + sourcelessLog("3") + "in:6: not well-formed JSON\n" +
+                     sourcelessLog("6") + sourcelessLog("9") +
+                     "read 11, reached the host 6, dropped 4, malformed 1, T ms, 0 blocks live\n");
+  for (const std::size_t size : {2u, 3u, 5u, 10u, 256u, 1000u}) {
     options_.batch_size = size;
-    EXPECT_EQ(replay(content), 0);
+    EXPECT_EQ(replay(content), tools::EXIT_BAD_INPUT);
     EXPECT_EQ(events(), one_by_one) << size;
-    EXPECT_EQ(takeLog(), log) << size;
+    EXPECT_EQ(diagnostics(), log) << size;
   }
 }
 
@@ -160,16 +170,19 @@ TEST_F(ReplayTest, BatchesAreAsLargeAsAskedFor) {
   std::string content;
   for (int i = 0; i < 5; ++i) content += "{\"payload\":1}\n";
   options_.batch_size = 2;
-  EXPECT_EQ(replayFaulty("sendBatchTowardsHost", content), 1);
+  EXPECT_EQ(replayFaulty("sendBatchTowardsHost", content), tools::EXIT_PLUGIN);
+  std::string expected;
+  for (int i = 0; i < 5; ++i) expected += faultLog("sendBatchTowardsHost");
   EXPECT_EQ(diagnostics(),
-            "ostrovia-replay: the plug-in failed on a batch, messages 2\n"
-            "ostrovia-replay: the plug-in failed on a batch, messages 2\n"
-            "ostrovia-replay: the plug-in failed on a batch, messages 1\n"
-            "read 5, reached the host 0, dropped 5, malformed 0, T ms, 0 blocks live\n");
+            expected +
+                "ostrovia-replay: the plug-in failed on a batch, messages 2\n"
+                "ostrovia-replay: the plug-in failed on a batch, messages 2\n"
+                "ostrovia-replay: the plug-in failed on a batch, messages 1\n"
+                "read 5, reached the host 0, dropped 5, malformed 0, T ms, 0 blocks live\n");
 }
 
 TEST_F(ReplayTest, TransportDirectionPassesMessagesUnchanged) {
-  options_.direction = tools::Direction::towardsTransport;
+  options_.direction = "transport";
   EXPECT_EQ(replay(bad("1")), 0);
   EXPECT_EQ(events(),
             "{\"metadata\":{\"pulsarPath\":\"t1/sub/events/7\"},\"payload\":{\"id\":\"1\"}}\n");
@@ -177,15 +190,18 @@ TEST_F(ReplayTest, TransportDirectionPassesMessagesUnchanged) {
             "read 1, reached the transport 1, dropped 0, malformed 0, T ms, 0 blocks live\n");
 }
 
-TEST_F(ReplayTest, LogLevelIsSetBeforeThePluginReadsIt) {
+TEST_F(ReplayTest, LogIsShownUpToItsLevel) {
+  const std::string figures =
+      "read 1, reached the host 0, dropped 1, malformed 0, T ms, 0 blocks live\n";
+  EXPECT_EQ(replay(bad("1")), 0);
+  EXPECT_EQ(diagnostics(), sourcelessLog("1") + figures);
   options_.log_level = 6;
-  EXPECT_EQ(replay(good("1")), 0);
-  const std::vector<log_line_t> log = takeLog();
-  ASSERT_EQ(log.size(), 1u);
-  EXPECT_EQ(log[0].level, 6);
+  EXPECT_EQ(replay(bad("1")), 0);
+  EXPECT_EQ(diagnostics().rfind(LABEL + "Processing message: ", 0), 0u);
+  EXPECT_NE(diagnostics().find("\n" + sourcelessLog("1") + figures), std::string::npos);
   options_.log_level = 2;
   EXPECT_EQ(replay(bad("1")), 0);
-  EXPECT_TRUE(takeLog().empty());
+  EXPECT_EQ(diagnostics(), figures);
 }
 
 TEST_F(ReplayTest, BlocksOfTheCallerAreNotCounted) {
@@ -198,7 +214,7 @@ TEST_F(ReplayTest, BlocksOfTheCallerAreNotCounted) {
 
 TEST_F(ReplayTest, PluginThatCannotBeUsedIsAFailure) {
   options_.plugin_path = "/nowhere/plugin.so";
-  EXPECT_EQ(replay("{\"payload\":1}"), 2);
+  EXPECT_EQ(replay("{\"payload\":1}"), tools::EXIT_PLUGIN);
   EXPECT_EQ(events(), "");
   EXPECT_EQ(diagnostics(),
             "ostrovia-replay: cannot load /nowhere/plugin.so: cannot open shared object file: No "
@@ -212,37 +228,81 @@ TEST_F(ReplayTest, PluginThatDoesNotStartIsAFailure) {
       {"start", "ostrovia-replay: the plug-in failed in start\n"},
       {"hostReady", "ostrovia-replay: the plug-in failed in hostReady\n"}};
   for (const auto& [fault, expected] : rows) {
-    EXPECT_EQ(replayFaulty(fault, "{\"payload\":1}"), 2) << fault;
-    EXPECT_EQ(diagnostics(), expected);
+    EXPECT_EQ(replayFaulty(fault, "{\"payload\":1}"), tools::EXIT_PLUGIN) << fault;
+    EXPECT_EQ(diagnostics(), faultLog(fault) + expected);
     EXPECT_EQ(events(), "");
   }
 }
 
 TEST_F(ReplayTest, FailingShutdownIsReported) {
-  EXPECT_EQ(replayFaulty("shutdown", "{\"payload\":1}"), 1);
+  EXPECT_EQ(replayFaulty("shutdown", "{\"payload\":1}"), tools::EXIT_PLUGIN);
   EXPECT_EQ(diagnostics(),
-            "ostrovia-replay: the plug-in failed in shutdown\n"
-            "read 1, reached the host 1, dropped 0, malformed 0, T ms, 0 blocks live\n");
+            faultLog("shutdown") +
+                "ostrovia-replay: the plug-in failed in shutdown\n"
+                "read 1, reached the host 1, dropped 0, malformed 0, T ms, 0 blocks live\n");
 }
 
-TEST_F(ReplayTest, MoreMessagesThanWereSentAreNotNegativelyDropped) {
-  EXPECT_EQ(replayFaulty("twice", "{\"payload\":1}"), 0);
-  EXPECT_EQ(events(), "{\"metadata\":{},\"payload\":1}\n{\"metadata\":{},\"payload\":1}\n");
+TEST_F(ReplayTest, MessageThatComesOutTwiceBreaksTheLaw) {
+  EXPECT_EQ(replayFaulty("twice", "{\"payload\":1}\n{\"payload\":2}"), tools::EXIT_LAW);
+  EXPECT_EQ(events(),
+            "{\"metadata\":{},\"payload\":1}\n{\"metadata\":{}}\n"
+            "{\"metadata\":{},\"payload\":2}\n{\"metadata\":{}}\n");
   EXPECT_EQ(diagnostics(),
+            "ostrovia-replay: in:1: 2 messages came out for one\n"
+            "ostrovia-replay: the plug-in breaks the law: read 2 is not converted 0 + passed 4 + "
+            "dropped 0 + malformed 0\n"
+            "read 2, reached the host 4, dropped 0, malformed 0, T ms, 0 blocks live\n");
+}
+
+TEST_F(ReplayTest, MessageThatNobodyHasSentBreaksTheLaw) {
+  EXPECT_EQ(replayFaulty("late", "{\"payload\":1}"), tools::EXIT_LAW);
+  EXPECT_EQ(diagnostics(),
+            "ostrovia-replay: the plug-in breaks the law: read 1 is not converted 0 + passed 2 + "
+            "dropped 0 + malformed 0\n"
             "read 1, reached the host 2, dropped 0, malformed 0, T ms, 0 blocks live\n");
+}
+
+TEST_F(ReplayTest, MessageThatDependsOnItsNeighboursBreaksTheLaw) {
+  options_.batch_size = 2;
+  EXPECT_EQ(replayFaulty("greed", "{\"payload\":1}\n{\"payload\":2}\n{\"payload\":3}\n"),
+            tools::EXIT_LAW);
+  EXPECT_EQ(diagnostics(),
+            "ostrovia-replay: in:1: what comes of the messages depends on their batch, of 2\n"
+            "read 3, reached the host 3, dropped 0, malformed 0, T ms, 0 blocks live\n");
+}
+
+TEST_F(ReplayTest, MessageThatVanishesWithoutAWordIsDropped) {
+  EXPECT_EQ(replayFaulty("silence", "{\"payload\":1}"), 0);
+  EXPECT_EQ(diagnostics(),
+            "read 1, reached the host 0, dropped 1, malformed 0, T ms, 0 blocks live\n");
+}
+
+TEST_F(ReplayTest, DroppedMessagesAreAFailureWhenStrict) {
+  options_.strict = true;
+  EXPECT_EQ(replay(good("1")), 0);
+  EXPECT_EQ(replay(good("1") + bad("2")), tools::EXIT_DROPPED);
+  EXPECT_EQ(replay(good("1") + bad("2") + "x\n"), tools::EXIT_BAD_INPUT);
 }
 
 TEST_F(ReplayTest, InputThatBreaksIsAFailure) {
   const input_t broken = {"disk", [] { return std::make_unique<BrokenStream>(); }};
-  EXPECT_EQ(replay({input("a", "{\"payload\":1}\n"), broken, input("c", "x\n")}), 2);
+  EXPECT_EQ(replay({input("a", "{\"payload\":1}\n"), broken, input("c", "x\n")}), tools::EXIT_IO);
+  EXPECT_EQ(events(), "{\"metadata\":{},\"payload\":1}\n");
   EXPECT_EQ(diagnostics(), "ostrovia-replay: disk: cannot be read to its end\n");
+}
+
+TEST_F(ReplayTest, WhatWasReadBeforeAFailureIsDealtWith) {
+  const input_t broken = {"disk", [] { return std::make_unique<BrokenStream>(); }};
+  options_.batch_size = 100;
+  EXPECT_EQ(replay({input("a", "{\"payload\":1}\n"), broken}), tools::EXIT_IO);
+  EXPECT_EQ(events(), "{\"metadata\":{},\"payload\":1}\n");
 }
 
 TEST_F(ReplayTest, InputThatDoesNotOpenIsAFailure) {
   const input_t gone = {"gone", []() -> std::unique_ptr<std::istream> {
                           throw std::runtime_error("gone: No such file or directory");
                         }};
-  EXPECT_EQ(replay({gone}), 2);
+  EXPECT_EQ(replay({gone}), tools::EXIT_IO);
   EXPECT_EQ(diagnostics(), "ostrovia-replay: gone: No such file or directory\n");
 }
 
@@ -251,7 +311,8 @@ TEST_F(ReplayTest, EventsThatCannotBeWrittenEndTheReplay) {
   std::ostringstream diagnostics;
   events.setstate(std::ios::badbit);
   options_.batch_size = 1;
-  EXPECT_EQ(tools::replay(options_, {input("in", "{\"payload\":1}\nx\n")}, events, diagnostics), 2);
+  EXPECT_EQ(tools::replay(options_, {input("in", "{\"payload\":1}\n")}, events, diagnostics),
+            tools::EXIT_IO);
   EXPECT_EQ(diagnostics.str(), "ostrovia-replay: cannot write the events\n");
 }
 

@@ -1,44 +1,29 @@
-// The next link of a replayed chain: writes each message that it is sent as a line of JSON.
+// Writes the events of each record as lines of JSON. They are held back until there is a good deal
+// of them or the input pauses: a write costs more than a message.
 #ifndef VLT_TOOLS_REPLAY_EVENT_WRITER_HPP
 #define VLT_TOOLS_REPLAY_EVENT_WRITER_HPP
 
-#include <cstdint>
-#include <exception>
 #include <ostream>
 #include <string>
 
-#include "tools/plugin_host/hosted_plugin.hpp"
+#include "tools/replay/output.hpp"
+#include "tools/replay/record.hpp"
 
 namespace com::velanto::connectivity::tools {
 
-class EventWriter {
+class EventWriter final : public Consumer {
  public:
   // `out` must outlive the writer.
-  explicit EventWriter(std::ostream& out) noexcept : out_(out) {}
-  EventWriter(const EventWriter&) = delete;
-  EventWriter& operator=(const EventWriter&) = delete;
-  ~EventWriter() = default;
+  explicit EventWriter(std::ostream& out) : out_(out, "cannot write the events") {}
 
-  // The writer as a plug-in is given it. The messages are only read.
-  [[nodiscard]] link_t link() noexcept { return {this, &EventWriter::take}; }
+  void take(const record_t& record) override { out_.write(record.events); }
+  void pause() override { out_.flush(); }
 
-  // Messages that reached the link.
-  [[nodiscard]] std::uint64_t count() const noexcept { return count_; }
-
-  // Passes on what is written and throws what has gone wrong since the last call: no exception may
-  // cross the plug-in, so it is kept until then. std::runtime_error when `out` takes no more.
-  void finishBatch();
+  // Whoever reads the events has closed the pipe, as `| head` does: there is no more to be done.
+  [[nodiscard]] bool closed() const noexcept { return out_.closed(); }
 
  private:
-  static void take(void* handle, vlt_underlying_message_t* start,
-                   vlt_underlying_message_t* end) noexcept;
-  void write(const Message& message);
-
-  std::ostream& out_;
-  std::string line_;
-  std::uint64_t count_ = 0;
-  std::exception_ptr failure_;
-  int reason_ = 0; // errno of the write that failed; 0 when it left none
+  Output out_;
 };
 
 } // namespace com::velanto::connectivity::tools

@@ -6,15 +6,16 @@
 #include <cerrno>
 #include <fstream>
 #include <iostream>
-#include <stdexcept>
 #include <system_error>
+
+#include "tools/replay/exit_status.hpp"
 
 namespace com::velanto::connectivity::tools {
 
 namespace {
 
 [[noreturn]] void refuse(const std::string& path, int error) {
-  throw std::runtime_error(path + ": " + std::generic_category().message(error));
+  throw ReplayError(EXIT_IO, path + ": " + std::generic_category().message(error));
 }
 
 void checkReadable(const std::string& path) {

@@ -13,13 +13,13 @@ namespace com::velanto::connectivity::tools {
 
 struct input_t {
   std::string name; // as diagnostics show it
-  // Called once. Throws std::runtime_error when there is nothing to be read.
+  // Called once. Throws ReplayError with EXIT_IO when there is nothing to be read.
   std::function<std::unique_ptr<std::istream>()> open;
 };
 
 // An input for each path, in order; "-" is standard input, as is an empty list. Looks at every path
-// before any is opened: throws std::runtime_error "PATH: reason" for the first that is a directory
-// or cannot be read.
+// before any is opened: throws ReplayError "PATH: reason" with EXIT_IO for the first that is a
+// directory or cannot be read.
 [[nodiscard]] std::vector<input_t> inputsFrom(const std::vector<std::string>& paths);
 
 } // namespace com::velanto::connectivity::tools

@@ -5,21 +5,27 @@
 #include <charconv>
 #include <chrono>
 #include <cstdint>
-#include <stdexcept>
+#include <exception>
 #include <string_view>
 
 #include "tools/host_library.hpp"
-#include "tools/ndjson/json_reader.hpp"
+#include "tools/replay/diagnostics.hpp"
 #include "tools/replay/event_writer.hpp"
+#include "tools/replay/figures.hpp"
+#include "tools/replay/line_reader.hpp"
+#include "tools/replay/worker.hpp"
 
 namespace com::velanto::connectivity::tools {
 
 namespace {
 
-using clock_t = std::chrono::steady_clock;
+using stopwatch_t = std::chrono::steady_clock;
 using milliseconds_t = std::chrono::duration<double, std::milli>;
 
-constexpr const char* CHAIN_NAME = "replay";
+constexpr std::size_t CHUNK = 256; // lines that are read before the first of them is sent
+
+// A line at this level says why a message was dropped, so the tool always wants to hear it.
+constexpr vlt_log_level_t DROPPED_LEVEL = 3;
 
 data_t configurationOf(const ReplayOptions& options) {
   map_t map;
@@ -32,39 +38,46 @@ data_t configurationOf(const ReplayOptions& options) {
   return map;
 }
 
-// The link of the direction in which nothing is sent.
-void ignore(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) noexcept {}
-
-bool isBlank(std::string_view line) noexcept {
-  return line.find_first_not_of(" \t\r") == std::string_view::npos;
-}
-
 class Replay {
  public:
   Replay(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics)
-      : options_(options), events_(events), diagnostics_(diagnostics) {}
+      : options_(options),
+        direction_(options.direction == "transport" ? Direction::towardsTransport
+                                                    : Direction::towardsHost),
+        diagnostics_(diagnostics),
+        events_(events),
+        printer_(diagnostics, options.log_level.value_or(DEFAULT_LOG_LEVEL)) {
+    consumers_ = {&figures_, &events_, &printer_};
+  }
 
   int run(const std::vector<input_t>& inputs);
 
  private:
   void setLevel();
   void drive(const std::vector<input_t>& inputs);
-  void readAll(const input_t& input, HostedPlugin& plugin);
-  void readLine(std::string_view line, const std::string& name, std::uint64_t number);
-  void sendBatch(HostedPlugin& plugin);
-  void report(const char* text) { diagnostics_ << REPLAY_NAME << ": " << text << '\n'; }
-  void impair() { status_ = std::max<int>(status_, REPLAY_IMPAIRED); }
+  void replayAll(const std::vector<input_t>& inputs, Worker& worker);
+  std::size_t readChunk(LineReader& reader, std::vector<record_t>& records,
+                        std::exception_ptr& failure) const;
+  void publish(const record_t& record);
+  void pause();
+  void publishLog(std::span<const log_line_t> lines);
+  void reportIncidents(Worker& worker);
+  void shutDown(Worker& worker);
+  void report(const std::string& text) { diagnostics_ << REPLAY_NAME << ": " + text + "\n"; }
+  void worsen(exit_status_t status) { status_ = std::max(status_, status); }
+  void judge(std::optional<std::int64_t> blocks);
   void writeFigures(std::optional<std::int64_t> blocks);
 
   const ReplayOptions& options_;
-  EventWriter events_;
+  Direction direction_;
   std::ostream& diagnostics_;
-  JsonReader reader_;
-  std::vector<Message> batch_;
-  std::uint64_t read_ = 0; // messages; what is malformed is none
-  std::uint64_t malformed_ = 0;
+  Figures figures_;
+  EventWriter events_;
+  Diagnostics printer_;
+  std::vector<Consumer*> consumers_;
+  bool law_broken_ = false;
   milliseconds_t elapsed_{};
-  int status_ = REPLAY_DONE;
+  exit_status_t status_ = EXIT_FINE;
 };
 
 int Replay::run(const std::vector<input_t>& inputs) {
@@ -75,13 +88,14 @@ int Replay::run(const std::vector<input_t>& inputs) {
   drive(inputs);
   std::optional<std::int64_t> blocks = liveBlocks();
   if (blocks) *blocks -= before.value_or(0);
-  if (blocks.value_or(0) != 0) status_ = REPLAY_LEAKED;
+  judge(blocks);
   writeFigures(blocks);
   return status_;
 }
 
 void Replay::setLevel() {
-  const bool set = setLogLevel(options_.log_level.value_or(DEFAULT_LOG_LEVEL));
+  const vlt_log_level_t shown = options_.log_level.value_or(DEFAULT_LOG_LEVEL);
+  const bool set = setLogLevel(std::max(shown, DROPPED_LEVEL));
   if (!set && options_.log_level) {
     report("this host library does not let its log level be set; --log-level is ignored");
   }
@@ -89,65 +103,124 @@ void Replay::setLevel() {
 
 // The plug-in's whole life. An error ends it without the rest of the input and without shutdown.
 void Replay::drive(const std::vector<input_t>& inputs) {
-  const PluginLibrary library(options_.plugin_path);
-  HostedPlugin plugin(library, "OstroviaNotifications2Codec", CHAIN_NAME,
-                      configurationOf(options_));
-  const link_t nowhere{nullptr, &ignore};
-  const bool to_host = options_.direction == Direction::towardsHost;
-  plugin.link(to_host ? events_.link() : nowhere, to_host ? nowhere : events_.link());
-  plugin.start();
-  const clock_t::time_point start = clock_t::now();
-  for (const input_t& input : inputs) readAll(input, plugin);
-  if (!batch_.empty()) sendBatch(plugin);
-  elapsed_ = clock_t::now() - start;
-  if (!plugin.shutdown()) {
-    report("the plug-in failed in shutdown");
-    impair();
-  }
-}
-
-void Replay::readAll(const input_t& input, HostedPlugin& plugin) {
-  const std::unique_ptr<std::istream> stream = input.open();
-  std::string line;
-  for (std::uint64_t number = 1; std::getline(*stream, line); ++number) {
-    if (isBlank(line)) continue;
-    readLine(line, input.name, number);
-    if (batch_.size() == options_.batch_size) sendBatch(plugin);
-  }
-  if (stream->bad()) throw std::runtime_error(input.name + ": cannot be read to its end");
-}
-
-// Adds the line's message to the batch, or reports why it has none.
-void Replay::readLine(std::string_view line, const std::string& name, std::uint64_t number) {
+  const LogCapture capture;
+  const PluginLibrary library =
+      failingWith(EXIT_PLUGIN, [this] { return PluginLibrary(options_.plugin_path); });
+  std::vector<log_line_t> log;
+  std::optional<Worker> worker;
   try {
-    batch_.push_back(reader_.parseMessage(line));
-    ++read_;
-  } catch (const MalformedJson& e) {
-    diagnostics_ << name << ':' << number << ": " << e.what() << '\n';
-    ++malformed_;
-    impair();
+    worker.emplace(library, configurationOf(options_), direction_,
+                   worker_options_t{options_.batch_size, true}, log);
+  } catch (const ReplayError&) {
+    publishLog(log); // it says why
+    throw;
+  }
+  publishLog(log);
+  const stopwatch_t::time_point start = stopwatch_t::now();
+  try {
+    replayAll(inputs, *worker);
+  } catch (...) {
+    pause(); // what has come out until now counts, whatever stops the run
+    throw;
+  }
+  pause();
+  elapsed_ = stopwatch_t::now() - start;
+  shutDown(*worker);
+}
+
+void Replay::replayAll(const std::vector<input_t>& inputs, Worker& worker) {
+  LineReader reader(inputs);
+  std::vector<record_t> records;
+  const Worker::Done done = [this](const record_t& record) { publish(record); };
+  while (!events_.closed()) {
+    std::exception_ptr failure;
+    const std::size_t count = readChunk(reader, records, failure);
+    worker.process(std::span(records).first(count), done);
+    reportIncidents(worker);
+    if (failure) std::rethrow_exception(failure); // what was read before it is dealt with
+    if (count == 0) break;
+    if (reader.mayWait()) pause();
   }
 }
 
-void Replay::sendBatch(HostedPlugin& plugin) {
-  if (!plugin.send(options_.direction, batch_)) {
-    diagnostics_ << REPLAY_NAME << ": the plug-in failed on a batch, messages " << batch_.size()
-                 << '\n';
-    impair();
+// Reads the next lines into `records` and returns how many: 0 at the end.
+std::size_t Replay::readChunk(LineReader& reader, std::vector<record_t>& records,
+                              std::exception_ptr& failure) const {
+  // As many whole batches as a chunk holds, but at least one.
+  const std::size_t lines =
+      std::max(CHUNK / options_.batch_size, std::size_t{1}) * options_.batch_size;
+  std::size_t count = 0;
+  try {
+    while (count < lines) {
+      // Messages that come one by one are not kept waiting for each other.
+      if (options_.batch_size == 1 && count > 0 && reader.mayWait()) break;
+      if (count == records.size()) records.emplace_back();
+      if (!reader.next(records[count])) break;
+      ++count;
+    }
+  } catch (const ReplayError&) {
+    failure = std::current_exception();
   }
-  batch_.clear();
-  events_.finishBatch();
+  return count;
+}
+
+void Replay::publish(const record_t& record) {
+  for (Consumer* consumer : consumers_) consumer->take(record);
+}
+
+void Replay::pause() {
+  for (Consumer* consumer : consumers_) consumer->pause();
+}
+
+void Replay::publishLog(std::span<const log_line_t> lines) {
+  for (Consumer* consumer : consumers_) consumer->takeLog(lines);
+}
+
+void Replay::reportIncidents(Worker& worker) {
+  incidents_t& incidents = worker.incidents();
+  for (const std::size_t messages : incidents.failed) {
+    report("the plug-in failed on a batch, messages " + std::to_string(messages));
+    worsen(EXIT_PLUGIN);
+  }
+  for (const batch_time_t& batch : incidents.batches) {
+    for (Consumer* consumer : consumers_) consumer->takeBatch(batch.messages, batch.time);
+  }
+  // One that is broken once is often broken with every message.
+  if (!incidents.broken_laws.empty() && !law_broken_) {
+    report(incidents.broken_laws.front());
+    law_broken_ = true;
+  }
+  incidents.failed.clear();
+  incidents.batches.clear();
+  incidents.broken_laws.clear();
+}
+
+void Replay::shutDown(Worker& worker) {
+  const passage_t& last = worker.shutdown();
+  publishLog(last.log);
+  figures_.takeUnasked(last.outputs.size());
+  if (last.failed) {
+    report("the plug-in failed in shutdown");
+    worsen(EXIT_PLUGIN);
+  }
+}
+
+void Replay::judge(std::optional<std::int64_t> blocks) {
+  const std::string broken = figures_.brokenLaw();
+  if (!broken.empty()) report(broken);
+  if (!broken.empty() || law_broken_ || blocks.value_or(0) != 0) worsen(EXIT_LAW);
+  if (figures_.count(Outcome::malformed) > 0) worsen(EXIT_BAD_INPUT);
+  if (options_.strict && figures_.count(Outcome::dropped) > 0) worsen(EXIT_DROPPED);
 }
 
 void Replay::writeFigures(std::optional<std::int64_t> blocks) {
   std::array<char, 400> digits{}; // room for any double
   const std::to_chars_result end =
       std::to_chars(digits.begin(), digits.end(), elapsed_.count(), std::chars_format::fixed, 3);
-  // A plug-in may send more than it was sent.
-  const std::uint64_t dropped = read_ - std::min(read_, events_.count());
-  diagnostics_ << "read " << read_ << ", reached the "
-               << (options_.direction == Direction::towardsHost ? "host " : "transport ")
-               << events_.count() << ", dropped " << dropped << ", malformed " << malformed_ << ", "
+  diagnostics_ << "read " << figures_.read() << ", reached the "
+               << (direction_ == Direction::towardsHost ? "host " : "transport ") << figures_.out()
+               << ", dropped " << figures_.count(Outcome::dropped) << ", malformed "
+               << figures_.count(Outcome::malformed) << ", "
                << std::string_view(digits.begin(), end.ptr) << " ms, ";
   if (blocks) {
     diagnostics_ << *blocks << " blocks live\n";
@@ -162,9 +235,12 @@ int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std
            std::ostream& diagnostics) noexcept {
   try {
     return Replay(options, events, diagnostics).run(inputs);
+  } catch (const ReplayError& e) {
+    diagnostics << REPLAY_NAME << ": " << e.what() << '\n';
+    return e.status();
   } catch (const std::exception& e) {
     diagnostics << REPLAY_NAME << ": " << e.what() << '\n';
-    return REPLAY_FAILED;
+    return EXIT_IO;
   }
 }
 

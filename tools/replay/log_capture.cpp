@@ -1,0 +1,34 @@
+#include "tools/replay/log_capture.hpp"
+
+#include <cstdio>
+#include <utility>
+
+#include "tools/host_library.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+thread_local std::vector<log_line_t>* lines_of_this_thread = nullptr;
+
+void file(void*, const char*, vlt_log_level_t level, const char* text) noexcept {
+  if (lines_of_this_thread == nullptr) {
+    std::fprintf(stderr, "%s\n", text);
+    return;
+  }
+  try {
+    lines_of_this_thread->push_back({level, text});
+  } catch (...) { // NOLINT(bugprone-empty-catch): no memory for the line; it is lost
+  }
+}
+
+} // namespace
+
+LogCapture::LogCapture() noexcept : works_(setLogSink(&file, nullptr)) {}
+LogCapture::~LogCapture() { setLogSink(nullptr, nullptr); }
+
+LogScope::LogScope(std::vector<log_line_t>& lines) noexcept
+    : before_(std::exchange(lines_of_this_thread, &lines)) {}
+LogScope::~LogScope() { lines_of_this_thread = before_; }
+
+} // namespace com::velanto::connectivity::tools

@@ -1,0 +1,48 @@
+#include "tools/replay/options.hpp"
+
+#include <array>
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+constexpr std::array EXAMPLES = {
+    example_row_t{"ostrovia-replay recorded.ndjson", "What will my rules see?"},
+    example_row_t{"ostrovia-replay --strict recorded.ndjson > events.ndjson",
+                  "Fail when a message is dropped"},
+    example_row_t{"cat recorded.ndjson | ostrovia-replay --tenant-id t1 --log-level 6 -",
+                  "From a pipe, with the trace of every message"},
+};
+
+} // namespace
+
+const std::vector<option_group_t>& optionTable() {
+  using options_t = ReplayOptions;
+  static const std::vector<option_group_t> TABLE = {
+      {"The plug-in and its configuration",
+       {{"--plugin", "PATH", "plug-in library; default: the one beside this program",
+         &options_t::plugin_path},
+        {"--tenant-id", "TEXT", "tenant in every event; default: none", &options_t::tenant_id},
+        {"--channel-prefix", "TEXT", "prefix of the channel of all events but measurements",
+         &options_t::channel_prefix},
+        {"--measurement-channel", "TEXT", "channel of measurements",
+         &options_t::measurement_channel}}},
+      {"The run",
+       {{"--batch-size", "COUNT",
+         "messages that the plug-in gets in one call; default: 1, so that what is logged belongs "
+         "to its message",
+         &options_t::batch_size},
+        {"--direction", "host|transport", "side that messages are sent to; default: host",
+         &options_t::direction},
+        {"--log-level", "LEVEL",
+         "log shown on standard error: 2 failures of the plug-in, 3 also dropped messages, 6 also "
+         "every message; default: 3",
+         &options_t::log_level},
+        {"--strict", "", "exit with status 1 when a message was dropped", &options_t::strict}}},
+  };
+  return TABLE;
+}
+
+std::span<const example_row_t> exampleTable() noexcept { return EXAMPLES; }
+
+} // namespace com::velanto::connectivity::tools

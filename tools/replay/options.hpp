@@ -1,0 +1,64 @@
+// What can be asked of ostrovia-replay, and the one table of its options: the command line, its
+// help and whatever else lists the options is made from it.
+#ifndef VLT_TOOLS_REPLAY_OPTIONS_HPP
+#define VLT_TOOLS_REPLAY_OPTIONS_HPP
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "host/types.h"
+
+namespace com::velanto::connectivity::tools {
+
+inline constexpr const char* REPLAY_NAME = "ostrovia-replay"; // how its diagnostics begin
+inline constexpr vlt_log_level_t DEFAULT_LOG_LEVEL = 3;       // failures and dropped messages
+
+struct ReplayOptions {
+  std::vector<std::string> paths; // of the inputs; none: standard input
+
+  std::string plugin_path;
+  std::string tenant_id;                          // empty: no tenant
+  std::optional<std::string> channel_prefix;      // without it the plug-in's default
+  std::optional<std::string> measurement_channel; // the same
+
+  std::size_t batch_size = 1;               // messages, at least 1
+  std::string direction = "host";           // or "transport"
+  std::optional<vlt_log_level_t> log_level; // without it DEFAULT_LOG_LEVEL
+  bool strict = false;                      // dropped messages are a failure
+};
+
+// What an option sets.
+using target_t =
+    std::variant<bool ReplayOptions::*, std::string ReplayOptions::*,
+                 std::optional<std::string> ReplayOptions::*, std::size_t ReplayOptions::*,
+                 std::optional<vlt_log_level_t> ReplayOptions::*>;
+
+struct option_row_t {
+  const char* name;     // with its dashes
+  const char* argument; // as help shows it; "a|b|…" are the only ones allowed; empty: none is taken
+  const char* help;
+  target_t target;
+};
+
+struct option_group_t {
+  const char* title;
+  std::vector<option_row_t> rows;
+};
+
+[[nodiscard]] const std::vector<option_group_t>& optionTable();
+
+struct example_row_t {
+  const char* command; // as typed into a shell
+  const char* purpose;
+};
+
+// What --help begins with.
+[[nodiscard]] std::span<const example_row_t> exampleTable() noexcept;
+
+} // namespace com::velanto::connectivity::tools
+
+#endif
