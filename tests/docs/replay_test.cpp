@@ -42,7 +42,7 @@ std::vector<session_t> sessionsOf(const document_t& document) {
 }
 
 std::string withoutTimes(const std::string& text) {
-  static const std::regex TIME(R"( +[0-9]+(\.[0-9]+)? ?(ms|µs|messages/s))");
+  static const std::regex TIME(R"( *\b[0-9]+(\.[0-9]+)? ?(ms|µs|messages/s))");
   return std::regex_replace(text, TIME, " T $2");
 }
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tools/host_library.hpp"
-#include "tools/ndjson/json_writer.hpp"
+#include "tools/ndjson/json_text.hpp"
 #include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -68,6 +68,7 @@ class JsonReader::Parser {
 
   Message message(std::string_view line);
   data_t value(std::string_view json);
+  [[nodiscard]] text_part_t remark() const noexcept { return remark_; }
 
  private:
   // The reader's own count of levels decides; the library has to bear the levels around it, too.
@@ -77,6 +78,8 @@ class JsonReader::Parser {
   ondemand::document open(std::string_view before, std::string_view json, std::string_view after);
   static void requireEnd(ondemand::document& document);
 
+  [[noreturn]] static void refuseMember(std::string_view name);
+  [[nodiscard]] text_part_t memberAt(const char* begin, const char* end) const;
   data_t read(ondemand::value value, int depth);
   list_t readList(ondemand::array array, int depth);
   map_t readMap(ondemand::object object, int depth);
@@ -89,6 +92,7 @@ class JsonReader::Parser {
 
   ondemand::parser parser_;
   std::string padded_; // the text under way, with the bytes behind it that the parser may read
+  text_part_t remark_; // of the message read last
   std::string text_;   // a text on its way to the host, with its NUL
 };
 
@@ -119,21 +123,41 @@ Message JsonReader::Parser::message(std::string_view line) {
   check(document.get_object().get(object));
   data_t payload;
   map_t metadata;
+  remark_ = {};
   for (auto member : object) {
     ondemand::field field = require(std::move(member));
+    const char* const behind_quote = field.key().raw();
     const std::string_view name = require(field.unescaped_key());
     if (name == "payload") {
       payload = read(field.value(), 0);
     } else if (name == "metadata") {
       metadata = readMetadata(field.value());
+    } else if (name == "dropped") {
+      static_cast<void>(read(field.value(), 0));
+      remark_ = memberAt(behind_quote - 1, require(document.current_location()));
     } else {
-      std::string quoted; // with line breaks and the like escaped
-      writeJson(quoted, readText(name));
-      throw MalformedJson("unknown member " + quoted + R"(, expected "metadata" and "payload")");
+      refuseMember(name);
     }
   }
   requireEnd(document);
   return Message(std::move(payload), std::move(metadata));
+}
+
+void JsonReader::Parser::refuseMember(std::string_view name) {
+  std::string quoted; // with line breaks and the like escaped
+  appendJsonText(quoted, name);
+  throw MalformedJson("unknown member " + quoted + R"(, expected "metadata" and "payload")");
+}
+
+// The member that begins at `begin` and before whose next comma or brace is `end`, with the comma
+// before it, or, for the first member, the one behind it.
+text_part_t JsonReader::Parser::memberAt(const char* begin, const char* end) const {
+  const std::string_view line(padded_);
+  const auto first = static_cast<std::size_t>(begin - padded_.data());
+  const auto next = static_cast<std::size_t>(end - padded_.data());
+  const std::size_t before = line.find_last_not_of(" \t\r", first - 1);
+  if (line[before] == ',') return {before, line.find_last_not_of(" \t\r", next - 1) + 1 - before};
+  return {first, next + (line[next] == ',' ? 1 : 0) - first};
 }
 
 // A value on its own is read as the only element of an array: the library treats documents that are
@@ -238,6 +262,7 @@ JsonReader::JsonReader() : parser_(std::make_unique<Parser>()) {}
 JsonReader::~JsonReader() = default;
 
 Message JsonReader::parseMessage(std::string_view line) { return parser_->message(line); }
+text_part_t JsonReader::remark() const noexcept { return parser_->remark(); }
 data_t JsonReader::parseValue(std::string_view json) { return parser_->value(json); }
 
 } // namespace com::velanto::connectivity::tools

@@ -11,14 +11,16 @@
 //   [ ]                   list, of any mixture
 //   { }                   map; a repeated key keeps its last value, "" is a key like any other
 //
-// A line is an object with "metadata" (an object) and "payload" (any value) and no other members.
-// Without the one there are no entries, without the other the payload is empty.
+// A line is an object with "metadata" (an object) and "payload" (any value). Without the one there
+// are no entries, without the other the payload is empty. A member "dropped" is a remark of a tool:
+// it must be well-formed and means nothing. There are no other members.
 //
 // The parser underneath checks only what is asked of it. Here every value is asked for, so that
 // nothing malformed passes: a text is accepted whole or not at all.
 #ifndef VLT_TOOLS_NDJSON_JSON_READER_HPP
 #define VLT_TOOLS_NDJSON_JSON_READER_HPP
 
+#include <cstddef>
 #include <memory>
 #include <stdexcept>
 #include <string_view>
@@ -31,6 +33,12 @@ namespace com::velanto::connectivity::tools {
 class MalformedJson : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
+};
+
+// A part of a text, in bytes.
+struct text_part_t {
+  std::size_t begin = 0;
+  std::size_t size = 0;
 };
 
 // Keeps its buffers from text to text; they are as large as the longest text so far needed. One
@@ -50,7 +58,11 @@ class JsonReader {
   // std::bad_alloc; the reader can be used on.
   [[nodiscard]] Message parseMessage(std::string_view line);
 
-  // The same for a text that is one JSON value of any kind.
+  // Where the member "dropped" stands in the line of the last message, with one comma beside it:
+  // without this part the line is an object still. Of size 0 when there is none.
+  [[nodiscard]] text_part_t remark() const noexcept;
+
+  // As parseMessage, for a text that is one JSON value of any kind.
   [[nodiscard]] data_t parseValue(std::string_view json);
 
  private:

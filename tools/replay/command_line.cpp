@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -51,15 +52,28 @@ class OptionMaker {
   }
   template <class Value>
   void operator()(Value ReplayOptions::*target) const {
+    if (*row_.argument == '[') return addWithDefault(options_.*target);
     CLI::Option* const option = app_.add_option(row_.name, options_.*target);
     option->type_name(row_.argument);
-    const std::string choices = row_.argument;
+    restrict(option, row_.argument);
+  }
+
+ private:
+  template <class Value>
+  void addWithDefault(Value& value) const {
+    if constexpr (std::is_same_v<Value, std::optional<std::string>>) {
+      std::string choices(row_.argument + 2);
+      choices.pop_back();
+      const std::string first = choices.substr(0, choices.find('|'));
+      restrict(app_.add_flag(std::string(row_.name) + "{" + first + "}", value), choices);
+    }
+  }
+  static void restrict(CLI::Option* option, const std::string& choices) {
     if (choices.find('|') == std::string::npos) return;
     option->check(CLI::Validator(
         [choices](const std::string& text) { return checkChoice(text, choices); }, ""));
   }
 
- private:
   CLI::App& app_;
   ReplayOptions& options_;
   const option_row_t& row_;
@@ -101,6 +115,7 @@ int runReplay(int count, const char* const* arguments, std::ostream& out,
     int status = EXIT_FINE;
     std::optional<ReplayOptions> options = parse(count, arguments, out, diagnostics, status);
     if (!options) return status;
+    if (options->dropped) refuseToOverwrite(options->paths, *options->dropped);
     if (options->plugin_path.empty()) options->plugin_path = PluginLibrary::defaultPath();
     return replay(*options, inputsFrom(options->paths), out, diagnostics);
   } catch (const ReplayError& error) {

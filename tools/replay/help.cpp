@@ -50,8 +50,10 @@ void appendEntry(std::string& out, std::string_view head, std::string_view text,
 }
 
 std::string headOf(const option_row_t& row) {
-  std::string head = std::string("  ") + row.name;
-  if (*row.argument != '\0') head += std::string(" ") + row.argument;
+  std::string head = "  ";
+  head += row.name;
+  if (*row.argument != '\0' && *row.argument != '[') head += ' ';
+  head += row.argument;
   return head;
 }
 

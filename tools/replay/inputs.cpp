@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <system_error>
@@ -48,6 +49,15 @@ std::vector<input_t> inputsFrom(const std::vector<std::string>& paths) {
     inputs.push_back(path == "-" ? standardInput() : fileInput(path));
   }
   return inputs;
+}
+
+void refuseToOverwrite(const std::vector<std::string>& inputs, const std::string& output) {
+  for (const std::string& input : inputs) {
+    std::error_code ignored; // a file that does not exist is not the same as any other
+    if (std::filesystem::equivalent(input, output, ignored)) {
+      throw ReplayError(EXIT_USAGE, output + " is read and cannot be written, too");
+    }
+  }
 }
 
 } // namespace com::velanto::connectivity::tools

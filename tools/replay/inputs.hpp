@@ -22,6 +22,10 @@ struct input_t {
 // directory or cannot be read.
 [[nodiscard]] std::vector<input_t> inputsFrom(const std::vector<std::string>& paths);
 
+// Throws ReplayError with EXIT_USAGE when the file `output`, which is going to be made anew, is one
+// of the inputs.
+void refuseToOverwrite(const std::vector<std::string>& inputs, const std::string& output);
+
 } // namespace com::velanto::connectivity::tools
 
 #endif

@@ -12,6 +12,8 @@ constexpr std::array EXAMPLES = {
                   "Fail when a message is dropped"},
     example_row_t{"cat recorded.ndjson | ostrovia-replay --tenant-id t1 --log-level 6 -",
                   "From a pipe, with the trace of every message"},
+    example_row_t{"ostrovia-replay --summary --dropped lost.ndjson recorded.ndjson > seen",
+                  "Why did messages vanish? Which ones?"},
 };
 
 } // namespace
@@ -39,6 +41,15 @@ const std::vector<option_group_t>& optionTable() {
          "every message; default: 3",
          &options_t::log_level},
         {"--strict", "", "exit with status 1 when a message was dropped", &options_t::strict}}},
+      {"What is shown and written",
+       {{"--summary", "[=text|json]",
+         "at the end, on standard error: kinds and what became of them, reasons of drops, "
+         "channels, times",
+         &options_t::summary},
+        {"--dropped", "FILE",
+         "write the messages that did not reach the host to FILE, as lines that can be corrected "
+         "and read again",
+         &options_t::dropped}}},
   };
   return TABLE;
 }

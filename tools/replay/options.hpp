@@ -29,6 +29,9 @@ struct ReplayOptions {
   std::string direction = "host";           // or "transport"
   std::optional<vlt_log_level_t> log_level; // without it DEFAULT_LOG_LEVEL
   bool strict = false;                      // dropped messages are a failure
+
+  std::optional<std::string> summary; // "text" or "json"
+  std::optional<std::string> dropped; // path of the file of dead letters
 };
 
 // What an option sets.
@@ -38,8 +41,10 @@ using target_t =
                  std::optional<vlt_log_level_t> ReplayOptions::*>;
 
 struct option_row_t {
-  const char* name;     // with its dashes
-  const char* argument; // as help shows it; "a|b|…" are the only ones allowed; empty: none is taken
+  const char* name; // with its dashes
+  // As help shows it; "a|b|…" are the only ones allowed; empty: none is taken. "[=a|b]" may be left
+  // out, which is the same as the first.
+  const char* argument;
   const char* help;
   target_t target;
 };

@@ -2,6 +2,7 @@
 #ifndef VLT_TOOLS_REPLAY_OUTPUT_HPP
 #define VLT_TOOLS_REPLAY_OUTPUT_HPP
 
+#include <fstream>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -30,6 +31,9 @@ class Output {
   std::string pending_;
   bool closed_ = false;
 };
+
+// Makes the file anew. Throws ReplayError "PATH: reason" with EXIT_IO.
+[[nodiscard]] std::ofstream openForWriting(const std::string& path);
 
 } // namespace com::velanto::connectivity::tools
 

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/ndjson/json_reader.hpp"
 #include "tools/replay/kind.hpp"
 #include "tools/replay/log_capture.hpp"
 #include "value/message.hpp"
@@ -34,6 +35,8 @@ struct record_t {
   const std::string* file = nullptr; // its name as diagnostics show it
   std::uint64_t line_number = 0;     // in its file, from 1
   std::string line;                  // byte for byte, without the line end
+
+  text_part_t annotation; // where the line has a remark of an earlier run; of size 0: none
 
   Kind kind = Kind::none;
   Outcome outcome = Outcome::dropped;

@@ -9,9 +9,7 @@
 #include <string_view>
 
 #include "tools/host_library.hpp"
-#include "tools/replay/diagnostics.hpp"
-#include "tools/replay/event_writer.hpp"
-#include "tools/replay/figures.hpp"
+#include "tools/replay/consumers.hpp"
 #include "tools/replay/line_reader.hpp"
 #include "tools/replay/worker.hpp"
 
@@ -45,10 +43,8 @@ class Replay {
         direction_(options.direction == "transport" ? Direction::towardsTransport
                                                     : Direction::towardsHost),
         diagnostics_(diagnostics),
-        events_(events),
-        printer_(diagnostics, options.log_level.value_or(DEFAULT_LOG_LEVEL)) {
-    consumers_ = {&figures_, &events_, &printer_};
-  }
+        consumers_(options, events, diagnostics),
+        figures_(consumers_.figures()) {}
 
   int run(const std::vector<input_t>& inputs);
 
@@ -58,9 +54,6 @@ class Replay {
   void replayAll(const std::vector<input_t>& inputs, Worker& worker);
   std::size_t readChunk(LineReader& reader, std::vector<record_t>& records,
                         std::exception_ptr& failure) const;
-  void publish(const record_t& record);
-  void pause();
-  void publishLog(std::span<const log_line_t> lines);
   void reportIncidents(Worker& worker);
   void shutDown(Worker& worker);
   void report(const std::string& text) { diagnostics_ << REPLAY_NAME << ": " + text + "\n"; }
@@ -71,12 +64,10 @@ class Replay {
   const ReplayOptions& options_;
   Direction direction_;
   std::ostream& diagnostics_;
-  Figures figures_;
-  EventWriter events_;
-  Diagnostics printer_;
-  std::vector<Consumer*> consumers_;
+  Consumers consumers_;
+  Figures& figures_;
   bool law_broken_ = false;
-  milliseconds_t elapsed_{};
+  std::chrono::nanoseconds elapsed_{};
   exit_status_t status_ = EXIT_FINE;
 };
 
@@ -112,18 +103,18 @@ void Replay::drive(const std::vector<input_t>& inputs) {
     worker.emplace(library, configurationOf(options_), direction_,
                    worker_options_t{options_.batch_size, true}, log);
   } catch (const ReplayError&) {
-    publishLog(log); // it says why
+    consumers_.takeLog(log); // it says why
     throw;
   }
-  publishLog(log);
+  consumers_.takeLog(log);
   const stopwatch_t::time_point start = stopwatch_t::now();
   try {
     replayAll(inputs, *worker);
   } catch (...) {
-    pause(); // what has come out until now counts, whatever stops the run
+    consumers_.pause(); // what has come out until now counts, whatever stops the run
     throw;
   }
-  pause();
+  consumers_.pause();
   elapsed_ = stopwatch_t::now() - start;
   shutDown(*worker);
 }
@@ -131,15 +122,15 @@ void Replay::drive(const std::vector<input_t>& inputs) {
 void Replay::replayAll(const std::vector<input_t>& inputs, Worker& worker) {
   LineReader reader(inputs);
   std::vector<record_t> records;
-  const Worker::Done done = [this](const record_t& record) { publish(record); };
-  while (!events_.closed()) {
+  const Worker::Done done = [this](const record_t& record) { consumers_.take(record); };
+  while (!consumers_.closed()) {
     std::exception_ptr failure;
     const std::size_t count = readChunk(reader, records, failure);
     worker.process(std::span(records).first(count), done);
     reportIncidents(worker);
     if (failure) std::rethrow_exception(failure); // what was read before it is dealt with
     if (count == 0) break;
-    if (reader.mayWait()) pause();
+    if (reader.mayWait()) consumers_.pause();
   }
 }
 
@@ -164,18 +155,6 @@ std::size_t Replay::readChunk(LineReader& reader, std::vector<record_t>& records
   return count;
 }
 
-void Replay::publish(const record_t& record) {
-  for (Consumer* consumer : consumers_) consumer->take(record);
-}
-
-void Replay::pause() {
-  for (Consumer* consumer : consumers_) consumer->pause();
-}
-
-void Replay::publishLog(std::span<const log_line_t> lines) {
-  for (Consumer* consumer : consumers_) consumer->takeLog(lines);
-}
-
 void Replay::reportIncidents(Worker& worker) {
   incidents_t& incidents = worker.incidents();
   for (const std::size_t messages : incidents.failed) {
@@ -183,7 +162,7 @@ void Replay::reportIncidents(Worker& worker) {
     worsen(EXIT_PLUGIN);
   }
   for (const batch_time_t& batch : incidents.batches) {
-    for (Consumer* consumer : consumers_) consumer->takeBatch(batch.messages, batch.time);
+    consumers_.takeBatch(batch.messages, batch.time);
   }
   // One that is broken once is often broken with every message.
   if (!incidents.broken_laws.empty() && !law_broken_) {
@@ -197,7 +176,7 @@ void Replay::reportIncidents(Worker& worker) {
 
 void Replay::shutDown(Worker& worker) {
   const passage_t& last = worker.shutdown();
-  publishLog(last.log);
+  consumers_.takeLog(last.log);
   figures_.takeUnasked(last.outputs.size());
   if (last.failed) {
     report("the plug-in failed in shutdown");
@@ -214,9 +193,17 @@ void Replay::judge(std::optional<std::int64_t> blocks) {
 }
 
 void Replay::writeFigures(std::optional<std::int64_t> blocks) {
+  if (const Summary* const summary = consumers_.summary(); summary != nullptr) {
+    const run_figures_t run = {figures_.read(), figures_.out(), elapsed_, blocks};
+    if (*options_.summary == "json") {
+      diagnostics_ << summaryJson(*summary, run);
+      return; // it has all that the line below says
+    }
+    diagnostics_ << summaryText(*summary, run);
+  }
   std::array<char, 400> digits{}; // room for any double
-  const std::to_chars_result end =
-      std::to_chars(digits.begin(), digits.end(), elapsed_.count(), std::chars_format::fixed, 3);
+  const std::to_chars_result end = std::to_chars(
+      digits.begin(), digits.end(), milliseconds_t(elapsed_).count(), std::chars_format::fixed, 3);
   diagnostics_ << "read " << figures_.read() << ", reached the "
                << (direction_ == Direction::towardsHost ? "host " : "transport ") << figures_.out()
                << ", dropped " << figures_.count(Outcome::dropped) << ", malformed "

@@ -56,6 +56,7 @@ bool Worker::read(record_t& record, Message& message) {
     return false;
   }
   record.outcome = Outcome::dropped;
+  record.annotation = reader_.remark();
   record.kind = metadata_.kindOf(message);
   return true;
 }

@@ -1,0 +1,12 @@
+#include "tools/replay/consumers.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics)
+    : events_(events), diagnostics_(diagnostics, options.log_level.value_or(DEFAULT_LOG_LEVEL)) {
+  all_ = {&figures_, &events_, &diagnostics_};
+  if (options.summary) all_.push_back(&summary_.emplace());
+  if (options.dropped) all_.push_back(&dead_letters_.emplace(*options.dropped));
+}
+
+} // namespace com::velanto::connectivity::tools

@@ -1,0 +1,54 @@
+// The consumers that the options ask for, in the order in which they get each record.
+#ifndef VLT_TOOLS_REPLAY_CONSUMERS_HPP
+#define VLT_TOOLS_REPLAY_CONSUMERS_HPP
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "tools/replay/dead_letters.hpp"
+#include "tools/replay/diagnostics.hpp"
+#include "tools/replay/event_writer.hpp"
+#include "tools/replay/figures.hpp"
+#include "tools/replay/options.hpp"
+#include "tools/replay/summary.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+class Consumers final : public Consumer {
+ public:
+  // The streams must outlive it. Throws ReplayError with EXIT_IO when a file cannot be made.
+  Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics);
+
+  void take(const record_t& record) override {
+    for (Consumer* consumer : all_) consumer->take(record);
+  }
+  void takeLog(std::span<const log_line_t> lines) override {
+    for (Consumer* consumer : all_) consumer->takeLog(lines);
+  }
+  void takeBatch(std::size_t messages, std::chrono::nanoseconds time) override {
+    for (Consumer* consumer : all_) consumer->takeBatch(messages, time);
+  }
+  void pause() override {
+    for (Consumer* consumer : all_) consumer->pause();
+  }
+
+  // Nobody reads the events any more.
+  [[nodiscard]] bool closed() const noexcept { return events_.closed(); }
+  [[nodiscard]] Figures& figures() noexcept { return figures_; }
+  // Null when none is asked for.
+  [[nodiscard]] const Summary* summary() const noexcept { return summary_ ? &*summary_ : nullptr; }
+
+ private:
+  Figures figures_;
+  EventWriter events_;
+  Diagnostics diagnostics_;
+  std::optional<Summary> summary_;
+  std::optional<DeadLetters> dead_letters_;
+  std::vector<Consumer*> all_;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif
