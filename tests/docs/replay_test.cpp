@@ -1,5 +1,5 @@
 // Keeps docs/replay.md true: each console block is run, command by command, in one folder with the
-// samples, and must show what stands below the command. Times differ from run to run, and a line
+// samples and with $PLUGIN naming the plug-in, and must show what stands below the command. Times differ from run to run, and a line
 // that ends in "…" is only begun.
 #include <gtest/gtest.h>
 
@@ -66,6 +66,7 @@ std::string abbreviated(const std::string& shown, const std::string& expected) {
 class ReplayDocument : public Program {
  protected:
   ReplayDocument() {
+    environment_ = {"PLUGIN=" VLT_PLUGIN_PATH};
     for (const auto& file : std::filesystem::directory_iterator(VLT_PROJECT_ROOT "/samples")) {
       std::filesystem::copy(file.path(), folder_.path(file.path().filename()));
     }

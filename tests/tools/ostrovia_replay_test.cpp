@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -159,6 +160,7 @@ TEST_F(OstroviaReplayTest, MessagesAreNotHeldBackWhileTheInputPauses) {
 // Each in a shell, over a recording of the name that they use.
 TEST_F(OstroviaReplayTest, ExamplesOfTheHelpWork) {
   folder_.write("recorded.ndjson", eventLine("1"));
+  std::filesystem::copy(VLT_PLUGIN_PATH, folder_.path("next.so"));
   for (const tools::example_row_t& example : tools::exampleTable()) {
     const result_t result = runShell(example.command);
     EXPECT_EQ(result.status, 0) << example.command << '\n' << result.diagnostics;

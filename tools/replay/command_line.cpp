@@ -18,6 +18,7 @@
 #include "tools/plugin_host/plugin_library.hpp"
 #include "tools/replay/help.hpp"
 #include "tools/replay/replay.hpp"
+#include "tools/replay/suite.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -107,6 +108,24 @@ std::optional<ReplayOptions> parse(int count, const char* const* arguments, std:
   return std::nullopt;
 }
 
+// What no option can tell by itself.
+void checkTogether(const ReplayOptions& options) {
+  for (const std::optional<std::string>& output :
+       {options.dropped, options.record, options.junit}) {
+    if (!output) continue;
+    refuseToOverwrite(options.paths, *output);
+    if (options.expect) refuseToOverwrite({*options.expect}, *output);
+  }
+  if (!options.suite && (options.update || options.junit)) {
+    throw ReplayError(EXIT_USAGE, "--update and --junit need --suite");
+  }
+  if (options.suite && (!options.paths.empty() || options.expect || options.record ||
+                        options.dropped || options.summary)) {
+    throw ReplayError(EXIT_USAGE,
+                      "--suite takes no FILES, --expect, --record, --dropped or --summary");
+  }
+}
+
 } // namespace
 
 int runReplay(int count, const char* const* arguments, std::ostream& out,
@@ -115,8 +134,9 @@ int runReplay(int count, const char* const* arguments, std::ostream& out,
     int status = EXIT_FINE;
     std::optional<ReplayOptions> options = parse(count, arguments, out, diagnostics, status);
     if (!options) return status;
-    if (options->dropped) refuseToOverwrite(options->paths, *options->dropped);
+    checkTogether(*options);
     if (options->plugin_path.empty()) options->plugin_path = PluginLibrary::defaultPath();
+    if (options->suite) return runSuite(*options, diagnostics);
     return replay(*options, inputsFrom(options->paths), out, diagnostics);
   } catch (const ReplayError& error) {
     diagnostics << REPLAY_NAME << ": " << error.what() << '\n';

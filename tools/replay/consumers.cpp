@@ -4,9 +4,12 @@ namespace com::velanto::connectivity::tools {
 
 Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics)
     : events_(events), diagnostics_(diagnostics, options.log_level.value_or(DEFAULT_LOG_LEVEL)) {
-  all_ = {&figures_, &events_, &diagnostics_};
+  all_ = {&figures_, &events_};
+  if (!options.quiet) all_.push_back(&diagnostics_);
   if (options.summary) all_.push_back(&summary_.emplace());
   if (options.dropped) all_.push_back(&dead_letters_.emplace(*options.dropped));
+  if (options.record) all_.push_back(&golden_.emplace(*options.record));
+  if (options.expect) all_.push_back(&expectation_.emplace(*options.expect, diagnostics));
 }
 
 } // namespace com::velanto::connectivity::tools

@@ -10,7 +10,9 @@
 #include "tools/replay/dead_letters.hpp"
 #include "tools/replay/diagnostics.hpp"
 #include "tools/replay/event_writer.hpp"
+#include "tools/replay/expectation.hpp"
 #include "tools/replay/figures.hpp"
+#include "tools/replay/golden.hpp"
 #include "tools/replay/options.hpp"
 #include "tools/replay/summary.hpp"
 
@@ -34,11 +36,17 @@ class Consumers final : public Consumer {
     for (Consumer* consumer : all_) consumer->pause();
   }
 
+  // One more, which must stay until the last record.
+  void add(Consumer& consumer) { all_.push_back(&consumer); }
+
   // Nobody reads the events any more.
   [[nodiscard]] bool closed() const noexcept { return events_.closed(); }
   [[nodiscard]] Figures& figures() noexcept { return figures_; }
   // Null when none is asked for.
   [[nodiscard]] const Summary* summary() const noexcept { return summary_ ? &*summary_ : nullptr; }
+  [[nodiscard]] Expectation* expectation() noexcept {
+    return expectation_ ? &*expectation_ : nullptr;
+  }
 
  private:
   Figures figures_;
@@ -46,6 +54,8 @@ class Consumers final : public Consumer {
   Diagnostics diagnostics_;
   std::optional<Summary> summary_;
   std::optional<DeadLetters> dead_letters_;
+  std::optional<GoldenWriter> golden_;
+  std::optional<Expectation> expectation_;
   std::vector<Consumer*> all_;
 };
 

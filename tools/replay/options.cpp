@@ -14,6 +14,8 @@ constexpr std::array EXAMPLES = {
                   "From a pipe, with the trace of every message"},
     example_row_t{"ostrovia-replay --summary --dropped lost.ndjson recorded.ndjson > seen",
                   "Why did messages vanish? Which ones?"},
+    example_row_t{"ostrovia-replay --against ./next.so recorded.ndjson > events.ndjson",
+                  "Will the next build of the plug-in change anything?"},
 };
 
 } // namespace
@@ -49,7 +51,21 @@ const std::vector<option_group_t>& optionTable() {
         {"--dropped", "FILE",
          "write the messages that did not reach the host to FILE, as lines that can be corrected "
          "and read again",
-         &options_t::dropped}}},
+         &options_t::dropped},
+        {"--quiet", "", "neither log lines nor the closing line on standard error",
+         &options_t::quiet}}},
+      {"Comparing runs",
+       {{"--record", "FILE", "write all that came of each message to FILE, a golden file",
+         &options_t::record},
+        {"--expect", "FILE", "compare the run with a golden file and show the differences",
+         &options_t::expect},
+        {"--against", "PATH",
+         "run another build of the plug-in beside this one and show the differences",
+         &options_t::against},
+        {"--suite", "FOLDER", "run every NAME.ndjson in FOLDER against its NAME.golden",
+         &options_t::suite},
+        {"--update", "", "with --suite: make the golden files anew instead", &options_t::update},
+        {"--junit", "FILE", "with --suite: write a report as JUnit does", &options_t::junit}}},
   };
   return TABLE;
 }

@@ -32,6 +32,14 @@ struct ReplayOptions {
 
   std::optional<std::string> summary; // "text" or "json"
   std::optional<std::string> dropped; // path of the file of dead letters
+  bool quiet = false;                 // no log lines, no closing line
+
+  std::optional<std::string> record;  // path of the golden file to be made,
+  std::optional<std::string> expect;  // and of the one to compare with
+  std::optional<std::string> against; // path of another plug-in library
+  std::optional<std::string> suite;   // path of a folder of cases
+  bool update = false;                // make the suite's golden files anew
+  std::optional<std::string> junit;   // path of the suite's report
 };
 
 // What an option sets.

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "tools/host_library.hpp"
+#include "tools/replay/against.hpp"
 #include "tools/replay/consumers.hpp"
 #include "tools/replay/line_reader.hpp"
 #include "tools/replay/worker.hpp"
@@ -58,6 +59,7 @@ class Replay {
   void shutDown(Worker& worker);
   void report(const std::string& text) { diagnostics_ << REPLAY_NAME << ": " + text + "\n"; }
   void worsen(exit_status_t status) { status_ = std::max(status_, status); }
+  void reportDifferences(const Comparer& comparer, const std::string& from);
   void judge(std::optional<std::int64_t> blocks);
   void writeFigures(std::optional<std::int64_t> blocks);
 
@@ -97,6 +99,11 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   const LogCapture capture;
   const PluginLibrary library =
       failingWith(EXIT_PLUGIN, [this] { return PluginLibrary(options_.plugin_path); });
+  std::optional<Against> against;
+  if (options_.against) {
+    consumers_.add(
+        against.emplace(*options_.against, configurationOf(options_), direction_, diagnostics_));
+  }
   std::vector<log_line_t> log;
   std::optional<Worker> worker;
   try {
@@ -117,6 +124,15 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   consumers_.pause();
   elapsed_ = stopwatch_t::now() - start;
   shutDown(*worker);
+  if (against) {
+    against->finish();
+    reportDifferences(against->comparer(), *options_.against);
+  }
+  if (Expectation* const expectation = consumers_.expectation(); expectation != nullptr) {
+    expectation->finish();
+    reportDifferences(expectation->comparer(), *options_.expect);
+  }
+  consumers_.pause();
 }
 
 void Replay::replayAll(const std::vector<input_t>& inputs, Worker& worker) {
@@ -184,6 +200,17 @@ void Replay::shutDown(Worker& worker) {
   }
 }
 
+void Replay::reportDifferences(const Comparer& comparer, const std::string& from) {
+  if (comparer.different() == 0) return;
+  std::string text = std::to_string(comparer.different()) + " of " +
+                     std::to_string(comparer.compared()) + " messages differ from " + from;
+  if (comparer.different() > Comparer::SHOWN) {
+    text += ", the first " + std::to_string(Comparer::SHOWN) + " are shown";
+  }
+  report(text);
+  worsen(EXIT_DIFFERENT);
+}
+
 void Replay::judge(std::optional<std::int64_t> blocks) {
   const std::string broken = figures_.brokenLaw();
   if (!broken.empty()) report(broken);
@@ -201,6 +228,7 @@ void Replay::writeFigures(std::optional<std::int64_t> blocks) {
     }
     diagnostics_ << summaryText(*summary, run);
   }
+  if (options_.quiet) return;
   std::array<char, 400> digits{}; // room for any double
   const std::to_chars_result end = std::to_chars(
       digits.begin(), digits.end(), milliseconds_t(elapsed_).count(), std::chars_format::fixed, 3);

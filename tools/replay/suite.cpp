@@ -1,0 +1,84 @@
+#include "tools/replay/suite.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <sstream>
+#include <streambuf>
+#include <system_error>
+
+#include "tools/replay/junit.hpp"
+#include "tools/replay/replay.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Takes everything and keeps nothing.
+class NullBuffer final : public std::streambuf {
+ protected:
+  int_type overflow(int_type c) override { return traits_type::not_eof(c); }
+  std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
+};
+
+std::vector<fs::path> casesIn(const std::string& folder) {
+  std::error_code error;
+  std::vector<fs::path> cases;
+  for (const auto& entry : fs::directory_iterator(folder, error)) {
+    if (entry.path().extension() == ".ndjson") cases.push_back(entry.path());
+  }
+  if (error) throw ReplayError(EXIT_IO, folder + ": " + error.message());
+  if (cases.empty()) throw ReplayError(EXIT_USAGE, folder + " has no case, no file NAME.ndjson");
+  std::sort(cases.begin(), cases.end());
+  return cases;
+}
+
+case_result_t runCase(const ReplayOptions& suite, const fs::path& input) {
+  ReplayOptions options = suite;
+  options.quiet = true;
+  options.strict = false;
+  fs::path golden = input;
+  golden.replace_extension(".golden");
+  (suite.update ? options.record : options.expect) = golden.string();
+  std::vector<input_t> inputs = inputsFrom({input.string()});
+  inputs.front().name = input.filename().string(); // golden files are the same wherever they lie
+  NullBuffer nowhere;
+  std::ostream events(&nowhere);
+  std::ostringstream complaints;
+  case_result_t result;
+  result.name = input.stem().string();
+  const auto start = std::chrono::steady_clock::now();
+  if (!suite.update && !fs::exists(golden)) {
+    result.status = EXIT_DIFFERENT;
+    result.complaint = "there is no " + golden.string() + "; --update makes it\n";
+    return result;
+  }
+  const int status = replay(options, inputs, events, complaints);
+  result.status = status == EXIT_BAD_INPUT ? EXIT_FINE : static_cast<exit_status_t>(status);
+  result.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  result.complaint = complaints.str();
+  return result;
+}
+
+} // namespace
+
+int runSuite(const ReplayOptions& options, std::ostream& diagnostics) {
+  std::vector<case_result_t> results;
+  int worst = EXIT_FINE;
+  std::size_t failed = 0;
+  for (const fs::path& input : casesIn(*options.suite)) {
+    const case_result_t& result = results.emplace_back(runCase(options, input));
+    worst = std::max<int>(worst, result.status);
+    if (result.status != EXIT_FINE) ++failed;
+    const char* const word = options.update ? "made  " : "ok    ";
+    diagnostics << (result.status == EXIT_FINE ? word : "FAILED") << "  " << result.name << '\n'
+                << result.complaint;
+  }
+  diagnostics << results.size() << " cases, " << failed << " failed\n";
+  if (options.junit) writeJunit(*options.junit, *options.suite, results);
+  return worst;
+}
+
+} // namespace com::velanto::connectivity::tools
