@@ -208,6 +208,16 @@ TEST_F(GoldenTest, DifferencesOfAnotherBuildAreShown) {
             std::string::npos);
 }
 
+TEST_F(GoldenTest, WhatTheBuildsLogAtTheirEndIsCompared) {
+  input_ = passingLine("1");
+  const result_t result = run({"--quiet", "--plugin", VLT_FAULTY_PLUGIN_PATH, "--tenant-id",
+                               "shutdown", "--against", VLT_PLUGIN_PATH});
+  EXPECT_EQ(result.status, 5);
+  EXPECT_NE(result.diagnostics.find("--- the log without a message\n"
+                                    "+++ the same of the other build\n@ log\n- [{"),
+            std::string::npos);
+}
+
 TEST_F(GoldenTest, OtherBuildThatCannotBeUsedIsAnError) {
   EXPECT_EQ(run({"--against", "/nowhere/next.so"}).status, 4);
 }

@@ -52,7 +52,7 @@ TEST_F(OstroviaReplayTest, FilesAreReadInOrderAndMalformedLinesNamed) {
   EXPECT_EQ(result.out, "{\"metadata\":{},\"payload\":1}\n{\"metadata\":{},\"payload\":2}\n");
   EXPECT_EQ(result.diagnostics,
             first +
-                ":2: not well-formed JSON\n<stdin>:2: not well-formed JSON\n"
+                ":2:1: not well-formed JSON\n<stdin>:2:1: not well-formed JSON\n"
                 "read 4, reached the host 2, dropped 0, malformed 2, T ms, 0 blocks live\n");
 }
 
@@ -155,6 +155,27 @@ TEST_F(OstroviaReplayTest, MessagesAreNotHeldBackWhileTheInputPauses) {
             "{\"metadata\":{},\"payload\":1}\n");
   for (const int descriptor : {in[0], in[1], out[0], out[1]}) close(descriptor);
   EXPECT_EQ(waitFor(child).status, 0);
+}
+
+TEST_F(OstroviaReplayTest, NumbersSurviveUnchanged) {
+  const std::string numbers =
+      "[9223372036854775807,-9223372036854775808,9007199254740993,0.1,1e+22,5e-324,"
+      "1.7976931348623157e+308,-0.0,4.35,123456789.125]";
+  input_ = passingLine(numbers);
+  EXPECT_EQ(run({}).out, "{\"metadata\":{},\"payload\":" + numbers + "}\n");
+}
+
+TEST_F(OstroviaReplayTest, WhatCannotBeKeptIsReportedWithItsPlace) {
+  input_ =
+      "{\"payload\":9223372036854775808}\n{\"payload\":{\"a\":1,\"a\":2}}\n"
+      "{\"payload\":\"\xff\"}\n";
+  const result_t result = run({"--dropped", "dropped"});
+  EXPECT_EQ(result.status, 3);
+  EXPECT_EQ(result.diagnostics,
+            "<stdin>:1:12: integer beyond 64 bits\n"
+            "<stdin>:2:19: repeated key \"a\"\n"
+            "<stdin>:3:13: text that is not UTF-8\n"
+            "read 3, reached the host 0, dropped 0, malformed 3, T ms, 0 blocks live\n");
 }
 
 // Each in a shell, over a recording of the name that they use.

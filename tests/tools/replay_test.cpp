@@ -134,8 +134,8 @@ TEST_F(ReplayTest, MalformedLinesAreReportedAndSkipped) {
             tools::EXIT_BAD_INPUT);
   EXPECT_EQ(events(), "{\"metadata\":{},\"payload\":1}\n{\"metadata\":{},\"payload\":2}\n");
   EXPECT_EQ(diagnostics(),
-            "a:2: not well-formed JSON\n"
-            "b:2: text with an embedded NUL\n"
+            "a:2:1: not well-formed JSON\n"
+            "b:2:12: text with an embedded NUL\n"
             "read 4, reached the host 2, dropped 0, malformed 2, T ms, 0 blocks live\n");
 }
 
@@ -155,7 +155,7 @@ TEST_F(ReplayTest, BatchSizeChangesNothingButTheBatches) {
   EXPECT_EQ(replay(content), tools::EXIT_BAD_INPUT);
   const std::string one_by_one = events();
   const std::string log = diagnostics();
-  EXPECT_EQ(log, sourcelessLog("0") + sourcelessLog("3") + "in:6: not well-formed JSON\n" +
+  EXPECT_EQ(log, sourcelessLog("0") + sourcelessLog("3") + "in:6:1: not well-formed JSON\n" +
                      sourcelessLog("6") + sourcelessLog("9") +
                      "read 11, reached the host 6, dropped 4, malformed 1, T ms, 0 blocks live\n");
   for (const std::size_t size : {2u, 3u, 5u, 10u, 256u, 1000u}) {

@@ -30,7 +30,7 @@ TEST_F(SummaryTest, KindsReasonsAndChannelsAreCounted) {
   input_ = eventLine("1") + textlessLine("2") + "\n" + alarmLine("3", "big") + "x\n" +
            passingLine("1") + textlessLine("4") + alarmLine("5") + eventLine("6");
   EXPECT_EQ(summaryOf({"--summary", "--channel-prefix", "p."}),
-            "<stdin>:5: not well-formed JSON\n"
+            "<stdin>:5:1: not well-formed JSON\n"
             "\n"
             "                   converted      passed     dropped\n"
             "alarms                     1           0           1\n"

@@ -2,6 +2,7 @@
 
 #include <simdjson.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <new>
 #include <string>
@@ -52,6 +53,34 @@ void check(simdjson::error_code error) {
   throw MalformedJson(reasonOf(error));
 }
 
+// Where a text begins that is not closed, or where a byte stands in one that should be escaped; 0
+// when there is neither.
+std::size_t findTextFault(std::string_view json) noexcept {
+  bool in_text = false;
+  std::size_t opening = 0;
+  for (std::size_t i = 0; i < json.size(); ++i) {
+    if (!in_text) {
+      in_text = json[i] == '"';
+      opening = i;
+    } else if (json[i] == '\\') {
+      ++i;
+    } else if (json[i] == '"') {
+      in_text = false;
+    } else if (static_cast<unsigned char>(json[i]) < 0x20) {
+      return i;
+    }
+  }
+  return in_text ? opening : 0;
+}
+
+// The parser tells of the text as a whole only what is wrong with it, not where.
+[[noreturn]] void refuseWhole(simdjson::error_code error, std::string_view json) {
+  if (error == simdjson::MEMALLOC) throw std::bad_alloc();
+  const std::size_t at =
+      error == simdjson::UTF8_ERROR ? findInvalidUtf8(json) : findTextFault(json);
+  throw MalformedJson(reasonOf(error), at + 1);
+}
+
 template <class T>
 T require(simdjson::simdjson_result<T> result) {
   T value{};
@@ -78,7 +107,13 @@ class JsonReader::Parser {
   ondemand::document open(std::string_view before, std::string_view json, std::string_view after);
   static void requireEnd(ondemand::document& document);
 
-  [[noreturn]] static void refuseMember(std::string_view name);
+  Message readMessage(ondemand::document& document);
+  data_t readOnly(ondemand::document& document);
+  [[nodiscard]] std::size_t columnOf(const char* place) const noexcept;
+  template <class Body>
+  auto locating(ondemand::document& document, const Body& body) const;
+  [[noreturn]] void refuseMember(std::string_view name, const char* place) const;
+  [[noreturn]] void refuseRepeated(std::string_view name, const char* place) const;
   [[nodiscard]] text_part_t memberAt(const char* begin, const char* end) const;
   data_t read(ondemand::value value, int depth);
   list_t readList(ondemand::array array, int depth);
@@ -86,25 +121,55 @@ class JsonReader::Parser {
   map_t readMetadata(ondemand::value value);
   static data_t readNull(ondemand::value value);
   static data_t readTruth(ondemand::value value);
-  static data_t readNumber(ondemand::value value);
-  data_t readText(std::string_view text);
+  [[nodiscard]] data_t readNumber(ondemand::value value) const;
+  data_t readString(ondemand::value value);
+  // `place` is that of the text's opening quote.
+  std::string_view unescaped(simdjson::simdjson_result<std::string_view> text,
+                             const char* place) const;
+  data_t readText(std::string_view text, const char* place);
   static int below(int depth);
 
   ondemand::parser parser_;
-  std::string padded_; // the text under way, with the bytes behind it that the parser may read
-  text_part_t remark_; // of the message read last
-  std::string text_;   // a text on its way to the host, with its NUL
+  std::size_t before_ = 0; // bytes that stand in front of what is read
+  std::string padded_;     // the text under way, with the bytes behind it that the parser may read
+  text_part_t remark_;     // of the message read last
+  std::string text_;       // a text on its way to the host, with its NUL
 };
 
 ondemand::document JsonReader::Parser::open(std::string_view before, std::string_view json,
                                             std::string_view after) {
   // Invisible in most editors, so that "not well-formed" would puzzle whoever reads it.
-  if (json.starts_with("\xEF\xBB\xBF")) throw MalformedJson("byte order mark before the JSON");
+  if (json.starts_with("\xEF\xBB\xBF")) {
+    throw MalformedJson("byte order mark before the JSON", 1);
+  }
   padded_.assign(before).append(json).append(after);
   const std::size_t length = padded_.size();
   padded_.append(simdjson::SIMDJSON_PADDING, ' ');
-  return require(
-      parser_.iterate(simdjson::padded_string_view(padded_.data(), length, padded_.size())));
+  before_ = before.size();
+  ondemand::document document;
+  const simdjson::error_code error =
+      parser_.iterate(simdjson::padded_string_view(padded_.data(), length, padded_.size()))
+          .get(document);
+  if (error != simdjson::SUCCESS) refuseWhole(error, json);
+  return document;
+}
+
+// The column of a place in the text under way.
+std::size_t JsonReader::Parser::columnOf(const char* place) const noexcept {
+  const auto offset = static_cast<std::size_t>(place - padded_.data());
+  return std::min(offset, padded_.size()) - std::min(offset, before_) + 1;
+}
+
+// Calls `body`, and gives what it throws without a place the one that has been reached.
+template <class Body>
+auto JsonReader::Parser::locating(ondemand::document& document, const Body& body) const {
+  try {
+    return body();
+  } catch (const MalformedJson& e) {
+    const char* place = nullptr;
+    if (e.column() != 0 || document.current_location().get(place) != simdjson::SUCCESS) throw;
+    throw MalformedJson(e.what(), columnOf(place));
+  }
 }
 
 void JsonReader::Parser::requireEnd(ondemand::document& document) {
@@ -116,6 +181,10 @@ void JsonReader::Parser::requireEnd(ondemand::document& document) {
 
 Message JsonReader::Parser::message(std::string_view line) {
   ondemand::document document = open("", line, "");
+  return locating(document, [&] { return readMessage(document); });
+}
+
+Message JsonReader::Parser::readMessage(ondemand::document& document) {
   ondemand::object object;
   if (require(document.type()) != ondemand::json_type::object) {
     throw MalformedJson("not a JSON object");
@@ -124,29 +193,42 @@ Message JsonReader::Parser::message(std::string_view line) {
   data_t payload;
   map_t metadata;
   remark_ = {};
+  std::vector<std::string> names;
   for (auto member : object) {
     ondemand::field field = require(std::move(member));
-    const char* const behind_quote = field.key().raw();
-    const std::string_view name = require(field.unescaped_key());
+    const char* const place = field.key().raw() - 1;
+    const std::string_view name = unescaped(field.unescaped_key(), place);
+    if (std::find(names.begin(), names.end(), name) != names.end()) {
+      refuseRepeated(name, place);
+    }
+    names.emplace_back(name);
     if (name == "payload") {
       payload = read(field.value(), 0);
     } else if (name == "metadata") {
       metadata = readMetadata(field.value());
     } else if (name == "dropped") {
       static_cast<void>(read(field.value(), 0));
-      remark_ = memberAt(behind_quote - 1, require(document.current_location()));
+      remark_ = memberAt(place, require(document.current_location()));
     } else {
-      refuseMember(name);
+      refuseMember(name, place);
     }
   }
   requireEnd(document);
   return Message(std::move(payload), std::move(metadata));
 }
 
-void JsonReader::Parser::refuseMember(std::string_view name) {
+// `place` is that of the name.
+void JsonReader::Parser::refuseMember(std::string_view name, const char* place) const {
   std::string quoted; // with line breaks and the like escaped
   appendJsonText(quoted, name);
-  throw MalformedJson("unknown member " + quoted + R"(, expected "metadata" and "payload")");
+  throw MalformedJson("unknown member " + quoted + R"(, expected "metadata" and "payload")",
+                      columnOf(place));
+}
+
+void JsonReader::Parser::refuseRepeated(std::string_view name, const char* place) const {
+  std::string quoted;
+  appendJsonText(quoted, name);
+  throw MalformedJson("repeated key " + quoted, columnOf(place));
 }
 
 // The member that begins at `begin` and before whose next comma or brace is `end`, with the comma
@@ -164,6 +246,10 @@ text_part_t JsonReader::Parser::memberAt(const char* begin, const char* end) con
 // a mere number or text as a case of its own, with checks of its own.
 data_t JsonReader::Parser::value(std::string_view json) {
   ondemand::document document = open("[", json, "]");
+  return locating(document, [&] { return readOnly(document); });
+}
+
+data_t JsonReader::Parser::readOnly(ondemand::document& document) {
   ondemand::array array;
   check(document.get_array().get(array));
   data_t result;
@@ -187,7 +273,7 @@ data_t JsonReader::Parser::read(ondemand::value value, int depth) {
     case ondemand::json_type::number:
       return readNumber(value);
     case ondemand::json_type::string:
-      return readText(require(value.get_string()));
+      return readString(value);
     case ondemand::json_type::array:
       return readList(require(value.get_array()), below(depth));
     case ondemand::json_type::object:
@@ -217,18 +303,39 @@ data_t JsonReader::Parser::readTruth(ondemand::value value) {
   return data_t(truth);
 }
 
-data_t JsonReader::Parser::readNumber(ondemand::value value) {
+data_t JsonReader::Parser::readNumber(ondemand::value value) const {
   std::int64_t integer = 0;
   if (value.get_int64().get(integer) == simdjson::SUCCESS) return data_t(integer);
   // A fraction, an exponent, more than 64 bits, or no number at all: the next attempt tells.
+  const std::string_view token = value.raw_json_token();
   double real = 0;
-  if (value.get_double().get(real) != simdjson::SUCCESS) check(simdjson::NUMBER_ERROR);
+  if (value.get_double().get(real) != simdjson::SUCCESS) {
+    throw MalformedJson(reasonOf(simdjson::NUMBER_ERROR), columnOf(token.data()));
+  }
+  const std::size_t end = token.find_first_not_of("-0123456789");
+  const bool is_integer = end == std::string_view::npos ||
+                          std::string_view(".eE").find(token[end]) == std::string_view::npos;
+  if (is_integer) throw MalformedJson("integer beyond 64 bits", columnOf(token.data()));
   return data_t(real);
 }
 
-data_t JsonReader::Parser::readText(std::string_view text) {
+data_t JsonReader::Parser::readString(ondemand::value value) {
+  const char* const place = value.raw_json_token().data();
+  return readText(unescaped(value.get_string(), place), place);
+}
+
+std::string_view JsonReader::Parser::unescaped(simdjson::simdjson_result<std::string_view> text,
+                                               const char* place) const {
+  std::string_view result;
+  const simdjson::error_code error = std::move(text).get(result);
+  if (error == simdjson::STRING_ERROR) throw MalformedJson(reasonOf(error), columnOf(place));
+  check(error);
+  return result;
+}
+
+data_t JsonReader::Parser::readText(std::string_view text, const char* place) {
   if (text.find('\0') != std::string_view::npos) {
-    throw MalformedJson("text with an embedded NUL");
+    throw MalformedJson("text with an embedded NUL", columnOf(place));
   }
   text_.assign(text);
   return data_t(text_.c_str());
@@ -244,9 +351,12 @@ map_t JsonReader::Parser::readMap(ondemand::object object, int depth) {
   map_t map;
   for (auto member : object) {
     ondemand::field field = require(std::move(member));
-    data_t key = readText(require(field.unescaped_key()));
+    const char* const place = field.key().raw() - 1;
+    data_t key = readText(unescaped(field.unescaped_key(), place), place);
     data_t content = read(field.value(), depth);
-    map[std::move(key)] = std::move(content);
+    if (!map.insert(std::move(key), std::move(content)).second) {
+      refuseRepeated(text_or_empty(key.get<const char*>()), place);
+    }
   }
   return map;
 }

@@ -5,11 +5,13 @@
 //   JSON                  value
 //   null                  empty
 //   true, false           boolean
-//   5, -0 (becomes 0)     integer, if without fraction and exponent and within 64 bits
-//   5.0, 1e2, 2^63 …      double: every other number; one beyond the doubles' range is refused
+//   5, -0 (becomes 0)     integer, if without fraction and exponent; one beyond 64 bits is refused,
+//                         since no value could hold it
+//   5.0, 1e2 …            double: every other number; one beyond the doubles' range is refused
 //   "text"                string; with an embedded NUL refused, since the host's texts end at NUL
 //   [ ]                   list, of any mixture
-//   { }                   map; a repeated key keeps its last value, "" is a key like any other
+//   { }                   map; "" is a key like any other, a repeated key is refused, since one of
+//                         the values would be lost
 //
 // A line is an object with "metadata" (an object) and "payload" (any value). Without the one there
 // are no entries, without the other the payload is empty. A member "dropped" is a remark of a tool:
@@ -23,6 +25,7 @@
 #include <cstddef>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 #include "value/message.hpp"
@@ -32,7 +35,16 @@ namespace com::velanto::connectivity::tools {
 // A text that is not what it has to be; what() is the reason, one line without a full stop.
 class MalformedJson : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  explicit MalformedJson(const std::string& reason) : std::runtime_error(reason) {}
+  MalformedJson(const std::string& reason, std::size_t column)
+      : std::runtime_error(reason), column_(column) {}
+
+  // Where the reason was found, in bytes from 1: exact for what is wrong with a single text, number,
+  // key or byte; at or shortly behind the fault when the structure is wrong. 0: not known.
+  [[nodiscard]] std::size_t column() const noexcept { return column_; }
+
+ private:
+  std::size_t column_ = 0;
 };
 
 // A part of a text, in bytes.

@@ -14,17 +14,8 @@ class Diagnostics final : public Consumer {
   // `out` must outlive this. Lines of a level above `level` are not shown.
   Diagnostics(std::ostream& out, vlt_log_level_t level) noexcept : out_(out), level_(level) {}
 
-  void take(const record_t& record) override {
-    if (record.outcome == Outcome::malformed) {
-      out_ << record.place() + ": " + record.malformed + "\n";
-    }
-    takeLog(record.log);
-  }
-  void takeLog(std::span<const log_line_t> lines) override {
-    for (const log_line_t& line : lines) {
-      if (line.level <= level_) out_ << line.text + "\n";
-    }
-  }
+  void take(const record_t& record) override;
+  void takeLog(std::span<const log_line_t> lines) override;
 
  private:
   std::ostream& out_;

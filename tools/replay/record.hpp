@@ -44,6 +44,7 @@ struct record_t {
   std::string events;           // the outputs as lines of JSON, if anyone has asked for them
   std::vector<log_line_t> log;  // what was logged while the plug-in had the message
   std::string malformed;        // why the line is no message
+  std::size_t column = 0;       // where, in bytes from 1; 0: not known
 
   [[nodiscard]] std::string place() const { return *file + ":" + std::to_string(line_number); }
 };

@@ -53,6 +53,7 @@ bool Worker::read(record_t& record, Message& message) {
   } catch (const MalformedJson& e) {
     record.outcome = Outcome::malformed;
     record.malformed = e.what();
+    record.column = e.column();
     return false;
   }
   record.outcome = Outcome::dropped;
