@@ -3,6 +3,7 @@
 #
 #   bench                the tables; results.json and chart.svg in build/bench/results
 #   bench_instructions   instructions per message, counted by callgrind
+#   bench --replay       ostrovia-replay against jq, by scripts/replay_speed.sh
 #   bench_against REV    the plug-in of another revision, built aside; prints its path
 
 # The headers of the Boost that has Boost.JSON, unpacked into build/boost-1.81: the package itself
@@ -86,6 +87,12 @@ bench_instructions() {
 bench() {
   local instructions=no
   local -a arguments=()
+  if [[ ${1:-} == --replay ]]; then
+    shift
+    build release ostrovia-replay OstroviaNotifications2Codec
+    scripts/replay_speed.sh build/release/bin/ostrovia-replay "$@"
+    return
+  fi
   while (($#)); do
     case $1 in
       --instructions) instructions=yes ;;

@@ -22,13 +22,14 @@ declare -A package_groups=(
     binutils
     libboost-dev
     libcli11-dev libsimdjson-dev rapidjson-dev
+    zlib1g-dev libzstd-dev
     libgtest-dev libgmock-dev
   "
   [clang]="clang-14"
   [lint]="clang-format-14 clang-tidy-14 git python3 shellcheck"
   [coverage]="gcovr"
   [fuzz]="libclang-rt-14-dev llvm-14 python3"
-  [bench]="git libbenchmark-dev nlohmann-json3-dev valgrind"
+  [bench]="git jq libbenchmark-dev nlohmann-json3-dev valgrind"
 )
 
 # missing_packages NAME…: prints the packages that are not installed, one per line.

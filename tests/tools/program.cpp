@@ -53,7 +53,7 @@ pid_t Program::start(const std::string& program, std::vector<std::string> argume
   Streams streams;
   streams.set(0, in_descriptor_, folder_.write("in", input_), O_RDONLY);
   streams.set(1, out_descriptor_, out_path_, O_WRONLY | O_CREAT | O_TRUNC);
-  streams.set(2, -1, folder_.path("diagnostics"), O_WRONLY | O_CREAT | O_TRUNC);
+  streams.set(2, error_descriptor_, folder_.path("diagnostics"), O_WRONLY | O_CREAT | O_TRUNC);
   streams.setFolder(folder_.path(""));
   arguments.insert(arguments.begin(), program);
   std::vector<std::string> variables = environment_;

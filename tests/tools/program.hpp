@@ -35,6 +35,7 @@ class Program : public ::testing::Test {
   int in_descriptor_ = -1;                     // unless this is set: a descriptor of the test
   std::string out_path_ = folder_.path("out"); // where standard output goes,
   int out_descriptor_ = -1;                    // unless this is set
+  int error_descriptor_ = -1;                  // standard error, unless it is to be collected
   std::vector<std::string> environment_;       // added to the test's own
 };
 

@@ -4,6 +4,7 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <optional>
@@ -116,6 +117,12 @@ void checkTogether(const ReplayOptions& options) {
     refuseToOverwrite(options.paths, *output);
     if (options.expect) refuseToOverwrite({*options.expect}, *output);
   }
+  const bool reads_standard_input =
+      options.paths.empty() ||
+      std::find(options.paths.begin(), options.paths.end(), "-") != options.paths.end();
+  if (options.repeat > 1 && reads_standard_input && !options.suite) {
+    throw ReplayError(EXIT_USAGE, "standard input cannot be read again, which --repeat asks for");
+  }
   if (!options.suite && (options.update || options.junit)) {
     throw ReplayError(EXIT_USAGE, "--update and --junit need --suite");
   }
@@ -128,8 +135,8 @@ void checkTogether(const ReplayOptions& options) {
 
 } // namespace
 
-int runReplay(int count, const char* const* arguments, std::ostream& out,
-              std::ostream& diagnostics) noexcept {
+int runReplay(int count, const char* const* arguments, std::ostream& out, std::ostream& diagnostics,
+              bool is_terminal) noexcept {
   try {
     int status = EXIT_FINE;
     std::optional<ReplayOptions> options = parse(count, arguments, out, diagnostics, status);
@@ -137,7 +144,11 @@ int runReplay(int count, const char* const* arguments, std::ostream& out,
     checkTogether(*options);
     if (options->plugin_path.empty()) options->plugin_path = PluginLibrary::defaultPath();
     if (options->suite) return runSuite(*options, diagnostics);
-    return replay(*options, inputsFrom(options->paths), out, diagnostics);
+    const std::vector<input_t> inputs = inputsFrom(options->paths);
+    if (!is_terminal) return replay(*options, inputs, out, diagnostics);
+    Terminal terminal(*diagnostics.rdbuf());
+    std::ostream above(&terminal);
+    return replay(*options, inputs, out, above, &terminal);
   } catch (const ReplayError& error) {
     diagnostics << REPLAY_NAME << ": " << error.what() << '\n';
     return error.status();

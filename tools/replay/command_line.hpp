@@ -9,8 +9,9 @@ namespace com::velanto::connectivity::tools {
 // Does what the arguments ask for and returns the exit status: replays, or writes help or version
 // to `out`, or says on `diagnostics` what is wrong with them (status 2). `arguments` are those of
 // main. Does not throw.
-int runReplay(int count, const char* const* arguments, std::ostream& out,
-              std::ostream& diagnostics) noexcept;
+// `is_terminal`: `diagnostics` leads to one, so progress is shown.
+int runReplay(int count, const char* const* arguments, std::ostream& out, std::ostream& diagnostics,
+              bool is_terminal = false) noexcept;
 
 } // namespace com::velanto::connectivity::tools
 

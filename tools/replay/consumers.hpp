@@ -36,8 +36,9 @@ class Consumers final : public Consumer {
     for (Consumer* consumer : all_) consumer->pause();
   }
 
-  // One more, which must stay until the last record.
+  // One more, which must stay until the last record or its removal.
   void add(Consumer& consumer) { all_.push_back(&consumer); }
+  void remove(Consumer& consumer) { std::erase(all_, &consumer); }
 
   // Nobody reads the events any more.
   [[nodiscard]] bool closed() const noexcept { return events_.closed(); }

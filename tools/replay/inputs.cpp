@@ -25,18 +25,26 @@ void checkReadable(const std::string& path) {
   if (S_ISDIR(status.st_mode)) refuse(path, EISDIR);
 }
 
+std::uintmax_t sizeOf(const std::string& path) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  return error ? 0 : size;
+}
+
 input_t fileInput(const std::string& path) {
   checkReadable(path);
-  return {path, [path]() -> std::unique_ptr<std::istream> {
+  return {path,
+          [path]() -> std::unique_ptr<std::istream> {
             errno = 0;
             auto file = std::make_unique<std::ifstream>(path, std::ios::binary);
             if (!file->is_open()) refuse(path, errno);
             return file;
-          }};
+          },
+          sizeOf(path)};
 }
 
 input_t standardInput() {
-  return {"<stdin>", [] { return std::make_unique<std::istream>(std::cin.rdbuf()); }};
+  return {"<stdin>", [] { return std::make_unique<std::istream>(std::cin.rdbuf()); }, 0, true};
 }
 
 } // namespace

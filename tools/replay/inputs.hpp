@@ -3,6 +3,7 @@
 #ifndef VLT_TOOLS_REPLAY_INPUTS_HPP
 #define VLT_TOOLS_REPLAY_INPUTS_HPP
 
+#include <cstdint>
 #include <functional>
 #include <istream>
 #include <memory>
@@ -13,8 +14,11 @@ namespace com::velanto::connectivity::tools {
 
 struct input_t {
   std::string name; // as diagnostics show it
-  // Called once. Throws ReplayError with EXIT_IO when there is nothing to be read.
+  // Called once for each time that the input is read. Throws ReplayError with EXIT_IO when there is
+  // nothing to be read.
   std::function<std::unique_ptr<std::istream>()> open;
+  std::uintmax_t size = 0; // bytes; 0: not known
+  bool is_standard_input = false;
 };
 
 // An input for each path, in order; "-" is standard input, as is an empty list. Looks at every path

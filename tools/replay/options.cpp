@@ -10,8 +10,8 @@ constexpr std::array EXAMPLES = {
     example_row_t{"ostrovia-replay recorded.ndjson", "What will my rules see?"},
     example_row_t{"ostrovia-replay --strict recorded.ndjson > events.ndjson",
                   "Fail when a message is dropped"},
-    example_row_t{"cat recorded.ndjson | ostrovia-replay --tenant-id t1 --log-level 6 -",
-                  "From a pipe, with the trace of every message"},
+    example_row_t{"gzip -c recorded.ndjson | ostrovia-replay --tenant-id t1 --log-level 6 -",
+                  "Compressed, from a pipe, with the trace of every message"},
     example_row_t{"ostrovia-replay --summary --dropped lost.ndjson recorded.ndjson > seen",
                   "Why did messages vanish? Which ones?"},
     example_row_t{"ostrovia-replay --against ./next.so recorded.ndjson > events.ndjson",
@@ -36,6 +36,11 @@ const std::vector<option_group_t>& optionTable() {
          "messages that the plug-in gets in one call; default: 1, so that what is logged belongs "
          "to its message",
          &options_t::batch_size},
+        {"--repeat", "COUNT", "read all input so many times; default: 1", &options_t::repeat},
+        {"--threads", "COUNT",
+         "chains, each with a codec and a thread of its own; what is written stays in the order of "
+         "the input; default: 1",
+         &options_t::threads},
         {"--direction", "host|transport", "side that messages are sent to; default: host",
          &options_t::direction},
         {"--log-level", "LEVEL",
@@ -52,7 +57,7 @@ const std::vector<option_group_t>& optionTable() {
          "write the messages that did not reach the host to FILE, as lines that can be corrected "
          "and read again",
          &options_t::dropped},
-        {"--quiet", "", "neither log lines nor the closing line on standard error",
+        {"--quiet", "", "neither log lines, progress nor the closing line on standard error",
          &options_t::quiet}}},
       {"Comparing runs",
        {{"--record", "FILE", "write all that came of each message to FILE, a golden file",

@@ -26,6 +26,8 @@ struct ReplayOptions {
   std::optional<std::string> measurement_channel; // the same
 
   std::size_t batch_size = 1;               // messages, at least 1
+  std::size_t repeat = 1;                   // how often the input is read, at least 1
+  std::size_t threads = 1;                  // chains, each with a thread, at least 1
   std::string direction = "host";           // or "transport"
   std::optional<vlt_log_level_t> log_level; // without it DEFAULT_LOG_LEVEL
   bool strict = false;                      // dropped messages are a failure

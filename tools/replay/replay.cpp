@@ -5,14 +5,14 @@
 #include <charconv>
 #include <chrono>
 #include <cstdint>
-#include <exception>
 #include <string_view>
 
 #include "tools/host_library.hpp"
 #include "tools/replay/against.hpp"
 #include "tools/replay/consumers.hpp"
-#include "tools/replay/line_reader.hpp"
-#include "tools/replay/worker.hpp"
+#include "tools/replay/crew.hpp"
+#include "tools/replay/interruption.hpp"
+#include "tools/replay/progress.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -20,8 +20,6 @@ namespace {
 
 using stopwatch_t = std::chrono::steady_clock;
 using milliseconds_t = std::chrono::duration<double, std::milli>;
-
-constexpr std::size_t CHUNK = 256; // lines that are read before the first of them is sent
 
 // A line at this level says why a message was dropped, so the tool always wants to hear it.
 constexpr vlt_log_level_t DROPPED_LEVEL = 3;
@@ -39,8 +37,10 @@ data_t configurationOf(const ReplayOptions& options) {
 
 class Replay {
  public:
-  Replay(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics)
+  Replay(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics,
+         Terminal* terminal)
       : options_(options),
+        terminal_(options.quiet ? nullptr : terminal),
         direction_(options.direction == "transport" ? Direction::towardsTransport
                                                     : Direction::towardsHost),
         diagnostics_(diagnostics),
@@ -52,11 +52,9 @@ class Replay {
  private:
   void setLevel();
   void drive(const std::vector<input_t>& inputs);
-  void replayAll(const std::vector<input_t>& inputs, Worker& worker);
-  std::size_t readChunk(LineReader& reader, std::vector<record_t>& records,
-                        std::exception_ptr& failure) const;
-  void reportIncidents(Worker& worker);
-  void shutDown(Worker& worker);
+  void replayAll(const std::vector<input_t>& inputs, Crew& crew);
+  void reportIncidents(incidents_t& incidents);
+  void shutDown(Crew& crew);
   void report(const std::string& text) { diagnostics_ << REPLAY_NAME << ": " + text + "\n"; }
   void worsen(exit_status_t status) { status_ = std::max(status_, status); }
   void reportDifferences(const Comparer& comparer, const std::string& from);
@@ -64,6 +62,7 @@ class Replay {
   void writeFigures(std::optional<std::int64_t> blocks);
 
   const ReplayOptions& options_;
+  Terminal* terminal_; // null: there is no progress to be shown
   Direction direction_;
   std::ostream& diagnostics_;
   Consumers consumers_;
@@ -105,10 +104,10 @@ void Replay::drive(const std::vector<input_t>& inputs) {
         against.emplace(*options_.against, configurationOf(options_), direction_, diagnostics_));
   }
   std::vector<log_line_t> log;
-  std::optional<Worker> worker;
+  std::optional<Crew> crew;
   try {
-    worker.emplace(library, configurationOf(options_), direction_,
-                   worker_options_t{options_.batch_size, true}, log);
+    crew.emplace(library, configurationOf(options_), direction_,
+                 worker_options_t{options_.batch_size, true}, options_.threads, log);
   } catch (const ReplayError&) {
     consumers_.takeLog(log); // it says why
     throw;
@@ -116,14 +115,14 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   consumers_.takeLog(log);
   const stopwatch_t::time_point start = stopwatch_t::now();
   try {
-    replayAll(inputs, *worker);
+    replayAll(inputs, *crew);
   } catch (...) {
     consumers_.pause(); // what has come out until now counts, whatever stops the run
     throw;
   }
   consumers_.pause();
   elapsed_ = stopwatch_t::now() - start;
-  shutDown(*worker);
+  shutDown(*crew);
   if (against) {
     against->finish();
     reportDifferences(against->comparer(), *options_.against);
@@ -135,44 +134,20 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   consumers_.pause();
 }
 
-void Replay::replayAll(const std::vector<input_t>& inputs, Worker& worker) {
-  LineReader reader(inputs);
-  std::vector<record_t> records;
-  const Worker::Done done = [this](const record_t& record) { consumers_.take(record); };
-  while (!consumers_.closed()) {
-    std::exception_ptr failure;
-    const std::size_t count = readChunk(reader, records, failure);
-    worker.process(std::span(records).first(count), done);
-    reportIncidents(worker);
-    if (failure) std::rethrow_exception(failure); // what was read before it is dealt with
-    if (count == 0) break;
-    if (reader.mayWait()) consumers_.pause();
+void Replay::replayAll(const std::vector<input_t>& inputs, Crew& crew) {
+  LineReader reader(inputs, options_.repeat);
+  std::optional<Progress> progress;
+  if (terminal_ != nullptr) {
+    consumers_.add(progress.emplace(*terminal_, [&reader] { return reader.share(); }));
   }
+  crew.run(reader, {[this](const record_t& record) { consumers_.take(record); },
+                    [this](incidents_t& incidents) { reportIncidents(incidents); },
+                    [this] { return consumers_.closed(); }, [this] { consumers_.pause(); }});
+  if (isInterrupted()) worsen(EXIT_INTERRUPTED);
+  if (progress) consumers_.remove(*progress);
 }
 
-// Reads the next lines into `records` and returns how many: 0 at the end.
-std::size_t Replay::readChunk(LineReader& reader, std::vector<record_t>& records,
-                              std::exception_ptr& failure) const {
-  // As many whole batches as a chunk holds, but at least one.
-  const std::size_t lines =
-      std::max(CHUNK / options_.batch_size, std::size_t{1}) * options_.batch_size;
-  std::size_t count = 0;
-  try {
-    while (count < lines) {
-      // Messages that come one by one are not kept waiting for each other.
-      if (options_.batch_size == 1 && count > 0 && reader.mayWait()) break;
-      if (count == records.size()) records.emplace_back();
-      if (!reader.next(records[count])) break;
-      ++count;
-    }
-  } catch (const ReplayError&) {
-    failure = std::current_exception();
-  }
-  return count;
-}
-
-void Replay::reportIncidents(Worker& worker) {
-  incidents_t& incidents = worker.incidents();
+void Replay::reportIncidents(incidents_t& incidents) {
   for (const std::size_t messages : incidents.failed) {
     report("the plug-in failed on a batch, messages " + std::to_string(messages));
     worsen(EXIT_PLUGIN);
@@ -190,11 +165,11 @@ void Replay::reportIncidents(Worker& worker) {
   incidents.broken_laws.clear();
 }
 
-void Replay::shutDown(Worker& worker) {
-  const passage_t& last = worker.shutdown();
-  consumers_.takeLog(last.log);
-  figures_.takeUnasked(last.outputs.size());
-  if (last.failed) {
+void Replay::shutDown(Crew& crew) {
+  for (const passage_t& last : crew.shutdown()) {
+    consumers_.takeLog(last.log);
+    figures_.takeUnasked(last.outputs.size());
+    if (!last.failed) continue;
     report("the plug-in failed in shutdown");
     worsen(EXIT_PLUGIN);
   }
@@ -247,9 +222,9 @@ void Replay::writeFigures(std::optional<std::int64_t> blocks) {
 } // namespace
 
 int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std::ostream& events,
-           std::ostream& diagnostics) noexcept {
+           std::ostream& diagnostics, Terminal* terminal) noexcept {
   try {
-    return Replay(options, events, diagnostics).run(inputs);
+    return Replay(options, events, diagnostics, terminal).run(inputs);
   } catch (const ReplayError& e) {
     diagnostics << REPLAY_NAME << ": " << e.what() << '\n';
     return e.status();

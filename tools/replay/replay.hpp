@@ -15,14 +15,16 @@
 #include "tools/replay/exit_status.hpp"
 #include "tools/replay/inputs.hpp"
 #include "tools/replay/options.hpp"
+#include "tools/replay/terminal.hpp"
 
 namespace com::velanto::connectivity::tools {
 
 // Writes to `events` one line for each message that reaches the link in the chosen direction, and
 // to `diagnostics` lines about what went wrong, the plug-in's log lines and, unless the run was
-// broken off, one line with the figures. Returns one of EXIT_STATUSES. Does not throw.
+// broken off, one line with the figures. `terminal`, if there is one, is what `diagnostics` writes to
+// and shows the progress. Returns one of EXIT_STATUSES. Does not throw.
 int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std::ostream& events,
-           std::ostream& diagnostics) noexcept;
+           std::ostream& diagnostics, Terminal* terminal = nullptr) noexcept;
 
 } // namespace com::velanto::connectivity::tools
 

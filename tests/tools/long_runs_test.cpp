@@ -1,0 +1,211 @@
+// What makes long runs bearable: compressed input, repetition, threads, progress, Ctrl-C; all with the
+// built tool.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <stdlib.h>
+#include <unistd.h>
+#include <zlib.h>
+#include <zstd.h>
+
+#include <csignal>
+
+#include "tests/tools/program.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+const char* const TWO_EVENTS = "{\"metadata\":{},\"payload\":1}\n{\"metadata\":{},\"payload\":2}\n";
+
+std::string gzipped(const std::string& text) {
+  z_stream state{};
+  constexpr int GZIP = 16;
+  EXPECT_EQ(deflateInit2(&state, 6, Z_DEFLATED, MAX_WBITS + GZIP, 8, Z_DEFAULT_STRATEGY), Z_OK);
+  std::string out(deflateBound(&state, text.size()) + 100, '\0');
+  state.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+  state.avail_in = static_cast<uInt>(text.size());
+  state.next_out = reinterpret_cast<Bytef*>(out.data());
+  state.avail_out = static_cast<uInt>(out.size());
+  EXPECT_EQ(deflate(&state, Z_FINISH), Z_STREAM_END);
+  out.resize(state.total_out);
+  deflateEnd(&state);
+  return out;
+}
+
+std::string zstandard(const std::string& text) {
+  std::string out(ZSTD_compressBound(text.size()), '\0');
+  out.resize(ZSTD_compress(out.data(), out.size(), text.data(), text.size(), 3));
+  return out;
+}
+
+// Lines that do not compress to nothing.
+std::string manyLines() {
+  std::string text;
+  for (int i = 0; i < 30000; ++i) {
+    std::string payload = "\"";
+    payload.append(std::to_string(i * 7919 % 30011)).append("\"");
+    text += passingLine(payload);
+  }
+  return text;
+}
+
+class LongRunsTest : public Program {};
+
+} // namespace
+
+TEST_F(LongRunsTest, CompressedInputIsKnownByItsFirstBytes) {
+  for (const auto& compress : {&gzipped, &zstandard}) {
+    input_ = compress(passingLine("1")) + compress(passingLine("2")); // two members in a row
+    EXPECT_EQ(run({}).out, TWO_EVENTS);
+    EXPECT_EQ(run({folder_.write("file", input_)}).out, TWO_EVENTS);
+  }
+}
+
+TEST_F(LongRunsTest, CompressedInputMayBeLarge) {
+  const std::string text = manyLines();
+  input_ = text;
+  out_path_ = folder_.path("plain");
+  run({});
+  const std::string expected = folder_.read("plain");
+  out_path_ = folder_.path("out");
+  for (const auto& compress : {&gzipped, &zstandard}) {
+    input_ = compress(text);
+    EXPECT_EQ(run({}).out, expected);
+  }
+}
+
+TEST_F(LongRunsTest, CompressedInputThatIsBrokenIsAnErrorAfterWhatWasRead) {
+  const std::string text = manyLines();
+  const std::string gzip = gzipped(text);
+  const std::string zstd = zstandard(text);
+  const auto complaintAbout = [this](const std::string& input) {
+    input_ = input;
+    const result_t result = run({});
+    EXPECT_EQ(result.status, 7);
+    return result.diagnostics;
+  };
+  EXPECT_EQ(complaintAbout(gzip.substr(0, gzip.size() - 20)),
+            "ostrovia-replay: <stdin>: the gzip data ends too early\n");
+  EXPECT_EQ(folder_.read("out").rfind("{\"metadata\":{},\"payload\":\"0\"}\n", 0), 0u);
+  EXPECT_EQ(complaintAbout(gzip.substr(0, 50) + std::string(100, '\xff')),
+            "ostrovia-replay: <stdin>: the gzip data is damaged\n");
+  EXPECT_EQ(complaintAbout(zstd.substr(0, zstd.size() - 20)),
+            "ostrovia-replay: <stdin>: the Zstandard data ends too early\n");
+  std::string damaged = zstd;
+  damaged.replace(50, 5000, 5000, '\xff');
+  EXPECT_EQ(complaintAbout(damaged), "ostrovia-replay: <stdin>: the Zstandard data is damaged\n");
+}
+
+TEST_F(LongRunsTest, LineThatOnlyBeginsLikeCompressedInputIsMalformed) {
+  input_ = "(x\n" + passingLine("1") + passingLine("2");
+  const result_t result = run({});
+  EXPECT_EQ(result.status, 3);
+  EXPECT_EQ(result.out, TWO_EVENTS);
+}
+
+TEST_F(LongRunsTest, InputIsReadAsOftenAsAskedFor) {
+  const std::string file = folder_.write("file", passingLine("1") + "x\n");
+  const result_t result = run({file, file, "--repeat", "3"});
+  EXPECT_EQ(result.status, 3);
+  EXPECT_NE(result.diagnostics.find("read 12, reached the host 6, dropped 0, malformed 6"),
+            std::string::npos);
+  EXPECT_NE(result.diagnostics.find(file + ":2:1: "), std::string::npos);
+  const result_t refused = run({"--repeat", "2"});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.diagnostics,
+            "ostrovia-replay: standard input cannot be read again, which --repeat asks for\n");
+}
+
+TEST_F(LongRunsTest, ThreadsChangeNothingThatIsWritten) {
+  for (int i = 0; i < 5000; ++i) {
+    const std::string id = std::to_string(i);
+    input_ += i % 7 == 0 ? textlessLine(id) : i % 11 == 0 ? "x\n" : eventLine(id);
+  }
+  const std::vector<std::string> options = {"--dropped", "dropped", "--record", "golden"};
+  const result_t one = run(options);
+  const std::string dropped = folder_.read("dropped");
+  const std::string golden = folder_.read("golden");
+  for (const char* threads : {"2", "3", "16"}) {
+    std::vector<std::string> more = options;
+    more.insert(more.end(), {"--threads", threads});
+    const result_t many = run(more);
+    EXPECT_EQ(many.status, one.status);
+    EXPECT_TRUE(many.out == one.out) << threads;
+    EXPECT_TRUE(many.diagnostics == one.diagnostics) << threads;
+    EXPECT_TRUE(folder_.read("dropped") == dropped) << threads;
+    EXPECT_TRUE(folder_.read("golden") == golden) << threads;
+  }
+}
+
+TEST_F(LongRunsTest, EveryThreadHasAChainOfItsOwn) {
+  const result_t result =
+      run({"--plugin", VLT_FAULTY_PLUGIN_PATH, "--tenant-id", "late", "--threads", "3"});
+  EXPECT_EQ(result.status, 6);
+  EXPECT_NE(result.diagnostics.find("reached the host 3,"), std::string::npos); // one of each
+}
+
+TEST_F(LongRunsTest, FailureToReadEndsThreadsAfterWhatWasRead) {
+  std::string text;
+  for (int i = 0; i < 3000; ++i) text += passingLine("1");
+  const std::string good = folder_.write("good", text);
+  const std::string bad = folder_.write("bad", gzipped(text).substr(0, 30));
+  const result_t result = run({"--threads", "2", good, bad});
+  EXPECT_EQ(result.status, 7);
+  EXPECT_GE(result.out.size(), 3000 * std::string("{\"metadata\":{},\"payload\":1}\n").size());
+}
+
+TEST_F(LongRunsTest, InterruptedRunEndsWithItsFigures) {
+  for (const std::vector<std::string>& options :
+       {std::vector<std::string>{}, {"--threads", "2"}, {"--summary"}}) {
+    int in[2] = {};
+    ASSERT_EQ(pipe2(in, O_CLOEXEC), 0);
+    in_descriptor_ = in[0];
+    const pid_t child = start(VLT_REPLAY_PATH, options);
+    const std::string line = passingLine("1");
+    ASSERT_EQ(write(in[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
+    usleep(300000); // the line is read, and the tool waits for the next one
+    kill(child, SIGINT);
+    const result_t result = waitFor(child);
+    close(in[0]);
+    close(in[1]);
+    EXPECT_EQ(result.status, 130);
+    EXPECT_EQ(result.out, "{\"metadata\":{},\"payload\":1}\n");
+    EXPECT_TRUE(result.diagnostics.ends_with(
+        "read 1, reached the host 1, dropped 0, malformed 0, T ms, 0 blocks live\n"))
+        << result.diagnostics;
+  }
+}
+
+TEST_F(LongRunsTest, TerminalShowsHowFarTheRunHasCome) {
+  std::string text;
+  for (int i = 0; i < 20000; ++i) text += eventLine("1");
+  const std::string file = folder_.write("file", text);
+  for (const bool quiet : {false, true}) {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_EQ(grantpt(terminal), 0);
+    ASSERT_EQ(unlockpt(terminal), 0);
+    error_descriptor_ = ::open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    std::vector<std::string> arguments = {file, "--repeat", "10"};
+    if (quiet) arguments.emplace_back("--quiet");
+    const pid_t child = start(VLT_REPLAY_PATH, arguments);
+    close(error_descriptor_);
+    std::string shown;
+    char piece[1000];
+    for (ssize_t size = 0; (size = read(terminal, piece, sizeof piece)) > 0;) {
+      shown.append(piece, static_cast<std::size_t>(size));
+    }
+    close(terminal);
+    EXPECT_EQ(waitFor(child).status, 0);
+    if (quiet) {
+      EXPECT_EQ(shown, "");
+      continue;
+    }
+    EXPECT_NE(shown.find(" messages/s, 0:"), std::string::npos) << shown;
+    EXPECT_NE(shown.find(" left"), std::string::npos);
+    const std::size_t figures = shown.find("\r\x1B[Kread 200000, "); // the status line is gone
+    EXPECT_NE(figures, std::string::npos) << shown;
+  }
+}
+
+} // namespace com::velanto::connectivity::test
