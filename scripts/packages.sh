@@ -22,7 +22,7 @@ declare -A package_groups=(
     binutils
     libboost-dev
     libcli11-dev libsimdjson-dev rapidjson-dev
-    zlib1g-dev libzstd-dev
+    zlib1g-dev libzstd-dev libyaml-cpp-dev
     libgtest-dev libgmock-dev
   "
   [clang]="clang-14"

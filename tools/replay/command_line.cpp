@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "tools/plugin_host/plugin_library.hpp"
+#include "tools/replay/configuration.hpp"
 #include "tools/replay/help.hpp"
 #include "tools/replay/replay.hpp"
 #include "tools/replay/suite.hpp"
@@ -120,8 +121,11 @@ void checkTogether(const ReplayOptions& options) {
   const bool reads_standard_input =
       options.paths.empty() ||
       std::find(options.paths.begin(), options.paths.end(), "-") != options.paths.end();
-  if (options.repeat > 1 && reads_standard_input && !options.suite) {
+  if (options.repeat > 1 && reads_standard_input && !options.suite && !options.check_config) {
     throw ReplayError(EXIT_USAGE, "standard input cannot be read again, which --repeat asks for");
+  }
+  if (options.check_config && (!options.config || !options.paths.empty())) {
+    throw ReplayError(EXIT_USAGE, "--check-config needs --config and takes no FILES");
   }
   if (!options.suite && (options.update || options.junit)) {
     throw ReplayError(EXIT_USAGE, "--update and --junit need --suite");
@@ -143,6 +147,7 @@ int runReplay(int count, const char* const* arguments, std::ostream& out, std::o
     if (!options) return status;
     checkTogether(*options);
     if (options->plugin_path.empty()) options->plugin_path = PluginLibrary::defaultPath();
+    if (options->check_config) return checkConfiguration(*options, out, diagnostics);
     if (options->suite) return runSuite(*options, diagnostics);
     const std::vector<input_t> inputs = inputsFrom(options->paths);
     if (!is_terminal) return replay(*options, inputs, out, diagnostics);

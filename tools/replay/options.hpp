@@ -21,7 +21,9 @@ struct ReplayOptions {
   std::vector<std::string> paths; // of the inputs; none: standard input
 
   std::string plugin_path;
-  std::string tenant_id;                          // empty: no tenant
+  std::optional<std::string> config;              // path of a file with the configuration
+  bool check_config = false;                      // look at it instead of replaying
+  std::optional<std::string> tenant_id;           // empty: no tenant
   std::optional<std::string> channel_prefix;      // without it the plug-in's default
   std::optional<std::string> measurement_channel; // the same
 

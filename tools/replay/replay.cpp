@@ -9,6 +9,7 @@
 
 #include "tools/host_library.hpp"
 #include "tools/replay/against.hpp"
+#include "tools/replay/configuration.hpp"
 #include "tools/replay/consumers.hpp"
 #include "tools/replay/crew.hpp"
 #include "tools/replay/interruption.hpp"
@@ -23,17 +24,6 @@ using milliseconds_t = std::chrono::duration<double, std::milli>;
 
 // A line at this level says why a message was dropped, so the tool always wants to hear it.
 constexpr vlt_log_level_t DROPPED_LEVEL = 3;
-
-data_t configurationOf(const ReplayOptions& options) {
-  map_t map;
-  const auto set = [&map](const char* key, const std::string& text) {
-    map[data_t(key)] = data_t(text.c_str());
-  };
-  set("tenantId", options.tenant_id);
-  if (options.channel_prefix) set("towardsHostChannelPrefix", *options.channel_prefix);
-  if (options.measurement_channel) set("measurementSplittingChannel", *options.measurement_channel);
-  return map;
-}
 
 class Replay {
  public:
