@@ -3,9 +3,12 @@
 namespace com::velanto::connectivity::tools {
 
 Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics)
-    : events_(events), diagnostics_(diagnostics, options.log_level.value_or(DEFAULT_LOG_LEVEL)) {
+    : events_(events),
+      diagnostics_(diagnostics, options.log_level.value_or(options.quiet ? QUIET_LOG_LEVEL
+                                                                         : DEFAULT_LOG_LEVEL)) {
   all_ = {&figures_, &events_};
-  if (!options.quiet) all_.push_back(&diagnostics_);
+  // What is malformed is part of a case, and its golden file tells of it.
+  if (!options.suite) all_.push_back(&diagnostics_);
   if (options.summary) all_.push_back(&summary_.emplace());
   if (options.dropped) all_.push_back(&dead_letters_.emplace(*options.dropped));
   if (options.record) all_.push_back(&golden_.emplace(*options.record));

@@ -63,7 +63,8 @@ const std::vector<option_group_t>& optionTable() {
          "write the messages that did not reach the host to FILE, as lines that can be corrected "
          "and read again",
          &options_t::dropped},
-        {"--quiet", "", "neither log lines, progress nor the closing line on standard error",
+        {"--quiet", "",
+         "neither progress nor the closing line, and --log-level 2 unless another is given",
          &options_t::quiet}}},
       {"Comparing runs",
        {{"--record", "FILE", "write all that came of each message to FILE, a golden file",

@@ -16,6 +16,7 @@ namespace com::velanto::connectivity::tools {
 
 inline constexpr const char* REPLAY_NAME = "ostrovia-replay"; // how its diagnostics begin
 inline constexpr vlt_log_level_t DEFAULT_LOG_LEVEL = 3;       // failures and dropped messages
+inline constexpr vlt_log_level_t QUIET_LOG_LEVEL = 2;         // failures alone
 
 struct ReplayOptions {
   std::vector<std::string> paths; // of the inputs; none: standard input
@@ -31,12 +32,12 @@ struct ReplayOptions {
   std::size_t repeat = 1;                   // how often the input is read, at least 1
   std::size_t threads = 1;                  // chains, each with a thread, at least 1
   std::string direction = "host";           // or "transport"
-  std::optional<vlt_log_level_t> log_level; // without it DEFAULT_LOG_LEVEL
+  std::optional<vlt_log_level_t> log_level; // without it one of the two above
   bool strict = false;                      // dropped messages are a failure
 
   std::optional<std::string> summary; // "text" or "json"
   std::optional<std::string> dropped; // path of the file of dead letters
-  bool quiet = false;                 // no log lines, no closing line
+  bool quiet = false;                 // no progress, no closing line, QUIET_LOG_LEVEL
 
   std::optional<std::string> record;  // path of the golden file to be made,
   std::optional<std::string> expect;  // and of the one to compare with
