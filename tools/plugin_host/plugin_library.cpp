@@ -22,11 +22,12 @@ void* open(const std::string& path) {
 
 void PluginLibrary::close_t::operator()(void* handle) const noexcept { dlclose(handle); }
 
-PluginLibrary::PluginLibrary(const std::string& path)
+PluginLibrary::PluginLibrary(const std::string& path, Version accepted)
     : path_(path.find('/') == std::string::npos ? "./" + path : path), handle_(open(path_)) {
   load(apiVersion, "vlt_plugin_api_version_");
   // Before the others: another version may well have other functions.
-  if (const std::uint64_t version = apiVersion(); version != API_VERSION) {
+  const std::uint64_t version = apiVersion();
+  if (accepted == Version::ours && version != API_VERSION) {
     throw std::runtime_error(path_ + " has interface version " + std::to_string(version) +
                              ", expected " + std::to_string(API_VERSION));
   }

@@ -14,10 +14,14 @@ namespace com::velanto::connectivity::tools {
 
 class PluginLibrary {
  public:
+  // Which interface version the library may have: that of these functions, or, for whoever looks at
+  // it himself, any.
+  enum class Version { ours, any };
+
   // Loads the library at `path`; a path without a slash is a file of the current directory, not
   // looked for among the system's libraries. Throws std::runtime_error when it cannot be loaded,
   // lacks a function or has another interface version. The host's client library must be loaded.
-  explicit PluginLibrary(const std::string& path);
+  explicit PluginLibrary(const std::string& path, Version accepted = Version::ours);
 
   // The plug-in beside the running program, where a build leaves both; it may not exist. Throws
   // std::filesystem::filesystem_error when the system does not tell where the program lies.
