@@ -14,6 +14,16 @@ namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
+MalformedElf beyondTheEnd(const char* what) {
+  return MalformedElf(std::string(what) + " lies beyond the file's end");
+}
+
+// `address` + `by`, which a damaged file may have past the end of all addresses.
+std::uint64_t shifted(std::uint64_t address, std::uint64_t by, const char* what) {
+  if (by > UINT64_MAX - address) throw beyondTheEnd(what);
+  return address + by;
+}
+
 class Reader {
  public:
   explicit Reader(std::span<const std::byte> file) : file_(file) {}
@@ -42,7 +52,7 @@ class Reader {
   [[nodiscard]] T at(std::uint64_t offset, const char* what) const {
     static_assert(std::is_trivially_copyable_v<T>);
     if (offset > file_.size() || file_.size() - offset < sizeof(T)) {
-      throw MalformedElf(std::string(what) + " lies beyond the file's end");
+      throw beyondTheEnd(what);
     }
     T object{};
     std::memcpy(&object, file_.data() + offset, sizeof object);
@@ -57,8 +67,8 @@ class Reader {
   // Element `index` of an array at an address.
   template <class T>
   [[nodiscard]] T element(std::uint64_t address, std::uint64_t index, const char* what) const {
-    if (index > file_.size()) throw MalformedElf(std::string(what) + " lies beyond the file's end");
-    return loaded<T>(address + index * sizeof(T), what);
+    if (index > file_.size()) throw beyondTheEnd(what);
+    return loaded<T>(shifted(address, index * sizeof(T), what), what);
   }
   [[nodiscard]] std::uint64_t offsetOf(std::uint64_t address, const char* what) const;
   [[nodiscard]] std::string name(std::uint64_t offset) const;
@@ -182,8 +192,8 @@ std::uint64_t Reader::countByGnuHash() const {
   const auto buckets = element<std::uint32_t>(*gnu_hash_, 0, what);
   const auto first = element<std::uint32_t>(*gnu_hash_, 1, what);
   const auto filters = element<std::uint32_t>(*gnu_hash_, 2, what);
-  const std::uint64_t bucket_table = *gnu_hash_ + 16 + std::uint64_t{filters} * 8;
-  const std::uint64_t chain_table = bucket_table + std::uint64_t{buckets} * 4;
+  const std::uint64_t bucket_table = shifted(*gnu_hash_, 16 + std::uint64_t{filters} * 8, what);
+  const std::uint64_t chain_table = shifted(bucket_table, std::uint64_t{buckets} * 4, what);
   std::uint64_t last = 0;
   for (std::uint64_t i = 0; i < buckets; ++i) {
     last = std::max<std::uint64_t>(last, element<std::uint32_t>(bucket_table, i, what));
@@ -202,13 +212,13 @@ std::uint64_t Reader::offsetOf(std::uint64_t address, const char* what) const {
       return segment.p_offset + within;
     }
   }
-  throw MalformedElf(std::string(what) + " lies beyond the file's end");
+  throw beyondTheEnd(what);
 }
 
 std::string Reader::name(std::uint64_t offset) const {
   if (!strings_) throw MalformedElf("no table of names");
   if (offset >= strings_size_) throw MalformedElf("a name lies beyond the table of names");
-  const std::uint64_t start = offsetOf(*strings_ + offset, "a name");
+  const std::uint64_t start = offsetOf(shifted(*strings_, offset, "a name"), "a name");
   const std::uint64_t room = std::min<std::uint64_t>(strings_size_ - offset, file_.size() - start);
   const auto* const text = reinterpret_cast<const char*>(file_.data() + start);
   const std::size_t length = strnlen(text, room);
