@@ -99,7 +99,7 @@ void Link::take(void* handle, vlt_underlying_message_t* start, vlt_underlying_me
 
 Codec::Codec(Trial& trial, const PluginLibrary& library, const data_t& configuration,
              const char* name, const char* chain)
-    : trial_(trial), library_(library), plugin_(nullptr) {
+    : trial_(trial), library_(library) {
   guarded("create", [&] {
     plugin_ = library.create(name, chain, configuration.underlying(), nullptr, nullptr);
     return 0;

@@ -99,7 +99,7 @@ class Codec {
 
   Trial& trial_;
   const PluginLibrary& library_;
-  void* plugin_;
+  void* plugin_ = nullptr;
 };
 
 // What most checks need: the library, the log and one linked codec, made in this order.

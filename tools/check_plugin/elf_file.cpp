@@ -14,13 +14,13 @@ namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
-MalformedElf beyondTheEnd(const char* what) {
-  return MalformedElf(std::string(what) + " lies beyond the file's end");
+[[noreturn]] void failBeyondTheEnd(const char* what) {
+  throw MalformedElf(std::string(what) + " lies beyond the file's end");
 }
 
 // `address` + `by`, which a damaged file may have past the end of all addresses.
 std::uint64_t shifted(std::uint64_t address, std::uint64_t by, const char* what) {
-  if (by > UINT64_MAX - address) throw beyondTheEnd(what);
+  if (by > UINT64_MAX - address) failBeyondTheEnd(what);
   return address + by;
 }
 
@@ -52,7 +52,7 @@ class Reader {
   [[nodiscard]] T at(std::uint64_t offset, const char* what) const {
     static_assert(std::is_trivially_copyable_v<T>);
     if (offset > file_.size() || file_.size() - offset < sizeof(T)) {
-      throw beyondTheEnd(what);
+      failBeyondTheEnd(what);
     }
     T object{};
     std::memcpy(&object, file_.data() + offset, sizeof object);
@@ -67,7 +67,7 @@ class Reader {
   // Element `index` of an array at an address.
   template <class T>
   [[nodiscard]] T element(std::uint64_t address, std::uint64_t index, const char* what) const {
-    if (index > file_.size()) throw beyondTheEnd(what);
+    if (index > file_.size()) failBeyondTheEnd(what);
     return loaded<T>(shifted(address, index * sizeof(T), what), what);
   }
   [[nodiscard]] std::uint64_t offsetOf(std::uint64_t address, const char* what) const;
@@ -212,7 +212,7 @@ std::uint64_t Reader::offsetOf(std::uint64_t address, const char* what) const {
       return segment.p_offset + within;
     }
   }
-  throw beyondTheEnd(what);
+  failBeyondTheEnd(what);
 }
 
 std::string Reader::name(std::uint64_t offset) const {

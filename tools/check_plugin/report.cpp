@@ -79,26 +79,25 @@ std::string quoted(const std::string& text) {
 }
 
 std::string jsonOf(const difference_t& difference) {
-  return "{\"where\":" + quoted(difference.where) + ",\"expected\":" + quoted(difference.expected) +
-         ",\"came\":" + quoted(difference.came) + "}";
+  return R"({"where":)" + quoted(difference.where) + R"(,"expected":)" +
+         quoted(difference.expected) + R"(,"came":)" + quoted(difference.came) + "}";
 }
 
 std::string jsonOf(const result_t& result) {
   const verdict_t& verdict = result.verdict;
-  std::string json = "{\"name\":" + quoted(result.check->name) +
-                     ",\"claim\":" + quoted(result.check->claim) + ",\"outcome\":\"" +
-                     nameOf(verdict.outcome) +
-                     "\",\"milliseconds\":" + std::to_string(result.time.count());
-  if (!verdict.reason.empty()) json += ",\"reason\":" + quoted(verdict.reason);
+  std::string json = R"({"name":)" + quoted(result.check->name) + R"(,"claim":)" +
+                     quoted(result.check->claim) + R"(,"outcome":")" + nameOf(verdict.outcome) +
+                     R"(","milliseconds":)" + std::to_string(result.time.count());
+  if (!verdict.reason.empty()) json += R"(,"reason":)" + quoted(verdict.reason);
   if (!verdict.differences.empty()) {
-    json += ",\"differences\":[";
+    json += R"(,"differences":[)";
     for (const difference_t& each : verdict.differences) {
       if (&each != &verdict.differences.front()) json += ',';
       json += jsonOf(each);
     }
     json += "]";
   }
-  if (!verdict.printed.empty()) json += ",\"printed\":" + quoted(verdict.printed);
+  if (!verdict.printed.empty()) json += R"(,"printed":)" + quoted(verdict.printed);
   return json + "}";
 }
 

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <ostream>
 #include <string>
+#include <utility>
 
 #include "tools/check_plugin/check.hpp"
 #include "tools/check_plugin/outcome.hpp"
@@ -61,8 +62,8 @@ struct heading_t {
 // A line a check, its details indented below it.
 class TextReport final : public Report {
  public:
-  TextReport(std::ostream& out, const heading_t& heading, bool coloured)
-      : out_(out), heading_(heading), coloured_(coloured) {}
+  TextReport(std::ostream& out, heading_t heading, bool coloured)
+      : out_(out), heading_(std::move(heading)), coloured_(coloured) {}
   void add(const result_t& result) override;
   void close(const Counts& counts) override;
 

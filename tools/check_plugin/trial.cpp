@@ -27,14 +27,14 @@ std::string Trial::printed() const {
   return readWhole(printed_);
 }
 
-void Trial::skip(std::string_view reason) {
+void Trial::skip(std::string_view reason) const {
   write({"S", reason});
   throw skipped_t();
 }
 
-void Trial::finish() { write({"E"}); }
+void Trial::finish() const { write({"E"}); }
 
-void Trial::write(std::initializer_list<std::string_view> fields) {
+void Trial::write(std::initializer_list<std::string_view> fields) const {
   std::string record;
   for (const std::string_view field : fields) {
     record += field.substr(0, field.find('\0')); // a NUL would end the field
@@ -42,7 +42,7 @@ void Trial::write(std::initializer_list<std::string_view> fields) {
   }
   // One write: a crash leaves the record whole or not at all. A full disk leaves no record, and a
   // check without its last record counts as crashed.
-  static_cast<void>(!::write(records_, record.data(), record.size()));
+  static_cast<void>(::write(records_, record.data(), record.size()) < 0);
 }
 
 } // namespace com::velanto::connectivity::tools::check

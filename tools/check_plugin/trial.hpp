@@ -61,13 +61,13 @@ class Trial {
   [[nodiscard]] std::string printed() const;
 
   // Ends the check as one that cannot be done here.
-  [[noreturn]] void skip(std::string_view reason);
+  [[noreturn]] void skip(std::string_view reason) const;
 
   // Says that the check came to its end.
-  void finish();
+  void finish() const;
 
  private:
-  void write(std::initializer_list<std::string_view> fields);
+  void write(std::initializer_list<std::string_view> fields) const;
 
   std::string library_;
   std::uint64_t seed_;

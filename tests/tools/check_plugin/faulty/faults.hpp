@@ -18,6 +18,7 @@ enum class Fault {
   shares_block,
   copies_containers,
   aborts_when_exhausted,
+  leaks_in_destroy,
   // calls
   asks_level_in_batch,
   sets_status_in_batch,
@@ -25,6 +26,14 @@ enum class Fault {
   traces_too_early,
   misspells_errors,
   prints_in_batch,
+  ignores_levels,
+  misses_traces,
+  breaks_lines,
+  renders_twice,
+  prints_on_loading,
+  asks_level_in_version,
+  asks_for_more,
+  sets_status_in_destroy,
   // batches and links
   drops_first_of_many,
   stops_at_4096,
@@ -40,7 +49,9 @@ enum class Fault {
   converts_towards_transport,
   changes_passing,
   // lifecycle
+  crashes_on_unload,
   hangs_in_start,
+  needs_start,
   throws_from_host_ready,
   fails_in_shutdown,
   ends_the_process,
@@ -48,6 +59,8 @@ enum class Fault {
   reads_host_handles,
   uses_latest_codec,
   races_in_static_buffer,
+  creates_one_at_a_time,
+  reads_null_configuration,
   // configuration and content
   keeps_configuration,
   writes_configuration,
@@ -55,13 +68,14 @@ enum class Fault {
   forgets_tenant,
   wrong_channel,
   loses_milliseconds,
+  recurses_into_payload,
   wrong_interface_version,
   wrong_product_version,
   moves_product_version,
 };
 
 #ifdef VLT_FAULT
-constexpr bool has(Fault fault) { return fault == Fault::VLT_FAULT; }
+consteval bool has(Fault fault) { return fault == Fault::VLT_FAULT; }
 #endif
 
 } // namespace com::velanto::connectivity::test
