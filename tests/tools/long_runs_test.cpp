@@ -177,6 +177,21 @@ TEST_F(LongRunsTest, InterruptedRunEndsWithItsFigures) {
   }
 }
 
+TEST_F(LongRunsTest, WaitForTheFirstByteCanBeInterrupted) {
+  int in[2] = {};
+  ASSERT_EQ(pipe2(in, O_CLOEXEC), 0);
+  in_descriptor_ = in[0];
+  const pid_t child = start(VLT_REPLAY_PATH, {});
+  usleep(300000); // the tool waits
+  kill(child, SIGINT);
+  const result_t result = waitFor(child);
+  close(in[0]);
+  close(in[1]);
+  EXPECT_EQ(result.status, 130);
+  EXPECT_EQ(result.diagnostics,
+            "read 0, reached the host 0, dropped 0, malformed 0, T ms, 0 blocks live\n");
+}
+
 TEST_F(LongRunsTest, TerminalShowsHowFarTheRunHasCome) {
   std::string text;
   for (int i = 0; i < 20000; ++i) text += eventLine("1");

@@ -29,7 +29,7 @@ LineReader::LineReader(const std::vector<input_t>& inputs, std::size_t times)
 
 bool LineReader::next(record_t& record) {
   for (; current_ < inputs_.size() * times_; ++current_) {
-    if (!stream_) open();
+    if (!stream_ && !open()) return false;
     while (nextLine(record.line)) {
       ++line_number_;
       if (isBlank(record.line)) continue;
@@ -52,13 +52,16 @@ bool LineReader::nextLine(std::string& line) {
   return static_cast<bool>(std::getline(*stream_, line));
 }
 
-void LineReader::open() {
+// False: the user has interrupted the wait for the first byte, which tells how to read the others.
+bool LineReader::open() {
   const input_t& input = inputs_[current_ % inputs_.size()];
   if (input.is_standard_input) waitForStandardInput();
+  if (isInterrupted()) return false;
   std::unique_ptr<std::istream> raw = failingWith(EXIT_IO, input.open);
   raw_ = raw->rdbuf();
   stream_ = decompressed(std::move(raw), input.name);
   line_number_ = 0;
+  return true;
 }
 
 void LineReader::close() {

@@ -34,7 +34,7 @@ class LineReader {
 
  private:
   bool nextLine(std::string& line);
-  void open();
+  bool open();
   void close();
 
   const std::vector<input_t>& inputs_;
