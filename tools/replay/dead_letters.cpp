@@ -14,7 +14,7 @@ void DeadLetters::take(const record_t& record) {
 
 std::string deadLetterOf(const record_t& record) {
   const drop_reason_t reason = dropReasonOf(record.log);
-  std::string member = "\"dropped\":{\"file\":";
+  std::string member = R"("dropped":{"file":)";
   appendJsonText(member, *record.file);
   member += ",\"line\":" + std::to_string(record.line_number) + ",\"reason\":";
   appendJsonText(member, reason.code);

@@ -9,6 +9,8 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
+// A signal handler reaches nothing else.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
 volatile std::sig_atomic_t interrupted = 0;
 
 void note(int) noexcept { interrupted = 1; }

@@ -1,6 +1,7 @@
 #include "tools/replay/progress.hpp"
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 namespace com::velanto::connectivity::tools {
@@ -30,7 +31,7 @@ std::string progressLine(std::uint64_t messages, std::chrono::duration<double> e
                   static_cast<unsigned long long>(messages), rate);
     return text.data();
   }
-  const auto left = static_cast<long>(seconds / *share - seconds + 0.5);
+  const auto left = std::lround(seconds / *share - seconds);
   std::snprintf(text.data(), text.size(), "%3.0f %%, %.0f messages/s, %ld:%02ld left", *share * 100,
                 rate, left / 60, left % 60);
   return text.data();
