@@ -2,10 +2,11 @@
 # layer vanish into the conversions: a few percent of the time of a message. Release builds with
 # g++ only: clang would need a linker plug-in that Debian packages apart.
 #
-# The objects are ordinary ones as well, which those of CMake's own property for this are not: what
-# else links them (tests, tools) is linked as usual.
+# The objects are ordinary ones as well, which those of CMake's own property for this are not: nm and
+# a debugger can read them. Whatever else links them (tests, tools) optimises its part of them, too.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "Release")
   set(VLT_LINK_TIME_OPTIMISATION ON)
+  add_link_options(-flto=auto) # in parallel
 else()
   set(VLT_LINK_TIME_OPTIMISATION OFF)
 endif()
@@ -20,6 +21,5 @@ endfunction()
 function(vlt_optimise_when_linked library)
   if(VLT_LINK_TIME_OPTIMISATION)
     target_compile_options(${library} PRIVATE -flto)
-    target_link_options(${library} PRIVATE -flto=auto)
   endif()
 endfunction()

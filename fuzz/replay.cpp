@@ -25,9 +25,11 @@ using com::velanto::connectivity::tools::writeJson;
 
 namespace {
 
+// By its grammar: RapidJSON's way to the nearest double has undefined behaviour for 0e111, and
+// whether the values are right shows when they are written and read again.
 bool isJson(const std::string& text) {
   constexpr unsigned FLAGS = rapidjson::kParseValidateEncodingFlag |
-                             rapidjson::kParseFullPrecisionFlag | rapidjson::kParseIterativeFlag;
+                             rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag;
   rapidjson::Reader reader;
   rapidjson::BaseReaderHandler<> nothing;
   rapidjson::StringStream stream(text.c_str());
