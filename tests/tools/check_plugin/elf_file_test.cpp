@@ -160,7 +160,8 @@ TEST_F(ElfFileTest, OffsetsBeyondTheFileAreRefused) {
 // not needed.
 TEST_F(ElfFileTest, TruncatedAnywhereItIsReadOrRefused) {
   std::size_t refused = 0;
-  for (std::size_t size = 0; size < file_.size(); size += 97) {
+  const std::size_t step = file_.size() / 500 + 1; // each cut copies all that is before it
+  for (std::size_t size = 0; size < file_.size(); size += step) {
     if (!isRead(frontOf(file_, size))) ++refused;
   }
   EXPECT_GT(refused, 10U);

@@ -72,8 +72,8 @@ void times(Trial& trial) {
     if (!trial.equal(std::string(row.time) + ": events", 1, converted.size())) continue;
     const data_t* const came = find(converted[0].getPayload(), "creationTime");
     const data_t expected = row.seconds == 0 ? data_t(row.time) : data_t(row.seconds);
-    if (!trial.holds(came != nullptr, row.time, "a creationTime", "none")) continue;
-    same(trial, row.time, expected, *came);
+    trial.holds(came != nullptr, row.time, "a creationTime", "none");
+    if (came != nullptr) same(trial, row.time, expected, *came);
   }
 }
 

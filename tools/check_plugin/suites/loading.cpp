@@ -56,6 +56,7 @@ std::int64_t mappings() {
 }
 
 void thousandTimes(Trial& trial) {
+  if (!countsHeap()) trial.skip("the sanitizer keeps records of every library that was loaded");
   const std::string path = pathOf(trial);
   loadAndUnload(path); // what the loader keeps for good, it has by now
   const Books books;

@@ -126,10 +126,10 @@ void containersAreMoved(Trial& trial) {
 // What the host cannot count: memory of the C library's heap.
 void heapStaysLevel(Trial& trial) {
   if (!countsHeap()) trial.skip("the sanitizer's heap does not tell what is in use");
-  constexpr int BATCHES = 400;
+  constexpr std::size_t BATCHES = 400;
   Chain chain(trial);
   const auto run = [&] {
-    for (int i = 0; i < BATCHES; ++i) {
+    for (std::size_t i = 0; i < BATCHES; ++i) {
       std::vector<Message> batch;
       batch.push_back(plainEvent("1"));
       batch.push_back(plainEvent("2", UNKNOWN_PATH));
