@@ -205,6 +205,14 @@ bool matchesOne(const std::string& name, const patterns_t& patterns) {
   });
 }
 
+// With AddressSanitizer a check's process takes twenty times as long: there, the fault's own check
+// has to do, unless the row says otherwise.
+std::string argumentsOf(const planted_t& planted) {
+  const bool as_usual = planted.arguments == std::string(QUICK) || *planted.arguments == '\0';
+  if (!heapIsReplaced() || !as_usual) return planted.arguments;
+  return "--only " + std::string(planted.check);
+}
+
 class FaultsTest : public ::testing::TestWithParam<planted_t> {};
 
 } // namespace
@@ -214,8 +222,8 @@ TEST_P(FaultsTest, IsFoundByItsCheck) {
   if (heapIsReplaced() && planted.fault == std::string("leaks_heap")) {
     GTEST_SKIP() << "what shows it is skipped with AddressSanitizer";
   }
-  const run_t run = CheckPluginProgram().run(std::string("--json --seed 7 ") + planted.arguments +
-                                             " " + faultyPlugin(planted.fault));
+  const run_t run = CheckPluginProgram().run(
+      std::string("--json --seed 7 ") + argumentsOf(planted) + " " + faultyPlugin(planted.fault));
   EXPECT_EQ(run.diagnostics, "");
   EXPECT_EQ(run.status, 1);
   std::map<std::string, std::string> outcomes = outcomesOf(run.out);
