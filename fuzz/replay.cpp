@@ -26,14 +26,16 @@ using com::velanto::connectivity::tools::writeJson;
 namespace {
 
 // By its grammar: RapidJSON's way to the nearest double has undefined behaviour for 0e111, and
-// whether the values are right shows when they are written and read again.
+// whether the values are right shows when they are written and read again. It refuses 0e1111, which
+// is no reason to, and sees nothing of what follows.
 bool isJson(const std::string& text) {
   constexpr unsigned FLAGS = rapidjson::kParseValidateEncodingFlag |
                              rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag;
   rapidjson::Reader reader;
   rapidjson::BaseReaderHandler<> nothing;
   rapidjson::StringStream stream(text.c_str());
-  return !reader.Parse<FLAGS>(stream, nothing).IsError();
+  const rapidjson::ParseErrorCode error = reader.Parse<FLAGS>(stream, nothing).Code();
+  return error == rapidjson::kParseErrorNone || error == rapidjson::kParseErrorNumberTooBig;
 }
 
 // What `read` makes of the text, unless the text is refused for a reason that is one line.

@@ -1,9 +1,15 @@
 """Runs clang-tidy over the project's own sources in a build folder's compile_commands.json, all
 processors busy, and skips what passed before unchanged: a full run takes minutes, a file seconds.
 
-For each source: (1) the key: a hash over everything of ours that can change the outcome  (2) the
-mark of the last success, <build>/clang-tidy/<source>.passed, holds that key: skip  (3) run; print
-the findings  (4) write the mark if there were none.
+A source costs mostly the headers that it includes. So the sources of one program among the tests,
+tools and fuzz targets are read together, a batch of them included by one file. The path analysis
+(clang-analyzer) sees nothing of included sources: it is kept for what is loaded into a host's
+process, source by source, and all else runs under the sanitizers instead.
+
+For each batch: (1) the key: a hash over everything of ours that can change the outcome  (2) the
+mark of the last success, <build>/clang-tidy/<batch>.passed, holds that key: skip  (3) run  (4) a
+batch with findings is run again source by source, since sources that stand alone may disagree when
+read together; print the findings  (5) write the mark if there were none.
 
 usage: run_clang_tidy.py BUILD_FOLDER     in the project's root; exit status 1 on any finding
 """
@@ -13,6 +19,8 @@ import hashlib
 import json
 import os
 import pathlib
+import shlex
+import shutil
 import subprocess
 import sys
 
@@ -20,66 +28,128 @@ from includes import IncludeGraph
 
 CLANG_TIDY = "clang-tidy-14"
 ROOT = pathlib.Path.cwd().resolve()
+BATCHED_LAYERS = ("fuzz", "tests", "tools")
+BATCH_SIZE = 8
+# What only a batch would draw: it includes sources, and names of one hide those of another.
+NOT_IN_BATCHES = "-clang-analyzer-*,-bugprone-suspicious-include"
+SOURCES_OF_BATCHES = "/(%s)/([^/]+/)*[^/]+\\.[ch]pp$" % "|".join(BATCHED_LAYERS)
 
 
-def sources_of(build):
-    """Project path of each source: its compile commands (more than one if two targets share it)."""
-    commands = {}
-    for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
-        path = pathlib.Path(entry["directory"], entry["file"]).resolve()
-        if ROOT in path.parents and build.resolve() not in path.parents:
-            name = path.relative_to(ROOT).as_posix()
-            commands.setdefault(name, []).append(entry["command"])
-    return commands
+class Batch:
+    """Sources that are read together: `names` are their paths in the project."""
 
+    def __init__(self, label, layer, entries):
+        self.label = label
+        self.layer = layer
+        self.entries = entries
+        self.names = [entry["name"] for entry in entries]
 
-def key_of(graph, version, name, commands):
-    """Headers from outside the project are taken to change only together with the tool itself."""
-    digest = hashlib.sha256("\0".join([version, *sorted(commands)]).encode())
-    settings = [folder / ".clang-tidy" for folder in (ROOT / name).parents if
-                folder == ROOT or ROOT in folder.parents]
-    for path in [ROOT / file for file in graph.closure(name)] + settings:
-        if path.is_file():
+    def key(self, graph, version):
+        """Headers from outside the project are taken to change only together with the tool."""
+        commands = [entry["command"] for entry in self.entries]
+        digest = hashlib.sha256("\0".join([version, *commands]).encode())
+        files = {ROOT / ".clang-tidy", ROOT / self.layer / ".clang-tidy"}
+        for name in self.names:
+            files.update(ROOT / file for file in graph.closure(name))
+        for path in sorted(file for file in files if file.is_file()):
             content = path.read_bytes()
             digest.update(f"\0{path.relative_to(ROOT)}\0{len(content)}\0".encode())
             digest.update(content)
-    return digest.hexdigest()
+        return digest.hexdigest()
 
 
-def findings_in(build, name):
-    """What clang-tidy has to say about one source; empty when it is content."""
-    run = subprocess.run([CLANG_TIDY, "--quiet", "-p", str(build), name], text=True,
-                         stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
-    if run.returncode == 0:
+def entries_of(build):
+    """One compile command for each source: if several targets share it, the first does for all."""
+    entries = {}
+    for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
+        path = pathlib.Path(entry["directory"], entry["file"]).resolve()
+        if ROOT in path.parents and build.resolve() not in path.parents:
+            entry["name"] = path.relative_to(ROOT).as_posix()
+            entries.setdefault(entry["name"], entry)
+    return list(entries.values())
+
+
+def target_of(entry):
+    """The program or library that a source belongs to, from its object's path."""
+    words = shlex.split(entry["command"])
+    return words[words.index("-o") + 1].split("CMakeFiles/")[-1].split(".dir/")[0]
+
+
+def batches_of(entries):
+    groups = {}
+    for entry in entries:
+        layer = entry["name"].split("/", 1)[0]
+        together = layer in BATCHED_LAYERS and entry["name"].endswith(".cpp")
+        label = f"{layer}/{target_of(entry)}" if together else entry["name"]
+        groups.setdefault((layer, label), []).append(entry)
+    for (layer, label), group in sorted(groups.items()):
+        for start in range(0, len(group), BATCH_SIZE):
+            yield Batch(f"{label}.{start // BATCH_SIZE}", layer, group[start:start + BATCH_SIZE])
+
+
+def run(arguments):
+    """What clang-tidy has to say; empty when it is content."""
+    result = subprocess.run([CLANG_TIDY, "--quiet", *arguments], text=True, check=False,
+                            stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+    if result.returncode == 0:
         return ""
     # On stderr there is only a count of suppressed warnings, unless the tool itself gave up.
-    return run.stdout or run.stderr or f"{name}: {CLANG_TIDY} ended with {run.returncode}\n"
+    return result.stdout or result.stderr or f"{CLANG_TIDY} ended with {result.returncode}\n"
+
+
+def run_together(work, batch):
+    """The batch as one source, in a folder that has the settings of its layer."""
+    folder = work / "batches" / batch.label
+    folder.mkdir(parents=True, exist_ok=True)
+    source = folder / "batch.cpp"
+    source.write_text("".join(f'#include "{ROOT / name}"\n' for name in batch.names),
+                      encoding="utf-8")
+    entry = dict(batch.entries[0], file=str(source))
+    first = str(ROOT / batch.names[0])
+    entry["command"] = entry["command"].replace(first, str(source)) + " -Wno-shadow"
+    (folder / "compile_commands.json").write_text(json.dumps([entry]), encoding="utf-8")
+    settings = ROOT / batch.layer / ".clang-tidy"
+    if settings.is_file():
+        shutil.copy(settings, folder)
+    return run(["-p", str(folder), f"--checks={NOT_IN_BATCHES}",
+                f"--header-filter={SOURCES_OF_BATCHES}", str(source)])
+
+
+def findings_in(work, batch):
+    if len(batch.names) > 1 and not run_together(work, batch):
+        return ""
+    checks = ["--checks=-clang-analyzer-*"] if batch.layer in BATCHED_LAYERS else []
+    return "".join(run(["-p", str(work), *checks, name]) for name in batch.names)
 
 
 def main():
     build = pathlib.Path(sys.argv[1])
+    work = build / "clang-tidy"
+    work.mkdir(exist_ok=True)
     graph = IncludeGraph(ROOT)
     version = subprocess.run([CLANG_TIDY, "--version"], text=True, capture_output=True,
                              check=True).stdout
-    commands = sources_of(build)
-    if not commands:
+    entries = entries_of(build)
+    if not entries:
         sys.exit(f"run_clang_tidy.py: no source of the project is built in {build}")
+    (work / "compile_commands.json").write_text(json.dumps(entries), encoding="utf-8")
 
     marks = {}
-    for name in sorted(commands):
-        key = key_of(graph, version, name, commands[name])
-        mark = build / "clang-tidy" / (name + ".passed")
+    for batch in batches_of(entries):
+        key = batch.key(graph, version)
+        mark = work / (batch.label + ".passed")
         if not mark.is_file() or mark.read_text(encoding="utf-8") != key:
-            marks[name] = (mark, key)
+            marks[batch] = (mark, key)
     if not marks:
         return
-    print(f"clang-tidy: {len(marks)} of {len(commands)} sources", flush=True)
+    stale = sum(len(batch.names) for batch in marks)
+    print(f"clang-tidy: {stale} of {len(entries)} sources", flush=True)
 
     failed = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
-        results = workers.map(lambda name: (name, findings_in(build, name)), marks)
-        for name, findings in results:
-            mark, key = marks[name]
+        results = workers.map(lambda batch: (batch, findings_in(work, batch)), marks)
+        for batch, findings in results:
+            mark, key = marks[batch]
             if findings:
                 failed += 1
                 print(findings, end="", flush=True)
@@ -87,7 +157,7 @@ def main():
                 mark.parent.mkdir(parents=True, exist_ok=True)
                 mark.write_text(key, encoding="utf-8")
     if failed:
-        sys.exit(f"clang-tidy: findings in {failed} sources")
+        sys.exit(f"clang-tidy: findings in {failed} places")
 
 
 if __name__ == "__main__":

@@ -20,7 +20,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::IsSubsetOf;
 using ::testing::Not;
-using ::testing::Truly;
 using ::testing::UnorderedElementsAreArray;
 using names_t = std::vector<std::string>;
 
@@ -202,7 +201,7 @@ TEST_F(BuiltLibraryTest, EntryPointsLetNoExceptionThrough) {
     ASSERT_NE(frame, frames.end()) << symbol.name;
     EXPECT_TRUE(frame->calls || !canFail(symbol.name)) << symbol.name;
     if (frame->calls) {
-      EXPECT_THAT(*frame->calls, Not(Contains(Truly(passesThrough)))) << symbol.name;
+      EXPECT_THAT(*frame->calls, Not(Contains(::testing::Truly(passesThrough)))) << symbol.name;
     }
   }
 }

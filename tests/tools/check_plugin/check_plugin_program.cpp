@@ -39,8 +39,7 @@ std::map<std::string, std::string> outcomesOf(const std::string& json) {
   data_t document = reader.parseValue(json);
   const auto& checks = at(document.get<map_t>(), "checks").get<list_t>();
   std::map<std::string, std::string> outcomes;
-  for (std::size_t i = 0; i < checks.size(); ++i) {
-    data_t check = checks[i];
+  for (data_t check : checks) {
     auto& members = check.get<map_t>();
     outcomes[at(members, "name").get<const char*>()] = at(members, "outcome").get<const char*>();
   }
