@@ -1,6 +1,6 @@
-// Keeps docs/replay.md true: each console block is run, command by command, in one folder with the
-// samples and with $PLUGIN naming the plug-in, and must show what stands below the command. Times differ from run to run, and a line
-// that ends in "…" is only begun.
+// Keeps docs/replay.md and docs/operating.md true: each console block is run, command by command, in
+// one folder a document with the samples and with $PLUGIN naming the plug-in, and must show what
+// stands below the command. Times differ from run to run, and a line that ends in "…" is only begun.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -71,17 +71,25 @@ class ReplayDocument : public Program {
       std::filesystem::copy(file.path(), folder_.path(file.path().filename()));
     }
   }
+
+  void expectAsShown(const char* document) {
+    const std::vector<session_t> sessions = sessionsOf(readDocument(document));
+    EXPECT_FALSE(sessions.empty());
+    for (const session_t& session : sessions) {
+      const std::string shown = withoutTimes(runShell("{ " + session.command + "\n} 2>&1").out);
+      const std::string expected = withoutTimes(session.shown);
+      EXPECT_EQ(abbreviated(shown, expected), expected) << session.place << ": " << session.command;
+    }
+  }
 };
+
+// The examples for those who run a host.
+class OperatingDocument : public ReplayDocument {};
 
 } // namespace
 
-TEST_F(ReplayDocument, EveryExampleShowsWhatTheToolDoes) {
-  for (const session_t& session : sessionsOf(readDocument(REPLAY))) {
-    const std::string shown = withoutTimes(runShell("{ " + session.command + "\n} 2>&1").out);
-    const std::string expected = withoutTimes(session.shown);
-    EXPECT_EQ(abbreviated(shown, expected), expected) << session.place << ": " << session.command;
-  }
-}
+TEST_F(ReplayDocument, EveryExampleShowsWhatTheToolDoes) { expectAsShown(REPLAY); }
+TEST_F(OperatingDocument, EveryExampleShowsWhatTheToolsDo) { expectAsShown("docs/operating.md"); }
 
 TEST_F(ReplayDocument, EveryOptionHasAnExample) {
   std::string commands;

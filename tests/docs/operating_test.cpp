@@ -1,0 +1,261 @@
+// Keeps the tables of docs/operating.md true: (1) every case that the tests have, and every fault
+// of a host, is run through the built plug-in; (2) each line that comes of it, in the log or on
+// standard error, is documented; (3) each documented line came of something.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <stdexcept>
+#include <string_view>
+
+#include "tests/conformance/case.hpp"
+#include "tests/docs/markdown.hpp"
+#include "tests/end_to_end/loaded_codec.hpp"
+#include "tests/support/allocations.hpp"
+#include "tools/ndjson/json_reader.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+constexpr const char* OPERATING = "docs/operating.md";
+constexpr std::string_view ANYTHING = "…";
+constexpr std::string_view REASON = "REASON";
+
+// Whether `text` is `pattern`, in which each … stands for any text.
+bool matches(std::string_view pattern, std::string_view text) {
+  std::size_t gap = pattern.find(ANYTHING);
+  if (gap == std::string_view::npos) return pattern == text;
+  if (text.substr(0, gap) != pattern.substr(0, gap)) return false;
+  text.remove_prefix(gap);
+  pattern.remove_prefix(gap + ANYTHING.size());
+  for (; (gap = pattern.find(ANYTHING)) != std::string_view::npos;
+       pattern.remove_prefix(gap + ANYTHING.size())) {
+    const std::size_t at = text.find(pattern.substr(0, gap));
+    if (at == std::string_view::npos) return false;
+    text.remove_prefix(at + gap);
+  }
+  return text.ends_with(pattern);
+}
+
+// A row of a table and whether anything was seen of it.
+struct documented_t {
+  std::string level; // empty: none
+  std::string pattern;
+  bool seen = false;
+};
+
+class Documented {
+ public:
+  Documented() {
+    const document_t document = readDocument(OPERATING);
+    for (const auto& row : readTable(document, "Level")) lines_.push_back({row[0], row[1]});
+    for (const auto& row : readTable(document, "Reason")) reasons_.push_back({"", row[0]});
+    for (const auto& row : readTable(document, "On standard error")) {
+      direct_.push_back({"", row[0]});
+    }
+  }
+
+  void expectLogged(const log_line_t& line, const std::string& place) {
+    const std::string label = "<" + line.category + "> ";
+    ASSERT_TRUE(line.text.starts_with(label)) << place << ": " << line.text;
+    const std::string text = line.text.substr(label.size());
+    bool found = false;
+    for (documented_t& row : lines_) {
+      if (std::to_string(line.level) != row.level || !isOf(row, text)) continue;
+      found = row.seen = true;
+    }
+    EXPECT_TRUE(found) << place << ", not documented: " << line.level << " " << text;
+  }
+
+  void expectPrinted(const std::string& text, const std::string& place) {
+    for (const std::string& line : documentOf(text).lines) {
+      bool found = false;
+      for (documented_t& row : direct_) {
+        if (matches(row.pattern, line)) found = row.seen = true;
+      }
+      EXPECT_TRUE(found) << place << ", not documented: " << line;
+    }
+  }
+
+  void expectAllSeen() const {
+    for (const auto* table : {&lines_, &reasons_, &direct_}) {
+      EXPECT_FALSE(table->empty());
+      for (const documented_t& row : *table) {
+        EXPECT_TRUE(row.seen) << "nothing writes: " << row.level << " " << row.pattern;
+      }
+    }
+  }
+
+ private:
+  bool isOf(const documented_t& row, const std::string& text) {
+    if (!row.pattern.ends_with(REASON)) return matches(row.pattern, text);
+    const std::string before = row.pattern.substr(0, row.pattern.size() - REASON.size());
+    bool found = false;
+    for (documented_t& reason : reasons_) {
+      if (matches(before + reason.pattern, text)) found = reason.seen = true;
+    }
+    return found;
+  }
+
+  std::vector<documented_t> lines_;
+  std::vector<documented_t> reasons_;
+  std::vector<documented_t> direct_;
+};
+
+std::vector<std::string> ndjsonIn(const std::string& folder) {
+  std::vector<std::string> files;
+  for (const auto& file :
+       std::filesystem::directory_iterator(VLT_PROJECT_ROOT + std::string("/") + folder)) {
+    if (file.path().extension() == ".ndjson") {
+      files.push_back(folder + "/" + file.path().filename().string());
+    }
+  }
+  return files;
+}
+
+void throwText(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {
+  throw std::runtime_error("jam");
+}
+void throwNumber(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) { throw 42; }
+
+class Operating : public HostFixture {
+ protected:
+  // Runs `action` and expects that all that is written meanwhile is documented.
+  template <class Action>
+  void watch(const std::string& place, const Action& action) {
+    documented_.expectPrinted(stderr_of(action), place);
+    for (const log_line_t& line : takeLog()) documented_.expectLogged(line, place);
+  }
+
+  void playSamples() {
+    for (const std::string& name : ndjsonIn("samples")) {
+      watch(name, [&] {
+        LoadedCodec codec(library_, map_of("tenantId", text("t4100")));
+        for (const std::string& line : readDocument(name).lines) {
+          Message message = reader_.parseMessage(line);
+          codec.sendTowardsHost(message);
+        }
+      });
+    }
+  }
+
+  void playCases() {
+    for (const std::string& name : ndjsonIn("tests/conformance")) {
+      for (const std::string& line : readDocument(name).lines) {
+        case_t played = readCase(reader_.parseValue(line));
+        watch(name + " " + played.name, [&] { play(played); });
+      }
+    }
+  }
+
+  // In a chain of the default level unless the case has another.
+  void play(case_t& played) {
+    standin_set_default_log_level(played.log_level);
+    void* const codec =
+        library_.create("codec", "chain", played.configuration.underlying(), nullptr, nullptr);
+    Received received;
+    if (codec != nullptr) {
+      library_.setNextTowardsHost(codec, &received, Received::take);
+      auto* const send = played.towards_transport ? library_.sendBatchTowardsTransport
+                                                  : library_.sendBatchTowardsHost;
+      send(codec, played.in.data(), played.in.data() + played.in.size());
+    }
+    library_.destroy(codec);
+    standin_set_default_log_level(3);
+  }
+
+  void misuseLinks() {
+    LoadedCodec codec(library_, map_of("tenantId", text("")));
+    for (auto* const set : {library_.setNextTowardsHost, library_.setNextTowardsTransport}) {
+      watch("a null link", [&] { set(codec.plugin(), nullptr, nullptr); });
+      watch("no memory for a link", [&] {
+        failAllocation(1, false);
+        set(codec.plugin(), nullptr, throwText);
+        failAllocation(0, false);
+      });
+      for (const vlt_batch_function link : {throwText, throwNumber}) {
+        set(codec.plugin(), nullptr, link);
+        watch("a link that throws", [&] {
+          library_.sendBatchTowardsHost(codec.plugin(), nullptr, nullptr);
+          library_.sendBatchTowardsTransport(codec.plugin(), nullptr, nullptr);
+        });
+      }
+    }
+  }
+
+  // Each allocation of the host refused in turn, of a creation and of a notification.
+  void exhaust() {
+    for (std::uint64_t n = 1; n < 40; ++n) {
+      watch("no memory " + std::to_string(n), [&] {
+        const data_t settings = map_of("tenantId", text("t4100"));
+        standin_fail_allocation(n);
+        library_.destroy(
+            library_.create("codec", "chain", settings.underlying(), nullptr, nullptr));
+        standin_fail_allocation(0);
+        LoadedCodec codec(library_, settings);
+        Message message = notification(EVENT_PATH, eventPayload());
+        standin_fail_allocation(n);
+        codec.sendTowardsHost(message);
+        standin_fail_allocation(0);
+      });
+    }
+  }
+
+  PluginLibrary library_{VLT_PLUGIN_PATH};
+  tools::JsonReader reader_;
+  Documented documented_;
+};
+
+} // namespace
+
+TEST_F(Operating, TablesHaveEveryLineThatIsWrittenAndNoOther) {
+  playSamples();
+  playCases();
+  misuseLinks();
+  exhaust();
+  documented_.expectAllSeen();
+}
+
+TEST_F(Operating, SettingsFailAndDefaultAsTheTableSays) {
+  const auto rows = readTable(readDocument(OPERATING), "Key");
+  EXPECT_EQ(rows.size(), 3u);
+  for (const std::vector<std::string>& row : rows) {
+    for (const data_t& wrong : {data_t(list_of()), data_t()}) {
+      map_t settings = map_of("tenantId", text("t4100"));
+      if (has(settings, row[0].c_str())) settings = map_t();
+      settings.insert(text(row[0].c_str()), data_t(wrong));
+      const data_t configuration(std::move(settings));
+      void* codec = nullptr;
+      static_cast<void>(stderr_of([&] {
+        codec = library_.create("codec", "chain", configuration.underlying(), nullptr, nullptr);
+      }));
+      EXPECT_EQ(codec != nullptr, row[2].starts_with("nothing.")) << row[0];
+      library_.destroy(codec);
+    }
+  }
+  takeLog();
+  EXPECT_EQ(rows[1][0], "measurementSplittingChannel");
+  LoadedCodec codec(library_, map_of("tenantId", text("")));
+  Message event = codec.converted(notification(MEASUREMENT_PATH, measurementPayload()));
+  EXPECT_EQ(at(event.getMetadataMap(), "vlt.channel"), text(rows[1][1].c_str()));
+}
+
+// A block of another kind would look like an example and be none.
+TEST_F(Operating, EveryBlockIsRun) {
+  for (const block_t& block : readBlocks(readDocument(OPERATING))) {
+    EXPECT_EQ(block.info, "console") << placeOf(readDocument(OPERATING), block.line);
+  }
+}
+
+TEST(Patterns, EllipsisStandsForAnyText) {
+  EXPECT_TRUE(matches("a", "a"));
+  EXPECT_FALSE(matches("a", "ab"));
+  EXPECT_TRUE(matches("a '…': b", "a '': b"));
+  EXPECT_TRUE(matches("a '…': b", "a 'x': ': b"));
+  EXPECT_FALSE(matches("a '…': b", "a 'x': c"));
+  EXPECT_TRUE(matches("…m…e", "middle, not the end: me"));
+  EXPECT_FALSE(matches("a…m…e", "amd"));
+}
+
+} // namespace com::velanto::connectivity::test
