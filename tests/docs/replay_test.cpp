@@ -1,6 +1,7 @@
-// Keeps docs/replay.md and docs/operating.md true: each console block is run, command by command, in
-// one folder a document with the samples and with $PLUGIN naming the plug-in, and must show what
-// stands below the command. Times differ from run to run, and a line that ends in "…" is only begun.
+// Keeps docs/replay.md, docs/operating.md and docs/host-interface.md true: each console block is
+// run, command by command, in one folder a document with the samples and with $PLUGIN naming the
+// plug-in, and must show what stands below the command. Times differ from run to run, and a line
+// that ends in "…" is only begun.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -83,13 +84,15 @@ class ReplayDocument : public Program {
   }
 };
 
-// The examples for those who run a host.
+// The examples for those who run a host, and for those who write one.
 class OperatingDocument : public ReplayDocument {};
+class HostInterfaceDocument : public ReplayDocument {};
 
 } // namespace
 
 TEST_F(ReplayDocument, EveryExampleShowsWhatTheToolDoes) { expectAsShown(REPLAY); }
 TEST_F(OperatingDocument, EveryExampleShowsWhatTheToolsDo) { expectAsShown("docs/operating.md"); }
+TEST_F(HostInterfaceDocument, ProgramPrintsWhatIsShown) { expectAsShown("docs/host-interface.md"); }
 
 TEST_F(ReplayDocument, EveryOptionHasAnExample) {
   std::string commands;

@@ -1,0 +1,203 @@
+// Keeps docs/host-interface.md true: (1) what it quotes stands in the sources, and the program that
+// it quotes piece by piece is whole; (2) its tables have the functions that there are; (3) the host
+// functions are called in the phases that it says, by all cases that the tests have.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <regex>
+#include <set>
+
+#include "tests/conformance/case.hpp"
+#include "tests/docs/markdown.hpp"
+#include "tests/end_to_end/loaded_codec.hpp"
+#include "tools/ndjson/json_reader.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+constexpr const char* HOST_INTERFACE = "docs/host-interface.md";
+constexpr const char* PROGRAM = "tests/end_to_end/minimal_host.c";
+
+using names_t = std::set<std::string>;
+
+// In the order of standin_function_t.
+const std::array<std::string, STANDIN_FUNCTIONS> HOST_FUNCTIONS = {
+    "vlt_allocate_map", "vlt_reallocate_map",     "vlt_free_map",    "vlt_copy_data",
+    "vlt_copy_string",  "vlt_free_string",        "vlt_free_vector", "vlt_free_buffer",
+    "vlt_free_custom",  "vlt_data_to_string",     "vlt_hash_string", "vlt_get_log_level",
+    "vlt_log_at",       "vlt_set_user_status_map"};
+
+std::string textOf(const std::string& file) {
+  std::string text;
+  for (const std::string& line : readDocument(file).lines) text += line + "\n";
+  return text;
+}
+
+// The lines that are not blank.
+std::string withoutBlankLines(const std::string& text) {
+  std::string result;
+  for (const std::string& line : documentOf(text).lines) {
+    if (!line.empty()) result += line + "\n";
+  }
+  return result;
+}
+
+// Drawings are quoted without the " * " of the comment that they stand in.
+std::string withoutCommentMarks(const std::string& text) {
+  return std::regex_replace(text, std::regex("\n \\* "), "\n");
+}
+
+// The names behind which `text` has `pattern`, a regular expression with one group.
+names_t namesIn(const std::string& text, const char* pattern) {
+  const std::regex expression(pattern);
+  names_t names;
+  for (std::sregex_iterator found(text.begin(), text.end(), expression), end; found != end;
+       ++found) {
+    names.insert((*found)[1]);
+  }
+  return names;
+}
+
+names_t firstColumn(const char* head) {
+  names_t names;
+  for (const auto& row : readTable(readDocument(HOST_INTERFACE), head)) names.insert(row[0]);
+  return names;
+}
+
+// "a, b" as a set; "never" is the empty one.
+names_t phasesIn(const std::string& cell) {
+  return cell == "never" ? names_t() : namesIn(cell, "([a-z]+)");
+}
+
+class HostInterface : public HostFixture {
+ protected:
+  // Which host functions were called since the last time belongs to `phase`.
+  void note(const char* phase) {
+    for (std::size_t i = 0; i < HOST_FUNCTIONS.size(); ++i) {
+      if (standin_calls(static_cast<standin_function_t>(i)) > 0) {
+        phases_[HOST_FUNCTIONS[i]].insert(phase);
+      }
+    }
+  }
+
+  void play(case_t& played) {
+    standin_set_default_log_level(played.log_level);
+    standin_reset_calls();
+    std::optional<PluginLibrary> library(std::in_place, VLT_PLUGIN_PATH);
+    note("load");
+    standin_reset_calls();
+    void* const codec =
+        library->create("codec", "chain", played.configuration.underlying(), nullptr, nullptr);
+    note("create");
+    if (codec != nullptr) playBatch(*library, codec, played);
+    standin_reset_calls();
+    library->destroy(codec);
+    note("destroy");
+    standin_reset_calls();
+    library.reset();
+    note("unload");
+  }
+
+  void playBatch(const PluginLibrary& library, void* codec, case_t& played) {
+    standin_reset_calls();
+    library.setNextTowardsHost(codec, nullptr, &lookAtNothing);
+    library.setNextTowardsTransport(codec, nullptr, &lookAtNothing);
+    library.start(codec);
+    library.hostReady(codec);
+    note("lifecycle");
+    standin_reset_calls();
+    auto* const send =
+        played.towards_transport ? library.sendBatchTowardsTransport : library.sendBatchTowardsHost;
+    send(codec, played.in.data(), played.in.data() + played.in.size());
+    note("batch");
+    standin_reset_calls();
+    library.shutdown(codec);
+    note("lifecycle");
+  }
+
+  static void lookAtNothing(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {}
+
+  std::map<std::string, names_t> phases_;
+  tools::JsonReader reader_;
+};
+
+} // namespace
+
+TEST_F(HostInterface, ProgramIsQuotedWhole) {
+  std::string quoted;
+  for (const block_t& block : readBlocks(readDocument(HOST_INTERFACE))) {
+    if (block.info == "c") quoted += block.text;
+  }
+  EXPECT_EQ(withoutBlankLines(quoted), withoutBlankLines(textOf(PROGRAM)));
+}
+
+TEST_F(HostInterface, HeadersAreQuotedAsTheyAre) {
+  names_t quoted;
+  for (const block_t& block : readBlocks(readDocument(HOST_INTERFACE))) {
+    if (block.info == "c" || block.info == "console") continue;
+    quoted.insert(block.info);
+    const std::string header = textOf(block.info);
+    const bool is_there = header.find(block.text) != std::string::npos ||
+                          withoutCommentMarks(header).find(block.text) != std::string::npos;
+    EXPECT_TRUE(is_there) << placeOf(readDocument(HOST_INTERFACE), block.line);
+  }
+  EXPECT_EQ(quoted, (names_t{"host/logging.h", "host/storage.h", "host/types.h"}));
+}
+
+TEST_F(HostInterface, TablesHaveEveryFunction) {
+  const std::string headers =
+      textOf("host/storage.h") + textOf("host/logging.h") + textOf("host/status.h");
+  EXPECT_EQ(firstColumn("Host function"), namesIn(headers, "\\b(vlt_[a-z_]+)\\("));
+
+  names_t exported;
+  for (const std::string& name : firstColumn("Function")) {
+    exported.insert(name + "_OstroviaNotifications2Codec");
+  }
+  EXPECT_EQ(exported, namesIn(textOf("codec/exported_names.map"), "\n +([a-zA-Z0-9_]+);"));
+}
+
+TEST_F(HostInterface, TagsAreThoseOfTheHeader) {
+  names_t documented;
+  for (const auto& row : readTable(readDocument(HOST_INTERFACE), "Tag")) {
+    std::string name = row[1];
+    std::replace(name.begin(), name.end(), ' ', '_');
+    std::transform(name.begin(), name.end(), name.begin(), [](char c) {
+      return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    });
+    documented.insert("VLT_TAG_" + name + " = " + row[0]);
+  }
+  EXPECT_EQ(documented, namesIn(textOf("host/types.h"), "(VLT_TAG_[A-Z_]+ = [0-9]+)"));
+}
+
+TEST_F(HostInterface, VersionsAreThoseOfTheLibrary) {
+  const PluginLibrary library(VLT_PLUGIN_PATH);
+  const std::string text = textOf(HOST_INTERFACE);
+  const std::string interface = std::to_string(library.apiVersion());
+  EXPECT_NE(text.find("`vlt_plugin_api_version` is " + interface + " "), std::string::npos);
+  const std::string product = library.productVersion();
+  EXPECT_NE(text.find("`vlt_plugin_product_version` is `" + product + "`"), std::string::npos);
+}
+
+TEST_F(HostInterface, HostFunctionsAreCalledInThePhasesOfTheTable) {
+  static_cast<void>(stderr_of([&] {
+    for (const auto& file :
+         std::filesystem::directory_iterator(VLT_PROJECT_ROOT "/tests/conformance")) {
+      if (file.path().extension() != ".ndjson") continue;
+      const std::string name = "tests/conformance/" + file.path().filename().string();
+      for (const std::string& line : readDocument(name).lines) {
+        case_t played = readCase(reader_.parseValue(line));
+        play(played);
+      }
+    }
+  }));
+  for (const auto& row : readTable(readDocument(HOST_INTERFACE), "Host function")) {
+    EXPECT_EQ(phases_[row[0]], phasesIn(row[1])) << row[0];
+  }
+}
+
+} // namespace com::velanto::connectivity::test
