@@ -1,15 +1,15 @@
 """Runs clang-tidy over the project's own sources in a build folder's compile_commands.json, all
 processors busy, and skips what passed before unchanged: a full run takes minutes, a file seconds.
 
-A source costs mostly the headers that it includes. So the sources of one program among the tests,
-tools and fuzz targets are read together, a batch of them included by one file. The path analysis
-(clang-analyzer) sees nothing of included sources: it is kept for what is loaded into a host's
-process, source by source, and all else runs under the sanitizers instead.
+A source costs mostly the headers that it includes. So the sources of one program or library are
+read together, a batch of them included by one file. The path analysis (clang-analyzer) sees nothing
+of included sources: what is loaded into a host's process gets it source by source, and all else runs
+under the sanitizers instead.
 
 For each batch: (1) the key: a hash over everything of ours that can change the outcome  (2) the
 mark of the last success, <build>/clang-tidy/<batch>.passed, holds that key: skip  (3) run  (4) a
 batch with findings is run again source by source, since sources that stand alone may disagree when
-read together; print the findings  (5) write the mark if there were none.
+read together  (5) the path analysis  (6) print the findings, or write the mark if there were none.
 
 usage: run_clang_tidy.py BUILD_FOLDER     in the project's root; exit status 1 on any finding
 """
@@ -28,11 +28,13 @@ from includes import IncludeGraph
 
 CLANG_TIDY = "clang-tidy-14"
 ROOT = pathlib.Path.cwd().resolve()
-BATCHED_LAYERS = ("fuzz", "tests", "tools")
+ANALYSED_LAYERS = ("codec", "plugin", "standin", "value")
 BATCH_SIZE = 8
 # What only a batch would draw: it includes sources, and names of one hide those of another.
-NOT_IN_BATCHES = "-clang-analyzer-*,-bugprone-suspicious-include"
-SOURCES_OF_BATCHES = "/(%s)/([^/]+/)*[^/]+\\.[ch]pp$" % "|".join(BATCHED_LAYERS)
+WITHOUT_ANALYSIS = "-clang-analyzer-*"
+NOT_IN_BATCHES = WITHOUT_ANALYSIS + ",-bugprone-suspicious-include"
+ANALYSIS = "-*,clang-analyzer-*"
+SOURCES_OF_BATCHES = "/(codec|fuzz|plugin|standin|tests|tools|value)/([^/]+/)*[^/]+\\.[ch]pp$"
 
 
 class Batch:
@@ -79,8 +81,8 @@ def batches_of(entries):
     groups = {}
     for entry in entries:
         layer = entry["name"].split("/", 1)[0]
-        together = layer in BATCHED_LAYERS and entry["name"].endswith(".cpp")
-        label = f"{layer}/{target_of(entry)}" if together else entry["name"]
+        is_cpp = entry["name"].endswith(".cpp")
+        label = f"{layer}/{target_of(entry)}" if is_cpp else entry["name"]
         groups.setdefault((layer, label), []).append(entry)
     for (layer, label), group in sorted(groups.items()):
         for start in range(0, len(group), BATCH_SIZE):
@@ -116,10 +118,16 @@ def run_together(work, batch):
 
 
 def findings_in(work, batch):
-    if len(batch.names) > 1 and not run_together(work, batch):
-        return ""
-    checks = ["--checks=-clang-analyzer-*"] if batch.layer in BATCHED_LAYERS else []
-    return "".join(run(["-p", str(work), *checks, name]) for name in batch.names)
+    findings = ""
+    if len(batch.names) == 1 or run_together(work, batch):
+        findings = run_alone(work, batch, WITHOUT_ANALYSIS)
+    if batch.layer in ANALYSED_LAYERS:
+        findings += run_alone(work, batch, ANALYSIS)
+    return findings
+
+
+def run_alone(work, batch, checks):
+    return "".join(run(["-p", str(work), f"--checks={checks}", name]) for name in batch.names)
 
 
 def main():

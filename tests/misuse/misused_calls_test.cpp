@@ -88,13 +88,13 @@ const call_t CALLS[] = {
      {}},
     {"null configuration",
      [](const PluginLibrary& library, void*) -> results_t {
-       return {library.create("codec", "chain", nullptr, nullptr, nullptr) == nullptr};
+       return {library.create("codec", "chain", nullptr, nullptr, nullptr) == nullptr ? 1 : 0};
      },
      {1},
      {"Exception from create: Get from empty"}},
     {"null configuration and names",
      [](const PluginLibrary& library, void*) -> results_t {
-       return {library.create(nullptr, nullptr, nullptr, nullptr, nullptr) == nullptr};
+       return {library.create(nullptr, nullptr, nullptr, nullptr, nullptr) == nullptr ? 1 : 0};
      },
      {1},
      {"Exception from create: Get from empty"}},

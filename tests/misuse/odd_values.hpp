@@ -18,6 +18,7 @@ struct odd_value_t {
 
 inline const std::vector<odd_value_t> ODD_VALUES = [] {
   std::vector<odd_value_t> values;
+  values.reserve(std::size(KINDS));
   for (const kind_t& kind : KINDS) values.push_back({kind.name, kind.make});
   const odd_value_t others[] = {
       {"null text", [] { return null_text(); }},

@@ -149,7 +149,8 @@ TEST_F(ConfigurationTest, WhatTheCodecRefusesIsNeverFine) {
     EXPECT_EQ(result.status, 4) << yaml;
     EXPECT_EQ(result.out, "");
     EXPECT_NE(result.diagnostics.find(LABEL), std::string::npos);
-    EXPECT_TRUE(result.diagnostics.ends_with(reason + "\n" + REFUSED)) << result.diagnostics;
+    EXPECT_TRUE(result.diagnostics.ends_with(std::string(reason).append("\n").append(REFUSED)))
+        << result.diagnostics;
   }
   folder_.write("c.yaml", "tenantId: create\n");
   EXPECT_EQ(

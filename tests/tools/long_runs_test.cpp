@@ -3,12 +3,12 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <stdlib.h>
 #include <unistd.h>
 #include <zlib.h>
 #include <zstd.h>
 
 #include <csignal>
+#include <cstdlib>
 
 #include "tests/tools/program.hpp"
 

@@ -86,7 +86,7 @@ class AnyValue {
   data_t list(int depth) {
     const int count = below(3);
     list_t made(standin_make_list(count, count));
-    for (std::size_t i = 0; i < made.size(); ++i) made[i] = make(depth - 1);
+    for (data_t& element : made) element = make(depth - 1);
     return made;
   }
   data_t map(int depth) {

@@ -60,7 +60,7 @@ front_t* latest = nullptr;
 // What happens when the library is loaded and unloaded.
 struct presence_t {
   presence_t() {
-    if (has(Fault::prints_on_loading)) static_cast<void>(!write(STDERR_FILENO, "loaded\n", 7));
+    if (has(Fault::prints_on_loading)) static_cast<void>(write(STDERR_FILENO, "loaded\n", 7) == 7);
   }
   ~presence_t() {
     if (has(Fault::crashes_on_unload)) std::abort();

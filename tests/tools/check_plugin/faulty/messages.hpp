@@ -49,9 +49,9 @@ void replaceText(vlt_underlying_data_t& value, const char* text) {
 
 // Each level takes as much of the stack as a careless function does.
 std::size_t depthOf(const vlt_underlying_data_t& value) {
-  volatile char frame[256]; // NOLINT(modernize-avoid-c-arrays)
+  volatile unsigned char frame[256]; // NOLINT(modernize-avoid-c-arrays)
   frame[0] = 0;
-  std::size_t depth = static_cast<std::size_t>(frame[0]);
+  std::size_t depth = frame[0];
   if (value.tag != VLT_TAG_MAP || value.value.map == nullptr) return depth;
   const auto* const slots =
       reinterpret_cast<const vlt_underlying_map_table_entry_t*>(value.value.map + 1);
@@ -122,7 +122,7 @@ void spoil(message_t* start, message_t* end) {
   if (has(Fault::sets_status_in_batch)) vlt_set_user_status_map(nullptr, nullptr);
   // At compile time: no other build may so much as name the function.
   if constexpr (has(Fault::asks_for_more)) static_cast<void>(standin_live_blocks_total());
-  if (has(Fault::prints_in_batch)) static_cast<void>(!write(STDERR_FILENO, "batch\n", 6));
+  if (has(Fault::prints_in_batch)) static_cast<void>(write(STDERR_FILENO, "batch\n", 6) == 6);
   if (has(Fault::races_in_static_buffer)) raceThrough(start, end);
   for (message_t* m = start; m != end; ++m) spoil(*m);
 }
