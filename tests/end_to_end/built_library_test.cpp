@@ -10,6 +10,7 @@
 
 #include "tests/end_to_end/elf_file.hpp"
 #include "tests/end_to_end/unwind_table.hpp"
+#include "tools/plugin_host/interface_names.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {
@@ -21,30 +22,9 @@ using ::testing::IsEmpty;
 using ::testing::IsSubsetOf;
 using ::testing::Not;
 using ::testing::UnorderedElementsAreArray;
-using names_t = std::vector<std::string>;
-
-names_t entryPoints() {
-  names_t names = {"_vlt_plugin_checkIsCodec",
-                   "vlt_create_plugin_with_params",
-                   "vlt_destroy_plugin",
-                   "vlt_plugin_api_version",
-                   "vlt_plugin_hostReady",
-                   "vlt_plugin_product_version",
-                   "vlt_plugin_sendBatchTowardsHost",
-                   "vlt_plugin_sendBatchTowardsTransport",
-                   "vlt_plugin_setNextTowardsHost",
-                   "vlt_plugin_setNextTowardsTransport",
-                   "vlt_plugin_shutdown",
-                   "vlt_plugin_start"};
-  for (std::string& name : names) name += "_OstroviaNotifications2Codec";
-  return names;
-}
-
-const names_t HOST_FUNCTIONS = {"vlt_allocate_map",   "vlt_copy_data",          "vlt_copy_string",
-                                "vlt_data_to_string", "vlt_free_buffer",        "vlt_free_custom",
-                                "vlt_free_map",       "vlt_free_string",        "vlt_free_vector",
-                                "vlt_get_log_level",  "vlt_hash_string",        "vlt_log_at",
-                                "vlt_reallocate_map", "vlt_set_user_status_map"};
+using tools::ENTRY_POINTS;
+using tools::HOST_FUNCTIONS;
+using tools::names_t;
 
 bool belongsToTheHost(const std::string& name) {
   return name.starts_with("vlt_") || name.starts_with("_vlt_") || name.starts_with("standin_");
@@ -118,7 +98,7 @@ TEST_F(BuiltLibraryTest, HasNoRunPath) {
 // host's definitions cannot take its place.
 TEST_F(BuiltLibraryTest, ExportsTheTwelveEntryPointsAndNothingElse) {
   EXPECT_THAT(namesOf([](const auto& symbol) { return symbol.defined(); }),
-              UnorderedElementsAreArray(entryPoints()));
+              UnorderedElementsAreArray(ENTRY_POINTS));
 }
 
 TEST_F(BuiltLibraryTest, AsksTheHostForItsFunctionsOnly) {

@@ -8,7 +8,7 @@ namespace {
 
 // A link that has itself replaced by `next` before it takes the batch.
 struct Replacing {
-  const PluginLibrary& library;
+  const PluginLibrary& functions;
   void* codec;
   int (*PluginLibrary::*set)(void*, void*, vlt_batch_function);
   Received& next;
@@ -16,7 +16,7 @@ struct Replacing {
 
   static void take(void* handle, vlt_underlying_message_t* start, vlt_underlying_message_t* end) {
     auto& self = *static_cast<Replacing*>(handle);
-    EXPECT_EQ((self.library.*self.set)(self.codec, &self.next, Received::take), 0);
+    EXPECT_EQ((self.functions.*self.set)(self.codec, &self.next, Received::take), 0);
     Received::take(&self.own, start, end);
   }
 };

@@ -97,6 +97,10 @@ void Link::take(void* handle, vlt_underlying_message_t* start, vlt_underlying_me
   }
 }
 
+PluginLibrary load(const Trial& trial) {
+  return PluginLibrary(trial.path(), PluginLibrary::Version::any);
+}
+
 Codec::Codec(Trial& trial, const PluginLibrary& library, const data_t& configuration,
              const char* name, const char* chain)
     : trial_(trial), library_(library) {
@@ -169,9 +173,9 @@ int Codec::destroy() {
 Chain::Chain(Trial& trial_of, const char* configuration_json, vlt_log_level_t level)
     : trial(trial_of),
       log(level),
-      library(trial_of.library(), PluginLibrary::Version::any),
+      loaded(load(trial_of)),
       configuration(value(configuration_json)),
-      codec(trial_of, library, configuration) {
+      codec(trial_of, loaded, configuration) {
   codec.link();
 }
 

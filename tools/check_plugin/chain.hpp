@@ -66,6 +66,9 @@ class Link {
   bool moves_out = true;
 };
 
+// The library that is checked. Of whatever interface version: that is a check of its own.
+[[nodiscard]] PluginLibrary load(const Trial& trial);
+
 // A codec between two links. Its calls let no exception out: one that crosses the interface is a
 // difference, and the result then is -1.
 class Codec {
@@ -116,7 +119,7 @@ struct Chain {
 
   Trial& trial;
   Log log;
-  PluginLibrary library;
+  PluginLibrary loaded;
   data_t configuration;
   Codec codec;
 };

@@ -18,7 +18,7 @@ namespace {
 using clock_t = std::chrono::steady_clock;
 
 void load(Trial& trial) {
-  const std::string& path = trial.library();
+  const std::string& path = trial.path();
   const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
   if (dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL) == nullptr) throw std::runtime_error(dlerror());
 }
@@ -59,7 +59,7 @@ int checkPlugin(const surroundings_t& surroundings, std::span<const check_t> che
                 std::ostream& out) {
   const std::optional<std::string> obstacle = whyNotLoaded(surroundings);
   const std::unique_ptr<Report> report =
-      makeReport(out, {surroundings.library, surroundings.seed, !obstacle}, format);
+      makeReport(out, {surroundings.path, surroundings.seed, !obstacle}, format);
   Counts counts;
   for (const check_t& check : checks) {
     const result_t result = obstacle && check.use == Use::load ? skippedResult(check, *obstacle)

@@ -40,7 +40,7 @@ constexpr double MOST_SECONDS = 86400;
 
 // What a command line asks for.
 struct command_t {
-  std::string library;
+  std::string path; // of the library
   std::vector<std::string> only;
   std::vector<std::string> skip;
   double timeout_seconds = 10;
@@ -69,7 +69,7 @@ std::string checkSeed(const std::string& text) {
 }
 
 void addOptions(CLI::App& app, command_t& command) {
-  app.add_option("LIBRARY", command.library, "The plug-in library to check")->type_name("");
+  app.add_option("LIBRARY", command.path, "The plug-in library to check")->type_name("");
   app.add_option("--only", command.only,
                  "Run the checks whose names match: * any text, ? a character; may be repeated")
       ->type_name("PATTERN")
@@ -106,7 +106,7 @@ std::optional<command_t> parse(int count, const char* const* arguments, std::ost
     status = app.exit(error, out, diagnostics) == 0 ? STATUS_ALL_PASSED : STATUS_NOT_CHECKED;
     return std::nullopt;
   }
-  if (!command.list && command.library.empty()) {
+  if (!command.list && command.path.empty()) {
     throw std::runtime_error("which library? See --help");
   }
   return command;
@@ -115,8 +115,7 @@ std::optional<command_t> parse(int count, const char* const* arguments, std::ost
 surroundings_t surroundingsOf(const command_t& command) {
   const std::uint64_t seed = command.seed ? *command.seed : std::random_device()();
   const double milliseconds = std::ceil(command.timeout_seconds * 1000);
-  return {command.library, seed,
-          std::chrono::milliseconds(static_cast<std::int64_t>(milliseconds))};
+  return {command.path, seed, std::chrono::milliseconds(static_cast<std::int64_t>(milliseconds))};
 }
 
 int obey(const command_t& command, bool may_colour, std::ostream& out) {

@@ -127,7 +127,7 @@ void TextReport::add(const result_t& result) {
 
 void TextReport::close(const Counts& counts) {
   out_ << '\n'
-       << printable(heading_.library) << ": " << counts.total() << " checks, "
+       << printable(heading_.path) << ": " << counts.total() << " checks, "
        << counts.of(Outcome::ok) << " ok, " << counts.of(Outcome::failed) << " failed, "
        << counts.of(Outcome::crashed) << " crashed, " << counts.of(Outcome::hung) << " hung, "
        << counts.of(Outcome::skipped) << " skipped; seed " << heading_.seed << '\n';
@@ -135,7 +135,7 @@ void TextReport::close(const Counts& counts) {
 }
 
 JsonReport::JsonReport(std::ostream& out, const heading_t& heading) : out_(out) {
-  out_ << "{\"library\":" << quoted(heading.library) << ",\"seed\":" << heading.seed
+  out_ << "{\"library\":" << quoted(heading.path) << ",\"seed\":" << heading.seed
        << ",\"loads\":" << (heading.loads ? "true" : "false") << ",\"checks\":[";
 }
 

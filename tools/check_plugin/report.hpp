@@ -54,7 +54,7 @@ class Report {
 };
 
 struct heading_t {
-  std::string library;
+  std::string path; // of the library
   std::uint64_t seed = 0;
   bool loads = true;
 };

@@ -18,7 +18,7 @@
 namespace com::velanto::connectivity::tools::check {
 
 struct surroundings_t {
-  std::string library;
+  std::string path; // of the library
   std::uint64_t seed = 0;
   std::chrono::milliseconds time_limit{};
 };

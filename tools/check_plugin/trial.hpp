@@ -34,14 +34,14 @@ class Trial {
   static constexpr int MOST_DIFFERENCES = 8;
 
   // `records` is a descriptor to write records to, `printed` one that holds what was printed.
-  Trial(std::string library, std::uint64_t seed, int records, int printed)
-      : library_(std::move(library)), seed_(seed), records_(records), printed_(printed) {}
+  Trial(std::string path, std::uint64_t seed, int records, int printed)
+      : path_(std::move(path)), seed_(seed), records_(records), printed_(printed) {}
   Trial(const Trial&) = delete;
   Trial& operator=(const Trial&) = delete;
   ~Trial() = default;
 
-  // The library that is checked.
-  [[nodiscard]] const std::string& library() const noexcept { return library_; }
+  // Where the library that is checked lies.
+  [[nodiscard]] const std::string& path() const noexcept { return path_; }
   // For checks that throw dice: the same seed, the same dice.
   [[nodiscard]] std::uint64_t seed() const noexcept { return seed_; }
 
@@ -69,7 +69,7 @@ class Trial {
  private:
   void write(std::initializer_list<std::string_view> fields) const;
 
-  std::string library_;
+  std::string path_;
   std::uint64_t seed_;
   int records_;
   int printed_;

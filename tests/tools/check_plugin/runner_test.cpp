@@ -25,7 +25,7 @@ verdict_t run(const std::function<void(Trial&)>& body, int limit_in_milliseconds
 
 TEST(RunnerTest, BodyKnowsLibraryAndSeed) {
   const verdict_t verdict = run([](Trial& trial) {
-    trial.equal("library", "lib.so", trial.library());
+    trial.equal("library", "lib.so", trial.path());
     trial.equal("seed", 7, trial.seed());
   });
   EXPECT_EQ(verdict.outcome, Outcome::ok);

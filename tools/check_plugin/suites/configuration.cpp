@@ -25,7 +25,7 @@ struct effect_t {
 void expectEffect(Trial& trial, const std::string& where, const data_t& configuration,
                   const effect_t& expected) {
   Log log;
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   Codec codec(trial, library, configuration);
   codec.link();
   std::vector<Message> batch;
@@ -53,7 +53,7 @@ void expectEffect(Trial& trial, const char* json, const effect_t& expected) {
 void expectRefusal(Trial& trial, const std::string& where, const vlt_underlying_data_t* settings,
                    const std::string& why) {
   Log log;
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   const Books books;
   void* const plugin = library.create(PLUGIN_NAME, CHAIN_NAME, settings, nullptr, nullptr);
   trial.holds(plugin == nullptr, where, "no codec", "a codec");
@@ -171,7 +171,7 @@ void nullTextChannel(Trial& trial) {
 
 void silentRefusal(Trial& trial) {
   Log log(1);
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   const Codec codec(trial, library, value("{}"));
   trial.holds(!codec.made(), "{}", "no codec", "a codec");
   trial.equal("log at level 1", lines_t{}, log.take());
@@ -183,7 +183,7 @@ void leftUntouched(Trial& trial) {
   const std::string before = bytesOf(settings);
   const Books books;
   {
-    const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+    const PluginLibrary library = load(trial);
     Codec codec(trial, library, settings);
     trial.holds(bytesOf(settings) == before, "after create", "the configuration as it was",
                 "other bytes");
@@ -199,7 +199,7 @@ void leftUntouched(Trial& trial) {
 
 void mayVanish(Trial& trial) {
   const Log log;
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   data_t settings = value(R"({"tenantId": "t1", "towardsHostChannelPrefix": "p."})");
   std::string name = PLUGIN_NAME;
   std::string chain = CHAIN_NAME;

@@ -5,38 +5,11 @@
 
 #include "tools/check_plugin/elf_file.hpp"
 #include "tools/check_plugin/suites/suites.hpp"
+#include "tools/plugin_host/interface_names.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 
 namespace {
-
-using names_t = std::vector<std::string>;
-
-const names_t& entryPoints() {
-  static const names_t names = [] {
-    names_t all = {"_vlt_plugin_checkIsCodec",
-                   "vlt_create_plugin_with_params",
-                   "vlt_destroy_plugin",
-                   "vlt_plugin_api_version",
-                   "vlt_plugin_hostReady",
-                   "vlt_plugin_product_version",
-                   "vlt_plugin_sendBatchTowardsHost",
-                   "vlt_plugin_sendBatchTowardsTransport",
-                   "vlt_plugin_setNextTowardsHost",
-                   "vlt_plugin_setNextTowardsTransport",
-                   "vlt_plugin_shutdown",
-                   "vlt_plugin_start"};
-    for (std::string& name : all) name += "_OstroviaNotifications2Codec";
-    return all;
-  }();
-  return names;
-}
-
-const names_t HOST_FUNCTIONS = {"vlt_allocate_map",   "vlt_copy_data",          "vlt_copy_string",
-                                "vlt_data_to_string", "vlt_free_buffer",        "vlt_free_custom",
-                                "vlt_free_map",       "vlt_free_string",        "vlt_free_vector",
-                                "vlt_get_log_level",  "vlt_hash_string",        "vlt_log_at",
-                                "vlt_reallocate_map", "vlt_set_user_status_map"};
 
 constexpr const char* CLIENT_LIBRARY = "libtvclient.so.10.15";
 
@@ -54,36 +27,36 @@ bool startsWith(const std::string& text, const char* beginning) {
 }
 
 void readable(Trial& trial) {
-  trial.holds(readElfFile(trial.library()).needed.size() < 1000, "needed libraries", "a few",
+  trial.holds(readElfFile(trial.path()).needed.size() < 1000, "needed libraries", "a few",
               "more than 1000");
 }
 
 void exactExports(Trial& trial) {
   names_t exported;
-  for (const exported_t& symbol : readElfFile(trial.library()).exported) {
+  for (const exported_t& symbol : readElfFile(trial.path()).exported) {
     exported.push_back(symbol.name);
   }
-  for (const std::string& name : entryPoints()) {
+  for (const std::string& name : ENTRY_POINTS) {
     trial.holds(has(exported, name), "exported names", name, "no such name");
   }
   for (const std::string& name : exported) {
-    trial.holds(has(entryPoints(), name), "exported names", "the twelve of the interface", name);
+    trial.holds(has(ENTRY_POINTS, name), "exported names", "the twelve of the interface", name);
   }
 }
 
 void exportsAreFunctions(Trial& trial) {
-  for (const exported_t& symbol : readElfFile(trial.library()).exported) {
+  for (const exported_t& symbol : readElfFile(trial.path()).exported) {
     trial.holds(symbol.function, symbol.name, "a function", "something else");
   }
 }
 
 void needsTheClientLibrary(Trial& trial) {
-  const names_t needed = readElfFile(trial.library()).needed;
+  const names_t needed = readElfFile(trial.path()).needed;
   trial.holds(has(needed, CLIENT_LIBRARY), "needed libraries", CLIENT_LIBRARY, "no such library");
 }
 
 void needsNothingUnusual(Trial& trial) {
-  for (const std::string& name : readElfFile(trial.library()).needed) {
+  for (const std::string& name : readElfFile(trial.path()).needed) {
     if (startsWith(name, "libasan.") || startsWith(name, "libubsan.")) {
       trial.skip("a build with sanitizers needs their runtimes");
     }
@@ -92,14 +65,14 @@ void needsNothingUnusual(Trial& trial) {
 }
 
 void noRunPath(Trial& trial) {
-  for (const std::string& path : readElfFile(trial.library()).run_paths) {
+  for (const std::string& path : readElfFile(trial.path()).run_paths) {
     trial.holds(false, "run path", "none", path);
   }
 }
 
 void callsHostFunctionsOnly(Trial& trial) {
   int host_functions = 0;
-  for (const std::string& name : readElfFile(trial.library()).undefined) {
+  for (const std::string& name : readElfFile(trial.path()).undefined) {
     const bool host_like =
         startsWith(name, "vlt_") || startsWith(name, "_vlt_") || startsWith(name, "standin_");
     if (!host_like) continue;

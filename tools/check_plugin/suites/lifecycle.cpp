@@ -58,7 +58,7 @@ void batchBeforeStart(Trial& trial) {
 
 void batchBeforeLinks(Trial& trial) {
   Log log;
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   Codec codec(trial, library, value(R"({"tenantId": "t1"})"));
   std::vector<Message> batch;
   batch.push_back(plainEvent("1"));
@@ -73,7 +73,7 @@ void batchBeforeLinks(Trial& trial) {
 }
 
 void startWithoutLinks(Trial& trial) {
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   Codec codec(trial, library, value(R"({"tenantId": ""})"));
   trial.equal("start", 0, codec.start());
   trial.equal("hostReady", 0, codec.hostReady());
@@ -90,7 +90,7 @@ void hooksCallNothing(Trial& trial) {
 }
 
 void destroyAtOnce(Trial& trial) {
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   const Books books;
   for (int i = 0; i < 50; ++i) {
     Codec codec(trial, library, value(R"({"tenantId": "t1", "towardsHostChannelPrefix": "p.",
@@ -119,7 +119,7 @@ void linksAreReplaced(Trial& trial) {
 
 void sameNames(Trial& trial) {
   Chain chain(trial);
-  auto twin = std::make_unique<Codec>(trial, chain.library, value(R"({"tenantId": "t2"})"));
+  auto twin = std::make_unique<Codec>(trial, chain.loaded, value(R"({"tenantId": "t2"})"));
   twin->link();
   Message message = plainEvent("1");
   twin->towardsHost({&message, 1});
@@ -137,9 +137,8 @@ void sameNames(Trial& trial) {
 
 void keptApart(Trial& trial) {
   Chain chain(trial, R"({"tenantId": "t1", "towardsHostChannelPrefix": "a."})");
-  Codec other(trial, chain.library,
-              value(R"({"tenantId": "t2", "towardsHostChannelPrefix": "b."})"), PLUGIN_NAME,
-              "other");
+  Codec other(trial, chain.loaded, value(R"({"tenantId": "t2", "towardsHostChannelPrefix": "b."})"),
+              PLUGIN_NAME, "other");
   other.link();
   std::vector<Message> batch;
   batch.push_back(plainEvent("1"));

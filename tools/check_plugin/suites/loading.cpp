@@ -8,15 +8,15 @@
 
 #include "tools/check_plugin/blocks.hpp"
 #include "tools/check_plugin/chain.hpp"
+#include "tools/check_plugin/counted_heap.hpp"
 #include "tools/check_plugin/suites/suites.hpp"
-#include "tools/check_plugin/surroundings.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
 std::string pathOf(const Trial& trial) {
-  const std::string& path = trial.library();
+  const std::string& path = trial.path();
   return path.find('/') == std::string::npos ? "./" + path : path;
 }
 

@@ -117,7 +117,7 @@ void nothingAtAll(Trial& trial) {
 
 void category(Trial& trial) {
   Log log;
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   Codec codec(trial, library, value(CONFIGURATION), "a name", "a%schain");
   codec.link();
   Message message = unknown("1");
@@ -137,7 +137,7 @@ void levelOfCreation(Trial& trial) {
   chain.expectLog("raised after creation", {});
   standin_set_log_level("connectivity.codec.chain", TRACE);
   standin_set_default_log_level(0);
-  Codec codec(trial, chain.library, chain.configuration);
+  Codec codec(trial, chain.loaded, chain.configuration);
   codec.link();
   Message message = plainEvent("1");
   codec.towardsHost({&message, 1});

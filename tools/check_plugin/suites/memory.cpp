@@ -35,7 +35,7 @@ std::string nth(std::uint64_t n) { return "allocation " + std::to_string(n) + " 
 
 void creation(Trial& trial) {
   Log log;
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   const data_t settings = value(R"({"tenantId": "t1", "towardsHostChannelPrefix": "p.",
                                     "measurementSplittingChannel": "m"})");
   withEachRefused(trial, [&](std::uint64_t n) {

@@ -15,7 +15,7 @@ namespace {
 
 void plugin(Trial& trial) {
   Log log;
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   Link link;
   trial.equal("destroy", 0, library.destroy(nullptr));
   trial.equal("start", 1, library.start(nullptr));
@@ -33,7 +33,7 @@ void plugin(Trial& trial) {
 
 void configuration(Trial& trial) {
   Log log;
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   void* const made = library.create(PLUGIN_NAME, CHAIN_NAME, nullptr, nullptr, nullptr);
   trial.holds(made == nullptr, "create", "no codec", "a codec");
   trial.equal("log", lines_t{line(2, "Exception from create: Get from empty")}, log.take());
@@ -41,7 +41,7 @@ void configuration(Trial& trial) {
 
 void names(Trial& trial) {
   Log log;
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   Codec codec(trial, library, value(R"({"tenantId": ""})"), nullptr, nullptr);
   codec.link();
   Message message = plainEvent("1", UNKNOWN_PATH);
@@ -99,7 +99,7 @@ void linkHandle(Trial& trial) {
 
 // No host may rely on it, but what a plug-in keeps without looking into cannot break either.
 void hostHandles(Trial& trial) {
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   const data_t settings = value(R"({"tenantId": "t1"})");
   void* const made = library.create(PLUGIN_NAME, CHAIN_NAME, settings.underlying(),
                                     std::bit_cast<void*>(std::uintptr_t{8}),

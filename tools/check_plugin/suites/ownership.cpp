@@ -8,9 +8,9 @@
 #include "standin/standin.h"
 #include "tools/check_plugin/blocks.hpp"
 #include "tools/check_plugin/chain.hpp"
+#include "tools/check_plugin/counted_heap.hpp"
 #include "tools/check_plugin/examples.hpp"
 #include "tools/check_plugin/suites/suites.hpp"
-#include "tools/check_plugin/surroundings.hpp"
 #include "tools/check_plugin/values.hpp"
 
 namespace com::velanto::connectivity::tools::check {

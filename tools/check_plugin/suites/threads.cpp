@@ -37,7 +37,7 @@ void sendAndExpect(Trial& trial, Codec& codec, Link& link, const std::string& id
 
 void twoCodecs(Trial& trial) {
   Log log;
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   const Books books;
   std::barrier together(2);
   const auto work = [&](const char* id, const char* tenant) {
@@ -81,7 +81,7 @@ void oneCodec(Trial& trial) {
 
 void createAndDestroy(Trial& trial) {
   const Log log;
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   const Books books;
   std::barrier together(2);
   const auto work = [&](const char* id) {

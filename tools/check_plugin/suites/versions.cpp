@@ -9,17 +9,17 @@ namespace com::velanto::connectivity::tools::check {
 namespace {
 
 void apiVersion(Trial& trial) {
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   trial.equal("interface version", 4, library.apiVersion());
 }
 
 void productVersion(Trial& trial) {
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   trial.equal("product version", "10.15.4.1", library.productVersion());
 }
 
 void productVersionIsStatic(Trial& trial) {
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   const char* const before = library.productVersion();
   { const Codec codec(trial, library, value(R"({"tenantId": ""})")); }
   trial.holds(before == library.productVersion(), "product version", "the same text each time",
@@ -28,7 +28,7 @@ void productVersionIsStatic(Trial& trial) {
 }
 
 void markDoesNothing(Trial& trial) {
-  const PluginLibrary library(trial.library(), PluginLibrary::Version::any);
+  const PluginLibrary library = load(trial);
   standin_reset_calls();
   library.checkIsCodec();
   static_cast<void>(library.apiVersion());

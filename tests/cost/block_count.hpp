@@ -1,8 +1,8 @@
 // Counts work without a clock: the basic blocks of the plug-in's code that the processor enters. The
 // layers of the plug-in are compiled once more for these tests, with a call at the head of each
 // block, so that loops and comparisons count wherever they are, and equally on every machine.
-#ifndef VLT_TESTS_WORK_BLOCK_COUNT_HPP
-#define VLT_TESTS_WORK_BLOCK_COUNT_HPP
+#ifndef VLT_TESTS_COST_BLOCK_COUNT_HPP
+#define VLT_TESTS_COST_BLOCK_COUNT_HPP
 
 #include <cstdint>
 

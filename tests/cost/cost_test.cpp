@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "tests/codec/codec_fixture.hpp"
-#include "tests/work/block_count.hpp"
-#include "tests/work/forced_visits.hpp"
+#include "tests/cost/block_count.hpp"
+#include "tests/cost/forced_visits.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {
@@ -88,9 +88,9 @@ map_t& largeTableOf(map_t& payload) {
 constexpr double BLOCKS_PER_VISIT = 5;
 constexpr double BLOCKS_PER_COMPARISON = 10;
 
-class WorkTest : public CodecFixture {
+class CostTest : public CodecFixture {
  protected:
-  WorkTest() { codec_->setNextTowardsHost(std::make_unique<CountingLink>(sizes_)); }
+  CostTest() { codec_->setNextTowardsHost(std::make_unique<CountingLink>(sizes_)); }
 
   // Basic blocks entered for each part of one message. `capacity`: that of the large table, 0 to
   // leave it as insertions made it.
@@ -110,9 +110,9 @@ class WorkTest : public CodecFixture {
   std::unique_ptr<OstroviaNotifications2Codec> codec_ = codec();
 };
 
-class KindWorkTest : public WorkTest, public ::testing::WithParamInterface<kind_t> {};
+class KindCostTest : public CostTest, public ::testing::WithParamInterface<kind_t> {};
 
-TEST_P(KindWorkTest, StaysFlatFromTenToAHundredThousandParts) {
+TEST_P(KindCostTest, StaysFlatFromTenToAHundredThousandParts) {
   const double hundred = workPerPart(GetParam(), 100);
   for (const int parts : {10, 1'000, 10'000, 100'000}) {
     const double work = workPerPart(GetParam(), parts);
@@ -123,7 +123,7 @@ TEST_P(KindWorkTest, StaysFlatFromTenToAHundredThousandParts) {
 }
 
 // The capacities with which a host would make a table whose entries it can count beforehand.
-TEST_P(KindWorkTest, StaysFlatWhateverCapacityAHostMakesForItsEntries) {
+TEST_P(KindCostTest, StaysFlatWhateverCapacityAHostMakesForItsEntries) {
   constexpr int PARTS = 100'000;
   const double grown = workPerPart(GetParam(), PARTS);
   for (const std::int64_t capacity : {PARTS + 20, PARTS * 4 / 3, 2 * PARTS, 1 << 17, 1 << 18}) {
@@ -134,7 +134,7 @@ TEST_P(KindWorkTest, StaysFlatWhateverCapacityAHostMakesForItsEntries) {
 // Twice the slots of a table that takes the entries in, three fifths full: taken in the order of
 // slots, the second half runs into the first. The places of entries are the host's business and so
 // is the way there; nothing comes on top of it.
-TEST_P(KindWorkTest, IsNoMoreThanTheTablesForceInTheWorstOrderOfSlots) {
+TEST_P(KindCostTest, IsNoMoreThanTheTablesForceInTheWorstOrderOfSlots) {
   constexpr int PARTS = 12'388;
   constexpr std::int64_t CAPACITY = 2 * capacityFor(PARTS * 5 / 6);
   map_t payload = GetParam().make(PARTS);
@@ -147,7 +147,7 @@ TEST_P(KindWorkTest, IsNoMoreThanTheTablesForceInTheWorstOrderOfSlots) {
 }
 
 // Keys that all hash alike: each insertion passes all entries before it, in any implementation.
-TEST_P(KindWorkTest, IsNoMoreThanTheTablesForceWhenAllKeysCollide) {
+TEST_P(KindCostTest, IsNoMoreThanTheTablesForceWhenAllKeysCollide) {
   constexpr int PARTS = 1'000;
   const double apart = workPerPart(GetParam(), PARTS);
   parts_collide = true;
@@ -160,7 +160,7 @@ TEST_P(KindWorkTest, IsNoMoreThanTheTablesForceWhenAllKeysCollide) {
             (BLOCKS_PER_VISIT + BLOCKS_PER_COMPARISON) * static_cast<double>(forced));
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, KindWorkTest,
+INSTANTIATE_TEST_SUITE_P(Kinds, KindCostTest,
                          ::testing::Values(EVENT, MEASUREMENT, MANAGED_OBJECT));
 
 } // namespace

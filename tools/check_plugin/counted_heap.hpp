@@ -1,6 +1,6 @@
 // What checks have to know of the build of this program itself.
-#ifndef VLT_TOOLS_CHECK_PLUGIN_SURROUNDINGS_HPP
-#define VLT_TOOLS_CHECK_PLUGIN_SURROUNDINGS_HPP
+#ifndef VLT_TOOLS_CHECK_PLUGIN_COUNTED_HEAP_HPP
+#define VLT_TOOLS_CHECK_PLUGIN_COUNTED_HEAP_HPP
 
 namespace com::velanto::connectivity::tools::check {
 

@@ -1,5 +1,5 @@
 // Compiled without the calls that it receives.
-#include "tests/work/block_count.hpp"
+#include "tests/cost/block_count.hpp"
 
 static std::uint64_t entered = 0;
 

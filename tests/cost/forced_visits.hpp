@@ -5,8 +5,8 @@
 //   before any other  when capacity x 0.75 < entries: 2 x entries + 2 slots, the entries moved by
 //                     the host
 //   insertion         from hash mod capacity upwards to the first free slot
-#ifndef VLT_TESTS_WORK_FORCED_VISITS_HPP
-#define VLT_TESTS_WORK_FORCED_VISITS_HPP
+#ifndef VLT_TESTS_COST_FORCED_VISITS_HPP
+#define VLT_TESTS_COST_FORCED_VISITS_HPP
 
 #include <cstdint>
 #include <vector>
