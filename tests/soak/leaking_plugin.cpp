@@ -2,7 +2,7 @@
 // real plug-in would, so it bears that one's name.
 //
 //   VLT_LEAK_BLOCKS    a block of the host for every 10 000 messages towards it
-//   otherwise          16 bytes for each message
+//   otherwise          64 bytes for each message
 #include <cstdlib>
 
 #include "plugin/abstract_simple_codec.hpp"
@@ -25,7 +25,7 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
     if (++messages % 10'000 == 0) static_cast<void>(vlt_allocate_map(1));
 #else
     // Written to, since what nobody reads or writes need not be allocated.
-    static_cast<volatile char*>(std::malloc(16))[0] = 1;
+    static_cast<volatile char*>(std::malloc(64))[0] = 1;
 #endif
     return true;
   }
