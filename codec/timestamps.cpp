@@ -7,7 +7,10 @@
 #include "codec/timestamps.hpp"
 
 #include <array>
+#include <bit>
 #include <chrono>
+#include <cstdint>
+#include <cstring>
 #include <ctime>
 #include <exception>
 #include <string>
@@ -39,6 +42,35 @@ double secondsSinceEpoch(int year, int month, int day, int hour, int minute, int
 
 // ---- the usual forms: YYYY-MM-DDThh:mm:ss, with or without .mmm, then Z at the end or ±hh:mm
 
+// The date and time are read eight characters at once, each a byte of a word:
+//
+//   characters   Y Y Y Y - M M -   D D T h h : m m   . . . . . s s .
+//   from         0                 8                 12
+class EightCharacters {
+ public:
+  // `digits` has FF for every character that is to be a digit, 00 for those that are not looked at.
+  EightCharacters(const char* text, std::uint64_t digits) noexcept {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text, sizeof word);
+    if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+    word = (word ^ 0x3030303030303030) & digits; // a digit is its value now
+    // A byte up to 9 stays below 80 when 76 is added; one from 80 on is none, whatever carries on.
+    valid_ = (((word + 0x7676767676767676) | word) & 0x8080808080808080) == 0;
+    pairs_ = word * 10 + (word >> 8);
+  }
+
+  // The number whose two digits begin with character `i`. Of no meaning unless valid.
+  [[nodiscard]] int pairAt(int i) const noexcept {
+    return static_cast<int>(pairs_ >> (8 * i) & 0xFF);
+  }
+  // Whether all digits are some.
+  [[nodiscard]] bool valid() const noexcept { return valid_; }
+
+ private:
+  bool valid_;
+  std::uint64_t pairs_; // byte i: ten times character i plus the next
+};
+
 // Reads numbers of fixed width. A character that is no digit makes the reading invalid.
 class Digits {
  public:
@@ -54,12 +86,6 @@ class Digits {
     }
     return static_cast<int>(value);
   }
-  // As at<2>, and invalid too outside `least` to `most`.
-  [[nodiscard]] int pairAt(std::size_t position, int least, int most) noexcept {
-    const int value = at<2>(position);
-    valid_ &= least <= value && value <= most;
-    return value;
-  }
   [[nodiscard]] bool valid() const noexcept { return valid_; }
 
  private:
@@ -67,20 +93,32 @@ class Digits {
   bool valid_ = true;
 };
 
-double readDateTime(Digits& digits) noexcept {
-  const int year = digits.at<4>(0);
-  const int month = digits.pairAt(5, 1, 12);
-  const int day = digits.pairAt(8, 1, 31);
-  const int hour = digits.pairAt(11, 0, 23);
-  const int minute = digits.pairAt(14, 0, 59);
-  const int second = digits.pairAt(17, 0, 61); // leap seconds too
-  return digits.valid() ? secondsSinceEpoch(year, month, day, hour, minute, second) : 0.0;
+bool isWithin(int number, int least, int most) noexcept {
+  return least <= number && number <= most;
+}
+
+// `text` has SHORTEST characters and its marks.
+boost::optional<double> readUsualDateTime(const char* text) noexcept {
+  const EightCharacters date(text, 0x00FFFF00FFFFFFFF);
+  const EightCharacters day_time(text + 8, 0xFFFF00FFFF00FFFF);
+  const EightCharacters seconds(text + 12, 0x00FFFF0000000000);
+  if (!date.valid() || !day_time.valid() || !seconds.valid()) return boost::none;
+  const int year = 100 * date.pairAt(0) + date.pairAt(2);
+  const int month = date.pairAt(5);
+  const int day = day_time.pairAt(0);
+  const int hour = day_time.pairAt(3);
+  const int minute = day_time.pairAt(6);
+  const int second = seconds.pairAt(5);
+  if (!isWithin(month, 1, 12) || !isWithin(day, 1, 31)) return boost::none;
+  if (hour > 23 || minute > 59 || second > 61) return boost::none; // up to two leap seconds
+  return secondsSinceEpoch(year, month, day, hour, minute, second);
 }
 
 // `text` has SHORTEST characters and its marks.
 boost::optional<double> readUsualForm(std::string_view text) noexcept {
+  const auto date_time = readUsualDateTime(text.data());
+  if (!date_time) return boost::none;
   Digits digits(text.data());
-  const double date_time = readDateTime(digits);
   std::size_t zone = DATE_TIME_LENGTH;
   double fraction = 0.0;
   if (text[DATE_TIME_LENGTH] == '.') {
@@ -99,7 +137,7 @@ boost::optional<double> readUsualForm(std::string_view text) noexcept {
     return boost::none;
   }
   if (!digits.valid()) return boost::none;
-  return (fraction + date_time) - offset;
+  return (fraction + *date_time) - offset;
 }
 
 // ---- the literal steps

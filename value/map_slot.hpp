@@ -1,4 +1,5 @@
-// One slot of a map table with its three states, as drawn at the head of value/map_t.hpp.
+// One slot of a map table with its three states, as drawn at the head of value/map_t.hpp. A slot that
+// is live is an entry, so that entries can be handed on from where they lie.
 #ifndef VLT_VALUE_MAP_SLOT_HPP
 #define VLT_VALUE_MAP_SLOT_HPP
 
@@ -10,7 +11,7 @@
 
 namespace com::velanto::connectivity {
 
-struct map_slot_t {
+struct map_slot_t : map_entry_t {
   static constexpr std::uint64_t FREE = 0;
   static constexpr std::uint64_t DELETED = 1;
 
@@ -21,9 +22,12 @@ struct map_slot_t {
   // Whether an entry could go here.
   [[nodiscard]] bool is_vacant() const noexcept { return hash <= DELETED && key.empty(); }
 
-  std::uint64_t hash;
-  data_t key;
-  data_t value;
+  // Frees what the slot holds.
+  void make_free() noexcept {
+    hash = FREE;
+    key = data_t();
+    value = data_t();
+  }
 };
 
 static_assert(sizeof(map_slot_t) == sizeof(vlt_underlying_map_table_entry_t),
@@ -31,13 +35,17 @@ static_assert(sizeof(map_slot_t) == sizeof(vlt_underlying_map_table_entry_t),
 
 template <class Use>
 map_t map_t::drain(const Use& use) && {
+  struct emptied_t {
+    ~emptied_t() { slot.make_free(); }
+    map_slot_t& slot;
+  };
   map_t drained = std::move(*this);
   map_slot_t* const end = drained.slots() + drained.capacity();
   for (map_slot_t* slot = drained.slots(); slot != end; ++slot) {
     if (!slot->is_live()) continue;
     --drained.table_->live;
-    use(map_entry_t{std::exchange(slot->hash, map_slot_t::FREE), std::move(slot->key),
-                    std::move(slot->value)});
+    const emptied_t emptied{*slot};
+    use(std::move(static_cast<map_entry_t&>(*slot)));
   }
   return drained;
 }

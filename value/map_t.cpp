@@ -1,6 +1,7 @@
 #include "value/map_t.hpp"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -261,12 +262,15 @@ map_entry_t map_t::extract(map_slot_t& slot) noexcept {
 
 void map_t::clear() noexcept {
   if (table_ == nullptr) return;
-  map_slot_t* const end = slots() + table_->capacity;
-  for (map_slot_t* slot = slots(); slot != end; ++slot) {
-    // What stands in the value of a slot without an entry means nothing, and is freed by nobody.
-    if (slot->is_live()) std::destroy_at(slot);
-    new (slot) map_slot_t{};
+  map_slot_t* const first = slots();
+  const std::int64_t slot_count = table_->capacity;
+  // What stands in the value of a slot without an entry means nothing, and is freed by nobody.
+  for (std::int64_t i = 0; table_->live > 0 && i < slot_count; ++i) {
+    if (!first[i].is_live()) continue;
+    --table_->live;
+    std::destroy_at(&first[i]);
   }
+  std::memset(static_cast<void*>(first), 0, static_cast<std::size_t>(slot_count) * sizeof *first);
   table_->live = 0;
   table_->deleted = 0;
 }
