@@ -1,4 +1,4 @@
-// A plug-in with the one fault that VLT_FAULT names. It stands in front of the real codec on both
+// A plug-in with the one fault that its file's name asks for (faults.hpp). It stands in front of the real codec on both
 // sides, and spoils what goes through its hands:
 //
 //   host → entry points below → real codec → links below (messages.hpp) → the host's links

@@ -14,7 +14,6 @@
 #include "host/logging.h"
 #include "host/status.h"
 #include "host/storage.h"
-#include "standin/standin.h"
 #include "tests/tools/check_plugin/faulty/faults.hpp"
 
 using com::velanto::connectivity::test::Fault;
@@ -120,8 +119,6 @@ void spoil(message_t* start, message_t* end) {
   if (has(Fault::swaps_order) && end - start >= 2) std::swap(start[0], start[1]);
   if (has(Fault::asks_level_in_batch)) static_cast<void>(vlt_get_log_level("any"));
   if (has(Fault::sets_status_in_batch)) vlt_set_user_status_map(nullptr, nullptr);
-  // At compile time: no other build may so much as name the function.
-  if constexpr (has(Fault::asks_for_more)) static_cast<void>(standin_live_blocks_total());
   if (has(Fault::prints_in_batch)) static_cast<void>(write(STDERR_FILENO, "batch\n", 6) == 6);
   if (has(Fault::races_in_static_buffer)) raceThrough(start, end);
   for (message_t* m = start; m != end; ++m) spoil(*m);
