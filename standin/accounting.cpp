@@ -11,7 +11,7 @@ constinit thread_local thread_counters_t threadCounters;
 
 namespace {
 
-std::mutex lock; // guards all that follows in this namespace
+std::mutex counts_lock; // guards all that follows in this namespace
 thread_counters_t* runningThreads = nullptr;
 std::array<int64_t, counterCount> endedTotals{};
 std::array<int64_t, counterCount> callsAtReset{};
@@ -20,7 +20,7 @@ std::array<int64_t, counterCount> callsAtReset{};
 // thread-local objects, which may still free values.
 void endThread(void* ended) {
   auto& thread = *static_cast<thread_counters_t*>(ended);
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(counts_lock);
   for (std::size_t i = 0; i < counterCount; ++i) {
     endedTotals[i] += thread.counters[i].load(std::memory_order_relaxed);
   }
@@ -39,7 +39,7 @@ bool enterThread() noexcept {
   static const end_key_t end;
   thread_counters_t& own = threadCounters;
   if (!end.made || pthread_setspecific(end.key, &own) != 0) return false;
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(counts_lock);
   own.next = runningThreads;
   if (runningThreads != nullptr) runningThreads->previous = &own;
   runningThreads = &own;
@@ -60,7 +60,7 @@ int64_t sum(std::size_t counter) noexcept {
 
 void addSlowly(std::size_t counter, int64_t change) noexcept {
   if (threadCounters.state == thread_state_t::fresh && enterThread()) return add(counter, change);
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(counts_lock);
   endedTotals[counter] += change;
 }
 
@@ -70,12 +70,12 @@ using namespace standin;
 
 int64_t standin_live_blocks(standin_block_t kind) {
   if (kind >= STANDIN_BLOCK_KINDS) return 0;
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(counts_lock);
   return sum(kind);
 }
 
 int64_t standin_live_blocks_total(void) {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(counts_lock);
   int64_t total = 0;
   for (std::size_t i = 0; i < STANDIN_BLOCK_KINDS; ++i) total += sum(i);
   return total;
@@ -83,13 +83,13 @@ int64_t standin_live_blocks_total(void) {
 
 int64_t standin_calls(standin_function_t function) {
   if (function >= STANDIN_FUNCTIONS) return 0;
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(counts_lock);
   const std::size_t counter = std::size_t{STANDIN_BLOCK_KINDS} + function;
   return sum(counter) - callsAtReset[counter];
 }
 
 int64_t standin_calls_total(void) {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(counts_lock);
   int64_t total = 0;
   for (std::size_t i = STANDIN_BLOCK_KINDS; i < counterCount; ++i) {
     total += sum(i) - callsAtReset[i];
@@ -99,6 +99,6 @@ int64_t standin_calls_total(void) {
 
 // Remembers the sums instead of clearing the counters, which only their own threads may write.
 void standin_reset_calls(void) {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(counts_lock);
   for (std::size_t i = STANDIN_BLOCK_KINDS; i < counterCount; ++i) callsAtReset[i] = sum(i);
 }

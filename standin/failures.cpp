@@ -12,13 +12,13 @@ constinit std::atomic<bool> refusalRequested{false};
 
 namespace {
 
-std::mutex lock;              // guards all that follows in this namespace
+std::mutex failures_lock;     // guards all that follows in this namespace
 uint64_t allocationsLeft = 0; // up to and including the one to refuse; 0: none is requested
 bool refusesAllAfter = false;
 uint64_t refused = 0;
 
 void request(uint64_t n, bool allAfter) noexcept {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(failures_lock);
   allocationsLeft = n;
   refusesAllAfter = allAfter;
   if (n > 0) refused = 0;
@@ -28,7 +28,7 @@ void request(uint64_t n, bool allAfter) noexcept {
 } // namespace
 
 bool countAndRefuse() noexcept {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(failures_lock);
   if (allocationsLeft == 0) return false; // switched off since the caller looked
   if (allocationsLeft > 1) {
     --allocationsLeft;
@@ -49,6 +49,6 @@ void standin_fail_allocation(uint64_t n) { standin::request(n, false); }
 void standin_fail_allocations_from(uint64_t n) { standin::request(n, true); }
 
 uint64_t standin_failed_allocations(void) {
-  const std::lock_guard guard(standin::lock);
+  const std::lock_guard guard(standin::failures_lock);
   return standin::refused;
 }

@@ -31,10 +31,10 @@ struct log_sink_t {
 
 constexpr vlt_log_level_t initialLevel = 3;
 
-std::mutex lock; // guards all that follows up to the functions
+std::mutex log_lock; // guards all that follows up to the functions
 category_t* categories = nullptr;
 vlt_log_level_t defaultLevel = initialLevel;
-log_sink_t currentSink{};
+log_sink_t currentLogSink{};
 
 // The caller holds the lock. Null: no level of its own. A plain list: a process has few categories,
 // and a plug-in asks once for each.
@@ -44,13 +44,13 @@ category_t* findCategory(const char* name) noexcept {
   return category;
 }
 
-log_sink_t sinkInUse() noexcept {
-  const std::lock_guard guard(lock);
-  return currentSink;
+log_sink_t logSinkInUse() noexcept {
+  const std::lock_guard guard(log_lock);
+  return currentLogSink;
 }
 
 void deliver(const char* category, vlt_log_level_t level, char* text, std::size_t length) noexcept {
-  const log_sink_t sink = sinkInUse();
+  const log_sink_t sink = logSinkInUse();
   if (sink.function == nullptr) return writeStderrLine(text, length);
   sink.function(sink.context, category == nullptr ? "" : category, level, text);
 }
@@ -93,7 +93,7 @@ using namespace standin;
 
 vlt_log_level_t vlt_get_log_level(const char* category) {
   countCall(STANDIN_GET_LOG_LEVEL);
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(log_lock);
   const category_t* found = findCategory(category == nullptr ? "" : category);
   return found == nullptr ? defaultLevel : found->level;
 }
@@ -107,7 +107,7 @@ void vlt_log_at(const char* category, vlt_log_level_t level, const char* format,
 }
 
 bool standin_set_log_level(const char* category, vlt_log_level_t level) {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(log_lock);
   if (category_t* found = findCategory(category); found != nullptr) {
     found->level = level;
     return true;
@@ -122,18 +122,18 @@ bool standin_set_log_level(const char* category, vlt_log_level_t level) {
 }
 
 void standin_set_default_log_level(vlt_log_level_t level) {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(log_lock);
   defaultLevel = level;
 }
 
 void standin_set_log_sink(standin_log_sink_t sink, void* context) {
-  const std::lock_guard guard(lock);
-  currentSink = {sink, context};
+  const std::lock_guard guard(log_lock);
+  currentLogSink = {sink, context};
 }
 
 void standin_reset_logging(void) {
-  const std::lock_guard guard(lock);
+  const std::lock_guard guard(log_lock);
   while (categories != nullptr) std::free(std::exchange(categories, categories->next));
   defaultLevel = initialLevel;
-  currentSink = {};
+  currentLogSink = {};
 }

@@ -18,12 +18,12 @@ struct status_sink_t {
   void* context;
 };
 
-std::mutex lock; // guards the sink; not held while it runs
-status_sink_t currentSink{};
+std::mutex status_lock; // guards the sink; not held while it runs
+status_sink_t currentStatusSink{};
 
-status_sink_t sinkInUse() noexcept {
-  const std::lock_guard guard(lock);
-  return currentSink;
+status_sink_t statusSinkInUse() noexcept {
+  const std::lock_guard guard(status_lock);
+  return currentStatusSink;
 }
 
 // The table is viewed as a value and not copied. Without memory the line is lost.
@@ -51,12 +51,12 @@ using namespace standin;
 
 void vlt_set_user_status_map(void* handle, const vlt_underlying_map_table_t* table) {
   countCall(STANDIN_SET_USER_STATUS_MAP);
-  const status_sink_t sink = sinkInUse();
+  const status_sink_t sink = statusSinkInUse();
   if (sink.function == nullptr) return show(table);
   sink.function(sink.context, handle, table);
 }
 
 void standin_set_status_sink(standin_status_sink_t sink, void* context) {
-  const std::lock_guard guard(lock);
-  currentSink = {sink, context};
+  const std::lock_guard guard(status_lock);
+  currentStatusSink = {sink, context};
 }

@@ -14,7 +14,7 @@ namespace {
 constexpr EnumTexts<AlarmSeverity, 4, constant_t> SEVERITY_TEXTS = {
     {&DATA_T_CRITICAL, &DATA_T_MAJOR, &DATA_T_MINOR, &DATA_T_WARNING}};
 
-constexpr EnumTexts<AlarmStatus, 3, constant_t> STATUS_TEXTS = {
+constexpr EnumTexts<AlarmStatus, 3, constant_t> ALARM_STATUS_TEXTS = {
     {&DATA_T_ACTIVE, &DATA_T_ACKNOWLEDGED, &DATA_T_CLEARED}};
 
 } // namespace
@@ -37,7 +37,8 @@ std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& not
 
   notification.getSpareParts().keep(SEVERITY_TEXTS.toDataTString(severityValue),
                                     std::move(severity));
-  notification.getSpareParts().keep(STATUS_TEXTS.toDataTString(statusValue), std::move(status));
+  notification.getSpareParts().keep(ALARM_STATUS_TEXTS.toDataTString(statusValue),
+                                    std::move(status));
 
   auto builder = std::make_unique<AlarmMessageBuilder>(
       std::move(id), countValue, severityValue, std::move(sourceId), statusValue, std::move(text),
@@ -54,7 +55,7 @@ AlarmMessageBuilder::AlarmMessageBuilder(data_t&& id, std::int64_t count, AlarmS
   addField(DATA_T_severity, spares.take(SEVERITY_TEXTS.toDataTString(severity)), spares);
   ensureValueDataTIsString("id", sourceId); // reported as "id", on purpose
   addField(DATA_T_source, std::move(sourceId), spares);
-  addField(DATA_T_status, spares.take(STATUS_TEXTS.toDataTString(status)), spares);
+  addField(DATA_T_status, spares.take(ALARM_STATUS_TEXTS.toDataTString(status)), spares);
   ensureValueDataTIsString("text", text);
   addField(DATA_T_text, std::move(text), spares);
   addField(DATA_T_time, data_t(time), spares);
@@ -68,7 +69,7 @@ AlarmSeverity alarmSeverityFromString(char const* text) {
 
 AlarmStatus alarmStatusFromString(char const* text) {
   requireText(text);
-  return STATUS_TEXTS.fromString(text, "alarm status");
+  return ALARM_STATUS_TEXTS.fromString(text, "alarm status");
 }
 
 data_t alarmSeverityToDataTString(AlarmSeverity severity) {
@@ -76,7 +77,7 @@ data_t alarmSeverityToDataTString(AlarmSeverity severity) {
 }
 
 data_t alarmStatusToDataTString(AlarmStatus status) {
-  return STATUS_TEXTS.toDataTString(status).copy();
+  return ALARM_STATUS_TEXTS.toDataTString(status).copy();
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -13,7 +13,7 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 namespace {
 
-constexpr EnumTexts<OperationStatus, 4, constant_t> STATUS_TEXTS = {
+constexpr EnumTexts<OperationStatus, 4, constant_t> OPERATION_STATUS_TEXTS = {
     {&DATA_T_SUCCESSFUL, &DATA_T_FAILED, &DATA_T_EXECUTING, &DATA_T_PENDING}};
 
 } // namespace
@@ -26,7 +26,8 @@ std::unique_ptr<TivraMessageBuilder> convertOperation(PulsarMessageDisassembler&
   const OperationStatus statusValue = operationStatusFromString(
       text_or_empty(getFromDataTReportingKey<char const*>(status, "status")));
 
-  notification.getSpareParts().keep(STATUS_TEXTS.toDataTString(statusValue), std::move(status));
+  notification.getSpareParts().keep(OPERATION_STATUS_TEXTS.toDataTString(statusValue),
+                                    std::move(status));
 
   auto builder = std::make_unique<OperationMessageBuilder>(
       std::move(deviceId), std::move(sourceId), statusValue, notification.getSpareParts());
@@ -39,15 +40,15 @@ OperationMessageBuilder::OperationMessageBuilder(data_t&& id, data_t&& source,
     : TivraMessageBuilder(std::move(id), OPERATION_TYPE_DATA_T.copy(), spares.lend()) {
   ensureValueDataTIsString("source", source);
   addField(DATA_T_source, std::move(source), spares);
-  addField(DATA_T_status, spares.take(STATUS_TEXTS.toDataTString(status)), spares);
+  addField(DATA_T_status, spares.take(OPERATION_STATUS_TEXTS.toDataTString(status)), spares);
 }
 
 OperationStatus operationStatusFromString(char const* text) {
-  return STATUS_TEXTS.fromString(text, "operation status");
+  return OPERATION_STATUS_TEXTS.fromString(text, "operation status");
 }
 
 data_t const& operationStatusToDataTString(OperationStatus status) {
-  return STATUS_TEXTS.toDataTString(status);
+  return OPERATION_STATUS_TEXTS.toDataTString(status);
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

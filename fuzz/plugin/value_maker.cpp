@@ -8,7 +8,7 @@ namespace com::velanto::connectivity::fuzz {
 
 namespace {
 
-constexpr unsigned KINDS = 12; // eleven that have a number, and those of a newer host
+constexpr unsigned KINDS_OF_VALUE = 12; // eleven that have a number, and those of a newer host
 constexpr unsigned NULL_FROM = 240;
 constexpr int MAX_DEPTH = 3;
 
@@ -49,7 +49,7 @@ model::value_t ValueMaker::key(int depth) {
 
 model::value_t ValueMaker::value(int depth) {
   const unsigned choice = byte();
-  model::value_t result = content(choice % KINDS, depth);
+  model::value_t result = content(choice % KINDS_OF_VALUE, depth);
   if (choice < NULL_FROM) return result;
   // An empty block of the same kind; a number is a zero.
   model::value_t null = of(result.tag, 0);
@@ -97,7 +97,7 @@ model::value_t ValueMaker::content(unsigned tag, int depth) {
       return map(depth);
     case VLT_TAG_CUSTOM:
       return of(tag, 1 + below(4));
-    case KINDS - 1:
+    case KINDS_OF_VALUE - 1:
       return of(byte() % 2 == 0 ? 11 : UINT32_MAX, bits());
     default: // double, integer, decimal
       return of(tag, bits());

@@ -11,13 +11,13 @@
 namespace com::velanto::connectivity::plugins::pulsar {
 namespace {
 
-struct row_t {
+struct constant_row_t {
   const data_t& constant;
   const char* text;
 };
 
-void expectTexts(const std::vector<row_t>& rows) {
-  for (const row_t& row : rows) {
+void expectTexts(const std::vector<constant_row_t>& rows) {
+  for (const constant_row_t& row : rows) {
     EXPECT_EQ(row.constant.type_tag(), VLT_TAG_STRING) << row.text;
     EXPECT_STREQ(row.constant.get<const char*>(), row.text);
   }

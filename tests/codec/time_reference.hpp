@@ -5,7 +5,9 @@
 #ifndef VLT_TESTS_CODEC_TIME_REFERENCE_HPP
 #define VLT_TESTS_CODEC_TIME_REFERENCE_HPP
 
+#include <bit>
 #include <boost/optional.hpp>
+#include <cstdint>
 #include <ctime>
 #include <exception>
 #include <string>
@@ -54,6 +56,11 @@ inline boost::optional<double> reference_time(const char* text) {
   } catch (const std::exception&) {
     return boost::none;
   }
+}
+
+// For comparisons in which -0.0 and the last digit count.
+inline std::uint64_t bits_of(const boost::optional<double>& seconds) {
+  return seconds ? std::bit_cast<std::uint64_t>(*seconds) : 0;
 }
 
 } // namespace com::velanto::connectivity::test

@@ -14,7 +14,7 @@ namespace {
 
 using seconds_t = boost::optional<double>;
 
-struct row_t {
+struct time_row_t {
   const char* text;
   seconds_t result;
   const char* reason;
@@ -25,17 +25,14 @@ constexpr double T = 1680674828.0; // 2023-04-05T06:07:08Z
 constexpr double HOUR = 3600.0;
 constexpr double MINUTE = 60.0;
 
-std::uint64_t bits(const seconds_t& seconds) {
-  return seconds ? std::bit_cast<std::uint64_t>(*seconds) : 0;
-}
-
 // Bit for bit, so that -0.0 and the last digit count.
-void expectRows(const std::vector<row_t>& rows) {
-  for (const row_t& row : rows) {
+void expectRows(const std::vector<time_row_t>& rows) {
+  for (const time_row_t& row : rows) {
     const seconds_t actual = tryParseTime(row.text);
     EXPECT_EQ(actual.has_value(), row.result.has_value()) << row.text << ": " << row.reason;
-    EXPECT_EQ(bits(actual), bits(row.result)) << row.text << ": " << row.reason;
-    EXPECT_EQ(bits(test::reference_time(row.text)), bits(row.result)) << "reference: " << row.text;
+    EXPECT_EQ(test::bits_of(actual), test::bits_of(row.result)) << row.text << ": " << row.reason;
+    EXPECT_EQ(test::bits_of(test::reference_time(row.text)), test::bits_of(row.result))
+        << "reference: " << row.text;
   }
 }
 

@@ -4,12 +4,21 @@
 #define VLT_TESTS_DOCS_CHAIN_HPP
 
 #include <stdexcept>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "tests/support/plugin_library.hpp"
+#include "tools/ndjson/json_writer.hpp"
 
 namespace com::velanto::connectivity::test {
+
+// A message as the tool prints it.
+inline std::string json(const Message& message) {
+  std::string text;
+  tools::writeJson(text, message);
+  return text;
+}
 
 class Chain {
  public:

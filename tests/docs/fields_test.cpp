@@ -9,7 +9,6 @@
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"
 #include "tools/ndjson/json_reader.hpp"
-#include "tools/ndjson/json_writer.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -17,12 +16,6 @@ namespace {
 
 constexpr const char* FIELDS = "docs/fields.md";
 const std::string CATEGORY = "connectivity.OstroviaNotifications2Codec.replay";
-
-std::string json(const Message& message) {
-  std::string text;
-  tools::writeJson(text, message);
-  return text;
-}
 
 // Values, not texts: tables that hold the same entries may list them in different orders.
 ::testing::AssertionResult isMessage(const Message& actual, const Message& expected) {

@@ -1,6 +1,7 @@
 #include "tests/docs/markdown.hpp"
 
 #include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -68,6 +69,17 @@ document_t readDocument(const std::string& name) {
   std::ifstream file(std::string(VLT_PROJECT_ROOT "/") + name);
   if (!file) throw std::runtime_error(name + ": cannot be read");
   return {name, linesOf(file)};
+}
+
+std::vector<std::string> ndjsonIn(const std::string& folder) {
+  std::vector<std::string> files;
+  for (const auto& file :
+       std::filesystem::directory_iterator(VLT_PROJECT_ROOT + std::string("/") + folder)) {
+    if (file.path().extension() == ".ndjson") {
+      files.push_back(folder + "/" + file.path().filename().string());
+    }
+  }
+  return files;
 }
 
 document_t documentOf(const std::string& text) {

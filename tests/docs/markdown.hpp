@@ -18,6 +18,9 @@ struct document_t {
 // The file `name`, relative to the project's root. Throws when it cannot be read.
 [[nodiscard]] document_t readDocument(const std::string& name);
 
+// The files *.ndjson of a folder of the project, named as readDocument wants them, in no order.
+[[nodiscard]] std::vector<std::string> ndjsonIn(const std::string& folder);
+
 // The document that `text` is, for tests of what stands below.
 [[nodiscard]] document_t documentOf(const std::string& text);
 

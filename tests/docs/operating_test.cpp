@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <stdexcept>
 #include <string_view>
 
@@ -102,17 +101,6 @@ class Documented {
   std::vector<documented_t> reasons_;
   std::vector<documented_t> direct_;
 };
-
-std::vector<std::string> ndjsonIn(const std::string& folder) {
-  std::vector<std::string> files;
-  for (const auto& file :
-       std::filesystem::directory_iterator(VLT_PROJECT_ROOT + std::string("/") + folder)) {
-    if (file.path().extension() == ".ndjson") {
-      files.push_back(folder + "/" + file.path().filename().string());
-    }
-  }
-  return files;
-}
 
 void throwText(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {
   throw std::runtime_error("jam");

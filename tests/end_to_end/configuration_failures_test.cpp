@@ -24,13 +24,13 @@ TEST_F(ConfigurationFailuresTest, TenantIsRequired) {
                 R"(Key '"tenantId"' has an empty value in Notifications2Codec)", "empty value");
 }
 
-struct kind_t {
+struct named_value_t {
   const char* name;
   data_t value;
 };
 
-std::vector<kind_t> kindsBeside(std::initializer_list<std::uint32_t> leftOut) {
-  std::vector<kind_t> kinds;
+std::vector<named_value_t> kindsBeside(std::initializer_list<std::uint32_t> leftOut) {
+  std::vector<named_value_t> kinds;
   const auto add = [&](const char* name, data_t&& value) {
     for (const std::uint32_t tag : leftOut) {
       if (value.type_tag() == tag) return;
@@ -51,7 +51,7 @@ std::vector<kind_t> kindsBeside(std::initializer_list<std::uint32_t> leftOut) {
 }
 
 TEST_F(ConfigurationFailuresTest, TenantMustBeAString) {
-  for (kind_t& kind : kindsBeside({VLT_TAG_STRING, VLT_TAG_BORROWED_STRING})) {
+  for (named_value_t& kind : kindsBeside({VLT_TAG_STRING, VLT_TAG_BORROWED_STRING})) {
     const data_t settings = map_of("tenantId", std::move(kind.value));
     const std::string why =
         std::string("Incorrect type in get (you asked for string but it's actually ") + kind.name +
@@ -85,7 +85,7 @@ TEST_F(ConfigurationFailuresTest, MeasurementChannelIsReadBeforeTheTenant) {
 }
 
 TEST_F(ConfigurationFailuresTest, ConfigurationMustBeAMap) {
-  for (const kind_t& kind : kindsBeside({VLT_TAG_MAP})) {
+  for (const named_value_t& kind : kindsBeside({VLT_TAG_MAP})) {
     const std::string why =
         std::string("Incorrect type in get (you asked for map but it's actually ") + kind.name +
         ")";

@@ -19,13 +19,6 @@ struct outcome_t {
   std::vector<std::string> lines;
 };
 
-// Their blocks are there before the fixture counts, and after.
-class LibraryAndSamples {
- protected:
-  PluginLibrary library_{VLT_PLUGIN_PATH};
-  const std::vector<sample_t> samples_ = readSamples();
-};
-
 class CodecsInParallel : private LibraryAndSamples, public HostFixture {
  protected:
   // One life of a codec in the host's order, with all samples in between, in both directions.

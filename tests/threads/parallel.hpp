@@ -31,6 +31,13 @@ void in_parallel(const Work& work) {
   for (std::thread& thread : threads) thread.join();
 }
 
+// A base in front of the fixture: their blocks are there before that counts, and after.
+class LibraryAndSamples {
+ protected:
+  PluginLibrary library_{VLT_PLUGIN_PATH};
+  const std::vector<sample_t> samples_ = readSamples();
+};
+
 // A batch of all samples.
 inline std::vector<Message> batchOf(const std::vector<sample_t>& samples) {
   std::vector<Message> batch;

@@ -11,12 +11,6 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-class LibraryAndSamples {
- protected:
-  PluginLibrary library_{VLT_PLUGIN_PATH};
-  const std::vector<sample_t> samples_ = readSamples();
-};
-
 class SharedCodec : private LibraryAndSamples, public HostFixture {
  public:
   ~SharedCodec() override { library_.destroy(codec_); }

@@ -12,7 +12,7 @@ namespace com::velanto::connectivity::test {
 
 namespace {
 
-const std::string LABEL = "<connectivity.OstroviaNotifications2Codec.replay> ";
+const std::string LOGGER_LABEL = "<connectivity.OstroviaNotifications2Codec.replay> ";
 const std::string REFUSED = "ostrovia-replay: the plug-in refused its configuration\n";
 
 class ConfigurationTest : public Program {
@@ -148,7 +148,7 @@ TEST_F(ConfigurationTest, WhatTheCodecRefusesIsNeverFine) {
     const result_t result = check(yaml);
     EXPECT_EQ(result.status, 4) << yaml;
     EXPECT_EQ(result.out, "");
-    EXPECT_NE(result.diagnostics.find(LABEL), std::string::npos);
+    EXPECT_NE(result.diagnostics.find(LOGGER_LABEL), std::string::npos);
     EXPECT_TRUE(result.diagnostics.ends_with(std::string(reason).append("\n").append(REFUSED)))
         << result.diagnostics;
   }

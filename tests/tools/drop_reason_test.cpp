@@ -10,9 +10,8 @@ namespace com::velanto::connectivity::test {
 namespace {
 
 using tools::drop_reason_t;
-using tools::log_line_t;
 
-struct row_t {
+struct reason_row_t {
   const char* what;
   const char* code;
   const char* key;
@@ -23,7 +22,7 @@ const std::string BEGIN = "<connectivity.p.c> Error when transforming message to
 } // namespace
 
 TEST(DropReason, TextsHaveStableCodes) {
-  const std::vector<row_t> rows = {
+  const std::vector<reason_row_t> rows = {
       {"Required key 'text' missing from message payload", "missing-key", "text"},
       {"Required key 'id' missing from source", "missing-key", "source.id"},
       {"Value for key 'type' is not a string.", "wrong-type", "type"},
@@ -43,9 +42,9 @@ TEST(DropReason, TextsHaveStableCodes) {
       {"std::bad_alloc", "out-of-memory", ""},
       {"boom", "other", ""},
       {"", "other", ""}};
-  for (const row_t& row : rows) {
+  for (const reason_row_t& row : rows) {
     const std::string text = BEGIN + ": " + row.what;
-    const std::vector<log_line_t> log = {{3, text}};
+    const std::vector<tools::log_line_t> log = {{3, text}};
     const drop_reason_t reason = tools::dropReasonOf(log);
     EXPECT_STREQ(reason.code, row.code) << row.what;
     EXPECT_EQ(reason.key, row.key) << row.what;
@@ -54,15 +53,15 @@ TEST(DropReason, TextsHaveStableCodes) {
 }
 
 TEST(DropReason, IdIsNoPartOfTheReason) {
-  const std::vector<log_line_t> log = {
+  const std::vector<tools::log_line_t> log = {
       {3, BEGIN + " ('id' = 'a: b'): Required key 'time' missing from message payload"}};
   EXPECT_STREQ(tools::dropReasonOf(log).code, "missing-key");
   EXPECT_EQ(tools::dropReasonOf(log).key, "time");
 }
 
 TEST(DropReason, TraceIsNoReason) {
-  const std::vector<log_line_t> log = {{6, "<c> Processing message: Get from empty"},
-                                       {3, BEGIN + ": std::bad_alloc"}};
+  const std::vector<tools::log_line_t> log = {{6, "<c> Processing message: Get from empty"},
+                                              {3, BEGIN + ": std::bad_alloc"}};
   EXPECT_STREQ(tools::dropReasonOf(log).code, "out-of-memory");
 }
 
@@ -72,7 +71,7 @@ TEST(DropReason, NothingLoggedIsUnreported) {
 }
 
 TEST(DropReason, FailingBatchHasAReasonOfItsOwn) {
-  const std::vector<log_line_t> log = {{3, "<c> Exception from sendBatchTowardsHost: boom"}};
+  const std::vector<tools::log_line_t> log = {{3, "<c> Exception from sendBatchTowardsHost: boom"}};
   EXPECT_STREQ(tools::dropReasonOf(log).code, "batch-failed");
 }
 

@@ -19,7 +19,7 @@ namespace com::velanto::connectivity::test {
 
 namespace {
 
-struct row_t {
+struct json_row_t {
   data_t value;
   const char* json;
 };
@@ -38,8 +38,8 @@ std::string json_of(const Message& message) {
   return out;
 }
 
-void expect_rows(const std::vector<row_t>& rows) {
-  for (const row_t& row : rows) EXPECT_EQ(json_of(row.value), row.json);
+void expect_rows(const std::vector<json_row_t>& rows) {
+  for (const json_row_t& row : rows) EXPECT_EQ(json_of(row.value), row.json);
 }
 
 } // namespace

@@ -10,16 +10,14 @@ namespace com::velanto::connectivity::test {
 
 namespace {
 
-using tools::PluginLibrary;
-
 std::string load_error(const std::string& path) {
-  return error_of([&] { PluginLibrary library(path); });
+  return error_of([&] { tools::PluginLibrary library(path); });
 }
 
 } // namespace
 
 TEST(PluginLibraryTest, FunctionsAreThePlugIns) {
-  const PluginLibrary library(VLT_PLUGIN_PATH);
+  const tools::PluginLibrary library(VLT_PLUGIN_PATH);
   EXPECT_EQ(library.apiVersion(), 4u);
   EXPECT_STREQ(library.productVersion(), "10.15.4.1");
   library.checkIsCodec();
@@ -28,7 +26,7 @@ TEST(PluginLibraryTest, FunctionsAreThePlugIns) {
 }
 
 TEST(PluginLibraryTest, DefaultLiesBesideTheProgram) {
-  EXPECT_TRUE(std::filesystem::equivalent(PluginLibrary::defaultPath(), VLT_PLUGIN_PATH));
+  EXPECT_TRUE(std::filesystem::equivalent(tools::PluginLibrary::defaultPath(), VLT_PLUGIN_PATH));
 }
 
 TEST(PluginLibraryTest, MissingLibraryIsRefused) {

@@ -12,9 +12,6 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-constexpr const char* NULL_KEY = "Cannot have a null key";
-constexpr const char* CUSTOM_KEY = "Cannot use custom values as a key";
-
 // ---- an absent key
 
 struct way_t {

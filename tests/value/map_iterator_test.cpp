@@ -11,7 +11,7 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-constexpr const char* MODIFIED = "Iterator invalidated by modifying map";
+constexpr const char* MAP_MODIFIED = "Iterator invalidated by modifying map";
 constexpr const char* DIFFERENT = "Invalid comparison of iterators into different maps";
 constexpr const char* NOTHING = "nothing thrown";
 
@@ -30,11 +30,11 @@ std::string error_of_advance(Iterator it) {
 // All uses of an iterator that check the map first.
 template <class Iterator>
 void expect_invalid(const Iterator& it) {
-  EXPECT_EQ(error_of_dereference(it), MODIFIED);
-  EXPECT_EQ(error_of_arrow(it), MODIFIED);
-  EXPECT_EQ(error_of_advance(it), MODIFIED);
+  EXPECT_EQ(error_of_dereference(it), MAP_MODIFIED);
+  EXPECT_EQ(error_of_arrow(it), MAP_MODIFIED);
+  EXPECT_EQ(error_of_advance(it), MAP_MODIFIED);
   Iterator copy = it;
-  EXPECT_EQ(error_of([&] { copy++; }), MODIFIED);
+  EXPECT_EQ(error_of([&] { copy++; }), MAP_MODIFIED);
 }
 
 using MapIterator = PlacedKeys;
@@ -111,7 +111,7 @@ TEST_F(MapIterator, EraseDoesNotTakeAnInvalidIterator) {
   map_t map = with_keys("3", "5");
   const auto it = map.begin();
   map.erase(map.find(text("5")));
-  EXPECT_EQ(error_of([&] { map.erase(it); }), MODIFIED);
+  EXPECT_EQ(error_of([&] { map.erase(it); }), MAP_MODIFIED);
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 1}));
   EXPECT_EQ(at(map, "3"), text("3"));
 }
@@ -156,7 +156,7 @@ TEST_F(MapIterator, EraseNoticesThatTheTableIsLost) {
   map_t map = with_keys("3");
   const map_t::iterator first = map.begin();
   const map_t taken(std::move(map));
-  EXPECT_EQ(error_of([&] { map.erase(first); }), MODIFIED);
+  EXPECT_EQ(error_of([&] { map.erase(first); }), MAP_MODIFIED);
   EXPECT_EQ(taken.size(), 1U);
 }
 

@@ -14,9 +14,6 @@ namespace {
 
 static_assert(sizeof(map_t) == sizeof(void*));
 
-constexpr const char* NULL_KEY = "Cannot have a null key";
-constexpr const char* CUSTOM_KEY = "Cannot use custom values as a key";
-
 using MapT = PlacedKeys;
 
 // ---- growth

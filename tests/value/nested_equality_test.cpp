@@ -142,7 +142,7 @@ TEST_F(NestedEquality, TablesAreOfAnyCapacityAndHistory) {
 
 // ---- a million deep
 
-constexpr int DEPTH = 1'000'000;
+constexpr int KEY_DEPTH = 1'000'000;
 
 data_t list_around(data_t&& inner) { return list_of(std::move(inner)); }
 data_t map_around(data_t&& inner) {
@@ -158,7 +158,7 @@ data_t map_under(data_t&& inner) {
 template <class Around>
 data_t nested(Around around, std::int64_t innermost) {
   data_t value = whole(innermost);
-  for (int i = 0; i < DEPTH; ++i) value = around(std::move(value));
+  for (int i = 0; i < KEY_DEPTH; ++i) value = around(std::move(value));
   return value;
 }
 

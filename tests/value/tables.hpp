@@ -16,6 +16,10 @@
 
 namespace com::velanto::connectivity::test {
 
+// How a map refuses keys.
+inline constexpr const char* NULL_KEY = "Cannot have a null key";
+inline constexpr const char* CUSTOM_KEY = "Cannot use custom values as a key";
+
 struct counts_t {
   std::int64_t live;
   std::int64_t capacity;

@@ -17,7 +17,7 @@ namespace {
 
 using clock_t = std::chrono::steady_clock;
 
-void load(Trial& trial) {
+void loadAlone(Trial& trial) {
   const std::string& path = trial.path();
   const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
   if (dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL) == nullptr) throw std::runtime_error(dlerror());
@@ -25,7 +25,7 @@ void load(Trial& trial) {
 
 // Why the library cannot be loaded; nothing when it can.
 std::optional<std::string> whyNotLoaded(const surroundings_t& surroundings) {
-  const verdict_t verdict = runApart(surroundings, load);
+  const verdict_t verdict = runApart(surroundings, loadAlone);
   if (verdict.outcome == Outcome::ok) return std::nullopt;
   const std::string prefix = "the library cannot be loaded: ";
   if (!verdict.reason.empty()) return prefix + verdict.reason;

@@ -19,7 +19,7 @@ namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
-constexpr const char* EXAMPLES =
+constexpr const char* EXAMPLES_OF_USE =
     "Examples:\n"
     "  ostrovia-check-plugin libOstroviaNotifications2Codec.so\n"
     "  ostrovia-check-plugin --list\n"
@@ -93,7 +93,7 @@ void addOptions(CLI::App& app, command_t& command) {
 std::optional<command_t> parse(int count, const char* const* arguments, std::ostream& out,
                                std::ostream& diagnostics, int& status) {
   command_t command;
-  CLI::App app(EXAMPLES, PROGRAM_NAME);
+  CLI::App app(EXAMPLES_OF_USE, PROGRAM_NAME);
   app.footer(EXIT_STATUSES);
   app.set_version_flag("--version", std::string(PROGRAM_NAME) + " " + VLT_VERSION);
   app.failure_message([](const CLI::App*, const CLI::Error& error) {

@@ -23,7 +23,7 @@ using stopwatch_t = std::chrono::steady_clock;
 using milliseconds_t = std::chrono::duration<double, std::milli>;
 
 // A line at this level says why a message was dropped, so the tool always wants to hear it.
-constexpr vlt_log_level_t DROPPED_LEVEL = 3;
+constexpr vlt_log_level_t LEVEL_OF_DROPS = 3;
 
 class Replay {
  public:
@@ -77,7 +77,7 @@ int Replay::run(const std::vector<input_t>& inputs) {
 
 void Replay::setLevel() {
   const vlt_log_level_t shown = options_.log_level.value_or(DEFAULT_LOG_LEVEL);
-  const bool set = setLogLevel(std::max(shown, DROPPED_LEVEL));
+  const bool set = setLogLevel(std::max(shown, LEVEL_OF_DROPS));
   if (!set && options_.log_level) {
     report("this host library does not let its log level be set; --log-level is ignored");
   }

@@ -17,7 +17,7 @@ std::string number(double value, const char* format) {
   return text.data();
 }
 
-std::string microseconds(std::chrono::nanoseconds time) {
+std::string microsecondsText(std::chrono::nanoseconds time) {
   return number(static_cast<double>(time.count()) / 1e3, "%.1f µs");
 }
 
@@ -77,8 +77,8 @@ std::string summaryText(const Summary& summary, const run_figures_t& run) {
   const double rate = seconds > 0 ? static_cast<double>(run.read) / seconds : 0;
   out += '\n';
   out += number(rate, "%.0f messages/s") + ", a batch: median " +
-         microseconds(summary.batches().quantile(0.5)) + ", 99th percentile " +
-         microseconds(summary.batches().quantile(0.99)) + "\n";
+         microsecondsText(summary.batches().quantile(0.5)) + ", 99th percentile " +
+         microsecondsText(summary.batches().quantile(0.99)) + "\n";
   return out;
 }
 

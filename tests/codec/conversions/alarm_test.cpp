@@ -185,7 +185,7 @@ TEST_F(AlarmBuilder, ChecksIdSeveritySourceStatusTextTypeInThisOrder) {
 }
 
 constexpr const char* SEVERITIES[] = {"CRITICAL", "MAJOR", "MINOR", "WARNING"};
-constexpr const char* STATUSES[] = {"ACTIVE", "ACKNOWLEDGED", "CLEARED"};
+constexpr const char* ALARM_STATUSES[] = {"ACTIVE", "ACKNOWLEDGED", "CLEARED"};
 
 TEST_F(AlarmTexts, ValuesAndTextsMatchInOrder) {
   for (int i = 0; i < 4; ++i) {
@@ -194,8 +194,9 @@ TEST_F(AlarmTexts, ValuesAndTextsMatchInOrder) {
         same(alarmSeverityToDataTString(static_cast<AlarmSeverity>(i)), text(SEVERITIES[i])));
   }
   for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(static_cast<int>(alarmStatusFromString(STATUSES[i])), i);
-    EXPECT_TRUE(same(alarmStatusToDataTString(static_cast<AlarmStatus>(i)), text(STATUSES[i])));
+    EXPECT_EQ(static_cast<int>(alarmStatusFromString(ALARM_STATUSES[i])), i);
+    EXPECT_TRUE(
+        same(alarmStatusToDataTString(static_cast<AlarmStatus>(i)), text(ALARM_STATUSES[i])));
   }
   EXPECT_EQ(alarmSeverityFromString("MAJOR"), AlarmSeverity::MAJOR);
   EXPECT_EQ(alarmStatusFromString("ACTIVE"), AlarmStatus::ACTIVE);

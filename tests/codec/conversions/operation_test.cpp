@@ -131,13 +131,13 @@ TEST_F(OperationBuilder, SetsItsFieldsAndNoMore) {
   EXPECT_TRUE(builder.measurements.empty());
 }
 
-constexpr const char* STATUSES[] = {"SUCCESSFUL", "FAILED", "EXECUTING", "PENDING"};
+constexpr const char* OPERATION_STATUSES[] = {"SUCCESSFUL", "FAILED", "EXECUTING", "PENDING"};
 
 TEST_F(OperationTexts, ValuesAndTextsMatchInOrder) {
   for (int i = 0; i < 4; ++i) {
     const auto status = static_cast<OperationStatus>(i);
-    EXPECT_EQ(operationStatusFromString(STATUSES[i]), status);
-    EXPECT_TRUE(same(operationStatusToDataTString(status), text(STATUSES[i])));
+    EXPECT_EQ(operationStatusFromString(OPERATION_STATUSES[i]), status);
+    EXPECT_TRUE(same(operationStatusToDataTString(status), text(OPERATION_STATUSES[i])));
   }
   EXPECT_EQ(static_cast<int>(OperationStatus::SUCCESSFUL), 0);
   EXPECT_EQ(static_cast<int>(OperationStatus::FAILED), 1);

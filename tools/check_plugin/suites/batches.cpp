@@ -188,7 +188,7 @@ void nothingKept(Trial& trial) {
   }
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t BATCHES_CHECKS[] = {
     {"batches.empty", "an empty batch reaches the link, as an empty range", empty},
     {"batches.one", "a batch of one is converted", one},
     {"batches.all-dropped", "with every message dropped, the link gets an empty range", allDropped},
@@ -208,6 +208,6 @@ constexpr check_t CHECKS[] = {
 
 } // namespace
 
-suite_t batchesChecks() { return CHECKS; }
+suite_t batchesChecks() { return BATCHES_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -217,7 +217,7 @@ void mayVanish(Trial& trial) {
   trial.equal("vlt.channel", "p.ostrovia.devices", textAt(event.getMetadataMap(), "vlt.channel"));
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t CONFIGURATION_CHECKS[] = {
     {"configuration.defaults", "with the tenant alone, the channels are the documented ones",
      defaults},
     {"configuration.empty-tenant", "an empty tenant writes no tenantId", emptyTenant},
@@ -248,6 +248,6 @@ constexpr check_t CHECKS[] = {
 
 } // namespace
 
-suite_t configurationChecks() { return CHECKS; }
+suite_t configurationChecks() { return CONFIGURATION_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -83,7 +83,7 @@ struct path_row_t {
   const char* segment;
 };
 
-constexpr path_row_t PATHS[] = {
+constexpr path_row_t PATH_ROWS[] = {
     {"t/s/events/1", "Event", ""},
     {"t/s/events", "Event", ""},
     {"//events/1", "Event", ""},
@@ -102,7 +102,7 @@ constexpr path_row_t PATHS[] = {
 
 void paths(Trial& trial) {
   Chain chain(trial);
-  for (const path_row_t& row : PATHS) {
+  for (const path_row_t& row : PATH_ROWS) {
     const std::vector<Message> converted = chain.send(plainEvent("1", row.path));
     const std::string where = std::string("path '") + row.path + "'";
     if (!trial.equal(where + ", events", row.kind == nullptr ? 0 : 1, converted.size())) continue;
@@ -176,7 +176,7 @@ void deepNesting(Trial& trial) {
   trial.equal("events", 1, chain.send(std::move(batch)).size());
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t CONVERSION_CHECKS[] = {
     {"conversion.alarms", "worked examples of alarms become the documented events", alarms},
     {"conversion.events", "worked examples of events become the documented events", events},
     {"conversion.measurements", "worked examples of measurements become the documented events",
@@ -195,6 +195,6 @@ constexpr check_t CHECKS[] = {
 
 } // namespace
 
-suite_t conversionChecks() { return CHECKS; }
+suite_t conversionChecks() { return CONVERSION_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -56,7 +56,7 @@ void expectFaults(Trial& trial, const kind_t& kind) {
   }
 }
 
-void events(Trial& trial) {
+void eventFaults(Trial& trial) {
   expectFaults(
       trial, {EVENT_PATH,
               R"({"id": "4711", "source": {"id": "7"}, "text": "t", "time": "2023-04-05T06:07:08Z",
@@ -81,7 +81,7 @@ void events(Trial& trial) {
                {"id", "null", NO_TEXT("id")}}});
 }
 
-void alarms(Trial& trial) {
+void alarmFaults(Trial& trial) {
   expectFaults(trial, {"t/s/alarms/1",
                        R"({"id": "4711", "source": {"id": "7"}, "count": 1, "severity": "MAJOR",
            "status": "ACTIVE", "text": "t", "time": "2023-04-05T06:07:08Z", "type": "T"})",
@@ -110,7 +110,7 @@ void alarms(Trial& trial) {
                         {"id", "7", NO_TEXT("id")}}});
 }
 
-void measurements(Trial& trial) {
+void measurementFaults(Trial& trial) {
   expectFaults(trial, {MEASUREMENT_PATH,
                        R"({"id": "4711", "source": {"id": "7"}, "time": "2023-04-05T06:07:08Z",
                     "type": "T", "f": {"s": {"value": 1}}})",
@@ -126,7 +126,7 @@ void measurements(Trial& trial) {
                         {"id", "1.5", NO_TEXT("id")}}});
 }
 
-void managedObjects(Trial& trial) {
+void managedObjectFaults(Trial& trial) {
   expectFaults(trial, {"t/s/managedobjects/1",
                        R"({"id": "4711", "name": "n", "type": "T"})",
                        {{"id", nullptr, MISSING("id")},
@@ -137,7 +137,7 @@ void managedObjects(Trial& trial) {
                         {"id", "7", NO_TEXT("id")}}});
 }
 
-void operations(Trial& trial) {
+void operationFaults(Trial& trial) {
   expectFaults(trial,
                {"t/s/operations/1",
                 R"({"id": "4711", "deviceId": "9", "source": {"id": "9"}, "status": "PENDING"})",
@@ -208,17 +208,17 @@ void noFormats(Trial& trial) {
              " ('id' = '%s%n%1000000d'): Unrecognised Pulsar message type: '%s%n%d'");
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t ERRORS_CHECKS[] = {
     {"errors.road", "paths and payloads of a wrong kind are reported with the documented lines",
      theRoad},
-    {"errors.events", "each fault of an event is reported with its documented line", events},
-    {"errors.alarms", "each fault of an alarm is reported with its documented line", alarms},
+    {"errors.events", "each fault of an event is reported with its documented line", eventFaults},
+    {"errors.alarms", "each fault of an alarm is reported with its documented line", alarmFaults},
     {"errors.measurements", "each fault of a measurement is reported with its documented line",
-     measurements},
+     measurementFaults},
     {"errors.managed-objects",
-     "each fault of a managed object is reported with its documented line", managedObjects},
+     "each fault of a managed object is reported with its documented line", managedObjectFaults},
     {"errors.operations", "each fault of an operation is reported with its documented line",
-     operations},
+     operationFaults},
     {"errors.first-fault", "of several faults the first in the order of steps is reported",
      firstFault},
     {"errors.no-formats", "texts of messages are never taken for formats", noFormats},
@@ -226,6 +226,6 @@ constexpr check_t CHECKS[] = {
 
 } // namespace
 
-suite_t errorsChecks() { return CHECKS; }
+suite_t errorsChecks() { return ERRORS_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

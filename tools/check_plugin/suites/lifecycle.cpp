@@ -162,7 +162,7 @@ void keptApart(Trial& trial) {
   }
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t LIFECYCLE_CHECKS[] = {
     {"lifecycle.in-order", "every call succeeds in the host's order, and nothing is left", inOrder},
     {"lifecycle.out-of-order", "hooks succeed in any order and twice, and the codec stays usable",
      outOfOrder},
@@ -182,6 +182,6 @@ constexpr check_t CHECKS[] = {
 
 } // namespace
 
-suite_t lifecycleChecks() { return CHECKS; }
+suite_t lifecycleChecks() { return LIFECYCLE_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

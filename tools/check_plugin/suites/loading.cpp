@@ -68,7 +68,7 @@ void thousandTimes(Trial& trial) {
               "at most 20 more than " + std::to_string(mapped), std::to_string(mappings()));
 }
 
-void heapStaysLevel(Trial& trial) {
+void heapStaysLevelOverLoads(Trial& trial) {
   if (!countsHeap()) trial.skip("the sanitizer's heap does not tell what is in use");
   const std::string path = pathOf(trial);
   for (int i = 0; i < 20; ++i) loadAndUnload(path);
@@ -87,7 +87,7 @@ void livesAgain(Trial& trial) {
   }
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t LOADING_CHECKS[] = {
     {"loading.loads", "the library is loaded with all its symbols bound, and unloaded", loads},
     {"loading.frees-its-blocks", "unloading gives back every block of the host", freesItsBlocks},
     {"loading.leaves-the-process", "an unloaded library is no longer in the process",
@@ -96,13 +96,13 @@ constexpr check_t CHECKS[] = {
     {"loading.thousand-times",
      "a thousand loads and unloads leave blocks and mappings as they were", thousandTimes},
     {"loading.heap-stays-level", "loading and unloading leak nothing of the C library's heap",
-     heapStaysLevel},
+     heapStaysLevelOverLoads},
     {"loading.lives-again", "a codec of a library that was loaded anew works and leaves nothing",
      livesAgain},
 };
 
 } // namespace
 
-suite_t loadingChecks() { return CHECKS; }
+suite_t loadingChecks() { return LOADING_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -172,7 +172,7 @@ void wrongKindLine(Trial& trial) {
   trial.equal("standard error", "GetVisitor<", printed.substr(0, 11));
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t LOG_CHECKS[] = {
     {"log.trace", "at level 6 each notification is shown before it is touched, in one line", trace},
     {"log.trace-of-good", "notifications that convert are traced as well, at higher levels too",
      traceOfGood},
@@ -194,6 +194,6 @@ constexpr check_t CHECKS[] = {
 
 } // namespace
 
-suite_t logChecks() { return CHECKS; }
+suite_t logChecks() { return LOG_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -162,7 +162,7 @@ void passing(Trial& trial) {
   trial.equal("allocations refused", 0, standin_failed_allocations());
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t MEMORY_CHECKS[] = {
     {"memory.creation", "create fails cleanly at whichever allocation memory ends", creation},
     {"memory.conversions",
      "a conversion fails cleanly at whichever allocation memory ends, for all five kinds",
@@ -178,6 +178,6 @@ constexpr check_t CHECKS[] = {
 
 } // namespace
 
-suite_t memoryChecks() { return CHECKS; }
+suite_t memoryChecks() { return MEMORY_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -152,7 +152,7 @@ void texts(Trial& trial) {
                    dropped(" ('id' = ''): Unrecognised Pulsar message type: 'inventory'")});
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t NULLS_CHECKS[] = {
     {"nulls.plugin", "every call with a null plug-in does nothing and returns 1, destroy 0",
      plugin},
     {"nulls.configuration", "a null configuration is refused like an empty value", configuration},
@@ -168,6 +168,6 @@ constexpr check_t CHECKS[] = {
 
 } // namespace
 
-suite_t nullsChecks() { return CHECKS; }
+suite_t nullsChecks() { return NULLS_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

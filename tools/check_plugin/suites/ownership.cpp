@@ -17,7 +17,7 @@ namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
-void events(Trial& trial) {
+void eventsOwnTheirBlocks(Trial& trial) {
   Chain chain(trial);
   for (const example_t& example : workedExamples()) {
     const Books books;
@@ -147,9 +147,9 @@ void heapStaysLevel(Trial& trial) {
               "about " + std::to_string(before) + " bytes", std::to_string(after) + " bytes");
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t OWNERSHIP_CHECKS[] = {
     {"ownership.events", "the blocks of an event are all that a conversion leaves, each owned once",
-     events},
+     eventsOwnTheirBlocks},
     {"ownership.batch", "events of one batch share no block", aBatchOfEvents},
     {"ownership.dropped", "a dropped message owns all that is left of it", droppedMessages},
     {"ownership.passed", "messages that pass keep their blocks, no more and no fewer",
@@ -164,6 +164,6 @@ constexpr check_t CHECKS[] = {
 
 } // namespace
 
-suite_t ownershipChecks() { return CHECKS; }
+suite_t ownershipChecks() { return OWNERSHIP_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

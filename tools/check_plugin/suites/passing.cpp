@@ -71,7 +71,7 @@ void otherCase(Trial& trial) {
   expectUntouched(trial, std::move(batch));
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t PASSING_CHECKS[] = {
     {"passing.without-path", "messages without pulsarPath pass byte for byte, whatever they hold",
      withoutPath},
     {"passing.without-payload", "messages without a payload pass, path or not", withoutPayload},
@@ -81,6 +81,6 @@ constexpr check_t CHECKS[] = {
 
 } // namespace
 
-suite_t passingChecks() { return CHECKS; }
+suite_t passingChecks() { return PASSING_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -52,14 +52,14 @@ constexpr const char* VALUES[] = {"null",
                                   R"([{"a": [null, "b"]}])",
                                   R"({"lat": "1", "lng": {}, "alt": 2})"};
 
-constexpr const char* PATHS[] = {"t/s/events/1",
-                                 "t/s/alarms/1",
-                                 "t/s/measurements/1",
-                                 "t/s/managedobjects/1",
-                                 "t/s/operations/1",
-                                 "t/s/inventory/1",
-                                 "events",
-                                 ""};
+constexpr const char* SOME_PATHS[] = {"t/s/events/1",
+                                      "t/s/alarms/1",
+                                      "t/s/measurements/1",
+                                      "t/s/managedobjects/1",
+                                      "t/s/operations/1",
+                                      "t/s/inventory/1",
+                                      "events",
+                                      ""};
 
 template <class T, std::size_t N>
 const T& one(Dice& dice, const T (&array)[N]) {
@@ -77,7 +77,8 @@ void damage(Dice& dice, Message& message) {
       set(payload, key, value(one(dice, VALUES)));
     }
   }
-  if (dice.below(6) == 0) message.getMetadataMap()[data_t("pulsarPath")] = data_t(one(dice, PATHS));
+  if (dice.below(6) == 0)
+    message.getMetadataMap()[data_t("pulsarPath")] = data_t(one(dice, SOME_PATHS));
   if (dice.below(12) == 0) message.getMetadataMap() = map_t();
   if (dice.below(12) == 0) payload = value(one(dice, VALUES));
 }
@@ -147,13 +148,13 @@ void repeats(Trial& trial) {
   expectSameLines(trial, "log line", first.log, second.log);
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t RANDOM_CHECKS[] = {
     {"random.batching", "batches make no difference to mixed and damaged notifications", batching},
     {"random.repeats", "the same messages give the same events and lines again", repeats},
 };
 
 } // namespace
 
-suite_t randomChecks() { return CHECKS; }
+suite_t randomChecks() { return RANDOM_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

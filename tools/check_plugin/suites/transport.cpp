@@ -59,7 +59,7 @@ void ownHandle(Trial& trial) {
   trial.equal("messages at the link whose handle was set", batch.size(), other.messages.size());
 }
 
-void throwingLink(Trial& trial) {
+void throwingTransportLink(Trial& trial) {
   Chain chain(trial);
   chain.codec.setNextTowardsTransport(
       nullptr, [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) { throw 7; });
@@ -69,17 +69,18 @@ void throwingLink(Trial& trial) {
                   {line(3, "Unknown exception from sendBatchTowardsTransport")});
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t TRANSPORT_CHECKS[] = {
     {"transport.untouched", "every message passes byte for byte, without a call of the host",
      untouched},
     {"transport.one-call", "the transport's link is called once a batch, with the whole of it",
      oneCall},
     {"transport.own-handle", "the link gets the handle that was set with it", ownHandle},
-    {"transport.throwing-link", "a link that throws anything is reported at level 3", throwingLink},
+    {"transport.throwing-link", "a link that throws anything is reported at level 3",
+     throwingTransportLink},
 };
 
 } // namespace
 
-suite_t transportChecks() { return CHECKS; }
+suite_t transportChecks() { return TRANSPORT_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -36,7 +36,7 @@ void markDoesNothing(Trial& trial) {
   trial.equal("calls of host functions", 0, standin_calls_total());
 }
 
-constexpr check_t CHECKS[] = {
+constexpr check_t VERSIONS_CHECKS[] = {
     {"versions.interface", "the interface version is 4, before any codec is made", apiVersion},
     {"versions.product", "the product version is 10.15.4.1, before any codec is made",
      productVersion},
@@ -47,6 +47,6 @@ constexpr check_t CHECKS[] = {
 
 } // namespace
 
-suite_t versionsChecks() { return CHECKS; }
+suite_t versionsChecks() { return VERSIONS_CHECKS; }
 
 } // namespace com::velanto::connectivity::tools::check
