@@ -2,14 +2,15 @@
 processors busy, and skips what passed before unchanged: a full run takes minutes, a file seconds.
 
 A source costs mostly the headers that it includes. So the sources of one program or library are
-read together, a batch of them included by one file. The path analysis (clang-analyzer) sees nothing
-of included sources: what is loaded into a host's process gets it source by source, and all else runs
-under the sanitizers instead.
+read together, a batch of them included by one file. The path analysis (clang-analyzer) is for what
+is loaded into a host's process; all else runs under the sanitizers instead.
 
 For each batch: (1) the key: a hash over everything of ours that can change the outcome  (2) the
 mark of the last success, <build>/clang-tidy/<batch>.passed, holds that key: skip  (3) run  (4) a
-batch with findings is run again source by source, since sources that stand alone may disagree when
-read together  (5) the path analysis  (6) print the findings, or write the mark if there were none.
+batch with findings is halved, and its halves again, down to single sources: what stands alone may
+disagree when read together, mostly over a name that two sources have for themselves. That is no
+finding, but costs time, and a line says which sources and why  (5) print the findings, or write the
+mark if there were none.
 
 usage: run_clang_tidy.py BUILD_FOLDER     in the project's root; exit status 1 on any finding
 """
@@ -29,11 +30,12 @@ from includes import IncludeGraph
 CLANG_TIDY = "clang-tidy-14"
 ROOT = pathlib.Path.cwd().resolve()
 ANALYSED_LAYERS = ("codec", "plugin", "standin", "value")
-BATCH_SIZE = 8
+BATCH_SIZE = 40
 # What only a batch would draw: it includes sources, and names of one hide those of another.
+NOT_IN_BATCHES = "-bugprone-suspicious-include"
 WITHOUT_ANALYSIS = "-clang-analyzer-*"
-NOT_IN_BATCHES = WITHOUT_ANALYSIS + ",-bugprone-suspicious-include"
-ANALYSIS = "-*,clang-analyzer-*"
+# The analysis begins with functions of included files, too: in a batch those are all there are.
+ANALYSE_INCLUDED = ["--extra-arg=-Xclang", "--extra-arg=-analyzer-opt-analyze-headers"]
 SOURCES_OF_BATCHES = "/(codec|fuzz|plugin|standin|tests|tools|value)/([^/]+/)*[^/]+\\.[ch]pp$"
 
 
@@ -44,7 +46,7 @@ class Batch:
         self.label = label
         self.layer = layer
         self.entries = entries
-        self.names = [entry["name"] for entry in entries]
+        self.names = [name_of(entry) for entry in entries]
 
     def key(self, graph, version):
         """Headers from outside the project are taken to change only together with the tool."""
@@ -66,9 +68,14 @@ def entries_of(build):
     for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
         path = pathlib.Path(entry["directory"], entry["file"]).resolve()
         if ROOT in path.parents and build.resolve() not in path.parents:
-            entry["name"] = path.relative_to(ROOT).as_posix()
-            entries.setdefault(entry["name"], entry)
+            entries.setdefault(path, entry)
     return list(entries.values())
+
+
+def name_of(entry):
+    """The source's path in the project."""
+    path = pathlib.Path(entry["directory"], entry["file"]).resolve()
+    return path.relative_to(ROOT).as_posix()
 
 
 def target_of(entry):
@@ -80,9 +87,9 @@ def target_of(entry):
 def batches_of(entries):
     groups = {}
     for entry in entries:
-        layer = entry["name"].split("/", 1)[0]
-        is_cpp = entry["name"].endswith(".cpp")
-        label = f"{layer}/{target_of(entry)}" if is_cpp else entry["name"]
+        name = name_of(entry)
+        layer = name.split("/", 1)[0]
+        label = f"{layer}/{target_of(entry)}" if name.endswith(".cpp") else name
         groups.setdefault((layer, label), []).append(entry)
     for (layer, label), group in sorted(groups.items()):
         for start in range(0, len(group), BATCH_SIZE):
@@ -99,9 +106,14 @@ def run(arguments):
     return result.stdout or result.stderr or f"{CLANG_TIDY} ended with {result.returncode}\n"
 
 
+def run_alone(work, batch):
+    checks = [] if batch.layer in ANALYSED_LAYERS else [f"--checks={WITHOUT_ANALYSIS}"]
+    return run(["-p", str(work), *checks, batch.names[0]])
+
+
 def run_together(work, batch):
     """The batch as one source, in a folder that has the settings of its layer."""
-    folder = work / "batches" / batch.label
+    folder = work.resolve() / "batches" / batch.label
     folder.mkdir(parents=True, exist_ok=True)
     source = folder / "batch.cpp"
     source.write_text("".join(f'#include "{ROOT / name}"\n' for name in batch.names),
@@ -113,21 +125,34 @@ def run_together(work, batch):
     settings = ROOT / batch.layer / ".clang-tidy"
     if settings.is_file():
         shutil.copy(settings, folder)
-    return run(["-p", str(folder), f"--checks={NOT_IN_BATCHES}",
-                f"--header-filter={SOURCES_OF_BATCHES}", str(source)])
+    analysed = batch.layer in ANALYSED_LAYERS
+    checks = NOT_IN_BATCHES if analysed else f"{NOT_IN_BATCHES},{WITHOUT_ANALYSIS}"
+    return run(["-p", str(folder), f"--checks={checks}", f"--header-filter={SOURCES_OF_BATCHES}",
+                *(ANALYSE_INCLUDED if analysed else []), str(source)])
 
 
 def findings_in(work, batch):
-    findings = ""
-    if len(batch.names) == 1 or run_together(work, batch):
-        findings = run_alone(work, batch, WITHOUT_ANALYSIS)
-    if batch.layer in ANALYSED_LAYERS:
-        findings += run_alone(work, batch, ANALYSIS)
-    return findings
+    """What the sources have to answer for, each read alone if need be; and why some were halved."""
+    if len(batch.names) == 1:
+        return run_alone(work, batch), ""
+    together = run_together(work, batch)
+    if not together:
+        return "", ""
+    reason = next((line for line in together.splitlines() if " error: " in line), together)
+    findings, notes = "", ""
+    for half in halves_of(batch):
+        more_findings, more_notes = findings_in(work, half)
+        findings += more_findings
+        notes += more_notes
+    if findings:
+        return findings, notes
+    return "", f"clang-tidy: {batch.label} costs more, read in halves: {reason}\n" + notes
 
 
-def run_alone(work, batch, checks):
-    return "".join(run(["-p", str(work), f"--checks={checks}", name]) for name in batch.names)
+def halves_of(batch):
+    middle = len(batch.entries) // 2
+    for number, entries in enumerate((batch.entries[:middle], batch.entries[middle:])):
+        yield Batch(f"{batch.label}.{number}", batch.layer, entries)
 
 
 def main():
@@ -156,7 +181,8 @@ def main():
     failed = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
         results = workers.map(lambda batch: (batch, findings_in(work, batch)), marks)
-        for batch, findings in results:
+        for batch, (findings, notes) in results:
+            print(notes, end="", flush=True)
             mark, key = marks[batch]
             if findings:
                 failed += 1
