@@ -9,7 +9,18 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-class BoundaryTest : public EndToEnd {};
+class BoundaryTest : public EndToEnd {
+ protected:
+  // The result of a batch with one event, whose next link throws.
+  int sendToLinkThatThrows(LoadedCodec& codec) {
+    library_.setNextTowardsHost(codec.plugin(), nullptr,
+                                [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {
+                                  throw std::runtime_error("jam");
+                                });
+    Message message = notification(EVENT_PATH, eventPayload());
+    return codec.sendTowardsHost(message);
+  }
+};
 
 TEST_F(BoundaryTest, NullNamesReadAsEmptyOnes) {
   LoadedCodec codec(library_, map_of("tenantId", text("")), nullptr, nullptr);
@@ -32,12 +43,7 @@ TEST_F(BoundaryTest, HandlesOfTheHostAreNotDereferenced) {
 
 TEST_F(BoundaryTest, ThrowingNextLinkIsLoggedAndTheCodecStaysUsable) {
   LoadedCodec codec(library_, map_of("tenantId", text("")));
-  library_.setNextTowardsHost(codec.plugin(), nullptr,
-                              [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {
-                                throw std::runtime_error("jam");
-                              });
-  Message message = notification(EVENT_PATH, eventPayload());
-  EXPECT_EQ(codec.sendTowardsHost(message), 1);
+  EXPECT_EQ(sendToLinkThatThrows(codec), 1);
   EXPECT_EQ(takeLog(), (lines_t{line(3, "Exception from sendBatchTowardsHost: jam")}));
   library_.setNextTowardsHost(codec.plugin(), &codec.host, Received::take);
   static_cast<void>(codec.converted(notification(EVENT_PATH, eventPayload())));
@@ -57,12 +63,7 @@ TEST_F(BoundaryTest, NextLinkMayThrowWhateverItLikes) {
 // of exceptions under way one too high.
 TEST_F(BoundaryTest, ExceptionOfANextLinkIsOverForTheHostToo) {
   LoadedCodec codec(library_, map_of("tenantId", text("")));
-  library_.setNextTowardsHost(codec.plugin(), nullptr,
-                              [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {
-                                throw std::runtime_error("jam");
-                              });
-  Message message = notification(EVENT_PATH, eventPayload());
-  EXPECT_EQ(codec.sendTowardsHost(message), 1);
+  EXPECT_EQ(sendToLinkThatThrows(codec), 1);
   EXPECT_EQ(std::uncaught_exceptions(), 0);
   takeLog();
 }
