@@ -6,6 +6,7 @@
 #include <span>
 
 #include "standin/standin.h"
+#include "tools/check_plugin/same_content.hpp"
 #include "tools/ndjson/json_reader.hpp"
 #include "tools/ndjson/json_writer.hpp"
 #include "value/get_visitor.hpp"
@@ -19,36 +20,6 @@ data_t adopted(std::uint32_t tag, vlt_underlying_content_t content) {
   raw.value = content;
   raw.tag = tag;
   return data_t::adopt(raw);
-}
-
-bool sameText(const char* left, const char* right) {
-  if (left == nullptr || right == nullptr) return left == right;
-  return std::strcmp(left, right) == 0;
-}
-
-bool sameBuffer(const buffer_t& left, const buffer_t& right) {
-  if (left.size() != right.size()) return false;
-  return left.size() == 0 || std::memcmp(left.data(), right.data(), left.size()) == 0;
-}
-
-// Of values of one kind that hold no other values.
-bool sameContent(const data_t& left, const data_t& right) {
-  switch (left.type_tag()) {
-    case VLT_TAG_EMPTY:
-      return true;
-    case VLT_TAG_BOOLEAN:
-      return left.get<bool>() == right.get<bool>();
-    case VLT_TAG_STRING:
-    case VLT_TAG_BORROWED_STRING:
-      return sameText(left.get<const char*>(), right.get<const char*>());
-    case VLT_TAG_BUFFER:
-      return sameBuffer(left.get<buffer_t>(), right.get<buffer_t>());
-    case VLT_TAG_CUSTOM:
-      return standin_custom_label(left.get<vlt_underlying_custom_t>()) ==
-             standin_custom_label(right.get<vlt_underlying_custom_t>());
-    default:
-      return std::memcmp(left.underlying(), right.underlying(), 8) == 0;
-  }
 }
 
 bool sameLists(Trial& trial, const std::string& where, const list_t& expected, const list_t& came) {
@@ -171,7 +142,7 @@ bool same(Trial& trial, const std::string& where, const data_t& expected, const 
     if (expected.type_tag() == VLT_TAG_LIST) {
       return sameLists(trial, where, expected.get<list_t>(), came.get<list_t>());
     }
-    if (sameContent(expected, came)) return true;
+    if (sameContent(expected, came, NotANumber::sameBits)) return true;
   }
   return trial.holds(false, where, shownWithKind(expected), shownWithKind(came));
 }
