@@ -35,7 +35,7 @@ TEST(SameContent, BitsOfWhatIsNoNumberCountWhenAskedFor) {
 }
 
 TEST(SameContent, MissingTextIsNotTheEmptyOne) {
-  const data_t missing = data_t::adopt({.value = {.string = nullptr}, .tag = VLT_TAG_STRING});
+  const data_t missing = null_text();
   EXPECT_TRUE(sameContent(missing, missing, NotANumber::sameBits));
   EXPECT_FALSE(sameContent(missing, text(""), NotANumber::sameBits));
   EXPECT_TRUE(sameContent(text("a"), text("a"), NotANumber::sameBits));
