@@ -6,17 +6,10 @@
 #include <span>
 
 #include "tools/check_plugin/check.hpp"
+#include "tools/check_plugin/options.hpp"
 #include "tools/check_plugin/runner.hpp"
 
 namespace com::velanto::connectivity::tools::check {
-
-inline constexpr const char* PROGRAM_NAME = "ostrovia-check-plugin";
-
-enum Status : int {
-  STATUS_ALL_PASSED = 0,
-  STATUS_SOME_FAILED = 1, // or crashed, or hung
-  STATUS_NOT_CHECKED = 2, // wrong use, or a library that cannot be loaded
-};
 
 enum class Format { text, coloured, json };
 

@@ -10,44 +10,22 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "tools/check_plugin/check_plugin.hpp"
+#include "tools/check_plugin/options.hpp"
 #include "tools/check_plugin/report.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
-constexpr const char* EXAMPLES_OF_USE =
-    "Examples:\n"
-    "  ostrovia-check-plugin libOstroviaNotifications2Codec.so\n"
-    "  ostrovia-check-plugin --list\n"
-    "  ostrovia-check-plugin --only 'memory.*' --only 'ownership.*' "
-    "libOstroviaNotifications2Codec.so\n"
-    "  ostrovia-check-plugin --skip 'loading.thousand*' --timeout 60 "
-    "libOstroviaNotifications2Codec.so\n"
-    "  ostrovia-check-plugin --json --seed 4711 libOstroviaNotifications2Codec.so > report.json\n"
-    "\n"
+constexpr const char* INTRODUCTION =
     "Checks a build of the plug-in before it goes into production: loads it as a host does, each\n"
     "check in a process of its own, and says what does not hold.\n";
 
-constexpr const char* EXIT_STATUSES =
-    "Exit status: 0 all checks passed or were skipped for a reason; 1 some failed, crashed or\n"
-    "hung; 2 wrong use, or a library that cannot be loaded.\n";
-
 constexpr double MOST_SECONDS = 86400;
-
-// What a command line asks for.
-struct command_t {
-  std::string path; // of the library
-  std::vector<std::string> only;
-  std::vector<std::string> skip;
-  double timeout_seconds = 10;
-  std::optional<std::uint64_t> seed;
-  bool list = false;
-  bool json = false;
-};
 
 // Nothing, or what is wrong with `text` as a time limit. The library's own check lets nan through.
 std::string checkSeconds(const std::string& text) {
@@ -68,33 +46,65 @@ std::string checkSeed(const std::string& text) {
   return "'" + text + "' is not a whole number of 64 bits";
 }
 
+// Makes the command line's option for a row of the table.
+class OptionMaker {
+ public:
+  OptionMaker(CLI::App& app, command_t& command, const option_row_t& row) noexcept
+      : app_(app), command_(command), row_(row) {}
+
+  void operator()(bool command_t::*target) const {
+    app_.add_flag(row_.name, command_.*target, row_.help);
+  }
+  void operator()(std::vector<std::string> command_t::*target) const {
+    add(command_.*target)->allow_extra_args(false);
+  }
+  void operator()(double command_t::*target) const {
+    add(command_.*target)->check(CLI::Validator(&checkSeconds, ""));
+  }
+  void operator()(std::optional<std::uint64_t> command_t::*target) const {
+    add(command_.*target)->check(CLI::Validator(&checkSeed, ""));
+  }
+
+ private:
+  template <class Value>
+  CLI::Option* add(Value& value) const {
+    return app_.add_option(row_.name, value, row_.help)->type_name(row_.argument);
+  }
+
+  CLI::App& app_;
+  command_t& command_;
+  const option_row_t& row_;
+};
+
 void addOptions(CLI::App& app, command_t& command) {
-  app.add_option("LIBRARY", command.path, "The plug-in library to check")->type_name("");
-  app.add_option("--only", command.only,
-                 "Run the checks whose names match: * any text, ? a character; may be repeated")
-      ->type_name("PATTERN")
-      ->allow_extra_args(false);
-  app.add_option("--skip", command.skip, "Leave these checks out; may be repeated")
-      ->type_name("PATTERN")
-      ->allow_extra_args(false);
-  app.add_option("--timeout", command.timeout_seconds, "Time limit of a check")
-      ->type_name("SECONDS")
-      ->check(CLI::Validator(&checkSeconds, ""))
-      ->capture_default_str();
-  app.add_option("--seed", command.seed,
-                 "Seed of the randomised checks, to repeat them; default: another each time")
-      ->type_name("N")
-      ->check(CLI::Validator(&checkSeed, ""));
-  app.add_flag("--json", command.json, "Write one JSON document instead of lines");
-  app.add_flag("--list", command.list, "List the checks, or those selected, and run none");
+  app.add_option("LIBRARY", command.path, "the plug-in library to check")->type_name("");
+  for (const option_row_t& row : optionTable()) {
+    std::visit(OptionMaker(app, command, row), row.target);
+  }
+}
+
+std::string openingOfHelp() {
+  std::string text = "Examples:\n";
+  for (const example_row_t& row : exampleTable()) {
+    text += std::string("  # ") + row.purpose + "\n  " + row.command + "\n";
+  }
+  return text + "\n" + INTRODUCTION;
+}
+
+std::string closingOfHelp() {
+  std::string text = "Exit status:\n";
+  for (const status_row_t& row : statusTable()) {
+    text += "  " + std::to_string(row.status) + "  " + row.meaning + "\n";
+  }
+  return text;
 }
 
 // Nothing: the arguments are done with, by help, version or a complaint; `status` tells which.
 std::optional<command_t> parse(int count, const char* const* arguments, std::ostream& out,
                                std::ostream& diagnostics, int& status) {
   command_t command;
-  CLI::App app(EXAMPLES_OF_USE, PROGRAM_NAME);
-  app.footer(EXIT_STATUSES);
+  CLI::App app(openingOfHelp(), PROGRAM_NAME);
+  app.footer(closingOfHelp());
   app.set_version_flag("--version", std::string(PROGRAM_NAME) + " " + VLT_VERSION);
   app.failure_message([](const CLI::App*, const CLI::Error& error) {
     return std::string(PROGRAM_NAME) + ": " + error.what() + "\n";

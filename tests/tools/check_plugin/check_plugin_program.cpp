@@ -11,8 +11,9 @@
 namespace com::velanto::connectivity::test {
 
 CheckPluginProgram::CheckPluginProgram() {
-  std::filesystem::create_symlink(VLT_PLUGIN_PATH,
-                                  folder_.path("libOstroviaNotifications2Codec.so"));
+  for (const char* const name : {"libOstroviaNotifications2Codec.so", "next.so"}) {
+    std::filesystem::create_symlink(VLT_PLUGIN_PATH, folder_.path(name));
+  }
 }
 
 run_t CheckPluginProgram::shell(const std::string& command) const {

@@ -15,7 +15,8 @@ struct run_t {
   std::string diagnostics;
 };
 
-// A folder with the plug-in in it, as a release leaves it, and the program in the search path.
+// A folder with the plug-in in it, under its own name and as next.so, the next build that the
+// examples check, and the program in the search path.
 class CheckPluginProgram {
  public:
   CheckPluginProgram();
