@@ -24,7 +24,7 @@ const std::vector<option_group_t>& optionTable() {
   using options_t = ReplayOptions;
   static const std::vector<option_group_t> TABLE = {
       {"The plug-in and its configuration",
-       {{"--plugin", "PATH", "plug-in library; default: the one beside this program",
+       {{"--plugin", "PATH", "plug-in library; default: the one that came with this program",
          &options_t::plugin_path},
         {"--config", "FILE",
          "configuration of the codec as YAML; the options below replace single keys of it",
