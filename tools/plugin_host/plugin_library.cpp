@@ -45,8 +45,11 @@ PluginLibrary::PluginLibrary(const std::string& path, Version accepted)
 }
 
 std::string PluginLibrary::defaultPath() {
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
-  return program.parent_path() / (std::string("lib") + CLASS_NAME + ".so");
+  const std::filesystem::path folder =
+      std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const std::string name = std::string("lib") + CLASS_NAME + ".so";
+  if (std::filesystem::exists(folder / name)) return folder / name;
+  return (folder / VLT_PLUGIN_FROM_TOOLS / name).lexically_normal();
 }
 
 template <class Function>

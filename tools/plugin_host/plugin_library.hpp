@@ -23,7 +23,8 @@ class PluginLibrary {
   // lacks a function or has another interface version. The host's client library must be loaded.
   explicit PluginLibrary(const std::string& path, Version accepted = Version::ours);
 
-  // The plug-in beside the running program, where a build leaves both; it may not exist. Throws
+  // The plug-in that came with the running program: beside it, where a build leaves both, otherwise
+  // where an installation has it, found from the program's place; it may not exist. Throws
   // std::filesystem::filesystem_error when the system does not tell where the program lies.
   static std::string defaultPath();
 

@@ -1,0 +1,52 @@
+# What `cmake --install` puts where, below the prefix:
+#
+#   bin/                                  the tools
+#   lib/ostrovia-notifications/plugin/    the plug-in, which a host loads by its path
+#   lib/ostrovia-notifications/standin/   the stand-in, for the tools alone
+#   share/man/man1/, share/bash-completion/completions/
+#   share/doc/ostrovia-notifications/     documents and samples, laid out as in the sources
+#
+# No linker searches the two folders in lib/. They are two because the stand-in bears the name of
+# the host's client library: a host that is pointed at the plug-in's folder, by whatever means, must
+# not find it there. The tools find both by where they lie themselves, so what is installed can be
+# moved as a whole.
+include(GNUInstallDirs)
+set(VLT_PACKAGE_NAME ostrovia-notifications)
+set(VLT_LIBRARY_FOLDER ${CMAKE_INSTALL_LIBDIR}/${VLT_PACKAGE_NAME})
+set(VLT_DOCUMENT_FOLDER ${CMAKE_INSTALL_DATAROOTDIR}/doc/${VLT_PACKAGE_NAME})
+file(RELATIVE_PATH VLT_LIBRARIES_FROM_TOOLS ${CMAKE_INSTALL_FULL_BINDIR}
+     ${CMAKE_INSTALL_FULL_LIBDIR}/${VLT_PACKAGE_NAME})
+
+# The stand-in's folder; for a real client library, the one that it was linked from.
+function(vlt_install_tool tool)
+  install(TARGETS ${tool})
+  if(TARGET standin)
+    set_target_properties(${tool} PROPERTIES INSTALL_RPATH
+                                             "$ORIGIN/${VLT_LIBRARIES_FROM_TOOLS}/standin")
+  else()
+    set_target_properties(${tool} PROPERTIES INSTALL_RPATH_USE_LINK_PATH ON)
+  endif()
+endfunction()
+
+function(vlt_install_programs)
+  install(TARGETS OstroviaNotifications2Codec LIBRARY DESTINATION ${VLT_LIBRARY_FOLDER}/plugin)
+  vlt_install_tool(ostrovia-replay)
+  if(TARGET standin)
+    install(TARGETS standin LIBRARY DESTINATION ${VLT_LIBRARY_FOLDER}/standin)
+    vlt_install_tool(ostrovia-check-plugin)
+  endif()
+endfunction()
+
+# The man page and the completion of a tool, which lie in `folder`.
+function(vlt_install_manual tool folder)
+  install(FILES ${folder}/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${folder}/${tool}.bash RENAME ${tool}
+          DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/bash-completion/completions)
+endfunction()
+
+function(vlt_install_documents)
+  install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md
+          DESTINATION ${VLT_DOCUMENT_FOLDER})
+  install(DIRECTORY docs samples DESTINATION ${VLT_DOCUMENT_FOLDER} FILES_MATCHING
+          PATTERN "*.md" PATTERN "*.json" PATTERN "*.ndjson")
+endfunction()
