@@ -24,6 +24,7 @@ declare -A package_groups=(
     libcli11-dev libsimdjson-dev rapidjson-dev
     zlib1g-dev libzstd-dev libyaml-cpp-dev
     libgtest-dev libgmock-dev
+    man-db
   "
   [clang]="clang-14"
   [lint]="clang-format-14 clang-tidy-14 git python3 shellcheck"
