@@ -9,6 +9,7 @@
 #   coverage  ./dev coverage
 #   fuzz      ./dev fuzz, together with clang: the fuzzer's and the sanitizers' runtime, and names in
 #             their reports
+#   package   ./dev package: dependencies of a .deb, and what of a package is a program
 #   bench     ./dev bench; besides, scripts/bench.sh unpacks libboost1.81-dev, which conflicts with
 #             libboost-dev
 #
@@ -30,6 +31,7 @@ declare -A package_groups=(
   [lint]="clang-format-14 clang-tidy-14 git python3 shellcheck"
   [coverage]="gcovr"
   [fuzz]="libclang-rt-14-dev llvm-14 python3"
+  [package]="git dpkg-dev file"
   [bench]="git jq libbenchmark-dev nlohmann-json3-dev valgrind"
 )
 

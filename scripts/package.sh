@@ -1,0 +1,44 @@
+# shellcheck shell=bash
+# Making the packages. Sourced by ./dev, which runs in the project's root.
+#
+#   package            a .deb and a .tar.gz in build/package; prints their names
+#   package_into DIR   the same, into a folder, without building
+
+# commit_time: seconds since 1970 of what is packaged: the last commit, for an unpacked archive its
+# newest file. Whoever sets SOURCE_DATE_EPOCH knows better.
+commit_time() {
+  local -a own_tree=(git -c "safe.directory=$PWD")
+  if [[ -n ${SOURCE_DATE_EPOCH:-} ]]; then
+    echo "$SOURCE_DATE_EPOCH"
+  elif "${own_tree[@]}" rev-parse --is-inside-work-tree >/dev/null 2>&1; then
+    "${own_tree[@]}" log -1 --format=%ct
+  else
+    find . -path ./build -prune -o -type f -printf '%Ts\n' | sort --numeric-sort | tail -1
+  fi
+}
+
+package_into() {
+  local output
+  rm -rf "$1"
+  # Folders get the permissions that are usual, not those that the caller gives his own.
+  output=$(umask 022 && SOURCE_DATE_EPOCH=$(commit_time) LC_ALL=C.UTF-8 \
+    cpack --config build/release/CPackConfig.cmake -B "$1" 2>&1) ||
+    fail "cpack failed:"$'\n'"$output"
+  rm -rf "$1/_CPack_Packages"
+}
+
+# build_for_packages: all that is installed.
+build_for_packages() {
+  configure release
+  grep --quiet '^VLT_CLIENT_LIBRARY:[A-Z]*=$' build/release/CMakeCache.txt ||
+    fail "build/release is configured with VLT_CLIENT_LIBRARY, of which no package is made"
+  build release OstroviaNotifications2Codec ostrovia-replay ostrovia-check-plugin manual_files
+}
+
+package() {
+  build_for_packages
+  note "packaging"
+  package_into "$PWD/build/package"
+  local LC_COLLATE=C
+  printf '%s\n' build/package/*
+}
