@@ -10,6 +10,7 @@
 #   fuzz      ./dev fuzz, together with clang: the fuzzer's and the sanitizers' runtime, and names in
 #             their reports
 #   package   ./dev package: dependencies of a .deb, and what of a package is a program
+#   root      ./dev test-package, together with package: a clean Debian to install in
 #   bench     ./dev bench; besides, scripts/bench.sh unpacks libboost1.81-dev, which conflicts with
 #             libboost-dev
 #
@@ -32,6 +33,7 @@ declare -A package_groups=(
   [coverage]="gcovr"
   [fuzz]="libclang-rt-14-dev llvm-14 python3"
   [package]="git dpkg-dev file"
+  [root]="debootstrap debian-archive-keyring python3"
   [bench]="git jq libbenchmark-dev nlohmann-json3-dev valgrind"
 )
 

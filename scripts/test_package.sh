@@ -1,0 +1,235 @@
+# shellcheck shell=bash
+# Installing, running, upgrading and purging the packages in a clean Debian 12, and nothing but what
+# they name. Sourced by ./dev, which runs in the project's root.
+#
+#   test_package   makes the packages and the clean root, runs every check_… below in the order of
+#                  package_checks, prints a line for each and at the end how many held
+#
+# In build/package-test:
+#
+#   base.tar    the root as debootstrap made it, for the next run; remove it for a newer one
+#   root        the root of this run; the packages lie in its folder /srv/packages
+#   again       the packages, made a second time
+#
+# What is run in the root has mounts and processes of its own, which end with it.
+
+package_suite=bookworm # Debian 12
+package_name=ostrovia-notifications
+package_folder=$PWD/build/package-test
+package_root=$package_folder/root
+package_libraries=/usr/lib/$package_name
+package_samples=/usr/share/doc/$package_name/samples
+
+in_root=(
+  unshare --mount --pid --fork --kill-child "--mount-proc=$package_root/proc"
+  chroot "$package_root" env --ignore-environment --chdir=/srv/packages
+  PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive
+)
+
+# debian_mirror: where this machine's own apt gets the suite.
+debian_mirror() {
+  # shellcheck disable=SC2016 # the dollars are apt's
+  apt-get indextargets --format '$(ORIGIN) $(CODENAME) $(COMPONENT) $(REPO_URI)' \
+    'Identifier: Packages' |
+    awk -v suite="$package_suite" '$1 == "Debian" && $2 == suite && $3 == "main" { print $4; exit }'
+}
+
+# use_proxy: the one that this machine's apt has, for debootstrap and the root, too.
+use_proxy() {
+  local proxy=''
+  eval "$(apt-config shell proxy Acquire::http::Proxy)"
+  [[ -n $proxy ]] || return 0
+  export http_proxy=$proxy
+  in_root+=("http_proxy=$proxy")
+}
+
+make_base() {
+  local mirror packages=bash-completion,man-db
+  mirror=$(debian_mirror)
+  if [[ -z $mirror ]]; then
+    apt_get -- update
+    mirror=$(debian_mirror)
+  fi
+  [[ -n $mirror ]] || fail "this machine's apt has no source of Debian $package_suite"
+  [[ $mirror != https:* ]] || packages+=,ca-certificates
+  note "making a clean Debian $package_suite with debootstrap"
+  rm -rf "$package_root"
+  debootstrap --variant=minbase "--include=$packages" "$package_suite" "$package_root" "$mirror" \
+    >"$package_folder/debootstrap.log" 2>&1 ||
+    fail "debootstrap failed:"$'\n'"$(tail -20 "$package_folder/debootstrap.log")"
+  tar --create --file "$package_folder/base.tar.part" --directory "$package_root" --numeric-owner .
+  mv "$package_folder/base.tar.part" "$package_folder/base.tar"
+}
+
+make_root() {
+  mkdir -p "$package_folder"
+  [[ -f $package_folder/base.tar ]] || make_base
+  rm -rf "$package_root"
+  mkdir "$package_root"
+  tar --extract --file "$package_folder/base.tar" --directory "$package_root" --numeric-owner
+  cp --dereference /etc/resolv.conf /etc/hosts "$package_root/etc/"
+  mkdir "$package_root/srv/packages"
+  cp build/package/* "$package_root/srv/packages/"
+  "${in_root[@]}" apt-get --quiet=2 update
+  "${in_root[@]}" apt-get --quiet=2 autoremove --purge --yes
+  files_of_root >"$package_folder/files.before"
+}
+
+# files_of_root: every path but those that change with whatever is installed: caches, logs and the
+# package manager's own lists.
+files_of_root() {
+  (cd "$package_root" && find . -xdev \( -path ./proc -o -path ./run -o -path ./srv -o -path ./tmp \
+    -o -path ./var/cache -o -path ./var/log -o -path ./var/lib/apt -o -path ./var/lib/dpkg \) \
+    -prune -o -print) | LC_ALL=C sort
+}
+
+# older_package FILE: the package, as if it were an older version with a file that is gone since.
+older_package() {
+  local content=$package_folder/older
+  rm -rf "$content"
+  dpkg-deb --raw-extract build/package/*.deb "$content"
+  sed -i 's/^Version: .*/Version: 0.0.1/' "$content/DEBIAN/control"
+  echo "gone" >"$content$package_samples/gone.ndjson"
+  dpkg-deb --root-owner-group --build "$content" "$1"
+}
+
+# No check asks `grep --quiet` behind a pipe: it leaves early, and what is before it may then fail.
+
+# expect_same EXPECTED CAME
+expect_same() {
+  [[ $1 == "$2" ]] && return
+  printf 'expected: %s\ncame:     %s\n' "$1" "$2"
+  return 1
+}
+
+check_same_bytes() {
+  umask 077
+  package_into "$package_folder/again"
+  diff --recursive build/package "$package_folder/again"
+}
+
+check_two_commands() {
+  python3 scripts/console_blocks.py docs/operating.md debian "${in_root[@]}"
+}
+
+check_same_events() {
+  local sample
+  for sample in samples/*.ndjson; do
+    cmp <("${in_root[@]}" ostrovia-replay "$package_samples/${sample#samples/}" 2>/dev/null) \
+      <(build/release/bin/ostrovia-replay "$sample" 2>/dev/null)
+  done
+}
+
+check_plugin() {
+  "${in_root[@]}" ostrovia-check-plugin \
+    "$package_libraries/plugin/libOstroviaNotifications2Codec.so"
+}
+
+check_files() {
+  expect_same "" "$("${in_root[@]}" dpkg --verify "$package_name")"
+}
+
+check_man_pages() {
+  local tool
+  for tool in ostrovia-replay ostrovia-check-plugin; do
+    expect_same "/usr/share/man/man1/$tool.1.gz" "$("${in_root[@]}" man -w "$tool")"
+    "${in_root[@]}" man "$tool" | grep '^EXIT STATUS'
+    "${in_root[@]}" whatis "$tool"
+  done
+}
+
+check_completion() {
+  # shellcheck disable=SC2016 # the dollars are those of the bash in the root
+  expect_same "--summary" "$("${in_root[@]}" bash -c '
+    source /usr/share/bash-completion/bash_completion
+    _completion_loader ostrovia-replay
+    COMP_WORDS=(ostrovia-replay --summ) COMP_CWORD=1
+    function=$(complete -p ostrovia-replay | sed "s/.*-F \([^ ]*\) .*/\1/")
+    "$function" ostrovia-replay
+    echo "${COMPREPLY[@]}"')"
+}
+
+check_linker_path() {
+  "${in_root[@]}" ldconfig
+  expect_same "" "$("${in_root[@]}" ldconfig -p | grep -E 'tvclient|Ostrovia' || true)"
+  "${in_root[@]}" ldd "$package_libraries/plugin/libOstroviaNotifications2Codec.so" |
+    grep 'libtvclient.so.10.15 => not found'
+}
+
+check_upgrade() {
+  older_package "$package_root/srv/packages/older.deb"
+  "${in_root[@]}" apt-get --quiet=2 install --yes --allow-downgrades ./older.deb
+  [[ -f $package_root$package_samples/gone.ndjson ]]
+  "${in_root[@]}" bash -c "apt-get --quiet=2 install --yes ./${package_name}_*.deb"
+  [[ ! -e $package_root$package_samples/gone.ndjson ]]
+  expect_same "$package_name"$'\t'"$(dpkg-deb --field build/package/*.deb Version)" \
+    "$("${in_root[@]}" dpkg-query --show "$package_name")"
+  check_same_events
+}
+
+check_purge() {
+  "${in_root[@]}" apt-get --quiet=2 purge --yes "$package_name"
+  expect_same "" "$(files_of_root | grep -i ostrovia || true)"
+  expect_same "" "$("${in_root[@]}" dpkg --list | grep "$package_name" || true)"
+}
+
+# While the libraries that the package depended on are still there.
+check_archive() {
+  python3 scripts/console_blocks.py docs/operating.md archive "${in_root[@]}"
+}
+
+check_nothing_left() {
+  "${in_root[@]}" apt-get --quiet=2 autoremove --purge --yes
+  diff "$package_folder/files.before" <(files_of_root)
+}
+
+package_checks=(
+  "same_bytes     packaging a second time gives the same bytes, whatever the umask"
+  "two_commands   the .deb installs with its dependencies and converts, as docs/operating.md shows"
+  "same_events    the installed ostrovia-replay makes of every sample what the build makes of it"
+  "plugin         the installed plug-in passes ostrovia-check-plugin"
+  "files          the installed files are those of the package"
+  "man_pages      man finds and shows both pages"
+  "completion     bash loads the completion and completes an option"
+  "linker_path    the linker's path knows neither the stand-in nor the plug-in"
+  "upgrade        an older version is upgraded, and a file that is gone since goes"
+  "purge          purging the package removes everything of it"
+  "archive        the .tar.gz runs in a folder with a blank in its name, as docs/operating.md shows"
+  "nothing_left   the root is as it was before"
+)
+
+# run_check NAME TEXT: in a shell of its own that ends with the first command that fails. That would
+# not be so if it stood in a condition.
+run_check() {
+  local status
+  set +e
+  (
+    set -e
+    "check_$1"
+  ) >"$package_folder/check.log" 2>&1 </dev/null
+  status=$?
+  set -e
+  if ((status == 0)); then
+    printf 'ok    %-13s %s\n' "$1" "$2"
+    return
+  fi
+  printf 'FAIL  %-13s %s\n' "$1" "$2"
+  sed 's/^/        /' "$package_folder/check.log"
+  failed_checks=$((failed_checks + 1))
+}
+
+test_package() {
+  ((EUID == 0)) || fail "test-package makes a root folder of its own, which takes root: use sudo"
+  local failed_checks=0 name text
+  package >/dev/null
+  use_proxy
+  make_root >&2
+  while read -r name text; do
+    run_check "$name" "$text"
+  done < <(printf '%s\n' "${package_checks[@]}")
+  if ((failed_checks > 0)); then
+    echo "test-package: $failed_checks of ${#package_checks[@]} checks failed"
+    return 1
+  fi
+  echo "test-package: all ${#package_checks[@]} checks passed"
+}
