@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iostream>
+#include <regex>
 #include <utility>
 
 #include "tests/end_to_end/elf_file.hpp"
@@ -106,6 +107,16 @@ TEST_F(BuiltLibraryTest, AsksTheHostForItsFunctionsOnly) {
       [](const auto& symbol) { return !symbol.defined() && belongsToTheHost(symbol.name); });
   EXPECT_THAT(asked, Not(IsEmpty()));
   EXPECT_THAT(asked, IsSubsetOf(HOST_FUNCTIONS));
+}
+
+// What no batch writes needs no lock; see docs/scaling.md. Guards of static variables are another
+// matter: clang makes the constants behind them, while the library is loaded.
+TEST_F(BuiltLibraryTest, AsksForNoLockAndNoThread) {
+  const names_t asked = namesOf([](const auto& symbol) {
+    static const std::regex WAITS("pthread|thrd_|mtx_|cnd_|sem_|call_once|condition_variable");
+    return !symbol.defined() && std::regex_search(symbol.name, WAITS);
+  });
+  EXPECT_THAT(asked, IsEmpty());
 }
 
 // ---- what stays loaded
