@@ -28,8 +28,9 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
 }
 
+// One span and nothing else.
 bool isSpan(std::string_view text) {
-  return text.size() > 2 && text.front() == '`' && text.back() == '`';
+  return text.size() > 2 && text.front() == '`' && text.find('`', 1) == text.size() - 1;
 }
 
 // The content of the code span that `text` is, otherwise `text`.

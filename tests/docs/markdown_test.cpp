@@ -82,6 +82,12 @@ TEST(Table, RowsAreReadUntilTheTableEnds) {
   EXPECT_EQ(readTable(document, "A"), expected);
 }
 
+TEST(Table, OnlyACellThatIsOneCodeSpanLosesItsMarks) {
+  const document_t document = documentOf("| A |\n|---|\n| `x` |\n| `x`, `y` |\n| x `y` |\n");
+  const std::vector<std::vector<std::string>> expected = {{"x"}, {"`x`, `y`"}, {"x `y`"}};
+  EXPECT_EQ(readTable(document, "A"), expected);
+}
+
 TEST(Table, MissingTableAndShortRowAreRefused) {
   const document_t document = documentOf("| A | B |\n|---|---|\n| x |");
   EXPECT_EQ(error_of([&] { static_cast<void>(readTable(document, "C")); }),

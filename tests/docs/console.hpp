@@ -1,0 +1,49 @@
+// Runs the commands that stand in a document and compares what they print with what stands below
+// them. A command stands behind "$ ", in a block ```console or in an indented one; what follows up
+// to the next command is what it prints, on both streams. Left out of the comparison:
+//
+//   T ms, T µs, T messages/s    times differ from run to run
+//   text…                       the line is only begun
+//   … 4 more events …           as many lines as the numbers in it add up to
+//
+// All commands of a document run in one folder, where each finds what the ones before it have left.
+#ifndef VLT_TESTS_DOCS_CONSOLE_HPP
+#define VLT_TESTS_DOCS_CONSOLE_HPP
+
+#include <string>
+#include <vector>
+
+#include "tests/docs/markdown.hpp"
+#include "tests/tools/program.hpp"
+
+namespace com::velanto::connectivity::test {
+
+struct session_t {
+  std::string place;
+  std::string command;
+  std::string shown;
+};
+
+// Throws when a block ```console does not begin with a command.
+[[nodiscard]] std::vector<session_t> sessionsOf(const document_t& document);
+
+// `shown` with the lines and parts of lines replaced that `expected` leaves out.
+[[nodiscard]] std::string abbreviated(const std::string& shown, const std::string& expected);
+
+[[nodiscard]] std::string withoutTimes(const std::string& text);
+
+// A folder for the commands; $PLUGIN names the plug-in, the tools are found by their names.
+class Console : public Program {
+ protected:
+  Console() { environment_ = {"PLUGIN=" VLT_PLUGIN_PATH}; }
+
+  // Copies the samples into the folder of that name, "" for the test's own.
+  void copySamples(const std::string& folder);
+
+  void expectAsShown(const session_t& session);
+  void expectAsShown(const char* document);
+};
+
+} // namespace com::velanto::connectivity::test
+
+#endif
