@@ -1,0 +1,140 @@
+// Keeps true what the documents refer to: (1) each link leads to a file, and to a heading in it;
+// (2) each test that is named exists.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <regex>
+#include <set>
+
+#include "tests/docs/markdown.hpp"
+#include "tests/docs/test_names.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+using strings_t = std::vector<std::string>;
+
+// All documents, relative to the project's root.
+strings_t documents() {
+  strings_t names;
+  for (const char* const folder : {"", "docs/", "samples/", "tests/conformance/"}) {
+    for (const auto& file :
+         std::filesystem::directory_iterator(VLT_PROJECT_ROOT + std::string("/") + folder)) {
+      if (file.path().extension() == ".md")
+        names.push_back(folder + file.path().filename().string());
+    }
+  }
+  return names;
+}
+
+strings_t groupsIn(const std::string& text, const char* pattern) {
+  const std::regex expression(pattern);
+  strings_t groups;
+  for (std::sregex_iterator found(text.begin(), text.end(), expression), end; found != end;
+       ++found) {
+    groups.push_back(found->str(1));
+  }
+  return groups;
+}
+
+// The name under which a heading can be linked.
+std::string anchorOf(const std::string& heading) {
+  std::string anchor;
+  for (const char c : heading.substr(heading.find_first_not_of("# "))) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == ' ' || c == '-') anchor += '-';
+    if (std::isalnum(byte) != 0 || c == '_' || byte >= 0x80) {
+      anchor += static_cast<char>(std::tolower(byte));
+    }
+  }
+  return anchor;
+}
+
+std::set<std::string> anchorsOf(const std::string& name) {
+  std::set<std::string> anchors;
+  bool in_block = false;
+  for (const std::string& line : readDocument(name).lines) {
+    if (line.starts_with("```")) in_block = !in_block;
+    if (!in_block && line.starts_with("#")) anchors.insert(anchorOf(line));
+  }
+  return anchors;
+}
+
+// Empty when `link`, in the document `name`, leads somewhere.
+std::string complaintAbout(const std::string& link, const std::string& name) {
+  const std::size_t hash = link.find('#');
+  const std::string file = link.substr(0, hash);
+  const std::filesystem::path target =
+      file.empty() ? std::filesystem::path(name)
+                   : (std::filesystem::path(name).parent_path() / file).lexically_normal();
+  if (!std::filesystem::exists(VLT_PROJECT_ROOT / target)) return "there is no " + target.string();
+  if (hash == std::string::npos) return "";
+  const std::string anchor = link.substr(hash + 1);
+  return anchorsOf(target).contains(anchor) ? "" : "there is no heading " + anchor;
+}
+
+bool isTest(const std::string& pattern) {
+  static const strings_t NAMES = testNames();
+  const std::regex expression(pattern);
+  return std::any_of(NAMES.begin(), NAMES.end(),
+                     [&](const std::string& name) { return std::regex_search(name, expression); });
+}
+
+// The code spans in a cell of a table, which is stripped of its marks when it is a single one.
+strings_t spansIn(const std::string& cell) {
+  return cell.find('`') == std::string::npos ? strings_t{cell} : groupsIn(cell, "`([^`]+)`");
+}
+
+// In tables whose last column says how to run the tests of a row.
+void expectTestsOf(const char* document, const char* head) {
+  for (const auto& row : readTable(readDocument(document), head)) {
+    for (const std::string& span : spansIn(row.back())) {
+      if (span.starts_with("./dev") || span.starts_with("ctest")) continue;
+      EXPECT_TRUE(isTest(span)) << document << ": " << row[0] << ": " << span;
+    }
+  }
+}
+
+} // namespace
+
+TEST(References, EveryLinkLeadsSomewhere) {
+  std::size_t links = 0;
+  for (const std::string& name : documents()) {
+    const document_t document = readDocument(name);
+    for (std::size_t i = 0; i < document.lines.size(); ++i) {
+      for (const std::string& link : groupsIn(document.lines[i], R"(\]\(([^)\s]+)\))")) {
+        EXPECT_EQ(complaintAbout(link, name), "") << placeOf(document, i + 1);
+        ++links;
+      }
+    }
+  }
+  EXPECT_GT(links, 50U);
+}
+
+TEST(References, EveryTestThatIsNamedExists) {
+  expectTestsOf("docs/reliability.md", "Promise");
+  expectTestsOf("docs/scaling.md", "Claim");
+  // In running text a test shows by its program, or by being named after what it holds.
+  const char* const test = "`((?!vlt_)[a-z_]+_tests(?:\\.\\w+)*|(?:[A-Z][a-z]+[0-9]*){4,})`";
+  std::size_t named = 0;
+  for (const std::string& name : documents()) {
+    for (const std::string& line : readDocument(name).lines) {
+      for (const std::string& span : groupsIn(line, test)) {
+        EXPECT_TRUE(isTest(span)) << name << ": " << span;
+        ++named;
+      }
+    }
+  }
+  EXPECT_GT(named, 5U);
+}
+
+TEST(References, NamesOfTestsAreThoseOfTheirPrograms) {
+  EXPECT_TRUE(isTest("^docs_tests\\.References\\.NamesOfTestsAreThoseOfTheirPrograms$"));
+  EXPECT_TRUE(isTest("^docs_tests\\.SiteDayIsWhatItsScriptMakes$"));
+  EXPECT_FALSE(isTest("^docs_tests\\.References\\.NoSuchTest$"));
+}
+
+} // namespace com::velanto::connectivity::test

@@ -1,0 +1,71 @@
+// Keeps docs/scaling.md true: (1) its script and its commands are run and print what is shown;
+// (2) what the script calls measured stands in docs/performance.md.
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <sstream>
+
+#include "tests/docs/console.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+constexpr const char* SCALING = "docs/scaling.md";
+constexpr const char* PERFORMANCE = "docs/performance.md";
+constexpr std::string_view SCRIPT = "sh ";
+
+class ScalingDocument : public Console {
+ protected:
+  ScalingDocument() {
+    copySamples("");
+    for (const block_t& block : readBlocks(readDocument(SCALING))) {
+      if (!block.info.starts_with(SCRIPT)) continue;
+      script_ = block.text;
+      folder_.write(block.info.substr(SCRIPT.size()), block.text);
+    }
+  }
+
+  // What the script takes for `name` unless it is told otherwise.
+  std::string defaultOf(const std::string& name) const {
+    std::smatch found;
+    const std::regex assignment("\\{" + name + ":=([0-9.]+)\\}");
+    return std::regex_search(script_, found, assignment) ? found[1].str() : "not in the script";
+  }
+
+  std::string script_;
+};
+
+// Cell `column`, counted from 0, of the row that begins with `row` in the table below `title`.
+std::string cellOf(const std::string& title, const std::string& row, std::size_t column) {
+  bool is_below = false;
+  for (const std::string& line : readDocument(PERFORMANCE).lines) {
+    is_below = is_below || line.starts_with(title);
+    if (!is_below || !line.starts_with(row + "  ")) continue;
+    std::istringstream cells(line.substr(row.size()));
+    std::string cell;
+    for (std::size_t i = 0; i <= column; ++i) cells >> cell;
+    return cell;
+  }
+  return "no row '" + row + "' below '" + title + "'";
+}
+
+} // namespace
+
+TEST_F(ScalingDocument, EveryCommandPrintsWhatIsShown) { expectAsShown(SCALING); }
+
+TEST_F(ScalingDocument, MeasuredFiguresAreThoseOfPerformance) {
+  EXPECT_EQ(defaultOf("alone"), cellOf("Kinds and contenders (ns per message", "plug-in", 0));
+  EXPECT_EQ(defaultOf("crowded"), cellOf("Threads (ns per message and thread)", "plug-in", 1));
+}
+
+// A block of another kind would look like an example and be none.
+TEST_F(ScalingDocument, EveryBlockIsRun) {
+  const document_t document = readDocument(SCALING);
+  for (const block_t& block : readBlocks(document)) {
+    EXPECT_TRUE(block.info == "console" || block.info.starts_with(SCRIPT))
+        << placeOf(document, block.line);
+  }
+}
+
+} // namespace com::velanto::connectivity::test
