@@ -83,6 +83,18 @@ std::vector<std::string> ndjsonIn(const std::string& folder) {
   return files;
 }
 
+std::vector<std::string> documentNames() {
+  std::vector<std::string> names;
+  for (const char* const folder : {"", "docs/", "samples/", "tests/conformance/"}) {
+    for (const auto& file :
+         std::filesystem::directory_iterator(VLT_PROJECT_ROOT + std::string("/") + folder)) {
+      if (file.path().extension() != ".md") continue;
+      names.push_back(folder + file.path().filename().string());
+    }
+  }
+  return names;
+}
+
 document_t documentOf(const std::string& text) {
   std::istringstream stream(text);
   return {"text", linesOf(stream)};

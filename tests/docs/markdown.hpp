@@ -21,6 +21,9 @@ struct document_t {
 // The files *.ndjson of a folder of the project, named as readDocument wants them, in no order.
 [[nodiscard]] std::vector<std::string> ndjsonIn(const std::string& folder);
 
+// All documents of the project, relative to its root.
+[[nodiscard]] std::vector<std::string> documentNames();
+
 // The document that `text` is, for tests of what stands below.
 [[nodiscard]] document_t documentOf(const std::string& text);
 

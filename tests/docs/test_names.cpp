@@ -29,13 +29,24 @@ void search(const std::string& text, const char* pattern, const Found& found) {
   }
 }
 
+// The name in `declaration`, "TEST_F(Suite, Test) …", as "Suite.Test".
+std::string nameIn(const std::string& declaration) {
+  const std::size_t open = declaration.find('(') + 1;
+  const std::size_t comma = declaration.find(',', open);
+  const std::size_t test = declaration.find_first_not_of(' ', comma + 1);
+  return declaration.substr(open, comma - open) + "." +
+         declaration.substr(test, declaration.find(')', test) - test);
+}
+
 void appendProgram(std::vector<std::string>& names, const std::filesystem::path& folder,
                    const std::string& program, const std::string& sources) {
   search(sources, R"([\w./]+_test\.cpp)", [&](const std::smatch& source) {
-    search(textOf(folder / source.str()), R"(\n(?:TYPED_)?TEST(?:_[FP])?\((\w+),\s*(\w+)\))",
-           [&](const std::smatch& test) {
-             names.push_back(program + "." + test.str(1) + "." + test.str(2));
-           });
+    const document_t file = readDocument(std::filesystem::relative(folder / source.str(), ROOT));
+    for (std::size_t i = 0; i < file.lines.size(); ++i) {
+      if (!file.lines[i].starts_with("TEST") && !file.lines[i].starts_with("TYPED_TEST(")) continue;
+      const bool is_broken = file.lines[i].ends_with(",");
+      names.push_back(program + "." + nameIn(file.lines[i] + (is_broken ? file.lines[i + 1] : "")));
+    }
   });
 }
 

@@ -26,6 +26,13 @@ strings_t linesOf(const std::string& text) {
   return lines;
 }
 
+strings_t documentLines() {
+  std::ifstream file(std::string(VLT_PROJECT_ROOT) + "/docs/check-plugin.md");
+  strings_t lines;
+  for (std::string line; std::getline(file, line);) lines.push_back(line);
+  return lines;
+}
+
 class OstroviaCheckPluginTest : public ::testing::Test {
  protected:
   const CheckPluginProgram program_;
@@ -239,10 +246,9 @@ TEST_F(OstroviaCheckPluginTest, VersionIsTheProjects) {
 }
 
 TEST_F(OstroviaCheckPluginTest, DocumentListsTheChecks) {
-  std::ifstream file(std::string(VLT_PROJECT_ROOT) + "/docs/check-plugin.md");
   const std::regex row(R"(\| `([a-z]+\.[a-z0-9-]+)` \| (.+) \|)");
   strings_t documented;
-  for (std::string line; std::getline(file, line);) {
+  for (const std::string& line : documentLines()) {
     std::smatch cells;
     if (std::regex_match(line, cells, row)) documented.push_back(cells.str(1) + " " + cells.str(2));
   }
@@ -251,6 +257,16 @@ TEST_F(OstroviaCheckPluginTest, DocumentListsTheChecks) {
     listed.push_back(std::regex_replace(line, std::regex("^([^ ]+) +"), "$1 "));
   }
   EXPECT_EQ(documented, listed);
+}
+
+// As FailureShowsWhatWasExpectedAndWhatCame has it.
+TEST_F(OstroviaCheckPluginTest, DocumentShowsAFailure) {
+  const strings_t failure = linesOf(
+      program_.run("--only versions.interface " + faultyPlugin("wrong_interface_version")).out);
+  const strings_t document = documentLines();
+  const auto shown = std::find(document.begin(), document.end(), "    " + failure.at(0));
+  ASSERT_NE(shown, document.end()) << failure[0];
+  EXPECT_EQ(shown[1], "    " + failure.at(1));
 }
 
 } // namespace com::velanto::connectivity::test

@@ -1,0 +1,122 @@
+// Keeps true what the documents say of ./dev: (1) what they show is what it prints; (2) the commands
+// that they name are there. What builds and tests is not run again inside of a test, only called for.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <regex>
+#include <set>
+
+#include "tests/docs/door.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+class Readme : public Door {
+ protected:
+  // The examples of a document, `normal` of what is printed and of what is shown. `options` are
+  // added to the last command.
+  template <class Normal>
+  void expectAtDoor(const char* document, std::size_t examples, const Normal& normal,
+                    const std::string& options = "") {
+    std::vector<session_t> sessions = sessionsOf(readDocument(document));
+    ASSERT_EQ(sessions.size(), examples);
+    sessions.back().command += options;
+    for (const session_t& session : sessions) {
+      const std::string shown = normal(runAtDoor(session.command));
+      const std::string expected = normal(session.shown);
+      EXPECT_EQ(abbreviated(shown, expected), expected) << session.place << ": " << session.command;
+    }
+  }
+};
+
+std::string withoutNumbers(const std::string& text) {
+  return std::regex_replace(text, std::regex("[0-9]+(\\.[0-9]+)?"), "N");
+}
+
+} // namespace
+
+TEST_F(Readme, EveryExampleShowsWhatTheDoorPrints) {
+  expectAtDoor("README.md", 4, withoutTimes);
+  EXPECT_EQ(takeCalls(), "status 0\nstatus 0\nstatus 0\nstatus 0\n") << "all was there already";
+}
+
+TEST_F(Readme, CheckOfAPluginShowsWhatItsDocumentSays) {
+#ifdef VLT_SANITIZED
+  GTEST_SKIP() << "with another heap, the checks that measure it are left out";
+#endif
+  const auto as_it_is = [](const std::string& text) { return text; };
+  expectAtDoor("docs/check-plugin.md", 2, as_it_is, " --timeout 250"); // the machine may be busy
+}
+
+// How much is done in that time is the machine's to say.
+TEST_F(Readme, SoakShowsWhatItsDocumentSays) {
+  expectAtDoor("docs/reliability.md", 1, withoutNumbers);
+}
+
+TEST_F(Readme, FirstCommandIsTheOneThatReplaysTheSamples) {
+  EXPECT_EQ(withoutTimes(runAtDoor("./dev replay samples/*.ndjson")),
+            withoutTimes(runAtDoor("./dev replay")));
+}
+
+// From anywhere, as the samples' own document has it from the project's root.
+TEST_F(Readme, SamplesAreReplayedAsTheirDocumentSays) {
+  const document_t document = readDocument("samples/README.md");
+  const std::string command = "./dev replay samples/site-day.ndjson";
+  EXPECT_NE(std::find(document.lines.begin(), document.lines.end(), "    " + command),
+            document.lines.end());
+  const std::string shown = withoutTimes(runAtDoor(command));
+  EXPECT_NE(shown.find("read 401, reached the host 395, dropped 6"), std::string::npos) << shown;
+  EXPECT_EQ(withoutTimes(runAtDoor("cd samples; ../dev replay site-day.ndjson")), shown);
+}
+
+TEST_F(Readme, HelpOfTheToolListsTheOptionsThatAreNamed) {
+  const std::string help = runAtDoor("./dev replay --help");
+  for (const char* const option : {"--summary", "--dropped", "--against"}) {
+    EXPECT_NE(help.find(option), std::string::npos) << option;
+  }
+}
+
+TEST_F(Readme, QuickTestTakesArgumentsOfCtest) {
+  runAtDoor("./dev test --quick -R Alarm");
+  EXPECT_EQ(takeCalls(), "ctest --preset release -R Alarm\nstatus 0\n");
+}
+
+TEST_F(Readme, PresetsThatAreNamedExist) {
+  std::string presets;
+  for (const std::string& line : readDocument("CMakePresets.json").lines) presets += line;
+  for (const char* const name : {"release", "debug", "thread"}) {
+    EXPECT_TRUE(std::regex_search(presets, std::regex(std::string("\"name\": *\"") + name + "\"")))
+        << name;
+  }
+}
+
+// Every ./dev COMMAND in any document is one of those that `./dev help` lists, and the other way
+// round.
+TEST_F(Readme, CommandsThatAreNamedAreThoseOfTheHelp) {
+  std::set<std::string> listed;
+  for (const std::string& line : documentOf(runAtDoor("./dev help")).lines) {
+    std::smatch found;
+    if (std::regex_search(line, found, std::regex("^  ([a-z]+) "))) listed.insert(found[1]);
+  }
+  std::set<std::string> named;
+  for (const std::string& name : documentNames()) {
+    for (const std::string& line : readDocument(name).lines) {
+      static const std::regex COMMAND(R"(\./dev ([a-z]+))");
+      for (std::sregex_iterator found(line.begin(), line.end(), COMMAND), end; found != end;
+           ++found) {
+        named.insert(found->str(1));
+      }
+    }
+  }
+  EXPECT_EQ(named, listed);
+}
+
+TEST_F(Readme, UnknownCommandIsRefusedWithTheList) {
+  const std::string shown = runAtDoor("./dev tests");
+  EXPECT_TRUE(shown.starts_with("usage: ./dev COMMAND")) << shown;
+  EXPECT_TRUE(shown.ends_with("dev: there is no command 'tests'\n")) << shown;
+  EXPECT_EQ(takeCalls(), "status 2\n");
+}
+
+} // namespace com::velanto::connectivity::test
