@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "tests/end_to_end/elf_file.hpp"
-#include "tests/end_to_end/unwind_table.hpp"
 #include "tools/plugin_host/interface_names.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -167,36 +166,6 @@ TEST_F(BuiltLibraryTest, HasNoMemoryThatIsBothWritableAndExecutable) {
 TEST_F(BuiltLibraryTest, GuardsArraysOnTheStack) {
   EXPECT_THAT(namesOf([](const auto&) { return true; }), Contains("__stack_chk_fail"));
 }
-
-// ---- exceptions
-
-#ifdef VLT_OPTIMISED_WHEN_LINKED
-bool passesThrough(const guarded_call_t& call) { return call.landing_pad == 0 || call.action == 0; }
-
-// The others answer at once, or, as this codec has nothing to do there, could not throw.
-bool canFail(const std::string& entry_point) {
-  return entry_point.find("create") != std::string::npos ||
-         entry_point.find("Next") != std::string::npos ||
-         entry_point.find("Batch") != std::string::npos;
-}
-
-// Of the build that is delivered. In others the guards are functions of their own, or tables also
-// name calls that cannot throw.
-TEST_F(BuiltLibraryTest, EntryPointsLetNoExceptionThrough) {
-  const std::vector<frame_t> frames = readFrames(library_);
-  for (const ElfFile::symbol_t& symbol : library_.dynamicSymbols()) {
-    if (!symbol.defined()) continue;
-    const auto frame = std::find_if(frames.begin(), frames.end(), [&](const frame_t& candidate) {
-      return candidate.start == symbol.entry.st_value;
-    });
-    ASSERT_NE(frame, frames.end()) << symbol.name;
-    EXPECT_TRUE(frame->calls || !canFail(symbol.name)) << symbol.name;
-    if (frame->calls) {
-      EXPECT_THAT(*frame->calls, Not(Contains(::testing::Truly(passesThrough)))) << symbol.name;
-    }
-  }
-}
-#endif
 
 #ifdef VLT_FORTIFIED
 // Functions of the C library that write into memory whose size the compiler knows.
