@@ -22,10 +22,11 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
   explicit OstroviaNotifications2Codec(
       const PluginConstructorParameters::CodecConstructorParameters& params);
 
-  // Returns true. Throws when the notification cannot be converted; `message` then holds nothing
-  // but the notification's "id", if that was a string and there is memory for it, for the report.
-  // A payload that is no map, a trace that fails, and having no memory to begin with, leave it
-  // untouched.
+  // Returns true for an event, and for a message without a path, which is left as it is. Reports
+  // a notification that cannot be converted and returns false; `message` then holds nothing but the
+  // notification's "id", if that was a string and there is memory for it. Throws for a payload that
+  // is no map, for a trace that fails and when there is no memory to begin with; `message` is then
+  // untouched, and nothing is reported yet.
   bool transformMessageTowardsHost(Message& message) override;
   // Returns true and changes nothing.
   bool transformMessageTowardsTransport(Message& message) override;
