@@ -1,10 +1,11 @@
 // Keeps true what the documents refer to: (1) each link leads to a file, and to a heading in it;
-// (2) each test that is named exists.
+// (2) each test and each file that is named exists; (3) tables of the same things say the same.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
+#include <map>
 #include <regex>
 #include <set>
 
@@ -132,6 +133,54 @@ TEST(References, EveryTestThatIsNamedExists) {
     }
   }
   EXPECT_GT(named, 5U);
+}
+
+// A path from the project's root; a name with an ellipsis or a capitalised part stands for others.
+TEST(References, EveryFileThatIsNamedExists) {
+  const std::regex path(
+      "(\\.ci|bench|cmake|codec|docs|fuzz|host|plugin|samples|scripts|standin|tests|tools|value)/"
+      "[a-z0-9_./-]*");
+  std::size_t named = 0;
+  for (const std::string& name : documentNames()) {
+    for (const std::string& span : spansOf(readDocument(name))) {
+      if (!std::regex_match(span, path)) continue;
+      EXPECT_TRUE(std::filesystem::exists(VLT_PROJECT_ROOT + std::string("/") + span))
+          << name << ": " << span;
+      ++named;
+    }
+  }
+  EXPECT_GT(named, 50U);
+}
+
+TEST(References, TablesOfTheSettingsAgree) {
+  std::map<std::string, std::string> defaults; // by keys, as the tested one has them
+  for (const auto& row : readTable(readDocument("docs/operating.md"), "Key")) {
+    defaults[row[0]] = row[1].starts_with("none") ? "" : row[1];
+  }
+  const auto readme = readTable(readDocument("README.md"), "Key");
+  const auto fields = readTable(readDocument("docs/fields.md"), "Key");
+  EXPECT_EQ(readme.size(), defaults.size());
+  EXPECT_EQ(fields.size(), defaults.size());
+  for (const auto& row : readme) {
+    ASSERT_TRUE(defaults.contains(row[0])) << row[0];
+    EXPECT_EQ(row[1], defaults[row[0]].empty() ? "yes" : "no") << row[0];
+    EXPECT_EQ(row[2], defaults[row[0]]) << row[0];
+  }
+  for (const auto& row : fields) {
+    ASSERT_TRUE(defaults.contains(row[0])) << row[0];
+    EXPECT_EQ(row[1].starts_with("yes"), defaults[row[0]].empty()) << row[0];
+  }
+}
+
+TEST(References, TableOfFuzzTargetsHasThoseThatAreBuilt) {
+  std::set<std::string> listed;
+  for (const auto& row : readTable(readDocument("CONTRIBUTING.md"), "Target")) {
+    listed.insert(row[0]);
+  }
+  std::string build;
+  for (const std::string& line : readDocument("fuzz/CMakeLists.txt").lines) build += line + "\n";
+  const strings_t built = groupsIn(build, R"(\nvlt_add_fuzz_target\(\s*(\w+))");
+  EXPECT_EQ(listed, std::set<std::string>(built.begin(), built.end()));
 }
 
 TEST(References, NamesOfTestsAreThoseOfTheirPrograms) {
