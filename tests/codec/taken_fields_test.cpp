@@ -56,5 +56,15 @@ TEST_F(TakenFieldsTest, AssignmentFreesWhatWasThereBefore) {
   EXPECT_EQ(standin_live_blocks_total(), before - 1);
 }
 
+TEST_F(TakenFieldsTest, AssignmentToItselfKeepsThem) {
+  TakenFields taken;
+  const data_t& field = taken.keep(text("a"));
+  const std::int64_t before = standin_live_blocks_total();
+  TakenFields& alias = taken;
+  taken = std::move(alias);
+  ASSERT_EQ(standin_live_blocks_total(), before);
+  EXPECT_EQ(field, text("a"));
+}
+
 } // namespace
 } // namespace com::velanto::connectivity::test

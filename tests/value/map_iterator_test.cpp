@@ -252,6 +252,15 @@ TEST_F(MapIterator, SkippedChecksEraseAtAnotherMapsIterator) {
   EXPECT_TRUE(slot_at(other, 3).key.empty());
 }
 
+TEST_F(MapIterator, SkippedChecksEraseNothingWhereTheTableIsLost) {
+  map_t map = with_keys("3");
+  const map_t::iterator first = map.begin();
+  const map_t taken(std::move(map));
+  const SkippedChecks skipped;
+  map.erase(first);
+  EXPECT_EQ(counts_of(taken), (counts_t{1, 8, 0}));
+}
+
 TEST_F(MapIterator, SwitchIsReadAtTheMomentOfTheFault) {
   map_t map = with_keys("3");
   map_t other = with_keys("3");
