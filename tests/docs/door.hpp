@@ -18,7 +18,7 @@ class Door : public Console {
   // terminal, where results come before what is reported of them.
   std::string runAtDoor(const std::string& command);
 
-  // How the replaced programs were called since the last time, a line each; without the fakes' path.
+  // How the replaced programs were called since the last time, a line each, without their folder.
   std::string takeCalls();
 
  private:

@@ -61,8 +61,9 @@ struct examples_t {
 // Throws when the numbers are not 1, 2, 3 … or an item has no code span.
 [[nodiscard]] std::vector<std::string> readNumberedSpans(const document_t& document);
 
-// The rows of the table whose head begins with `first_column`, cell by cell without blanks and, where
-// a cell is one code span, without its marks. Throws when there is no such table or a row lacks cells.
+// The rows of the table whose head begins with `first_column`, cell by cell without blanks and,
+// where a cell is one code span, without its marks. Throws when there is no such table or a row
+// lacks cells.
 [[nodiscard]] std::vector<std::vector<std::string>> readTable(const document_t& document,
                                                               const std::string& first_column);
 

@@ -1,5 +1,6 @@
-// Keeps true what the documents say of ./dev: (1) what they show is what it prints; (2) the commands
-// that they name are there. What builds and tests is not run again inside of a test, only called for.
+// Keeps true what the documents say of ./dev: (1) what they show is what it prints; (2) the
+// commands that they name are there. What builds and tests is not run again inside of a test, only
+// called for.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-// Batches write nothing into the memory that the library and the codec have for themselves: what is
-// only read needs no lock, however many chains and threads there are, and cannot tell one message of
-// another.
+// Batches write nothing into the memory that the library and the codec have for themselves: what
+// is only read needs no lock, however many chains and threads there are, and cannot tell one
+// message of another.
 #include <gtest/gtest.h>
 #include <link.h>
 #include <malloc.h>

@@ -1,7 +1,7 @@
-// A plug-in whose codec may throw wherever the entry points call it, its destructor included, as far
-// as a compiler can know. In the codec that is delivered some calls are known to throw nothing,
-// whose entry points then need no guard, and would not show that they have lost it. Nobody loads this
-// library: what it would do is read from its file.
+// A plug-in whose codec may throw wherever the entry points call it, its destructor included, as
+// far as a compiler can know. In the codec that is delivered some calls are known to throw nothing,
+// whose entry points then need no guard, and would not show that they have lost it. Nobody loads
+// this library: what it would do is read from its file.
 #include "plugin/entry_points.hpp"
 #include "plugin/logger.hpp"
 

@@ -1,7 +1,7 @@
-// No exception leaves an entry point, read from the built files of the plug-in and of one whose codec
-// may throw anywhere. An entry point is all code that it jumps to, since compilers move parts of
-// a function away. Each part either has a call table in which no exception passes through, or calls
-// nothing.
+// No exception leaves an entry point, read from the built files of the plug-in and of one whose
+// codec may throw anywhere. An entry point is all code that it jumps to, since compilers move parts
+// of a function away. Each part either has a call table in which no exception passes through, or
+// calls nothing.
 #include <gtest/gtest.h>
 
 #include <algorithm>
