@@ -131,16 +131,17 @@ void checkTogether(const ReplayOptions& options) {
     throw ReplayError(EXIT_USAGE, "--update and --junit need --suite");
   }
   if (options.suite && (!options.paths.empty() || options.expect || options.record ||
-                        options.dropped || options.summary)) {
+                        options.dropped || options.summary || options.explain)) {
     throw ReplayError(EXIT_USAGE,
-                      "--suite takes no FILES, --expect, --record, --dropped or --summary");
+                      "--suite takes no FILES, --expect, --record, --dropped, --summary or "
+                      "--explain");
   }
 }
 
 } // namespace
 
 int runReplay(int count, const char* const* arguments, std::ostream& out, std::ostream& diagnostics,
-              bool is_terminal) noexcept {
+              const display_t& display) noexcept {
   try {
     int status = EXIT_FINE;
     std::optional<ReplayOptions> options = parse(count, arguments, out, diagnostics, status);
@@ -150,10 +151,12 @@ int runReplay(int count, const char* const* arguments, std::ostream& out, std::o
     if (options->check_config) return checkConfiguration(*options, out, diagnostics);
     if (options->suite) return runSuite(*options, diagnostics);
     const std::vector<input_t> inputs = inputsFrom(options->paths);
-    if (!is_terminal) return replay(*options, inputs, out, diagnostics);
+    if (!display.progress) {
+      return replay(*options, inputs, out, diagnostics, nullptr, display.colour);
+    }
     Terminal terminal(*diagnostics.rdbuf());
     std::ostream above(&terminal);
-    return replay(*options, inputs, out, above, &terminal);
+    return replay(*options, inputs, out, above, &terminal, display.colour);
   } catch (const ReplayError& error) {
     diagnostics << REPLAY_NAME << ": " << error.what() << '\n';
     return error.status();

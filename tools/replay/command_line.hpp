@@ -6,12 +6,17 @@
 
 namespace com::velanto::connectivity::tools {
 
+// How the streams are looked at.
+struct display_t {
+  bool progress = false; // `diagnostics` leads to a terminal that shows nothing else meanwhile
+  bool colour = false;   // `out` leads to one that may show colours
+};
+
 // Does what the arguments ask for and returns the exit status: replays, or writes help or version
 // to `out`, or says on `diagnostics` what is wrong with them (status 2). `arguments` are those of
 // main. Does not throw.
-// `is_terminal`: `diagnostics` leads to one, so progress is shown.
 int runReplay(int count, const char* const* arguments, std::ostream& out, std::ostream& diagnostics,
-              bool is_terminal = false) noexcept;
+              const display_t& display = {}) noexcept;
 
 } // namespace com::velanto::connectivity::tools
 

@@ -3,10 +3,9 @@
 namespace com::velanto::connectivity::tools {
 
 Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics)
-    : events_(events),
-      diagnostics_(diagnostics, options.log_level.value_or(options.quiet ? QUIET_LOG_LEVEL
-                                                                         : DEFAULT_LOG_LEVEL)) {
-  all_ = {&figures_, &events_};
+    : events_(events), diagnostics_(diagnostics, shownLogLevel(options)) {
+  all_ = {&figures_};
+  if (!options.explain) all_.push_back(&events_);
   // What is malformed is part of a case, and its golden file tells of it.
   if (!options.suite) all_.push_back(&diagnostics_);
   if (options.summary) all_.push_back(&summary_.emplace());

@@ -67,9 +67,10 @@ class Lane {
 } // namespace
 
 Crew::Crew(const PluginLibrary& library, const data_t& configuration, Direction direction,
-           const worker_options_t& options, std::size_t chains, std::vector<log_line_t>& log)
-    : options_(options) {
-  for (std::size_t i = 0; i < chains; ++i) {
+           const worker_options_t& options, const crew_options_t& crew,
+           std::vector<log_line_t>& log)
+    : options_(options), undisturbed_(crew.undisturbed) {
+  for (std::size_t i = 0; i < crew.chains; ++i) {
     workers_.push_back(std::make_unique<Worker>(library, configuration, direction, options, log));
   }
 }
@@ -114,7 +115,7 @@ void Crew::runAlone(LineReader& reader, const crew_listener_t& listener) {
 
 // A ring of blocks: the caller fills them and publishes each when its chain has served it.
 void Crew::runTogether(LineReader& reader, const crew_listener_t& listener) {
-  std::vector<block_t> blocks(workers_.size() * AHEAD);
+  std::vector<block_t> blocks(undisturbed_ ? 1 : workers_.size() * AHEAD);
   std::vector<std::future<void>> served(blocks.size());
   std::vector<Lane> lanes(workers_.size()); // after the blocks: ends before them
   std::size_t filled = 0;

@@ -3,7 +3,8 @@
 //   one chain     everything happens on the caller's thread
 //   N chains      blocks of lines are dealt to the chains in turn, the first to the first; each has
 //                 a thread of its own. The caller reads ahead, and publishes in the order of the
-//                 input, so what is published does not depend on N
+//                 input, so what is published does not depend on N. Where taking a record must not
+//                 be disturbed, a block is published before the next one is served
 #ifndef VLT_TOOLS_REPLAY_CREW_HPP
 #define VLT_TOOLS_REPLAY_CREW_HPP
 
@@ -26,11 +27,16 @@ struct crew_listener_t {
   std::function<void()> pause;              // the next line may be long in coming
 };
 
+struct crew_options_t {
+  std::size_t chains; // at least 1
+  bool undisturbed;   // no chain is at work while a record is published
+};
+
 class Crew {
  public:
   // Throws ReplayError with EXIT_PLUGIN; `log` then has the reason.
   Crew(const PluginLibrary& library, const data_t& configuration, Direction direction,
-       const worker_options_t& options, std::size_t chains, std::vector<log_line_t>& log);
+       const worker_options_t& options, const crew_options_t& crew, std::vector<log_line_t>& log);
 
   // Takes all lines of `reader` through the chains. A failure to read is thrown once the lines
   // before it are published.
@@ -54,6 +60,7 @@ class Crew {
   void runTogether(LineReader& reader, const crew_listener_t& listener);
 
   worker_options_t options_;
+  bool undisturbed_;
   std::vector<std::unique_ptr<Worker>> workers_;
 };
 

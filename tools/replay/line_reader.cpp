@@ -36,6 +36,7 @@ bool LineReader::next(record_t& record) {
       record.number = ++number_;
       record.file = &inputs_[current_ % inputs_.size()].name;
       record.line_number = line_number_;
+      record.pass = current_ / inputs_.size();
       return true;
     }
     if (isInterrupted()) return false;

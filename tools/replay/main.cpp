@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <iostream>
 
 #include "tools/replay/command_line.hpp"
@@ -12,6 +13,11 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
   com::velanto::connectivity::tools::catchInterruption();
   std::ios::sync_with_stdio(false);
-  return com::velanto::connectivity::tools::runReplay(argc, argv, std::cout, std::cerr,
-                                                      isatty(STDERR_FILENO) == 1);
+  const bool shows_out = isatty(STDOUT_FILENO) == 1;
+  const char* const no_colour = std::getenv("NO_COLOR"); // NOLINT(concurrency-mt-unsafe)
+  // A status line would stand in the midst of what goes to the same terminal.
+  const com::velanto::connectivity::tools::display_t display = {
+      isatty(STDERR_FILENO) == 1 && !shows_out,
+      shows_out && (no_colour == nullptr || *no_colour == '\0')};
+  return com::velanto::connectivity::tools::runReplay(argc, argv, std::cout, std::cerr, display);
 }

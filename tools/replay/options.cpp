@@ -14,6 +14,7 @@ constexpr std::array EXAMPLES = {
                   "Compressed, from a pipe, with the trace of every message"},
     example_row_t{"ostrovia-replay --summary --dropped lost.ndjson recorded.ndjson > seen",
                   "Why did messages vanish? Which ones?"},
+    example_row_t{"ostrovia-replay --explain recorded.ndjson", "What became of every field?"},
     example_row_t{"ostrovia-replay --against ./next.so recorded.ndjson > events.ndjson",
                   "Will the next build of the plug-in change anything?"},
 };
@@ -59,6 +60,9 @@ const std::vector<option_group_t>& optionTable() {
          "at the end, on standard error: kinds and what became of them, reasons of drops, "
          "channels, times",
          &options_t::summary},
+        {"--explain", "[=text|json]",
+         "instead of the events: what became of every field, message by message",
+         &options_t::explain},
         {"--dropped", "FILE",
          "write the messages that did not reach the host to FILE, as lines that can be corrected "
          "and read again",

@@ -36,6 +36,7 @@ struct ReplayOptions {
   bool strict = false;                      // dropped messages are a failure
 
   std::optional<std::string> summary; // "text" or "json"
+  std::optional<std::string> explain; // the same
   std::optional<std::string> dropped; // path of the file of dead letters
   bool quiet = false;                 // no progress, no closing line, QUIET_LOG_LEVEL
 
@@ -46,6 +47,13 @@ struct ReplayOptions {
   bool update = false;                // make the suite's golden files anew
   std::optional<std::string> junit;   // path of the suite's report
 };
+
+// Log lines of a larger level are not shown on standard error. An explanation has those of its
+// message itself.
+[[nodiscard]] inline vlt_log_level_t shownLogLevel(const ReplayOptions& options) {
+  return options.log_level.value_or(options.quiet || options.explain ? QUIET_LOG_LEVEL
+                                                                     : DEFAULT_LOG_LEVEL);
+}
 
 // What an option sets.
 using target_t =

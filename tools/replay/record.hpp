@@ -34,6 +34,7 @@ struct record_t {
   std::uint64_t number = 0;          // of the line among those that are not blank, from 1
   const std::string* file = nullptr; // its name as diagnostics show it
   std::uint64_t line_number = 0;     // in its file, from 1
+  std::size_t pass = 0;              // how often all input had been read before
   std::string line;                  // byte for byte, without the line end
 
   text_part_t annotation; // where the line has a remark of an earlier run; of size 0: none

@@ -12,6 +12,7 @@
 #include "tools/replay/configuration.hpp"
 #include "tools/replay/consumers.hpp"
 #include "tools/replay/crew.hpp"
+#include "tools/replay/explain/explainer.hpp"
 #include "tools/replay/interruption.hpp"
 #include "tools/replay/progress.hpp"
 
@@ -28,11 +29,13 @@ constexpr vlt_log_level_t LEVEL_OF_DROPS = 3;
 class Replay {
  public:
   Replay(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics,
-         Terminal* terminal)
+         Terminal* terminal, bool colour)
       : options_(options),
+        colour_(colour),
         terminal_(options.quiet ? nullptr : terminal),
         direction_(options.direction == "transport" ? Direction::towardsTransport
                                                     : Direction::towardsHost),
+        events_(events),
         diagnostics_(diagnostics),
         consumers_(options, events, diagnostics),
         figures_(consumers_.figures()) {}
@@ -42,6 +45,7 @@ class Replay {
  private:
   void setLevel();
   void drive(const std::vector<input_t>& inputs);
+  Explainer& makeExplainer(const PluginLibrary& library);
   void replayAll(const std::vector<input_t>& inputs, Crew& crew);
   void reportIncidents(incidents_t& incidents);
   void shutDown(Crew& crew);
@@ -52,9 +56,12 @@ class Replay {
   void writeFigures(std::optional<std::int64_t> blocks);
 
   const ReplayOptions& options_;
+  bool colour_;
   Terminal* terminal_; // null: there is no progress to be shown
   Direction direction_;
+  std::ostream& events_;
   std::ostream& diagnostics_;
+  std::optional<Explainer> explainer_;
   Consumers consumers_;
   Figures& figures_;
   bool law_broken_ = false;
@@ -69,15 +76,14 @@ int Replay::run(const std::vector<input_t>& inputs) {
   const std::optional<std::int64_t> before = liveBlocks();
   drive(inputs);
   std::optional<std::int64_t> blocks = liveBlocks();
-  if (blocks) *blocks -= before.value_or(0);
+  if (blocks) *blocks -= before.value_or(0) + (explainer_ ? explainer_->lostBlocks() : 0);
   judge(blocks);
   writeFigures(blocks);
   return status_;
 }
 
 void Replay::setLevel() {
-  const vlt_log_level_t shown = options_.log_level.value_or(DEFAULT_LOG_LEVEL);
-  const bool set = setLogLevel(std::max(shown, LEVEL_OF_DROPS));
+  const bool set = setLogLevel(std::max(shownLogLevel(options_), LEVEL_OF_DROPS));
   if (!set && options_.log_level) {
     report("this host library does not let its log level be set; --log-level is ignored");
   }
@@ -93,11 +99,13 @@ void Replay::drive(const std::vector<input_t>& inputs) {
     consumers_.add(
         against.emplace(*options_.against, configurationOf(options_), direction_, diagnostics_));
   }
+  if (options_.explain) consumers_.add(makeExplainer(library));
   std::vector<log_line_t> log;
   std::optional<Crew> crew;
   try {
     crew.emplace(library, configurationOf(options_), direction_,
-                 worker_options_t{options_.batch_size, true}, options_.threads, log);
+                 worker_options_t{options_.batch_size, true},
+                 crew_options_t{options_.threads, options_.explain.has_value()}, log);
   } catch (const ReplayError&) {
     consumers_.takeLog(log); // it says why
     throw;
@@ -112,7 +120,9 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   }
   consumers_.pause();
   elapsed_ = stopwatch_t::now() - start;
+  if (explainer_) elapsed_ -= explainer_->time(); // the chains were at rest meanwhile
   shutDown(*crew);
+  if (explainer_) explainer_->finish();
   if (against) {
     against->finish();
     reportDifferences(against->comparer(), *options_.against);
@@ -124,6 +134,12 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   consumers_.pause();
 }
 
+Explainer& Replay::makeExplainer(const PluginLibrary& library) {
+  ExplanationForm form = colour_ ? ExplanationForm::coloured_text : ExplanationForm::text;
+  if (*options_.explain == "json") form = ExplanationForm::json;
+  return explainer_.emplace(library, configurationOf(options_), direction_, form, events_);
+}
+
 void Replay::replayAll(const std::vector<input_t>& inputs, Crew& crew) {
   LineReader reader(inputs, options_.repeat);
   std::optional<Progress> progress;
@@ -132,7 +148,8 @@ void Replay::replayAll(const std::vector<input_t>& inputs, Crew& crew) {
   }
   crew.run(reader, {[this](const record_t& record) { consumers_.take(record); },
                     [this](incidents_t& incidents) { reportIncidents(incidents); },
-                    [this] { return consumers_.closed(); }, [this] { consumers_.pause(); }});
+                    [this] { return consumers_.closed() || (explainer_ && explainer_->closed()); },
+                    [this] { consumers_.pause(); }});
   if (isInterrupted()) worsen(EXIT_INTERRUPTED);
   if (progress) consumers_.remove(*progress);
 }
@@ -212,9 +229,9 @@ void Replay::writeFigures(std::optional<std::int64_t> blocks) {
 } // namespace
 
 int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std::ostream& events,
-           std::ostream& diagnostics, Terminal* terminal) noexcept {
+           std::ostream& diagnostics, Terminal* terminal, bool colour) noexcept {
   try {
-    return Replay(options, events, diagnostics, terminal).run(inputs);
+    return Replay(options, events, diagnostics, terminal, colour).run(inputs);
   } catch (const ReplayError& e) {
     diagnostics << REPLAY_NAME << ": " << e.what() << '\n';
     return e.status();

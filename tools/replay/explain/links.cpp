@@ -1,0 +1,223 @@
+#include "tools/replay/explain/links.hpp"
+
+#include <algorithm>
+#include <array>
+#include <set>
+#include <unordered_map>
+#include <utility>
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+// Whether the value of `node` is somewhere in `trace` in its own block.
+bool holdsBlockOf(const Trace& trace, const node_t& node) {
+  return node.block != nullptr &&
+         std::any_of(trace.nodes().begin(), trace.nodes().end(), [&](const node_t& other) {
+           return other.block == node.block && other.sameValue(node);
+         });
+}
+
+class Linker {
+ public:
+  Linker(Probe& probe, const answer_t& base) : probe_(probe), base_(base) {}
+
+  links_t link() && {
+    do {
+      links_ = {};
+      matchBlocks();
+      for (source_t& source : links_.sources) {
+        if (source.moved) follow(source, MOVED_TRIES);
+      }
+    } while (std::exchange(mistaken_, false));
+    for (source_t& source : links_.sources) {
+      if (!source.moved) follow(source, ALL);
+    }
+    askWithout();
+    findReplaced();
+    return std::move(links_);
+  }
+
+ private:
+  static constexpr std::size_t ALL = 100;       // more changes than any value has
+  static constexpr std::size_t MOVED_TRIES = 3; // changes of a value whose fate is known
+
+  void matchBlocks();
+  void addOpenSources(const std::vector<char>& matched);
+  void follow(source_t& source, std::size_t tries);
+  bool note(source_t& source, const answer_t& answer);
+  void check(const source_t& moved, const answer_t& answer);
+  void askWithout();
+  void findReplaced();
+  void findReplacedBy(std::size_t number);
+  bool showsWithout(const source_t& lost, const source_t& other, const answer_t& without_other);
+
+  [[nodiscard]] const node_t& nodeOf(const source_t& source) const {
+    return base_.before[source.node];
+  }
+
+  Probe& probe_;
+  const answer_t& base_;
+  links_t links_;
+  std::set<std::size_t> made_anew_; // nodes before whose block came out for another text
+  bool mistaken_ = false;           // one more of them has been found
+};
+
+// From the top of the outcome down: what is matched is done with, with all that is in it.
+void Linker::matchBlocks() {
+  std::unordered_map<const void*, std::size_t> before;
+  const std::vector<node_t>& nodes = base_.before.nodes();
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    if (nodes[i].block != nullptr) before.emplace(nodes[i].block, i);
+  }
+  std::vector<char> matched(nodes.size(), 0);
+  for (std::size_t i = 0; i < base_.after.nodes().size();) {
+    const node_t& node = base_.after[i];
+    const auto found = before.find(node.block);
+    const bool moved = node.block != nullptr && found != before.end() &&
+                       matched[found->second] == 0 && !made_anew_.contains(found->second) &&
+                       base_.before.same(found->second, base_.after, i, Trace::Compare::blocks);
+    if (moved) {
+      const std::size_t from = found->second;
+      std::fill(matched.begin() + static_cast<std::ptrdiff_t>(from),
+                matched.begin() + static_cast<std::ptrdiff_t>(nodes[from].end), 1);
+      links_.sources.push_back(source_t{from, true, {i}});
+    } else if (node.isLeaf()) {
+      links_.made.push_back(i);
+    }
+    i = moved ? node.end : i + 1;
+  }
+  addOpenSources(matched);
+}
+
+void Linker::addOpenSources(const std::vector<char>& matched) {
+  for (std::size_t i = 0; i < matched.size(); ++i) {
+    if (matched[i] == 0 && base_.before[i].isLeaf()) links_.sources.push_back(source_t{i});
+  }
+  std::sort(links_.sources.begin(), links_.sources.end(),
+            [](const source_t& one, const source_t& two) { return one.node < two.node; });
+}
+
+// Runs the message with `source` changed in one way after the other until something differs.
+void Linker::follow(source_t& source, std::size_t tries) {
+  if (links_.made.empty() && source.moved) return;
+  const path_t& path = nodeOf(source).path;
+  const data_t* const value = valueAt(probe_.message(), path);
+  std::vector<change_t> changes;
+  if (value != nullptr) {
+    for (data_t& changed : changedValues(*value)) changes.push_back({path, std::move(changed)});
+  }
+  if (changes.empty()) changes.push_back(change_t::removal(path));
+  changes.resize(std::min(changes.size(), tries));
+  for (const change_t& change : changes) {
+    const std::optional<answer_t> answer = probe_.ask(change);
+    if (!answer) {
+      source.followed = false;
+      return;
+    }
+    if (!answer->cameOut()) continue;
+    if (source.moved) check(source, *answer);
+    if (note(source, *answer) || source.moved) return;
+  }
+}
+
+// Notes which of the made leaves differ in `answer`, which is with `source` changed; whether any.
+bool Linker::note(source_t& source, const answer_t& answer) {
+  const node_t& was = nodeOf(source);
+  const node_t* const is = answer.before.find(was.path); // null: the change was to leave it out
+  for (const std::size_t number : links_.made) {
+    const node_t& before = base_.after[number];
+    const node_t* const after = answer.after.find(before.path);
+    if (after != nullptr && after->sameValue(before)) continue;
+    const bool follows =
+        is == nullptr ? after == nullptr : after != nullptr && after->sameValue(*is);
+    (before.sameValue(was) && follows ? source.carried : source.shaped).push_back(number);
+  }
+  if (!source.carried.empty() || !source.shaped.empty()) return true;
+  source.steers = source.steers || !answer.after.sameContent(base_.after);
+  return false;
+}
+
+// Whether what was taken for `moved` is it: otherwise it does not come out in its new block either.
+void Linker::check(const source_t& moved, const answer_t& answer) {
+  const node_t* const is = answer.before.find(nodeOf(moved).path);
+  if (is == nullptr || !is->isLeaf()) return;
+  const node_t* const there = answer.after.find(base_.after[moved.carried.front()].path);
+  if (there != nullptr && there->sameValue(*is)) return;
+  if (holdsBlockOf(answer.after, *is)) return;
+  made_anew_.insert(moved.node);
+  mistaken_ = true;
+}
+
+void Linker::askWithout() {
+  for (source_t& source : links_.sources) {
+    if (!source.isLost()) continue;
+    const std::optional<answer_t> answer = probe_.ask(change_t::removal(nodeOf(source).path));
+    if (!answer) return;
+    if (!answer->cameOut()) {
+      source.without = Without::dropped;
+    } else if (answer->passed()) {
+      source.without = Without::passed;
+    } else if (source.steers || !answer->after.sameContent(base_.after)) {
+      source.without = Without::different;
+    }
+  }
+}
+
+void Linker::findReplaced() {
+  const auto lost = [](const source_t& source) { return source.isLost(); };
+  if (std::none_of(links_.sources.begin(), links_.sources.end(), lost)) return;
+  for (std::size_t i = 0; i < links_.sources.size(); ++i) {
+    if (!links_.sources[i].isLost() && links_.sources[i].followed) findReplacedBy(i);
+  }
+}
+
+void Linker::findReplacedBy(std::size_t number) {
+  const source_t& other = links_.sources[number];
+  const std::optional<answer_t> answer = probe_.ask(change_t::removal(nodeOf(other).path));
+  if (!answer || !answer->cameOut() || answer->passed()) return;
+  for (source_t& source : links_.sources) {
+    if (!source.isLost() || source.replaced_by) continue;
+    if (showsWithout(source, other, *answer)) source.replaced_by = number;
+  }
+}
+
+// Whether `lost` comes out once `other` is not there: its block does, or what stands then where
+// `other` stood differs when `lost` is changed.
+bool Linker::showsWithout(const source_t& lost, const source_t& other,
+                          const answer_t& without_other) {
+  constexpr std::size_t TRIES = 2;
+  const node_t* const node = without_other.before.find(nodeOf(lost).path);
+  if (node == nullptr) return false;
+  if (holdsBlockOf(without_other.after, *node)) return true;
+  std::vector<std::size_t> places = other.carried;
+  places.insert(places.end(), other.shaped.begin(), other.shaped.end());
+  std::erase_if(places, [&](std::size_t place) {
+    return without_other.after.find(base_.after[place].path) == nullptr;
+  });
+  if (places.empty()) return false;
+  std::vector<data_t> values = changedValues(*valueAt(probe_.message(), node->path));
+  values.resize(std::min(values.size(), TRIES));
+  for (data_t& value : values) {
+    const std::array<change_t, 2> changes = {change_t::removal(nodeOf(other).path),
+                                             change_t{node->path, std::move(value)}};
+    const std::optional<answer_t> answer = probe_.ask(changes);
+    if (!answer || !answer->cameOut()) continue;
+    const auto differs = [&](std::size_t place) {
+      return !answer->after.sameBelow(base_.after[place].path, without_other.after);
+    };
+    if (std::any_of(places.begin(), places.end(), differs)) return true;
+  }
+  return false;
+}
+
+} // namespace
+
+bool links_t::complete() const noexcept {
+  return std::all_of(sources.begin(), sources.end(),
+                     [](const source_t& source) { return source.followed; });
+}
+
+links_t linksOf(Probe& probe, const answer_t& base) { return Linker(probe, base).link(); }
+
+} // namespace com::velanto::connectivity::tools

@@ -1,0 +1,61 @@
+// Runs one message again and again, each time with something else changed, and tells what comes of
+// it. It knows no plug-in: whoever makes it says how to run a message.
+#ifndef VLT_TOOLS_REPLAY_EXPLAIN_PROBE_HPP
+#define VLT_TOOLS_REPLAY_EXPLAIN_PROBE_HPP
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "tools/replay/chain.hpp"
+#include "tools/replay/explain/change.hpp"
+#include "tools/replay/explain/trace.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+// What came of one run.
+struct answer_t {
+  Trace before; // of the message as it went in
+  Trace after;  // of all that came out
+  std::size_t messages = 0;
+  std::string log; // the lines that say why something failed, each with its end
+
+  [[nodiscard]] bool cameOut() const noexcept { return messages > 0; }
+  [[nodiscard]] bool passed() const { return messages == 1 && before.sameContent(after); }
+};
+
+class Probe {
+ public:
+  // Sends one message, which is the caller's to change, through the plug-in.
+  using Plugin = std::function<passage_t(Message& message)>;
+
+  // `message` must outlive the probe. What is looked at in all runs together is bounded: a message
+  // of 1 000 values is run some 4 000 times at most, one of 20 000 values some 200 times.
+  Probe(const Message& message, Plugin plugin) : message_(message), plugin_(std::move(plugin)) {}
+
+  // The message as it is; always allowed.
+  answer_t ask() const { return run({}); }
+  // The message with `changes` made in this order; nothing when the bound is reached.
+  std::optional<answer_t> ask(std::span<const change_t> changes);
+  std::optional<answer_t> ask(const change_t& change) { return ask(std::span(&change, 1)); }
+
+  [[nodiscard]] const Message& message() const noexcept { return message_; }
+  // Runs with changes until now, and whether one more has been refused.
+  [[nodiscard]] std::size_t runs() const noexcept { return runs_; }
+  [[nodiscard]] bool exhausted() const noexcept { return exhausted_; }
+
+ private:
+  [[nodiscard]] answer_t run(std::span<const change_t> changes) const;
+
+  const Message& message_;
+  Plugin plugin_;
+  std::size_t runs_ = 0;
+  std::size_t looked_at_ = 0; // values, in all runs
+  bool exhausted_ = false;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif
