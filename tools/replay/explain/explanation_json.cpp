@@ -41,19 +41,16 @@ void writeRow(JsonLine& line, const row_t& row) {
   line.close('}');
 }
 
-void writeBlame(JsonLine& line, const blame_t& blame) {
-  line.item("faults").open('[');
-  for (const fault_t& fault : blame.faults) {
+void writeFaults(JsonLine& line, const char* name, const std::vector<fault_t>& faults) {
+  line.item(name).open('[');
+  for (const fault_t& fault : faults) {
     line.item(nullptr).open('{');
     line.item("path").raw(jsonOf(fault.path));
     line.item("missing").raw(fault.missing ? "true" : "false");
     if (!fault.found.empty()) line.item("value").raw(fault.found);
-    line.item("mended").raw(fault.mended);
+    if (!fault.mended.empty()) line.item("mended").raw(fault.mended);
     line.close('}');
   }
-  line.close(']');
-  line.item("suspects").open('[');
-  for (const path_t& path : blame.suspects) line.item(nullptr).raw(jsonOf(path));
   line.close(']');
 }
 
@@ -85,7 +82,10 @@ std::string explanationJson(const record_t& record, const explanation_t& explana
   line.item("fields").open('[');
   for (const row_t& row : explanation.rows) writeRow(line, row);
   line.close(']');
-  if (record.outcome == Outcome::dropped) writeBlame(line, explanation.blame);
+  if (record.outcome == Outcome::dropped) {
+    writeFaults(line, "faults", explanation.blame.faults);
+    writeFaults(line, "suspects", explanation.blame.suspects);
+  }
   writeLog(line, record);
   line.item("runs").number(explanation.runs);
   line.item("limited").raw(explanation.limited ? "true" : "false");

@@ -253,18 +253,23 @@ void Teller::tellUnknown(const row_t& row) {
                  " out: the message is too large to be run again for each of them");
 }
 
+std::string phraseOf(const fault_t& fault) {
+  if (fault.missing) return cutBefore(textOf(fault.path), PHRASE_WIDTH - 12) + " is missing";
+  if (!fault.found.empty()) return phraseOf(place_t{fault.path, fault.found});
+  return cutBefore(textOf(fault.path), PHRASE_WIDTH - 18) + ", a list or map";
+}
+
 void tellDropped(const record_t& record, const blame_t& blame, Page& page) {
   for (const log_line_t& line : record.log) {
     if (line.level <= FAILURE_LEVEL) page.text("logged", Colour::none, line.text);
   }
   for (const fault_t& fault : blame.faults) {
-    parts_t parts = {phraseOf({fault.path, fault.missing ? "" : fault.found})};
-    parts.front() += fault.missing ? " is missing;" : ";";
-    parts.push_back(cutBehind(fault.mended, PHRASE_WIDTH - 10) + " would do");
-    page.entry("at fault", Colour::red, parts);
+    page.entry("at fault", Colour::red,
+               {phraseOf(fault) + ";", cutBehind(fault.mended, PHRASE_WIDTH - 10) + " would do"});
   }
-  if (blame.suspects.empty()) return;
-  page.entry("suspects", Colour::yellow, listed(pathPhrasesOf(blame.suspects)));
+  for (const fault_t& fault : blame.suspects) {
+    page.entry("suspect", Colour::yellow, {phraseOf(fault)});
+  }
 }
 
 } // namespace

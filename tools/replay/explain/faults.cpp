@@ -48,7 +48,11 @@ class Stage {
   // Whether at most `faults_left` mendings lead to a message that comes out; `faults` then has them.
   bool solve(std::size_t faults_left, std::vector<fault_t>& faults);
 
-  [[nodiscard]] std::vector<path_t> suspects() const;
+  // From now on mending is tried with every leaf.
+  void suspectAll();
+
+  // Of those whose mending was tried, the ones that have most to do with what is logged.
+  [[nodiscard]] std::vector<fault_t> suspects() const;
 
  private:
   struct way_t {
@@ -63,6 +67,7 @@ class Stage {
   void addMissing(std::vector<change_t>& mendings) const;
   [[nodiscard]] std::optional<answer_t> askWith(const change_t& change);
   [[nodiscard]] bool saysSomethingElse(const change_t& change, const answer_t& answer) const;
+  [[nodiscard]] fault_t faultAt(const path_t& path) const;
   [[nodiscard]] fault_t faultOf(const change_t& change) const;
 
   Probe& probe_;
@@ -73,8 +78,9 @@ class Stage {
   std::vector<std::string> names_; // quoted in it
   std::vector<path_t> named_;      // what stands under one of them, or is repeated in the text
   std::vector<path_t> altering_;   // leaves with which the text becomes another one
-  std::vector<path_t> suspects_;   // whose mending is tried
-  std::vector<way_t> ways_;        // changes with which another reason is logged
+  std::vector<path_t> leaves_;
+  std::vector<path_t> suspects_; // whose mending is tried
+  std::vector<way_t> ways_;      // changes with which another reason is logged
 };
 
 std::optional<answer_t> Stage::askWith(const change_t& change) {
@@ -86,10 +92,9 @@ std::optional<answer_t> Stage::askWith(const change_t& change) {
 }
 
 void Stage::findSuspects() {
-  std::vector<path_t> leaves;
   for (const node_t& node : answer_.before.nodes()) {
-    if (!node.isLeaf() || leaves.size() == MOST_SUSPECTS) continue;
-    leaves.push_back(node.path);
+    if (!node.isLeaf() || leaves_.size() == MOST_SUSPECTS) continue;
+    leaves_.push_back(node.path);
     look(node);
   }
   std::erase_if(named_, [this](const path_t& path) { return isOnlyMentioned(path); });
@@ -100,7 +105,11 @@ void Stage::findSuspects() {
     named_.push_back(node.path);
   }
   suspects_ = named_;
-  for (const path_t& path : named_.empty() ? leaves : altering_) {
+  if (named_.empty()) suspectAll();
+}
+
+void Stage::suspectAll() {
+  for (const path_t& path : leaves_) {
     if (!contains(suspects_, path)) suspects_.push_back(path);
   }
 }
@@ -130,19 +139,22 @@ bool Stage::isOnlyMentioned(const path_t& path) {
   return true;
 }
 
-std::vector<path_t> Stage::suspects() const {
+std::vector<fault_t> Stage::suspects() const {
   std::vector<path_t> paths = named_;
-  for (const way_t& way : ways_) {
-    const path_t& path = way.change.path;
-    if (answer_.before.find(path) == nullptr && !contains(paths, path)) paths.push_back(path);
-  }
-  if (paths.empty()) paths = altering_;
-  for (const way_t& way : ways_) {
-    if (named_.empty() && altering_.empty() && !contains(paths, way.change.path)) {
-      paths.push_back(way.change.path);
+  const auto addWays = [&](bool missing) {
+    for (const way_t& way : ways_) {
+      const path_t& path = way.change.path;
+      const bool is_missing = answer_.before.find(path) == nullptr;
+      if (is_missing == missing && !contains(paths, path)) paths.push_back(path);
     }
-  }
-  return paths;
+  };
+  addWays(true);
+  if (paths.empty()) paths = altering_;
+  if (paths.empty()) addWays(false);
+  std::vector<fault_t> suspects;
+  suspects.reserve(paths.size());
+  for (const path_t& path : paths) suspects.push_back(faultAt(path));
+  return suspects;
 }
 
 std::vector<change_t> Stage::mendings() const {
@@ -190,12 +202,13 @@ bool Stage::saysSomethingElse(const change_t& change, const answer_t& answer) co
          !isWithoutMention(answer_.log, answer.log, old_text);
 }
 
+fault_t Stage::faultAt(const path_t& path) const {
+  const node_t* const found = answer_.before.find(path);
+  return {path, found == nullptr ? "" : found->json, found == nullptr};
+}
+
 fault_t Stage::faultOf(const change_t& change) const {
-  fault_t fault;
-  fault.path = change.path;
-  const node_t* const found = answer_.before.find(change.path);
-  fault.missing = found == nullptr;
-  if (found != nullptr) fault.found = found->json;
+  fault_t fault = faultAt(change.path);
   writeJson(fault.mended, *change.value);
   return fault;
 }
@@ -231,10 +244,13 @@ bool Stage::solve(std::size_t faults_left, std::vector<fault_t>& faults) {
 blame_t blameFor(Probe& probe, const answer_t& base) {
   Stage stage(probe, {}, base);
   blame_t blame;
+  if (stage.solve(1, blame.faults)) return blame;
+  std::vector<fault_t> suspects = stage.suspects();
+  stage.suspectAll();
   for (std::size_t faults = 1; faults <= MOST_FAULTS; ++faults) {
     if (stage.solve(faults, blame.faults)) return blame;
   }
-  blame.suspects = stage.suspects();
+  blame.suspects = std::move(suspects);
   return blame;
 }
 

@@ -21,16 +21,16 @@ namespace com::velanto::connectivity::tools {
 
 struct fault_t {
   path_t path;
-  std::string found;  // JSON of a leaf; empty: a list or map,
-  bool missing;       // or nothing at all
-  std::string mended; // JSON of a value with which it goes on
+  std::string found;    // JSON of a leaf; empty: a list or map,
+  bool missing = false; // or nothing at all
+  std::string mended{}; // JSON of a value with which it goes on; empty: none was found
   bool operator==(const fault_t&) const = default;
 };
 
 struct blame_t {
   // In the order in which they are met; with all of them mended the message comes out.
   std::vector<fault_t> faults;
-  std::vector<path_t> suspects; // when there are no faults; may also be names that are not there
+  std::vector<fault_t> suspects; // when there are no faults
 };
 
 // `base` is what the probe answers when nothing is changed; nothing came out.
