@@ -45,8 +45,8 @@ class Replay {
  private:
   void setLevel();
   void drive(const std::vector<input_t>& inputs);
-  Explainer& makeExplainer(const PluginLibrary& library);
-  void replayAll(const std::vector<input_t>& inputs, Crew& crew);
+  [[nodiscard]] ExplanationForm explanationForm() const;
+  void replayAll(const std::vector<input_t>& inputs, Crew& crew, const Explainer* explainer);
   void reportIncidents(incidents_t& incidents);
   void shutDown(Crew& crew);
   void report(const std::string& text) { diagnostics_ << REPLAY_NAME << ": " + text + "\n"; }
@@ -61,10 +61,10 @@ class Replay {
   Direction direction_;
   std::ostream& events_;
   std::ostream& diagnostics_;
-  std::optional<Explainer> explainer_;
   Consumers consumers_;
   Figures& figures_;
   bool law_broken_ = false;
+  std::int64_t lost_blocks_ = 0; // by the plug-in that explains
   std::chrono::nanoseconds elapsed_{};
   exit_status_t status_ = EXIT_FINE;
 };
@@ -76,7 +76,7 @@ int Replay::run(const std::vector<input_t>& inputs) {
   const std::optional<std::int64_t> before = liveBlocks();
   drive(inputs);
   std::optional<std::int64_t> blocks = liveBlocks();
-  if (blocks) *blocks -= before.value_or(0) + (explainer_ ? explainer_->lostBlocks() : 0);
+  if (blocks) *blocks -= before.value_or(0) + lost_blocks_;
   judge(blocks);
   writeFigures(blocks);
   return status_;
@@ -99,7 +99,11 @@ void Replay::drive(const std::vector<input_t>& inputs) {
     consumers_.add(
         against.emplace(*options_.against, configurationOf(options_), direction_, diagnostics_));
   }
-  if (options_.explain) consumers_.add(makeExplainer(library));
+  std::optional<Explainer> explainer;
+  if (options_.explain) {
+    consumers_.add(explainer.emplace(library, configurationOf(options_), direction_,
+                                     explanationForm(), events_));
+  }
   std::vector<log_line_t> log;
   std::optional<Crew> crew;
   try {
@@ -113,16 +117,19 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   consumers_.takeLog(log);
   const stopwatch_t::time_point start = stopwatch_t::now();
   try {
-    replayAll(inputs, *crew);
+    replayAll(inputs, *crew, explainer ? &*explainer : nullptr);
   } catch (...) {
     consumers_.pause(); // what has come out until now counts, whatever stops the run
     throw;
   }
   consumers_.pause();
   elapsed_ = stopwatch_t::now() - start;
-  if (explainer_) elapsed_ -= explainer_->time(); // the chains were at rest meanwhile
+  if (explainer) elapsed_ -= explainer->time(); // the chains were at rest meanwhile
   shutDown(*crew);
-  if (explainer_) explainer_->finish();
+  if (explainer) {
+    explainer->finish();
+    lost_blocks_ = explainer->lostBlocks();
+  }
   if (against) {
     against->finish();
     reportDifferences(against->comparer(), *options_.against);
@@ -134,13 +141,12 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   consumers_.pause();
 }
 
-Explainer& Replay::makeExplainer(const PluginLibrary& library) {
-  ExplanationForm form = colour_ ? ExplanationForm::coloured_text : ExplanationForm::text;
-  if (*options_.explain == "json") form = ExplanationForm::json;
-  return explainer_.emplace(library, configurationOf(options_), direction_, form, events_);
+ExplanationForm Replay::explanationForm() const {
+  if (*options_.explain == "json") return ExplanationForm::json;
+  return colour_ ? ExplanationForm::coloured_text : ExplanationForm::text;
 }
 
-void Replay::replayAll(const std::vector<input_t>& inputs, Crew& crew) {
+void Replay::replayAll(const std::vector<input_t>& inputs, Crew& crew, const Explainer* explainer) {
   LineReader reader(inputs, options_.repeat);
   std::optional<Progress> progress;
   if (terminal_ != nullptr) {
@@ -148,7 +154,7 @@ void Replay::replayAll(const std::vector<input_t>& inputs, Crew& crew) {
   }
   crew.run(reader, {[this](const record_t& record) { consumers_.take(record); },
                     [this](incidents_t& incidents) { reportIncidents(incidents); },
-                    [this] { return consumers_.closed() || (explainer_ && explainer_->closed()); },
+                    [&] { return consumers_.closed() || (explainer && explainer->closed()); },
                     [this] { consumers_.pause(); }});
   if (isInterrupted()) worsen(EXIT_INTERRUPTED);
   if (progress) consumers_.remove(*progress);

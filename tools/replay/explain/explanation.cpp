@@ -1,8 +1,16 @@
 #include "tools/replay/explain/explanation.hpp"
 
+#include <algorithm>
+
 #include "tools/replay/explain/rows.hpp"
 
 namespace com::velanto::connectivity::tools {
+
+namespace {
+
+bool isUnchanged(const row_t& row) { return row.fate == Fate::unchanged; }
+
+} // namespace
 
 explanation_t explain(const record_t& record, Probe& probe) {
   explanation_t explanation;
@@ -10,13 +18,17 @@ explanation_t explain(const record_t& record, Probe& probe) {
   explanation.stable = base.messages == record.outputs.size() &&
                        base.after.sameContent(Trace(std::span(record.outputs)));
   if (!explanation.stable) return explanation;
-  explanation.passed = base.passed();
   if (base.cameOut()) {
     explanation.rows = rowsOf(base, linksOf(probe, base));
+    explanation.passed =
+        base.passed() && std::all_of(explanation.rows.begin(), explanation.rows.end(), isUnchanged);
   } else {
     explanation.rows = lostRowsOf(base.before);
     explanation.blame = blameFor(probe, base);
   }
+  // Whoever remembers messages answers the same question differently some time.
+  explanation.stable = probe.ask().after.sameContent(base.after);
+  if (!explanation.stable) return {false};
   explanation.runs = probe.runs();
   explanation.limited = probe.exhausted();
   return explanation;

@@ -14,13 +14,13 @@
 namespace com::velanto::connectivity::tools {
 
 struct explanation_t {
-  bool stable = true;      // the plug-in gave the same as in the run when it was asked again;
-                           // otherwise nothing is derived
-  bool passed = false;     // one message came out, the same as went in
-  bool limited = false;    // the message is too large for all that should have been tried
-  std::size_t runs = 0;    // of the message with something changed
-  std::vector<row_t> rows; // what became of each field
-  blame_t blame;           // when nothing came out
+  bool stable = true;        // the plug-in gave the same as in the run when it was asked again;
+                             // otherwise nothing is derived
+  bool passed = false;       // one message came out, the same as went in
+  bool limited = false;      // the message is too large for all that should have been tried
+  std::size_t runs = 0;      // of the message with something changed
+  std::vector<row_t> rows{}; // what became of each field
+  blame_t blame{};           // when nothing came out
 };
 
 // `record` tells what came of the message in the run, `probe` asks for it again.

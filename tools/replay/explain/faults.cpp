@@ -1,7 +1,9 @@
 #include "tools/replay/explain/faults.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include "tools/ndjson/json_writer.hpp"
@@ -17,7 +19,7 @@ constexpr std::size_t MOST_FAULTS = 4;     // in one message
 constexpr std::size_t MOST_RUNS = 2500;    // for one message
 constexpr std::size_t MOST_SUSPECTS = 100; // values of a message that are looked at
 constexpr std::size_t MOST_CHANGES = 4;    // of one value
-constexpr std::size_t MOST_WAYS = 4;       // other reasons to go on from
+constexpr std::size_t MOST_WAYS = 6;       // to go on from one state
 
 bool contains(const std::vector<path_t>& paths, const path_t& path) {
   return std::find(paths.begin(), paths.end(), path) != paths.end();
@@ -214,7 +216,7 @@ fault_t Stage::faultOf(const change_t& change) const {
 }
 
 bool Stage::solve(std::size_t faults_left, std::vector<fault_t>& faults) {
-  std::set<std::string> reasons;
+  std::set<std::tuple<std::string, path_t, std::uint32_t>> tried; // reason, place, kind
   ways_.clear();
   for (const change_t& change : mendings()) {
     std::optional<answer_t> answer = askWith(change);
@@ -224,7 +226,9 @@ bool Stage::solve(std::size_t faults_left, std::vector<fault_t>& faults) {
       return true;
     }
     if (ways_.size() == MOST_WAYS || !saysSomethingElse(change, *answer)) continue;
-    if (reasons.insert(answer->log).second) ways_.push_back({change, std::move(*answer)});
+    if (tried.emplace(answer->log, change.path, change.value->type_tag()).second) {
+      ways_.push_back({change, std::move(*answer)});
+    }
   }
   if (faults_left == 1) return false;
   for (const way_t& way : ways_) {

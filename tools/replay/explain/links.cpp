@@ -10,12 +10,14 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-// Whether the value of `node` is somewhere in `trace` in its own block.
-bool holdsBlockOf(const Trace& trace, const node_t& node) {
-  return node.block != nullptr &&
-         std::any_of(trace.nodes().begin(), trace.nodes().end(), [&](const node_t& other) {
-           return other.block == node.block && other.sameValue(node);
-         });
+// Where in `trace` the value of `node` lies in its own block.
+std::vector<path_t> pathsOfBlock(const Trace& trace, const node_t& node) {
+  std::vector<path_t> paths;
+  if (node.block == nullptr) return paths;
+  for (const node_t& other : trace.nodes()) {
+    if (other.block == node.block && other.sameValue(node)) paths.push_back(other.path);
+  }
+  return paths;
 }
 
 class Linker {
@@ -27,7 +29,7 @@ class Linker {
       links_ = {};
       matchBlocks();
       for (source_t& source : links_.sources) {
-        if (source.moved) follow(source, MOVED_TRIES);
+        if (source.moved) follow(source, FEW_TRIES);
       }
     } while (std::exchange(mistaken_, false));
     for (source_t& source : links_.sources) {
@@ -39,8 +41,8 @@ class Linker {
   }
 
  private:
-  static constexpr std::size_t ALL = 100;       // more changes than any value has
-  static constexpr std::size_t MOVED_TRIES = 3; // changes of a value whose fate is known
+  static constexpr std::size_t ALL = 100;     // more changes than any value has
+  static constexpr std::size_t FEW_TRIES = 3; // changes of a value of which much is known
 
   void matchBlocks();
   void addOpenSources(const std::vector<char>& matched);
@@ -144,7 +146,7 @@ void Linker::check(const source_t& moved, const answer_t& answer) {
   if (is == nullptr || !is->isLeaf()) return;
   const node_t* const there = answer.after.find(base_.after[moved.carried.front()].path);
   if (there != nullptr && there->sameValue(*is)) return;
-  if (holdsBlockOf(answer.after, *is)) return;
+  if (!pathsOfBlock(answer.after, *is).empty()) return;
   made_anew_.insert(moved.node);
   mistaken_ = true;
 }
@@ -182,33 +184,35 @@ void Linker::findReplacedBy(std::size_t number) {
   }
 }
 
-// Whether `lost` comes out once `other` is not there: its block does, or what stands then where
-// `other` stood differs when `lost` is changed.
+// Where `lost` may have come out once `other` is not there: where its block is, and where `other`
+// stood. A block may also have been freed and used again, so a change has to show.
 bool Linker::showsWithout(const source_t& lost, const source_t& other,
                           const answer_t& without_other) {
-  constexpr std::size_t TRIES = 2;
   const node_t* const node = without_other.before.find(nodeOf(lost).path);
   if (node == nullptr) return false;
-  if (holdsBlockOf(without_other.after, *node)) return true;
-  std::vector<std::size_t> places = other.carried;
-  places.insert(places.end(), other.shaped.begin(), other.shaped.end());
-  std::erase_if(places, [&](std::size_t place) {
-    return without_other.after.find(base_.after[place].path) == nullptr;
-  });
+  std::vector<path_t> places = pathsOfBlock(without_other.after, *node);
+  const bool has_block = !places.empty();
+  for (const std::vector<std::size_t>* numbers : {&other.carried, &other.shaped}) {
+    for (const std::size_t number : *numbers) places.push_back(base_.after[number].path);
+  }
+  std::erase_if(places,
+                [&](const path_t& path) { return without_other.after.find(path) == nullptr; });
   if (places.empty()) return false;
+  bool came_out = false;
   std::vector<data_t> values = changedValues(*valueAt(probe_.message(), node->path));
-  values.resize(std::min(values.size(), TRIES));
+  values.resize(std::min(values.size(), FEW_TRIES));
   for (data_t& value : values) {
     const std::array<change_t, 2> changes = {change_t::removal(nodeOf(other).path),
                                              change_t{node->path, std::move(value)}};
     const std::optional<answer_t> answer = probe_.ask(changes);
     if (!answer || !answer->cameOut()) continue;
-    const auto differs = [&](std::size_t place) {
-      return !answer->after.sameBelow(base_.after[place].path, without_other.after);
+    came_out = true;
+    const auto differs = [&](const path_t& path) {
+      return !answer->after.sameBelow(path, without_other.after);
     };
     if (std::any_of(places.begin(), places.end(), differs)) return true;
   }
-  return false;
+  return has_block && !came_out;
 }
 
 } // namespace

@@ -39,10 +39,10 @@ void addMendedTexts(std::vector<data_t>& values, const std::string& text) {
   addNumber<double>(values, text);
   const std::size_t begin = std::min(text.find_first_not_of(' '), text.size());
   const std::string trimmed = text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
+  std::set<std::string> seen = {text};
   for (const std::string& mended :
-       {trimmed, inLetters(text, &std::toupper), inLetters(text, &std::tolower),
-        inLetters(trimmed, &std::toupper)}) {
-    if (mended != text) values.emplace_back(mended.c_str());
+       {trimmed, inLetters(trimmed, &std::toupper), inLetters(trimmed, &std::tolower)}) {
+    if (seen.insert(mended).second) values.emplace_back(mended.c_str());
   }
 }
 

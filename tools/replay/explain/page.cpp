@@ -6,6 +6,8 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
+constexpr std::size_t LABEL = 11;     // columns, with the blanks behind it
+constexpr std::size_t CONTINUED = 15; // columns before a line that goes on
 constexpr const char* MARGIN = "  ";
 
 // The bytes of the first `width` characters.
@@ -41,8 +43,8 @@ void Page::entry(std::string_view label, Colour colour, const std::vector<std::s
   for (const std::string& part : parts) {
     const std::size_t width = widthOf(part);
     if (!first && width + 1 > room) {
-      out_ += "\n" + std::string(79 - CONTINUED_WIDTH, ' ');
-      room = CONTINUED_WIDTH;
+      out_ += "\n" + std::string(CONTINUED, ' ');
+      room = WIDTH;
       first = true;
     }
     if (!first) out_ += ' ';
@@ -59,8 +61,8 @@ void Page::text(std::string_view label, Colour colour, std::string_view text) {
     const std::size_t blank = text.find(' ');
     std::string_view word = text.substr(0, blank);
     text.remove_prefix(blank == std::string_view::npos ? text.size() : blank + 1);
-    while (widthOf(word) > CONTINUED_WIDTH) {
-      const std::size_t bytes = bytesOf(word, CONTINUED_WIDTH);
+    while (widthOf(word) > WIDTH) {
+      const std::size_t bytes = bytesOf(word, WIDTH);
       words.emplace_back(word.substr(0, bytes));
       word.remove_prefix(bytes);
     }

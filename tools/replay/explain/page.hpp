@@ -27,15 +27,13 @@ enum class Colour {
 
 class Page {
  public:
-  static constexpr std::size_t LABEL = 11;                  // columns, with what is left of it
-  static constexpr std::size_t WIDTH = 79 - 2 - LABEL;      // of an entry's first line
-  static constexpr std::size_t CONTINUED_WIDTH = WIDTH - 2; // of the others
+  static constexpr std::size_t WIDTH = 64; // columns of each line of an entry
 
   explicit Page(bool colour) noexcept : colour_(colour) {}
 
   void heading(std::string_view text);
   // An entry; of several with the same label in a row only the first shows it. The parts stand side
-  // by side as far as there is room, with blanks between them; each must fit a continued line.
+  // by side as far as there is room, with blanks between them; each must fit a line.
   void entry(std::string_view label, Colour colour, const std::vector<std::string>& parts);
   // One of a text, broken between words and, where there is none, within one.
   void text(std::string_view label, Colour colour, std::string_view text);

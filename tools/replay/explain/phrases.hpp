@@ -10,8 +10,8 @@
 
 namespace com::velanto::connectivity::tools {
 
-// Columns of the widest phrase.
-inline constexpr std::size_t PHRASE_WIDTH = 64;
+// Columns of the widest phrase: with an arrow before it and a comma behind it, it fits any line.
+inline constexpr std::size_t PHRASE_WIDTH = 61;
 
 // The path and, of a leaf, the value. A text is cut at its end, a path at its beginning.
 [[nodiscard]] std::string phraseOf(const place_t& place);

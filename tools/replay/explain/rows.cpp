@@ -226,9 +226,11 @@ std::vector<row_t> rowsOf(const answer_t& base, const links_t& links) {
 
 std::vector<row_t> lostRowsOf(const Trace& before) {
   std::vector<row_t> rows;
-  for (const node_t& node : before.nodes()) {
-    const bool is_field = node.path.size() == 2 || (node.path.size() == 1 && node.isLeaf());
-    if (is_field) rows.push_back({Fate::lost, {placeOf(node)}, {}, {}});
+  for (std::size_t i = 0; i < before.nodes().size();) {
+    const node_t& node = before[i];
+    const bool has_fields = node.path.size() == 1 && node.tag == VLT_TAG_MAP && !node.isLeaf();
+    if (!has_fields) rows.push_back({Fate::lost, {placeOf(node)}, {}, {}});
+    i = has_fields ? i + 1 : node.end;
   }
   return rows;
 }

@@ -1,0 +1,50 @@
+// Explains messages as if a plug-in of a few lines had them.
+#ifndef VLT_TESTS_TOOLS_EXPLAIN_EXPLAIN_FIXTURE_HPP
+#define VLT_TESTS_TOOLS_EXPLAIN_EXPLAIN_FIXTURE_HPP
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/support/host_fixture.hpp"
+#include "tests/support/values.hpp"
+#include "tools/ndjson/json_reader.hpp"
+#include "tools/replay/explain/explanation.hpp"
+
+namespace com::velanto::connectivity::test {
+
+// Changes the message into what comes out. False: nothing does. What it throws is logged, and then
+// nothing comes out either.
+using codec_t = std::function<bool(Message& message)>;
+
+// A codec that changes the payload, which is a map, and drops nothing.
+codec_t onPayload(const std::function<void(map_t& payload)>& change);
+
+// Removes and returns what stands under `key`; an empty value when nothing does.
+data_t taken(map_t& map, const char* key);
+
+class ExplainFixture : public HostFixture {
+ protected:
+  // The payload of a message without metadata as JSON, and what is told of it.
+  tools::explanation_t explained(const std::string& payload, const codec_t& codec);
+  // The same for a whole line.
+  tools::explanation_t explainedLine(const std::string& line, const codec_t& codec);
+
+  // The rows of it, one line each: "renamed a → b", "converted a, b → c", "added c",
+  // "copied a ⇒ b" and so on; behind ⇐ what a row refers to.
+  std::string fates(const std::string& payload, const codec_t& codec);
+
+  // Of the last message explained.
+  tools::record_t record_;
+  tools::passage_t run(Message& message, const codec_t& codec);
+
+ private:
+  const std::string file_ = "in";
+  tools::JsonReader reader_;
+};
+
+std::string textOf(const std::vector<tools::row_t>& rows);
+
+} // namespace com::velanto::connectivity::test
+
+#endif

@@ -1,0 +1,253 @@
+// --explain of the built tool.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <sstream>
+
+#include "tests/tools/program.hpp"
+#include "tools/ndjson/json_reader.hpp"
+#include "tools/replay/exit_status.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+class ExplainProgramTest : public Program {
+ protected:
+  // Standard output of a run with the odd plug-in.
+  std::string told(const char* way, const std::string& input) {
+    input_ = input;
+    return run({"--plugin", VLT_ODD_PLUGIN_PATH, "--tenant-id", way, "--explain"}).out;
+  }
+  // The same when standard output leads to a terminal.
+  std::string shownOnATerminal() {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    EXPECT_EQ(grantpt(terminal), 0);
+    EXPECT_EQ(unlockpt(terminal), 0);
+    out_descriptor_ = ::open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    const pid_t child = start(VLT_REPLAY_PATH, {"--explain"});
+    close(out_descriptor_);
+    std::string shown;
+    char piece[1000];
+    for (ssize_t size = 0; (size = read(terminal, piece, sizeof piece)) > 0;) {
+      shown.append(piece, static_cast<std::size_t>(size));
+    }
+    close(terminal);
+    EXPECT_EQ(waitFor(child).status, 0);
+    return shown;
+  }
+};
+
+const char* const FIGURES =
+    "read 1, reached the host 1, dropped 0, malformed 0, T ms, 0 blocks live\n";
+
+} // namespace
+
+TEST_F(ExplainProgramTest, ExplanationsStandInPlaceOfTheEvents) {
+  input_ = eventLine("1");
+  const result_t result = run({"--explain", "--tenant-id", "t1"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out,
+            "<stdin>:1: events, converted\n"
+            "  unchanged  id, text, type\n"
+            "  renamed    source.id → source\n"
+            "  converted  time \"1970-01-01T00:00:05Z\" → firstOccurrenceTime 5.0\n"
+            "  added      metadata.\"vlt.channel\" \"ostrovia.devices\"\n"
+            "             metadata.\"vlt.type\" \"com.tivra.ostrovia.Event\"\n"
+            "             measurements {}\n"
+            "             tenantId \"t1\"\n"
+            "  lost       metadata.pulsarPath (without it, the message passes unchanged)\n");
+  EXPECT_EQ(result.diagnostics, FIGURES);
+}
+
+TEST_F(ExplainProgramTest, AlarmsMeasurementsManagedObjectsAndOperations) {
+  input_ = alarmLine("1") +
+           R"({"metadata":{"pulsarPath":"t/s/measurements/1"},"payload":{"id":"1","type":"T",)"
+           R"("source":{"id":"9","name":"n"},"time":"1970-01-01T00:00:05Z","empty":{},)"
+           R"("f":{"T":{"value":1,"units":"C"},"U":{"value":2.5,"limit":7}},"text":"x"}})"
+           "\n"
+           R"({"metadata":{"pulsarPath":"t/s/managedobjects/1"},"payload":{"id":"1","name":"n",)"
+           R"("type":"T","childDevices":{"references":[]},"o6a_Position":{"lat":1,"fix":"R"},)"
+           R"("tenantId":"t9"}})"
+           "\n"
+           R"({"metadata":{"pulsarPath":"t/s/operations/1"},"payload":{"id":"1","deviceId":"2",)"
+           R"("source":{"id":"9"},"status":"PENDING","creationTime":"pending"}})"
+           "\n";
+  const std::string added =
+      "  added      metadata.\"vlt.channel\" \"ostrovia.devices\"\n"
+      "             metadata.\"vlt.type\" \"com.tivra.ostrovia.";
+  const std::string lost = "metadata.pulsarPath (without it, the message passes unchanged)\n";
+  EXPECT_EQ(run({"--explain", "--tenant-id", "t1"}).out,
+            "<stdin>:1: alarms, converted\n"
+            "  unchanged  count, id, severity, status, text, type\n"
+            "  renamed    source.id → source\n"
+            "  converted  time \"1970-01-01T00:00:05Z\" → 5.0\n" +
+                added + "Alarm\"\n             measurements {}\n             tenantId \"t1\"\n" +
+                "  lost       " + lost +
+                "\n<stdin>:2: measurements, converted\n"
+                "  unchanged  id, text, type\n"
+                "  renamed    source.id → source\n"
+                "  gathered   f.T → measurements.T\n"
+                "             f.U.limit → measurements.U.params.limit\n"
+                "             f.U.value → measurements.U.value\n"
+                "  converted  time \"1970-01-01T00:00:05Z\" → 5.0\n"
+                "  added      metadata.\"vlt.channel\" \"ostrovia.measurements\"\n"
+                "             metadata.\"vlt.type\" \"com.tivra.ostrovia.Measurement\"\n"
+                "             measurements.T.params {}\n"
+                "             tenantId \"t1\"\n"
+                "  lost       empty, source.name\n             " +
+                lost +
+                "\n<stdin>:3: managedobjects, converted\n"
+                "  unchanged  id\n"
+                "  renamed    childDevices → childDeviceIds\n"
+                "             name → source\n"
+                "             o6a_Position.fix → fix\n"
+                "  gathered   o6a_Position.lat → position.lat\n"
+                "  replaced   tenantId \"t9\" → \"t1\"\n" +
+                added + "ManagedObject\"\n             measurements {}\n  lost       type\n" +
+                "             " + lost +
+                "\n<stdin>:4: operations, converted\n"
+                "  unchanged  creationTime, id, status\n"
+                "  renamed    source.id → source\n"
+                "  replaced   deviceId \"2\" by id (needed all the same)\n" +
+                added +
+                "Operation\"\n             measurements {}\n             tenantId \"t1\"\n" +
+                "  lost       " + lost);
+}
+
+TEST_F(ExplainProgramTest, DroppedMessagesHaveTheirLogLinesWithThem) {
+  input_ = textlessLine("7");
+  const result_t result = run({"--explain"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out,
+            "<stdin>:1: events, dropped\n"
+            "  logged     <connectivity.OstroviaNotifications2Codec.replay> Error when\n"
+            "               transforming message towards host ('id' = '7'): Required key\n"
+            "               'text' missing from message payload\n"
+            "  at fault   text is missing; \"x\" would do\n"
+            "  lost       metadata.pulsarPath, id, source, time, type\n");
+  EXPECT_EQ(result.diagnostics,
+            "read 1, reached the host 0, dropped 1, malformed 0, T ms, 0 blocks live\n");
+  EXPECT_TRUE(run({"--explain", "--log-level", "3"}).diagnostics.starts_with(textlessLog("7")));
+}
+
+TEST_F(ExplainProgramTest, OtherPluginsAreExplainedJustTheSame) {
+  EXPECT_EQ(told("swap", passingLine(R"({"a":"x","b":"x","c":1})")),
+            "<stdin>:1: no path, passed\n  unchanged  c\n  renamed    a → b\n             b → a\n");
+  EXPECT_EQ(
+      told("sum", passingLine(R"({"a":9007199254740993,"b":1})")),
+      "<stdin>:1: no path, passed\n  converted  a 9007199254740993, b 1 → sum 9007199254740994\n");
+  EXPECT_EQ(told("refuse", passingLine(R"({"key":7})")),
+            "<stdin>:1: no path, dropped\n"
+            "  logged     <connectivity.OstroviaNotifications2Codec.replay> no 'key'\n"
+            "  suspect    key 7\n  lost       key\n");
+  EXPECT_EQ(told("whisper", passingLine("{\"a\":1}")),
+            "<stdin>:1: no path, dropped\n  lost       a\n");
+  EXPECT_EQ(told("", passingLine("[1]")), "<stdin>:1: no path, passed\n  unchanged  everything\n");
+  EXPECT_EQ(told("numbers", passingLine("{\"a\":1}")),
+            "<stdin>:1: no path, passed\n"
+            "  unknown    when asked again, the plug-in gives something else\n");
+}
+
+TEST_F(ExplainProgramTest, WhatOnlyTheRunsMoreSaidIsNotHeard) {
+  input_ = passingLine("{\"a\":1,\"b\":[]}");
+  EXPECT_EQ(run({"--plugin", VLT_ODD_PLUGIN_PATH, "--tenant-id", "noise", "--explain"}).diagnostics,
+            std::string("noise\n") + FIGURES);
+}
+
+TEST_F(ExplainProgramTest, FiguresAreThoseOfTheRunAlone) {
+  input_ = passingLine("{\"a\":1}") + passingLine("{\"a\":[2]}");
+  environment_ = {"ASAN_OPTIONS=detect_leaks=0"}; // the leak is the subject
+  const result_t result =
+      run({"--plugin", VLT_ODD_PLUGIN_PATH, "--tenant-id", "leak", "--explain"});
+  EXPECT_EQ(result.status, tools::EXIT_LAW);
+  EXPECT_EQ(result.diagnostics,
+            "read 2, reached the host 2, dropped 0, malformed 0, T ms, 2 blocks live\n");
+}
+
+TEST_F(ExplainProgramTest, ThreadsBatchesAndRepetitionChangeNothing) {
+  for (int i = 0; i < 400; ++i) {
+    input_ += eventLine(std::to_string(i)) + textlessLine("x") + alarmLine("5", "big");
+  }
+  const std::string file = folder_.write("in.ndjson", input_);
+  const std::string once = run({"--explain", file}).out;
+  EXPECT_EQ(run({"--explain", "--threads", "3", file}).out, once);
+  EXPECT_EQ(run({"--explain", "--batch-size", "7", file}).out, once);
+  const result_t repeated = run({"--explain", "--repeat", "3", "--quiet", file});
+  EXPECT_EQ(repeated.out, once);
+  EXPECT_EQ(repeated.diagnostics, "");
+}
+
+TEST_F(ExplainProgramTest, LinesOfJsonAreJson) {
+  input_ = eventLine("1") + "x\n" + textlessLine("2") + passingLine("{}");
+  std::istringstream lines(run({"--explain=json"}).out);
+  const char* const begins[] = {
+      R"({"at":"<stdin>:1","kind":"events","outcome":"converted","unchanged":false,"fields":[{)",
+      R"({"at":"<stdin>:2","kind":"no path","outcome":"malformed","reason":"not well-formed JSON"})",
+      R"({"at":"<stdin>:3","kind":"events","outcome":"dropped","unchanged":false,"fields":[{)",
+      R"({"at":"<stdin>:4","kind":"no path","outcome":"passed","unchanged":true,"fields":[{)"};
+  tools::JsonReader reader;
+  for (const char* const begin : begins) {
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_TRUE(line.starts_with(begin)) << line;
+    EXPECT_NO_THROW(static_cast<void>(reader.parseValue(line))) << line;
+  }
+}
+
+TEST_F(ExplainProgramTest, TowardsTheTransportEverythingPasses) {
+  input_ = eventLine("1");
+  EXPECT_EQ(run({"--explain", "--direction", "transport"}).out,
+            "<stdin>:1: events, passed\n  unchanged  everything\n");
+}
+
+TEST_F(ExplainProgramTest, OtherFilesAreWrittenBesides) {
+  input_ = eventLine("1") + textlessLine("2");
+  const result_t result =
+      run({"--explain", "--summary=json", "--dropped", "lost", "--record", "golden"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_TRUE(result.diagnostics.starts_with(R"({"read":2,"reached":1,)")) << result.diagnostics;
+  EXPECT_NE(folder_.read("lost").find(R"("reason":"missing-key")"), std::string::npos);
+  EXPECT_NE(folder_.read("golden").find(R"("firstOccurrenceTime":5.0)"), std::string::npos);
+  EXPECT_EQ(run({"--explain", "--expect", "golden"}).status, 0);
+}
+
+TEST_F(ExplainProgramTest, SuitesHaveNoExplanations) {
+  const result_t result = run({"--suite", ".", "--explain"});
+  EXPECT_EQ(result.status, tools::EXIT_USAGE);
+  EXPECT_EQ(result.diagnostics,
+            "ostrovia-replay: --suite takes no FILES, --expect, --record, --dropped, --summary or "
+            "--explain\n");
+}
+
+TEST_F(ExplainProgramTest, AFullDeviceIsAnError) {
+  input_ = eventLine("1");
+  out_path_ = "/dev/full";
+  const result_t result = run({"--explain"});
+  EXPECT_EQ(result.status, tools::EXIT_IO);
+  EXPECT_EQ(result.diagnostics,
+            "ostrovia-replay: cannot write the explanations: No space left on device\n");
+}
+
+TEST_F(ExplainProgramTest, TerminalsShowColoursUnlessTheyAreUnwanted) {
+  input_ = eventLine("1");
+  environment_ = {"NO_COLOR="}; // empty is as good as none
+  EXPECT_NE(shownOnATerminal().find("\x1B[2munchanged\x1B[0m  id, text, type\r\n"),
+            std::string::npos);
+  environment_ = {"NO_COLOR=1"};
+  EXPECT_EQ(shownOnATerminal().find('\x1B'), std::string::npos);
+}
+
+TEST_F(ExplainProgramTest, LinesOfAllSamplesFit80Columns) {
+  std::istringstream lines(runShell("ostrovia-replay --explain " VLT_SAMPLES "/*.ndjson").out);
+  std::size_t count = 0;
+  for (std::string line; std::getline(lines, line); ++count) {
+    std::size_t width = 0;
+    for (const char c : line) width += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
+    EXPECT_LT(width, 80u) << line;
+  }
+  EXPECT_GT(count, 5000u);
+}
+
+} // namespace com::velanto::connectivity::test

@@ -1,0 +1,78 @@
+// Every sample explained with the real plug-in: nothing may be left out or told twice, and every
+// kind of notification becomes what docs/fields.md says.
+#include "tests/support/samples.hpp"
+
+#include "tests/support/host_fixture.hpp"
+#include "tests/tools/explain/accounting.hpp"
+#include "tests/tools/explain/explain_fixture.hpp"
+#include "tools/plugin_host/plugin_library.hpp"
+#include "tools/replay/explain/silence.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+class SamplesTest : public HostFixture {
+ protected:
+  SamplesTest() {
+    const data_t configuration = map_of("tenantId", text("t4100"));
+    chain_.emplace(library_, configuration, tools::Direction::towardsHost, log_);
+  }
+
+  tools::passage_t send(Message& message) {
+    return std::move(chain_->send(std::span(&message, 1)));
+  }
+  tools::explanation_t explained(const Message& message) {
+    const tools::Silence silence; // for lines that the plug-in writes past the log
+    Message sent = copyOf(message);
+    tools::passage_t passage = send(sent);
+    after_ = tools::Trace(passage.outputs);
+    record_ = {};
+    record_.outputs = std::move(passage.outputs);
+    record_.log = std::move(passage.log);
+    tools::Probe probe(message, [this](Message& changed) { return send(changed); });
+    return tools::explain(record_, probe);
+  }
+
+  const tools::LogCapture capture_;
+  const tools::PluginLibrary library_{VLT_PLUGIN_PATH};
+  std::vector<tools::log_line_t> log_;
+  std::optional<tools::Chain> chain_;
+  tools::record_t record_;
+  tools::Trace after_;
+};
+
+} // namespace
+
+TEST_F(SamplesTest, EveryLeafIsToldOfOnce) {
+  for (const sample_t& sample : readSamples()) {
+    const tools::explanation_t told = explained(sample.message);
+    EXPECT_TRUE(told.stable) << sample.place;
+    EXPECT_FALSE(told.limited) << sample.place;
+    EXPECT_EQ(unaccounted(tools::Trace(sample.message), after_, told.rows), "") << sample.place;
+    for (const tools::row_t& row : told.rows) {
+      EXPECT_NE(row.fate, tools::Fate::unknown) << sample.place;
+    }
+    const bool blamed = !told.blame.faults.empty() || !told.blame.suspects.empty();
+    EXPECT_EQ(blamed, record_.outputs.empty()) << sample.place;
+  }
+}
+
+// What is said to be at fault in samples/failing.ndjson: with it mended, the message comes out.
+TEST_F(SamplesTest, WhatIsAtFaultIsAtFault) {
+  std::size_t proven = 0;
+  for (const sample_t& sample : readSamples()) {
+    const tools::explanation_t told = explained(sample.message);
+    if (told.blame.faults.empty()) continue;
+    ++proven;
+    Message mended = copyOf(sample.message);
+    tools::JsonReader reader;
+    for (const tools::fault_t& fault : told.blame.faults) {
+      tools::apply(mended, {fault.path, reader.parseValue(fault.mended)});
+    }
+    EXPECT_EQ(send(mended).outputs.size(), 1u) << sample.place;
+  }
+  EXPECT_EQ(proven, 60u);
+}
+
+} // namespace com::velanto::connectivity::test
