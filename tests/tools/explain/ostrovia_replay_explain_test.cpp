@@ -167,8 +167,9 @@ TEST_F(ExplainProgramTest, FiguresAreThoseOfTheRunAlone) {
 }
 
 TEST_F(ExplainProgramTest, ThreadsBatchesAndRepetitionChangeNothing) {
-  for (int i = 0; i < 400; ++i) {
-    input_ += eventLine(std::to_string(i)) + textlessLine("x") + alarmLine("5", "big");
+  for (int i = 0; i < 1100; ++i) {
+    input_ += passingLine(std::to_string(i));
+    if (i % 100 == 0) input_ += eventLine("1") + textlessLine("x") + alarmLine("5", "Major");
   }
   const std::string file = folder_.write("in.ndjson", input_);
   const std::string once = run({"--explain", file}).out;

@@ -280,8 +280,7 @@ std::string explanationText(const record_t& record, const explanation_t& explana
   const std::string about = std::string(": ") + nameOf(record.kind) + ", " + nameOf(record.outcome);
   page.heading(cutBefore(record.place(), 79 - widthOf(about)) + about);
   if (!explanation.stable) {
-    page.text("unknown", Colour::yellow,
-              "when asked again, the plug-in gives something else");
+    page.text("unknown", Colour::yellow, "when asked again, the plug-in gives something else");
   }
   if (record.outcome == Outcome::dropped) tellDropped(record, explanation.blame, page);
   const std::vector<row_t>& rows = explanation.rows;

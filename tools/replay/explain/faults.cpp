@@ -16,7 +16,7 @@ namespace com::velanto::connectivity::tools {
 namespace {
 
 constexpr std::size_t MOST_FAULTS = 4;     // in one message
-constexpr std::size_t MOST_RUNS = 2500;    // for one message
+constexpr std::size_t MOST_RUNS = 1500;    // for one message
 constexpr std::size_t MOST_SUSPECTS = 100; // values of a message that are looked at
 constexpr std::size_t MOST_CHANGES = 4;    // of one value
 constexpr std::size_t MOST_WAYS = 6;       // to go on from one state

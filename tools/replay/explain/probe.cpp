@@ -4,7 +4,7 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-constexpr std::size_t MOST_VALUES = 4'000'000; // looked at for one message, about two seconds
+constexpr std::size_t MOST_VALUES = 1'000'000; // looked at for one message: some seconds
 constexpr vlt_log_level_t FAILURE_LEVEL = 3;   // a larger one is a trace
 
 } // namespace
