@@ -65,6 +65,7 @@ class Replay {
   Figures& figures_;
   bool law_broken_ = false;
   std::int64_t lost_blocks_ = 0; // by the plug-in that explains
+  std::string alike_;            // which messages it explained alike
   std::chrono::nanoseconds elapsed_{};
   exit_status_t status_ = EXIT_FINE;
 };
@@ -129,6 +130,7 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   if (explainer) {
     explainer->finish();
     lost_blocks_ = explainer->lostBlocks();
+    alike_ = explainer->alike().text();
   }
   if (against) {
     against->finish();
@@ -214,7 +216,7 @@ void Replay::writeFigures(std::optional<std::int64_t> blocks) {
       diagnostics_ << summaryJson(*summary, run);
       return; // it has all that the line below says
     }
-    diagnostics_ << summaryText(*summary, run);
+    diagnostics_ << alike_ << summaryText(*summary, run);
   }
   if (options_.quiet) return;
   std::array<char, 400> digits{}; // room for any double

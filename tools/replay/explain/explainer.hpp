@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "tools/replay/chain.hpp"
-#include "tools/replay/explain/explanation.hpp"
+#include "tools/replay/explain/alike.hpp"
 #include "tools/replay/output.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -30,6 +30,7 @@ class Explainer final : public Consumer {
   // Ends its plug-in.
   void finish();
 
+  [[nodiscard]] const Alike& alike() const noexcept { return alike_; }
   // Nobody reads the explanations any more.
   [[nodiscard]] bool closed() const noexcept { return out_.closed(); }
   // Time that explaining has taken.
@@ -44,6 +45,7 @@ class Explainer final : public Consumer {
   Output out_;
   JsonReader reader_;
   bool first_ = true;
+  Alike alike_;
   std::chrono::nanoseconds time_{};
   std::int64_t lost_blocks_ = 0;
   std::optional<Chain> chain_;
