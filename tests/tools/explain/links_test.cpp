@@ -83,6 +83,23 @@ TEST_F(LinksTest, AValueMadeFromAnotherIsConverted) {
             "converted a → last\nconverted n\n");
 }
 
+TEST_F(LinksTest, EachPartOfATextIsFollowed) {
+  const codec_t split = onPayload([](map_t& payload) {
+    const std::string all = at(payload, "a").get<const char*>();
+    payload[text("hours")] = text(all.substr(0, 2).c_str());
+    payload[text("minutes")] = text(all.substr(3).c_str());
+  });
+  EXPECT_EQ(fates(R"({"a":"08:30"})", split),
+            "unchanged a\nconverted → hours ⇐ a\nconverted → minutes ⇐ a\n");
+  EXPECT_EQ(fates(R"({"a":"08:30"})",
+                  [&](Message& message) {
+                    split(message);
+                    taken(message.getPayload().get<map_t>(), "a");
+                    return true;
+                  }),
+            "converted a → hours, minutes\n");
+}
+
 TEST_F(LinksTest, AValueMadeFromSeveralHasAllOfThem) {
   EXPECT_EQ(fates(R"({"a":1,"b":2,"c":3})", onPayload([](map_t& payload) {
                     const auto sum = taken(payload, "a").get<std::int64_t>() +
@@ -100,7 +117,8 @@ TEST_F(LinksTest, AValueMadeFromAMovedOneRefersToIt) {
                     const data_t* const list = payload.find_value(text("l"));
                     payload[text("has")] = truth(list != nullptr);
                   })),
-            "unchanged a\nunchanged l\nconverted → first ⇐ a\nconverted → has ⇐ l\nadded length\n");
+            "unchanged a\nunchanged l\nconverted → first ⇐ a\nconverted → has ⇐ l\n"
+            "converted → length ⇐ a\n");
 }
 
 TEST_F(LinksTest, ASecondCopyRefersToTheFirst) {

@@ -20,6 +20,10 @@ std::vector<path_t> pathsOfBlock(const Trace& trace, const node_t& node) {
   return paths;
 }
 
+bool contains(const std::vector<std::size_t>& numbers, std::size_t number) {
+  return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
+}
+
 class Linker {
  public:
   Linker(Probe& probe, const answer_t& base) : probe_(probe), base_(base) {}
@@ -29,11 +33,11 @@ class Linker {
       links_ = {};
       matchBlocks();
       for (source_t& source : links_.sources) {
-        if (source.moved) follow(source, FEW_TRIES);
+        if (source.moved) follow(source);
       }
     } while (std::exchange(mistaken_, false));
     for (source_t& source : links_.sources) {
-      if (!source.moved) follow(source, ALL);
+      if (!source.moved) follow(source);
     }
     askWithout();
     findReplaced();
@@ -41,13 +45,10 @@ class Linker {
   }
 
  private:
-  static constexpr std::size_t ALL = 100;     // more changes than any value has
-  static constexpr std::size_t FEW_TRIES = 3; // changes of a value of which much is known
-
   void matchBlocks();
   void addOpenSources(const std::vector<char>& matched);
-  void follow(source_t& source, std::size_t tries);
-  bool note(source_t& source, const answer_t& answer);
+  void follow(source_t& source);
+  void note(source_t& source, const answer_t& answer);
   void check(const source_t& moved, const answer_t& answer);
   void askWithout();
   void findReplaced();
@@ -100,8 +101,8 @@ void Linker::addOpenSources(const std::vector<char>& matched) {
             [](const source_t& one, const source_t& two) { return one.node < two.node; });
 }
 
-// Runs the message with `source` changed in one way after the other until something differs.
-void Linker::follow(source_t& source, std::size_t tries) {
+// Runs the message with `source` changed in one way after the other: each may show something else.
+void Linker::follow(source_t& source) {
   if (links_.made.empty() && source.moved) return;
   const path_t& path = nodeOf(source).path;
   const data_t* const value = valueAt(probe_.message(), path);
@@ -110,7 +111,6 @@ void Linker::follow(source_t& source, std::size_t tries) {
     for (data_t& changed : changedValues(*value)) changes.push_back({path, std::move(changed)});
   }
   if (changes.empty()) changes.push_back(change_t::removal(path));
-  changes.resize(std::min(changes.size(), tries));
   for (const change_t& change : changes) {
     const std::optional<answer_t> answer = probe_.ask(change);
     if (!answer) {
@@ -119,12 +119,14 @@ void Linker::follow(source_t& source, std::size_t tries) {
     }
     if (!answer->cameOut()) continue;
     if (source.moved) check(source, *answer);
-    if (note(source, *answer) || source.moved) return;
+    note(source, *answer);
   }
+  std::erase_if(source.carried,
+                [&](std::size_t number) { return contains(source.shaped, number); });
 }
 
-// Notes which of the made leaves differ in `answer`, which is with `source` changed; whether any.
-bool Linker::note(source_t& source, const answer_t& answer) {
+// Notes which of the made leaves differ in `answer`, which is with `source` changed.
+void Linker::note(source_t& source, const answer_t& answer) {
   const node_t& was = nodeOf(source);
   const node_t* const is = answer.before.find(was.path); // null: the change was to leave it out
   for (const std::size_t number : links_.made) {
@@ -133,11 +135,11 @@ bool Linker::note(source_t& source, const answer_t& answer) {
     if (after != nullptr && after->sameValue(before)) continue;
     const bool follows =
         is == nullptr ? after == nullptr : after != nullptr && after->sameValue(*is);
-    (before.sameValue(was) && follows ? source.carried : source.shaped).push_back(number);
+    std::vector<std::size_t>& numbers =
+        before.sameValue(was) && follows ? source.carried : source.shaped;
+    if (!contains(numbers, number)) numbers.push_back(number);
   }
-  if (!source.carried.empty() || !source.shaped.empty()) return true;
   source.steers = source.steers || !answer.after.sameContent(base_.after);
-  return false;
 }
 
 // Whether what was taken for `moved` is it: otherwise it does not come out in its new block either.
@@ -188,6 +190,7 @@ void Linker::findReplacedBy(std::size_t number) {
 // stood. A block may also have been freed and used again, so a change has to show.
 bool Linker::showsWithout(const source_t& lost, const source_t& other,
                           const answer_t& without_other) {
+  constexpr std::size_t TRIES = 3; // changes
   const node_t* const node = without_other.before.find(nodeOf(lost).path);
   if (node == nullptr) return false;
   std::vector<path_t> places = pathsOfBlock(without_other.after, *node);
@@ -200,7 +203,7 @@ bool Linker::showsWithout(const source_t& lost, const source_t& other,
   if (places.empty()) return false;
   bool came_out = false;
   std::vector<data_t> values = changedValues(*valueAt(probe_.message(), node->path));
-  values.resize(std::min(values.size(), FEW_TRIES));
+  values.resize(std::min(values.size(), TRIES));
   for (data_t& value : values) {
     const std::array<change_t, 2> changes = {change_t::removal(nodeOf(other).path),
                                              change_t{node->path, std::move(value)}};

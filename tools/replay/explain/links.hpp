@@ -1,15 +1,14 @@
-// Which value of a message has come out where, and which values of the outcome follow from it. Two
-// observations tell, and nothing is inferred from names:
+// Which value of a message has come out where, and which values of the outcome follow from it. Only
+// what happens tells; nothing is inferred from names:
 //
 //   (1) blocks    a text, list or map that lies in the same block before and after has been moved;
 //                 of lists and maps only those that hold the very same as before
-//   (2) changes   for all other values the message is run again with one of them changed, until
-//                 the outcome differs. Where the changed value itself shows up, the value has been
-//                 carried there; what else differs is made from it
-//   (3) the same with what has been moved, for values that might be made from it. A block can also
-//                 have been freed and made again for an equal text: then the outcome does not follow
-//                 the change, and all is gone through again without that block
-//   (4) removals  of what came to nothing it is asked what comes of the message without it, and
+//   (2) changes   the message is run again with one value changed, in each way that the value can
+//                 be. Where the changed value shows up, the value has been carried there; what
+//                 else differs is made from it. What has been moved is changed first: a block can
+//                 have been freed and used again for an equal text. Then the outcome does not
+//                 follow the change, and all is gone through again without that block
+//   (3) removals  of what came to nothing it is asked what comes of the message without it, and
 //                 whether it comes out when another value is not there: then that has replaced it
 #ifndef VLT_TOOLS_REPLAY_EXPLAIN_LINKS_HPP
 #define VLT_TOOLS_REPLAY_EXPLAIN_LINKS_HPP
