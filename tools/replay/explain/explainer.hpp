@@ -1,6 +1,6 @@
 // Writes what became of the fields of each message. It asks a plug-in of its own in a chain of its
-// own, so nothing that it does is seen or counted in the run. The second time that a line is read it
-// is not explained again.
+// own, so nothing that it does is seen or counted in the run. A line that is read a second time is
+// not explained again.
 #ifndef VLT_TOOLS_REPLAY_EXPLAIN_EXPLAINER_HPP
 #define VLT_TOOLS_REPLAY_EXPLAIN_EXPLAINER_HPP
 

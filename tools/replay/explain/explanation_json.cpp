@@ -3,8 +3,8 @@
 //                       "to":[{"path":["payload","firstOccurrenceTime"],"value":1715659331.0}]},
 //   …],"log":[],"runs":57,"limited":false,"stable":true}
 //
-// A list or map that is told as one has no "value". Of a message of which nothing came out there are
-// "faults", or, when none is proven, "suspects".
+// A list or map that is told as one has no "value". Of a message of which nothing came out there
+// are "faults", or, when none is proven, "suspects".
 #include "tools/ndjson/json_text.hpp"
 #include "tools/replay/explain/explanation.hpp"
 #include "tools/replay/json_line.hpp"

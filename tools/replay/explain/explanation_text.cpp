@@ -156,6 +156,7 @@ void Teller::tellTogether(const std::vector<const row_t*>& group) {
     goal = {cutBefore(textOf(parentOf(to)), PHRASE_WIDTH - 12)};
   } else if (group.size() > 1) {
     std::vector<path_t> paths;
+    paths.reserve(group.size());
     for (const row_t* row : group) paths.push_back(row->from.front().path);
     parts = listed(pathPhrasesOf(paths));
     goal = {cutBefore(textOf(parentOf(to)), PHRASE_WIDTH - 12)};

@@ -1,6 +1,6 @@
 // What has become of the fields of one message, as it is shown and written. Each leaf of what went
-// in is within one `from` of one row, and each leaf of what came out within one `to`; both stand for
-// all that is below them. `with` only refers to fields whose own fate another row tells.
+// in is within one `from` of one row, and each leaf of what came out within one `to`; both stand
+// for all that is below them. `with` only refers to fields whose own fate another row tells.
 //
 //   unchanged   the same value at the same place
 //   renamed     the same value under another name, or at the top

@@ -33,8 +33,8 @@ std::string plainText(const data_t& value) {
   return json;
 }
 
-// A state of the message on the way to one that comes out: the changes until here and what is logged
-// with them.
+// A state of the message on the way to one that comes out: the changes until here and what is
+// logged with them.
 class Stage {
  public:
   Stage(Probe& probe, std::vector<change_t> changes, const answer_t& answer)
@@ -47,7 +47,8 @@ class Stage {
     findSuspects();
   }
 
-  // Whether at most `faults_left` mendings lead to a message that comes out; `faults` then has them.
+  // Whether at most `faults_left` mendings lead to a message that comes out; `faults` then has
+  // them.
   bool solve(std::size_t faults_left, std::vector<fault_t>& faults);
 
   // From now on mending is tried with every leaf.
@@ -130,8 +131,8 @@ void Stage::look(const node_t& leaf) {
   }
 }
 
-// Whether the same reason is logged without what stands at `path`, when that is of another kind; the
-// reason is then known without it.
+// Whether the same reason is logged without what stands at `path`, when that is of another kind;
+// the reason is then known without it.
 bool Stage::isOnlyMentioned(const path_t& path) {
   const std::string text = plainText(*valueAt(message_, path));
   std::optional<answer_t> answer = askWith({path, data_t(true)});

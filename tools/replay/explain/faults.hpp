@@ -1,12 +1,12 @@
 // What is at fault in a message of which nothing came out, as far as running it again can tell:
 //
 //   (1) suspects   values that the log text repeats, values that stand under a name in its quotes,
-//                  and, if there are none, all of them. What the text mentions in passing, as which
-//                  message it is about, is no suspect: it can be had without that part
-//   (2) mending    a name in quotes that is not there is added; a suspect becomes the same in another
-//                  kind or in other letters, or gets a value that the message has elsewhere
-//   (3) proof      with it something comes out; or another reason is logged, and mending goes on from
-//                  there. Only what ends with a message coming out counts
+//                  and, if there are none, all of them. What the text mentions in passing, such as
+//                  which message it is about, is no suspect: it can be had without that part
+//   (2) mending    a name in quotes that is not there is added; a suspect becomes the same in
+//                  another kind or in other letters, or gets a value that the message has elsewhere
+//   (3) proof      with it something comes out; or another reason is logged, and mending goes on
+//                  from there. Only what ends with a message coming out counts
 //
 // A message that passes on as it went in proves nothing: without its path any of them does.
 #ifndef VLT_TOOLS_REPLAY_EXPLAIN_FAULTS_HPP

@@ -7,10 +7,10 @@
 #ifndef VLT_TOOLS_REPLAY_EXPLAIN_PATH_HPP
 #define VLT_TOOLS_REPLAY_EXPLAIN_PATH_HPP
 
-#include <compare>
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace com::velanto::connectivity::tools {
@@ -22,7 +22,11 @@ struct step_t {
   std::string key;       // of a map's entry, as JSON names it
   std::size_t index = 0; // of a list's element,
   bool in_list = false;  // which this tells
-  auto operator<=>(const step_t&) const = default;
+
+  bool operator==(const step_t&) const = default;
+  bool operator<(const step_t& other) const {
+    return std::tie(key, index, in_list) < std::tie(other.key, other.index, other.in_list);
+  }
 };
 
 using path_t = std::vector<step_t>;
