@@ -154,10 +154,11 @@ void Replay::replayAll(const std::vector<input_t>& inputs, Crew& crew, const Exp
   if (terminal_ != nullptr) {
     consumers_.add(progress.emplace(*terminal_, [&reader] { return reader.share(); }));
   }
-  crew.run(reader, {[this](const record_t& record) { consumers_.take(record); },
-                    [this](incidents_t& incidents) { reportIncidents(incidents); },
-                    [&] { return consumers_.closed() || (explainer && explainer->closed()); },
-                    [this] { consumers_.pause(); }});
+  crew.run(reader,
+           {[this](const record_t& record) { consumers_.take(record); },
+            [this](incidents_t& incidents) { reportIncidents(incidents); },
+            [&] { return consumers_.closed() || (explainer != nullptr && explainer->closed()); },
+            [this] { consumers_.pause(); }});
   if (isInterrupted()) worsen(EXIT_INTERRUPTED);
   if (progress) consumers_.remove(*progress);
 }

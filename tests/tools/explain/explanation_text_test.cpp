@@ -134,6 +134,12 @@ TEST_F(ExplanationTextTest, NoLineIsWiderThan79ColumnsAndNumbersAreWhole) {
                                          if (i % 5 == 0) all[data_t(key)] = text(name.c_str());
                                        }
                                        all[text("out")] = std::move(out);
+                                       map_t alike;
+                                       for (const char* const series : {"1", "2", "3"}) {
+                                         alike[text((name + series).c_str())] =
+                                             map_of(name.c_str(), real(-1.2345678901234567e-300));
+                                       }
+                                       all[text("alike")] = std::move(alike);
                                        data_t number = taken(all, ("number" + name).c_str());
                                        all[text(("b" + name).c_str())] =
                                            real(number.get<double>() / 2);
@@ -142,6 +148,8 @@ TEST_F(ExplanationTextTest, NoLineIsWiderThan79ColumnsAndNumbersAreWhole) {
   for (std::string line; std::getline(lines, line);) EXPECT_LE(tools::widthOf(line), 79u) << line;
   EXPECT_NE(text_told.find("-1.7976931348623157e+308"), std::string::npos);
   EXPECT_NE(text_told.find("-8.988465674311579e+307"), std::string::npos);
+  EXPECT_NE(text_told.find("alike.{nnnnn"), std::string::npos);
+  EXPECT_NE(text_told.find("….nnnnnnnnnnn… -1.2345678901234567e-300"), std::string::npos);
 }
 
 } // namespace com::velanto::connectivity::test

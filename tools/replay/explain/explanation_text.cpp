@@ -223,10 +223,12 @@ void Teller::tellAdded(rows_t rows) {
     }
     parts_t names;
     for (; row != behind; ++row) names.push_back(nameOf(row->to.front().path.rbegin()[1].key));
+    constexpr std::size_t NAME = 12;  // columns of the names' common end,
+    constexpr std::size_t VALUE = 24; // and of the value: room for any number
     std::string end = ".";
-    end += nameOf(place.path.back().key) + " " + cutBehind(place.json, 20);
-    const std::size_t room = PHRASE_WIDTH - std::min<std::size_t>(PHRASE_WIDTH - 20, widthOf(end));
-    entry({cutBehind(bracesOf(parentOf(parentOf(place.path)), names), room) + end});
+    end += cutBehind(nameOf(place.path.back().key), NAME) + " " + cutBehind(place.json, VALUE);
+    const std::string braces = bracesOf(parentOf(parentOf(place.path)), names);
+    entry({cutBehind(braces, PHRASE_WIDTH - widthOf(end)) + end});
   }
 }
 

@@ -1,5 +1,7 @@
 #include "tools/replay/explain/page.hpp"
 
+#include <algorithm>
+
 #include "tools/replay/columns.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -48,7 +50,7 @@ void Page::entry(std::string_view label, Colour colour, const std::vector<std::s
       first = true;
     }
     if (!first) out_ += ' ';
-    room -= width + (first ? 0 : 1);
+    room -= std::min(room, width + (first ? 0 : 1));
     out_ += part;
     first = false;
   }
