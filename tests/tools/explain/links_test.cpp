@@ -83,6 +83,14 @@ TEST_F(LinksTest, AValueMadeFromAnotherIsConverted) {
             "converted a → last\nconverted n\n");
 }
 
+TEST_F(LinksTest, AValueThatOnlyHappensToBeEqualIsConverted) {
+  EXPECT_EQ(fates(R"({"a":1})", onPayload([](map_t& payload) {
+                    const auto a = taken(payload, "a").get<std::int64_t>();
+                    payload[text("square")] = whole(a * a);
+                  })),
+            "converted a → square\n");
+}
+
 TEST_F(LinksTest, EachPartOfATextIsFollowed) {
   const codec_t split = onPayload([](map_t& payload) {
     const std::string all = at(payload, "a").get<const char*>();

@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <sstream>
 
@@ -164,6 +165,18 @@ TEST_F(ExplainProgramTest, FiguresAreThoseOfTheRunAlone) {
   EXPECT_EQ(result.status, tools::EXIT_LAW);
   EXPECT_EQ(result.diagnostics,
             "read 2, reached the host 2, dropped 0, malformed 0, T ms, 2 blocks live\n");
+}
+
+// Explaining takes a hundred times as long as the run.
+TEST_F(ExplainProgramTest, TimesAreThoseOfTheRunAlone) {
+  for (int i = 0; i < 300; ++i) input_ += eventLine("1");
+  const auto start = std::chrono::steady_clock::now();
+  const std::string figures = run({"--explain", "--summary=json"}).diagnostics;
+  const std::chrono::duration<double> all = std::chrono::steady_clock::now() - start;
+  const std::string name = "\"seconds\":";
+  const double seconds = std::stod(figures.substr(figures.find(name) + name.size()));
+  EXPECT_GT(seconds, 0);
+  EXPECT_LT(seconds, all.count() / 2) << figures;
 }
 
 TEST_F(ExplainProgramTest, ThreadsBatchesAndRepetitionChangeNothing) {
