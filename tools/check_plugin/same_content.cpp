@@ -1,6 +1,7 @@
 #include "tools/check_plugin/same_content.hpp"
 
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 
 #include "standin/standin.h"
@@ -21,8 +22,10 @@ bool sameBuffer(const buffer_t& left, const buffer_t& right) {
 }
 
 // The 8 bytes of the content, whatever they mean.
-bool sameBits(const data_t& left, const data_t& right) {
-  return std::memcmp(&left.underlying()->value, &right.underlying()->value, 8) == 0;
+std::uint64_t bitsOf(const data_t& value) {
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &value.underlying()->value, sizeof bits);
+  return bits;
 }
 
 bool isNotANumber(const data_t& value) {
@@ -47,7 +50,7 @@ bool sameContent(const data_t& left, const data_t& right, NotANumber rule) {
              standin_custom_label(right.get<vlt_underlying_custom_t>());
     default:
       if (rule == NotANumber::anyBits && isNotANumber(left)) return isNotANumber(right);
-      return sameBits(left, right);
+      return bitsOf(left) == bitsOf(right);
   }
 }
 
