@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <regex>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "tests/docs/door.hpp"
 
@@ -53,6 +55,20 @@ TEST_F(Readme, CheckOfAPluginShowsWhatItsDocumentSays) {
 // How much is done in that time is the machine's to say.
 TEST_F(Readme, SoakShowsWhatItsDocumentSays) {
   expectAtDoor("docs/reliability.md", 1, withoutNumbers);
+}
+
+// The same two that scripts/test_package.sh runs in a clean Debian.
+TEST_F(Readme, PackageTakesTheCommandsThatTheOperatingDocumentHas) {
+  std::vector<std::string> shown;
+  for (const block_t& block : readBlocks(readDocument("docs/operating.md"))) {
+    if (block.info != "console debian") continue;
+    for (const std::string& line : documentOf(block.text).lines) {
+      if (line.starts_with("$ ")) shown.push_back("    " + line.substr(2));
+    }
+  }
+  ASSERT_EQ(shown.size(), 2U);
+  const std::vector<std::string> lines = readDocument("README.md").lines;
+  EXPECT_NE(std::search(lines.begin(), lines.end(), shown.begin(), shown.end()), lines.end());
 }
 
 TEST_F(Readme, FirstCommandIsTheOneThatReplaysTheSamples) {

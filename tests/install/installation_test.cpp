@@ -51,6 +51,7 @@ const names_t INSTALLED = {
     DOC + "/docs/performance.md",
     DOC + "/docs/reliability.md",
     DOC + "/docs/replay.md",
+    DOC + "/docs/scaling.md",
     DOC + "/samples/README.md",
     DOC + "/samples/alarms.ndjson",
     DOC + "/samples/events.ndjson",
