@@ -99,6 +99,25 @@ TEST_F(RowsTest, WhatIsNotFollowedIsUnknown) {
   EXPECT_EQ(told.rows.size() - 1 + told.rows.back().from.size(), 3001u);
 }
 
+TEST_F(RowsTest, OfALargeMessageTheTopIsFollowedFirst) {
+  std::string payload = "{\"deep\":{";
+  for (int i = 0; i < 3000; ++i)
+    payload += "\"k" + std::to_string(i) + "\":" + std::to_string(i) + ",";
+  payload.back() = '}';
+  const tools::explanation_t told = explained(payload + ",\"top\":1}", onPayload([](map_t& all) {
+                                                at(all, "deep").get<map_t>()[text("more")] =
+                                                    whole(1);
+                                                all[text("new")] = taken(all, "top");
+                                              }));
+  ASSERT_FALSE(told.rows.empty());
+  EXPECT_TRUE(told.limited);
+  const auto renamed =
+      std::find_if(told.rows.begin(), told.rows.end(),
+                   [](const tools::row_t& row) { return row.fate == tools::Fate::renamed; });
+  ASSERT_NE(renamed, told.rows.end());
+  EXPECT_EQ(tools::textOf(renamed->to.front().path), "new");
+}
+
 // Random codecs of moves, copies, removals and conversions, whose doings are known.
 TEST_F(RowsTest, WhatIsToldIsWhatWasDone) {
   std::uint32_t seed = 1;

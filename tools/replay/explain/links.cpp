@@ -32,13 +32,8 @@ class Linker {
     do {
       links_ = {};
       matchBlocks();
-      for (source_t& source : links_.sources) {
-        if (source.moved) follow(source);
-      }
+      for (source_t* const source : shallowFirst()) follow(*source);
     } while (std::exchange(mistaken_, false));
-    for (source_t& source : links_.sources) {
-      if (!source.moved) follow(source);
-    }
     askWithout();
     findReplaced();
     return std::move(links_);
@@ -47,6 +42,7 @@ class Linker {
  private:
   void matchBlocks();
   void addOpenSources(const std::vector<char>& matched);
+  [[nodiscard]] std::vector<source_t*> shallowFirst();
   void follow(source_t& source);
   void note(source_t& source, const answer_t& answer);
   void check(const source_t& moved, const answer_t& answer);
@@ -99,6 +95,18 @@ void Linker::addOpenSources(const std::vector<char>& matched) {
   }
   std::sort(links_.sources.begin(), links_.sources.end(),
             [](const source_t& one, const source_t& two) { return one.node < two.node; });
+}
+
+// Of a message too large for all, the fields at the top are followed rather than those deep down.
+std::vector<source_t*> Linker::shallowFirst() {
+  std::vector<source_t*> sources;
+  sources.reserve(links_.sources.size());
+  for (source_t& source : links_.sources) sources.push_back(&source);
+  std::stable_sort(sources.begin(), sources.end(),
+                   [this](const source_t* one, const source_t* two) {
+                     return nodeOf(*one).path.size() < nodeOf(*two).path.size();
+                   });
+  return sources;
 }
 
 // Runs the message with `source` changed in one way after the other: each may show something else.

@@ -5,8 +5,8 @@
 //                 of lists and maps only those that hold the very same as before
 //   (2) changes   the message is run again with one value changed, in each way that the value can
 //                 be. Where the changed value shows up, the value has been carried there; what
-//                 else differs is made from it. What has been moved is changed first: a block can
-//                 have been freed and used again for an equal text. Then the outcome does not
+//                 else differs is made from it. What has been moved is changed as well: a block
+//                 can have been freed and used again for an equal text. Then the outcome does not
 //                 follow the change, and all is gone through again without that block
 //   (3) removals  of what came to nothing it is asked what comes of the message without it, and
 //                 whether it comes out when another value is not there: then that has replaced it
