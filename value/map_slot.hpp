@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <utility>
 
 #include "value/map_entry.hpp"
@@ -35,16 +36,13 @@ static_assert(sizeof(map_slot_t) == sizeof(vlt_underlying_map_table_entry_t),
 
 template <class Use>
 map_t map_t::drain(const Use& use) && {
-  struct emptied_t {
-    ~emptied_t() { slot.make_free(); }
-    map_slot_t& slot;
-  };
+  const auto make_free = [](map_slot_t* slot) noexcept { slot->make_free(); };
   map_t drained = std::move(*this);
   map_slot_t* const end = drained.slots() + drained.capacity();
   for (map_slot_t* slot = drained.slots(); slot != end; ++slot) {
     if (!slot->is_live()) continue;
     --drained.table_->live;
-    const emptied_t emptied{*slot};
+    const std::unique_ptr<map_slot_t, decltype(make_free)> emptied(slot, make_free);
     use(std::move(static_cast<map_entry_t&>(*slot)));
   }
   return drained;

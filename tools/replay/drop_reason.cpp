@@ -7,11 +7,9 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-constexpr vlt_log_level_t DROPPED_LEVEL = 3;
-
 // `what` begins with `begin` and contains `then` behind it. The key is `key`, or, when that is
 // null, the text in the last quotes that `quoted` opens.
-struct row_t {
+struct reason_row_t {
   const char* begin;
   const char* then;
   const char* code;
@@ -21,33 +19,35 @@ struct row_t {
 
 // The first row that fits decides.
 constexpr std::array ROWS = {
-    row_t{"Required key '", "' missing from message payload", "missing-key", nullptr, "key '"},
-    row_t{"Required key 'id' missing from source", "", "missing-key", "source.id", nullptr},
-    row_t{"Required key '", "' missing from ", "missing-key", nullptr, "key '"},
-    row_t{"Value for key '", "' is not a string.", "wrong-type", nullptr, "key '"},
-    row_t{"Problem with key '", "': Incorrect type in get", "wrong-type", nullptr, "key '"},
-    row_t{"Problem with key '", "': Get from empty", "wrong-type", nullptr, "key '"},
-    row_t{"Incorrect type in get", "", "wrong-type", "", nullptr},
-    row_t{"Get from empty", "", "wrong-type", "", nullptr},
-    row_t{"Message payload is not a map", "", "wrong-type", "payload", nullptr},
-    row_t{"Error parsing timestamp '", "' in key '", "bad-timestamp", nullptr, "key '"},
-    row_t{"Unrecognized alarm severity: ", "", "bad-severity", "severity", nullptr},
-    row_t{"Unrecognized alarm status: ", "", "bad-status", "status", nullptr},
-    row_t{"Unrecognized operation status: ", "", "bad-status", "status", nullptr},
-    row_t{"Unrecognised Pulsar message type: ''", "", "no-path-segment", "pulsarPath", nullptr},
-    row_t{"Unrecognised Pulsar message type: '", "", "unknown-kind", "pulsarPath", nullptr},
-    row_t{"std::bad_alloc", "", "out-of-memory", "", nullptr},
-    row_t{"Exception from sendBatch", "", "batch-failed", "", nullptr},
-    row_t{"", "", "other", "", nullptr},
+    reason_row_t{"Required key '", "' missing from message payload", "missing-key", nullptr,
+                 "key '"},
+    reason_row_t{"Required key 'id' missing from source", "", "missing-key", "source.id", nullptr},
+    reason_row_t{"Required key '", "' missing from ", "missing-key", nullptr, "key '"},
+    reason_row_t{"Value for key '", "' is not a string.", "wrong-type", nullptr, "key '"},
+    reason_row_t{"Problem with key '", "': Incorrect type in get", "wrong-type", nullptr, "key '"},
+    reason_row_t{"Problem with key '", "': Get from empty", "wrong-type", nullptr, "key '"},
+    reason_row_t{"Incorrect type in get", "", "wrong-type", "", nullptr},
+    reason_row_t{"Get from empty", "", "wrong-type", "", nullptr},
+    reason_row_t{"Message payload is not a map", "", "wrong-type", "payload", nullptr},
+    reason_row_t{"Error parsing timestamp '", "' in key '", "bad-timestamp", nullptr, "key '"},
+    reason_row_t{"Unrecognized alarm severity: ", "", "bad-severity", "severity", nullptr},
+    reason_row_t{"Unrecognized alarm status: ", "", "bad-status", "status", nullptr},
+    reason_row_t{"Unrecognized operation status: ", "", "bad-status", "status", nullptr},
+    reason_row_t{"Unrecognised Pulsar message type: ''", "", "no-path-segment", "pulsarPath",
+                 nullptr},
+    reason_row_t{"Unrecognised Pulsar message type: '", "", "unknown-kind", "pulsarPath", nullptr},
+    reason_row_t{"std::bad_alloc", "", "out-of-memory", "", nullptr},
+    reason_row_t{"Exception from sendBatch", "", "batch-failed", "", nullptr},
+    reason_row_t{"", "", "other", "", nullptr},
 };
 
-bool fits(const row_t& row, std::string_view what) noexcept {
+bool fits(const reason_row_t& row, std::string_view what) noexcept {
   if (!what.starts_with(row.begin)) return false;
   const std::size_t behind = std::string_view(row.begin).size();
   return what.find(row.then, behind) != std::string_view::npos;
 }
 
-std::string keyOf(const row_t& row, std::string_view what) {
+std::string keyOf(const reason_row_t& row, std::string_view what) {
   if (row.key != nullptr) return row.key;
   const std::size_t opening = what.rfind(row.quoted);
   const std::size_t begin = opening + std::string_view(row.quoted).size();
@@ -73,7 +73,7 @@ std::string_view whatOf(std::string_view line) noexcept {
 } // namespace
 
 drop_reason_t dropReasonOfText(std::string_view what) {
-  for (const row_t& row : ROWS) {
+  for (const reason_row_t& row : ROWS) {
     if (fits(row, what)) return {row.code, keyOf(row, what), {}};
   }
   return {"other", {}, {}};

@@ -11,6 +11,9 @@
 
 namespace com::velanto::connectivity::tools {
 
+// Of the line that says why a message was dropped. Failures have lower levels, traces higher ones.
+inline constexpr vlt_log_level_t DROPPED_LEVEL = 3;
+
 struct log_line_t {
   vlt_log_level_t level;
   std::string text; // with the prefix in angle brackets, without a line end

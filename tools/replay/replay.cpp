@@ -14,6 +14,7 @@
 #include "tools/replay/crew.hpp"
 #include "tools/replay/explain/explainer.hpp"
 #include "tools/replay/interruption.hpp"
+#include "tools/replay/log_capture.hpp"
 #include "tools/replay/progress.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -22,9 +23,6 @@ namespace {
 
 using stopwatch_t = std::chrono::steady_clock;
 using milliseconds_t = std::chrono::duration<double, std::milli>;
-
-// A line at this level says why a message was dropped, so the tool always wants to hear it.
-constexpr vlt_log_level_t LEVEL_OF_DROPS = 3;
 
 class Replay {
  public:
@@ -84,7 +82,8 @@ int Replay::run(const std::vector<input_t>& inputs) {
 }
 
 void Replay::setLevel() {
-  const bool set = setLogLevel(std::max(shownLogLevel(options_), LEVEL_OF_DROPS));
+  // Why a message was dropped the tool always wants to hear, whatever it shows.
+  const bool set = setLogLevel(std::max(shownLogLevel(options_), DROPPED_LEVEL));
   if (!set && options_.log_level) {
     report("this host library does not let its log level be set; --log-level is ignored");
   }

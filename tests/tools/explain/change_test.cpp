@@ -38,7 +38,7 @@ class ChangeTest : public HostFixture {
 const tools::step_t METADATA = {"metadata"};
 const tools::step_t PAYLOAD = {"payload"};
 
-tools::step_t element(std::size_t index) { return {"", index, true}; }
+tools::step_t elementAt(std::size_t index) { return {"", index, true}; }
 
 } // namespace
 
@@ -46,7 +46,7 @@ TEST_F(ChangeTest, ValuesAreReplacedWhereTheyStand) {
   const std::string line = R"({"metadata":{"p":"a"},"payload":{"l":[1,{"x":2}]}})";
   EXPECT_EQ(changed(line, {METADATA, {"p"}}, "7"),
             R"({"metadata":{"p":7},"payload":{"l":[1,{"x":2}]}})");
-  EXPECT_EQ(changed(line, {PAYLOAD, {"l"}, element(1), {"x"}}, "\"y\""),
+  EXPECT_EQ(changed(line, {PAYLOAD, {"l"}, elementAt(1), {"x"}}, "\"y\""),
             R"({"metadata":{"p":"a"},"payload":{"l":[1,{"x":"y"}]}})");
   EXPECT_EQ(changed(line, {PAYLOAD}, "[]"), R"({"metadata":{"p":"a"},"payload":[]})");
 }
@@ -55,7 +55,7 @@ TEST_F(ChangeTest, ValuesAreLeftOut) {
   const std::string line = R"({"metadata":{"p":"a"},"payload":{"l":[1,2,3]}})";
   EXPECT_EQ(changed(line, {METADATA, {"p"}}, ""), R"({"metadata":{},"payload":{"l":[1,2,3]}})");
   EXPECT_EQ(changed(line, {METADATA}, ""), R"({"metadata":{},"payload":{"l":[1,2,3]}})");
-  EXPECT_EQ(changed(line, {PAYLOAD, {"l"}, element(1)}, ""),
+  EXPECT_EQ(changed(line, {PAYLOAD, {"l"}, elementAt(1)}, ""),
             R"({"metadata":{"p":"a"},"payload":{"l":[1,3]}})");
   EXPECT_EQ(changed(line, {PAYLOAD, {"l"}}, ""), R"({"metadata":{"p":"a"},"payload":{}})");
   EXPECT_EQ(changed(line, {PAYLOAD}, ""), R"({"metadata":{"p":"a"}})");
@@ -73,7 +73,7 @@ TEST_F(ChangeTest, WhereNothingCanBeNothingIsChanged) {
   EXPECT_EQ(changed(line, {PAYLOAD, {"a"}, {"b"}}, "1"), line);
   EXPECT_EQ(changed(line, {PAYLOAD, {"b"}, {"c"}}, ""), line);
   EXPECT_EQ(changed(line, {PAYLOAD, {"b"}}, ""), line);
-  EXPECT_EQ(changed(line, {PAYLOAD, element(0)}, ""), line);
+  EXPECT_EQ(changed(line, {PAYLOAD, elementAt(0)}, ""), line);
 }
 
 TEST_F(ChangeTest, ACopySharesNothing) {

@@ -121,8 +121,10 @@ TEST_F(ExplanationTextTest, NoLineIsWiderThan79ColumnsAndNumbersAreWhole) {
   const std::string name(100, 'n');
   const std::string text_of_100 = "\"" + std::string(100, 't') + "\"";
   std::string payload = "{\"in\":{";
-  for (int i = 0; i < 40; ++i)
-    payload += "\"" + name + std::to_string(i) + "\":" + text_of_100 + ",";
+  for (int i = 0; i < 40; ++i) {
+    payload.append("\"").append(name).append(std::to_string(i)).append("\":");
+    payload.append(text_of_100).append(",");
+  }
   payload.back() = '}';
   payload += ",\"number" + name + "\":-1.7976931348623157e+308,\"x\":" + text_of_100 + "}";
   const std::string text_told = told(payload, onPayload([&](map_t& all) {

@@ -9,7 +9,7 @@ namespace {
 using tools::Colour;
 using tools::Page;
 
-std::string of(std::size_t size, char c) { return std::string(size, c); }
+std::string of(std::size_t size, char c) { return std::string().append(size, c); }
 
 } // namespace
 

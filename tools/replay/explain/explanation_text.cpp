@@ -17,7 +17,6 @@ using parts_t = std::vector<std::string>;
 using rows_t = std::span<const row_t>;
 
 constexpr const char* ARROW = "→ ";
-constexpr vlt_log_level_t FAILURE_LEVEL = 3; // a larger one is a trace
 
 Colour colourOf(Fate fate) noexcept {
   switch (fate) {
@@ -264,7 +263,7 @@ std::string phraseOf(const fault_t& fault) {
 
 void tellDropped(const record_t& record, const blame_t& blame, Page& page) {
   for (const log_line_t& line : record.log) {
-    if (line.level <= FAILURE_LEVEL) page.text("logged", Colour::none, line.text);
+    if (line.level <= DROPPED_LEVEL) page.text("logged", Colour::none, line.text);
   }
   for (const fault_t& fault : blame.faults) {
     page.entry("at fault", Colour::red,

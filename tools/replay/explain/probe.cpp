@@ -5,7 +5,6 @@ namespace com::velanto::connectivity::tools {
 namespace {
 
 constexpr std::size_t MOST_VALUES = 1'000'000; // looked at for one message: some seconds
-constexpr vlt_log_level_t FAILURE_LEVEL = 3;   // a larger one is a trace
 
 } // namespace
 
@@ -29,7 +28,7 @@ answer_t Probe::run(std::span<const change_t> changes) const {
   answer.after = Trace(passage.outputs);
   answer.messages = passage.outputs.size();
   for (const log_line_t& line : passage.log) {
-    if (line.level <= FAILURE_LEVEL) answer.log += line.text + '\n';
+    if (line.level <= DROPPED_LEVEL) answer.log += line.text + '\n';
   }
   return answer;
 }
