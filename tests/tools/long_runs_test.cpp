@@ -197,21 +197,9 @@ TEST_F(LongRunsTest, TerminalShowsHowFarTheRunHasCome) {
   for (int i = 0; i < 20000; ++i) text += eventLine("1");
   const std::string file = folder_.write("file", text);
   for (const bool quiet : {false, true}) {
-    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    ASSERT_EQ(grantpt(terminal), 0);
-    ASSERT_EQ(unlockpt(terminal), 0);
-    error_descriptor_ = ::open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
     std::vector<std::string> arguments = {file, "--repeat", "10"};
     if (quiet) arguments.emplace_back("--quiet");
-    const pid_t child = start(VLT_REPLAY_PATH, arguments);
-    close(error_descriptor_);
-    std::string shown;
-    char piece[1000];
-    for (ssize_t size = 0; (size = read(terminal, piece, sizeof piece)) > 0;) {
-      shown.append(piece, static_cast<std::size_t>(size));
-    }
-    close(terminal);
-    EXPECT_EQ(waitFor(child).status, 0);
+    const std::string shown = shownOnTerminal(error_descriptor_, arguments);
     if (quiet) {
       EXPECT_EQ(shown, "");
       continue;

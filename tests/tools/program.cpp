@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "tests/tools/elapsed.hpp"
@@ -73,6 +74,23 @@ result_t Program::waitFor(pid_t child) {
   EXPECT_EQ(wait4(child, &status, 0, &usage), child);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder_.read("out"),
           without_elapsed(folder_.read("diagnostics")), usage.ru_maxrss};
+}
+
+std::string Program::shownOnTerminal(int& descriptor, const std::vector<std::string>& arguments) {
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  EXPECT_EQ(grantpt(terminal), 0);
+  EXPECT_EQ(unlockpt(terminal), 0);
+  descriptor = ::open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  const pid_t child = start(VLT_REPLAY_PATH, arguments);
+  close(descriptor);
+  std::string shown;
+  char piece[1000];
+  for (ssize_t size = 0; (size = read(terminal, piece, sizeof piece)) > 0;) {
+    shown.append(piece, static_cast<std::size_t>(size));
+  }
+  close(terminal);
+  EXPECT_EQ(waitFor(child).status, 0);
+  return shown;
 }
 
 result_t Program::run(const std::vector<std::string>& arguments) {

@@ -29,6 +29,9 @@ class Program : public ::testing::Test {
   // Starts it without waiting for its end.
   pid_t start(const std::string& program, std::vector<std::string> arguments);
   result_t waitFor(pid_t child);
+  // Runs the tool with `descriptor`, which is one of those below, on a terminal, and expects status
+  // 0; returns what the terminal got.
+  std::string shownOnTerminal(int& descriptor, const std::vector<std::string>& arguments);
 
   const TemporaryFolder folder_;
   std::string input_;                          // what stands on standard input,

@@ -1,9 +1,5 @@
 // --explain of the built tool.
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <chrono>
-#include <cstdlib>
 #include <sstream>
 
 #include "tests/tools/program.hpp"
@@ -20,23 +16,6 @@ class ExplainProgramTest : public Program {
   std::string told(const char* way, const std::string& input) {
     input_ = input;
     return run({"--plugin", VLT_ODD_PLUGIN_PATH, "--tenant-id", way, "--explain"}).out;
-  }
-  // The same when standard output leads to a terminal.
-  std::string shownOnATerminal() {
-    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    EXPECT_EQ(grantpt(terminal), 0);
-    EXPECT_EQ(unlockpt(terminal), 0);
-    out_descriptor_ = ::open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    const pid_t child = start(VLT_REPLAY_PATH, {"--explain"});
-    close(out_descriptor_);
-    std::string shown;
-    char piece[1000];
-    for (ssize_t size = 0; (size = read(terminal, piece, sizeof piece)) > 0;) {
-      shown.append(piece, static_cast<std::size_t>(size));
-    }
-    close(terminal);
-    EXPECT_EQ(waitFor(child).status, 0);
-    return shown;
   }
 };
 
@@ -247,10 +226,11 @@ TEST_F(ExplainProgramTest, AFullDeviceIsAnError) {
 TEST_F(ExplainProgramTest, TerminalsShowColoursUnlessTheyAreUnwanted) {
   input_ = eventLine("1");
   environment_ = {"NO_COLOR="}; // empty is as good as none
-  EXPECT_NE(shownOnATerminal().find("\x1B[2munchanged\x1B[0m  id, text, type\r\n"),
+  EXPECT_NE(shownOnTerminal(out_descriptor_, {"--explain"})
+                .find("\x1B[2munchanged\x1B[0m  id, text, type\r\n"),
             std::string::npos);
   environment_ = {"NO_COLOR=1"};
-  EXPECT_EQ(shownOnATerminal().find('\x1B'), std::string::npos);
+  EXPECT_EQ(shownOnTerminal(out_descriptor_, {"--explain"}).find('\x1B'), std::string::npos);
 }
 
 TEST_F(ExplainProgramTest, LinesOfAllSamplesFit80Columns) {
