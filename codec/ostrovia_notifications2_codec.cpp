@@ -9,7 +9,6 @@
 #include "codec/dispatch.hpp"
 #include "codec/id_for_report.hpp"
 #include "codec/pulsar_message_disassembler.hpp"
-#include "plugin/exception_in_flight.hpp"
 #include "plugin/map_extractor.hpp"
 #include "value/get_visitor.hpp"
 #include "value/to_string.hpp"
@@ -37,7 +36,8 @@ const data_t* findStringId(const map_t& payload) {
   return id != nullptr && id->is_string() ? id : nullptr;
 }
 
-std::string describeFailure(const Message& message, bool towardsTransport) {
+// `what` is null for an exception without a text.
+std::string describeFailure(const Message& message, bool towardsTransport, const char* what) {
   std::string text = "Error when transforming message towards ";
   text += towardsTransport ? "transport" : "host";
   const data_t& payload = message.getPayload();
@@ -47,7 +47,7 @@ std::string describeFailure(const Message& message, bool towardsTransport) {
       text += " ('id' = '" + std::string(text_or_empty(id->get<const char*>())) + "')";
     }
   }
-  if (const char* const what = ExceptionInFlight::what()) {
+  if (what != nullptr) {
     text += ": ";
     text += what;
   }
@@ -71,9 +71,8 @@ OstroviaNotifications2Codec::OstroviaNotifications2Codec(
   if (*tenant != '\0') tenantId = data_t(tenant);
 }
 
-// Inline: one frame fewer to unwind for a message that is dropped.
-[[gnu::always_inline]] inline Message OstroviaNotifications2Codec::processPulsarMessage(
-    Message&& notification, data_t&& channelKey) const {
+Message OstroviaNotifications2Codec::processPulsarMessage(Message&& notification,
+                                                          data_t&& channelKey, Fault& fault) const {
   if (notification.getPayload().type_tag() != VLT_TAG_MAP) {
     throw std::runtime_error("Message payload is not a map");
   }
@@ -81,7 +80,11 @@ OstroviaNotifications2Codec::OstroviaNotifications2Codec(
   const char* const typeSegment = disassembler.getStartCharOfMessageType();
   const bool is_measurement = isOfKind(typeSegment, STR_measurements);
   std::unique_ptr<TivraMessageBuilder> builder =
-      convertPulsarToTivraMessage(disassembler, typeSegment);
+      tryConvertPulsarToTivraMessage(disassembler, typeSegment);
+  if (builder == nullptr) {
+    fault = disassembler.getFault();
+    return {};
+  }
 
   builder->insertIntoMetadata(
       {DATA_T_vltDOTchannel.hash(), std::move(channelKey),
@@ -98,20 +101,21 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
     getLogger().log<TRACE_LEVEL>("%s", text.c_str());
   }
 
+  Fault fault;
+  if (replaceByEvent(message, fault)) return true;
+  reportDropped(message, false, fault.what());
+  return false;
+}
+
+bool OstroviaNotifications2Codec::replaceByEvent(Message& message, Fault& fault) const {
   const data_t* const id = findStringId(message.getPayload().get<map_t>());
   // Made while the message is whole: when there is no memory at all, it stays so for its report.
   data_t channelKey = DATA_T_vltDOTchannel.copy();
-  // Caught here already, where all that is left to free is freed on the way: every frame in between
-  // costs a dropped message as much as converting it would.
-  try {
-    IdForReport idForReport(id, message);
-    Message notification(std::move(message));
-    message = processPulsarMessage(std::move(notification), std::move(channelKey));
-    idForReport.converted();
-  } catch (const std::exception& e) {
-    const ExceptionInFlight caught(e);
-    return handleException(message, false);
-  }
+  IdForReport idForReport(id, message);
+  Message notification(std::move(message));
+  message = processPulsarMessage(std::move(notification), std::move(channelKey), fault);
+  if (fault) return false;
+  idForReport.converted();
   return true;
 }
 
@@ -120,12 +124,23 @@ bool OstroviaNotifications2Codec::transformMessageTowardsTransport(Message&) { r
 bool OstroviaNotifications2Codec::handleException(Message& message, bool towardsTransport) {
   // Not std::current_exception: it would ask for the C++ library of g++ 11, and count references.
   if (abi::__cxa_current_exception_type() == nullptr) return false;
-  if (!getLogger().enabled(DROPPED_LEVEL)) return false;
   try {
-    getLogger().log<DROPPED_LEVEL>("%s", describeFailure(message, towardsTransport).c_str());
-  } catch (...) { // NOLINT(bugprone-empty-catch): no memory for the report; it is lost
+    throw;
+  } catch (const std::exception& e) {
+    reportDropped(message, towardsTransport, e.what());
+  } catch (...) {
+    reportDropped(message, towardsTransport, nullptr);
   }
   return false;
+}
+
+void OstroviaNotifications2Codec::reportDropped(const Message& message, bool towardsTransport,
+                                                const char* what) const noexcept {
+  if (!getLogger().enabled(DROPPED_LEVEL)) return;
+  try {
+    getLogger().log<DROPPED_LEVEL>("%s", describeFailure(message, towardsTransport, what).c_str());
+  } catch (...) { // NOLINT(bugprone-empty-catch): no memory for the report; it is lost
+  }
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

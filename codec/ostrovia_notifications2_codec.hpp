@@ -11,6 +11,7 @@
 
 #include <boost/optional.hpp>
 
+#include "codec/fault.hpp"
 #include "plugin/abstract_simple_codec.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -23,10 +24,11 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
       const PluginConstructorParameters::CodecConstructorParameters& params);
 
   // Returns true for an event, and for a message without a path, which is left as it is. Reports
-  // a notification that cannot be converted and returns false; `message` then holds nothing but the
-  // notification's "id", if that was a string and there is memory for it. Throws for a payload that
+  // a notification that is faulty and returns false; `message` then holds nothing but the
+  // notification's "id", if that was a string and there is memory for it. The same is left when
+  // memory runs out on the way, which is thrown and not reported yet. Throws also for a payload that
   // is no map, for a trace that fails and when there is no memory to begin with; `message` is then
-  // untouched, and nothing is reported yet.
+  // untouched.
   bool transformMessageTowardsHost(Message& message) override;
   // Returns true and changes nothing.
   bool transformMessageTowardsTransport(Message& message) override;
@@ -35,8 +37,17 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
   bool handleException(Message& message, bool towardsTransport) override;
 
  private:
-  // `channelKey` is a copy of the key under which the channel goes into the metadata.
-  [[nodiscard]] Message processPulsarMessage(Message&& notification, data_t&& channelKey) const;
+  // Whether the notification in `message` could be converted; otherwise it is left as after
+  // transformMessageTowardsHost.
+  [[nodiscard]] bool replaceByEvent(Message& message, Fault& fault) const;
+  // The event, or nothing for a faulty notification. `channelKey` is a copy of the key under which
+  // the channel goes into the metadata.
+  [[nodiscard]] Message processPulsarMessage(Message&& notification, data_t&& channelKey,
+                                             Fault& fault) const;
+  // Writes the line about a dropped message, if the level asks for it and there is memory for it.
+  // `what` is null for a failure without a text.
+  void reportDropped(const Message& message, bool towardsTransport,
+                     const char* what) const noexcept;
 
   data_t measurementSplittingChannel; // for events made from measurements
   data_t devicesChannel;              // for all others, prefix included

@@ -11,8 +11,6 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 namespace {
 
-// Errors are made by functions of their own: an expression that throws what it builds has
-// temporaries to clean up, which makes the frame one more for the unwinding to stop at.
 std::runtime_error missing(data_t const& key, char const* where) {
   return std::runtime_error("Required key '" + std::string(text_or_empty(key.get<char const*>())) +
                             "' missing from " + where);
@@ -22,16 +20,16 @@ std::runtime_error unreadableTime(char const* text) {
   return std::runtime_error("Error parsing timestamp '" + std::string(text) + "' in key 'time'");
 }
 
-inline map_entry_t extractEntryOrThrow(map_t& map, key_ref key, char const* where) {
-  map_slot_t* const found = map.find_slot(key);
-  if (found == nullptr) throw missing(key.key, where);
-  return map.extract(*found);
-}
-
-// The value of an entry that was taken out under a constant, whose key is kept for the event.
-data_t valueOf(map_entry_t&& entry, constant_t const& key, SpareParts&& spares) noexcept {
-  spares.keep(key, std::move(entry.key));
-  return std::move(entry.value);
+// Removes the entry under `key` and returns its value; the key is kept for the event.
+data_t take(map_t& map, constant_t const& key, char const* where,
+            PulsarMessageDisassembler& notification) {
+  data_t value;
+  const bool found = map.extract(key, [&](map_entry_t&& entry) noexcept {
+    notification.getSpareParts().keep(key, std::move(entry.key));
+    value = std::move(entry.value);
+  });
+  if (!found) notification.getFault().note(missing(key, where));
+  return value;
 }
 
 } // namespace
@@ -43,38 +41,39 @@ boost::optional<data_t> extractFromMapIfPresent(map_t& map, key_ref key) {
 }
 
 data_t extractFromMapOrThrow(map_t& map, key_ref key, char const* where) {
-  return extractEntryOrThrow(map, key, where).value;
-}
-
-data_t* extractFieldIfPresent(PulsarMessageDisassembler& notification, constant_t const& key) {
-  map_entry_t entry = notification.getPayloadMap().extract(key);
-  if (!entry) return nullptr;
-  return &notification.getTakenFields().keep(
-      valueOf(std::move(entry), key, notification.getSpareParts()));
-}
-
-data_t& extractFieldOrThrow(PulsarMessageDisassembler& notification, constant_t const& key) {
-  return notification.getTakenFields().keep(
-      valueOf(extractEntryOrThrow(notification.getPayloadMap(), key, IN_MESSAGE_PAYLOAD), key,
-              notification.getSpareParts()));
+  map_entry_t entry = map.extract(key);
+  if (!entry) throw missing(key.key, where);
+  return std::move(entry.value);
 }
 
 double extractTimeTimestampOrThrow(PulsarMessageDisassembler& notification) {
-  const data_t& time = extractFieldOrThrow(notification, DATA_T_time);
-  const char* const text = text_or_empty(getFromDataTReportingKey<char const*>(time, "time"));
+  return notification.getFault().orThrow(takeTime(notification));
+}
+
+data_t takeField(PulsarMessageDisassembler& notification, constant_t const& key) {
+  if (notification.getFault()) return {};
+  return take(notification.getPayloadMap(), key, IN_MESSAGE_PAYLOAD, notification);
+}
+
+double takeTime(PulsarMessageDisassembler& notification) {
+  const data_t time = takeField(notification, DATA_T_time);
+  Fault& fault = notification.getFault();
+  const char* const text = text_or_empty(getFromDataTNotingFault<char const*>(time, "time", fault));
   if (const auto seconds = tryParseTime(text)) return *seconds;
-  throw unreadableTime(text);
+  if (!fault) fault.note(unreadableTime(text));
+  return 0;
 }
 
-data_t extractSourceId(data_t& source, SpareParts&& spares) {
-  auto& entries = getFromDataTReportingKey<map_t&>(source, "source");
-  return valueOf(extractEntryOrThrow(entries, DATA_T_id, IN_SOURCE), DATA_T_id, spares.lend());
-}
-
-data_t& reduceToId(data_t& source, PulsarMessageDisassembler& notification) {
-  data_t& id =
-      notification.getTakenFields().keep(extractSourceId(source, notification.getSpareParts()));
-  notification.getSpareParts().keep(std::move(source.get<map_t>()));
+data_t reduceToId(data_t&& source, PulsarMessageDisassembler& notification) {
+  Fault& fault = notification.getFault();
+  if (fault) return {};
+  auto* const entries = source.get_if<map_t>();
+  if (entries == nullptr) {
+    fault.note(problemWithKey("source", source.get_error<map_t>()));
+    return {};
+  }
+  data_t id = take(*entries, DATA_T_id, IN_SOURCE, notification);
+  notification.getSpareParts().keep(std::move(*entries));
   return id;
 }
 
@@ -92,14 +91,14 @@ void remapPayloadElement(constant_t const& from, constant_t const& to,
 
 void convertDateTimePayloadElement(key_ref key, PulsarMessageDisassembler& notification,
                                    TivraMessageBuilder& builder) {
-  map_entry_t entry = notification.getPayloadMap().extract(key);
-  if (!entry) return;
-  if (entry.value.is_string()) {
-    if (const auto seconds = tryParseTime(entry.value.get<char const*>())) {
-      entry.value = data_t(*seconds);
+  notification.getPayloadMap().extract(key, [&](map_entry_t&& entry) {
+    if (entry.value.is_string()) {
+      if (const auto seconds = tryParseTime(entry.value.get<char const*>())) {
+        entry.value = data_t(*seconds);
+      }
     }
-  }
-  builder.fields.assign(std::move(entry));
+    builder.fields.assign(std::move(entry));
+  });
 }
 
 void carryOverDatesAndRemaining(PulsarMessageDisassembler& notification,

@@ -3,8 +3,9 @@
 //
 // Taking a field removes it. What a conversion has not taken when it finishes is copied over whole,
 // so no field is ever both converted and copied. A missing field, one of the wrong kind and an
-// unreadable time are std::runtime_error with a text that names the key; nothing is rolled back
-// then, since the notification is dropped.
+// unreadable time are faults with a text that names the key. The steps of the conversions note them
+// in the notification, and do nothing for one that is faulty; nothing is rolled back then, since it
+// is dropped. The functions that say so throw them as std::runtime_error instead.
 #ifndef VLT_CODEC_PAYLOAD_FIELDS_HPP
 #define VLT_CODEC_PAYLOAD_FIELDS_HPP
 
@@ -26,23 +27,21 @@ inline constexpr const char* IN_SOURCE = "source";
 // The same, but throws "Required key 'KEY' missing from WHERE" when absent.
 [[nodiscard]] data_t extractFromMapOrThrow(map_t& map, key_ref key, char const* where);
 
-// The two for a field of the payload itself. Its key becomes a spare part; its value stays with the
-// notification, to be moved from there.
-[[nodiscard]] data_t* extractFieldIfPresent(PulsarMessageDisassembler& notification,
-                                            constant_t const& key);
-[[nodiscard]] data_t& extractFieldOrThrow(PulsarMessageDisassembler& notification,
-                                          constant_t const& key);
-
 // Takes "time" out of the payload: seconds since the epoch. Throws when it is missing, no string,
 // or unreadable: "Error parsing timestamp 'TEXT' in key 'time'".
 [[nodiscard]] double extractTimeTimestampOrThrow(PulsarMessageDisassembler& notification);
 
-// Takes the id of the source out of the map that `source` must be; its key goes to `spares`.
-[[nodiscard]] data_t extractSourceId(data_t& source, SpareParts&& spares = SpareParts());
+// The steps of the conversions. What they return for a faulty notification means nothing.
 
-// The same for a source of which nothing else is of interest: the rest is freed, key and table
-// become spare parts.
-[[nodiscard]] data_t& reduceToId(data_t& source, PulsarMessageDisassembler& notification);
+// Removes a required field and returns its value; its key becomes a spare part.
+[[nodiscard]] data_t takeField(PulsarMessageDisassembler& notification, constant_t const& key);
+
+// extractTimeTimestampOrThrow as a step.
+[[nodiscard]] double takeTime(PulsarMessageDisassembler& notification);
+
+// Takes the id out of the map that `source` must be. The rest of it is freed, key and table become
+// spare parts.
+[[nodiscard]] data_t reduceToId(data_t&& source, PulsarMessageDisassembler& notification);
 
 // Moves the entry under `from`, if there is one, into the event's field `to`, over any there.
 void remapPayloadElement(data_t const& from, data_t&& to, PulsarMessageDisassembler& notification,

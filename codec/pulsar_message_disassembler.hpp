@@ -6,8 +6,8 @@
 #ifndef VLT_CODEC_PULSAR_MESSAGE_DISASSEMBLER_HPP
 #define VLT_CODEC_PULSAR_MESSAGE_DISASSEMBLER_HPP
 
+#include "codec/fault.hpp"
 #include "codec/spare_parts.hpp"
-#include "codec/taken_fields.hpp"
 #include "value/message.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -29,8 +29,8 @@ class PulsarMessageDisassembler {
   // Moves the payload map out and leaves an empty map. Throws as getPayloadMap does.
   [[nodiscard]] map_t extractRemainingPayload();
 
-  // Where fields that were taken out of the payload wait for the event.
-  [[nodiscard]] TakenFields& getTakenFields() noexcept { return taken_; }
+  // What was found to be wrong with the notification so far.
+  [[nodiscard]] Fault& getFault() noexcept { return fault_; }
 
   // Frees the metadata, once the resource kind is known. There is no path after this.
   void discardMetadata() noexcept { spares_.keep(std::move(notification_.getMetadataMap())); }
@@ -41,7 +41,7 @@ class PulsarMessageDisassembler {
  private:
   Message notification_;
   SpareParts spares_;
-  TakenFields taken_;
+  Fault fault_;
 };
 
 } // namespace com::velanto::connectivity::plugins::pulsar

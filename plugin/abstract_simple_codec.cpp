@@ -1,9 +1,6 @@
 #include "plugin/abstract_simple_codec.hpp"
 
-#include <exception>
 #include <utility>
-
-#include "plugin/exception_in_flight.hpp"
 
 namespace com::velanto::connectivity {
 
@@ -29,11 +26,7 @@ void AbstractSimpleCodec::sendBatchTowardsHost(Message* start, Message* end) {
     try {
       return message.getPayload().empty() ? transformNullPayloadTowardsHost(message)
                                           : transformMessageTowardsHost(message);
-    } catch (const std::exception& e) {
-      const ExceptionInFlight caught(e);
-      return handleException(message, false);
     } catch (...) {
-      const ExceptionInFlight unknown;
       return handleException(message, false);
     }
   });
@@ -45,11 +38,7 @@ void AbstractSimpleCodec::sendBatchTowardsTransport(Message* start, Message* end
     try {
       return message.getPayload().empty() ? transformNullPayloadTowardsTransport(message)
                                           : transformMessageTowardsTransport(message);
-    } catch (const std::exception& e) {
-      const ExceptionInFlight caught(e);
-      return handleException(message, true);
     } catch (...) {
-      const ExceptionInFlight unknown;
       return handleException(message, true);
     }
   });

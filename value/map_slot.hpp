@@ -23,9 +23,13 @@ struct map_slot_t : map_entry_t {
   // Whether an entry could go here.
   [[nodiscard]] bool is_vacant() const noexcept { return hash <= DELETED && key.empty(); }
 
-  // Frees what the slot holds.
-  void make_free() noexcept {
-    hash = FREE;
+  // Free what the slot holds.
+  void make_free() noexcept { make_vacant(FREE); }
+  void make_deleted() noexcept { make_vacant(DELETED); }
+
+ private:
+  void make_vacant(std::uint64_t state) noexcept {
+    hash = state;
     key = data_t();
     value = data_t();
   }
@@ -33,6 +37,15 @@ struct map_slot_t : map_entry_t {
 
 static_assert(sizeof(map_slot_t) == sizeof(vlt_underlying_map_table_entry_t),
               "slots are shared with the host in place");
+
+template <class Use>
+bool map_t::extract(key_ref key, const Use& use) {
+  map_slot_t* const found = find_slot(key);
+  if (found == nullptr) return false;
+  use(std::move(static_cast<map_entry_t&>(*found)));
+  vacate(*found);
+  return true;
+}
 
 template <class Use>
 map_t map_t::drain(const Use& use) && {

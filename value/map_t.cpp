@@ -242,22 +242,20 @@ void map_t::erase(const iterator& position) {
   if (position.at_end()) return;
   position.check();
   if (table_ == nullptr) return;
-  static_cast<void>(extract(position.slots_[position.index_]));
+  vacate(position.slots_[position.index_]);
 }
 
 map_entry_t map_t::extract(key_ref key) {
-  map_slot_t* const found = find_slot(key);
-  return found == nullptr ? map_entry_t() : extract(*found);
+  map_entry_t extracted;
+  extract(key, [&](map_entry_t&& entry) noexcept { extracted = std::move(entry); });
+  return extracted;
 }
 
-// Takes the entry out of its slot and leaves a tombstone. Whoever destroys the entry does so after
-// the table is consistent again.
-map_entry_t map_t::extract(map_slot_t& slot) noexcept {
-  map_entry_t entry{slot.hash, std::move(slot.key), std::move(slot.value)};
-  slot.hash = map_slot_t::DELETED;
+// Frees what the slot holds and leaves a tombstone.
+void map_t::vacate(map_slot_t& slot) noexcept {
+  slot.make_deleted();
   --table_->live;
   ++table_->deleted;
-  return entry;
 }
 
 void map_t::clear() noexcept {

@@ -129,10 +129,14 @@ class map_t {
 
   // Removes the entry under `key` and returns it; no entry when there is none.
   [[nodiscard]] map_entry_t extract(key_ref key);
-  // The same in two steps. The slot, or null, is valid until the map is next modified; it must be
-  // one of an entry of this map.
+  // The same, but hands the entry to `use` as map_entry_t&& where it lies, which saves moving it
+  // twice, and returns whether there was one. `use` must leave this map alone; what it leaves of the
+  // entry is freed, and what it throws keeps the entry in the map. Defined in value/map_slot.hpp.
+  template <class Use>
+  bool extract(key_ref key, const Use& use);
+
+  // The slot of the entry under `key`, or null. Valid until the map is next modified.
   [[nodiscard]] map_slot_t* find_slot(key_ref key) const;
-  [[nodiscard]] map_entry_t extract(map_slot_t& slot) noexcept;
 
   // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the
   // emptied map. What `use` throws ends it, and frees the rest. Defined in value/map_slot.hpp.
@@ -178,6 +182,7 @@ class map_t {
   [[nodiscard]] bool must_grow() const noexcept;
   void grow();
   std::int64_t place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value);
+  void vacate(map_slot_t& slot) noexcept;
   void put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept;
 
   vlt_underlying_map_table_t* table_ = nullptr;

@@ -17,23 +17,42 @@ constexpr EnumTexts<AlarmSeverity, 4, constant_t> SEVERITY_TEXTS = {
 constexpr EnumTexts<AlarmStatus, 3, constant_t> ALARM_STATUS_TEXTS = {
     {&DATA_T_ACTIVE, &DATA_T_ACKNOWLEDGED, &DATA_T_CLEARED}};
 
+// What an id of the source that is no string is reported as, on purpose.
+constexpr const char* SOURCE_ID = "id";
+
+AlarmSeverity severityFrom(const data_t& severity, Fault& fault) {
+  const char* const text = getFromDataTNotingFault<char const*>(severity, "severity", fault);
+  return SEVERITY_TEXTS.fromString(text_or_empty(text), "alarm severity", fault);
+}
+
+AlarmStatus statusFrom(const data_t& status, Fault& fault) {
+  const char* const text = getFromDataTNotingFault<char const*>(status, "status", fault);
+  if (fault) return AlarmStatus();
+  return ALARM_STATUS_TEXTS.fromString(requireText(text), "alarm status", fault);
+}
+
 } // namespace
 
 std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& notification) {
-  data_t& source = extractFieldOrThrow(notification, DATA_T_source);
-  data_t& id = extractFieldOrThrow(notification, DATA_T_id);
-  const data_t& count = extractFieldOrThrow(notification, DATA_T_count);
-  const std::int64_t countValue = getFromDataTReportingKey<long long>(count, "count");
-  data_t& severity = extractFieldOrThrow(notification, DATA_T_severity);
-  const AlarmSeverity severityValue = alarmSeverityFromString(
-      text_or_empty(getFromDataTReportingKey<char const*>(severity, "severity")));
-  data_t& sourceId = reduceToId(source, notification);
-  data_t& status = extractFieldOrThrow(notification, DATA_T_status);
-  const AlarmStatus statusValue =
-      alarmStatusFromString(getFromDataTReportingKey<char const*>(status, "status"));
-  data_t& text = extractFieldOrThrow(notification, DATA_T_text);
-  const double time = extractTimeTimestampOrThrow(notification);
-  data_t& type = extractFieldOrThrow(notification, DATA_T_type);
+  return notification.getFault().orThrow(tryConvertAlarm(notification));
+}
+
+std::unique_ptr<TivraMessageBuilder> tryConvertAlarm(PulsarMessageDisassembler& notification) {
+  Fault& fault = notification.getFault();
+  data_t source = takeField(notification, DATA_T_source);
+  data_t id = takeField(notification, DATA_T_id);
+  const data_t count = takeField(notification, DATA_T_count);
+  const std::int64_t countValue = getFromDataTNotingFault<long long>(count, "count", fault);
+  data_t severity = takeField(notification, DATA_T_severity);
+  const AlarmSeverity severityValue = severityFrom(severity, fault);
+  data_t sourceId = reduceToId(std::move(source), notification);
+  data_t status = takeField(notification, DATA_T_status);
+  const AlarmStatus statusValue = statusFrom(status, fault);
+  data_t text = takeField(notification, DATA_T_text);
+  const double time = takeTime(notification);
+  data_t type = takeField(notification, DATA_T_type);
+  noteUnlessStrings({{"id", id}, {SOURCE_ID, sourceId}, {"text", text}, {"type", type}}, fault);
+  if (fault) return nullptr;
 
   notification.getSpareParts().keep(SEVERITY_TEXTS.toDataTString(severityValue),
                                     std::move(severity));
@@ -53,7 +72,7 @@ AlarmMessageBuilder::AlarmMessageBuilder(data_t&& id, std::int64_t count, AlarmS
     : TivraMessageBuilder(std::move(id), ALARM_TYPE_DATA_T.copy(), spares.lend()) {
   addField(DATA_T_count, data_t(count), spares);
   addField(DATA_T_severity, spares.take(SEVERITY_TEXTS.toDataTString(severity)), spares);
-  ensureValueDataTIsString("id", sourceId); // reported as "id", on purpose
+  ensureValueDataTIsString(SOURCE_ID, sourceId);
   addField(DATA_T_source, std::move(sourceId), spares);
   addField(DATA_T_status, spares.take(ALARM_STATUS_TEXTS.toDataTString(status)), spares);
   ensureValueDataTIsString("text", text);

@@ -36,6 +36,9 @@ class AlarmMessageBuilder final : public TivraMessageBuilder {
 // wrong, in the order of the steps.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertAlarm(
     PulsarMessageDisassembler& notification);
+// The same, but notes the error in the notification and returns null.
+[[nodiscard]] std::unique_ptr<TivraMessageBuilder> tryConvertAlarm(
+    PulsarMessageDisassembler& notification);
 
 } // namespace com::velanto::connectivity::plugins::pulsar
 

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "codec/fault.hpp"
 #include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -20,11 +21,19 @@ struct EnumTexts {
   // The value whose text equals `text` (not null), case included. Throws std::runtime_error
   // "Unrecognized WHAT: TEXT".
   [[nodiscard]] Enum fromString(char const* text, char const* what) const {
+    Fault fault;
+    return fault.orThrow(fromString(text, what, fault));
+  }
+  // The same, but notes the error. What it returns then, or for a fault that is there already,
+  // means nothing.
+  [[nodiscard]] Enum fromString(char const* text, char const* what, Fault& fault) const {
+    if (fault) return Enum();
     for (std::size_t row = 0; row < ROWS; ++row) {
       if (std::strcmp(text, texts[row]->template get<char const*>()) == 0)
         return static_cast<Enum>(row);
     }
-    throw std::runtime_error(std::string("Unrecognized ") + what + ": " + text);
+    fault.note(std::runtime_error(std::string("Unrecognized ") + what + ": " + text));
+    return Enum();
   }
 
   // The text of `value`. Throws std::runtime_error "Unrecognized enum value.".

@@ -9,12 +9,19 @@
 namespace com::velanto::connectivity::plugins::pulsar {
 
 std::unique_ptr<TivraMessageBuilder> convertEvent(PulsarMessageDisassembler& notification) {
-  data_t& source = extractFieldOrThrow(notification, DATA_T_source);
-  data_t& id = extractFieldOrThrow(notification, DATA_T_id);
-  data_t& sourceId = reduceToId(source, notification);
-  data_t& text = extractFieldOrThrow(notification, DATA_T_text);
-  const double time = extractTimeTimestampOrThrow(notification);
-  data_t& type = extractFieldOrThrow(notification, DATA_T_type);
+  return notification.getFault().orThrow(tryConvertEvent(notification));
+}
+
+std::unique_ptr<TivraMessageBuilder> tryConvertEvent(PulsarMessageDisassembler& notification) {
+  Fault& fault = notification.getFault();
+  data_t source = takeField(notification, DATA_T_source);
+  data_t id = takeField(notification, DATA_T_id);
+  data_t sourceId = reduceToId(std::move(source), notification);
+  data_t text = takeField(notification, DATA_T_text);
+  const double time = takeTime(notification);
+  data_t type = takeField(notification, DATA_T_type);
+  noteUnlessStrings({{"id", id}, {"source", sourceId}, {"text", text}, {"type", type}}, fault);
+  if (fault) return nullptr;
 
   auto builder =
       std::make_unique<EventMessageBuilder>(std::move(id), std::move(sourceId), std::move(text),

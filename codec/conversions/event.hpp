@@ -21,6 +21,9 @@ class EventMessageBuilder final : public TivraMessageBuilder {
 // wrong, in the order of the steps.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertEvent(
     PulsarMessageDisassembler& notification);
+// The same, but notes the error in the notification and returns null.
+[[nodiscard]] std::unique_ptr<TivraMessageBuilder> tryConvertEvent(
+    PulsarMessageDisassembler& notification);
 
 } // namespace com::velanto::connectivity::plugins::pulsar
 

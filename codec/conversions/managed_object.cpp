@@ -35,10 +35,19 @@ void addPosition(PulsarMessageDisassembler& notification, ManagedObjectBuilder& 
 } // namespace
 
 std::unique_ptr<TivraMessageBuilder> convertManagedObject(PulsarMessageDisassembler& notification) {
-  data_t& id = extractFieldOrThrow(notification, DATA_T_id);
-  data_t& name = extractFieldOrThrow(notification, DATA_T_name);
-  data_t* type = extractFieldIfPresent(notification, DATA_T_type);
-  if (type == nullptr) type = &notification.getTakenFields().keep(DATA_T_.copy());
+  return notification.getFault().orThrow(tryConvertManagedObject(notification));
+}
+
+std::unique_ptr<TivraMessageBuilder> tryConvertManagedObject(
+    PulsarMessageDisassembler& notification) {
+  Fault& fault = notification.getFault();
+  data_t id = takeField(notification, DATA_T_id);
+  data_t name = takeField(notification, DATA_T_name);
+  if (fault) return nullptr;
+  auto type = extractFromMapIfPresent(notification.getPayloadMap(), DATA_T_type);
+  if (!type) type = DATA_T_.copy();
+  noteUnlessStrings({{"id", id}, {"source", name}, {"type", *type}}, fault);
+  if (fault) return nullptr;
 
   auto builder = std::make_unique<ManagedObjectBuilder>(
       std::move(id), std::move(name), std::move(*type), notification.getSpareParts());

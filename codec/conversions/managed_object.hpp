@@ -29,6 +29,9 @@ class ManagedObjectBuilder final : public TivraMessageBuilder {
 // wrong, in the order of the steps; malformed optional fragments are never errors.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertManagedObject(
     PulsarMessageDisassembler& notification);
+// The same, but notes the error in the notification and returns null.
+[[nodiscard]] std::unique_ptr<TivraMessageBuilder> tryConvertManagedObject(
+    PulsarMessageDisassembler& notification);
 
 } // namespace com::velanto::connectivity::plugins::pulsar
 

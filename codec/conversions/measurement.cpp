@@ -12,11 +12,19 @@
 namespace com::velanto::connectivity::plugins::pulsar {
 
 std::unique_ptr<TivraMessageBuilder> convertMeasurement(PulsarMessageDisassembler& notification) {
-  data_t& source = extractFieldOrThrow(notification, DATA_T_source);
-  data_t& id = extractFieldOrThrow(notification, DATA_T_id);
-  data_t& sourceId = reduceToId(source, notification);
-  const double time = extractTimeTimestampOrThrow(notification);
-  data_t& type = extractFieldOrThrow(notification, DATA_T_type);
+  return notification.getFault().orThrow(tryConvertMeasurement(notification));
+}
+
+std::unique_ptr<TivraMessageBuilder> tryConvertMeasurement(
+    PulsarMessageDisassembler& notification) {
+  Fault& fault = notification.getFault();
+  data_t source = takeField(notification, DATA_T_source);
+  data_t id = takeField(notification, DATA_T_id);
+  data_t sourceId = reduceToId(std::move(source), notification);
+  const double time = takeTime(notification);
+  data_t type = takeField(notification, DATA_T_type);
+  noteUnlessStrings({{"id", id}, {"source", sourceId}, {"type", type}}, fault);
+  if (fault) return nullptr;
 
   auto builder = std::make_unique<MeasurementMessageBuilder>(
       std::move(id), std::move(sourceId), time, std::move(type), notification.getSpareParts());
@@ -71,28 +79,27 @@ bool MeasurementMessageBuilder::isValidSeriesValue(map_t const& series) {
 }
 
 map_t createMeasurementValue(map_t&& series, SpareParts&& spares) {
-  map_entry_t value = series.extract(DATA_T_value);
-  if (!value) throw std::runtime_error("'value' key missing from measurement value");
-  MeasurementValueBuilder builder(std::move(value), spares.takeMap());
-  if (map_entry_t units = series.extract(DATA_T_units)) builder.addUnits(std::move(units));
-  builder.setParams(std::move(series));
+  MeasurementValueBuilder builder(spares.takeMap());
+  const auto add = [&](map_entry_t&& entry) { builder.add(std::move(entry)); };
+  if (!series.extract(DATA_T_value, add)) {
+    throw std::runtime_error("'value' key missing from measurement value");
+  }
+  series.extract(DATA_T_units, add);
+  builder.add(DATA_T_params.with(std::move(series)));
   return std::move(builder).getResult();
 }
 
-MeasurementValueBuilder::MeasurementValueBuilder(data_t&& value)
-    : MeasurementValueBuilder(DATA_T_value.with(std::move(value))) {}
-
-MeasurementValueBuilder::MeasurementValueBuilder(map_entry_t&& value, map_t&& emptied)
-    : measurementValue_(std::move(emptied)) {
-  measurementValue_.add(std::move(value));
+MeasurementValueBuilder::MeasurementValueBuilder(data_t&& value) {
+  add(DATA_T_value.with(std::move(value)));
 }
+
+MeasurementValueBuilder::MeasurementValueBuilder(map_t&& emptied)
+    : measurementValue_(std::move(emptied)) {}
+
+void MeasurementValueBuilder::add(map_entry_t&& entry) { measurementValue_.add(std::move(entry)); }
 
 void MeasurementValueBuilder::setUnits(data_t&& units) {
   measurementValue_.assign(DATA_T_units.with(std::move(units)));
-}
-
-void MeasurementValueBuilder::addUnits(map_entry_t&& units) {
-  measurementValue_.add(std::move(units));
 }
 
 void MeasurementValueBuilder::setParams(map_t&& params) {

@@ -41,10 +41,10 @@ class MeasurementValueBuilder {
  public:
   explicit MeasurementValueBuilder(data_t&& value);
   void setUnits(data_t&& units);
-  // For entries that have these names already; units are added once at most.
-  explicit MeasurementValueBuilder(map_entry_t&& value, map_t&& emptied = map_t());
-  void addUnits(map_entry_t&& units);
   void setParams(map_t&& params);
+  // For entries that have these names already, each added once at most; `emptied` has no entries.
+  explicit MeasurementValueBuilder(map_t&& emptied);
+  void add(map_entry_t&& entry);
   [[nodiscard]] map_t getResult() && noexcept { return std::move(measurementValue_); }
 
  private:
@@ -58,6 +58,9 @@ class MeasurementValueBuilder {
 // Consumes the notification. Throws std::runtime_error naming the first field that is missing or
 // wrong, in the order of the steps.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertMeasurement(
+    PulsarMessageDisassembler& notification);
+// The same, but notes the error in the notification and returns null.
+[[nodiscard]] std::unique_ptr<TivraMessageBuilder> tryConvertMeasurement(
     PulsarMessageDisassembler& notification);
 
 } // namespace com::velanto::connectivity::plugins::pulsar

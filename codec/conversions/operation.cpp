@@ -19,12 +19,20 @@ constexpr EnumTexts<OperationStatus, 4, constant_t> OPERATION_STATUS_TEXTS = {
 } // namespace
 
 std::unique_ptr<TivraMessageBuilder> convertOperation(PulsarMessageDisassembler& notification) {
-  data_t& source = extractFieldOrThrow(notification, DATA_T_source);
-  data_t& deviceId = extractFieldOrThrow(notification, DATA_T_deviceId);
-  data_t& sourceId = reduceToId(source, notification);
-  data_t& status = extractFieldOrThrow(notification, DATA_T_status);
-  const OperationStatus statusValue = operationStatusFromString(
-      text_or_empty(getFromDataTReportingKey<char const*>(status, "status")));
+  return notification.getFault().orThrow(tryConvertOperation(notification));
+}
+
+std::unique_ptr<TivraMessageBuilder> tryConvertOperation(PulsarMessageDisassembler& notification) {
+  Fault& fault = notification.getFault();
+  data_t source = takeField(notification, DATA_T_source);
+  data_t deviceId = takeField(notification, DATA_T_deviceId);
+  data_t sourceId = reduceToId(std::move(source), notification);
+  data_t status = takeField(notification, DATA_T_status);
+  const OperationStatus statusValue = OPERATION_STATUS_TEXTS.fromString(
+      text_or_empty(getFromDataTNotingFault<char const*>(status, "status", fault)),
+      "operation status", fault);
+  noteUnlessStrings({{"id", deviceId}, {"source", sourceId}}, fault);
+  if (fault) return nullptr;
 
   notification.getSpareParts().keep(OPERATION_STATUS_TEXTS.toDataTString(statusValue),
                                     std::move(status));

@@ -28,6 +28,9 @@ class OperationMessageBuilder final : public TivraMessageBuilder {
 // wrong, in the order of the steps.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertOperation(
     PulsarMessageDisassembler& notification);
+// The same, but notes the error in the notification and returns null.
+[[nodiscard]] std::unique_ptr<TivraMessageBuilder> tryConvertOperation(
+    PulsarMessageDisassembler& notification);
 
 } // namespace com::velanto::connectivity::plugins::pulsar
 

@@ -112,6 +112,41 @@ TEST_F(FieldChecks, WhatIsNoStandardExceptionPassesThrough) {
   EXPECT_THROW((void)getFromDataTReportingKey<char const*>(value, "k"), int);
 }
 
+TEST_F(FieldChecks, TypedGetThatNotesReadsWhatTheOtherReads) {
+  Fault fault;
+  EXPECT_STREQ(getFromDataTNotingFault<char const*>(borrowed("a"), "k", fault), "a");
+  EXPECT_EQ(getFromDataTNotingFault<char const*>(null_text(), "k", fault), nullptr);
+  EXPECT_EQ(getFromDataTNotingFault<long long>(whole(7), "k", fault), 7);
+  EXPECT_FALSE(fault);
+}
+
+TEST_F(FieldChecks, TypedGetThatNotesReturnsNothingForAFault) {
+  Fault fault;
+  EXPECT_EQ(getFromDataTNotingFault<long long>(data_t(), "count", fault), 0);
+  ASSERT_TRUE(fault);
+  EXPECT_STREQ(fault.what(), "Problem with key 'count': Get from empty");
+  // Nothing is read, or written to standard error, once there is one.
+  const std::string diagnostics = stderr_of([&] {
+    EXPECT_EQ(getFromDataTNotingFault<long long>(whole(7), "k", fault), 0);
+    EXPECT_EQ(getFromDataTNotingFault<char const*>(whole(7), "k", fault), nullptr);
+  });
+  EXPECT_EQ(diagnostics, "");
+  EXPECT_STREQ(fault.what(), "Problem with key 'count': Get from empty");
+}
+
+TEST_F(FieldChecks, FirstOfSeveralValuesThatIsNoStringIsNoted) {
+  const data_t string = text("a");
+  const data_t number = whole(1);
+  Fault fault;
+  noteUnlessStrings({{"a", string}, {"b", string}}, fault);
+  EXPECT_FALSE(fault);
+  noteUnlessStrings({{"a", string}, {"b", number}, {"c", number}}, fault);
+  ASSERT_TRUE(fault);
+  EXPECT_STREQ(fault.what(), "Value for key 'b' is not a string.");
+  noteUnlessStrings({{"a", number}}, fault);
+  EXPECT_STREQ(fault.what(), "Value for key 'b' is not a string.");
+}
+
 TEST_F(FieldChecks, BothStringKindsAreStrings) {
   EXPECT_NO_THROW(ensureValueDataTIsString("k", text("")));
   EXPECT_NO_THROW(ensureValueDataTIsString("k", borrowed("a")));

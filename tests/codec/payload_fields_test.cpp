@@ -96,15 +96,37 @@ TEST_F(Extract, MissingKeyWithANullTextReadsAsTheEmptyText) {
             "Required key '' missing from here");
 }
 
-TEST_F(Extract, SourceIdComesOutOfTheSourceMap) {
-  data_t source = map_of("id", text("7"), "name", text("dev"));
-  EXPECT_TRUE(same(extractSourceId(source), text("7")));
-  EXPECT_TRUE(same(source, map_of("name", text("dev"))));
-  EXPECT_EQ(error_of([&] { (void)extractSourceId(source); }),
-            "Required key 'id' missing from source");
-  data_t none;
-  EXPECT_EQ(error_of([&] { (void)extractSourceId(none); }),
-            "Problem with key 'source': Get from empty");
+TEST_F(Extract, SourceIdIsAllThatIsLeftOfTheSource) {
+  PulsarMessageDisassembler notification;
+  data_t source = map_of("name", text("dev"), "id", text("7"));
+  EXPECT_TRUE(same(reduceToId(std::move(source), notification), text("7")));
+  EXPECT_FALSE(notification.getFault());
+  EXPECT_TRUE(same(notification.getSpareParts().take(DATA_T_id), text("id")));
+}
+
+TEST_F(Extract, SourceWithoutAnIdIsAFault) {
+  PulsarMessageDisassembler notification;
+  (void)reduceToId(map_of("name", text("dev")), notification);
+  ASSERT_TRUE(notification.getFault());
+  EXPECT_STREQ(notification.getFault().what(), "Required key 'id' missing from source");
+
+  PulsarMessageDisassembler other;
+  (void)reduceToId(data_t(), other);
+  ASSERT_TRUE(other.getFault());
+  EXPECT_STREQ(other.getFault().what(), "Problem with key 'source': Get from empty");
+}
+
+TEST_F(Extract, StepsLeaveAFaultyNotificationAlone) {
+  PulsarMessageDisassembler notification =
+      wrapped(map_of("text", text("a"), "time", text("2023-04-05T06:07:08Z")));
+  notification.getFault().note(std::runtime_error("first"));
+  EXPECT_TRUE(takeField(notification, DATA_T_text).empty());
+  (void)takeTime(notification);
+  (void)reduceToId(map_of("id", text("7")), notification);
+  (void)takeField(notification, DATA_T_source);
+  EXPECT_STREQ(notification.getFault().what(), "first");
+  EXPECT_TRUE(same(notification.getPayloadMap(),
+                   map_of("text", text("a"), "time", text("2023-04-05T06:07:08Z"))));
 }
 
 TEST_F(Time, IsTakenOutAndParsed) {

@@ -105,16 +105,35 @@ TEST_F(MapExtract, EntriesDisplacedPastTheSlotStayReachable) {
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 2}));
 }
 
-TEST_F(MapExtract, InTwoStepsIsTheSame) {
+TEST_F(MapExtract, InPlaceHandsOverTheEntryAndFreesWhatIsLeftOfIt) {
   map_t map = with_keys("3", "11");
-  map_slot_t* const slot = map.find_slot(text("3"));
-  ASSERT_NE(slot, nullptr);
-  const map_entry_t entry = map.extract(*slot);
-  EXPECT_EQ(entry.hash, 3u);
-  EXPECT_EQ(entry.key, text("3"));
-  EXPECT_EQ(entry.value, text("3"));
-  EXPECT_TRUE(slot->is_deleted());
+  data_t value;
+  const bool found = map.extract(text("3"), [&](map_entry_t&& entry) {
+    EXPECT_EQ(entry.hash, 3u);
+    EXPECT_EQ(entry.key, text("3"));
+    value = std::move(entry.value);
+    standin_reset_calls();
+  });
+  EXPECT_TRUE(found);
+  EXPECT_EQ(standin_calls(STANDIN_FREE_STRING), 1 + 1) << "the key in the slot and the one above";
+  EXPECT_EQ(value, text("3"));
+  EXPECT_TRUE(slot_at(map, 3).is_deleted());
+  EXPECT_TRUE(is_zeroed(slot_at(map, 3).key));
+  EXPECT_TRUE(is_zeroed(slot_at(map, 3).value));
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 1}));
+}
+
+TEST_F(MapExtract, InPlaceAsksNothingForAnAbsentKey) {
+  map_t map = with_keys("3", "11");
+  EXPECT_FALSE(map.extract(text("19"), [](map_entry_t&&) { ADD_FAILURE(); }));
+  EXPECT_EQ(counts_of(map), (counts_t{2, 8, 0}));
+}
+
+TEST_F(MapExtract, ExceptionInPlaceKeepsTheEntry) {
+  map_t map = with_keys("3", "11");
+  EXPECT_THROW(map.extract(text("3"), [](map_entry_t&&) { throw 1; }), int);
+  EXPECT_EQ(at(map, "3"), text("3"));
+  EXPECT_EQ(counts_of(map), (counts_t{2, 8, 0}));
 }
 
 TEST_F(MapExtract, AsksNothingOfTheHostWhenTheHashIsKnown) {

@@ -1,0 +1,79 @@
+// Every fault that a field can have, in every kind of notification: what costs most about a bad
+// message, unwinding, is never paid.
+#include <string>
+#include <vector>
+
+#include "tests/codec/codec_fixture.hpp"
+#include "tests/support/exceptions_thrown.hpp"
+#include "tests/support/stderr_capture.hpp"
+
+namespace com::velanto::connectivity::plugins::pulsar {
+namespace {
+
+using namespace connectivity::test;
+
+std::vector<std::string> keysOf(const map_t& map) {
+  std::vector<std::string> keys;
+  for (const auto& [key, value] : map) keys.emplace_back(key.get<const char*>());
+  return keys;
+}
+
+// What a field may be instead of what it should be; nothing: it is not there.
+std::vector<data_t> replacements() {
+  std::vector<data_t> values(1);
+  values.push_back(truth(true));
+  values.push_back(whole(7));
+  values.push_back(text("neither a time nor a state"));
+  values.emplace_back(map_of("name", text("without an id")));
+  return values;
+}
+
+class FaultyNotifications : public CodecFixture,
+                            public ::testing::WithParamInterface<std::size_t> {};
+
+TEST_P(FaultyNotifications, AreDroppedWithoutAnException) {
+  std::vector<std::ptrdiff_t> sizes;
+  const auto codec = CodecFixture::codec();
+  codec->setNextTowardsHost(std::make_unique<CountingLink>(sizes));
+  std::ptrdiff_t sent = 0;
+  stderr_of([&] {
+    for (const std::string& key : keysOf(EXAMPLES[GetParam()].payload())) {
+      for (const data_t& value : replacements()) {
+        Message message = example(GetParam());
+        map_t& payload = message.getPayload().get<map_t>();
+        remove(payload, key.c_str());
+        if (!value.empty()) payload.insert(text(key.c_str()), data_t(value));
+        const std::int64_t before = exceptionsThrown();
+        codec->sendBatchTowardsHost(&message, &message + 1);
+        EXPECT_EQ(exceptionsThrown() - before, 0) << key;
+        ++sent;
+      }
+    }
+  });
+  std::ptrdiff_t kept = 0;
+  for (const std::ptrdiff_t size : sizes) kept += size;
+  EXPECT_LT(kept, sent) << "none was faulty";
+  EXPECT_EQ(static_cast<std::ptrdiff_t>(takeLog().size()), sent - kept);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, FaultyNotifications,
+                         ::testing::Range(std::size_t{0}, std::size(EXAMPLES)),
+                         [](const auto& kind) { return std::string(EXAMPLES[kind.param].kind); });
+
+TEST_F(CodecFixture, NotificationOfAnUnknownKindIsDroppedWithoutAnException) {
+  const auto codec = CodecFixture::codec();
+  Message message = notification("a/b/inventory/1", map_of("id", text("1")));
+  const std::int64_t before = exceptionsThrown();
+  codec->sendBatchTowardsHost(&message, &message + 1);
+  EXPECT_EQ(exceptionsThrown() - before, 0);
+  EXPECT_EQ(takeLog().size(), 1U);
+}
+
+TEST_F(CodecFixture, ExceptionsAreCounted) {
+  const std::int64_t before = exceptionsThrown();
+  EXPECT_THROW(throw 42, int);
+  EXPECT_EQ(exceptionsThrown() - before, 1);
+}
+
+} // namespace
+} // namespace com::velanto::connectivity::plugins::pulsar
