@@ -4,9 +4,11 @@
 #define VLT_TESTS_SUPPORT_FAILING_OPERATIONS_HPP
 
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "plugin/abstract_simple_codec.hpp"
+#include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -39,6 +41,16 @@ class FailingOperations : public AbstractSimpleCodec {
   bool handleException(Message&, bool) override { return false; }
 
  protected:
+  // The text that the configuration has under "tenantId", by which such a plug-in may be told what
+  // to do; empty for none.
+  static std::string tenantOf(
+      const PluginConstructorParameters::CodecConstructorParameters& params) {
+    for (const auto& [key, value] : params.getConfiguration()) {
+      if (key == data_t("tenantId")) return value.get<const char*>();
+    }
+    return "";
+  }
+
   // Throws if `operation`, one of the functions above, is to fail. A constructor that is to fail
   // asks for "create" itself: here it would be too early.
   virtual void failIn(const char* operation) const = 0;

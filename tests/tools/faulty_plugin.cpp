@@ -24,10 +24,7 @@ class OstroviaNotifications2Codec final : public FailingOperations {
  public:
   explicit OstroviaNotifications2Codec(
       const PluginConstructorParameters::CodecConstructorParameters& params)
-      : FailingOperations(params) {
-    for (const auto& [key, value] : params.getConfiguration()) {
-      if (key == data_t("tenantId")) fault_ = value.get<const char*>();
-    }
+      : FailingOperations(params), fault_(tenantOf(params)) {
     OstroviaNotifications2Codec::failIn("create");
   }
 

@@ -28,11 +28,7 @@ class OstroviaNotifications2Codec final : public FailingOperations {
  public:
   explicit OstroviaNotifications2Codec(
       const PluginConstructorParameters::CodecConstructorParameters& params)
-      : FailingOperations(params) {
-    for (const auto& [key, value] : params.getConfiguration()) {
-      if (key == data_t("tenantId")) way_ = value.get<const char*>();
-    }
-  }
+      : FailingOperations(params), way_(tenantOf(params)) {}
 
   bool transformMessageTowardsHost(Message& message) override {
     if (way_ == "noise") std::fputs("noise\n", stderr);
