@@ -108,7 +108,13 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
 }
 
 bool OstroviaNotifications2Codec::replaceByEvent(Message& message, Fault& fault) const {
-  const data_t* const id = findStringId(message.getPayload().get<map_t>());
+  const data_t& payload = message.getPayload();
+  const auto* const fields = payload.get_if<map_t>();
+  if (fields == nullptr) {
+    fault.note(payload.get_error<map_t>());
+    return false;
+  }
+  const data_t* const id = findStringId(*fields);
   // Made while the message is whole: when there is no memory at all, it stays so for its report.
   data_t channelKey = DATA_T_vltDOTchannel.copy();
   IdForReport idForReport(id, message);

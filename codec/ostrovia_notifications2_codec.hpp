@@ -23,12 +23,12 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
   explicit OstroviaNotifications2Codec(
       const PluginConstructorParameters::CodecConstructorParameters& params);
 
-  // Returns true for an event, and for a message without a path, which is left as it is. Reports
-  // a notification that is faulty and returns false; `message` then holds nothing but the
-  // notification's "id", if that was a string and there is memory for it. The same is left when
-  // memory runs out on the way, which is thrown and not reported yet. Throws also for a payload that
-  // is no map, for a trace that fails and when there is no memory to begin with; `message` is then
-  // untouched.
+  // Returns true for an event, and for a message without a path, which is left as it is. Reports a
+  // notification that is faulty and returns false. What is not noted as a fault (fields with a
+  // custom value in their key, a path that is no string, memory that runs out) is thrown, and not
+  // reported yet. `message` holds nothing then but the notification's "id", if that was a string and
+  // there is memory for it; but it is untouched when its payload is no map, when the trace fails and
+  // when there is no memory to begin with.
   bool transformMessageTowardsHost(Message& message) override;
   // Returns true and changes nothing.
   bool transformMessageTowardsTransport(Message& message) override;

@@ -29,11 +29,13 @@ const char* kind_name(std::uint32_t tag) noexcept {
   return tag < NAMES.size() ? NAMES[tag] : "Unknown";
 }
 
+std::runtime_error nullText() {
+  return std::runtime_error(
+      "Cannot use a null char* as a data_t value (consider using an empty data_t() instead)");
+}
+
 const char* requireText(const char* text) {
-  if (text == nullptr) {
-    throw std::runtime_error(
-        "Cannot use a null char* as a data_t value (consider using an empty data_t() instead)");
-  }
+  if (text == nullptr) throw nullText();
   return text;
 }
 

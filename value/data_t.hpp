@@ -40,8 +40,10 @@ namespace com::velanto::connectivity {
   return reinterpret_cast<const unsigned char&>(content) != 0;
 }
 
-// `text`, which must not be null: throws std::runtime_error "Cannot use a null char* as a data_t
-// value (consider using an empty data_t() instead)".
+// The error of a null text where one is needed: "Cannot use a null char* as a data_t value (consider
+// using an empty data_t() instead)".
+[[nodiscard]] std::runtime_error nullText();
+// `text`, which must not be null: throws that.
 const char* requireText(const char* text);
 
 class data_t {
@@ -137,8 +139,7 @@ class data_t {
   template <class T>
   [[nodiscard]] const T& get() const;
   // The same, but null for content of another kind, and what get would then throw (after the line,
-  // if there is one to write): for who has something to add to the error, since throwing twice
-  // doubles the price of a bad message.
+  // if there is one to write): for who does not want it thrown, or has something to add to it.
   template <class T>
   [[nodiscard]] T* get_if() noexcept;
   template <class T>

@@ -253,9 +253,9 @@ map_entry_t map_t::extract(key_ref key) {
 
 // Frees what the slot holds and leaves a tombstone.
 void map_t::vacate(map_slot_t& slot) noexcept {
-  slot.make_deleted();
   --table_->live;
   ++table_->deleted;
+  slot.make_deleted();
 }
 
 void map_t::clear() noexcept {

@@ -135,9 +135,6 @@ class map_t {
   template <class Use>
   bool extract(key_ref key, const Use& use);
 
-  // The slot of the entry under `key`, or null. Valid until the map is next modified.
-  [[nodiscard]] map_slot_t* find_slot(key_ref key) const;
-
   // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the
   // emptied map. What `use` throws ends it, and frees the rest. Defined in value/map_slot.hpp.
   template <class Use>
@@ -176,6 +173,7 @@ class map_t {
     if (old != nullptr) vlt_free_map(old);
   }
   [[nodiscard]] map_slot_t* slots() const noexcept;
+  [[nodiscard]] map_slot_t* find_slot(key_ref key) const;
   [[nodiscard]] std::int64_t index_of(key_ref key) const;
   [[nodiscard]] probe_t find_for_insert(key_ref key) const;
   [[nodiscard]] std::int64_t find_vacant(std::uint64_t hash) const noexcept;

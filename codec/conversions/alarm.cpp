@@ -27,8 +27,8 @@ AlarmSeverity severityFrom(const data_t& severity, Fault& fault) {
 
 AlarmStatus statusFrom(const data_t& status, Fault& fault) {
   const char* const text = getFromDataTNotingFault<char const*>(status, "status", fault);
-  if (fault) return AlarmStatus();
-  return ALARM_STATUS_TEXTS.fromString(requireText(text), "alarm status", fault);
+  if (text == nullptr && !fault) fault.note(nullText()); // unlike a severity
+  return ALARM_STATUS_TEXTS.fromString(text, "alarm status", fault);
 }
 
 } // namespace

@@ -13,7 +13,7 @@ namespace {
 using namespace connectivity::test;
 
 TEST(Fault, IsNoneAtFirst) {
-  const Fault fault;
+  Fault fault;
   EXPECT_FALSE(fault);
   EXPECT_EQ(fault.orThrow(7), 7);
   EXPECT_EQ(*fault.orThrow(std::make_unique<int>(8)), 8);
@@ -27,10 +27,12 @@ TEST(Fault, FirstOneThatIsNotedStays) {
   EXPECT_STREQ(fault.what(), "first");
 }
 
-TEST(Fault, IsThrownWithItsText) {
+TEST(Fault, IsThrownOnceWithItsText) {
   Fault fault;
   fault.note(std::runtime_error("first"));
   EXPECT_EQ(error_of([&] { (void)fault.orThrow(7); }), "first");
+  EXPECT_FALSE(fault) << "it is thrown once";
+  EXPECT_EQ(fault.orThrow(7), 7);
 }
 
 TEST(Fault, CopyKeepsItsTextWithoutTheOriginal) {

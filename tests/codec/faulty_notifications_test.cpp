@@ -23,6 +23,7 @@ std::vector<data_t> replacements() {
   std::vector<data_t> values(1);
   values.push_back(truth(true));
   values.push_back(whole(7));
+  values.push_back(null_text());
   values.push_back(text("neither a time nor a state"));
   values.emplace_back(map_of("name", text("without an id")));
   return values;
@@ -60,13 +61,14 @@ INSTANTIATE_TEST_SUITE_P(Kinds, FaultyNotifications,
                          ::testing::Range(std::size_t{0}, std::size(EXAMPLES)),
                          [](const auto& kind) { return std::string(EXAMPLES[kind.param].kind); });
 
-TEST_F(CodecFixture, NotificationOfAnUnknownKindIsDroppedWithoutAnException) {
+TEST_F(CodecFixture, NotificationWithoutAKindOrFieldsIsDroppedWithoutAnException) {
   const auto codec = CodecFixture::codec();
-  Message message = notification("a/b/inventory/1", map_of("id", text("1")));
+  Message messages[] = {notification("a/b/inventory/1", map_of("id", text("1"))),
+                        notification("a/b/alarms/1", list_of(text("1")))};
   const std::int64_t before = exceptionsThrown();
-  codec->sendBatchTowardsHost(&message, &message + 1);
+  stderr_of([&] { codec->sendBatchTowardsHost(std::begin(messages), std::end(messages)); });
   EXPECT_EQ(exceptionsThrown() - before, 0);
-  EXPECT_EQ(takeLog().size(), 1U);
+  EXPECT_EQ(takeLog().size(), 2U);
 }
 
 TEST_F(CodecFixture, ExceptionsAreCounted) {

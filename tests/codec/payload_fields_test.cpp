@@ -142,6 +142,17 @@ TEST_F(Time, BorrowedTextIsRead) {
   EXPECT_EQ(extractTimeTimestampOrThrow(notification), 1680674828.0);
 }
 
+TEST_F(Time, FaultOfAnEarlierCallIsForgotten) {
+  PulsarMessageDisassembler notification = wrapped(map_of("time", text("yesterday")));
+  const auto error = [&] {
+    return error_of([&] { (void)extractTimeTimestampOrThrow(notification); });
+  };
+  EXPECT_EQ(error(), "Error parsing timestamp 'yesterday' in key 'time'");
+  EXPECT_EQ(error(), "Required key 'time' missing from message payload");
+  notification.getPayloadMap().insert(text("time"), text("2023-04-05T06:07:08Z"));
+  EXPECT_EQ(extractTimeTimestampOrThrow(notification), 1680674828.0);
+}
+
 TEST_F(Time, FaultsNameTheKey) {
   const auto error = [](map_t&& payload) {
     PulsarMessageDisassembler notification = wrapped(std::move(payload));

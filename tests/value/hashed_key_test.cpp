@@ -89,7 +89,7 @@ TEST_F(HashedKey, LookUpsUnderItHashNothing) {
   EXPECT_EQ(map.find(present)->second, whole(1));
   EXPECT_EQ(constant.find(present)->second, whole(1));
   EXPECT_EQ(*constant.find_value(present), whole(1));
-  EXPECT_NE(map.find_slot(present), nullptr);
+  EXPECT_NE(map.find_value(present), nullptr);
   EXPECT_TRUE(map.find(absent) == map.end());
   EXPECT_EQ(map.find_value(absent), nullptr);
   EXPECT_FALSE(map.extract(absent));
