@@ -57,7 +57,6 @@ void requireKeyOf(const map_entry_t& entry) {
 
 key_ref::key_ref(const data_t& any) : key(any), hash(hashes::key_hash(any)) {}
 key_ref::key_ref(const map_entry_t& entry) noexcept : key(entry.key), hash(entry.hash) {}
-key_ref::key_ref(const map_slot_t& slot) noexcept : key(slot.key), hash(slot.hash) {}
 
 map_slot_t* map_t::slots() const noexcept {
   return table_ == nullptr ? nullptr : reinterpret_cast<map_slot_t*>(table_ + 1);

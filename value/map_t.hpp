@@ -44,14 +44,12 @@ class hashed_key_t;
 struct map_entry_t;
 struct map_slot_t;
 
-// A key with its hash, for the length of a call. A constant (value/hashed_key.hpp), an entry and a
-// slot know their hash; any other value is hashed, and a custom one refused with
-// std::runtime_error.
+// A key with its hash, for the length of a call. A constant (value/hashed_key.hpp) and an entry know
+// their hash; any other value is hashed, and a custom one refused with std::runtime_error.
 struct key_ref {
   key_ref(const data_t& any);
   key_ref(const hashed_key_t& constant) noexcept;
   key_ref(const map_entry_t& entry) noexcept;
-  key_ref(const map_slot_t& slot) noexcept;
 
   const data_t& key;
   std::uint64_t hash;
