@@ -51,7 +51,8 @@ tools::explanation_t ExplainFixture::explainedLine(const std::string& line, cons
   record_.outputs = std::move(passage.outputs);
   record_.log = std::move(passage.log);
   if (!record_.outputs.empty()) record_.outcome = tools::Outcome::passed;
-  tools::Probe probe(original, [&](Message& changed) { return run(changed, codec); });
+  tools::Probe probe(
+      original, [&](Message& changed) { return run(changed, codec); }, most_values_);
   tools::explanation_t explanation = tools::explain(record_, probe);
   EXPECT_TRUE(explanation.stable);
   EXPECT_EQ(unaccounted(before, tools::Trace(std::span(record_.outputs)), explanation.rows), "");

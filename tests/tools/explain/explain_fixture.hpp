@@ -10,6 +10,7 @@
 #include "tests/support/values.hpp"
 #include "tools/ndjson/json_reader.hpp"
 #include "tools/replay/explain/explanation.hpp"
+#include "tools/replay/explain/probe.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -34,6 +35,8 @@ class ExplainFixture : public HostFixture {
   // "copied a ⇒ b" and so on; behind ⇐ what a row refers to.
   std::string fates(const std::string& payload, const codec_t& codec);
 
+  // How many values may be looked at for a message.
+  std::size_t most_values_ = tools::Probe::MOST_VALUES;
   // Of the last message explained.
   tools::record_t record_;
   tools::passage_t run(Message& message, const codec_t& codec);

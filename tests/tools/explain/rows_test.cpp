@@ -87,8 +87,9 @@ TEST_F(RowsTest, OfADroppedMessageEveryFieldIsLost) {
 }
 
 TEST_F(RowsTest, WhatIsNotFollowedIsUnknown) {
+  most_values_ = 100'000;
   std::string payload = "{\"out\":1,";
-  for (int i = 0; i < 3000; ++i)
+  for (int i = 0; i < 1000; ++i)
     payload += "\"k" + std::to_string(i) + "\":" + std::to_string(i) + ",";
   payload.back() = '}';
   const tools::explanation_t told =
@@ -96,12 +97,13 @@ TEST_F(RowsTest, WhatIsNotFollowedIsUnknown) {
   EXPECT_TRUE(told.limited);
   EXPECT_EQ(told.rows.back().fate, tools::Fate::unknown);
   EXPECT_EQ(told.rows.front().fate, tools::Fate::unchanged);
-  EXPECT_EQ(told.rows.size() - 1 + told.rows.back().from.size(), 3001u);
+  EXPECT_EQ(told.rows.size() - 1 + told.rows.back().from.size(), 1001u);
 }
 
 TEST_F(RowsTest, OfALargeMessageTheTopIsFollowedFirst) {
+  most_values_ = 100'000;
   std::string payload = "{\"deep\":{";
-  for (int i = 0; i < 3000; ++i)
+  for (int i = 0; i < 1000; ++i)
     payload += "\"k" + std::to_string(i) + "\":" + std::to_string(i) + ",";
   payload.back() = '}';
   const tools::explanation_t told = explained(payload + ",\"top\":1}", onPayload([](map_t& all) {

@@ -22,6 +22,11 @@ class SamplesTest : public HostFixture {
   tools::passage_t send(Message& message) {
     return std::move(chain_->send(std::span(&message, 1)));
   }
+  bool comesOut(const Message& message) {
+    const tools::Silence silence;
+    Message sent = copyOf(message);
+    return !send(sent).outputs.empty();
+  }
   tools::explanation_t explained(const Message& message) {
     const tools::Silence silence; // for lines that the plug-in writes past the log
     Message sent = copyOf(message);
@@ -58,10 +63,12 @@ TEST_F(SamplesTest, EveryLeafIsToldOfOnce) {
   }
 }
 
-// What is said to be at fault in samples/failing.ndjson: with it mended, the message comes out.
+// What is said to be at fault in samples/failing.ndjson: with it mended, the message comes out. Of
+// messages that come out as they are nothing is at fault, which the test above shows.
 TEST_F(SamplesTest, WhatIsAtFaultIsAtFault) {
   std::size_t proven = 0;
   for (const sample_t& sample : readSamples()) {
+    if (comesOut(sample.message)) continue;
     const tools::explanation_t told = explained(sample.message);
     if (told.blame.faults.empty()) continue;
     ++proven;

@@ -2,14 +2,8 @@
 
 namespace com::velanto::connectivity::tools {
 
-namespace {
-
-constexpr std::size_t MOST_VALUES = 1'000'000; // looked at for one message: some seconds
-
-} // namespace
-
 std::optional<answer_t> Probe::ask(std::span<const change_t> changes) {
-  if (looked_at_ >= MOST_VALUES) {
+  if (looked_at_ >= most_values_) {
     exhausted_ = true;
     return std::nullopt;
   }

@@ -31,9 +31,12 @@ class Probe {
   // Sends one message, which is the caller's to change, through the plug-in.
   using Plugin = std::function<passage_t(Message& message)>;
 
-  // `message` must outlive the probe. What is looked at in all runs together is bounded: a message
-  // of 1 000 values is run some 1 000 times at most, one of 20 000 values some 50 times.
-  Probe(const Message& message, Plugin plugin) : message_(message), plugin_(std::move(plugin)) {}
+  static constexpr std::size_t MOST_VALUES = 1'000'000; // some seconds
+
+  // `message` must outlive the probe. How many values are looked at in all runs together is bounded:
+  // a message of 1 000 values is run some 1 000 times at most, one of 20 000 values some 50 times.
+  Probe(const Message& message, Plugin plugin, std::size_t most_values = MOST_VALUES)
+      : message_(message), plugin_(std::move(plugin)), most_values_(most_values) {}
 
   // The message as it is; always allowed.
   answer_t ask() const { return run({}); }
@@ -51,6 +54,7 @@ class Probe {
 
   const Message& message_;
   Plugin plugin_;
+  std::size_t most_values_;
   std::size_t runs_ = 0;
   std::size_t looked_at_ = 0; // values, in all runs
   bool exhausted_ = false;
