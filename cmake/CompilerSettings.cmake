@@ -9,6 +9,16 @@ if(VLT_SANITIZE)
   add_link_options(-fsanitize=${VLT_SANITIZE})
 endif()
 
+# vlt_compile_quickly(SOURCE…): for code that runs once and takes long to optimise, which a command
+# line's parser does. Elsewhere the build type says how code is compiled.
+function(vlt_compile_quickly)
+  if(VLT_SANITIZE)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O0)
+  elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O1)
+  endif()
+endfunction()
+
 if(VLT_COVERAGE)
   add_compile_options(--coverage -fno-inline -fprofile-update=atomic)
   add_link_options(--coverage)

@@ -1,11 +1,12 @@
 #include "tests/docs/console.hpp"
 
 #include <filesystem>
-#include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
+
+#include "tests/support/pattern.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -54,11 +55,9 @@ bool standsForLines(const std::string& line) {
 }
 
 unsigned long numbersIn(const std::string& line) {
-  static const std::regex NUMBER("[0-9]+");
+  static const Pattern NUMBER("[0-9]+");
   unsigned long sum = 0;
-  for (std::sregex_iterator found(line.begin(), line.end(), NUMBER), end; found != end; ++found) {
-    sum += std::stoul(found->str());
-  }
+  for (const Pattern::match_t& found : NUMBER.allIn(line)) sum += std::stoul(found[0]);
   return sum;
 }
 
@@ -78,8 +77,8 @@ std::vector<session_t> sessionsOf(const document_t& document) {
 }
 
 std::string withoutTimes(const std::string& text) {
-  static const std::regex TIME(R"( *\b[0-9]+(\.[0-9]+)? ?(ms|µs|messages/s))");
-  return std::regex_replace(text, TIME, " T $2");
+  static const Pattern TIME(R"( *\b[0-9]+(\.[0-9]+)? ?(ms|µs|messages/s))");
+  return TIME.replacedIn(text, " T $2");
 }
 
 std::string abbreviated(const std::string& shown, const std::string& expected) {

@@ -8,12 +8,12 @@
 #include <filesystem>
 #include <map>
 #include <optional>
-#include <regex>
 #include <set>
 
 #include "tests/conformance/case.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/end_to_end/loaded_codec.hpp"
+#include "tests/support/pattern.hpp"
 #include "tools/ndjson/json_reader.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -49,17 +49,13 @@ std::string withoutBlankLines(const std::string& text) {
 
 // Drawings are quoted without the " * " of the comment that they stand in.
 std::string withoutCommentMarks(const std::string& text) {
-  return std::regex_replace(text, std::regex("\n \\* "), "\n");
+  return Pattern("\n \\* ").replacedIn(text, "\n");
 }
 
 // The names behind which `text` has `pattern`, a regular expression with one group.
 names_t namesIn(const std::string& text, const char* pattern) {
-  const std::regex expression(pattern);
   names_t names;
-  for (std::sregex_iterator found(text.begin(), text.end(), expression), end; found != end;
-       ++found) {
-    names.insert((*found)[1]);
-  }
+  for (const Pattern::match_t& found : Pattern(pattern).allIn(text)) names.insert(found[1]);
   return names;
 }
 

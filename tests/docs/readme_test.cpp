@@ -4,12 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "tests/docs/door.hpp"
+#include "tests/support/pattern.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -34,7 +34,7 @@ class Readme : public Door {
 };
 
 std::string withoutNumbers(const std::string& text) {
-  return std::regex_replace(text, std::regex("[0-9]+(\\.[0-9]+)?"), "N");
+  return Pattern("[0-9]+(\\.[0-9]+)?").replacedIn(text, "N");
 }
 
 } // namespace
@@ -103,8 +103,7 @@ TEST_F(Readme, PresetsThatAreNamedExist) {
   std::string presets;
   for (const std::string& line : readDocument("CMakePresets.json").lines) presets += line;
   for (const char* const name : {"release", "debug", "thread"}) {
-    EXPECT_TRUE(std::regex_search(presets, std::regex(std::string("\"name\": *\"") + name + "\"")))
-        << name;
+    EXPECT_TRUE(Pattern(std::string("\"name\": *\"") + name + "\"").isIn(presets)) << name;
   }
 }
 
@@ -113,17 +112,15 @@ TEST_F(Readme, PresetsThatAreNamedExist) {
 TEST_F(Readme, CommandsThatAreNamedAreThoseOfTheHelp) {
   std::set<std::string> listed;
   for (const std::string& line : documentOf(runAtDoor("./dev help")).lines) {
-    std::smatch found;
-    if (std::regex_search(line, found, std::regex("^  ([a-z]+) "))) listed.insert(found[1]);
+    for (const Pattern::match_t& found : Pattern("^  ([a-z]+) ").allIn(line)) {
+      listed.insert(found[1]);
+    }
   }
   std::set<std::string> named;
   for (const std::string& name : documentNames()) {
     for (const std::string& line : readDocument(name).lines) {
-      static const std::regex COMMAND(R"(\./dev ([a-z]+))");
-      for (std::sregex_iterator found(line.begin(), line.end(), COMMAND), end; found != end;
-           ++found) {
-        named.insert(found->str(1));
-      }
+      static const Pattern COMMAND(R"(\./dev ([a-z]+))");
+      for (const Pattern::match_t& found : COMMAND.allIn(line)) named.insert(found[1]);
     }
   }
   EXPECT_EQ(named, listed);

@@ -6,11 +6,11 @@
 #include <cctype>
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <set>
 
 #include "tests/docs/markdown.hpp"
 #include "tests/docs/test_names.hpp"
+#include "tests/support/pattern.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -19,12 +19,8 @@ namespace {
 using strings_t = std::vector<std::string>;
 
 strings_t groupsIn(const std::string& text, const char* pattern) {
-  const std::regex expression(pattern);
   strings_t groups;
-  for (std::sregex_iterator found(text.begin(), text.end(), expression), end; found != end;
-       ++found) {
-    groups.push_back(found->str(1));
-  }
+  for (const Pattern::match_t& found : Pattern(pattern).allIn(text)) groups.push_back(found[1]);
   return groups;
 }
 
@@ -68,9 +64,9 @@ std::string complaintAbout(const std::string& link, const std::string& name) {
 bool isTest(const std::string& pattern) {
   static const strings_t NAMES = testNames();
   const bool is_plain = pattern.find_first_of("[^$\\*+") == std::string::npos;
-  const std::regex expression(is_plain ? "" : pattern);
+  const Pattern expression(is_plain ? "" : pattern);
   return std::any_of(NAMES.begin(), NAMES.end(), [&](const std::string& name) {
-    return is_plain ? name.find(pattern) != std::string::npos : std::regex_search(name, expression);
+    return is_plain ? name.find(pattern) != std::string::npos : expression.isIn(name);
   });
 }
 
@@ -123,11 +119,11 @@ TEST(References, EveryTestThatIsNamedExists) {
   expectTestsOf("docs/reliability.md", "Promise");
   expectTestsOf("docs/scaling.md", "Claim");
   // In running text a test shows by its program, or by being named after what it holds.
-  const std::regex test("(?!vlt_)[a-z_]+_tests(\\.\\w+)*|([A-Z][a-z]+[0-9]*){4,}");
+  const Pattern test("(?!vlt_)[a-z_]+_tests(\\.\\w+)*|([A-Z][a-z]+[0-9]*){4,}");
   std::size_t named = 0;
   for (const std::string& name : documentNames()) {
     for (const std::string& span : spansOf(readDocument(name))) {
-      if (!std::regex_match(span, test)) continue;
+      if (!test.isAllOf(span)) continue;
       EXPECT_TRUE(isTest(span)) << name << ": " << span;
       ++named;
     }
@@ -137,13 +133,13 @@ TEST(References, EveryTestThatIsNamedExists) {
 
 // A path from the project's root; a name with an ellipsis or a capitalised part stands for others.
 TEST(References, EveryFileThatIsNamedExists) {
-  const std::regex path(
+  const Pattern path(
       "(\\.ci|bench|cmake|codec|docs|fuzz|host|plugin|samples|scripts|standin|tests|tools|value)/"
       "[a-z0-9_./-]*");
   std::size_t named = 0;
   for (const std::string& name : documentNames()) {
     for (const std::string& span : spansOf(readDocument(name))) {
-      if (!std::regex_match(span, path)) continue;
+      if (!path.isAllOf(span)) continue;
       EXPECT_TRUE(std::filesystem::exists(VLT_PROJECT_ROOT + std::string("/") + span))
           << name << ": " << span;
       ++named;

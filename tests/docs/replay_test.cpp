@@ -3,10 +3,10 @@
 // plug-in, and must show what stands below the command.
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <string>
 
 #include "tests/docs/console.hpp"
+#include "tests/support/pattern.hpp"
 #include "tools/replay/options.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -36,8 +36,7 @@ TEST_F(ReplayDocument, EveryOptionHasAnExample) {
   }
   for (const tools::option_group_t& group : tools::optionTable()) {
     for (const tools::option_row_t& row : group.rows) {
-      const std::regex named(std::string(" ") + row.name + "[ =]");
-      EXPECT_TRUE(std::regex_search(commands, named)) << row.name;
+      EXPECT_TRUE(Pattern(std::string(" ") + row.name + "[ =]").isIn(commands)) << row.name;
     }
   }
 }

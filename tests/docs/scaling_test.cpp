@@ -2,10 +2,10 @@
 // (2) what the script calls measured stands in docs/performance.md.
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <sstream>
 
 #include "tests/docs/console.hpp"
+#include "tests/support/pattern.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -28,9 +28,8 @@ class ScalingDocument : public Console {
 
   // What the script takes for `name` unless it is told otherwise.
   std::string defaultOf(const std::string& name) const {
-    std::smatch found;
-    const std::regex assignment("\\{" + name + ":=([0-9.]+)\\}");
-    return std::regex_search(script_, found, assignment) ? found[1].str() : "not in the script";
+    const auto found = Pattern("\\{" + name + ":=([0-9.]+)\\}").allIn(script_);
+    return found.empty() ? "not in the script" : found.front()[1];
   }
 
   std::string script_;

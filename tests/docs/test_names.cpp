@@ -1,9 +1,9 @@
 #include "tests/docs/test_names.hpp"
 
 #include <filesystem>
-#include <regex>
 
 #include "tests/docs/markdown.hpp"
+#include "tests/support/pattern.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -19,16 +19,6 @@ std::string textOf(const std::filesystem::path& file) {
   return text;
 }
 
-// Calls `found` with each match of `pattern` in `text`.
-template <class Found>
-void search(const std::string& text, const char* pattern, const Found& found) {
-  const std::regex expression(pattern);
-  for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end;
-       ++match) {
-    found(*match);
-  }
-}
-
 // The name in `declaration`, "TEST_F(Suite, Test) …", as "Suite.Test".
 std::string nameIn(const std::string& declaration) {
   const std::size_t open = declaration.find('(') + 1;
@@ -40,30 +30,32 @@ std::string nameIn(const std::string& declaration) {
 
 void appendProgram(std::vector<std::string>& names, const std::filesystem::path& folder,
                    const std::string& program, const std::string& sources) {
-  search(sources, R"([\w./]+_test\.cpp)", [&](const std::smatch& source) {
-    const document_t file = readDocument(std::filesystem::relative(folder / source.str(), ROOT));
+  static const Pattern SOURCE(R"([\w./]+_test\.cpp)");
+  for (const Pattern::match_t& source : SOURCE.allIn(sources)) {
+    const document_t file = readDocument(std::filesystem::relative(folder / source[0], ROOT));
     for (std::size_t i = 0; i < file.lines.size(); ++i) {
       if (!file.lines[i].starts_with("TEST") && !file.lines[i].starts_with("TYPED_TEST(")) continue;
       const bool is_broken = file.lines[i].ends_with(",");
       names.push_back(program + "." + nameIn(file.lines[i] + (is_broken ? file.lines[i + 1] : "")));
     }
-  });
+  }
 }
 
 } // namespace
 
 std::vector<std::string> testNames() {
+  const Pattern test(R"(\n *add_test\(NAME ([\w.]+))");
+  const Pattern program(R"(\nvlt_add_tests\(\s*(\w+)\s([^)]*)\))");
   std::vector<std::string> names;
   for (const auto& entry :
        std::filesystem::recursive_directory_iterator(VLT_PROJECT_ROOT "/tests")) {
     if (entry.path().filename() != "CMakeLists.txt") continue;
     const std::string text = textOf(entry.path());
     const std::filesystem::path folder = entry.path().parent_path();
-    search(text, R"(\n *add_test\(NAME ([\w.]+))",
-           [&](const std::smatch& test) { names.push_back(test.str(1)); });
-    search(text, R"(\nvlt_add_tests\(\s*(\w+)\s([^)]*)\))", [&](const std::smatch& program) {
-      appendProgram(names, folder, program.str(1), program.str(2));
-    });
+    for (const Pattern::match_t& found : test.allIn(text)) names.push_back(found[1]);
+    for (const Pattern::match_t& found : program.allIn(text)) {
+      appendProgram(names, folder, found[1], found[2]);
+    }
   }
   return names;
 }

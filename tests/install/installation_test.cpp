@@ -7,11 +7,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <regex>
 #include <string>
 #include <vector>
 
 #include "tests/end_to_end/elf_file.hpp"
+#include "tests/support/pattern.hpp"
 #include "tests/tools/elapsed.hpp"
 #include "tests/tools/temporary_folder.hpp"
 #include "tools/plugin_host/interface_names.hpp"
@@ -176,15 +176,15 @@ TEST_F(InstallationTest, ToolsSeekTheStandInInItsFolderAndNowhereElse) {
 
 // Those to the sources lead nowhere, which a reader of an installed document expects.
 TEST_F(InstallationTest, DocumentsLinkToInstalledDocuments) {
-  const std::regex link(R"(\]\(([^)#]+)(#[^)]*)?\))");
+  const Pattern link(R"(\]\(([^)#]+)(#[^)]*)?\))");
   int links = 0;
   for (const std::string& name : INSTALLED) {
     if (!name.ends_with(".md")) continue;
     const std::filesystem::path file = at(name);
     std::ifstream stream(file);
     const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    for (std::sregex_iterator it(text.begin(), text.end(), link), end; it != end; ++it) {
-      const std::string target = (*it)[1];
+    for (const Pattern::match_t& found : link.allIn(text)) {
+      const std::string& target = found[1];
       if (target.starts_with("../host") || target.starts_with("../standin/")) continue;
       ++links;
       EXPECT_TRUE(std::filesystem::exists(file.parent_path() / target)) << name << ": " << target;

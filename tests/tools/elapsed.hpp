@@ -2,15 +2,16 @@
 #ifndef VLT_TESTS_TOOLS_ELAPSED_HPP
 #define VLT_TESTS_TOOLS_ELAPSED_HPP
 
-#include <regex>
 #include <string>
+
+#include "tests/support/pattern.hpp"
 
 namespace com::velanto::connectivity::test {
 
 // `text` with "T ms" for each time with three decimals.
 inline std::string without_elapsed(const std::string& text) {
-  static const std::regex TIME(R"(\b[0-9]+\.[0-9]{3} ms\b)");
-  return std::regex_replace(text, TIME, "T ms");
+  static const Pattern TIME(R"(\b[0-9]+\.[0-9]{3} ms\b)");
+  return TIME.replacedIn(text, "T ms");
 }
 
 } // namespace com::velanto::connectivity::test

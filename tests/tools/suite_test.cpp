@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <regex>
 
+#include "tests/support/pattern.hpp"
 #include "tests/tools/program.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -68,8 +68,8 @@ TEST_F(SuiteTest, ReportIsWhatJUnitWrites) {
   run({"--suite", "suite", "--update"});
   folder_.write("suite/b.ndjson", passingLine("\"<&>\\u0001\""));
   EXPECT_EQ(run({"--suite", "suite", "--junit", "report.xml"}).status, 5);
-  static const std::regex TIME(R"(time="[0-9]+\.[0-9]{6}")");
-  const std::string report = std::regex_replace(folder_.read("report.xml"), TIME, "time=T");
+  static const Pattern TIME(R"(time="[0-9]+\.[0-9]{6}")");
+  const std::string report = TIME.replacedIn(folder_.read("report.xml"), "time=T");
   EXPECT_EQ(
       report.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                    "<testsuite name=\"suite\" tests=\"2\" failures=\"1\" errors=\"0\" time=T>\n"

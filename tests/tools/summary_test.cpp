@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <sstream>
 
+#include "tests/support/pattern.hpp"
 #include "tests/tools/program.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -17,8 +17,8 @@ class SummaryTest : public Program {
   // What the tool says, without its log lines and with T for each figure of time.
   std::string summaryOf(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"--log-level", "2"});
-    static const std::regex TIME(R"([0-9.]+ (messages/s|µs))");
-    return std::regex_replace(run(arguments).diagnostics, TIME, "T $1");
+    static const Pattern TIME(R"([0-9.]+ (messages/s|µs))");
+    return TIME.replacedIn(run(arguments).diagnostics, "T $1");
   }
 };
 
@@ -94,9 +94,9 @@ TEST_F(SummaryTest, ProgramsGetOneLineOfJson) {
           0),
       0u)
       << shown;
-  const std::regex times(R"("messages_per_second":[0-9.e+]+,"batches":\{"count":3,)"
-                         R"("median_us":[0-9.]+,"p99_us":[0-9.]+\}\}\n$)");
-  EXPECT_TRUE(std::regex_search(shown, times)) << shown;
+  const Pattern times(R"("messages_per_second":[0-9.e+]+,"batches":\{"count":3,)"
+                      R"("median_us":[0-9.]+,"p99_us":[0-9.]+\}\}\n$)");
+  EXPECT_TRUE(times.isIn(shown)) << shown;
 }
 
 TEST_F(SummaryTest, BatchSizeChangesTheTimesAlone) {

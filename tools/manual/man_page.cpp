@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <map>
-#include <regex>
 #include <stdexcept>
 
 namespace com::velanto::connectivity::tools::manual {
@@ -70,6 +69,17 @@ void replaceAll(std::string& text, const std::string& name, const std::string& b
   }
 }
 
+// The first "@NAME@" in `text`, or the empty text.
+std::string placeholderIn(const std::string& text) {
+  for (std::size_t at = text.find('@'); at != std::string::npos; at = text.find('@', at + 1)) {
+    const std::size_t end = text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ_", at + 1);
+    if (end != std::string::npos && end > at + 1 && text[end] == '@') {
+      return text.substr(at, end + 1 - at);
+    }
+  }
+  return "";
+}
+
 } // namespace
 
 std::string roff(const std::string& text) {
@@ -103,10 +113,9 @@ std::string manPage(const program_t& program, const std::string& prose) {
   }
   replaceAll(page, "@VERSION@", VLT_VERSION);
   replaceAll(page, "@LIB@", roff(VLT_LIBRARY_FOLDER));
-  std::smatch unknown;
-  if (std::regex_search(page, unknown, std::regex("@[A-Z_]+@"))) {
-    throw std::invalid_argument("the prose of " + program.name + " names an unknown " +
-                                unknown.str());
+  const std::string unknown = placeholderIn(page);
+  if (!unknown.empty()) {
+    throw std::invalid_argument("the prose of " + program.name + " names an unknown " + unknown);
   }
   return page;
 }

@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "tests/support/pattern.hpp"
 #include "tests/support/values.hpp"
 #include "tests/tools/check_plugin/check_plugin_program.hpp"
 #include "tools/ndjson/json_reader.hpp"
@@ -71,7 +71,7 @@ TEST_F(OstroviaCheckPluginTest, SeedIsAnotherEachTimeAndPrinted) {
   const std::string arguments = "--only versions.interface " + LIBRARY;
   const std::string first = linesOf(program_.run(arguments).out).back();
   const std::string second = linesOf(program_.run(arguments).out).back();
-  EXPECT_TRUE(std::regex_search(first, std::regex("; seed [0-9]+$"))) << first;
+  EXPECT_TRUE(Pattern("; seed [0-9]+$").isIn(first)) << first;
   EXPECT_NE(first, second);
 }
 
@@ -246,15 +246,16 @@ TEST_F(OstroviaCheckPluginTest, VersionIsTheProjects) {
 }
 
 TEST_F(OstroviaCheckPluginTest, DocumentListsTheChecks) {
-  const std::regex row(R"(\| `([a-z]+\.[a-z0-9-]+)` \| (.+) \|)");
+  const Pattern row(R"(^\| `([a-z]+\.[a-z0-9-]+)` \| (.+) \|$)");
   strings_t documented;
   for (const std::string& line : documentLines()) {
-    std::smatch cells;
-    if (std::regex_match(line, cells, row)) documented.push_back(cells.str(1) + " " + cells.str(2));
+    for (const Pattern::match_t& cells : row.allIn(line)) {
+      documented.push_back(cells[1] + " " + cells[2]);
+    }
   }
   strings_t listed;
   for (const std::string& line : linesOf(program_.run("--list").out)) {
-    listed.push_back(std::regex_replace(line, std::regex("^([^ ]+) +"), "$1 "));
+    listed.push_back(Pattern("^([^ ]+) +").replacedIn(line, "$1 "));
   }
   EXPECT_EQ(documented, listed);
 }

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <set>
 #include <string>
 
+#include "tests/support/pattern.hpp"
 #include "tests/support/values.hpp"
 #include "tools/check_plugin/check.hpp"
 
@@ -48,7 +48,7 @@ TEST(SelectionTest, PatternThatMatchesNothingIsAnError) {
 TEST(SelectionTest, EveryCheckHasANameOfItsOwnAndAClaim) {
   std::set<std::string> names;
   for (const check_t& check : tools::check::allChecks()) {
-    EXPECT_TRUE(std::regex_match(check.name, std::regex("[a-z]+\\.[a-z0-9-]+"))) << check.name;
+    EXPECT_TRUE(Pattern("[a-z]+\\.[a-z0-9-]+").isAllOf(check.name)) << check.name;
     EXPECT_TRUE(names.insert(check.name).second) << check.name;
     EXPECT_GT(std::string(check.claim).size(), 10U) << check.name;
   }

@@ -1,6 +1,5 @@
 // The lines that explanation_json.cpp makes.
-#include <regex>
-
+#include "tests/support/pattern.hpp"
 #include "tests/tools/explain/explain_fixture.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -12,8 +11,8 @@ class ExplanationJsonTest : public ExplainFixture {
   std::string told(const std::string& line, const codec_t& codec) {
     const tools::explanation_t explanation = explainedLine(line, codec);
     if (record_.outputs.empty()) record_.outcome = tools::Outcome::dropped;
-    static const std::regex RUNS(R"("runs":[1-9][0-9]*)");
-    return std::regex_replace(tools::explanationJson(record_, explanation), RUNS, "\"runs\":N");
+    static const Pattern RUNS(R"("runs":[1-9][0-9]*)");
+    return RUNS.replacedIn(tools::explanationJson(record_, explanation), "\"runs\":N");
   }
 };
 

@@ -80,6 +80,11 @@ TEST(ManPageTest, UnknownNameInTheProseIsRefused) {
             "the prose of tool names an unknown @OPTION@");
 }
 
+TEST(ManPageTest, SignsAroundNoNameStay) {
+  EXPECT_EQ(errorOf("\n@EXAMPLES@\n@OPTIONS@\n@EXIT_STATUS@\n@ a@b.example @@ @x@ @A b@ @A"),
+            "nothing thrown");
+}
+
 TEST_P(BuiltPage, GivesNoWarning) {
   EXPECT_EQ(outputOf("LC_ALL=C.UTF-8 man --warnings --encoding=UTF-8 --local-file --troff-device="
                      "utf8 --ditroff " +
