@@ -43,9 +43,9 @@ lint_layers() {
 }
 
 lint_tidy() {
-  configure clang
-  cmake --build --preset clang --target build.ninja >&2 # its list of sources may be an older one
-  python3 scripts/run_clang_tidy.py build/clang
+  configure lint
+  cmake --build build/lint --target build.ninja >&2 # its list of sources may be an older one
+  python3 scripts/run_clang_tidy.py build/lint
 }
 
 lint() {
