@@ -41,7 +41,7 @@ TEST_P(FaultyNotifications, AreDroppedWithoutAnException) {
     for (const std::string& key : keysOf(EXAMPLES[GetParam()].payload())) {
       for (const data_t& value : replacements()) {
         Message message = example(GetParam());
-        map_t& payload = message.getPayload().get<map_t>();
+        auto& payload = message.getPayload().get<map_t>();
         remove(payload, key.c_str());
         if (!value.empty()) payload.insert(text(key.c_str()), data_t(value));
         const std::int64_t before = exceptionsThrown();

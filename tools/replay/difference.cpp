@@ -21,7 +21,7 @@ std::string jsonOf(const data_t& value) {
 }
 
 // Plain names as they are, all others in quotes.
-std::string nameOf(const data_t& key) {
+std::string plainOrQuoted(const data_t& key) {
   const std::string_view text = key.is_string() ? text_or_empty(key.get<const char*>()) : "";
   const bool plain = !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
     return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '-';
@@ -55,10 +55,10 @@ class Comparison {
   void compareMaps(const std::string& path, const map_t& before, const map_t& after) {
     const std::string prefix = path.empty() ? "" : path + ".";
     for (const auto& [key, value] : before) {
-      compare(prefix + nameOf(key), &value, after.find_value(key));
+      compare(prefix + plainOrQuoted(key), &value, after.find_value(key));
     }
     for (const auto& [key, value] : after) {
-      if (before.find_value(key) == nullptr) compare(prefix + nameOf(key), nullptr, &value);
+      if (before.find_value(key) == nullptr) compare(prefix + plainOrQuoted(key), nullptr, &value);
     }
   }
   void compareLists(const std::string& path, const list_t& before, const list_t& after) {
