@@ -1,11 +1,6 @@
 # Flags that every target of the project shares: warnings are errors with both compilers.
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 
-if(VLT_UNITY_BUILD)
-  # g++ tells a header from a source by whether it is included, which every source is then.
-  add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-subobject-linkage>)
-endif()
-
 if(VLT_SANITIZE)
   add_compile_options(-fsanitize=${VLT_SANITIZE} -fno-sanitize-recover=all
                       -fno-omit-frame-pointer)

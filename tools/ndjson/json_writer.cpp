@@ -155,6 +155,11 @@ void ValueWriter::writeDouble(double content) {
 } // namespace
 
 void writeJson(std::string& out, const data_t& value) { ValueWriter(out).write(value); }
+std::string toJson(const data_t& value) {
+  std::string json;
+  writeJson(json, value);
+  return json;
+}
 void writeJson(std::string& out, const Message& message) { ValueWriter(out).write(message); }
 
 } // namespace com::velanto::connectivity::tools

@@ -25,6 +25,8 @@ namespace com::velanto::connectivity::tools {
 // deep the value nests. Throw std::bad_alloc, and std::logic_error when the host yields no display
 // text; `out` may then end in the middle.
 void writeJson(std::string& out, const data_t& value);
+// The same as a text of its own.
+[[nodiscard]] std::string toJson(const data_t& value);
 
 // {"metadata":{…},"payload":…}; an empty payload is left out, as a line without one reads.
 void writeJson(std::string& out, const Message& message);

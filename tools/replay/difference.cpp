@@ -14,19 +14,13 @@ namespace {
 
 constexpr std::size_t WIDTH = 77; // columns of a value, behind its sign
 
-std::string jsonOf(const data_t& value) {
-  std::string json;
-  writeJson(json, value);
-  return json;
-}
-
 // Plain names as they are, all others in quotes.
 std::string plainOrQuoted(const data_t& key) {
   const std::string_view text = key.is_string() ? text_or_empty(key.get<const char*>()) : "";
   const bool plain = !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
     return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '-';
   });
-  return plain ? std::string(text) : jsonOf(key);
+  return plain ? std::string(text) : toJson(key);
 }
 
 class Comparison {
@@ -44,8 +38,8 @@ class Comparison {
       }
     }
     difference_t difference{path, {}, {}};
-    if (before != nullptr) difference.before = jsonOf(*before);
-    if (after != nullptr) difference.after = jsonOf(*after);
+    if (before != nullptr) difference.before = toJson(*before);
+    if (after != nullptr) difference.after = toJson(*after);
     found_.push_back(std::move(difference));
   }
 

@@ -15,12 +15,6 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-std::string jsonOf(const data_t& value) {
-  std::string json;
-  writeJson(json, value);
-  return json;
-}
-
 std::string inLetters(std::string text, int (*letter)(int)) {
   for (char& c : text) c = static_cast<char>(letter(static_cast<unsigned char>(c)));
   return text;
@@ -59,12 +53,12 @@ std::vector<data_t> mendedValues(const data_t& value) {
       constexpr double EXACT = 9007199254740992; // integers beyond are not all doubles
       const double number = value.get<double>();
       if (std::abs(number) <= EXACT) values.emplace_back(static_cast<std::int64_t>(number));
-      values.emplace_back(jsonOf(value).c_str());
+      values.emplace_back(toJson(value).c_str());
       break;
     }
     case VLT_TAG_INTEGER:
     case VLT_TAG_BOOLEAN:
-      values.emplace_back(jsonOf(value).c_str());
+      values.emplace_back(toJson(value).c_str());
       [[fallthrough]];
     default:
       for (data_t& any : anyValues()) values.push_back(std::move(any));
