@@ -9,7 +9,7 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
   std::string result;
   appendJsonText(result, text);
   return result;
@@ -21,7 +21,7 @@ std::string nameOf(std::string_view key) {
   const bool plain = !key.empty() && std::all_of(key.begin(), key.end(), [](char c) {
     return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '-';
   });
-  return plain ? std::string(key) : quoted(key);
+  return plain ? std::string(key) : inQuotes(key);
 }
 
 std::string textOf(const path_t& path) {
@@ -38,7 +38,7 @@ std::string textOf(const path_t& path) {
     }
     if (!text.empty()) text += '.';
     const bool ambiguous = named && i == 1 && (step.key == METADATA || step.key == PAYLOAD);
-    text += ambiguous ? quoted(step.key) : nameOf(step.key);
+    text += ambiguous ? inQuotes(step.key) : nameOf(step.key);
   }
   return text;
 }
