@@ -27,12 +27,12 @@ class Fault {
   // that was noted; there is no fault then any more.
   template <class Result>
   [[nodiscard]] Result orThrow(Result result) {
-    if (error_) throwAway();
+    if (error_) raise();
     return result;
   }
 
  private:
-  [[noreturn]] void throwAway() {
+  [[noreturn]] void raise() {
     const std::runtime_error error = *error_;
     error_ = boost::none;
     throw std::runtime_error(error);

@@ -44,7 +44,8 @@ struct named_value_t {
   data_t const& value;
 };
 
-// The same for several values: notes the first that is of another kind.
+// The same for several values, but notes the first that is of another kind: for conversions to look
+// before they make a builder, whose own check throws.
 void noteUnlessStrings(std::initializer_list<named_value_t> values, Fault& fault);
 
 // Whether the value is a number, or a text that strtod can begin to read and that has no 'x' in it:
