@@ -48,7 +48,7 @@ inline void add(std::size_t counter, int64_t change) noexcept {
 }
 
 inline void countMade(standin_block_t kind) noexcept { add(kind, 1); }
-inline void countFreed(standin_block_t kind) noexcept { add(kind, -1); }
+inline void countFreed(standin_block_t kind, int64_t blocks) noexcept { add(kind, -blocks); }
 
 inline void countCall(standin_function_t function) noexcept {
   add(std::size_t{STANDIN_BLOCK_KINDS} + function, 1);

@@ -6,7 +6,6 @@
 #include <cstring>
 #include <new>
 
-#include "standin/accounting.hpp"
 #include "standin/failures.hpp"
 
 namespace standin {
@@ -31,12 +30,6 @@ void* makeZeroed(standin_block_t kind, std::size_t head, int64_t count,
   void* block = size <= cachedSize ? zeroed(std::malloc(size), size) : std::calloc(1, size);
   if (block != nullptr) countMade(kind);
   return block;
-}
-
-void release(standin_block_t kind, void* block) noexcept {
-  if (block == nullptr) return;
-  countFreed(kind);
-  std::free(block);
 }
 
 } // namespace
@@ -79,12 +72,10 @@ custom_object_t* makeCustom(uint64_t label) noexcept {
   return block == nullptr ? nullptr : new (block) custom_object_t{label};
 }
 
-void releaseMap(void* table) noexcept { release(STANDIN_BLOCK_MAP, table); }
-void releaseList(void* list) noexcept { release(STANDIN_BLOCK_LIST, list); }
-void releaseBuffer(vlt_underlying_buffer_t* buffer) noexcept {
-  release(STANDIN_BLOCK_BUFFER, buffer);
+void release(standin_block_t kind, void* block) noexcept {
+  if (block == nullptr) return;
+  countFreed(kind, 1);
+  std::free(block);
 }
-void releaseString(char* text) noexcept { release(STANDIN_BLOCK_STRING, text); }
-void releaseCustom(void* object) noexcept { release(STANDIN_BLOCK_CUSTOM, object); }
 
 } // namespace standin

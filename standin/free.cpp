@@ -13,60 +13,68 @@ namespace standin {
 
 namespace {
 
-// The note is the number of elements or slots to visit.
-using Pending = PendingBlocks<int64_t>;
-
-void pushList(vlt_underlying_vector_t* list, Pending& pending) noexcept {
-  if (list != nullptr) pending.push(Container(list), list->count);
-}
-
-void pushMap(vlt_underlying_map_table_t* table, Pending& pending) noexcept {
-  if (table != nullptr) pending.push(Container(table), table->capacity);
-}
-
-void releaseOrPush(const vlt_underlying_data_t& value, Pending& pending) noexcept {
-  switch (value.tag) {
-    case VLT_TAG_STRING:
-      return releaseString(const_cast<char*>(value.value.string));
-    case VLT_TAG_LIST:
-      return pushList(value.value.list, pending);
-    case VLT_TAG_MAP:
-      return pushMap(value.value.map, pending);
-    case VLT_TAG_BUFFER:
-      return releaseBuffer(value.value.buffer);
-    case VLT_TAG_CUSTOM:
-      return releaseCustom(value.value.custom.object);
-    default:
-      return; // numbers, borrowed strings and unknown kinds own nothing
+// One call of freeing.
+class Freeing {
+ public:
+  // Most are texts, and then maps: asked one after the other, since a jump by table is seldom
+  // foreseen by the processor.
+  void value(const vlt_underlying_data_t& value) noexcept {
+    if (value.tag == VLT_TAG_STRING) {
+      release_.block(STANDIN_BLOCK_STRING, value.value.string);
+    } else if (value.tag == VLT_TAG_MAP) {
+      map(value.value.map);
+    } else if (value.tag == VLT_TAG_LIST) {
+      list(value.value.list);
+    } else if (value.tag == VLT_TAG_BUFFER) {
+      release_.block(STANDIN_BLOCK_BUFFER, value.value.buffer);
+    } else if (value.tag == VLT_TAG_CUSTOM) {
+      release_.block(STANDIN_BLOCK_CUSTOM, value.value.custom.object);
+    } // numbers, borrowed strings and unknown kinds own nothing
   }
-}
 
-void releaseAll(Pending& pending) noexcept {
-  while (!pending.empty()) {
-    const Pending::item_t item = pending.pop();
-    void* block = item.container.block();
-    if (item.container.isMap()) {
-      const slot_t* slots = slotsOf(static_cast<const vlt_underlying_map_table_t*>(block));
-      for (int64_t i = 0; i < item.note; ++i) {
-        if (!isLive(slots[i])) continue;
-        releaseOrPush(slots[i].key, pending);
-        releaseOrPush(slots[i].value, pending);
+  void list(vlt_underlying_vector_t* list) noexcept {
+    if (list != nullptr) pending_.push(Container(list), list->count);
+  }
+
+  void map(vlt_underlying_map_table_t* table) noexcept {
+    if (table != nullptr) pending_.push(Container(table), table->capacity);
+  }
+
+  // To be called last.
+  void finish() noexcept {
+    while (!pending_.empty()) {
+      const Pending::item_t item = pending_.pop();
+      void* block = item.container.block();
+      if (item.container.isMap()) {
+        const slot_t* slots = slotsOf(static_cast<const vlt_underlying_map_table_t*>(block));
+        for (int64_t i = 0; i < item.note; ++i) {
+          if (!isLive(slots[i])) continue;
+          value(slots[i].key);
+          value(slots[i].value);
+        }
+        release_.block(STANDIN_BLOCK_MAP, block);
+      } else {
+        const auto* elements = elementsOf(static_cast<const vlt_underlying_vector_t*>(block));
+        for (int64_t i = 0; i < item.note; ++i) value(elements[i]);
+        release_.block(STANDIN_BLOCK_LIST, block);
       }
-      releaseMap(block);
-    } else {
-      const auto* elements = elementsOf(static_cast<const vlt_underlying_vector_t*>(block));
-      for (int64_t i = 0; i < item.note; ++i) releaseOrPush(elements[i], pending);
-      releaseList(block);
     }
   }
-}
+
+ private:
+  // The note is the number of elements or slots to visit.
+  using Pending = PendingBlocks<int64_t>;
+
+  Pending pending_;
+  Release release_;
+};
 
 } // namespace
 
 void freeValue(const vlt_underlying_data_t& value) noexcept {
-  Pending pending;
-  releaseOrPush(value, pending);
-  releaseAll(pending);
+  Freeing freeing;
+  freeing.value(value);
+  freeing.finish();
 }
 
 } // namespace standin
@@ -75,29 +83,29 @@ using namespace standin;
 
 void vlt_free_map(vlt_underlying_map_table_t* table) {
   countCall(STANDIN_FREE_MAP);
-  Pending pending;
-  pushMap(table, pending);
-  releaseAll(pending);
+  Freeing freeing;
+  freeing.map(table);
+  freeing.finish();
 }
 
 void vlt_free_vector(vlt_underlying_vector_t* list_block) {
   countCall(STANDIN_FREE_VECTOR);
-  Pending pending;
-  pushList(list_block, pending);
-  releaseAll(pending);
+  Freeing freeing;
+  freeing.list(list_block);
+  freeing.finish();
 }
 
 void vlt_free_string(char* text) {
   countCall(STANDIN_FREE_STRING);
-  releaseString(text);
+  release(STANDIN_BLOCK_STRING, text);
 }
 
 void vlt_free_buffer(vlt_underlying_buffer_t* buffer_block) {
   countCall(STANDIN_FREE_BUFFER);
-  releaseBuffer(buffer_block);
+  release(STANDIN_BLOCK_BUFFER, buffer_block);
 }
 
 void vlt_free_custom(vlt_underlying_custom_t custom) {
   countCall(STANDIN_FREE_CUSTOM);
-  releaseCustom(custom.object);
+  release(STANDIN_BLOCK_CUSTOM, custom.object);
 }

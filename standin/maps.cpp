@@ -39,7 +39,7 @@ vlt_underlying_map_table_t* rebuild(vlt_underlying_map_table_t& old, int64_t cap
     if (isLive(slotsOf(&old)[i])) place(*table, slotsOf(&old)[i]);
   }
   table->live = live;
-  releaseMap(&old); // the entries live on in the new table
+  release(STANDIN_BLOCK_MAP, &old); // the entries live on in the new table
   return table;
 }
 

@@ -36,11 +36,11 @@ void show(const vlt_underlying_map_table_t* table) noexcept {
   TextBuilder builder;
   builder.append("status: ");
   builder.append(rendered);
-  releaseString(rendered);
+  release(STANDIN_BLOCK_STRING, rendered);
   char* line = builder.take();
   if (line == nullptr) return;
   writeStderrLine(line, std::strlen(line));
-  releaseString(line);
+  release(STANDIN_BLOCK_STRING, line);
 }
 
 } // namespace
