@@ -72,12 +72,14 @@ OstroviaNotifications2Codec::OstroviaNotifications2Codec(
 }
 
 Message OstroviaNotifications2Codec::processPulsarMessage(Message&& notification,
-                                                          data_t&& channelKey, Fault& fault) const {
+                                                          const data_t& path, data_t&& channelKey,
+                                                          Fault& fault) const {
   if (notification.getPayload().type_tag() != VLT_TAG_MAP) {
     throw std::runtime_error("Message payload is not a map");
   }
   PulsarMessageDisassembler disassembler(std::move(notification));
-  const char* const typeSegment = disassembler.getStartCharOfMessageType();
+  // The path stays where it is while the message is moved: tables are handed on, not copied.
+  const char* const typeSegment = PulsarMessageDisassembler::getStartCharOfMessageType(path);
   const bool is_measurement = isOfKind(typeSegment, STR_measurements);
   std::unique_ptr<TivraMessageBuilder> builder =
       tryConvertPulsarToTivraMessage(disassembler, typeSegment);
@@ -86,15 +88,15 @@ Message OstroviaNotifications2Codec::processPulsarMessage(Message&& notification
     return {};
   }
 
-  builder->insertIntoMetadata(
-      {DATA_T_vltDOTchannel.hash(), std::move(channelKey),
-       data_t(is_measurement ? measurementSplittingChannel : devicesChannel)});
+  builder->addToMetadata({DATA_T_vltDOTchannel.hash(), std::move(channelKey),
+                          data_t(is_measurement ? measurementSplittingChannel : devicesChannel)});
   if (tenantId) builder->fields.assign(DATA_T_tenantId.with(data_t(*tenantId)));
   return TivraMessageBuilder::getResult(std::move(builder));
 }
 
 bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) {
-  if (message.getMetadataMap().find_value(DATA_T_pulsarPath) == nullptr) return true;
+  const data_t* const path = message.getMetadataMap().find_value(DATA_T_pulsarPath);
+  if (path == nullptr) return true;
 
   if (getLogger().enabled(TRACE_LEVEL)) {
     const std::string text = "Processing message: " + to_string(message, true);
@@ -102,12 +104,13 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
   }
 
   Fault fault;
-  if (replaceByEvent(message, fault)) return true;
+  if (replaceByEvent(message, *path, fault)) return true;
   reportDropped(message, false, fault.what());
   return false;
 }
 
-bool OstroviaNotifications2Codec::replaceByEvent(Message& message, Fault& fault) const {
+bool OstroviaNotifications2Codec::replaceByEvent(Message& message, const data_t& path,
+                                                 Fault& fault) const {
   const data_t& payload = message.getPayload();
   const auto* const fields = payload.get_if<map_t>();
   if (fields == nullptr) {
@@ -119,7 +122,7 @@ bool OstroviaNotifications2Codec::replaceByEvent(Message& message, Fault& fault)
   data_t channelKey = DATA_T_vltDOTchannel.copy();
   IdForReport idForReport(id, message);
   Message notification(std::move(message));
-  message = processPulsarMessage(std::move(notification), std::move(channelKey), fault);
+  message = processPulsarMessage(std::move(notification), path, std::move(channelKey), fault);
   if (fault) return false;
   idForReport.converted();
   return true;

@@ -38,12 +38,13 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
 
  private:
   // Whether the notification in `message` could be converted; otherwise it is left as after
-  // transformMessageTowardsHost.
-  [[nodiscard]] bool replaceByEvent(Message& message, Fault& fault) const;
-  // The event, or nothing for a faulty notification. `channelKey` is a copy of the key under which
-  // the channel goes into the metadata.
-  [[nodiscard]] Message processPulsarMessage(Message&& notification, data_t&& channelKey,
-                                             Fault& fault) const;
+  // transformMessageTowardsHost. `path` is the value of its pulsarPath.
+  [[nodiscard]] bool replaceByEvent(Message& message, const data_t& path, Fault& fault) const;
+  // The event, or nothing for a faulty notification. `path` lies in the notification's metadata and
+  // is freed with them; `channelKey` is a copy of the key under which the channel goes into those of
+  // the event.
+  [[nodiscard]] Message processPulsarMessage(Message&& notification, const data_t& path,
+                                             data_t&& channelKey, Fault& fault) const;
   // Writes the line about a dropped message, if the level asks for it and there is memory for it.
   // `what` is null for a failure without a text.
   void reportDropped(const Message& message, bool towardsTransport,

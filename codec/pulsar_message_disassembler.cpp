@@ -22,7 +22,11 @@ const char* PulsarMessageDisassembler::getStartCharOfMessageType() const {
   const data_t* const path = notification_.getMetadataMap().find_value(DATA_T_pulsarPath);
   if (path == nullptr) throw std::runtime_error("No Pulsar path found");
 
-  const char* const text = text_or_empty(path->get<const char*>());
+  return getStartCharOfMessageType(*path);
+}
+
+const char* PulsarMessageDisassembler::getStartCharOfMessageType(const data_t& path) {
+  const char* const text = text_or_empty(path.get<const char*>());
   return behindSlash(behindSlash(text));
 }
 

@@ -22,6 +22,8 @@ class PulsarMessageDisassembler {
   // The terminating NUL when the path has fewer than two '/'. Throws std::runtime_error "No Pulsar
   // path found", or the typed get's error for a path that is no string.
   [[nodiscard]] const char* getStartCharOfMessageType() const;
+  // The same in a path that has been looked up already.
+  [[nodiscard]] static const char* getStartCharOfMessageType(const data_t& path);
 
   // The payload in place. Throws the typed get's error when it is no map.
   [[nodiscard]] map_t& getPayloadMap();

@@ -17,11 +17,7 @@ TivraMessageBuilder::TivraMessageBuilder(data_t&& id, data_t&& type, SpareParts&
 void TivraMessageBuilder::insertIntoMetadata(data_t&& key, data_t&& value) {
   if (!key.is_string()) throw std::runtime_error("Cannot use non-string keys into metadata");
   const std::uint64_t hash = hashes::key_hash(key);
-  insertIntoMetadata({hash, std::move(key), std::move(value)});
-}
-
-void TivraMessageBuilder::insertIntoMetadata(map_entry_t&& entry) {
-  message_.getMetadataMap().assign(std::move(entry));
+  message_.getMetadataMap().assign({hash, std::move(key), std::move(value)});
 }
 
 Message TivraMessageBuilder::getResult(std::unique_ptr<TivraMessageBuilder>&& builder) {

@@ -24,8 +24,8 @@ class TivraMessageBuilder {
   // Sets a metadata entry, over any under that key. Throws std::runtime_error "Cannot use
   // non-string keys into metadata".
   void insertIntoMetadata(data_t&& key, data_t&& value);
-  // The same for an entry whose key is known to be a string.
-  void insertIntoMetadata(map_entry_t&& entry);
+  // Adds a metadata entry whose key is known to be a string that none of them has so far.
+  void addToMetadata(map_entry_t&& entry) { message_.getMetadataMap().add(std::move(entry)); }
 
   // Adds the field "measurements", unless the notification brought one of that name, and returns
   // the message. The builder is left empty; its owner still destroys it.
@@ -37,7 +37,7 @@ class TivraMessageBuilder {
 
   // Adds a field of a name that no field has so far.
   void addField(const constant_t& key, data_t&& value, SpareParts& spares) {
-    fields.add(spares.entry(key, std::move(value)));
+    fields.add(key.hash(), spares.take(key), std::move(value));
   }
 
  public:
