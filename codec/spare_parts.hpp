@@ -68,11 +68,6 @@ class SpareParts {
     return kept_tables_ == 0 ? map_t() : std::move(tables_[--kept_tables_]);
   }
 
-  // The entry of `value` under such a copy.
-  [[nodiscard]] map_entry_t entry(const constant_t& constant, data_t&& value) {
-    return {constant.hash(), take(constant), std::move(value)};
-  }
-
  private:
   // Left as it is until something is kept in it: there are many and few are used.
   union slot_t {

@@ -30,20 +30,72 @@ struct map_slot_t : map_entry_t {
  private:
   void make_vacant(std::uint64_t state) noexcept {
     hash = state;
-    key = data_t();
-    value = data_t();
+    if (!key.empty()) key = data_t();
+    if (!value.empty()) value = data_t();
   }
 };
 
 static_assert(sizeof(map_slot_t) == sizeof(vlt_underlying_map_table_entry_t),
               "slots are shared with the host in place");
 
+inline map_slot_t* map_t::slots() const noexcept {
+  return table_ == nullptr ? nullptr : reinterpret_cast<map_slot_t*>(table_ + 1);
+}
+
+// Moves an entry into a vacant slot, which holds nothing that would have to be freed.
+inline void map_t::put(std::int64_t vacant, std::uint64_t hash, data_t& key,
+                       data_t& value) noexcept {
+  map_slot_t& slot = slots()[vacant];
+  slot.hash = hash;
+  new (&slot.key) data_t(std::move(key));
+  new (&slot.value) data_t(std::move(value));
+  ++table_->live;
+}
+
+// Frees what the slot holds and leaves a tombstone.
+inline void map_t::vacate(map_slot_t& slot) noexcept {
+  --table_->live;
+  ++table_->deleted;
+  slot.make_deleted();
+}
+
+inline void map_t::add_to_first_table(std::uint64_t hash, data_t&& key, data_t&& value) noexcept {
+  constexpr auto LAST = static_cast<std::uint64_t>(FIRST_CAPACITY) - 1;
+  map_slot_t* const first = slots();
+  std::uint64_t i = hash & LAST;
+  while (!first[i].is_vacant()) i = (i + 1) & LAST;
+  put(static_cast<std::int64_t>(i), hash, key, value);
+}
+
 template <class Use>
 bool map_t::extract(key_ref key, const Use& use) {
   map_slot_t* const found = find_slot(key);
   if (found == nullptr) return false;
-  use(std::move(static_cast<map_entry_t&>(*found)));
-  vacate(*found);
+  extract(*found, use);
+  return true;
+}
+
+template <class Use>
+void map_t::extract(const map_entry_t& found, const Use& use) {
+  auto& slot = const_cast<map_slot_t&>(static_cast<const map_slot_t&>(found)); // of this very map
+  use(std::move(static_cast<map_entry_t&>(slot)));
+  vacate(slot);
+}
+
+template <class Use>
+void map_t::extract_if(const Use& use) {
+  map_slot_t* const end = slots() + capacity();
+  for (map_slot_t* slot = slots(); slot != end; ++slot) {
+    if (slot->is_live() && use(std::move(static_cast<map_entry_t&>(*slot)))) vacate(*slot);
+  }
+}
+
+template <class Holds>
+bool map_t::all_entries(const Holds& holds) const {
+  const map_slot_t* const end = slots() + capacity();
+  for (const map_slot_t* slot = slots(); slot != end; ++slot) {
+    if (slot->is_live() && !holds(static_cast<const map_entry_t&>(*slot))) return false;
+  }
   return true;
 }
 

@@ -1,6 +1,5 @@
 #include "value/map_t.hpp"
 
-#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -10,29 +9,11 @@
 #include "value/iterator_checks.hpp"
 #include "value/map_slot.hpp"
 #include "value/nested_equality.hpp"
+#include "value/table_rules.hpp"
 
 namespace com::velanto::connectivity {
 
 namespace {
-
-// Where the probing for a key begins. The capacities that tables grow through are constants here: a
-// remainder by one takes a multiplication or two, any other a division of 64 bits.
-std::int64_t home_slot(std::uint64_t hash, std::int64_t capacity) noexcept {
-  const auto divisor = static_cast<std::uint64_t>(capacity);
-  if ((divisor & (divisor - 1)) == 0) return static_cast<std::int64_t>(hash & (divisor - 1));
-  switch (divisor) {
-    case 28:
-      return static_cast<std::int64_t>(hash % 28);
-    case 46:
-      return static_cast<std::int64_t>(hash % 46);
-    case 72:
-      return static_cast<std::int64_t>(hash % 72);
-    case 112:
-      return static_cast<std::int64_t>(hash % 112);
-    default:
-      return static_cast<std::int64_t>(hash % divisor);
-  }
-}
 
 void requireKey(const data_t& key) {
   if (key.empty()) throw std::runtime_error("Cannot have a null key");
@@ -41,6 +22,7 @@ void requireKey(const data_t& key) {
 // Refuses the keys of entries that an insertion would refuse if it had to hash them: those that
 // are, or hold, a custom value.
 void requireKeyOf(const map_entry_t& entry) {
+  if (entry.key.type_tag() == VLT_TAG_STRING) return;
   requireKey(entry.key);
   switch (entry.key.type_tag()) {
     case VLT_TAG_LIST:
@@ -58,8 +40,10 @@ void requireKeyOf(const map_entry_t& entry) {
 key_ref::key_ref(const data_t& any) : key(any), hash(hashes::key_hash(any)) {}
 key_ref::key_ref(const map_entry_t& entry) noexcept : key(entry.key), hash(entry.hash) {}
 
-map_slot_t* map_t::slots() const noexcept {
-  return table_ == nullptr ? nullptr : reinterpret_cast<map_slot_t*>(table_ + 1);
+map_t map_t::with_first_table() {
+  map_t map;
+  map.grow();
+  return map;
 }
 
 map_t map_t::copy() const {
@@ -87,7 +71,7 @@ map_slot_t* map_t::find_slot(key_ref key) const {
   const std::int64_t slot_count = capacity();
   if (slot_count == 0) return nullptr;
   map_slot_t* const slot = slots();
-  const std::int64_t start = home_slot(key.hash, slot_count);
+  const std::int64_t start = table_rules::home_slot(key.hash, slot_count);
   std::int64_t i = start;
   do {
     if (slot[i].hash == key.hash && slot[i].is_live() && slot[i].key == key.key) return &slot[i];
@@ -101,7 +85,7 @@ map_t::probe_t map_t::find_for_insert(key_ref key) const {
   const std::int64_t slot_count = capacity();
   if (slot_count == 0) return {NONE, NONE};
   const map_slot_t* const slot = slots();
-  const std::int64_t start = home_slot(key.hash, slot_count);
+  const std::int64_t start = table_rules::home_slot(key.hash, slot_count);
   std::int64_t vacant = NONE;
   std::int64_t i = start;
   do {
@@ -120,7 +104,7 @@ map_t::probe_t map_t::find_for_insert(key_ref key) const {
 std::int64_t map_t::find_vacant(std::uint64_t hash) const noexcept {
   const std::int64_t slot_count = capacity();
   const map_slot_t* const slot = slots();
-  std::int64_t i = home_slot(hash, slot_count);
+  std::int64_t i = table_rules::home_slot(hash, slot_count);
   while (!slot[i].is_vacant()) {
     if (++i == slot_count) i = 0;
   }
@@ -134,6 +118,8 @@ std::int64_t map_t::index_of(key_ref key) const {
 
 map_t::iterator map_t::find(key_ref key) { return {this, index_of(key)}; }
 map_t::const_iterator map_t::find(key_ref key) const { return {this, index_of(key)}; }
+
+const map_entry_t* map_t::find_entry(key_ref key) const { return find_slot(key); }
 
 const data_t* map_t::find_value(key_ref key) const {
   const map_slot_t* const found = find_slot(key);
@@ -174,8 +160,12 @@ void map_t::assign(map_entry_t&& entry) {
 }
 
 void map_t::add(map_entry_t&& entry) {
+  add(entry.hash, std::move(entry.key), std::move(entry.value));
+}
+
+void map_t::add(std::uint64_t hash, data_t&& key, data_t&& value) {
   if (must_grow()) grow();
-  put(find_vacant(entry.hash), entry.hash, entry.key, entry.value);
+  put(find_vacant(hash), hash, key, value);
 }
 
 std::pair<map_t::iterator, bool> map_t::maybe_insert(const const_pair& entry) {
@@ -210,26 +200,15 @@ std::int64_t map_t::place(std::uint64_t hash, std::int64_t vacant, data_t& key, 
   return vacant;
 }
 
-// Moves an entry into a vacant slot, which holds nothing that would have to be freed.
-void map_t::put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept {
-  map_slot_t& slot = slots()[vacant];
-  slot.hash = hash;
-  new (&slot.key) data_t(std::move(key));
-  new (&slot.value) data_t(std::move(value));
-  ++table_->live;
-}
-
-// Whether capacity × 0.75 < live + deleted, in whole numbers.
 bool map_t::must_grow() const noexcept {
-  if (capacity() == 0) return true;
-  return 3 * table_->capacity < 4 * (table_->live + table_->deleted);
+  return table_ == nullptr ||
+         table_rules::is_due_to_grow(table_->capacity, table_->live + table_->deleted);
 }
 
 void map_t::grow() {
   vlt_underlying_map_table_t* const grown =
-      table_ == nullptr
-          ? vlt_allocate_map(FIRST_CAPACITY)
-          : vlt_reallocate_map(table_, std::max(2 * table_->live + 2, FIRST_CAPACITY));
+      table_ == nullptr ? vlt_allocate_map(FIRST_CAPACITY)
+                        : vlt_reallocate_map(table_, table_rules::grown_capacity(table_->live));
   if (grown == nullptr) throw std::bad_alloc();
   table_ = grown;
 }
@@ -250,13 +229,6 @@ map_entry_t map_t::extract(key_ref key) {
   return extracted;
 }
 
-// Frees what the slot holds and leaves a tombstone.
-void map_t::vacate(map_slot_t& slot) noexcept {
-  --table_->live;
-  ++table_->deleted;
-  slot.make_deleted();
-}
-
 void map_t::clear() noexcept {
   if (table_ == nullptr) return;
   map_slot_t* const first = slots();
@@ -267,7 +239,13 @@ void map_t::clear() noexcept {
     --table_->live;
     std::destroy_at(&first[i]);
   }
-  std::memset(static_cast<void*>(first), 0, static_cast<std::size_t>(slot_count) * sizeof *first);
+  make_all_free();
+}
+
+// What the slots hold must be freed, or owned elsewhere, already.
+void map_t::make_all_free() noexcept {
+  const auto slot_count = static_cast<std::size_t>(table_->capacity);
+  std::memset(static_cast<void*>(slots()), 0, slot_count * sizeof(map_slot_t));
   table_->live = 0;
   table_->deleted = 0;
 }

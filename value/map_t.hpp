@@ -36,6 +36,7 @@
 #include <utility>
 
 #include "host/storage.h"
+#include "value/table_rules.hpp"
 
 namespace com::velanto::connectivity {
 
@@ -79,7 +80,9 @@ class map_t {
   ~map_t() { reset(nullptr); }
 
   // The capacity of the table that a first insertion makes.
-  static constexpr std::int64_t FIRST_CAPACITY = 8;
+  static constexpr std::int64_t FIRST_CAPACITY = table_rules::FIRST_CAPACITY;
+  // An empty map with that table. Throws std::bad_alloc.
+  [[nodiscard]] static map_t with_first_table();
 
   // A deep copy, slot by slot: same capacity, positions, hashes, tombstones and counts.
   // Throws std::bad_alloc; nothing leaks then.
@@ -99,6 +102,9 @@ class map_t {
   // Its value, or null. Valid until the map is next modified.
   [[nodiscard]] const data_t* find_value(key_ref key) const;
 
+  // The whole entry, or null; valid as long.
+  [[nodiscard]] const map_entry_t* find_entry(key_ref key) const;
+
   // The value under `key`, inserted empty when absent; the key is consumed either way. The
   // reference lives until the map is next modified. Throws as insert does.
   data_t& operator[](data_t&& key);
@@ -115,6 +121,10 @@ class map_t {
   void assign(map_entry_t&& entry);
   // As insert, without looking whether the key is there: it must not be, nor may it be empty.
   void add(map_entry_t&& entry);
+  void add(std::uint64_t hash, data_t&& key, data_t&& value);
+  // The same for a table of FIRST_CAPACITY slots that is known not to be due to grow. Defined in
+  // value/map_slot.hpp.
+  void add_to_first_table(std::uint64_t hash, data_t&& key, data_t&& value) noexcept;
 
   // The workers of the inserts: one copies key and value, the other moves them. Only the moving one
   // refuses an empty key; the asymmetry is the host's.
@@ -132,6 +142,18 @@ class map_t {
   // entry is freed, and what it throws keeps the entry in the map. Defined in value/map_slot.hpp.
   template <class Use>
   bool extract(key_ref key, const Use& use);
+  // The same for an entry of this map that has been found already.
+  template <class Use>
+  void extract(const map_entry_t& found, const Use& use);
+
+  // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and removes those for
+  // which it returns true; it must leave the others as they are. Defined in value/map_slot.hpp.
+  template <class Use>
+  void extract_if(const Use& use);
+  // Whether `holds` returns true for every entry, asked in the order of iteration up to the first
+  // for which it does not. Defined in value/map_slot.hpp.
+  template <class Holds>
+  [[nodiscard]] bool all_entries(const Holds& holds) const;
 
   // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the
   // emptied map. What `use` throws ends it, and frees the rest. Defined in value/map_slot.hpp.
@@ -179,6 +201,7 @@ class map_t {
   void grow();
   std::int64_t place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value);
   void vacate(map_slot_t& slot) noexcept;
+  void make_all_free() noexcept;
   void put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept;
 
   vlt_underlying_map_table_t* table_ = nullptr;

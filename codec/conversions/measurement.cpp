@@ -3,6 +3,8 @@
 // The order is behaviour: the first field that is missing or wrong is the one reported.
 #include "codec/conversions/measurement.hpp"
 
+#include <array>
+#include <cstddef>
 #include <stdexcept>
 
 #include "codec/constants.hpp"
@@ -10,6 +12,53 @@
 #include "value/map_slot.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
+
+namespace {
+
+// The entries of the values that were found when a fragment was looked through, in the order of its
+// series: so that they need not be looked up twice. Of very large fragments the first ones.
+class FoundValues {
+ public:
+  void add(const map_entry_t* value) noexcept {
+    if (count_ < values_.size()) values_[count_++] = value;
+  }
+  // Null behind the last.
+  [[nodiscard]] const map_entry_t* next() noexcept {
+    return next_ < count_ ? values_[next_++] : nullptr;
+  }
+
+ private:
+  std::array<const map_entry_t*, 8> values_; // the first `count_` mean something
+  std::size_t count_ = 0;
+  std::size_t next_ = 0;
+};
+
+// The entry of the "value" of a series if that is numeric, otherwise null.
+const map_entry_t* findNumericValue(map_t const& series) {
+  const map_entry_t* const value = series.find_entry(DATA_T_value);
+  return value != nullptr && dataTConvertableToFloat(value->value) ? value : nullptr;
+}
+
+bool findNumericValues(map_t const& fragment, FoundValues& found) {
+  return fragment.all_entries([&](const map_entry_t& series) {
+    if (series.value.type_tag() != VLT_TAG_MAP) return false;
+    const map_entry_t* const value = findNumericValue(series.value.get<map_t>());
+    if (value != nullptr) found.add(value);
+    return value != nullptr;
+  });
+}
+
+// The measurement value of a series, in which `value` was found.
+map_t measurementValueOf(map_t&& series, const map_entry_t& value, SpareParts& spares) {
+  MeasurementValueBuilder builder(spares.takeMap());
+  const auto add = [&](map_entry_t&& entry) noexcept { builder.add(std::move(entry)); };
+  series.extract(value, add);
+  series.extract(DATA_T_units, add);
+  builder.addParams(std::move(series));
+  return std::move(builder).getResult();
+}
+
+} // namespace
 
 std::unique_ptr<TivraMessageBuilder> convertMeasurement(PulsarMessageDisassembler& notification) {
   return notification.getFault().orThrow(tryConvertMeasurement(notification));
@@ -32,10 +81,10 @@ std::unique_ptr<TivraMessageBuilder> tryConvertMeasurement(
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
 
-  notification.extractRemainingPayload().drain([&](map_entry_t&& entry) {
-    if (builder->tryAddFragment(entry.value, notification.getSpareParts())) return;
-    builder->fields.assign(std::move(entry));
+  notification.getPayloadMap().extract_if([&](map_entry_t&& entry) {
+    return builder->tryAddFragment(entry.value, notification.getSpareParts());
   });
+  copyOverRemainingPayloadElements(notification, *builder);
   return builder;
 }
 
@@ -55,48 +104,53 @@ boost::optional<std::pair<data_t, data_t>> MeasurementMessageBuilder::tryAddMeas
   return boost::none;
 }
 
-bool MeasurementMessageBuilder::tryAddFragment(data_t& value, SpareParts&& spares) {
-  if (value.type_tag() != VLT_TAG_MAP) return false;
-  auto& fragment = value.get<map_t>();
-  if (!isValidFragment(fragment)) return false;
-  spares.keep(std::move(fragment).drain([&](map_entry_t&& series) {
-    series.value = createMeasurementValue(std::move(series.value.get<map_t>()), spares.lend());
-    measurements.insert(std::move(series));
+bool MeasurementMessageBuilder::tryAddFragment(data_t& candidate, SpareParts&& spares) {
+  if (candidate.type_tag() != VLT_TAG_MAP) return false;
+  auto& fragment = candidate.get<map_t>();
+  FoundValues found;
+  if (!findNumericValues(fragment, found)) return false;
+  spares.keep(std::move(fragment).drain([&](map_entry_t&& entry) {
+    auto& series = entry.value.get<map_t>();
+    const map_entry_t* value = found.next();
+    if (value == nullptr) value = series.find_entry(DATA_T_value);
+    entry.value = measurementValueOf(std::move(series), *value, spares);
+    measurements.insert(std::move(entry));
   }));
   return true;
 }
 
 bool MeasurementMessageBuilder::isValidFragment(map_t const& fragment) {
-  for (const auto& [name, series] : fragment) {
-    if (series.type_tag() != VLT_TAG_MAP || !isValidSeriesValue(series.get<map_t>())) return false;
-  }
-  return true;
+  FoundValues unused;
+  return findNumericValues(fragment, unused);
 }
 
 bool MeasurementMessageBuilder::isValidSeriesValue(map_t const& series) {
-  const data_t* const value = series.find_value(DATA_T_value);
-  return value != nullptr && dataTConvertableToFloat(*value);
+  return findNumericValue(series) != nullptr;
 }
 
 map_t createMeasurementValue(map_t&& series, SpareParts&& spares) {
-  MeasurementValueBuilder builder(spares.takeMap());
-  const auto add = [&](map_entry_t&& entry) { builder.add(std::move(entry)); };
-  if (!series.extract(DATA_T_value, add)) {
-    throw std::runtime_error("'value' key missing from measurement value");
-  }
-  series.extract(DATA_T_units, add);
-  builder.add(DATA_T_params.with(std::move(series)));
-  return std::move(builder).getResult();
+  const map_entry_t* const value = series.find_entry(DATA_T_value);
+  if (value == nullptr) throw std::runtime_error("'value' key missing from measurement value");
+  return measurementValueOf(std::move(series), *value, spares);
 }
 
-MeasurementValueBuilder::MeasurementValueBuilder(data_t&& value) {
+MeasurementValueBuilder::MeasurementValueBuilder(data_t&& value)
+    : measurementValue_(map_t::with_first_table()) {
   add(DATA_T_value.with(std::move(value)));
 }
 
 MeasurementValueBuilder::MeasurementValueBuilder(map_t&& emptied)
-    : measurementValue_(std::move(emptied)) {}
+    : measurementValue_(emptied.table() == nullptr ? map_t::with_first_table()
+                                                   : std::move(emptied)) {}
 
-void MeasurementValueBuilder::add(map_entry_t&& entry) { measurementValue_.add(std::move(entry)); }
+void MeasurementValueBuilder::add(map_entry_t&& entry) noexcept {
+  measurementValue_.add_to_first_table(entry.hash, std::move(entry.key), std::move(entry.value));
+}
+
+void MeasurementValueBuilder::addParams(map_t&& params) {
+  measurementValue_.add_to_first_table(DATA_T_params.hash(), DATA_T_params.copy(),
+                                       std::move(params));
+}
 
 void MeasurementValueBuilder::setUnits(data_t&& units) {
   measurementValue_.assign(DATA_T_units.with(std::move(units)));

@@ -42,9 +42,12 @@ class MeasurementValueBuilder {
   explicit MeasurementValueBuilder(data_t&& value);
   void setUnits(data_t&& units);
   void setParams(map_t&& params);
-  // For entries that have these names already, each added once at most; `emptied` has no entries.
+  // For entries that have these names already, each added once at most; `emptied` has no entries and
+  // no table, or one as it is made first.
   explicit MeasurementValueBuilder(map_t&& emptied);
-  void add(map_entry_t&& entry);
+  void add(map_entry_t&& entry) noexcept;
+  // Throws std::bad_alloc.
+  void addParams(map_t&& params);
   [[nodiscard]] map_t getResult() && noexcept { return std::move(measurementValue_); }
 
  private:

@@ -126,32 +126,6 @@ TEST_F(SparePartsTest, CopiesLeftOverAreFreed) {
   EXPECT_EQ(standin_live_blocks_total(), before);
 }
 
-TEST_F(SparePartsTest, EntryUsesTheKeptCopyAndTheHashOfTheConstant) {
-  SpareParts spares;
-  const std::uint64_t key_block = keepCopy(spares, DATA_T_id);
-  data_t value = list_of(text("v"));
-  const std::uint64_t value_block = block_of(value);
-  standin_reset_calls();
-  const map_entry_t entry = spares.entry(DATA_T_id, std::move(value));
-  EXPECT_EQ(standin_calls_total(), 0);
-  EXPECT_EQ(entry.hash, hashes::key_hash(text("id")));
-  EXPECT_EQ(block_of(entry.key), key_block);
-  EXPECT_EQ(block_of(entry.value), value_block);
-  EXPECT_TRUE(value.empty());
-}
-
-TEST_F(SparePartsTest, EntryWithoutMemoryForItsKeyLeavesTheValue) {
-  SpareParts spares;
-  data_t value = list_of(text("v"));
-  map_entry_t entry;
-  const auto verify = [&] {
-    EXPECT_TRUE(same(standin_failed_allocations() > 0 ? value : entry.value, list_of(text("v"))));
-  };
-  const auto attempt = [&] { entry = spares.entry(DATA_T_id, std::move(value)); };
-  EXPECT_EQ(fail_each_allocation(attempt, verify), 1u);
-  EXPECT_TRUE(same(entry.key, text("id")));
-}
-
 // ---- tables
 
 TEST_F(SparePartsTest, KeptTableComesBackEmptied) {
