@@ -111,8 +111,7 @@ void carryOverDatesAndRemaining(PulsarMessageDisassembler& notification,
 
 void copyOverRemainingPayloadElements(PulsarMessageDisassembler& notification,
                                       TivraMessageBuilder& builder) {
-  notification.extractRemainingPayload().drain(
-      [&builder](map_entry_t&& entry) { builder.fields.assign(std::move(entry)); });
+  builder.fields.assign_all(notification.extractRemainingPayload(), DATA_T_measurements);
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

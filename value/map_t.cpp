@@ -5,6 +5,7 @@
 #include <new>
 #include <stdexcept>
 
+#include "value/grown_layout.hpp"
 #include "value/hashes.hpp"
 #include "value/iterator_checks.hpp"
 #include "value/map_slot.hpp"
@@ -211,6 +212,50 @@ void map_t::grow() {
                         : vlt_reallocate_map(table_, table_rules::grown_capacity(table_->live));
   if (grown == nullptr) throw std::bad_alloc();
   table_ = grown;
+}
+
+// ---- insertion of many
+
+void map_t::assign_all(map_t&& others, key_ref next) {
+  map_t rest = std::move(others);
+  if (assign_all_at_once(rest, next)) return;
+  std::move(rest).drain([this](map_entry_t&& entry) { assign(std::move(entry)); });
+}
+
+// Lays out the table that inserting them one after the other would lead to, makes it, or uses that of
+// `rest`, and moves the entries there. False, and nothing has changed, when the table need not grow,
+// and for entries that only their keys can tell: those of equal hashes, and keys that are no texts.
+bool map_t::assign_all_at_once(map_t& rest, key_ref next) {
+  constexpr std::size_t LEAST = 14; // fewer are inserted in the time that it takes to lay them out
+  const std::size_t count = size() + rest.size();
+  if (rest.empty() || count < LEAST || count > GrownLayout::MOST) return false;
+  if (!GrownLayout::knows(capacity()) || table_->deleted != 0) return false;
+  if (!table_rules::is_due_to_grow(capacity(), static_cast<std::int64_t>(count))) return false;
+
+  GrownLayout layout(capacity());
+  std::size_t seen = 0;
+  for (std::int64_t i = 0; i < capacity(); ++i) {
+    if (!slots()[i].is_live()) continue;
+    if (++seen > count) return false; // the head counts fewer than there are
+    layout.lie(slots()[i], i);
+  }
+  for (std::int64_t i = 0; i < rest.capacity(); ++i) {
+    const map_slot_t& slot = rest.slots()[i];
+    if (!slot.is_live()) continue;
+    if (!slot.key.is_string() || ++seen > count) return false;
+    layout.follow(slot);
+  }
+  if (!layout.insert_all(next.hash)) return false;
+
+  map_t made(layout.capacity() == rest.capacity() ? nullptr : vlt_allocate_map(layout.capacity()));
+  if (made.table_ == nullptr && layout.capacity() != rest.capacity()) throw std::bad_alloc();
+  make_all_free();
+  rest.make_all_free();
+  if (made.table_ == nullptr) std::swap(made.table_, rest.table_);
+  layout.fill(made.slots());
+  made.table_->live = static_cast<std::int64_t>(seen);
+  *this = std::move(made);
+  return true;
 }
 
 // ---- erasing
