@@ -1,9 +1,9 @@
 // One way of turning notifications into host events. All of them start from the same lines of JSON
 // and own what they read, so that a run is the whole life of a batch:
 //
-//   fill      builds the inputs anew                         not timed
-//   run       inputs → outputs → everything released         timed
-//   outcome   the same run, but with its results written down, for comparison
+//   fill      builds the inputs anew                                      not timed
+//   run       batch by batch: inputs → outputs, then everything released   timed
+//   outcome   the same conversions, with their results written down, for comparison
 #ifndef VLT_BENCH_CONTENDER_HPP
 #define VLT_BENCH_CONTENDER_HPP
 
@@ -55,6 +55,38 @@ class Contender {
   virtual void run() = 0;
   // Fills, runs and renders: the messages that are passed on, as JSON text in their order.
   [[nodiscard]] virtual lines_t outcome() = 0;
+};
+
+// Converts so many messages before it releases them; at least one.
+class BatchContender : public Contender {
+ public:
+  explicit BatchContender(std::size_t batch) noexcept : batch_(batch) {}
+
+  void run() final {
+    for (std::size_t first = 0; first < size(); first += batch_) {
+      const std::size_t end = std::min(first + batch_, size());
+      convert(first, end);
+      release(first, end);
+    }
+  }
+
+  [[nodiscard]] lines_t outcome() final {
+    fill(ownOrder(size()));
+    convert(0, size());
+    lines_t lines = render();
+    release(0, size());
+    return lines;
+  }
+
+ protected:
+  // The messages at `first` up to `end`.
+  virtual void convert(std::size_t first, std::size_t end) = 0;
+  virtual void release(std::size_t first, std::size_t end) noexcept = 0;
+  // Those of all that are passed on, after all were converted.
+  [[nodiscard]] virtual lines_t render() = 0;
+
+ private:
+  std::size_t batch_;
 };
 
 } // namespace com::velanto::connectivity::bench

@@ -109,8 +109,8 @@ void copyMessages(const messages_t& prototypes, const order_t& order, messages_t
   }
 }
 
-void releaseMessages(messages_t& messages) noexcept {
-  for (Message& message : messages) message = Message();
+void releaseMessages(messages_t& messages, std::size_t first, std::size_t end) noexcept {
+  for (std::size_t i = first; i < end; ++i) messages[i] = Message();
 }
 
 std::string renderMessage(const Message& message) {

@@ -26,8 +26,9 @@ enum class tables_t {
 // Deep copies into `copies`, in `order`; all three are of one size. Throws std::bad_alloc.
 void copyMessages(const messages_t& prototypes, const order_t& order, messages_t& copies);
 
-// Frees what the messages hold, as the owner of the array does when it is done with it.
-void releaseMessages(messages_t& messages) noexcept;
+// Frees what the messages at `first` up to `end` hold, as the owner of the array does when it is done
+// with them.
+void releaseMessages(messages_t& messages, std::size_t first, std::size_t end) noexcept;
 
 [[nodiscard]] std::string renderMessage(const Message& message);
 

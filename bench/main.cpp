@@ -24,9 +24,13 @@ void write(const std::filesystem::path& path, const std::string& content) {
 }
 
 void compareAll(const options_t& options) {
+  const auto compared = [](const suite_t& suite) {
+    std::cout << "same results: " << suite.name << std::endl;
+  };
+  compared(measureKinds(options, LARGE_BATCH));
   for (const auto measure :
-       {measureKinds, measureCapacities, measureDropped, measureScaling, measureTimestamps}) {
-    std::cout << "same results: " << measure(options).name << std::endl;
+       {measureCapacities, measureDropped, measureScaling, measureTimestamps}) {
+    compared(measure(options));
   }
 }
 
@@ -38,8 +42,11 @@ void measureAll(const options_t& options, const std::filesystem::path& results) 
     std::cout << text(suites.back()) << std::flush;
   };
   std::cout << environmentText(where);
-  show(measureKinds(options),
-       [](const suite_t& suite) { return contendersText("Kinds and contenders", suite); });
+  for (const std::size_t batch : {LARGE_BATCH, std::size_t{16}, std::size_t{1}}) {
+    show(measureKinds(options, batch), [batch](const suite_t& suite) {
+      return contendersText("Kinds and contenders, batches of " + std::to_string(batch), suite);
+    });
+  }
   show(measureCapacities(options), [](const suite_t& suite) {
     return contendersText("Input tables of other capacities", suite);
   });

@@ -8,7 +8,7 @@
 
 namespace com::velanto::connectivity::bench {
 
-class PluginContender final : public Contender {
+class PluginContender final : public BatchContender {
  public:
   // `library` is the path of the plug-in library. Throws std::runtime_error.
   PluginContender(const std::string& library, const lines_t& lines, std::size_t batch,
@@ -16,16 +16,20 @@ class PluginContender final : public Contender {
 
   [[nodiscard]] std::size_t size() const noexcept override { return prototypes_.size(); }
   void fill(const order_t& order) override { copyMessages(prototypes_, order, messages_); }
-  void run() override;
-  [[nodiscard]] lines_t outcome() override;
+
+ protected:
+  void convert(std::size_t first, std::size_t end) override;
+  void release(std::size_t first, std::size_t end) noexcept override {
+    releaseMessages(messages_, first, end);
+  }
+  [[nodiscard]] lines_t render() override;
 
  private:
   static void take(void* context, vlt_underlying_message_t* start, vlt_underlying_message_t* end);
 
   messages_t prototypes_;
   messages_t messages_;
-  std::size_t batch_;
-  lines_t* rendered_ = nullptr; // where the next link writes messages down; null while timing
+  std::size_t passed_on_ = 0; // of the last batch; they are in front
   tools::PluginLibrary library_;
   tools::HostedPlugin plugin_;
 };

@@ -27,8 +27,11 @@ void freeText(vlt_underlying_data_t& value) noexcept {
 
 } // namespace
 
-FloorContender::FloorContender(const lines_t& lines, variant_t variant, tables_t tables)
-    : prototypes_(readMessages(lines, tables)), messages_(prototypes_.size()) {
+FloorContender::FloorContender(const lines_t& lines, std::size_t batch, variant_t variant,
+                               tables_t tables)
+    : BatchContender(batch),
+      prototypes_(readMessages(lines, tables)),
+      messages_(prototypes_.size()) {
   texts_.of("id");
   for (const Message& prototype : prototypes_) {
     const auto& message = reinterpret_cast<const vlt_underlying_message_t&>(prototype);
@@ -41,26 +44,18 @@ void FloorContender::fill(const order_t& order) {
   order_ = order;
 }
 
-void FloorContender::convertAll() {
-  for (std::size_t i = 0; i < messages_.size(); ++i) {
+void FloorContender::convert(std::size_t first, std::size_t end) {
+  for (std::size_t i = first; i < end; ++i) {
     const plan_t& plan = plans_[order_[i]];
     if (plan.passes) continue;
     carryOut(plan, reinterpret_cast<vlt_underlying_message_t&>(messages_[i]));
   }
 }
 
-void FloorContender::run() {
-  convertAll();
-  releaseMessages(messages_);
-}
-
-lines_t FloorContender::outcome() {
-  lines_t result;
-  fill(ownOrder(size()));
-  convertAll();
-  for (const Message& message : messages_) result.push_back(renderMessage(message));
-  releaseMessages(messages_);
-  return result;
+lines_t FloorContender::render() {
+  lines_t lines;
+  for (const Message& message : messages_) lines.push_back(renderMessage(message));
+  return lines;
 }
 
 void FloorContender::carryOut(const plan_t& plan, vlt_underlying_message_t& message) {

@@ -9,18 +9,22 @@
 namespace com::velanto::connectivity::bench::floor {
 
 // Takes it that memory does not run out.
-class FloorContender final : public Contender {
+class FloorContender final : public BatchContender {
  public:
   // Throws std::logic_error when a message has no plan.
-  FloorContender(const lines_t& lines, variant_t variant, tables_t tables);
+  FloorContender(const lines_t& lines, std::size_t batch, variant_t variant, tables_t tables);
 
   [[nodiscard]] std::size_t size() const noexcept override { return prototypes_.size(); }
   void fill(const order_t& order) override;
-  void run() override;
-  [[nodiscard]] lines_t outcome() override;
+
+ protected:
+  void convert(std::size_t first, std::size_t end) override;
+  void release(std::size_t first, std::size_t end) noexcept override {
+    releaseMessages(messages_, first, end);
+  }
+  [[nodiscard]] lines_t render() override;
 
  private:
-  void convertAll();
   void carryOut(const plan_t& plan, vlt_underlying_message_t& message);
   void openInputs(const plan_t& plan, const vlt_underlying_message_t& message);
   void freeTexts(const plan_t& plan);

@@ -185,12 +185,12 @@ struct MonotonicStorage : BoostStorage {
 
 } // namespace
 
-std::unique_ptr<Contender> makeBoostJson(const lines_t& lines) {
-  return std::make_unique<PeerContender<HeapStorage>>(lines);
+std::unique_ptr<Contender> makeBoostJson(const lines_t& lines, std::size_t batch) {
+  return std::make_unique<PeerContender<HeapStorage>>(lines, batch);
 }
 
-std::unique_ptr<Contender> makeBoostJsonMonotonic(const lines_t& lines) {
-  return std::make_unique<PeerContender<MonotonicStorage>>(lines);
+std::unique_ptr<Contender> makeBoostJsonMonotonic(const lines_t& lines, std::size_t batch) {
+  return std::make_unique<PeerContender<MonotonicStorage>>(lines, batch);
 }
 
 } // namespace com::velanto::connectivity::bench::peers

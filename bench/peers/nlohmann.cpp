@@ -106,8 +106,8 @@ struct NlohmannStorage {
 
 } // namespace
 
-std::unique_ptr<Contender> makeNlohmann(const lines_t& lines) {
-  return std::make_unique<PeerContender<NlohmannStorage>>(lines);
+std::unique_ptr<Contender> makeNlohmann(const lines_t& lines, std::size_t batch) {
+  return std::make_unique<PeerContender<NlohmannStorage>>(lines, batch);
 }
 
 } // namespace com::velanto::connectivity::bench::peers

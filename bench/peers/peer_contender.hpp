@@ -21,9 +21,10 @@
 namespace com::velanto::connectivity::bench::peers {
 
 template <class Storage>
-class PeerContender final : public Contender {
+class PeerContender final : public BatchContender {
  public:
-  explicit PeerContender(const lines_t& lines) : dropped_(lines.size()) {
+  PeerContender(const lines_t& lines, std::size_t batch)
+      : BatchContender(batch), dropped_(lines.size()) {
     prototypes_.reserve(lines.size());
     for (const std::string& line : lines) prototypes_.push_back(Storage::parse(line));
     messages_.resize(lines.size());
@@ -36,32 +37,30 @@ class PeerContender final : public Contender {
       messages_[i].emplace(Storage::copy(prototypes_[order[i]]));
   }
 
-  void run() override {
-    convertAll();
-    release();
+ protected:
+  void convert(std::size_t first, std::size_t end) override {
+    for (std::size_t i = first; i < end; ++i) dropped_[i] = !convertOne(*messages_[i]);
   }
 
-  [[nodiscard]] lines_t outcome() override {
-    lines_t result;
-    fill(ownOrder(size()));
-    convertAll();
+  void release(std::size_t first, std::size_t end) noexcept override {
+    for (std::size_t i = first; i < end; ++i) messages_[i].reset();
+  }
+
+  [[nodiscard]] lines_t render() override {
+    lines_t lines;
     for (std::size_t i = 0; i < size(); ++i) {
       if (dropped_[i]) continue;
-      result.push_back("{\"metadata\":" + Storage::write(messages_[i]->metadata) +
-                       ",\"payload\":" + Storage::write(messages_[i]->payload) + '}');
+      lines.push_back("{\"metadata\":" + Storage::write(messages_[i]->metadata) +
+                      ",\"payload\":" + Storage::write(messages_[i]->payload) + '}');
     }
-    release();
-    return result;
+    return lines;
   }
 
  private:
   using message_t = typename Storage::message_t;
 
-  void convertAll() {
-    for (std::size_t i = 0; i < size(); ++i) dropped_[i] = !convert(*messages_[i]);
-  }
   // False: dropped and reported.
-  static bool convert(message_t& message) {
+  static bool convertOne(message_t& message) {
     std::optional<std::string> id;
     try {
       Conversion<typename Storage::tree_t>::convert(Storage::tree(message), message.payload,
@@ -71,9 +70,6 @@ class PeerContender final : public Contender {
       reportDropped(id, failure.what());
       return false;
     }
-  }
-  void release() {
-    for (auto& message : messages_) message.reset();
   }
 
   std::vector<typename Storage::prototype_t> prototypes_;

@@ -2,7 +2,7 @@
 // somebody would write who had the notifications in such a tree and wanted the events in one.
 //
 // Common to all: values move, nothing is copied that need not be; the event is an object of its own,
-// into which the fields move; batches are converted whole and then released whole, as the plug-in's
+// into which the fields move; a batch is converted whole and then released whole, as the plug-in's
 // are. They read timestamps with the codec's own reader, so that trees are compared and not readers.
 #ifndef VLT_BENCH_PEERS_PEERS_HPP
 #define VLT_BENCH_PEERS_PEERS_HPP
@@ -11,18 +11,18 @@
 
 namespace com::velanto::connectivity::bench::peers {
 
-[[nodiscard]] std::unique_ptr<Contender> makeNlohmann(const lines_t& lines);
+[[nodiscard]] std::unique_ptr<Contender> makeNlohmann(const lines_t& lines, std::size_t batch);
 
 // One pool per message, which is freed as a whole: nothing in it is freed one by one. The host's
 // storage does not allow that, since each of its blocks may outlive the message.
-[[nodiscard]] std::unique_ptr<Contender> makeRapidJson(const lines_t& lines);
+[[nodiscard]] std::unique_ptr<Contender> makeRapidJson(const lines_t& lines, std::size_t batch);
 
 // Every block from the C++ heap.
 [[nodiscard, gnu::visibility("default")]] std::unique_ptr<Contender> makeBoostJson(
-    const lines_t& lines);
+    const lines_t& lines, std::size_t batch);
 // One monotonic resource per message, freed as a whole.
 [[nodiscard, gnu::visibility("default")]] std::unique_ptr<Contender> makeBoostJsonMonotonic(
-    const lines_t& lines);
+    const lines_t& lines, std::size_t batch);
 
 } // namespace com::velanto::connectivity::bench::peers
 

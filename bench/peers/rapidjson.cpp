@@ -134,8 +134,8 @@ struct RapidStorage {
 
 } // namespace
 
-std::unique_ptr<Contender> makeRapidJson(const lines_t& lines) {
-  return std::make_unique<PeerContender<RapidStorage>>(lines);
+std::unique_ptr<Contender> makeRapidJson(const lines_t& lines, std::size_t batch) {
+  return std::make_unique<PeerContender<RapidStorage>>(lines, batch);
 }
 
 } // namespace com::velanto::connectivity::bench::peers

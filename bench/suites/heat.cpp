@@ -11,26 +11,23 @@ void Heat::enter(std::string name, std::shared_ptr<Contender> contender,
   entrants_.push_back({std::move(name), std::move(contender), sameness});
 }
 
+Heat& Heat::inBatchesOf(std::size_t messages) {
+  batch_ = messages;
+  return *this;
+}
+
 Heat& Heat::withPlugin() {
   const auto make = [this](const std::string& library) {
-    return std::make_shared<PluginContender>(library, lines_, LARGE_BATCH, tables_);
+    return std::make_shared<PluginContender>(library, lines_, batch_, tables_);
   };
   enter("plug-in", make(options_.plugin), sameness_t::slots);
   if (options_.against) enter(options_.against_name, make(*options_.against), sameness_t::slots);
   return *this;
 }
 
-Heat& Heat::withSmallBatches() {
-  for (const std::size_t batch : {std::size_t{16}, std::size_t{1}}) {
-    enter("plug-in, batches of " + std::to_string(batch),
-          std::make_shared<PluginContender>(options_.plugin, lines_, batch, tables_),
-          sameness_t::slots);
-  }
-  return *this;
-}
-
 Heat& Heat::withFloor(const std::string& name, floor::variant_t variant) {
-  enter(name, std::make_shared<floor::FloorContender>(lines_, variant, tables_), sameness_t::slots);
+  enter(name, std::make_shared<floor::FloorContender>(lines_, batch_, variant, tables_),
+        sameness_t::slots);
   return *this;
 }
 
@@ -41,10 +38,11 @@ Heat& Heat::withFloors() {
 }
 
 Heat& Heat::withPeers() {
-  enter("nlohmann::json", peers::makeNlohmann(lines_), sameness_t::content);
-  enter("RapidJSON", peers::makeRapidJson(lines_), sameness_t::content);
-  enter("Boost.JSON", peers::makeBoostJson(lines_), sameness_t::content);
-  enter("Boost.JSON, monotonic", peers::makeBoostJsonMonotonic(lines_), sameness_t::content);
+  enter("nlohmann::json", peers::makeNlohmann(lines_, batch_), sameness_t::content);
+  enter("RapidJSON", peers::makeRapidJson(lines_, batch_), sameness_t::content);
+  enter("Boost.JSON", peers::makeBoostJson(lines_, batch_), sameness_t::content);
+  enter("Boost.JSON, monotonic", peers::makeBoostJsonMonotonic(lines_, batch_),
+        sameness_t::content);
   return *this;
 }
 

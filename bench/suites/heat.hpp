@@ -47,9 +47,11 @@ class Heat {
   Heat(const options_t& options, std::string name, lines_t lines, tables_t tables = tables_t::grown)
       : options_(options), name_(std::move(name)), lines_(std::move(lines)), tables_(tables) {}
 
-  // The plug-in in batches of 256, and the other revision's, if there is one.
+  // All contenders that enter after this convert so many messages before they release them; before
+  // it, LARGE_BATCH.
+  Heat& inBatchesOf(std::size_t messages);
+  // The plug-in, and the other revision's, if there is one.
   Heat& withPlugin();
-  Heat& withSmallBatches(); // of 16 and of 1
   Heat& withFloor(const std::string& name, floor::variant_t variant);
   Heat& withFloors();
   Heat& withPeers();
@@ -68,6 +70,7 @@ class Heat {
   std::string name_;
   lines_t lines_;
   tables_t tables_;
+  std::size_t batch_ = LARGE_BATCH;
   std::vector<entrant_t> entrants_;
 };
 

@@ -28,7 +28,7 @@ void dumpAll(const options_t& options, const std::string& corpus, const lines_t&
     dumpRun(corpus, name, contender);
   };
   const auto floor = [&](const std::string& name, floor::variant_t variant) {
-    floor::FloorContender contender(lines, variant, tables_t::grown);
+    floor::FloorContender contender(lines, LARGE_BATCH, variant, tables_t::grown);
     dumpRun(corpus, name, contender);
   };
   plugin("plug-in", options.plugin);

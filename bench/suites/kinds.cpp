@@ -3,11 +3,11 @@
 
 namespace com::velanto::connectivity::bench {
 
-suite_t measureKinds(const options_t& options) {
-  suite_t suite{"kinds", "ns per message", {}};
+suite_t measureKinds(const options_t& options, std::size_t batch) {
+  suite_t suite{"kinds, batches of " + std::to_string(batch), "ns per message", {}};
   const auto add = [&](const char* name, lines_t lines) {
     Heat heat(options, name, std::move(lines));
-    heat.withPlugin().withSmallBatches().withFloors().withPeers();
+    heat.inBatchesOf(batch).withPlugin().withFloors().withPeers();
     suite.groups.push_back(heat.run(options.rounds));
   };
   add("mix", mixedNotifications(LARGE_BATCH));

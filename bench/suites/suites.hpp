@@ -7,8 +7,9 @@
 
 namespace com::velanto::connectivity::bench {
 
-// All contenders over the mix, each kind, and messages that pass. Nanoseconds per message.
-[[nodiscard]] suite_t measureKinds(const options_t& options);
+// All contenders over the mix, each kind, and messages that pass, in batches of that many messages.
+// Nanoseconds per message.
+[[nodiscard]] suite_t measureKinds(const options_t& options, std::size_t batch);
 
 // The plug-in and the floors over the same, with input tables of other capacities than those that
 // insertions lead to.

@@ -31,7 +31,8 @@ suite_t measureThreads(const options_t& options) {
     return std::make_unique<PluginContender>(options.plugin, lines, LARGE_BATCH, tables_t::grown);
   });
   addThreadLanes(lanes, "floor", [&] {
-    return std::make_unique<floor::FloorContender>(lines, floor::variant_t::plain, tables_t::grown);
+    return std::make_unique<floor::FloorContender>(lines, LARGE_BATCH, floor::variant_t::plain,
+                                                   tables_t::grown);
   });
   suite.groups.push_back({"mix", race(lanes, options.rounds)});
   return suite;
