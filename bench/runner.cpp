@@ -18,17 +18,14 @@ double usedTime() noexcept {
   return static_cast<double>(used.tv_sec) * 1e9 + static_cast<double>(used.tv_nsec);
 }
 
-// The C library puts off part of the work of freeing small blocks until somebody wants a large one.
-// Wanting one at the end of each run makes every contender pay for its own frees; otherwise the
-// next fill, which is not timed, would do the work of some of them and not of others.
+} // namespace
+
 void settleHeap() {
   constexpr std::size_t LARGE = std::size_t{64} * 1024;
   void* block = std::malloc(LARGE);
   benchmark::DoNotOptimize(block);
   std::free(block);
 }
-
-} // namespace
 
 lane_t laneOf(std::string name, std::shared_ptr<Contender> contender, double per) {
   return {std::move(name), [contender = std::move(contender), per](std::size_t round) {

@@ -21,6 +21,11 @@ struct lane_t {
   std::function<double(std::size_t round)> sample;
 };
 
+// Does what the C library's heap has put off: it leaves part of the work of freeing small blocks
+// until somebody wants a large one. Wanting one at the end of each run makes every contender pay for
+// its own frees; otherwise whatever comes next would do the work of some of them and not of others.
+void settleHeap();
+
 // Samples the processor time of the calling thread. `per` divides it: the number of messages,
 // fields, …
 [[nodiscard]] lane_t laneOf(std::string name, std::shared_ptr<Contender> contender, double per);

@@ -88,8 +88,8 @@ Message OstroviaNotifications2Codec::processPulsarMessage(Message&& notification
     return {};
   }
 
-  builder->addToMetadata({DATA_T_vltDOTchannel.hash(), std::move(channelKey),
-                          data_t(is_measurement ? measurementSplittingChannel : devicesChannel)});
+  builder->addToMetadata(DATA_T_vltDOTchannel.hash(), std::move(channelKey),
+                         data_t(is_measurement ? measurementSplittingChannel : devicesChannel));
   if (tenantId) builder->fields.assign(DATA_T_tenantId.with(data_t(*tenantId)));
   return TivraMessageBuilder::getResult(std::move(builder));
 }

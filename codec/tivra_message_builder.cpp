@@ -11,7 +11,8 @@ TivraMessageBuilder::TivraMessageBuilder(data_t&& id, data_t&& type, SpareParts&
     : message_(data_t(), spares.takeMap()), fields(spares.takeMap()) {
   ensureValueDataTIsString("id", id);
   addField(DATA_T_id, std::move(id), spares);
-  message_.getMetadataMap().add(DATA_T_vltDOTtype.with(std::move(type)));
+  message_.getMetadataMap().add(DATA_T_vltDOTtype.hash(), DATA_T_vltDOTtype.copy(),
+                                std::move(type));
 }
 
 void TivraMessageBuilder::insertIntoMetadata(data_t&& key, data_t&& value) {

@@ -24,8 +24,10 @@ class TivraMessageBuilder {
   // Sets a metadata entry, over any under that key. Throws std::runtime_error "Cannot use
   // non-string keys into metadata".
   void insertIntoMetadata(data_t&& key, data_t&& value);
-  // Adds a metadata entry whose key is known to be a string that none of them has so far.
-  void addToMetadata(map_entry_t&& entry) { message_.getMetadataMap().add(std::move(entry)); }
+  // Adds a metadata entry; `key` is known to be a string that none of them has so far.
+  void addToMetadata(std::uint64_t hash, data_t&& key, data_t&& value) {
+    message_.getMetadataMap().add(hash, std::move(key), std::move(value));
+  }
 
   // Adds the field "measurements", unless the notification brought one of that name, and returns
   // the message. The builder is left empty; its owner still destroys it.

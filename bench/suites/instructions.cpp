@@ -3,6 +3,7 @@
 #include "bench/corpus.hpp"
 #include "bench/floor/floor_contender.hpp"
 #include "bench/plugin_contender.hpp"
+#include "bench/runner.hpp"
 #include "bench/suites/suites.hpp"
 
 namespace com::velanto::connectivity::bench {
@@ -15,8 +16,10 @@ void dumpRun(const std::string& corpus, const std::string& name, Contender& cont
   contender.fill(order); // once before: symbols are bound and buffers have their sizes
   contender.run();
   contender.fill(order);
+  settleHeap();
   CALLGRIND_TOGGLE_COLLECT;
   contender.run();
+  settleHeap();
   CALLGRIND_TOGGLE_COLLECT;
   const std::string label = corpus + ';' + name + ';' + std::to_string(contender.size());
   CALLGRIND_DUMP_STATS_AT(label.c_str());
