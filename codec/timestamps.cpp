@@ -42,10 +42,10 @@ double secondsSinceEpoch(int year, int month, int day, int hour, int minute, int
 
 // ---- the usual forms: YYYY-MM-DDThh:mm:ss, with or without .mmm, then Z at the end or ±hh:mm
 
-// The date and time are read eight characters at once, each a byte of a word:
+// Digits are read eight characters at once, each a byte of a word:
 //
-//   characters   Y Y Y Y - M M -   D D T h h : m m   . . . . . s s .
-//   from         0                 8                 12
+//   characters   Y Y Y Y - M M -   D D T h h : m m   . . . . . s s .   . . . . m m m .   . ± h h : m m .
+//   from         0                 8                 12                16                18 or 22
 class EightCharacters {
  public:
   // `digits` has FF for every character that is to be a digit, 00 for those that are not looked at.
@@ -56,6 +56,7 @@ class EightCharacters {
     word = (word ^ 0x3030303030303030) & digits; // a digit is its value now
     // A byte up to 9 stays below 80 when 76 is added; one from 80 on is none, whatever carries on.
     valid_ = (((word + 0x7676767676767676) | word) & 0x8080808080808080) == 0;
+    digits_ = word;
     pairs_ = word * 10 + (word >> 8);
   }
 
@@ -63,34 +64,16 @@ class EightCharacters {
   [[nodiscard]] int pairAt(int i) const noexcept {
     return static_cast<int>(pairs_ >> (8 * i) & 0xFF);
   }
+  [[nodiscard]] int digitAt(int i) const noexcept {
+    return static_cast<int>(digits_ >> (8 * i) & 0xFF);
+  }
   // Whether all digits are some.
   [[nodiscard]] bool valid() const noexcept { return valid_; }
 
  private:
   bool valid_;
+  std::uint64_t digits_;
   std::uint64_t pairs_; // byte i: ten times character i plus the next
-};
-
-// Reads numbers of fixed width. A character that is no digit makes the reading invalid.
-class Digits {
- public:
-  explicit Digits(const char* text) noexcept : text_(text) {}
-
-  template <std::size_t COUNT>
-  [[nodiscard]] int at(std::size_t position) noexcept {
-    unsigned value = 0;
-    for (std::size_t i = 0; i < COUNT; ++i) {
-      const auto digit = static_cast<unsigned char>(text_[position + i] - '0');
-      valid_ &= digit <= 9;
-      value = value * 10 + digit;
-    }
-    return static_cast<int>(value);
-  }
-  [[nodiscard]] bool valid() const noexcept { return valid_; }
-
- private:
-  const char* text_;
-  bool valid_ = true;
 };
 
 bool isWithin(int number, int least, int most) noexcept {
@@ -118,25 +101,28 @@ boost::optional<double> readUsualDateTime(const char* text) noexcept {
 boost::optional<double> readUsualForm(std::string_view text) noexcept {
   const auto date_time = readUsualDateTime(text.data());
   if (!date_time) return boost::none;
-  Digits digits(text.data());
   std::size_t zone = DATE_TIME_LENGTH;
   double fraction = 0.0;
   if (text[DATE_TIME_LENGTH] == '.') {
     zone = ZONE_AFTER_FRACTION_AT;
     if (text.size() <= zone) return boost::none;
-    fraction = digits.at<FRACTION_LENGTH>(FRACTION_AT) / 1000.0;
+    const EightCharacters thousandths(text.data() + FRACTION_AT - 4, 0x00FFFFFF00000000);
+    if (!thousandths.valid()) return boost::none;
+    fraction = (10 * thousandths.pairAt(4) + thousandths.digitAt(6)) / 1000.0;
   }
   double offset = 0.0;
   if (text[zone] == '+' || text[zone] == '-') {
     if (text.size() < zone + ZONE_LENGTH || text[zone + 3] != ':') return boost::none;
+    // From one before the zone, so that the last of the eight is at most the terminating NUL.
+    const EightCharacters hours_minutes(text.data() + zone - 1, 0x00FFFF00FFFF0000);
+    if (!hours_minutes.valid()) return boost::none;
     const int sign = text[zone] == '-' ? -1 : 1;
-    const int hours = sign * digits.at<2>(zone + 1);
-    const int minutes = sign * digits.at<2>(zone + 4);
+    const int hours = sign * hours_minutes.pairAt(2);
+    const int minutes = sign * hours_minutes.pairAt(5);
     offset = hours * SECONDS_PER_HOUR + 0.0 + minutes * SECONDS_PER_MINUTE;
   } else if (text[zone] != 'Z' || text.size() != zone + 1) {
     return boost::none;
   }
-  if (!digits.valid()) return boost::none;
   return (fraction + *date_time) - offset;
 }
 
