@@ -22,11 +22,8 @@ void ensureValueDataTIsString(char const* key, data_t const& value) {
   if (!value.is_string()) throw notAString(key);
 }
 
-void noteUnlessStrings(std::initializer_list<named_value_t> values, Fault& fault) {
-  if (fault) return;
-  for (const auto& [key, value] : values) {
-    if (!value.is_string()) return fault.note(notAString(key));
-  }
+void noteNotAString(char const* key, Fault& fault) {
+  if (!fault) fault.note(notAString(key));
 }
 
 bool dataTConvertableToFloat(data_t const& value) {

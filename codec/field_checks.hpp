@@ -2,8 +2,8 @@
 #ifndef VLT_CODEC_FIELD_CHECKS_HPP
 #define VLT_CODEC_FIELD_CHECKS_HPP
 
+#include <cstddef>
 #include <exception>
-#include <initializer_list>
 #include <stdexcept>
 #include <type_traits>
 
@@ -44,9 +44,17 @@ struct named_value_t {
   data_t const& value;
 };
 
+// Notes that error, unless there is a fault already.
+void noteNotAString(char const* key, Fault& fault);
+
 // The same for several values, but notes the first that is of another kind: for conversions to look
 // before they make a builder, whose own check throws.
-void noteUnlessStrings(std::initializer_list<named_value_t> values, Fault& fault);
+template <std::size_t COUNT>
+void noteUnlessStrings(const named_value_t (&values)[COUNT], Fault& fault) {
+  for (const auto& [key, value] : values) {
+    if (!value.is_string()) return noteNotAString(key, fault);
+  }
+}
 
 // Whether the value is a number, or a text that strtod can begin to read and that has no 'x' in it:
 // 12abc is numeric, 0x10 is refused on purpose.
