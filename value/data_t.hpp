@@ -81,7 +81,7 @@ class data_t {
 
   // Take over the 16 bytes; the source is left empty. The host is not called but to free what the
   // target of an assignment held.
-  data_t(data_t&& other) noexcept { take(other); }
+  data_t(data_t&& other) noexcept : content_(not_set) { take(other); }
   data_t& operator=(data_t&& other) noexcept {
     if (this != &other) {
       data_t old;
@@ -160,8 +160,11 @@ class data_t {
 
  private:
   // The containers' own destructors are never run through the union: free_block() decides by tag.
+  static constexpr struct not_set_t {
+  } not_set{};
   union content_t {
     content_t() noexcept : integer(0) {}
+    explicit content_t(not_set_t) noexcept {} // for who sets it at once
     content_t(const content_t&) = delete;
     content_t& operator=(const content_t&) = delete;
     ~content_t() {} // NOLINT(modernize-use-equals-default): a defaulted one would be deleted

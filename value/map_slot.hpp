@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <type_traits>
 #include <utility>
 
 #include "value/map_entry.hpp"
@@ -68,18 +69,25 @@ inline void map_t::add_to_first_table(std::uint64_t hash, data_t&& key, data_t&&
 }
 
 template <class Use>
+auto map_t::extract(const map_entry_t& found, const Use& use) {
+  auto& slot = const_cast<map_slot_t&>(static_cast<const map_slot_t&>(found)); // of this very map
+  auto&& entry = static_cast<map_entry_t&&>(slot);
+  if constexpr (std::is_void_v<decltype(use(std::move(entry)))>) {
+    use(std::move(entry));
+    vacate(slot);
+  } else {
+    auto result = use(std::move(entry));
+    vacate(slot);
+    return result;
+  }
+}
+
+template <class Use>
 bool map_t::extract(key_ref key, const Use& use) {
   map_slot_t* const found = find_slot(key);
   if (found == nullptr) return false;
   extract(*found, use);
   return true;
-}
-
-template <class Use>
-void map_t::extract(const map_entry_t& found, const Use& use) {
-  auto& slot = const_cast<map_slot_t&>(static_cast<const map_slot_t&>(found)); // of this very map
-  use(std::move(static_cast<map_entry_t&>(slot)));
-  vacate(slot);
 }
 
 template <class Use>

@@ -93,12 +93,31 @@ map_t::probe_t map_t::find_for_insert(key_ref key) const {
     if (slot[i].is_vacant()) {
       if (vacant == NONE) vacant = i;
       if (slot[i].hash == map_slot_t::FREE) break;
+    } else if (slot[i].hash == key.hash) [[unlikely]] {
+      return find_among_equal_hashes(key, {i, vacant});
+    }
+    if (++i == slot_count) i = 0;
+  } while (i != start);
+  return {NONE, vacant};
+}
+
+// The same from a slot on that holds an entry of the hash. Apart, since comparing keys takes calls,
+// and most of what is inserted meets no other of its hash.
+map_t::probe_t map_t::find_among_equal_hashes(key_ref key, probe_t at) const {
+  const std::int64_t slot_count = capacity();
+  const map_slot_t* const slot = slots();
+  const std::int64_t start = table_rules::home_slot(key.hash, slot_count);
+  std::int64_t i = at.found;
+  do {
+    if (slot[i].is_vacant()) {
+      if (at.vacant == NONE) at.vacant = i;
+      if (slot[i].hash == map_slot_t::FREE) break;
     } else if (slot[i].hash == key.hash && slot[i].key == key.key) {
       return {i, NONE};
     }
     if (++i == slot_count) i = 0;
   } while (i != start);
-  return {NONE, vacant};
+  return {NONE, at.vacant};
 }
 
 // The first slot on the way of `hash` that holds no entry; there must be one.

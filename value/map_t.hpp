@@ -148,9 +148,9 @@ class map_t {
   // entry is freed, and what it throws keeps the entry in the map. Defined in value/map_slot.hpp.
   template <class Use>
   bool extract(key_ref key, const Use& use);
-  // The same for an entry of this map that has been found already.
+  // The same for an entry of this map that has been found already. Returns what `use` returns.
   template <class Use>
-  void extract(const map_entry_t& found, const Use& use);
+  auto extract(const map_entry_t& found, const Use& use);
 
   // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and removes those for
   // which it returns true; it must leave the others as they are. Defined in value/map_slot.hpp.
@@ -202,6 +202,7 @@ class map_t {
   [[nodiscard]] map_slot_t* find_slot(key_ref key) const;
   [[nodiscard]] std::int64_t index_of(key_ref key) const;
   [[nodiscard]] probe_t find_for_insert(key_ref key) const;
+  [[nodiscard, gnu::noinline]] probe_t find_among_equal_hashes(key_ref key, probe_t at) const;
   [[nodiscard]] std::int64_t find_vacant(std::uint64_t hash) const noexcept;
   [[nodiscard]] bool must_grow() const noexcept;
   void grow();
