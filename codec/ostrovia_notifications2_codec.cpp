@@ -30,10 +30,10 @@ const char* readMeasurementChannel(const MapExtractor& settings) {
   }
 }
 
-// The notification's "id" if it is a string, otherwise null.
-const data_t* findStringId(const map_t& payload) {
-  const data_t* const id = payload.find_value(DATA_T_id);
-  return id != nullptr && id->is_string() ? id : nullptr;
+// The entry of the notification's "id" if that is a string, otherwise null.
+const map_entry_t* findStringId(const map_t& payload) {
+  const map_entry_t* const id = payload.find_entry(DATA_T_id);
+  return id != nullptr && id->value.is_string() ? id : nullptr;
 }
 
 // `what` is null for an exception without a text.
@@ -43,8 +43,8 @@ std::string describeFailure(const Message& message, bool towardsTransport, const
   const data_t& payload = message.getPayload();
   // The kind before the content: a typed get of another kind would write to standard error.
   if (payload.type_tag() == VLT_TAG_MAP) {
-    if (const data_t* const id = findStringId(payload.get<map_t>())) {
-      text += " ('id' = '" + std::string(text_or_empty(id->get<const char*>())) + "')";
+    if (const map_entry_t* const id = findStringId(payload.get<map_t>())) {
+      text += " ('id' = '" + std::string(text_or_empty(id->value.get<const char*>())) + "')";
     }
   }
   if (what != nullptr) {
@@ -72,14 +72,13 @@ OstroviaNotifications2Codec::OstroviaNotifications2Codec(
 }
 
 Message OstroviaNotifications2Codec::processPulsarMessage(Message&& notification,
-                                                          const data_t& path, data_t&& channelKey,
+                                                          const found_t& found, data_t&& channelKey,
                                                           Fault& fault) const {
   if (notification.getPayload().type_tag() != VLT_TAG_MAP) {
     throw std::runtime_error("Message payload is not a map");
   }
-  PulsarMessageDisassembler disassembler(std::move(notification));
-  // The path stays where it is while the message is moved: tables are handed on, not copied.
-  const char* const typeSegment = PulsarMessageDisassembler::getStartCharOfMessageType(path);
+  PulsarMessageDisassembler disassembler(std::move(notification), found.id);
+  const char* const typeSegment = PulsarMessageDisassembler::getStartCharOfMessageType(found.path);
   const bool is_measurement = isOfKind(typeSegment, STR_measurements);
   std::unique_ptr<TivraMessageBuilder> builder =
       tryConvertPulsarToTivraMessage(disassembler, typeSegment);
@@ -117,12 +116,12 @@ bool OstroviaNotifications2Codec::replaceByEvent(Message& message, const data_t&
     fault.note(payload.get_error<map_t>());
     return false;
   }
-  const data_t* const id = findStringId(*fields);
+  const found_t found{path, findStringId(*fields)};
   // Made while the message is whole: when there is no memory at all, it stays so for its report.
   data_t channelKey = DATA_T_vltDOTchannel.copy();
-  IdForReport idForReport(id, message);
+  IdForReport idForReport(found.id == nullptr ? nullptr : &found.id->value, message);
   Message notification(std::move(message));
-  message = processPulsarMessage(std::move(notification), path, std::move(channelKey), fault);
+  message = processPulsarMessage(std::move(notification), found, std::move(channelKey), fault);
   if (fault) return false;
   idForReport.converted();
   return true;

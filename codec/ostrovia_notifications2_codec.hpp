@@ -40,10 +40,15 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
   // Whether the notification in `message` could be converted; otherwise it is left as after
   // transformMessageTowardsHost. `path` is the value of its pulsarPath.
   [[nodiscard]] bool replaceByEvent(Message& message, const data_t& path, Fault& fault) const;
-  // The event, or nothing for a faulty notification. `path` lies in the notification's metadata and
-  // is freed with them; `channelKey` is a copy of the key under which the channel goes into those of
-  // the event.
-  [[nodiscard]] Message processPulsarMessage(Message&& notification, const data_t& path,
+  // What has been looked up in a notification so far. It stays where it is while the message is
+  // moved, since tables are handed on and not copied.
+  struct found_t {
+    const data_t& path;
+    const map_entry_t* id; // null unless it is a string
+  };
+  // The event, or nothing for a faulty notification. `channelKey` is a copy of the key under which
+  // the channel goes into its metadata.
+  [[nodiscard]] Message processPulsarMessage(Message&& notification, const found_t& found,
                                              data_t&& channelKey, Fault& fault) const;
   // Writes the line about a dropped message, if the level asks for it and there is memory for it.
   // `what` is null for a failure without a text.

@@ -20,16 +20,18 @@ std::runtime_error unreadableTime(char const* text) {
   return std::runtime_error("Error parsing timestamp '" + std::string(text) + "' in key 'time'");
 }
 
-// Removes the entry under `key` and returns its value; the key is kept for the event.
-data_t take(map_t& map, constant_t const& key, char const* where,
-            PulsarMessageDisassembler& notification) {
-  data_t value;
-  const bool found = map.extract(key, [&](map_entry_t&& entry) noexcept {
+// Removes the entry that was found under `key` and returns its value; the key is kept for the event.
+[[gnu::always_inline]] inline data_t take(map_t& map, const map_entry_t* found,
+                                          constant_t const& key, char const* where,
+                                          PulsarMessageDisassembler& notification) {
+  if (found == nullptr) {
+    notification.getFault().note(missing(key, where));
+    return {};
+  }
+  return map.extract(*found, [&](map_entry_t&& entry) noexcept {
     notification.getSpareParts().keep(key, std::move(entry.key));
-    value = std::move(entry.value);
+    return std::move(entry.value);
   });
-  if (!found) notification.getFault().note(missing(key, where));
-  return value;
 }
 
 } // namespace
@@ -52,7 +54,8 @@ double extractTimeTimestampOrThrow(PulsarMessageDisassembler& notification) {
 
 data_t takeField(PulsarMessageDisassembler& notification, constant_t const& key) {
   if (notification.getFault()) return {};
-  return take(notification.getPayloadMap(), key, IN_MESSAGE_PAYLOAD, notification);
+  return take(notification.getPayloadMap(), notification.findField(key), key, IN_MESSAGE_PAYLOAD,
+              notification);
 }
 
 double takeTime(PulsarMessageDisassembler& notification) {
@@ -72,7 +75,7 @@ data_t reduceToId(data_t&& source, PulsarMessageDisassembler& notification) {
     fault.note(problemWithKey("source", source.get_error<map_t>()));
     return {};
   }
-  data_t id = take(*entries, DATA_T_id, IN_SOURCE, notification);
+  data_t id = take(*entries, entries->find_entry(DATA_T_id), DATA_T_id, IN_SOURCE, notification);
   notification.getSpareParts().keep(std::move(*entries));
   return id;
 }

@@ -34,6 +34,11 @@ map_t& PulsarMessageDisassembler::getPayloadMap() {
   return notification_.getPayload().get<map_t>();
 }
 
+const map_entry_t* PulsarMessageDisassembler::findField(const constant_t& key) {
+  const bool is_known = id_ != nullptr && &key == &DATA_T_id;
+  return is_known ? std::exchange(id_, nullptr) : getPayloadMap().find_entry(key);
+}
+
 map_t PulsarMessageDisassembler::extractRemainingPayload() { return std::move(getPayloadMap()); }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

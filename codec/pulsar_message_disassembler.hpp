@@ -15,8 +15,11 @@ namespace com::velanto::connectivity::plugins::pulsar {
 class PulsarMessageDisassembler {
  public:
   PulsarMessageDisassembler() noexcept = default;
-  explicit PulsarMessageDisassembler(Message&& notification) noexcept
-      : notification_(std::move(notification)) {}
+  // `id` is the payload's entry under "id" if that has been looked up already and is there, otherwise
+  // null.
+  explicit PulsarMessageDisassembler(Message&& notification,
+                                     const map_entry_t* id = nullptr) noexcept
+      : notification_(std::move(notification)), id_(id) {}
 
   // The first character of the type segment, inside the stored path: valid while this object lives.
   // The terminating NUL when the path has fewer than two '/'. Throws std::runtime_error "No Pulsar
@@ -27,6 +30,9 @@ class PulsarMessageDisassembler {
 
   // The payload in place. Throws the typed get's error when it is no map.
   [[nodiscard]] map_t& getPayloadMap();
+
+  // The payload's entry under `key`, or null. Throws std::bad_alloc, and as getPayloadMap does.
+  [[nodiscard]] const map_entry_t* findField(const constant_t& key);
 
   // Moves the payload map out and leaves an empty map. Throws as getPayloadMap does.
   [[nodiscard]] map_t extractRemainingPayload();
@@ -42,6 +48,7 @@ class PulsarMessageDisassembler {
 
  private:
   Message notification_;
+  const map_entry_t* id_ = nullptr; // until the payload is changed under that key
   SpareParts spares_;
   Fault fault_;
 };
