@@ -56,7 +56,7 @@ std::vector<result_t> race(const std::vector<lane_t>& lanes, std::size_t rounds)
   results.reserve(lanes.size());
   for (const lane_t& lane : lanes) results.push_back({lane.name, {}});
   for (std::size_t round = 0; round < WARM_UPS + rounds; ++round) {
-    for (std::size_t i = 0; i < lanes.size(); ++i) {
+    for (const std::uint32_t i : orderOfRound(lanes.size(), round)) {
       const double nanoseconds = lanes[i].sample(round);
       if (round >= WARM_UPS) results[i].samples.push_back(nanoseconds);
     }

@@ -1,7 +1,9 @@
 // Times contenders against each other. Each round runs all of them once, one after the other
-// (A B C A B C …), so that whatever slows the machine down for a while slows all of them; a ratio is
-// formed within each round, and the median over the rounds is what counts. Before each timed run
-// stands an untimed one, so that nobody works on the heap and in the caches that another has left.
+// (A B C, B A C, …), so that whatever slows the machine down for a while slows all of them; a ratio
+// is formed within each round, and the median over the rounds is what counts. Before each timed run
+// stands an untimed one, so that nobody works on the heap and in the caches that another has left;
+// what is left of that all the same (up to 4 %, seen with one library entered twice) is shared out by
+// another order in each round.
 #ifndef VLT_BENCH_RUNNER_HPP
 #define VLT_BENCH_RUNNER_HPP
 

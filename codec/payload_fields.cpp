@@ -114,7 +114,8 @@ void carryOverDatesAndRemaining(PulsarMessageDisassembler& notification,
 
 void copyOverRemainingPayloadElements(PulsarMessageDisassembler& notification,
                                       TivraMessageBuilder& builder) {
-  builder.fields.assign_all(notification.extractRemainingPayload(), DATA_T_measurements);
+  notification.extractRemainingPayload().drain(
+      [&builder](map_entry_t&& entry) { builder.fields.assign(std::move(entry)); });
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

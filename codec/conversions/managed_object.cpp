@@ -69,7 +69,8 @@ std::unique_ptr<TivraMessageBuilder> tryConvertManagedObject(
 
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
-  copyOverRemainingPayloadElements(notification, *builder);
+  // As for the other kinds, but at once: a managed object has dozens of fields.
+  builder->fields.assign_all(notification.extractRemainingPayload(), DATA_T_measurements);
   return builder;
 }
 
