@@ -30,6 +30,7 @@ GrownLayout::GrownLayout(std::int64_t capacity) noexcept
 }
 
 bool GrownLayout::insert_all(std::uint64_t next) noexcept {
+  if (lying_ > room(capacity_)) return false;
   switch (capacity_) {
     case 8:
       return insert_from<8>(lying_, slots_[0], slots_[1], next);

@@ -43,8 +43,8 @@ class GrownLayout {
 
   // Inserts what follows, growing as often as that takes, and once more if that is what the insertion
   // of an entry of the hash `next` would begin with. False when an entry meets another of its hash,
-  // which may be one of the same key, or the table outgrows the known sizes; the layout means
-  // nothing then.
+  // which may be one of the same key, or the table outgrows the known sizes, as it does at once when
+  // more lie in it than insertion would leave there; the layout means nothing then.
   [[nodiscard]] bool insert_all(std::uint64_t next) noexcept;
 
   // The size of the table in the end.

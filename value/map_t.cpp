@@ -254,9 +254,11 @@ bool map_t::assign_all_at_once(map_t& rest, key_ref next) {
   GrownLayout layout(capacity());
   std::size_t seen = 0;
   for (std::int64_t i = 0; i < capacity(); ++i) {
-    if (!slots()[i].is_live()) continue;
-    if (++seen > count) return false; // the head counts fewer than there are
-    layout.lie(slots()[i], i);
+    const map_slot_t& slot = slots()[i];
+    if (slot.is_free()) continue;
+    // The head counts fewer deletions or entries than there are.
+    if (!slot.is_live() || ++seen > count) return false;
+    layout.lie(slot, i);
   }
   for (std::int64_t i = 0; i < rest.capacity(); ++i) {
     const map_slot_t& slot = rest.slots()[i];
