@@ -13,16 +13,6 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-void expect_same_slots(const map_t& actual, const map_t& expected) {
-  ASSERT_EQ(counts_of(actual), counts_of(expected));
-  for (std::int64_t i = 0; i < expected.capacity(); ++i) {
-    SCOPED_TRACE(i);
-    ASSERT_EQ(slot_at(actual, i).hash, slot_at(expected, i).hash);
-    ASSERT_EQ(slot_at(actual, i).key, slot_at(expected, i).key);
-    ASSERT_EQ(slot_at(actual, i).value, slot_at(expected, i).value);
-  }
-}
-
 // Every entry lies on the way that a probe for its hash takes, which ends at the first free slot.
 void expect_reachable_entries(const map_t& map) {
   const auto slot_count = static_cast<std::uint64_t>(map.capacity());

@@ -66,6 +66,19 @@ inline void put_tombstone(const map_t& map, std::int64_t index) {
   ++head_of(map).deleted;
 }
 
+// Slot by slot, with the counts; whether neither has a table if one has none.
+inline void expect_same_slots(const map_t& actual, const map_t& expected) {
+  ASSERT_EQ(actual.table() == nullptr, expected.table() == nullptr);
+  if (expected.table() == nullptr) return;
+  ASSERT_EQ(counts_of(actual), counts_of(expected));
+  for (std::int64_t i = 0; i < expected.capacity(); ++i) {
+    SCOPED_TRACE(i);
+    ASSERT_EQ(slot_at(actual, i).hash, slot_at(expected, i).hash);
+    ASSERT_EQ(slot_at(actual, i).key, slot_at(expected, i).key);
+    ASSERT_EQ(slot_at(actual, i).value, slot_at(expected, i).value);
+  }
+}
+
 // An entry as a table would store it.
 inline map_entry_t entry_of(data_t&& key, data_t&& value) {
   const std::uint64_t hash = hashes::key_hash(key);
