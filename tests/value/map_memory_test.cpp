@@ -88,6 +88,21 @@ TEST_F(MapMemory, InsertIntoATableWithoutSlots) {
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 0}));
 }
 
+TEST_F(MapMemory, FirstTable) {
+  map_t map;
+  EXPECT_EQ(fail_each_allocation([&] { map = map_t::with_first_table(); }, [] {}), 1u);
+  EXPECT_EQ(counts_of(map), (counts_t{0, 8, 0}));
+}
+
+TEST_F(MapMemory, AddOfKeyAndValue) {
+  data_t key = key_;
+  data_t value = value_;
+  const std::uint64_t hash = hashes::key_hash(key);
+  EXPECT_EQ(failing(7, [&](map_t& map) { map.add(hash, std::move(key), std::move(value)); }), 1u);
+  key = key_;
+  EXPECT_EQ(failing(6, [&](map_t& map) { map.add(hash, std::move(key), std::move(value)); }), 0u);
+}
+
 TEST_F(MapMemory, Copy) {
   map_t map =
       map_of("a", text("1"), "b", list_of(bytes("2")), borrowed("c"), map_of("d", custom(4)));
