@@ -1,6 +1,7 @@
 // The builder that all kinds of event share.
 #include "codec/tivra_message_builder.hpp"
 
+#include "codec/constants.hpp"
 #include "tests/codec/notifications.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -76,6 +77,32 @@ TEST_F(Builder, MetadataKeysAndValuesAreMoved) {
   EXPECT_EQ(key_block_of(message.getMetadataMap(), text("k")), key_block);
   EXPECT_EQ(block_of(at(message.getMetadataMap(), "k")), value_block);
   EXPECT_NE(message.getMetadataMap().find(borrowed("lent")), message.getMetadataMap().end());
+}
+
+TEST_F(Builder, NewMetadataIsAddedBesideTheTypeAndMoved) {
+  data_t value = list_of(whole(1));
+  const std::uint64_t value_block = block_of(value);
+  auto builder = std::make_unique<PlainBuilder>();
+  map_entry_t channel = DATA_T_vltDOTchannel.with(std::move(value));
+  const std::uint64_t key_block = block_of(channel.key);
+  standin_reset_calls();
+  builder->addToMetadata(std::move(channel));
+  EXPECT_EQ(standin_calls_total(), 0) << "neither hashed nor copied";
+  Message message = TivraMessageBuilder::getResult(std::move(builder));
+  map_t& metadata = message.getMetadataMap();
+  EXPECT_TRUE(
+      same(metadata, map_of("vlt.type", text("a.b.Type"), "vlt.channel", list_of(whole(1)))));
+  EXPECT_EQ(key_block_of(metadata, text("vlt.channel")), key_block);
+  EXPECT_EQ(block_of(at(metadata, "vlt.channel")), value_block);
+}
+
+TEST_F(Builder, MetadataThatWasAddedCanBeReplaced) {
+  auto builder = std::make_unique<PlainBuilder>();
+  builder->addToMetadata(DATA_T_vltDOTchannel.with(text("one")));
+  builder->insertIntoMetadata(text("vlt.channel"), text("two"));
+  const Message message = TivraMessageBuilder::getResult(std::move(builder));
+  EXPECT_TRUE(same(message.getMetadataMap(),
+                   map_of("vlt.type", text("a.b.Type"), "vlt.channel", text("two"))));
 }
 
 TEST_F(Builder, MetadataKeyThatIsNoStringIsRefusedAndChangesNothing) {

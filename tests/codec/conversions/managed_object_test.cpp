@@ -3,6 +3,7 @@
 
 #include "tests/codec/examples.hpp"
 #include "tests/codec/faults.hpp"
+#include "tests/value/tables.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
 namespace {
@@ -55,6 +56,32 @@ TEST_F(ManagedObjectConversion, EmptyTypeThatIsPresentIsNoString) {
   payload[text("type")] = data_t();
   EXPECT_EQ(conversion_error(convertManagedObject, std::move(payload)),
             "Value for key 'type' is not a string.");
+}
+
+// The fields put into a fresh map one after the other, in the order of the steps.
+map_t singleAssignments(const map_t& payload) {
+  map_t fields;
+  fields[text("id")] = text("7");
+  fields[text("source")] = text("Pump");
+  for (const auto& [key, value] : payload) {
+    if (key == text("id") || key == text("name") || key == text("type")) continue;
+    fields[data_t(key)] = value;
+  }
+  fields.insert(text("measurements"), map_t());
+  return fields;
+}
+
+TEST_F(ManagedObjectConversion, ManyFieldsLieAsSingleAssignmentsLeaveThem) {
+  for (int count = 0; count <= 80; ++count) {
+    SCOPED_TRACE(std::to_string(count) + " further fields");
+    map_t payload = bare();
+    for (int i = 0; i < count; ++i) {
+      payload[text(("site_Field" + std::to_string(i * 37)).c_str())] = whole(i);
+    }
+    if (count % 5 == 4) payload[text("measurements")] = text("mine");
+    const map_t expected = singleAssignments(payload);
+    expect_same_slots(fields_of(convertManagedObject, std::move(payload)), expected);
+  }
 }
 
 TEST_F(ManagedObjectConversion, SupportedListsAreStoredWhateverTheyHold) {

@@ -74,6 +74,55 @@ TEST_F(MeasurementConversion, SeriesGoIntoOneMapWithoutTheirFragmentsNames) {
   EXPECT_TRUE(same(fields, expected));
 }
 
+// A fragment of so many series, each with a value, a unit and a note of its own.
+map_t manySeries(int count) {
+  map_t fragment;
+  for (int i = 0; i < count; ++i) {
+    const std::string name = "S" + std::to_string(i);
+    fragment[text(name.c_str())] = map_of("note", text(("n" + name).c_str()), "value", whole(i),
+                                          "units", text(("u" + name).c_str()));
+  }
+  return fragment;
+}
+// What becomes of them.
+map_t manyMeasurements(int count) {
+  map_t measurements;
+  for (int i = 0; i < count; ++i) {
+    const std::string name = "S" + std::to_string(i);
+    measurements[text(name.c_str())] =
+        map_of("value", whole(i), "units", text(("u" + name).c_str()), "params",
+               map_of("note", text(("n" + name).c_str())));
+  }
+  return measurements;
+}
+
+TEST_F(MeasurementConversion, FragmentMayHaveAnyNumberOfSeries) {
+  for (const int count : {1, 7, 8, 9, 16, 20, 100}) {
+    map_t payload = measurement_example();
+    remove(payload, "o6a_Temperature");
+    payload[text("o6a_Many")] = manySeries(count);
+    EXPECT_TRUE(same(fields_of(convertMeasurement, std::move(payload)),
+                     expectedWith("measurements", manyMeasurements(count))))
+        << count;
+  }
+}
+
+TEST_F(MeasurementConversion, OneSeriesOfManyWithoutANumberKeepsTheFragmentWhole) {
+  const map_t good = manySeries(12);
+  std::vector<std::string> names; // in the order in which they are looked at
+  for (const auto& [key, value] : good) names.emplace_back(key.get<const char*>());
+  ASSERT_EQ(names.size(), 12U);
+  for (const std::string& name : {names[0], names[7], names[8], names[11]}) {
+    const auto fragment = [&] {
+      map_t mixed = good.copy();
+      at(mixed, name.c_str()).get<map_t>()[text("value")] = text("none");
+      return mixed;
+    };
+    EXPECT_TRUE(same(fieldsWith("o6a_Many", fragment()), expectedWith("o6a_Many", fragment())))
+        << name;
+  }
+}
+
 // The value of series T in the fragment that a walk over the payload meets first.
 double firstValueOfT(map_t& payload, const char* other) {
   for (auto [key, value] : payload) {
