@@ -85,6 +85,12 @@ TEST_F(MapAssignAllOfHosts, TargetMayClaimFewerEntriesThanItHas) {
   }
 }
 
+TEST_F(MapAssignAllOfHosts, TargetMayHaveMoreEntriesThanALayoutTakesAndClaimFewer) {
+  map_t target = host_table(72, 0, 71);
+  head_of(target).live = 40;
+  expect_all_assigned(std::move(target), 71, host_table(64, 1000, 15), 15);
+}
+
 TEST_F(MapAssignAllOfHosts, TargetMayBeFull) {
   for (const std::int64_t capacity : {8, 16, 28, 46, 72}) {
     SCOPED_TRACE(capacity);

@@ -72,6 +72,7 @@ class RandomAssignment {
     const std::uint64_t in_target = below(5) == 0 ? below(71) : below(20);
     if (below(8) != 0) made.target = map_t::with_first_table();
     for (std::uint64_t i = 0; i < in_target; ++i) made.target.insert(key(), text("target"));
+    if (below(8) == 0) made.target.extract(key_of_one(made.target), [](map_entry_t&&) {});
     const std::uint64_t in_source = below(71);
     if (below(2) == 0) made.source = table_of(capacity_for(in_source));
     for (std::uint64_t i = 0; i < in_source; ++i) {
@@ -269,7 +270,7 @@ TEST_F(MapAssignAll, KeysThatAreNoTextsAreAssigned) {
 TEST_F(MapAssignAll, CustomKeyIsRefusedAndTheRestFreed) {
   map_t target = numbers(0, 5);
   map_t source = numbers(100, 119, table_of(60));
-  put(source, 59, 3, list_of(custom(1)), text("v"));
+  put(source, 59, 9000, list_of(custom(1)), text("v"));
   EXPECT_EQ(error_of([&] { target.assign_all(std::move(source), text("5000 key")); }), CUSTOM_KEY);
   EXPECT_EQ(source.table(), nullptr);
 }

@@ -110,6 +110,7 @@ using MapFirstTable = PlacedKeys;
 TEST_F(MapFirstTable, IsEmptyAndTheOneThatAnInsertionMakes) {
   standin_reset_calls();
   const map_t map = map_t::with_first_table();
+  ASSERT_NE(map.table(), nullptr);
   EXPECT_EQ(standin_calls(STANDIN_ALLOCATE_MAP), 1);
   EXPECT_EQ(standin_calls_total(), 1);
   EXPECT_EQ(counts_of(map), (counts_t{0, map_t::FIRST_CAPACITY, 0}));
