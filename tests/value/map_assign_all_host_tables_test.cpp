@@ -1,6 +1,6 @@
 // Assigning all entries of another map when a host has made one of the two maps, with a head that
-// tells lies or more entries than this side would put into a table. Text keys hash to the number that
-// they start with.
+// tells lies or more entries than this side would put into a table. Text keys hash to the number
+// that they start with.
 #include <gtest/gtest.h>
 
 #include <string>
