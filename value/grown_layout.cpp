@@ -59,7 +59,7 @@ bool GrownLayout::insert_from(std::size_t entry, slots_t& slots, slots_t& spare,
   if (met) return false;
   if (!full) {
     capacity_ = CAPACITY;
-    last_ = &slots;
+    last_ = &slots == slots_.data() ? 0 : 1;
     return true;
   }
   if constexpr (CAPACITY == LARGEST) {
@@ -88,7 +88,7 @@ std::size_t GrownLayout::slot_for(std::uint64_t hash, const slots_t& slots,
 }
 
 void GrownLayout::fill(map_slot_t* slots) const noexcept {
-  const number_t* entry = last_->data();
+  const number_t* entry = slots_[last_].data();
   for (const map_slot_t* const end = slots + capacity_; slots != end; ++slots, ++entry) {
     if (*entry == FREE) continue;
     std::memcpy(static_cast<void*>(slots), &entries_[*entry], sizeof entries_[*entry]);

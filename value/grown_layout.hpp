@@ -1,6 +1,6 @@
-// Where entries come to lie in a table that grows while they are inserted one after the other, found
-// without a table, so that it need be made only once, in its last size. The sizes on the way matter:
-// each time a table grows, its entries are placed anew in the order of its slots.
+// Where entries come to lie in a table that grows while they are inserted one after the other,
+// found without a table, so that it need be made only once, in its last size. The sizes on the way
+// matter: each time a table grows, its entries are placed anew in the order of its slots.
 //
 //   entries   0 .. count-1         as they lie in the tables that they come from, in the order of
 //                                  insertion; still owned there
@@ -29,7 +29,7 @@ class GrownLayout {
   [[nodiscard]] static bool knows(std::int64_t capacity) noexcept;
 
   // A table of a known size, without entries.
-  explicit GrownLayout(std::int64_t capacity) noexcept; // NOLINT(*-member-init): see count_
+  explicit GrownLayout(std::int64_t capacity) noexcept;
 
   // The next entry lies in `slot` of that table already. For all of those, before any other.
   void lie(const map_entry_t& entry, std::int64_t slot) noexcept {
@@ -41,12 +41,13 @@ class GrownLayout {
     std::memcpy(&entries_[count_++], &entry, sizeof entry);
   }
 
-  // Inserts what follows, growing as often as that takes, and once more if that is what the insertion
-  // of an entry of the hash `next` would begin with. False when an entry meets another of its hash,
-  // which may be one of the same key, or the table outgrows the known sizes, as it does at once when
-  // more lie in it than insertion would leave there; the layout means nothing then.
+  // Inserts what follows, growing as often as that takes, and once more if that is what the
+  // insertion of an entry of the hash `next` would begin with. False when an entry meets another of
+  // its hash, which may be one of the same key, or the table outgrows the known sizes, as it does at
+  // once when more lie in it than insertion would leave there; the layout means nothing then.
   [[nodiscard]] bool insert_all(std::uint64_t next) noexcept;
 
+  [[nodiscard]] std::int64_t count() const noexcept { return static_cast<std::int64_t>(count_); }
   // The size of the table in the end.
   [[nodiscard]] std::int64_t capacity() const noexcept {
     return static_cast<std::int64_t>(capacity_);
@@ -56,8 +57,8 @@ class GrownLayout {
   void fill(map_slot_t* slots) const noexcept;
 
  private:
-  // Not a character: those could be part of anything, so that all else would be read again after each
-  // that is written.
+  // Not a character: those could be part of anything, so that all else would be read again after
+  // each that is written.
   using number_t = std::uint16_t;
   using slots_t = std::array<number_t, 72>;
   static constexpr number_t FREE = 0xFFFF;
@@ -72,7 +73,7 @@ class GrownLayout {
   std::size_t capacity_;
   std::size_t lying_ = 0;
   std::size_t count_ = 0;
-  const slots_t* last_ = nullptr; // the slots in the end
+  std::size_t last_ = 0; // which slots are those in the end
   std::array<slots_t, 2> slots_;
   std::array<vlt_underlying_map_table_entry_t, MOST> entries_; // the first `count_` mean something
 };

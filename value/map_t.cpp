@@ -241,9 +241,9 @@ void map_t::assign_all(map_t&& others, key_ref next) {
   std::move(rest).drain([this](map_entry_t&& entry) { assign(std::move(entry)); });
 }
 
-// Lays out the table that inserting them one after the other would lead to, makes it, or uses that of
-// `rest`, and moves the entries there. False, and nothing has changed, when the table need not grow,
-// and for entries that only their keys can tell: those of equal hashes, and keys that are no texts.
+// False, and nothing has changed, when the table need not grow or has too few entries for this to
+// save time, and for entries that only their keys can tell: those of equal hashes, and keys that are
+// no texts.
 bool map_t::assign_all_at_once(map_t& rest, key_ref next) {
   constexpr std::size_t LEAST = 14; // fewer are inserted in the time that it takes to lay them out
   const std::size_t count = size() + rest.size();
@@ -252,31 +252,44 @@ bool map_t::assign_all_at_once(map_t& rest, key_ref next) {
   if (!table_rules::is_due_to_grow(capacity(), static_cast<std::int64_t>(count))) return false;
 
   GrownLayout layout(capacity());
-  std::size_t seen = 0;
+  if (!lay_out(rest, count, layout) || !layout.insert_all(next.hash)) return false;
+  rebuild(layout, rest);
+  return true;
+}
+
+// Enters the entries of this map and of `rest` into the layout. False when there are more than
+// `count`, or what cannot be laid out: heads of tables may claim fewer entries than there are.
+bool map_t::lay_out(const map_t& rest, std::size_t count, GrownLayout& layout) const noexcept {
   for (std::int64_t i = 0; i < capacity(); ++i) {
     const map_slot_t& slot = slots()[i];
     if (slot.is_free()) continue;
-    // The head counts fewer deletions or entries than there are.
-    if (!slot.is_live() || ++seen > count) return false;
+    if (!slot.is_live() || count-- == 0) return false;
     layout.lie(slot, i);
   }
   for (std::int64_t i = 0; i < rest.capacity(); ++i) {
     const map_slot_t& slot = rest.slots()[i];
     if (!slot.is_live()) continue;
-    if (!slot.key.is_string() || ++seen > count) return false;
+    if (!slot.key.is_string() || count-- == 0) return false;
     layout.follow(slot);
   }
-  if (!layout.insert_all(next.hash)) return false;
+  return true;
+}
 
-  map_t made(layout.capacity() == rest.capacity() ? nullptr : vlt_allocate_map(layout.capacity()));
-  if (made.table_ == nullptr && layout.capacity() != rest.capacity()) throw std::bad_alloc();
+// Makes the table of the layout, or takes that of `rest` if it has the size, and moves the entries
+// of both maps there.
+void map_t::rebuild(const GrownLayout& layout, map_t& rest) {
+  map_t made;
+  const bool takes_that_of_rest = rest.capacity() == layout.capacity();
+  if (!takes_that_of_rest) {
+    made.table_ = vlt_allocate_map(layout.capacity());
+    if (made.table_ == nullptr) throw std::bad_alloc();
+  }
   make_all_free();
   rest.make_all_free();
-  if (made.table_ == nullptr) std::swap(made.table_, rest.table_);
+  if (takes_that_of_rest) std::swap(made.table_, rest.table_);
   layout.fill(made.slots());
-  made.table_->live = static_cast<std::int64_t>(seen);
+  made.table_->live = layout.count();
   *this = std::move(made);
-  return true;
 }
 
 // ---- erasing

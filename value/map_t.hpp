@@ -41,6 +41,7 @@
 namespace com::velanto::connectivity {
 
 class data_t;
+class GrownLayout;
 class hashed_key_t;
 struct map_entry_t;
 struct map_slot_t;
@@ -126,10 +127,10 @@ class map_t {
   // value/map_slot.hpp.
   void add_to_first_table(std::uint64_t hash, data_t&& key, data_t&& value) noexcept;
 
-  // As assign for each entry of `others` in the order of iteration, but where the table would grow on
-  // the way it is made once, in its last size. `next` is a key that will be inserted right after: a
-  // growth that this leads to is included. Consumes `others`. Throws as assign does; what has not been
-  // assigned then is freed.
+  // As assign for each entry of `others` in the order of iteration, but where a table of some size
+  // would grow on the way it is made once, in its last size. `next` is a key that will be inserted
+  // right after: such a table has room for it. Consumes `others`. Throws as assign does; what has not
+  // been assigned then is freed.
   void assign_all(map_t&& others, key_ref next);
 
   // The workers of the inserts: one copies key and value, the other moves them. Only the moving one
@@ -208,6 +209,8 @@ class map_t {
   void grow();
   std::int64_t place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value);
   [[nodiscard]] bool assign_all_at_once(map_t& rest, key_ref next);
+  bool lay_out(const map_t& rest, std::size_t count, GrownLayout& layout) const noexcept;
+  void rebuild(const GrownLayout& layout, map_t& rest);
   void vacate(map_slot_t& slot) noexcept;
   void make_all_free() noexcept;
   void put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept;
