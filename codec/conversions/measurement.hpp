@@ -28,7 +28,7 @@ class MeasurementMessageBuilder final : public TivraMessageBuilder {
   [[nodiscard]] boost::optional<std::pair<data_t, data_t>> tryAddMeasurementFragment(
       std::pair<data_t, data_t>&& entry);
   // The same for the value of an entry: whether its series were taken.
-  [[nodiscard]] bool tryAddFragment(data_t& value, SpareParts&& spares = SpareParts());
+  [[nodiscard]] bool tryAddFragment(data_t& candidate, SpareParts&& spares = SpareParts());
 
   // Whether every entry is a map that is a valid series value. True for no entries at all.
   [[nodiscard]] static bool isValidFragment(map_t const& fragment);

@@ -83,10 +83,10 @@ TEST_F(Builder, NewMetadataIsAddedBesideTheTypeAndMoved) {
   data_t value = list_of(whole(1));
   const std::uint64_t value_block = block_of(value);
   auto builder = std::make_unique<PlainBuilder>();
-  map_entry_t channel = DATA_T_vltDOTchannel.with(std::move(value));
-  const std::uint64_t key_block = block_of(channel.key);
+  data_t key = DATA_T_vltDOTchannel.copy();
+  const std::uint64_t key_block = block_of(key);
   standin_reset_calls();
-  builder->addToMetadata(std::move(channel));
+  builder->addToMetadata(DATA_T_vltDOTchannel.hash(), std::move(key), std::move(value));
   EXPECT_EQ(standin_calls_total(), 0) << "neither hashed nor copied";
   Message message = TivraMessageBuilder::getResult(std::move(builder));
   map_t& metadata = message.getMetadataMap();
@@ -98,7 +98,7 @@ TEST_F(Builder, NewMetadataIsAddedBesideTheTypeAndMoved) {
 
 TEST_F(Builder, MetadataThatWasAddedCanBeReplaced) {
   auto builder = std::make_unique<PlainBuilder>();
-  builder->addToMetadata(DATA_T_vltDOTchannel.with(text("one")));
+  builder->addToMetadata(DATA_T_vltDOTchannel.hash(), DATA_T_vltDOTchannel.copy(), text("one"));
   builder->insertIntoMetadata(text("vlt.channel"), text("two"));
   const Message message = TivraMessageBuilder::getResult(std::move(builder));
   EXPECT_TRUE(same(message.getMetadataMap(),
