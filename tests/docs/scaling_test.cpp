@@ -54,7 +54,8 @@ std::string cellOf(const std::string& title, const std::string& row, std::size_t
 TEST_F(ScalingDocument, EveryCommandPrintsWhatIsShown) { expectAsShown(SCALING); }
 
 TEST_F(ScalingDocument, MeasuredFiguresAreThoseOfPerformance) {
-  EXPECT_EQ(defaultOf("alone"), cellOf("Kinds and contenders (ns per message", "plug-in", 0));
+  EXPECT_EQ(defaultOf("alone"),
+            cellOf("Kinds and contenders, batches of 256 (ns per message", "plug-in", 0));
   EXPECT_EQ(defaultOf("crowded"), cellOf("Threads (ns per message and thread)", "plug-in", 1));
 }
 
