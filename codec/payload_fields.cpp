@@ -21,6 +21,7 @@ std::runtime_error unreadableTime(char const* text) {
 }
 
 // Removes the entry that was found under `key` and returns its value; the key is kept for the event.
+// Always inline: there are two callers, and one of them runs half a dozen times a message.
 [[gnu::always_inline]] inline data_t take(map_t& map, const map_entry_t* found,
                                           constant_t const& key, char const* where,
                                           PulsarMessageDisassembler& notification) {

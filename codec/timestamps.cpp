@@ -44,8 +44,11 @@ double secondsSinceEpoch(int year, int month, int day, int hour, int minute, int
 
 // Digits are read eight characters at once, each a byte of a word:
 //
-//   characters   Y Y Y Y - M M -   D D T h h : m m   . . . . . s s .   . . . . m m m .   . ± h h : m m .
-//   from         0                 8                 12                16                18 or 22
+//   characters   Y Y Y Y - M M -   D D T h h : m m   . . . . . s s .
+//   from         0                 8                 12
+//
+//   characters   . . . . m m m .   . ± h h : m m .
+//   from         16                18 or 22
 class EightCharacters {
  public:
   // `digits` has FF for every character that is to be a digit, 00 for those that are not looked at.
