@@ -38,7 +38,7 @@ class GrownLayout {
   }
   // The next entry is to be inserted.
   void follow(const map_entry_t& entry) noexcept {
-    std::memcpy(&entries_[count_++], &entry, sizeof entry);
+    std::memcpy(&entries_[count_++], static_cast<const void*>(&entry), sizeof entry);
   }
 
   // Inserts what follows, growing as often as that takes, and once more if that is what the

@@ -241,9 +241,8 @@ void map_t::assign_all(map_t&& others, key_ref next) {
   std::move(rest).drain([this](map_entry_t&& entry) { assign(std::move(entry)); });
 }
 
-// False, and nothing has changed, when the table need not grow or has too few entries for this to
-// save time, and for entries that only their keys can tell: those of equal hashes, and keys that are
-// no texts.
+// False, and nothing has changed, when the table need not grow, when there are too few entries to
+// save time, and for those that only their keys can tell: equal hashes, and keys that are no texts.
 bool map_t::assign_all_at_once(map_t& rest, key_ref next) {
   constexpr std::size_t LEAST = 14; // fewer are inserted in the time that it takes to lay them out
   const std::size_t count = size() + rest.size();

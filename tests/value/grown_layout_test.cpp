@@ -16,7 +16,7 @@ namespace {
 using hashes_t = std::vector<std::uint64_t>;
 
 constexpr std::size_t MOST = GrownLayout::MOST;
-constexpr std::uint64_t HOME_IN_ALL_SIZES = 16 * 7 * 23 * 9; // a multiple of 8, 16, 28, 46 and 72
+constexpr std::uint64_t HOME_IN_ALL_SIZES = 16UL * 7 * 23 * 9; // a multiple of 8, 16, 28, 46 and 72
 constexpr std::uint64_t ABSENT = 987'654'321;
 
 hashes_t random_hashes(std::size_t count) {
@@ -132,7 +132,7 @@ TEST_F(GrownLayoutOfEntries, GrowsForTheNextOneWhenItIsNew) {
 }
 
 TEST_F(GrownLayoutOfEntries, LiesAsTheNextOneFindsIt) {
-  for (const std::size_t count : {7, 13, 22, 35}) {
+  for (const std::size_t count : {7U, 13U, 22U, 35U}) {
     SCOPED_TRACE(count);
     const map_t entries = entries_of(crowded_hashes(count));
     map_t expected = inserted(entries, count);
@@ -161,7 +161,7 @@ TEST_F(GrownLayoutOfEntries, NextOneOfAHashThatIsThereIsTriedWithItsKey) {
 }
 
 TEST_F(GrownLayoutOfEntries, EntryThatMeetsItsHashIsTriedWithItsKey) {
-  for (const std::size_t count : {2, 7, 8, 14, 30, 54}) {
+  for (const std::size_t count : {2U, 7U, 8U, 14U, 30U, 54U}) {
     for (std::size_t first = 0; first < count; ++first) {
       for (std::size_t second = first + 1; second < count; ++second) {
         hashes_t hashes = random_hashes(count);
@@ -173,7 +173,7 @@ TEST_F(GrownLayoutOfEntries, EntryThatMeetsItsHashIsTriedWithItsKey) {
 }
 
 TEST_F(GrownLayoutOfEntries, EntryThatMeetsTheHashOfALyingOneIsTriedWithItsKey) {
-  for (const std::size_t lying : {1, 6, 7, 20}) {
+  for (const std::size_t lying : {1U, 6U, 7U, 20U}) {
     for (std::size_t met = 0; met < lying; ++met) {
       hashes_t hashes = crowded_hashes(lying + 3);
       hashes.push_back(hashes[met]);
@@ -183,7 +183,7 @@ TEST_F(GrownLayoutOfEntries, EntryThatMeetsTheHashOfALyingOneIsTriedWithItsKey) 
 }
 
 TEST_F(GrownLayoutOfEntries, LyingEntriesMayBeOfOneHash) {
-  for (const std::size_t lying : {2, 7}) {
+  for (const std::size_t lying : {2U, 7U}) {
     hashes_t hashes = random_hashes(20);
     hashes[1] = hashes[0];
     EXPECT_TRUE(inserts_all(hashes, ABSENT, lying)) << lying;
@@ -198,7 +198,7 @@ TEST_F(GrownLayoutOfEntries, LargestSizeMustHaveRoomForTheNext) {
   const hashes_t most = random_hashes(MOST);
   EXPECT_FALSE(inserts_all(most, ABSENT));
   EXPECT_FALSE(inserts_all(most, most[0]));
-  for (const std::size_t lying : {0, 7, 8, 35, 36, 55})
+  for (const std::size_t lying : {0U, 7U, 8U, 35U, 36U, 55U})
     EXPECT_FALSE(inserts_all(most, ABSENT, lying));
 }
 

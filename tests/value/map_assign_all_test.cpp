@@ -59,13 +59,12 @@ map_t numbers(std::int64_t first, std::int64_t last, map_t&& into = map_t()) {
 // One assignment, the same for the same seed.
 class RandomAssignment {
  public:
-  explicit RandomAssignment(std::uint64_t seed) : random_(seed) {
-    constexpr std::uint64_t RANGES[] = {60, 10'000, 1'000'000, UINT64_MAX / 2};
-    range_ = RANGES[below(4)];
-    has_shared_ = below(4) == 0;
-    has_integers_ = below(6) == 0;
-    has_borrowed_ = below(6) == 0;
-  }
+  explicit RandomAssignment(std::uint64_t seed)
+      : random_(seed),
+        range_(RANGES[below(4)]),
+        has_shared_(below(4) == 0),
+        has_integers_(below(6) == 0),
+        has_borrowed_(below(6) == 0) {}
 
   assignment_t make() {
     assignment_t made;
@@ -85,6 +84,9 @@ class RandomAssignment {
   }
 
  private:
+  // Of hashes: from those that meet often to those that never do.
+  static constexpr std::uint64_t RANGES[] = {60, 10'000, 1'000'000, UINT64_MAX / 2};
+
   std::uint64_t below(std::uint64_t end) { return random_() % end; }
 
   // Of the sizes that tables grow through, or any.
