@@ -10,8 +10,16 @@ namespace com::velanto::connectivity {
 namespace {
 
 // How many entries a table takes before the next one makes it grow.
-constexpr std::size_t room(std::size_t capacity) noexcept { return 3 * capacity / 4 + 1; }
-constexpr std::size_t grown(std::size_t capacity) noexcept { return 2 * room(capacity) + 2; }
+constexpr std::size_t room(std::size_t capacity) noexcept {
+  std::int64_t count = 0;
+  while (!table_rules::is_due_to_grow(static_cast<std::int64_t>(capacity), count)) ++count;
+  return static_cast<std::size_t>(count);
+}
+// The size that it then grows to.
+constexpr std::size_t grown(std::size_t capacity) noexcept {
+  const auto live = static_cast<std::int64_t>(room(capacity));
+  return static_cast<std::size_t>(table_rules::grown_capacity(live));
+}
 
 constexpr std::size_t LARGEST = 72;
 static_assert(room(LARGEST) == GrownLayout::MOST);
@@ -30,7 +38,8 @@ GrownLayout::GrownLayout(std::int64_t capacity) noexcept
 }
 
 bool GrownLayout::insert_all(std::uint64_t next) noexcept {
-  if (lying_ > room(capacity_)) return false;
+  const auto due = static_cast<std::int64_t>(lying_) - 1;
+  if (table_rules::is_due_to_grow(capacity(), due)) return false; // one before would have grown it
   switch (capacity_) {
     case 8:
       return insert_from<8>(lying_, slots_[0], slots_[1], next);
@@ -50,11 +59,12 @@ bool GrownLayout::insert_all(std::uint64_t next) noexcept {
 template <std::size_t CAPACITY>
 bool GrownLayout::insert_from(std::size_t entry, slots_t& slots, slots_t& spare,
                               std::uint64_t next) noexcept {
+  constexpr std::size_t ROOM = room(CAPACITY);
   bool met = false;
-  for (; entry < count_ && entry < room(CAPACITY); ++entry) {
+  for (; entry < count_ && entry < ROOM; ++entry) {
     slots[slot_for<CAPACITY>(entries_[entry].hash, slots, met)] = static_cast<number_t>(entry);
   }
-  const bool full = entry == room(CAPACITY);
+  const bool full = entry == ROOM;
   if (full && entry == count_) static_cast<void>(slot_for<CAPACITY>(next, slots, met));
   if (met) return false;
   if (!full) {

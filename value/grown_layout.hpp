@@ -22,7 +22,7 @@ namespace com::velanto::connectivity {
 
 class GrownLayout {
  public:
-  // The most entries; as many as the table of the largest size takes.
+  // More entries are not laid out: so many fill the table of the largest size.
   static constexpr std::size_t MOST = 55;
 
   // Whether a fresh table grows through this size.

@@ -1,5 +1,5 @@
-// The two rules by which entries are placed in a table, of capacity slots and count entries, and
-// deletions that take up room alike: where probing begins, and when a table grows to what size.
+// The rules of a table that do not depend on what its entries are: where the probing for a key
+// begins, when the table grows, and to what size. They are explained in value/map_t.hpp.
 #ifndef VLT_VALUE_TABLE_RULES_HPP
 #define VLT_VALUE_TABLE_RULES_HPP
 
@@ -32,12 +32,13 @@ inline std::int64_t home_slot(std::uint64_t hash, std::int64_t capacity) noexcep
 }
 
 // Whether the next insertion makes the table grow: capacity × 0.75 < count, in whole numbers.
-inline bool is_due_to_grow(std::int64_t capacity, std::int64_t count) noexcept {
+// `count` is that of entries and of deletions.
+constexpr bool is_due_to_grow(std::int64_t capacity, std::int64_t count) noexcept {
   return capacity == 0 || 3 * capacity < 4 * count;
 }
 
 // The size to which a table with `live` entries grows.
-inline std::int64_t grown_capacity(std::int64_t live) noexcept {
+constexpr std::int64_t grown_capacity(std::int64_t live) noexcept {
   return std::max(2 * live + 2, FIRST_CAPACITY);
 }
 
