@@ -49,15 +49,15 @@ void data_t::copy_text(const char* text) {
 }
 
 data_t::data_t(const data_t& other) : tag_(VLT_TAG_EMPTY) {
-  const bool has_block =
-      (other.owns_block() || other.is_string()) && other.content_.string != nullptr;
+  // Nearly every copy is one of a text; asked first.
+  if (other.is_string() && other.content_.string != nullptr) {
+    copy_text(other.content_.string);
+    return;
+  }
+  const bool has_block = other.owns_block() && other.content_.string != nullptr;
   if (!has_block) { // Nothing behind the pointer or no pointer at all: the bits are the value.
     std::memcpy(static_cast<void*>(this), static_cast<const void*>(&other), sizeof *this);
     if (is_string()) tag_ = VLT_TAG_STRING;
-    return;
-  }
-  if (other.is_string()) {
-    copy_text(other.content_.string);
     return;
   }
   const vlt_underlying_data_t copied = vlt_copy_data(other.underlying());

@@ -24,9 +24,7 @@ class hashed_key_t : public data_t {
   // A value of its own. Throws std::bad_alloc.
   [[nodiscard]] data_t copy() const {
     const data_t& key = *this;
-    const char* const text = underlying()->value.string;
-    const bool is_plain = key.type_tag() == VLT_TAG_STRING && text != nullptr;
-    return is_plain ? data_t(text) : key; // a shorter way to the same for nearly all
+    return key;
   }
   // The entry of `value` under such a copy.
   [[nodiscard]] map_entry_t with(data_t&& value) const { return {hash_, copy(), std::move(value)}; }
