@@ -39,6 +39,14 @@ class MapAssignAllOfHosts : public PlacedKeys {
     for (std::int64_t i = 0; i < in_source; ++i) expect_there(target, 1000 + i);
   }
 
+  // A source of `count` entries whose head claims another number goes into a small target.
+  static void expect_source_taken(std::int64_t capacity, std::int64_t count, std::int64_t claimed) {
+    SCOPED_TRACE(claimed);
+    map_t source = host_table(capacity, 1000, count);
+    head_of(source).live = claimed;
+    expect_all_assigned(host_table(8, 0, 5), 5, std::move(source), count);
+  }
+
  private:
   static void expect_there(const map_t& map, std::int64_t number) {
     const data_t* const value = map.find_value(data_t(std::to_string(number).c_str()));
@@ -48,30 +56,15 @@ class MapAssignAllOfHosts : public PlacedKeys {
 };
 
 TEST_F(MapAssignAllOfHosts, SourceMayClaimFewerEntriesThanItHas) {
-  for (const std::int64_t live : {0, 1, 14, 19, 39}) {
-    SCOPED_TRACE(live);
-    map_t source = host_table(64, 1000, 40);
-    head_of(source).live = live;
-    expect_all_assigned(host_table(8, 0, 5), 5, std::move(source), 40);
-  }
+  for (const std::int64_t claimed : {0, 1, 14, 19, 39}) expect_source_taken(64, 40, claimed);
 }
 
 TEST_F(MapAssignAllOfHosts, SourceMayHaveMoreEntriesThanALayoutTakesAndClaimFewer) {
-  for (const std::int64_t live : {20, 50, 51}) {
-    SCOPED_TRACE(live);
-    map_t source = host_table(300, 1000, 300);
-    head_of(source).live = live;
-    expect_all_assigned(host_table(8, 0, 5), 5, std::move(source), 300);
-  }
+  for (const std::int64_t claimed : {20, 50, 51}) expect_source_taken(300, 300, claimed);
 }
 
 TEST_F(MapAssignAllOfHosts, SourceMayClaimMoreEntriesThanItHas) {
-  for (const std::int64_t live : {11, 20, 50, 51, 1000}) {
-    SCOPED_TRACE(live);
-    map_t source = host_table(64, 1000, 10);
-    head_of(source).live = live;
-    expect_all_assigned(host_table(8, 0, 5), 5, std::move(source), 10);
-  }
+  for (const std::int64_t claimed : {11, 20, 50, 51, 1000}) expect_source_taken(64, 10, claimed);
 }
 
 TEST_F(MapAssignAllOfHosts, TargetMayClaimFewerEntriesThanItHas) {
