@@ -18,7 +18,7 @@
 
 namespace com::velanto::connectivity::bench {
 
-// One message a line, as tools/ndjson reads them.
+// One message a line, as ndjson/ reads them.
 using lines_t = std::vector<std::string>;
 
 // Which message stands where in a batch.

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <new>
 
+#include "ndjson/json_reader.hpp"
+#include "ndjson/json_writer.hpp"
 #include "standin/standin.h"
-#include "tools/ndjson/json_reader.hpp"
-#include "tools/ndjson/json_writer.hpp"
 
 namespace com::velanto::connectivity::bench {
 
@@ -87,7 +87,7 @@ LogCapture* innermost = nullptr;
 } // namespace
 
 messages_t readMessages(const lines_t& lines, tables_t tables) {
-  tools::JsonReader reader;
+  JsonReader reader;
   Rebuilder rebuilder(tables);
   messages_t messages;
   messages.reserve(lines.size());
@@ -115,7 +115,7 @@ void releaseMessages(messages_t& messages, std::size_t first, std::size_t end) n
 
 std::string renderMessage(const Message& message) {
   std::string text;
-  tools::writeJson(text, message);
+  writeJson(text, message);
   return text;
 }
 

@@ -20,7 +20,7 @@ enum class tables_t {
           // fifths full: taken in the order of slots, the second half runs into the first
 };
 
-// The messages that the lines stand for. Throws tools::MalformedJson, std::bad_alloc.
+// The messages that the lines stand for. Throws MalformedJson, std::bad_alloc.
 [[nodiscard]] messages_t readMessages(const lines_t& lines, tables_t tables);
 
 // Deep copies into `copies`, in `order`; all three are of one size. Throws std::bad_alloc.

@@ -10,7 +10,7 @@
 #include "bench/report/json_report.hpp"
 #include "bench/report/svg_chart.hpp"
 #include "bench/report/tables.hpp"
-#include "tools/plugin_host/plugin_library.hpp"
+#include "tools/host/plugin_library.hpp"
 
 namespace {
 

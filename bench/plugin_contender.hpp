@@ -4,7 +4,7 @@
 #define VLT_BENCH_PLUGIN_CONTENDER_HPP
 
 #include "bench/host_messages.hpp"
-#include "tools/plugin_host/hosted_plugin.hpp"
+#include "tools/host/hosted_plugin.hpp"
 
 namespace com::velanto::connectivity::bench {
 

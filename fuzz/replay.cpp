@@ -12,16 +12,16 @@
 #include <string_view>
 
 #include "fuzz/finding.hpp"
+#include "ndjson/json_reader.hpp"
+#include "ndjson/json_writer.hpp"
 #include "standin/standin.h"
-#include "tools/ndjson/json_reader.hpp"
-#include "tools/ndjson/json_writer.hpp"
 
 namespace fuzz = com::velanto::connectivity::fuzz;
 using com::velanto::connectivity::data_t;
+using com::velanto::connectivity::JsonReader;
+using com::velanto::connectivity::MalformedJson;
 using com::velanto::connectivity::Message;
-using com::velanto::connectivity::tools::JsonReader;
-using com::velanto::connectivity::tools::MalformedJson;
-using com::velanto::connectivity::tools::writeJson;
+using com::velanto::connectivity::writeJson;
 
 namespace {
 

@@ -37,6 +37,33 @@ class CheckLayersTest(unittest.TestCase):
         )
         self.assertEqual(["plugin/entry.cpp:2: plugin/ must not include codec/codec.hpp"], errors)
 
+    def test_a_layer_in_a_folder_has_rules_of_its_own(self):
+        self.assertEqual(
+            (
+                [
+                    "tools/replay/input/lines.hpp:1: tools/replay/input/ must not include "
+                    "tools/replay/running/team.hpp",
+                    "tools/replay/running/team.hpp:1: tools/replay/running/ must not include "
+                    "tools/replay/replay.hpp",
+                ],
+                [],
+            ),
+            self.report(
+                tools__replay__replay_dot_hpp="\n",
+                tools__replay__replay_dot_cpp='#include "tools/replay/input/lines.hpp"\n',
+                tools__replay__input__lines_dot_hpp='#include "tools/replay/running/team.hpp"\n',
+                tools__replay__running__team_dot_hpp='#include "tools/replay/replay.hpp"\n',
+            ),
+        )
+
+    def test_what_is_below_a_lower_layer_is_granted(self):
+        self.assertEqual(
+            ([], []),
+            self.report(
+                host__types_dot_h="\n", codec__codec_dot_cpp='#include "host/types.h"\n'
+            ),
+        )
+
     def test_fuzz_takes_models_from_the_tests_and_nobody_takes_from_fuzz(self):
         self.assertEqual(
             (["tests/a_test.cpp:1: tests/ must not include fuzz/finding.hpp"], []),

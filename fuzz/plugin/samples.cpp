@@ -6,7 +6,7 @@
 #include <set>
 
 #include "fuzz/finding.hpp"
-#include "tools/ndjson/json_reader.hpp"
+#include "ndjson/json_reader.hpp"
 
 namespace com::velanto::connectivity::fuzz {
 
@@ -49,7 +49,7 @@ samples_t read() {
                                  "vlt.channel",
                                  "params",
                                  "position"};
-  tools::JsonReader reader;
+  JsonReader reader;
   for (const std::filesystem::path& path : files()) {
     std::ifstream lines(path);
     auto& messages = path.filename() == "failing.ndjson" ? result.failing : result.messages;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "tools/check_plugin/same_content.hpp"
+#include "tools/check/same_content.hpp"
 #include "value/get_visitor.hpp"
 #include "value/to_string.hpp"
 

@@ -8,8 +8,8 @@
 #include <memory>
 #include <set>
 
+#include "ndjson/json_reader.hpp"
 #include "tests/conformance/case_runner.hpp"
-#include "tools/ndjson/json_reader.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {
@@ -25,7 +25,7 @@ struct file_t {
   std::vector<line_t> lines;
 };
 
-line_t readLine(tools::JsonReader& reader, const std::string& text, const place_t& place) {
+line_t readLine(JsonReader& reader, const std::string& text, const place_t& place) {
   try {
     data_t json = reader.parseValue(text);
     return {readCase(json).name, place, std::move(json)};
@@ -36,7 +36,7 @@ line_t readLine(tools::JsonReader& reader, const std::string& text, const place_
 
 file_t readFile(const std::filesystem::path& path) {
   std::ifstream input(path);
-  tools::JsonReader reader;
+  JsonReader reader;
   file_t file{path.stem().string(), {}};
   std::set<std::string> names;
   std::string text;

@@ -2,17 +2,17 @@
 // the data files worthless.
 #include <gtest/gtest.h>
 
+#include "ndjson/json_reader.hpp"
 #include "tests/conformance/case.hpp"
 #include "tests/conformance/comparison.hpp"
 #include "tests/support/values.hpp"
-#include "tools/ndjson/json_reader.hpp"
 #include "value/hashes.hpp"
 #include "value/map_slot.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {
 
-data_t json(const char* written) { return tools::JsonReader().parseValue(written); }
+data_t json(const char* written) { return JsonReader().parseValue(written); }
 
 // The difference between two values that are written as in a data file.
 std::string between(const char* expected, const char* actual) {

@@ -4,8 +4,8 @@
 #include <new>
 #include <vector>
 
+#include "ndjson/make_list.hpp"
 #include "tests/support/values.hpp"
-#include "tools/host_library.hpp"
 #include "value/hashes.hpp"
 #include "value/map_slot.hpp"
 
@@ -121,7 +121,7 @@ data_t ValueDecoder::decodeMarker(const std::string& marker, const data_t& argum
 data_t ValueDecoder::decodeList(const list_t& list) {
   std::vector<data_t> elements;
   for (const data_t& element : list) elements.push_back(decode(element));
-  return tools::makeList(std::move(elements));
+  return makeList(std::move(elements));
 }
 
 map_t ValueDecoder::insertedMap(const list_t& pairs) {

@@ -8,15 +8,15 @@
 #include <utility>
 #include <vector>
 
+#include "ndjson/json_writer.hpp"
 #include "tests/support/plugin_library.hpp"
-#include "tools/ndjson/json_writer.hpp"
 
 namespace com::velanto::connectivity::test {
 
 // A message as the tool prints it.
 inline std::string json(const Message& message) {
   std::string text;
-  tools::writeJson(text, message);
+  writeJson(text, message);
   return text;
 }
 

@@ -8,13 +8,13 @@
 #include <fstream>
 #include <set>
 
+#include "ndjson/json_reader.hpp"
 #include "tests/conformance/case.hpp"
 #include "tests/docs/chain.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/stderr_capture.hpp"
 #include "tests/support/values.hpp"
-#include "tools/ndjson/json_reader.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -108,7 +108,7 @@ class EventSchemaTest : public HostFixture {
   }
 
   EventSchema schema_;
-  tools::JsonReader reader_;
+  JsonReader reader_;
   std::set<std::string> seen_;
 };
 

@@ -4,11 +4,11 @@
 
 #include <set>
 
+#include "ndjson/json_reader.hpp"
 #include "tests/docs/chain.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"
-#include "tools/ndjson/json_reader.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -45,7 +45,7 @@ class Fields : public HostFixture {
     EXPECT_TRUE(isMessage(reached[0], reader_.parseMessage(example.output)));
   }
 
-  tools::JsonReader reader_;
+  JsonReader reader_;
 };
 
 } // namespace

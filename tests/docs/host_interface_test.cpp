@@ -10,11 +10,11 @@
 #include <optional>
 #include <set>
 
+#include "ndjson/json_reader.hpp"
 #include "tests/conformance/case.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/end_to_end/loaded_codec.hpp"
 #include "tests/support/pattern.hpp"
-#include "tools/ndjson/json_reader.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -119,7 +119,7 @@ class HostInterface : public HostFixture {
   static void lookAtNothing(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {}
 
   std::map<std::string, names_t> phases_;
-  tools::JsonReader reader_;
+  JsonReader reader_;
 };
 
 } // namespace

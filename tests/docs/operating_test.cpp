@@ -8,11 +8,11 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "ndjson/json_reader.hpp"
 #include "tests/conformance/case.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/end_to_end/loaded_codec.hpp"
 #include "tests/support/allocations.hpp"
-#include "tools/ndjson/json_reader.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -194,7 +194,7 @@ class Operating : public HostFixture {
   }
 
   PluginLibrary library_{VLT_PLUGIN_PATH};
-  tools::JsonReader reader_;
+  JsonReader reader_;
   Documented documented_;
 };
 

@@ -7,7 +7,7 @@
 
 #include "tests/docs/console.hpp"
 #include "tests/support/pattern.hpp"
-#include "tools/replay/options.hpp"
+#include "tools/options/replay_options.hpp"
 
 namespace com::velanto::connectivity::test {
 

@@ -6,12 +6,12 @@
 #include <filesystem>
 #include <set>
 
+#include "ndjson/json_reader.hpp"
 #include "tests/docs/chain.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/stderr_capture.hpp"
 #include "tests/support/values.hpp"
-#include "tools/ndjson/json_reader.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -21,7 +21,7 @@ class Samples : public HostFixture {
  protected:
   // What reaches the host of the sample file `name`, in a chain with the replay tool's defaults.
   std::vector<Message> replay(const std::string& name) {
-    tools::JsonReader reader;
+    JsonReader reader;
     std::vector<Message> batch;
     for (const std::string& line : readDocument("samples/" + name).lines) {
       batch.push_back(reader.parseMessage(line));

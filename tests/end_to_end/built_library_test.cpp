@@ -10,7 +10,7 @@
 
 #include "tests/end_to_end/elf_file.hpp"
 #include "tests/support/pattern.hpp"
-#include "tools/plugin_host/interface_names.hpp"
+#include "tools/host/interface_names.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {

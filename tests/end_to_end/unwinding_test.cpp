@@ -10,7 +10,7 @@
 
 #include "tests/end_to_end/machine_code.hpp"
 #include "tests/end_to_end/unwind_table.hpp"
-#include "tools/plugin_host/interface_names.hpp"
+#include "tools/host/interface_names.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {

@@ -14,7 +14,7 @@
 #include "tests/support/pattern.hpp"
 #include "tests/tools/elapsed.hpp"
 #include "tests/tools/temporary_folder.hpp"
-#include "tools/plugin_host/interface_names.hpp"
+#include "tools/host/interface_names.hpp"
 
 namespace com::velanto::connectivity::test {
 

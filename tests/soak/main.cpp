@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
+#include "ndjson/json_reader.hpp"
 #include "tests/soak/watch.hpp"
-#include "tools/ndjson/json_reader.hpp"
 
 namespace com::velanto::connectivity::soak {
 namespace {
@@ -23,11 +23,11 @@ namespace {
 void readInto(std::vector<Message>& messages, const std::string& path) {
   std::ifstream file(path);
   if (!file) throw std::runtime_error("cannot read " + path);
-  tools::JsonReader reader;
+  JsonReader reader;
   for (std::string line; std::getline(file, line);) {
     try {
       messages.push_back(reader.parseMessage(line));
-    } catch (const tools::MalformedJson&) { // NOLINT(bugprone-empty-catch): no message, not sent
+    } catch (const MalformedJson&) { // NOLINT(bugprone-empty-catch): no message, not sent
     }
   }
 }

@@ -4,8 +4,8 @@
 #include <array>
 #include <stdexcept>
 
+#include "ndjson/json_writer.hpp"
 #include "standin/standin.h"
-#include "tools/ndjson/json_writer.hpp"
 
 namespace com::velanto::connectivity::soak {
 
@@ -73,7 +73,7 @@ void Traffic::send(tools::Direction direction, std::size_t batch_size) {
 void Traffic::add(const Message* start, const Message* end, std::int64_t& reached) {
   for (const Message* message = start; message != end; ++message) {
     text_.clear();
-    tools::writeJson(text_, *message);
+    writeJson(text_, *message);
     figures_.digest = mixed(figures_.digest, text_);
     ++reached;
   }

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "tests/soak/figures.hpp"
-#include "tools/plugin_host/hosted_plugin.hpp"
+#include "tools/host/hosted_plugin.hpp"
 
 namespace com::velanto::connectivity::soak {
 

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "tools/ndjson/json_reader.hpp"
+#include "ndjson/json_reader.hpp"
 #include "value/message.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -28,7 +28,7 @@ inline std::vector<sample_t> readSamples() {
   }
   if (files.empty()) throw std::runtime_error("no samples in " VLT_SAMPLES);
   std::sort(files.begin(), files.end());
-  tools::JsonReader reader;
+  JsonReader reader;
   std::vector<sample_t> samples;
   for (const std::filesystem::path& path : files) {
     std::ifstream file(path);

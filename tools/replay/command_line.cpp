@@ -16,10 +16,10 @@
 #include <variant>
 #include <vector>
 
-#include "tools/plugin_host/plugin_library.hpp"
-#include "tools/replay/configuration.hpp"
-#include "tools/replay/help.hpp"
+#include "tools/host/plugin_library.hpp"
+#include "tools/options/help.hpp"
 #include "tools/replay/replay.hpp"
+#include "tools/replay/running/configuration.hpp"
 #include "tools/replay/suite.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -160,6 +160,9 @@ int runReplay(int count, const char* const* arguments, std::ostream& out, std::o
   } catch (const ReplayError& error) {
     diagnostics << REPLAY_NAME << ": " << error.what() << '\n';
     return error.status();
+  } catch (const PluginError& error) {
+    diagnostics << REPLAY_NAME << ": " << error.what() << '\n';
+    return EXIT_PLUGIN;
   } catch (const std::exception& error) {
     diagnostics << REPLAY_NAME << ": " << error.what() << '\n';
     return EXIT_IO;

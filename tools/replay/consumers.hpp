@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
-#include "tools/replay/dead_letters.hpp"
-#include "tools/replay/diagnostics.hpp"
-#include "tools/replay/event_writer.hpp"
-#include "tools/replay/expectation.hpp"
-#include "tools/replay/figures.hpp"
-#include "tools/replay/golden.hpp"
-#include "tools/replay/options.hpp"
-#include "tools/replay/summary.hpp"
+#include "tools/options/replay_options.hpp"
+#include "tools/replay/comparing/expectation.hpp"
+#include "tools/replay/summary/figures.hpp"
+#include "tools/replay/summary/summary.hpp"
+#include "tools/replay/writing/dead_letters.hpp"
+#include "tools/replay/writing/diagnostics.hpp"
+#include "tools/replay/writing/event_writer.hpp"
+#include "tools/replay/writing/golden.hpp"
 
 namespace com::velanto::connectivity::tools {
 

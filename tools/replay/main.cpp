@@ -6,7 +6,7 @@
 #include <iostream>
 
 #include "tools/replay/command_line.hpp"
-#include "tools/replay/interruption.hpp"
+#include "tools/replay/input/interruption.hpp"
 
 int main(int argc, char** argv) {
   // A reader that goes away is then an error of the write, which is reported.

@@ -7,15 +7,15 @@
 #include <cstdint>
 #include <string_view>
 
-#include "tools/host_library.hpp"
-#include "tools/replay/against.hpp"
-#include "tools/replay/configuration.hpp"
+#include "tools/explain/explainer.hpp"
+#include "tools/host/host_library.hpp"
+#include "tools/host/log_capture.hpp"
+#include "tools/replay/comparing/against.hpp"
 #include "tools/replay/consumers.hpp"
-#include "tools/replay/crew.hpp"
-#include "tools/replay/explain/explainer.hpp"
-#include "tools/replay/interruption.hpp"
-#include "tools/replay/log_capture.hpp"
-#include "tools/replay/progress.hpp"
+#include "tools/replay/input/interruption.hpp"
+#include "tools/replay/running/configuration.hpp"
+#include "tools/replay/running/crew.hpp"
+#include "tools/replay/writing/progress.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -92,8 +92,7 @@ void Replay::setLevel() {
 // The plug-in's whole life. An error ends it without the rest of the input and without shutdown.
 void Replay::drive(const std::vector<input_t>& inputs) {
   const LogCapture capture;
-  const PluginLibrary library =
-      failingWith(EXIT_PLUGIN, [this] { return PluginLibrary(options_.plugin_path); });
+  const PluginLibrary library(options_.plugin_path);
   std::optional<Against> against;
   if (options_.against) {
     consumers_.add(
@@ -110,7 +109,7 @@ void Replay::drive(const std::vector<input_t>& inputs) {
     crew.emplace(library, configurationOf(options_), direction_,
                  worker_options_t{options_.batch_size, true},
                  crew_options_t{options_.threads, options_.explain.has_value()}, log);
-  } catch (const ReplayError&) {
+  } catch (const PluginError&) {
     consumers_.takeLog(log); // it says why
     throw;
   }
@@ -243,6 +242,9 @@ int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std
   } catch (const ReplayError& e) {
     diagnostics << REPLAY_NAME << ": " << e.what() << '\n';
     return e.status();
+  } catch (const PluginError& e) {
+    diagnostics << REPLAY_NAME << ": " << e.what() << '\n';
+    return EXIT_PLUGIN;
   } catch (const std::exception& e) {
     diagnostics << REPLAY_NAME << ": " << e.what() << '\n';
     return EXIT_IO;

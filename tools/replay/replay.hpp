@@ -12,10 +12,10 @@
 #include <ostream>
 #include <vector>
 
-#include "tools/replay/exit_status.hpp"
-#include "tools/replay/inputs.hpp"
-#include "tools/replay/options.hpp"
-#include "tools/replay/terminal.hpp"
+#include "tools/options/exit_status.hpp"
+#include "tools/options/replay_options.hpp"
+#include "tools/replay/input/inputs.hpp"
+#include "tools/replay/writing/terminal.hpp"
 
 namespace com::velanto::connectivity::tools {
 

@@ -7,8 +7,8 @@
 #include <streambuf>
 #include <system_error>
 
-#include "tools/replay/junit.hpp"
 #include "tools/replay/replay.hpp"
+#include "tools/replay/writing/junit.hpp"
 
 namespace com::velanto::connectivity::tools {
 

@@ -4,7 +4,7 @@
 
 #include <ostream>
 
-#include "tools/replay/options.hpp"
+#include "tools/options/replay_options.hpp"
 
 namespace com::velanto::connectivity::tools {
 

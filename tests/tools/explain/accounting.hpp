@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/replay/explain/fates.hpp"
-#include "tools/replay/explain/trace.hpp"
+#include "tools/explain/fates.hpp"
+#include "tools/explain/trace.hpp"
 
 namespace com::velanto::connectivity::test {
 

@@ -1,8 +1,8 @@
-#include "tools/replay/explain/alike.hpp"
+#include "tools/explain/alike.hpp"
 
 #include <gtest/gtest.h>
 
-#include "tools/replay/columns.hpp"
+#include "tools/record/columns.hpp"
 
 namespace com::velanto::connectivity::test {
 

@@ -1,11 +1,11 @@
-#include "tools/replay/explain/change.hpp"
+#include "tools/explain/change.hpp"
 
 #include <limits>
 
+#include "ndjson/json_reader.hpp"
+#include "ndjson/json_writer.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"
-#include "tools/ndjson/json_reader.hpp"
-#include "tools/ndjson/json_writer.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -20,19 +20,19 @@ class ChangeTest : public HostFixture {
     if (*value != '\0') change.value = reader_.parseValue(value);
     tools::apply(message, change);
     std::string json;
-    tools::writeJson(json, message);
+    writeJson(json, message);
     return json;
   }
   std::string changesOf(const std::string& json) {
     std::string text;
     for (const data_t& value : tools::changedValues(reader_.parseValue(json))) {
       if (!text.empty()) text += ' ';
-      tools::writeJson(text, value);
+      writeJson(text, value);
     }
     return text;
   }
 
-  tools::JsonReader reader_;
+  JsonReader reader_;
 };
 
 const tools::step_t METADATA = {"metadata"};

@@ -1,4 +1,4 @@
-#include "tools/replay/explain/echo.hpp"
+#include "tools/explain/echo.hpp"
 
 #include <gtest/gtest.h>
 

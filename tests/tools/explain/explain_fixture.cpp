@@ -3,7 +3,7 @@
 #include <exception>
 
 #include "tests/tools/explain/accounting.hpp"
-#include "tools/replay/explain/silence.hpp"
+#include "tools/explain/silence.hpp"
 
 namespace com::velanto::connectivity::test {
 

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "ndjson/json_reader.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"
-#include "tools/ndjson/json_reader.hpp"
-#include "tools/replay/explain/explanation.hpp"
-#include "tools/replay/explain/probe.hpp"
+#include "tools/explain/explanation.hpp"
+#include "tools/explain/probe.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -43,7 +43,7 @@ class ExplainFixture : public HostFixture {
 
  private:
   const std::string file_ = "in";
-  tools::JsonReader reader_;
+  JsonReader reader_;
 };
 
 std::string textOf(const std::vector<tools::row_t>& rows);

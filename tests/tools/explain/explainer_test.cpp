@@ -1,4 +1,4 @@
-#include "tools/replay/explain/explainer.hpp"
+#include "tools/explain/explainer.hpp"
 
 #include <sstream>
 
@@ -35,7 +35,7 @@ class ExplainerTest : public HostFixture {
   const std::string file_ = "in";
   const tools::LogCapture capture_;
   const tools::PluginLibrary library_{VLT_ODD_PLUGIN_PATH};
-  tools::JsonReader reader_;
+  JsonReader reader_;
 };
 
 const char* const LINE = R"({"payload":{"a":1,"b":2,"c":[1]}})";

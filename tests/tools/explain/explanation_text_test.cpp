@@ -1,6 +1,6 @@
 // The texts that explanation_text.cpp makes.
 #include "tests/tools/explain/explain_fixture.hpp"
-#include "tools/replay/columns.hpp"
+#include "tools/record/columns.hpp"
 
 #include <sstream>
 

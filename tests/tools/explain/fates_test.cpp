@@ -1,4 +1,4 @@
-#include "tools/replay/explain/fates.hpp"
+#include "tools/explain/fates.hpp"
 
 #include <gtest/gtest.h>
 

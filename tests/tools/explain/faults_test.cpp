@@ -1,4 +1,4 @@
-#include "tools/replay/explain/faults.hpp"
+#include "tools/explain/faults.hpp"
 
 #include "tests/tools/explain/explain_fixture.hpp"
 

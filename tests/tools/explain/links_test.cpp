@@ -1,4 +1,4 @@
-#include "tools/replay/explain/links.hpp"
+#include "tools/explain/links.hpp"
 
 #include "tests/tools/explain/explain_fixture.hpp"
 

@@ -1,9 +1,9 @@
-#include "tools/replay/explain/mending.hpp"
+#include "tools/explain/mending.hpp"
 
+#include "ndjson/json_reader.hpp"
+#include "ndjson/json_writer.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"
-#include "tools/ndjson/json_reader.hpp"
-#include "tools/ndjson/json_writer.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -15,12 +15,12 @@ class MendingTest : public HostFixture {
     std::string text;
     for (const data_t& value : tools::mendedValues(reader_.parseValue(json))) {
       if (!text.empty()) text += ' ';
-      tools::writeJson(text, value);
+      writeJson(text, value);
     }
     return text;
   }
 
-  tools::JsonReader reader_;
+  JsonReader reader_;
 };
 
 } // namespace

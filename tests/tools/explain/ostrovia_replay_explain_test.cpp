@@ -2,9 +2,9 @@
 #include <chrono>
 #include <sstream>
 
+#include "ndjson/json_reader.hpp"
 #include "tests/tools/program.hpp"
-#include "tools/ndjson/json_reader.hpp"
-#include "tools/replay/exit_status.hpp"
+#include "tools/options/exit_status.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -180,7 +180,7 @@ TEST_F(ExplainProgramTest, LinesOfJsonAreJson) {
       R"({"at":"<stdin>:2","kind":"no path","outcome":"malformed","reason":"not well-formed JSON"})",
       R"({"at":"<stdin>:3","kind":"events","outcome":"dropped","unchanged":false,"fields":[{)",
       R"({"at":"<stdin>:4","kind":"no path","outcome":"passed","unchanged":true,"fields":[{)"};
-  tools::JsonReader reader;
+  JsonReader reader;
   for (const char* const begin : begins) {
     std::string line;
     std::getline(lines, line);

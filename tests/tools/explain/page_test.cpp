@@ -1,4 +1,4 @@
-#include "tools/replay/explain/page.hpp"
+#include "tools/explain/page.hpp"
 
 #include <gtest/gtest.h>
 

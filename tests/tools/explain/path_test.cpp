@@ -1,4 +1,4 @@
-#include "tools/replay/explain/path.hpp"
+#include "tools/explain/path.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "tools/replay/explain/phrases.hpp"
+#include "tools/explain/phrases.hpp"
 
 #include <gtest/gtest.h>
 
-#include "tools/replay/columns.hpp"
+#include "tools/record/columns.hpp"
 
 namespace com::velanto::connectivity::test {
 

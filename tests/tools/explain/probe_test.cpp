@@ -1,4 +1,4 @@
-#include "tools/replay/explain/probe.hpp"
+#include "tools/explain/probe.hpp"
 
 #include "tests/tools/explain/explain_fixture.hpp"
 

@@ -1,4 +1,4 @@
-#include "tools/replay/explain/rows.hpp"
+#include "tools/explain/rows.hpp"
 
 #include <algorithm>
 #include <set>

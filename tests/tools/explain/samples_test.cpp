@@ -5,8 +5,8 @@
 #include "tests/support/host_fixture.hpp"
 #include "tests/tools/explain/accounting.hpp"
 #include "tests/tools/explain/explain_fixture.hpp"
-#include "tools/plugin_host/plugin_library.hpp"
-#include "tools/replay/explain/silence.hpp"
+#include "tools/explain/silence.hpp"
+#include "tools/host/plugin_library.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -73,7 +73,7 @@ TEST_F(SamplesTest, WhatIsAtFaultIsAtFault) {
     if (told.blame.faults.empty()) continue;
     ++proven;
     Message mended = copyOf(sample.message);
-    tools::JsonReader reader;
+    JsonReader reader;
     for (const tools::fault_t& fault : told.blame.faults) {
       tools::apply(mended, {fault.path, reader.parseValue(fault.mended)});
     }

@@ -1,4 +1,4 @@
-#include "tools/replay/explain/silence.hpp"
+#include "tools/explain/silence.hpp"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "tools/replay/explain/trace.hpp"
+#include "tools/explain/trace.hpp"
 
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"

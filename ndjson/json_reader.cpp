@@ -1,0 +1,380 @@
+#include "ndjson/json_reader.hpp"
+
+#include <simdjson.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "ndjson/json_text.hpp"
+#include "ndjson/make_list.hpp"
+#include "value/get_visitor.hpp"
+
+namespace com::velanto::connectivity {
+
+namespace {
+
+namespace ondemand = simdjson::ondemand;
+
+// Our own words: the library's change from version to version and tell how it works inside.
+const char* reasonOf(simdjson::error_code error) noexcept {
+  switch (error) {
+    case simdjson::EMPTY:
+      return "no JSON value";
+    case simdjson::UTF8_ERROR:
+      return "text that is not UTF-8";
+    case simdjson::UNESCAPED_CHARS:
+      return "control character in a text, not escaped";
+    case simdjson::UNCLOSED_STRING:
+      return "text without a closing quote";
+    case simdjson::STRING_ERROR:
+      return "bad escape in a text";
+    case simdjson::NUMBER_ERROR:
+    case simdjson::NUMBER_OUT_OF_RANGE:
+      return "bad number, or one beyond the range of doubles";
+    case simdjson::T_ATOM_ERROR:
+    case simdjson::F_ATOM_ERROR:
+    case simdjson::N_ATOM_ERROR:
+      return "bad literal, expected true, false or null";
+    case simdjson::TRAILING_CONTENT:
+      return "content after the end of the JSON value";
+    case simdjson::CAPACITY:
+      return "longer than 4 GiB";
+    default:
+      return "not well-formed JSON";
+  }
+}
+
+void check(simdjson::error_code error) {
+  if (error == simdjson::SUCCESS) return;
+  if (error == simdjson::MEMALLOC) throw std::bad_alloc();
+  throw MalformedJson(reasonOf(error));
+}
+
+// Where a text begins that is not closed, or where a byte stands in one that should be escaped; 0
+// when there is neither.
+std::size_t findTextFault(std::string_view json) noexcept {
+  bool in_text = false;
+  std::size_t opening = 0;
+  for (std::size_t i = 0; i < json.size(); ++i) {
+    if (!in_text) {
+      in_text = json[i] == '"';
+      opening = i;
+    } else if (json[i] == '\\') {
+      ++i;
+    } else if (json[i] == '"') {
+      in_text = false;
+    } else if (static_cast<unsigned char>(json[i]) < 0x20) {
+      return i;
+    }
+  }
+  return in_text ? opening : 0;
+}
+
+// The parser tells of the text as a whole only what is wrong with it, not where.
+[[noreturn]] void refuseWhole(simdjson::error_code error, std::string_view json) {
+  if (error == simdjson::MEMALLOC) throw std::bad_alloc();
+  const std::size_t at =
+      error == simdjson::UTF8_ERROR ? findInvalidUtf8(json) : findTextFault(json);
+  throw MalformedJson(reasonOf(error), at + 1);
+}
+
+template <class T>
+T require(simdjson::simdjson_result<T> result) {
+  T value{};
+  check(std::move(result).get(value));
+  return value;
+}
+
+} // namespace
+
+// Descends from value to value; one document at a time.
+class JsonReader::Parser {
+ public:
+  Parser() { check(parser_.allocate(FIRST_CAPACITY, LIBRARY_DEPTH)); }
+
+  Message message(std::string_view line);
+  data_t value(std::string_view json);
+  [[nodiscard]] text_part_t remark() const noexcept { return remark_; }
+
+ private:
+  // The reader's own count of levels decides; the library has to bear the levels around it, too.
+  static constexpr std::size_t LIBRARY_DEPTH = MAX_DEPTH + 16;
+  static constexpr std::size_t FIRST_CAPACITY = 4096; // bytes; grows with the texts
+
+  ondemand::document open(std::string_view before, std::string_view json, std::string_view after);
+  static void requireEnd(ondemand::document& document);
+
+  Message readMessage(ondemand::document& document);
+  data_t readOnly(ondemand::document& document);
+  [[nodiscard]] std::size_t columnOf(const char* place) const noexcept;
+  template <class Body>
+  auto locating(ondemand::document& document, const Body& body) const;
+  [[noreturn]] void refuseMember(std::string_view name, const char* place) const;
+  [[noreturn]] void refuseRepeated(std::string_view name, const char* place) const;
+  [[nodiscard]] text_part_t memberAt(const char* begin, const char* end) const;
+  data_t read(ondemand::value value, int depth);
+  list_t readList(ondemand::array array, int depth);
+  map_t readMap(ondemand::object object, int depth);
+  map_t readMetadata(ondemand::value value);
+  static data_t readNull(ondemand::value value);
+  static data_t readTruth(ondemand::value value);
+  [[nodiscard]] data_t readNumber(ondemand::value value) const;
+  data_t readString(ondemand::value value);
+  // `place` is that of the text's opening quote.
+  std::string_view unescaped(simdjson::simdjson_result<std::string_view> text,
+                             const char* place) const;
+  data_t readText(std::string_view text, const char* place);
+  static int below(int depth);
+
+  ondemand::parser parser_;
+  std::size_t before_ = 0; // bytes that stand in front of what is read
+  std::string padded_;     // the text under way, with the bytes behind it that the parser may read
+  text_part_t remark_;     // of the message read last
+  std::string text_;       // a text on its way to the host, with its NUL
+};
+
+ondemand::document JsonReader::Parser::open(std::string_view before, std::string_view json,
+                                            std::string_view after) {
+  // Invisible in most editors, so that "not well-formed" would puzzle whoever reads it.
+  if (json.starts_with("\xEF\xBB\xBF")) {
+    throw MalformedJson("byte order mark before the JSON", 1);
+  }
+  padded_.assign(before).append(json).append(after);
+  const std::size_t length = padded_.size();
+  padded_.append(simdjson::SIMDJSON_PADDING, ' ');
+  before_ = before.size();
+  ondemand::document document;
+  const simdjson::error_code error =
+      parser_.iterate(simdjson::padded_string_view(padded_.data(), length, padded_.size()))
+          .get(document);
+  if (error != simdjson::SUCCESS) refuseWhole(error, json);
+  return document;
+}
+
+// The column of a place in the text under way.
+std::size_t JsonReader::Parser::columnOf(const char* place) const noexcept {
+  const auto offset = static_cast<std::size_t>(place - padded_.data());
+  return std::min(offset, padded_.size()) - std::min(offset, before_) + 1;
+}
+
+// Calls `body`, and gives what it throws without a place the one that has been reached.
+template <class Body>
+auto JsonReader::Parser::locating(ondemand::document& document, const Body& body) const {
+  try {
+    return body();
+  } catch (const MalformedJson& e) {
+    const char* place = nullptr;
+    if (e.column() != 0 || document.current_location().get(place) != simdjson::SUCCESS) throw;
+    throw MalformedJson(e.what(), columnOf(place));
+  }
+}
+
+void JsonReader::Parser::requireEnd(ondemand::document& document) {
+  // There is a current place unless the end is reached.
+  if (document.current_location().error() != simdjson::OUT_OF_BOUNDS) {
+    check(simdjson::TRAILING_CONTENT);
+  }
+}
+
+Message JsonReader::Parser::message(std::string_view line) {
+  ondemand::document document = open("", line, "");
+  return locating(document, [&] { return readMessage(document); });
+}
+
+Message JsonReader::Parser::readMessage(ondemand::document& document) {
+  ondemand::object object;
+  if (require(document.type()) != ondemand::json_type::object) {
+    throw MalformedJson("not a JSON object");
+  }
+  check(document.get_object().get(object));
+  data_t payload;
+  map_t metadata;
+  remark_ = {};
+  std::vector<std::string> names;
+  for (auto member : object) {
+    ondemand::field field = require(std::move(member));
+    const char* const place = field.key().raw() - 1;
+    const std::string_view name = unescaped(field.unescaped_key(), place);
+    if (std::find(names.begin(), names.end(), name) != names.end()) {
+      refuseRepeated(name, place);
+    }
+    names.emplace_back(name);
+    if (name == "payload") {
+      payload = read(field.value(), 0);
+    } else if (name == "metadata") {
+      metadata = readMetadata(field.value());
+    } else if (name == "dropped") {
+      static_cast<void>(read(field.value(), 0));
+      remark_ = memberAt(place, require(document.current_location()));
+    } else {
+      refuseMember(name, place);
+    }
+  }
+  requireEnd(document);
+  return Message(std::move(payload), std::move(metadata));
+}
+
+// `place` is that of the name.
+void JsonReader::Parser::refuseMember(std::string_view name, const char* place) const {
+  std::string quoted; // with line breaks and the like escaped
+  appendJsonText(quoted, name);
+  throw MalformedJson("unknown member " + quoted + R"(, expected "metadata" and "payload")",
+                      columnOf(place));
+}
+
+void JsonReader::Parser::refuseRepeated(std::string_view name, const char* place) const {
+  std::string quoted;
+  appendJsonText(quoted, name);
+  throw MalformedJson("repeated key " + quoted, columnOf(place));
+}
+
+// The member that begins at `begin` and before whose next comma or brace is `end`, with the comma
+// before it, or, for the first member, the one behind it.
+text_part_t JsonReader::Parser::memberAt(const char* begin, const char* end) const {
+  const std::string_view line(padded_);
+  const auto first = static_cast<std::size_t>(begin - padded_.data());
+  const auto next = static_cast<std::size_t>(end - padded_.data());
+  const std::size_t before = line.find_last_not_of(" \t\r", first - 1);
+  if (line[before] == ',') return {before, line.find_last_not_of(" \t\r", next - 1) + 1 - before};
+  return {first, next + (line[next] == ',' ? 1 : 0) - first};
+}
+
+// A value on its own is read as the only element of an array: the library treats documents that are
+// a mere number or text as a case of its own, with checks of its own.
+data_t JsonReader::Parser::value(std::string_view json) {
+  ondemand::document document = open("[", json, "]");
+  return locating(document, [&] { return readOnly(document); });
+}
+
+data_t JsonReader::Parser::readOnly(ondemand::document& document) {
+  ondemand::array array;
+  check(document.get_array().get(array));
+  data_t result;
+  int count = 0;
+  for (auto element : array) {
+    const ondemand::value found = require(element);
+    if (++count > 1) check(simdjson::TRAILING_CONTENT);
+    result = read(found, 0);
+  }
+  requireEnd(document);
+  if (count == 0) check(simdjson::EMPTY);
+  return result;
+}
+
+data_t JsonReader::Parser::read(ondemand::value value, int depth) {
+  switch (require(value.type())) {
+    case ondemand::json_type::null:
+      return readNull(value);
+    case ondemand::json_type::boolean:
+      return readTruth(value);
+    case ondemand::json_type::number:
+      return readNumber(value);
+    case ondemand::json_type::string:
+      return readString(value);
+    case ondemand::json_type::array:
+      return readList(require(value.get_array()), below(depth));
+    case ondemand::json_type::object:
+      return readMap(require(value.get_object()), below(depth));
+  }
+  throw MalformedJson(reasonOf(simdjson::TAPE_ERROR));
+}
+
+int JsonReader::Parser::below(int depth) {
+  if (depth == MAX_DEPTH) {
+    throw MalformedJson("nested deeper than " + std::to_string(MAX_DEPTH) + " levels");
+  }
+  return depth + 1;
+}
+
+// The kinds told so far by their first letter only: the rest may be anything.
+data_t JsonReader::Parser::readNull(ondemand::value value) {
+  bool is_null = false;
+  const simdjson::error_code error = value.is_null().get(is_null);
+  if (error != simdjson::SUCCESS || !is_null) check(simdjson::N_ATOM_ERROR);
+  return {};
+}
+
+data_t JsonReader::Parser::readTruth(ondemand::value value) {
+  bool truth = false;
+  if (value.get_bool().get(truth) != simdjson::SUCCESS) check(simdjson::T_ATOM_ERROR);
+  return data_t(truth);
+}
+
+data_t JsonReader::Parser::readNumber(ondemand::value value) const {
+  std::int64_t integer = 0;
+  if (value.get_int64().get(integer) == simdjson::SUCCESS) return data_t(integer);
+  // A fraction, an exponent, more than 64 bits, or no number at all: the next attempt tells.
+  const std::string_view token = value.raw_json_token();
+  double real = 0;
+  if (value.get_double().get(real) != simdjson::SUCCESS) {
+    throw MalformedJson(reasonOf(simdjson::NUMBER_ERROR), columnOf(token.data()));
+  }
+  const std::size_t end = token.find_first_not_of("-0123456789");
+  const bool is_integer = end == std::string_view::npos ||
+                          std::string_view(".eE").find(token[end]) == std::string_view::npos;
+  if (is_integer) throw MalformedJson("integer beyond 64 bits", columnOf(token.data()));
+  return data_t(real);
+}
+
+data_t JsonReader::Parser::readString(ondemand::value value) {
+  const char* const place = value.raw_json_token().data();
+  return readText(unescaped(value.get_string(), place), place);
+}
+
+std::string_view JsonReader::Parser::unescaped(simdjson::simdjson_result<std::string_view> text,
+                                               const char* place) const {
+  std::string_view result;
+  const simdjson::error_code error = std::move(text).get(result);
+  if (error == simdjson::STRING_ERROR) throw MalformedJson(reasonOf(error), columnOf(place));
+  check(error);
+  return result;
+}
+
+data_t JsonReader::Parser::readText(std::string_view text, const char* place) {
+  if (text.find('\0') != std::string_view::npos) {
+    throw MalformedJson("text with an embedded NUL", columnOf(place));
+  }
+  text_.assign(text);
+  return data_t(text_.c_str());
+}
+
+list_t JsonReader::Parser::readList(ondemand::array array, int depth) {
+  std::vector<data_t> elements;
+  for (auto element : array) elements.push_back(read(require(element), depth));
+  return makeList(std::move(elements));
+}
+
+map_t JsonReader::Parser::readMap(ondemand::object object, int depth) {
+  map_t map;
+  for (auto member : object) {
+    ondemand::field field = require(std::move(member));
+    const char* const place = field.key().raw() - 1;
+    data_t key = readText(unescaped(field.unescaped_key(), place), place);
+    data_t content = read(field.value(), depth);
+    if (!map.insert(std::move(key), std::move(content)).second) {
+      // An insertion that is refused leaves its arguments alone.
+      // NOLINTNEXTLINE(bugprone-use-after-move)
+      refuseRepeated(text_or_empty(key.get<const char*>()), place);
+    }
+  }
+  return map;
+}
+
+map_t JsonReader::Parser::readMetadata(ondemand::value value) {
+  if (require(value.type()) != ondemand::json_type::object) {
+    throw MalformedJson(R"("metadata" is not an object)");
+  }
+  return readMap(require(value.get_object()), below(0));
+}
+
+JsonReader::JsonReader() : parser_(std::make_unique<Parser>()) {}
+JsonReader::~JsonReader() = default;
+
+Message JsonReader::parseMessage(std::string_view line) { return parser_->message(line); }
+text_part_t JsonReader::remark() const noexcept { return parser_->remark(); }
+data_t JsonReader::parseValue(std::string_view json) { return parser_->value(json); }
+
+} // namespace com::velanto::connectivity

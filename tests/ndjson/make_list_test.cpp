@@ -1,0 +1,49 @@
+#include "ndjson/make_list.hpp"
+
+#include <gtest/gtest.h>
+
+#include <new>
+
+#include "tests/support/failing_allocations.hpp"
+#include "tests/support/host_fixture.hpp"
+#include "tests/support/values.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+class MakeListTest : public HostFixture {};
+
+} // namespace
+
+TEST_F(MakeListTest, ListHoldsTheElementsInOrder) {
+  std::vector<data_t> elements;
+  elements.push_back(text("a"));
+  elements.emplace_back();
+  elements.emplace_back(map_of("b", whole(2)));
+  const data_t list = makeList(std::move(elements));
+  EXPECT_EQ(list, list_of(text("a"), data_t(), map_of("b", whole(2))));
+}
+
+TEST_F(MakeListTest, ListOfNothingIsEmpty) { EXPECT_EQ(data_t(makeList({})), list_of()); }
+
+TEST_F(MakeListTest, ElementsAreMovedIntoTheHostsBlock) {
+  std::vector<data_t> elements;
+  elements.push_back(text("a"));
+  const char* const address = elements[0].get<const char*>();
+  const std::int64_t lists = standin_live_blocks(STANDIN_BLOCK_LIST);
+  const list_t list = makeList(std::move(elements));
+  EXPECT_EQ(list[0].get<const char*>(), address);
+  EXPECT_EQ(standin_live_blocks(STANDIN_BLOCK_LIST), lists + 1);
+}
+
+TEST_F(MakeListTest, RefusedListLeavesTheElements) {
+  std::vector<data_t> elements;
+  elements.push_back(text("a"));
+  standin_fail_allocation(1);
+  EXPECT_THROW(static_cast<void>(makeList(std::move(elements))), std::bad_alloc);
+  // NOLINTNEXTLINE(bugprone-use-after-move): what is left is the subject
+  EXPECT_EQ(elements[0], text("a"));
+}
+
+} // namespace com::velanto::connectivity::test

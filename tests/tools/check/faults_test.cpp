@@ -1,0 +1,250 @@
+// Each planted fault is found by the check that is there for it, and no check far from it complains.
+#include <fnmatch.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tests/tools/check/check_plugin_program.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+using patterns_t = std::vector<std::string>;
+
+// Leaves out what takes half of the time and few faults show in.
+constexpr const char* QUICK = "--skip loading.thousand-times --skip conversion.deep-nesting";
+
+struct planted_t {
+  const char* fault;
+  const char* check;    // must find it,
+  patterns_t outcomes;  // as one of these;
+  patterns_t plausible; // these may find it too
+  const char* arguments = QUICK;
+};
+
+void PrintTo(const planted_t& planted, std::ostream* out) { *out << planted.fault; }
+
+const patterns_t FAILED = {"failed"};
+const patterns_t CRASHED = {"crashed"};
+// A damaged heap shows when it likes to.
+const patterns_t FAILED_OR_CRASHED = {"failed", "crashed"};
+
+const planted_t PLANTED[] = {
+    // storage
+    {"leaks_in_batch",
+     "ownership.events",
+     FAILED,
+     {"ownership.*", "memory.*", "lifecycle.in-order", "loading.lives-again", "random.*",
+      "threads.*", "configuration.left-untouched", "passing.*"}},
+    {"leaks_on_drop",
+     "ownership.dropped",
+     FAILED,
+     {"ownership.heap-stays-level", "memory.*", "random.*", "threads.*", "configuration.*"}},
+    {"leaks_on_refusal",
+     "configuration.missing-tenant",
+     FAILED,
+     {"configuration.*", "memory.creation"}},
+    {"leaks_when_exhausted", "memory.conversions", FAILED, {"memory.*"}},
+    {"leaks_heap", "ownership.heap-stays-level", FAILED, {}},
+    {"keeps_block_after_unload",
+     "loading.frees-its-blocks",
+     FAILED,
+     {"loading.*", "lifecycle.in-order", "ownership.events-outlive",
+      "configuration.left-untouched"},
+     ""},
+    {"frees_twice", "batches.one", CRASHED, {"*"}},
+    {"shares_block",
+     "ownership.batch",
+     FAILED_OR_CRASHED,
+     {"batches.*", "ownership.*", "memory.*", "threads.*", "random.*", "log.*", "nulls.*",
+      "configuration.*", "passing.*"}},
+    {"copies_containers",
+     "ownership.containers-are-moved",
+     FAILED,
+     {"conversion.every-kind-of-value", "passing.*", "memory.*"}},
+    {"leaks_in_destroy",
+     "lifecycle.destroy-at-once",
+     FAILED,
+     {"loading.lives-again", "lifecycle.*", "configuration.*", "memory.*", "ownership.*",
+      "threads.*"}},
+    {"aborts_when_exhausted", "memory.conversions", CRASHED, {"memory.*"}},
+    // calls
+    {"asks_level_in_batch", "batches.forbidden-calls", FAILED, {"passing.*"}},
+    {"sets_status_in_batch", "batches.forbidden-calls", FAILED, {"passing.*", "log.*", "memory.*"}},
+    {"logs_at_wrong_level",
+     "errors.events",
+     FAILED,
+     {"errors.*", "log.*", "batches.*", "memory.*", "lifecycle.*", "nulls.*", "conversion.paths",
+      "transport.throwing-link"}},
+    {"traces_too_early", "log.no-trace-below", FAILED, {"log.*"}},
+    {"misspells_errors",
+     "errors.no-formats",
+     FAILED,
+     {"errors.*", "log.*", "batches.*", "lifecycle.*", "nulls.*", "conversion.paths"}},
+    {"prints_in_batch", "log.silent-when-good", FAILED, {"log.wrong-kind-line"}},
+    {"ignores_levels",
+     "log.nothing-at-level-0",
+     FAILED,
+     {"log.no-drops-below", "configuration.silent-below-level"}},
+    {"misses_traces", "log.trace-of-good", FAILED, {"log.level-of-creation"}},
+    {"breaks_lines", "log.trace-is-one-line", FAILED, {}},
+    {"renders_twice", "log.trace-costs", FAILED, {"memory.dropping"}},
+    {"prints_on_loading", "loading.is-silent", FAILED, {"log.*"}},
+    {"asks_level_in_version", "versions.call-no-host", FAILED, {}},
+    {"asks_for_more", "library.asks-the-host-only", FAILED, {}},
+    {"sets_status_in_destroy", "lifecycle.destroy-sets-no-status", FAILED, {"log.*"}},
+    // batches and links
+    {"drops_first_of_many",
+     "batches.order",
+     FAILED,
+     {"batches.*", "configuration.*", "ownership.*", "memory.*", "threads.*", "random.*", "log.*",
+      "lifecycle.*", "nulls.*", "passing.*", "conversion.*"}},
+    {"stops_at_4096", "batches.many", FAILED, {}},
+    {"depends_on_batch", "random.batching", FAILED, {"batches.many", "conversion.*"}},
+    {"swaps_order",
+     "batches.order",
+     FAILED,
+     {"batches.*", "configuration.*", "ownership.*", "passing.*", "random.*", "nulls.*"}},
+    {"sends_dropped", "batches.order", FAILED, {"*"}},
+    {"sends_one_by_one",
+     "batches.link-once",
+     FAILED,
+     {"batches.*", "nulls.empty-range", "passing.*"}},
+    {"spares_empty_ranges", "batches.empty", FAILED, {"batches.all-dropped", "nulls.empty-range"}},
+    {"empties_dropped", "batches.dropped-hold-ids", FAILED, {"batches.dropped-behind"}},
+    {"ignores_handle",
+     "transport.own-handle",
+     FAILED,
+     {"transport.*", "lifecycle.in-order", "nulls.empty-range", "ownership.transport"}},
+    {"keeps_first_link",
+     "lifecycle.links-are-replaced",
+     FAILED,
+     {"batches.throwing-link", "nulls.link-handle", "threads.one-codec"}},
+    {"accepts_null_function", "nulls.batch-function", FAILED, {"log.no-drops-below"}},
+    {"converts_towards_transport",
+     "transport.untouched",
+     FAILED,
+     {"transport.*", "lifecycle.*", "nulls.empty-range", "ownership.transport",
+      "batches.forbidden-calls"}},
+    {"changes_passing", "passing.without-path", FAILED, {"random.*"}},
+    // lifecycle
+    {"hangs_in_start",
+     "lifecycle.in-order",
+     {"hung"},
+     {"lifecycle.*"},
+     "--timeout 0.4 --only 'lifecycle.*'"},
+    {"crashes_on_unload", "loading.loads", CRASHED, {"*"}},
+    {"needs_start", "lifecycle.batch-before-start", FAILED, {"*"}},
+    {"throws_from_host_ready",
+     "lifecycle.in-order",
+     FAILED,
+     {"lifecycle.*", "nulls.plugin", "log.silent-when-good", "batches.forbidden-calls"}},
+    {"fails_in_shutdown", "lifecycle.in-order", FAILED, {"lifecycle.*", "nulls.host-handles"}},
+    {"ends_the_process",
+     "lifecycle.in-order",
+     CRASHED,
+     {"lifecycle.*", "nulls.host-handles", "log.silent-when-good"}},
+    {"crashes_on_null", "nulls.plugin", CRASHED, {}},
+    {"reads_host_handles", "nulls.host-handles", CRASHED, {}},
+    {"uses_latest_codec",
+     "lifecycle.kept-apart",
+     FAILED,
+     {"lifecycle.same-names", "threads.*", "log.level-of-creation"}},
+    {"races_in_static_buffer",
+     "threads.two-codecs",
+     FAILED_OR_CRASHED,
+     {"threads.*", "memory.*", "passing.*"}},
+    {"creates_one_at_a_time", "threads.create-and-destroy", FAILED, {"threads.two-codecs"}},
+    {"reads_null_configuration", "nulls.configuration", CRASHED, {"configuration.must-be-a-map"}},
+    // configuration and content
+    {"keeps_configuration",
+     "configuration.may-vanish",
+     FAILED_OR_CRASHED,
+     {"lifecycle.*", "nulls.*", "threads.*", "log.*", "versions.*"}},
+    {"writes_configuration", "configuration.left-untouched", FAILED, {}},
+    {"refuses_empty_tenant",
+     "configuration.empty-tenant",
+     FAILED,
+     {"lifecycle.*", "nulls.*", "versions.*"}},
+    {"forgets_tenant",
+     "configuration.defaults",
+     FAILED,
+     {"configuration.*", "conversion.*", "batches.one", "lifecycle.*", "ownership.*", "threads.*",
+      "memory.creation"}},
+    {"wrong_channel",
+     "configuration.defaults",
+     FAILED,
+     {"configuration.*", "conversion.*", "lifecycle.kept-apart", "ownership.events-outlive"}},
+    {"loses_milliseconds", "conversion.times", FAILED, {"conversion.*"}},
+    {"recurses_into_payload", "conversion.deep-nesting", CRASHED, {}, ""},
+    {"wrong_interface_version", "versions.interface", FAILED, {}},
+    {"wrong_product_version", "versions.product", FAILED, {"versions.product-text-stays"}},
+    {"moves_product_version", "versions.product-text-stays", FAILED, {}},
+    // linking
+    {"exports_one_more", "library.exports-the-twelve", FAILED, {}},
+    {"exports_data", "library.exports-functions", FAILED, {"library.exports-the-twelve"}},
+    {"lacks_an_entry_point", "library.exports-the-twelve", FAILED, {"*"}},
+    {"has_run_path", "library.has-no-run-path", FAILED, {}},
+    {"names_no_client", "library.needs-the-client", FAILED, {}},
+    {"stays_loaded",
+     "loading.leaves-the-process",
+     FAILED,
+     {"loading.*", "lifecycle.in-order", "ownership.events-outlive",
+      "configuration.left-untouched"},
+     ""},
+};
+
+bool matchesOne(const std::string& name, const patterns_t& patterns) {
+  return std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
+    return fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
+  });
+}
+
+// With AddressSanitizer a check's process takes twenty times as long: there, the fault's own check
+// has to do, unless the row says otherwise.
+std::string argumentsOf(const planted_t& planted) {
+  const bool as_usual = planted.arguments == std::string(QUICK) || *planted.arguments == '\0';
+  if (!heapIsReplaced() || !as_usual) return planted.arguments;
+  return "--only " + std::string(planted.check);
+}
+
+class FaultsTest : public ::testing::TestWithParam<planted_t> {};
+
+} // namespace
+
+TEST_P(FaultsTest, IsFoundByItsCheck) {
+  const planted_t& planted = GetParam();
+  if (heapIsReplaced() && planted.fault == std::string("leaks_heap")) {
+    GTEST_SKIP() << "what shows it is skipped with AddressSanitizer";
+  }
+  const run_t run = CheckPluginProgram().run(
+      std::string("--json --seed 7 ") + argumentsOf(planted) + " " + faultyPlugin(planted.fault));
+  EXPECT_EQ(run.diagnostics, "");
+  EXPECT_EQ(run.status, 1);
+  std::map<std::string, std::string> outcomes = outcomesOf(run.out);
+  ASSERT_TRUE(outcomes.contains(planted.check));
+  EXPECT_TRUE(matchesOne(outcomes[planted.check], planted.outcomes)) << outcomes[planted.check];
+  for (const auto& [name, outcome] : outcomes) {
+    if (outcome == "ok" || outcome == "skipped" || name == planted.check) continue;
+    EXPECT_TRUE(matchesOne(name, planted.plausible)) << name << " " << outcome;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Planted, FaultsTest, ::testing::ValuesIn(PLANTED),
+                         [](const auto& row) { return std::string(row.param.fault); });
+
+// The front in front of the codec is no fault in itself.
+TEST(FaultFreeTest, WithoutAFaultNothingIsFound) {
+  const run_t run = CheckPluginProgram().run("--json --seed 7 " + faultyPlugin("none"));
+  EXPECT_EQ(run.status, 0);
+  for (const auto& [name, outcome] : outcomesOf(run.out)) {
+    EXPECT_TRUE(outcome == "ok" || outcome == "skipped") << name << " " << outcome;
+  }
+}
+
+} // namespace com::velanto::connectivity::test

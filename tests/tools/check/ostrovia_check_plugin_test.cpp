@@ -1,0 +1,273 @@
+// The built program: what it prints, how checks are selected, its exit statuses, its documents.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "ndjson/json_reader.hpp"
+#include "tests/support/pattern.hpp"
+#include "tests/support/values.hpp"
+#include "tests/tools/check/check_plugin_program.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+using strings_t = std::vector<std::string>;
+
+strings_t linesOf(const std::string& text) {
+  std::istringstream stream(text);
+  strings_t lines;
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+strings_t documentLines() {
+  std::ifstream file(std::string(VLT_PROJECT_ROOT) + "/docs/check-plugin.md");
+  strings_t lines;
+  for (std::string line; std::getline(file, line);) lines.push_back(line);
+  return lines;
+}
+
+class OstroviaCheckPluginTest : public ::testing::Test {
+ protected:
+  const CheckPluginProgram program_;
+};
+
+const std::string LIBRARY = "libOstroviaNotifications2Codec.so";
+
+} // namespace
+
+TEST_F(OstroviaCheckPluginTest, GoodBuildPassesEverything) {
+  const run_t run = program_.run("--seed 1 " + LIBRARY);
+  EXPECT_EQ(run.status, 0) << run.out;
+  EXPECT_EQ(run.diagnostics, "");
+  const strings_t lines = linesOf(run.out);
+  ASSERT_GT(lines.size(), 60U);
+  const int skipped = heapIsReplaced() ? 4 : 0;
+  const std::size_t checks = lines.size() - 2;
+  EXPECT_EQ(lines.back(), LIBRARY + ": " + std::to_string(checks) + " checks, " +
+                              std::to_string(checks - static_cast<std::size_t>(skipped)) +
+                              " ok, 0 failed, 0 crashed, 0 hung, " + std::to_string(skipped) +
+                              " skipped; seed 1");
+  EXPECT_EQ(lines[7],
+            "ok    loading.loads                      the library is loaded with all its "
+            "symbols bound, and unloaded");
+}
+
+TEST_F(OstroviaCheckPluginTest, OtherSeedsPassToo) {
+  for (const char* const seed : {"2", "3", "18446744073709551615"}) {
+    EXPECT_EQ(program_.run(std::string("--only 'random.*' --seed ") + seed + " " + LIBRARY).status,
+              0)
+        << seed;
+  }
+}
+
+TEST_F(OstroviaCheckPluginTest, SeedIsAnotherEachTimeAndPrinted) {
+  const std::string arguments = "--only versions.interface " + LIBRARY;
+  const std::string first = linesOf(program_.run(arguments).out).back();
+  const std::string second = linesOf(program_.run(arguments).out).back();
+  EXPECT_TRUE(Pattern("; seed [0-9]+$").isIn(first)) << first;
+  EXPECT_NE(first, second);
+}
+
+TEST_F(OstroviaCheckPluginTest, FailureShowsWhatWasExpectedAndWhatCame) {
+  const run_t run =
+      program_.run("--seed 1 --only versions.interface " + faultyPlugin("wrong_interface_version"));
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.out,
+            "FAIL  versions.interface                 the interface version is 4, before any codec "
+            "is made\n"
+            "        interface version: expected 4, came 3\n"
+            "\n" +
+                faultyPlugin("wrong_interface_version") +
+                ": 1 checks, 0 ok, 1 failed, 0 crashed, 0 hung, 0 skipped; seed 1\n");
+}
+
+TEST_F(OstroviaCheckPluginTest, CrashAndHangAreToldApart) {
+  const run_t crash = program_.run("--only nulls.plugin " + faultyPlugin("crashes_on_null"));
+  EXPECT_EQ(crash.status, 1);
+  const strings_t crashed = linesOf(crash.out);
+  EXPECT_EQ(crashed[0].substr(0, 18), "CRASH nulls.plugin");
+  if (!heapIsReplaced()) { // AddressSanitizer ends the process itself
+    EXPECT_EQ(crashed[1], "        SIGSEGV, Segmentation fault");
+  }
+  const run_t hang = program_.run("--timeout 0.2 --only lifecycle.hooks-call-nothing " +
+                                  faultyPlugin("hangs_in_start"));
+  EXPECT_EQ(hang.status, 1);
+  const strings_t hung = linesOf(hang.out);
+  EXPECT_EQ(hung[0].substr(0, 34), "HANG  lifecycle.hooks-call-nothing");
+  EXPECT_EQ(hung[1], "        did not end in time");
+}
+
+TEST_F(OstroviaCheckPluginTest, LibraryThatCannotBeLoadedIsStatus2) {
+  const run_t run =
+      program_.run("--only 'library.*' --only loading.loads --only versions.product --seed 1 " +
+                   faultyPlugin("needs_what_is_nowhere"));
+  EXPECT_EQ(run.status, 2);
+  const strings_t lines = linesOf(run.out);
+  EXPECT_EQ(lines[1].substr(0, 33), "ok    library.exports-the-twelve ");
+  const auto loading = std::find_if(lines.begin(), lines.end(), [](const std::string& line) {
+    return line.rfind("skip  loading.loads", 0) == 0;
+  });
+  ASSERT_NE(loading, lines.end()) << run.out;
+  EXPECT_EQ(
+      *loading,
+      "skip  loading.loads                      the library is loaded with all its symbols "
+      "bound, and unloaded: the library cannot be loaded: libnowhere.so.7: cannot open shared "
+      "object file: No such file or directory");
+  EXPECT_EQ(std::next(loading)->substr(0, 22), "skip  versions.product");
+  if (!heapIsReplaced()) {
+    EXPECT_EQ(lines[4].substr(0, 29), "FAIL  library.needs-no-others");
+    EXPECT_EQ(lines[5],
+              "        needed libraries: expected the client library and runtimes, came "
+              "libnowhere.so.7");
+  }
+}
+
+TEST_F(OstroviaCheckPluginTest, FileThatIsNoLibraryIsStatus2) {
+  const run_t run = program_.run("--only library.is-a-shared-object /etc/passwd");
+  EXPECT_EQ(run.status, 2);
+  EXPECT_NE(run.out.find("exception: no ELF file"), std::string::npos) << run.out;
+  const run_t missing = program_.run("--only library.is-a-shared-object /nowhere/at-all.so");
+  EXPECT_EQ(missing.status, 2);
+  EXPECT_NE(missing.out.find("/nowhere/at-all.so: No such file or directory"), std::string::npos)
+      << missing.out;
+}
+
+TEST_F(OstroviaCheckPluginTest, SystemLibraryIsNoPlugIn) {
+  const run_t run = program_.run("--only library.exports-the-twelve --only batches.one " +
+                                 std::string(VLT_CLIENT_LIBRARY_PATH));
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(run.out.find("is no plug-in: it has no function "
+                         "vlt_plugin_api_version_OstroviaNotifications2Codec"),
+            std::string::npos)
+      << run.out;
+}
+
+TEST_F(OstroviaCheckPluginTest, SelectionIsByPattern) {
+  const auto names = [&](const std::string& arguments) {
+    std::string all;
+    for (const std::string& line : linesOf(program_.run("--list " + arguments).out)) {
+      all += line.substr(0, line.find(' ')) + " ";
+    }
+    return all;
+  };
+  EXPECT_EQ(names("--only 'versions.*' --skip versions.p*"),
+            "versions.interface versions.call-no-host ");
+  EXPECT_EQ(names("--only batches.one --only 'passing.other-?ase'"),
+            "batches.one passing.other-case ");
+}
+
+TEST_F(OstroviaCheckPluginTest, WrongUseIsStatus2WithOneLine) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"", "which library? See --help"},
+      {"--unknown x.so", "The following argument was not expected: --unknown"},
+      {"--only nothing.* x.so", "no check is named 'nothing.*'; see --list"},
+      {"--skip nothing.* x.so", "no check is named 'nothing.*'; see --list"},
+      {"--only batches.one --skip 'b*' x.so", "no check is left to run"},
+      {"--timeout 0 x.so", "--timeout: '0' is not a number of seconds between 0.001 and 86400"},
+      {"--timeout nan x.so", "--timeout: 'nan' is not a number of seconds between 0.001 and 86400"},
+      {"--seed -1 x.so", "--seed: '-1' is not a whole number of 64 bits"},
+      {"x.so y.so", "The following argument was not expected: y.so"},
+  };
+  for (const auto& [arguments, complaint] : rows) {
+    const run_t run = program_.run(arguments);
+    EXPECT_EQ(run.status, 2) << arguments;
+    EXPECT_EQ(run.out, "") << arguments;
+    EXPECT_EQ(run.diagnostics, std::string("ostrovia-check-plugin: ") + complaint + "\n");
+  }
+}
+
+TEST_F(OstroviaCheckPluginTest, FullDeviceIsStatus2) {
+  const run_t run = program_.shell("ostrovia-check-plugin --list > /dev/full");
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.diagnostics, "ostrovia-check-plugin: cannot write to standard output\n");
+}
+
+TEST_F(OstroviaCheckPluginTest, JsonIsOneDocument) {
+  const run_t run =
+      program_.run("--json --seed 5 --only versions.* " + faultyPlugin("wrong_product_version"));
+  EXPECT_EQ(run.status, 1);
+  JsonReader reader;
+  data_t document = reader.parseValue(run.out);
+  auto& members = document.get<map_t>();
+  EXPECT_EQ(at(members, "seed"), whole(5));
+  EXPECT_EQ(at(members, "loads"), truth(true));
+  EXPECT_EQ(at(members, "counts"), data_t(map_of("ok", whole(2), "failed", whole(2), "crashed",
+                                                 whole(0), "hung", whole(0), "skipped", whole(0))));
+  data_t product = at(members, "checks").get<list_t>()[1];
+  EXPECT_EQ(at(product.get<map_t>(), "outcome"), text("failed"));
+  EXPECT_EQ(at(product.get<map_t>(), "differences"),
+            list_of(map_of("where", text("product version"), "expected", text("10.15.4.1"), "came",
+                           text("10.15.4.2"))));
+}
+
+// A terminal of its own, from util-linux; without it there is nothing to be seen.
+TEST_F(OstroviaCheckPluginTest, ColourIsForTerminalsOnly) {
+  if (std::system("command -v script > /dev/null") != 0) GTEST_SKIP() << "no terminal to be had";
+  const auto on_terminal = [&](const std::string& before) {
+    return program_
+        .shell("script --quiet --command \"" + before +
+               "ostrovia-check-plugin --only versions.interface " + LIBRARY + "\" /dev/null")
+        .out;
+  };
+  EXPECT_NE(on_terminal("env -u NO_COLOR ").find("\x1b[32mok   \x1b[0m versions.interface"),
+            std::string::npos);
+  EXPECT_EQ(on_terminal("NO_COLOR=1 ").find('\x1b'), std::string::npos);
+  EXPECT_EQ(program_.run("--only versions.interface " + LIBRARY).out.find('\x1b'),
+            std::string::npos);
+}
+
+TEST_F(OstroviaCheckPluginTest, ExamplesOfTheHelpRun) {
+  const run_t help = program_.run("--help");
+  EXPECT_EQ(help.status, 0);
+  const strings_t lines = linesOf(help.out);
+  ASSERT_EQ(lines[0], "Examples:");
+  int examples = 0;
+  for (const std::string& line : lines) {
+    if (line.rfind("  ostrovia-check-plugin ", 0) != 0) continue;
+    ++examples;
+    const run_t run = program_.shell(line);
+    EXPECT_EQ(run.status, 0) << line;
+    EXPECT_EQ(run.diagnostics, "") << line;
+  }
+  EXPECT_EQ(examples, 5);
+  EXPECT_FALSE(outcomesOf(program_.file("report.json")).empty());
+}
+
+TEST_F(OstroviaCheckPluginTest, VersionIsTheProjects) {
+  EXPECT_EQ(program_.run("--version").out,
+            std::string("ostrovia-check-plugin ") + VLT_VERSION + "\n");
+}
+
+TEST_F(OstroviaCheckPluginTest, DocumentListsTheChecks) {
+  const Pattern row(R"(^\| `([a-z]+\.[a-z0-9-]+)` \| (.+) \|$)");
+  strings_t documented;
+  for (const std::string& line : documentLines()) {
+    for (const Pattern::match_t& cells : row.allIn(line)) {
+      documented.push_back(cells[1] + " " + cells[2]);
+    }
+  }
+  strings_t listed;
+  for (const std::string& line : linesOf(program_.run("--list").out)) {
+    listed.push_back(Pattern("^([^ ]+) +").replacedIn(line, "$1 "));
+  }
+  EXPECT_EQ(documented, listed);
+}
+
+// As FailureShowsWhatWasExpectedAndWhatCame has it.
+TEST_F(OstroviaCheckPluginTest, DocumentShowsAFailure) {
+  const strings_t failure = linesOf(
+      program_.run("--only versions.interface " + faultyPlugin("wrong_interface_version")).out);
+  const strings_t document = documentLines();
+  const auto shown = std::find(document.begin(), document.end(), "    " + failure.at(0));
+  ASSERT_NE(shown, document.end()) << failure[0];
+  EXPECT_EQ(shown[1], "    " + failure.at(1));
+}
+
+} // namespace com::velanto::connectivity::test

@@ -1,0 +1,102 @@
+#include "tools/check/runner.hpp"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <iostream>
+#include <stdexcept>
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+using tools::check::Outcome;
+using tools::check::Trial;
+using tools::check::verdict_t;
+
+verdict_t run(const std::function<void(Trial&)>& body, int limit_in_milliseconds = 20'000) {
+  return tools::check::runApart({"lib.so", 7, std::chrono::milliseconds(limit_in_milliseconds)},
+                                body);
+}
+
+} // namespace
+
+TEST(RunnerTest, BodyKnowsLibraryAndSeed) {
+  const verdict_t verdict = run([](Trial& trial) {
+    trial.equal("library", "lib.so", trial.path());
+    trial.equal("seed", 7, trial.seed());
+  });
+  EXPECT_EQ(verdict.outcome, Outcome::ok);
+}
+
+TEST(RunnerTest, DifferencesComeBack) {
+  const verdict_t verdict = run([](Trial& trial) { trial.equal("answer", 42, 41); });
+  EXPECT_EQ(verdict.outcome, Outcome::failed);
+  ASSERT_EQ(verdict.differences.size(), 1U);
+  EXPECT_EQ(verdict.differences[0], (tools::check::difference_t{"answer", "42", "41"}));
+}
+
+TEST(RunnerTest, DifferencesAreLimitedInNumber) {
+  const verdict_t verdict = run([](Trial& trial) {
+    for (int i = 0; i < 1000; ++i) trial.equal("answer", 42, i + 100);
+  });
+  EXPECT_EQ(verdict.differences.size(), static_cast<std::size_t>(Trial::MOST_DIFFERENCES));
+}
+
+TEST(RunnerTest, ExceptionIsADifference) {
+  const verdict_t verdict = run([](Trial&) { throw std::runtime_error("jam"); });
+  EXPECT_EQ(verdict.outcome, Outcome::failed);
+  ASSERT_EQ(verdict.differences.size(), 1U);
+  EXPECT_EQ(verdict.differences[0].came, "exception: jam");
+}
+
+TEST(RunnerTest, SkippingEndsTheBody) {
+  const verdict_t verdict = run([](Trial& trial) {
+    trial.skip("no such thing here");
+    trial.equal("reached", false, true);
+  });
+  EXPECT_EQ(verdict.outcome, Outcome::skipped);
+  EXPECT_EQ(verdict.reason, "no such thing here");
+}
+
+TEST(RunnerTest, SignalIsNamed) {
+  const verdict_t verdict = run([](Trial&) { std::raise(SIGTERM); });
+  EXPECT_EQ(verdict.outcome, Outcome::crashed);
+  EXPECT_EQ(verdict.reason, "SIGTERM, Terminated");
+}
+
+TEST(RunnerTest, ExitInTheMiddleIsNoSuccess) {
+  EXPECT_EQ(run([](Trial&) { _exit(0); }).outcome, Outcome::crashed);
+}
+
+TEST(RunnerTest, BodyThatHangsIsStopped) {
+  const auto start = std::chrono::steady_clock::now();
+  const verdict_t verdict = run([](Trial&) { pause(); }, 50);
+  EXPECT_EQ(verdict.outcome, Outcome::hung);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+}
+
+TEST(RunnerTest, OutputIsCaughtAndKnownToTheBody) {
+  const verdict_t verdict = run([](Trial& trial) {
+    std::cout << "to output\n" << std::flush;
+    std::cerr << "to error\n";
+    trial.equal("printed", "nothing", trial.printed());
+  });
+  ASSERT_EQ(verdict.differences.size(), 1U);
+  EXPECT_EQ(verdict.differences[0].came, "to output\nto error\n");
+  EXPECT_EQ(verdict.printed, "to output\nto error\n");
+}
+
+TEST(RunnerTest, MuchOutputDoesNotBlock) {
+  const verdict_t verdict = run([](Trial& trial) {
+    const std::string much(1'000'000, 'x');
+    std::cerr << much;
+    trial.equal("answer", 42, 41);
+  });
+  EXPECT_EQ(verdict.outcome, Outcome::failed);
+  EXPECT_EQ(verdict.printed.size(), 1'000'000U);
+}
+
+} // namespace com::velanto::connectivity::test

@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+#include "tests/support/pattern.hpp"
+#include "tests/support/values.hpp"
+#include "tools/check/check.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+using tools::check::check_t;
+
+void nothing(tools::check::Trial&) {}
+
+constexpr check_t CHECKS[] = {
+    {"a.one", "", nothing}, {"a.two", "", nothing}, {"b.one", "", nothing}};
+
+using patterns_t = std::vector<std::string>;
+
+std::string selected(const patterns_t& only, const patterns_t& skip) {
+  std::string names;
+  for (const check_t& check : tools::check::select(CHECKS, only, skip)) {
+    names += check.name;
+    names += ' ';
+  }
+  return names;
+}
+
+} // namespace
+
+TEST(SelectionTest, PatternsAddUpAndSkippingWins) {
+  EXPECT_EQ(selected({}, {}), "a.one a.two b.one ");
+  EXPECT_EQ(selected({"*.one"}, {}), "a.one b.one ");
+  EXPECT_EQ(selected({"b.*", "a.t??"}, {}), "a.two b.one ") << "in the order of the checks";
+  EXPECT_EQ(selected({}, {"a.*"}), "b.one ");
+  EXPECT_EQ(selected({"a.*"}, {"a.one"}), "a.two ");
+}
+
+TEST(SelectionTest, PatternThatMatchesNothingIsAnError) {
+  EXPECT_EQ(error_of([] { selected({"a"}, {}); }), "no check is named 'a'; see --list");
+  EXPECT_EQ(error_of([] { selected({}, {"c.*"}); }), "no check is named 'c.*'; see --list");
+  EXPECT_EQ(error_of([] { selected({"a.*"}, {"a.*"}); }), "no check is left to run");
+}
+
+TEST(SelectionTest, EveryCheckHasANameOfItsOwnAndAClaim) {
+  std::set<std::string> names;
+  for (const check_t& check : tools::check::allChecks()) {
+    EXPECT_TRUE(Pattern("[a-z]+\\.[a-z0-9-]+").isAllOf(check.name)) << check.name;
+    EXPECT_TRUE(names.insert(check.name).second) << check.name;
+    EXPECT_GT(std::string(check.claim).size(), 10U) << check.name;
+  }
+  EXPECT_GE(names.size(), 60U);
+}
+
+} // namespace com::velanto::connectivity::test

@@ -1,0 +1,73 @@
+#include "tools/replay/input/inputs.hpp"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/support/values.hpp"
+#include "tests/tools/temporary_folder.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+using tools::input_t;
+using tools::inputsFrom;
+
+std::string error_from(const std::vector<std::string>& paths) {
+  return error_of([&] { static_cast<void>(inputsFrom(paths)); });
+}
+
+std::string content_of(const input_t& input) {
+  return {std::istreambuf_iterator<char>(*input.open()), {}};
+}
+
+} // namespace
+
+TEST(InputsTest, FilesKeepTheirOrder) {
+  const TemporaryFolder folder;
+  const std::string first = folder.write("first", "1\n");
+  const std::string second = folder.write("second", "2\n");
+  const std::vector<input_t> inputs = inputsFrom({second, first});
+  ASSERT_EQ(inputs.size(), 2u);
+  EXPECT_EQ(inputs[0].name, second);
+  EXPECT_EQ(content_of(inputs[0]), "2\n");
+  EXPECT_EQ(content_of(inputs[1]), "1\n");
+}
+
+TEST(InputsTest, DashAndNothingAreStandardInput) {
+  EXPECT_EQ(inputsFrom({"-"}).at(0).name, "<stdin>");
+  const std::vector<input_t> inputs = inputsFrom({});
+  ASSERT_EQ(inputs.size(), 1u);
+  EXPECT_EQ(inputs[0].name, "<stdin>");
+  EXPECT_NE(inputs[0].open(), nullptr);
+}
+
+TEST(InputsTest, WhatCannotBeReadIsRefusedBeforeAnythingIsOpened) {
+  const TemporaryFolder folder;
+  const std::string file = folder.write("file", "");
+  const std::string missing = folder.path("missing");
+  EXPECT_EQ(error_from({file, missing}), missing + ": No such file or directory");
+  EXPECT_EQ(error_from({folder.path("")}), folder.path("") + ": Is a directory");
+  EXPECT_EQ(error_from({""}), ": No such file or directory");
+}
+
+TEST(InputsTest, FileThatVanishesIsRefusedWhenItsTurnComes) {
+  const TemporaryFolder folder;
+  const std::string file = folder.write("file", "");
+  const std::vector<input_t> inputs = inputsFrom({file});
+  std::filesystem::remove(file);
+  EXPECT_EQ(error_of([&] { static_cast<void>(inputs[0].open()); }),
+            file + ": No such file or directory");
+}
+
+TEST(InputsTest, ManyFilesNeedFewDescriptors) {
+  const TemporaryFolder folder;
+  const std::string file = folder.write("file", "x");
+  const std::vector<input_t> inputs = inputsFrom(std::vector<std::string>(70000, file));
+  EXPECT_EQ(content_of(inputs.back()), "x");
+}
+
+} // namespace com::velanto::connectivity::test

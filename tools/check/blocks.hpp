@@ -1,0 +1,47 @@
+// The books of the host's storage: how many blocks of each kind are live, and which of them a
+// message owns. What is live and owned by nobody has leaked; what is owned twice is freed twice.
+#ifndef VLT_TOOLS_CHECK_BLOCKS_HPP
+#define VLT_TOOLS_CHECK_BLOCKS_HPP
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "standin/standin.h"
+#include "tools/check/trial.hpp"
+#include "value/message.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+// By kind, as standin_block_t numbers them.
+struct block_counts_t {
+  std::array<std::int64_t, STANDIN_BLOCK_KINDS> of{};
+};
+
+[[nodiscard]] block_counts_t liveBlocks() noexcept;
+
+// "maps 1, strings 2, lists 0, buffers 0, customs 0"
+[[nodiscard]] std::string shown(const block_counts_t& counts);
+
+// Expects as many live blocks of each kind as at `before` and, besides, those that `messages` own,
+// each once.
+void expectOwnership(Trial& trial, const std::string& where, const block_counts_t& before,
+                     std::span<const Message> messages);
+
+// Takes the counts when it is made and expects them again when expectBack is called.
+class Books {
+ public:
+  Books() noexcept : before_(liveBlocks()) {}
+  bool expectBack(Trial& trial, const std::string& where) const {
+    return trial.equal(where + ", live blocks", before_, liveBlocks());
+  }
+  [[nodiscard]] const block_counts_t& before() const noexcept { return before_; }
+
+ private:
+  block_counts_t before_;
+};
+
+} // namespace com::velanto::connectivity::tools::check
+
+#endif

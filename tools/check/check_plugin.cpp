@@ -1,0 +1,75 @@
+#include "tools/check/check_plugin.hpp"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "tools/check/report.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+namespace {
+
+using clock_t = std::chrono::steady_clock;
+
+void loadAlone(Trial& trial) {
+  const std::string& path = trial.path();
+  const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
+  if (dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL) == nullptr) throw std::runtime_error(dlerror());
+}
+
+// Why the library cannot be loaded; nothing when it can.
+std::optional<std::string> whyNotLoaded(const surroundings_t& surroundings) {
+  const verdict_t verdict = runApart(surroundings, loadAlone);
+  if (verdict.outcome == Outcome::ok) return std::nullopt;
+  const std::string prefix = "the library cannot be loaded: ";
+  if (!verdict.reason.empty()) return prefix + verdict.reason;
+  const std::string& came = verdict.differences.front().came;
+  const std::string exception = "exception: ";
+  return prefix + (came.rfind(exception, 0) == 0 ? came.substr(exception.size()) : came);
+}
+
+std::unique_ptr<Report> makeReport(std::ostream& out, const heading_t& heading, Format format) {
+  if (format == Format::json) return std::make_unique<JsonReport>(out, heading);
+  return std::make_unique<TextReport>(out, heading, format == Format::coloured);
+}
+
+result_t runCheck(const surroundings_t& surroundings, const check_t& check) {
+  const clock_t::time_point start = clock_t::now();
+  verdict_t verdict = runApart(surroundings, check.run);
+  return {&check, std::move(verdict),
+          std::chrono::duration_cast<std::chrono::milliseconds>(clock_t::now() - start)};
+}
+
+result_t skippedResult(const check_t& check, const std::string& reason) {
+  verdict_t verdict;
+  verdict.outcome = Outcome::skipped;
+  verdict.reason = reason;
+  return {&check, std::move(verdict), {}};
+}
+
+} // namespace
+
+int checkPlugin(const surroundings_t& surroundings, std::span<const check_t> checks, Format format,
+                std::ostream& out) {
+  const std::optional<std::string> obstacle = whyNotLoaded(surroundings);
+  const std::unique_ptr<Report> report =
+      makeReport(out, {surroundings.path, surroundings.seed, !obstacle}, format);
+  Counts counts;
+  for (const check_t& check : checks) {
+    const result_t result = obstacle && check.use == Use::load ? skippedResult(check, *obstacle)
+                                                               : runCheck(surroundings, check);
+    counts.add(result.verdict.outcome);
+    report->add(result);
+  }
+  report->close(counts);
+  if (obstacle) return STATUS_NOT_CHECKED;
+  return counts.allGood() ? STATUS_ALL_PASSED : STATUS_SOME_FAILED;
+}
+
+} // namespace com::velanto::connectivity::tools::check

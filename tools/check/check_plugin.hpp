@@ -1,0 +1,24 @@
+// The whole of a run: the selected checks on one library, one after the other.
+#ifndef VLT_TOOLS_CHECK_CHECK_PLUGIN_HPP
+#define VLT_TOOLS_CHECK_CHECK_PLUGIN_HPP
+
+#include <ostream>
+#include <span>
+
+#include "tools/check/check.hpp"
+#include "tools/check/runner.hpp"
+#include "tools/options/check_plugin_options.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+enum class Format { text, coloured, json };
+
+// Runs `checks` and reports on `out`. When the library cannot be loaded, those that load it are
+// skipped, and the reason stands in their place. Returns a Status; throws std::system_error when
+// the system does not give a process to a check.
+int checkPlugin(const surroundings_t& surroundings, std::span<const check_t> checks, Format format,
+                std::ostream& out);
+
+} // namespace com::velanto::connectivity::tools::check
+
+#endif

@@ -1,0 +1,49 @@
+// A shared library's file as the loader sees it, read without loading it:
+//
+//   (1) the header: 64-bit, little-endian, x86-64, a shared object
+//   (2) the program headers: where the file's bytes lie in memory, and the dynamic section
+//   (3) the dynamic section: needed libraries, soname, run paths, and where the tables are
+//   (4) the hash tables: how many symbols there are
+//   (5) the symbols: names that the library exports, and names that it asks for
+//
+// Section headers are not used: a stripped library need not have them. Every offset and size is
+// held against the file before it is followed, so a damaged file is an error and nothing worse.
+#ifndef VLT_TOOLS_CHECK_ELF_FILE_HPP
+#define VLT_TOOLS_CHECK_ELF_FILE_HPP
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace com::velanto::connectivity::tools::check {
+
+// The file is no such library, or damaged; what() says where, without a full stop.
+class MalformedElf : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct exported_t {
+  std::string name;
+  bool function;
+};
+
+struct elf_file_t {
+  std::optional<std::string> soname;
+  std::vector<std::string> needed;    // in the order in which they are loaded
+  std::vector<std::string> run_paths; // of either kind
+  std::vector<exported_t> exported;   // in the order of the table
+  std::vector<std::string> undefined;
+};
+
+[[nodiscard]] elf_file_t readElf(std::span<const std::byte> file);
+
+// The same for the file at `path`; std::runtime_error when it cannot be read.
+[[nodiscard]] elf_file_t readElfFile(const std::string& path);
+
+} // namespace com::velanto::connectivity::tools::check
+
+#endif

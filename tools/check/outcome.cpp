@@ -1,0 +1,105 @@
+#include "tools/check/outcome.hpp"
+
+#include <sys/wait.h>
+
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+namespace com::velanto::connectivity::tools::check {
+
+namespace {
+
+// Takes records off the front of a text.
+class RecordReader {
+ public:
+  explicit RecordReader(std::string_view records) : rest_(records) {}
+
+  // The next field; nothing at the end and for one that breaks off.
+  std::optional<std::string> next() {
+    const std::size_t end = rest_.find('\0');
+    if (end == std::string_view::npos) return std::nullopt;
+    std::string field(rest_.substr(0, end));
+    rest_.remove_prefix(end + 1);
+    return field;
+  }
+
+ private:
+  std::string_view rest_;
+};
+
+struct story_t {
+  bool finished = false;
+  std::optional<std::string> skip_reason;
+  std::vector<difference_t> differences;
+};
+
+story_t readRecords(std::string_view records) {
+  story_t story;
+  RecordReader reader(records);
+  while (const std::optional<std::string> letter = reader.next()) {
+    if (*letter == "E") {
+      story.finished = true;
+    } else if (*letter == "S") {
+      story.skip_reason = reader.next();
+    } else if (*letter == "F") {
+      const std::optional<std::string> where = reader.next();
+      const std::optional<std::string> expected = reader.next();
+      const std::optional<std::string> came = reader.next();
+      if (came) story.differences.push_back({*where, *expected, *came});
+    }
+  }
+  return story;
+}
+
+std::string describeSignal(int signal) {
+  const char* const name = sigabbrev_np(signal);
+  const std::string text = strsignal(signal); // NOLINT(concurrency-mt-unsafe): one thread
+  return name == nullptr ? text : std::string("SIG") + name + ", " + text;
+}
+
+} // namespace
+
+const char* nameOf(Outcome outcome) noexcept {
+  switch (outcome) {
+    case Outcome::ok:
+      return "ok";
+    case Outcome::failed:
+      return "failed";
+    case Outcome::crashed:
+      return "crashed";
+    case Outcome::hung:
+      return "hung";
+    case Outcome::skipped:
+      return "skipped";
+  }
+  return "";
+}
+
+verdict_t judge(const process_end_t& end) {
+  story_t story = readRecords(end.records);
+  verdict_t verdict;
+  verdict.differences = std::move(story.differences);
+  if (end.stopped) {
+    verdict.outcome = Outcome::hung;
+    verdict.reason = "did not end in time";
+  } else if (WIFSIGNALED(end.status)) {
+    verdict.outcome = Outcome::crashed;
+    verdict.reason = describeSignal(WTERMSIG(end.status));
+  } else if (!story.finished) {
+    verdict.outcome = Outcome::crashed;
+    verdict.reason = "the process was ended with exit status " +
+                     std::to_string(WEXITSTATUS(end.status)) + " in the middle of the check";
+  } else if (story.skip_reason) {
+    verdict.outcome = Outcome::skipped;
+    verdict.reason = *story.skip_reason;
+  } else if (!verdict.differences.empty()) {
+    verdict.outcome = Outcome::failed;
+  }
+  if (verdict.outcome != Outcome::ok && verdict.outcome != Outcome::skipped) {
+    verdict.printed = end.printed;
+  }
+  return verdict;
+}
+
+} // namespace com::velanto::connectivity::tools::check

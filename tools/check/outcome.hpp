@@ -1,0 +1,56 @@
+// What became of a check that ran in a process of its own, judged from how that process ended and
+// from the records that it had left in a file until then.
+//
+//   record    a letter and its fields, each ended by a NUL
+//     F where expected came    an expectation that did not hold
+//     S reason                 cannot be checked here
+//     E                        the check came to its end
+//
+//   judged in this order         outcome
+//   had to be stopped            hung
+//   ended by a signal            crashed
+//   ended without an E record    crashed: something in it ended the process
+//   an S record                  skipped
+//   an F record                  failed
+//   otherwise                    ok
+#ifndef VLT_TOOLS_CHECK_OUTCOME_HPP
+#define VLT_TOOLS_CHECK_OUTCOME_HPP
+
+#include <string>
+#include <vector>
+
+namespace com::velanto::connectivity::tools::check {
+
+enum class Outcome { ok, failed, crashed, hung, skipped };
+
+// "ok", "failed" and so on.
+[[nodiscard]] const char* nameOf(Outcome outcome) noexcept;
+
+struct difference_t {
+  std::string where;
+  std::string expected;
+  std::string came;
+  bool operator==(const difference_t&) const = default;
+};
+
+// The end of a process.
+struct process_end_t {
+  bool stopped = false; // it outlived its time and was killed
+  int status = 0;       // as waitpid tells it
+  std::string records;
+  std::string printed; // on standard output and standard error
+};
+
+struct verdict_t {
+  Outcome outcome = Outcome::ok;
+  std::string reason; // of a crash, a hang or a skipped check; otherwise empty
+  std::vector<difference_t> differences;
+  std::string printed; // kept for what did not pass only
+};
+
+// A record that breaks off in the middle counts as not written.
+[[nodiscard]] verdict_t judge(const process_end_t& end);
+
+} // namespace com::velanto::connectivity::tools::check
+
+#endif

@@ -1,0 +1,160 @@
+#include "tools/check/report.hpp"
+
+#include <simdjson.h>
+
+#include <algorithm>
+#include <numeric>
+#include <string_view>
+#include <utility>
+
+#include "ndjson/json_writer.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+namespace {
+
+constexpr std::size_t NAME_WIDTH = 34;
+constexpr const char* DETAIL_INDENT = "        ";
+
+struct style_t {
+  const char* mark;
+  const char* colour; // an escape sequence
+};
+
+style_t styleOf(Outcome outcome) {
+  switch (outcome) {
+    case Outcome::ok:
+      return {"ok   ", "\x1b[32m"};
+    case Outcome::failed:
+      return {"FAIL ", "\x1b[31m"};
+    case Outcome::crashed:
+      return {"CRASH", "\x1b[31m"};
+    case Outcome::hung:
+      return {"HANG ", "\x1b[31m"};
+    case Outcome::skipped:
+      return {"skip ", "\x1b[33m"};
+  }
+  return {"", ""};
+}
+
+// What a faulty library leaves behind need not be text.
+std::string printable(std::string text) {
+  const bool is_text = simdjson::validate_utf8(text.data(), text.size());
+  for (char& c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if ((byte < 0x20 && c != '\n') || byte == 0x7f || (byte >= 0x80 && !is_text)) c = '?';
+  }
+  return text;
+}
+
+// Lines of a text, each under the name of its check.
+void writeIndented(std::ostream& out, const std::string& text) {
+  std::string_view rest = text;
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    out << DETAIL_INDENT << rest.substr(0, end) << '\n';
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+}
+
+// One line, unless expected and came have lines of their own.
+void writeDifference(std::ostream& out, const difference_t& difference) {
+  const std::string expected = printable(difference.expected);
+  const std::string came = printable(difference.came);
+  if (expected.find('\n') == std::string::npos && came.find('\n') == std::string::npos &&
+      expected.size() + came.size() < 100) {
+    return writeIndented(out,
+                         printable(difference.where) + ": expected " + expected + ", came " + came);
+  }
+  writeIndented(out, printable(difference.where) + ":");
+  writeIndented(out, "  expected  " + expected);
+  writeIndented(out, "  came      " + came);
+}
+
+std::string quoted(const std::string& text) {
+  const std::string clean = printable(text);
+  std::string json;
+  writeJson(json, data_t(clean.c_str()));
+  return json;
+}
+
+std::string jsonOf(const difference_t& difference) {
+  return R"({"where":)" + quoted(difference.where) + R"(,"expected":)" +
+         quoted(difference.expected) + R"(,"came":)" + quoted(difference.came) + "}";
+}
+
+std::string jsonOf(const result_t& result) {
+  const verdict_t& verdict = result.verdict;
+  std::string json = R"({"name":)" + quoted(result.check->name) + R"(,"claim":)" +
+                     quoted(result.check->claim) + R"(,"outcome":")" + nameOf(verdict.outcome) +
+                     R"(","milliseconds":)" + std::to_string(result.time.count());
+  if (!verdict.reason.empty()) json += R"(,"reason":)" + quoted(verdict.reason);
+  if (!verdict.differences.empty()) {
+    json += R"(,"differences":[)";
+    for (const difference_t& each : verdict.differences) {
+      if (&each != &verdict.differences.front()) json += ',';
+      json += jsonOf(each);
+    }
+    json += "]";
+  }
+  if (!verdict.printed.empty()) json += R"(,"printed":)" + quoted(verdict.printed);
+  return json + "}";
+}
+
+std::string padded(std::string text, std::size_t width) {
+  text.resize(std::max(text.size(), width), ' ');
+  return text;
+}
+
+} // namespace
+
+int Counts::total() const noexcept { return std::accumulate(counts_.begin(), counts_.end(), 0); }
+
+void TextReport::add(const result_t& result) {
+  const verdict_t& verdict = result.verdict;
+  const style_t style = styleOf(verdict.outcome);
+  out_ << (coloured_ ? style.colour : "") << style.mark << (coloured_ ? "\x1b[0m" : "") << ' '
+       << listLine(*result.check);
+  if (verdict.outcome == Outcome::skipped) out_ << ": " << printable(verdict.reason);
+  out_ << '\n';
+  if (verdict.outcome != Outcome::skipped && !verdict.reason.empty()) {
+    writeIndented(out_, printable(verdict.reason));
+  }
+  for (const difference_t& each : verdict.differences) writeDifference(out_, each);
+  if (!verdict.printed.empty()) writeIndented(out_, "printed:\n" + printable(verdict.printed));
+  out_.flush();
+}
+
+void TextReport::close(const Counts& counts) {
+  out_ << '\n'
+       << printable(heading_.path) << ": " << counts.total() << " checks, "
+       << counts.of(Outcome::ok) << " ok, " << counts.of(Outcome::failed) << " failed, "
+       << counts.of(Outcome::crashed) << " crashed, " << counts.of(Outcome::hung) << " hung, "
+       << counts.of(Outcome::skipped) << " skipped; seed " << heading_.seed << '\n';
+  out_.flush();
+}
+
+JsonReport::JsonReport(std::ostream& out, const heading_t& heading) : out_(out) {
+  out_ << "{\"library\":" << quoted(heading.path) << ",\"seed\":" << heading.seed
+       << ",\"loads\":" << (heading.loads ? "true" : "false") << ",\"checks\":[";
+}
+
+void JsonReport::add(const result_t& result) {
+  out_ << (std::exchange(first_, false) ? "\n" : ",\n") << jsonOf(result);
+}
+
+void JsonReport::close(const Counts& counts) {
+  out_ << "\n],\"counts\":{";
+  for (const Outcome each :
+       {Outcome::ok, Outcome::failed, Outcome::crashed, Outcome::hung, Outcome::skipped}) {
+    out_ << (each == Outcome::ok ? "\"" : ",\"") << nameOf(each) << "\":" << counts.of(each);
+  }
+  out_ << "}}\n";
+  out_.flush();
+}
+
+std::string listLine(const check_t& check) {
+  return padded(check.name, NAME_WIDTH) + " " + check.claim;
+}
+
+} // namespace com::velanto::connectivity::tools::check

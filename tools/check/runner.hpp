@@ -1,0 +1,33 @@
+// Runs a check in a process of its own, so that nothing that a library does to its process (a crash,
+// a loop without end, a damaged heap) reaches the checks after it.
+//
+//   (1) fork, with two shared files: for records and for what is printed
+//   (2) wait for the child, at most the time limit; then kill it
+//   (3) judge its end
+#ifndef VLT_TOOLS_CHECK_RUNNER_HPP
+#define VLT_TOOLS_CHECK_RUNNER_HPP
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "tools/check/outcome.hpp"
+#include "tools/check/trial.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+struct surroundings_t {
+  std::string path; // of the library
+  std::uint64_t seed = 0;
+  std::chrono::milliseconds time_limit{};
+};
+
+// `body` runs in the child; an exception that leaves it is a difference. The caller must be the only
+// thread of its process. Throws std::system_error when there is no process to be had.
+[[nodiscard]] verdict_t runApart(const surroundings_t& surroundings,
+                                 const std::function<void(Trial&)>& body);
+
+} // namespace com::velanto::connectivity::tools::check
+
+#endif

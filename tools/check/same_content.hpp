@@ -1,0 +1,20 @@
+// Whether two values that hold no others are the same, for comparisons of whole trees. Stricter than
+// the equality of values: the bits of numbers count, so that 0.0 and -0.0 differ, and so do the
+// labels of custom objects.
+#ifndef VLT_TOOLS_CHECK_SAME_CONTENT_HPP
+#define VLT_TOOLS_CHECK_SAME_CONTENT_HPP
+
+#include "value/data_t.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+// A number is the same as another of the same bits. What is no number comes in many bits: a plug-in
+// that moves one keeps them, while whoever writes one down as text cannot say which are meant.
+enum class NotANumber { sameBits, anyBits };
+
+// Both are of one kind, which is neither list nor map. A missing text equals a missing text only.
+[[nodiscard]] bool sameContent(const data_t& left, const data_t& right, NotANumber rule);
+
+} // namespace com::velanto::connectivity::tools::check
+
+#endif

@@ -1,0 +1,187 @@
+// A codec's life, in the host's order and in others that must do no harm.
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "standin/standin.h"
+#include "tools/check/blocks.hpp"
+#include "tools/check/chain.hpp"
+#include "tools/check/examples.hpp"
+#include "tools/check/suites/suites.hpp"
+#include "tools/check/values.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+namespace {
+
+// Sends a plain event and expects it at the codec's host link.
+void expectWorks(Trial& trial, const std::string& when, Codec& codec) {
+  Message message = plainEvent("1");
+  trial.equal(when + ", sendBatchTowardsHost", 0, codec.towardsHost({&message, 1}));
+  trial.equal(when + ", events", 1, codec.host.messages.size());
+  codec.host.messages.clear();
+}
+
+void inOrder(Trial& trial) {
+  const Books books;
+  {
+    Chain chain(trial);
+    trial.equal("start", 0, chain.codec.start());
+    trial.equal("hostReady", 0, chain.codec.hostReady());
+    expectWorks(trial, "after hostReady", chain.codec);
+    Message down(value("5"));
+    trial.equal("sendBatchTowardsTransport", 0, chain.codec.towardsTransport({&down, 1}));
+    trial.equal("messages at the transport", 1, chain.codec.transport.messages.size());
+    trial.equal("shutdown", 0, chain.codec.shutdown());
+    trial.equal("destroy", 0, chain.codec.destroy());
+    chain.expectLog("a life", {});
+  }
+  books.expectBack(trial, "after unloading");
+}
+
+void outOfOrder(Trial& trial) {
+  Chain chain(trial);
+  trial.equal("shutdown before start", 0, chain.codec.shutdown());
+  trial.equal("hostReady before start", 0, chain.codec.hostReady());
+  trial.equal("start", 0, chain.codec.start());
+  trial.equal("a second start", 0, chain.codec.start());
+  trial.equal("shutdown", 0, chain.codec.shutdown());
+  trial.equal("a second shutdown", 0, chain.codec.shutdown());
+  expectWorks(trial, "after shutdown", chain.codec);
+  chain.expectLog("out of order", {});
+}
+
+void batchBeforeStart(Trial& trial) {
+  Chain chain(trial);
+  expectWorks(trial, "before start", chain.codec);
+}
+
+void batchBeforeLinks(Trial& trial) {
+  Log log;
+  const PluginLibrary library = load(trial);
+  Codec codec(trial, library, value(R"({"tenantId": "t1"})"));
+  std::vector<Message> batch;
+  batch.push_back(plainEvent("1"));
+  batch.push_back(plainEvent("2", UNKNOWN_PATH));
+  trial.equal("sendBatchTowardsHost", 0, codec.towardsHost(batch));
+  trial.equal("sendBatchTowardsTransport", 0, codec.towardsTransport(batch));
+  trial.equal("type of the event in the batch", "com.tivra.ostrovia.Event",
+              textAt(batch[0].getMetadataMap(), "vlt.type"));
+  trial.equal("log",
+              lines_t{dropped(" ('id' = '2'): Unrecognised Pulsar message type: 'inventory'")},
+              log.take());
+}
+
+void startWithoutLinks(Trial& trial) {
+  const PluginLibrary library = load(trial);
+  Codec codec(trial, library, value(R"({"tenantId": ""})"));
+  trial.equal("start", 0, codec.start());
+  trial.equal("hostReady", 0, codec.hostReady());
+  trial.equal("shutdown", 0, codec.shutdown());
+}
+
+void hooksCallNothing(Trial& trial) {
+  Chain chain(trial);
+  standin_reset_calls();
+  chain.codec.start();
+  chain.codec.hostReady();
+  chain.codec.shutdown();
+  trial.equal("calls of host functions", 0, standin_calls_total());
+}
+
+void destroyAtOnce(Trial& trial) {
+  const PluginLibrary library = load(trial);
+  const Books books;
+  for (int i = 0; i < 50; ++i) {
+    Codec codec(trial, library, value(R"({"tenantId": "t1", "towardsHostChannelPrefix": "p.",
+                          "measurementSplittingChannel": "m"})"));
+    trial.equal("created", true, codec.made());
+    trial.equal("destroy", 0, codec.destroy());
+  }
+  books.expectBack(trial, "after 50 codecs");
+}
+
+void destroySetsNoStatus(Trial& trial) {
+  Chain chain(trial);
+  standin_reset_calls();
+  chain.codec.destroy();
+  trial.equal("calls of vlt_set_user_status_map", 0, standin_calls(STANDIN_SET_USER_STATUS_MAP));
+}
+
+void linksAreReplaced(Trial& trial) {
+  Chain chain(trial);
+  Link second;
+  trial.equal("setNextTowardsHost", 0, chain.codec.setNextTowardsHost(&second, Link::take));
+  chain.send(plainEvent("1"));
+  trial.equal("batches at the first link", 0, chain.codec.host.calls.size());
+  trial.equal("batches at the second link", 1, second.calls.size());
+}
+
+void sameNames(Trial& trial) {
+  Chain chain(trial);
+  auto twin = std::make_unique<Codec>(trial, chain.loaded, value(R"({"tenantId": "t2"})"));
+  twin->link();
+  Message message = plainEvent("1");
+  twin->towardsHost({&message, 1});
+  if (trial.equal("events of the second codec", 1, twin->host.messages.size())) {
+    trial.equal("tenant of the second codec", "t2",
+                textAt(twin->host.messages[0].getPayload(), "tenantId"));
+  }
+  twin.reset();
+  const std::vector<Message> events = chain.send(plainEvent("1"));
+  if (trial.equal("events of the first codec", 1, events.size())) {
+    trial.equal("tenant of the first codec", "t1", textAt(events[0].getPayload(), "tenantId"));
+  }
+  chain.expectLog("two codecs of one name", {});
+}
+
+void keptApart(Trial& trial) {
+  Chain chain(trial, R"({"tenantId": "t1", "towardsHostChannelPrefix": "a."})");
+  Codec other(trial, chain.loaded, value(R"({"tenantId": "t2", "towardsHostChannelPrefix": "b."})"),
+              PLUGIN_NAME, "other");
+  other.link();
+  std::vector<Message> batch;
+  batch.push_back(plainEvent("1"));
+  batch.push_back(plainEvent("2", UNKNOWN_PATH));
+  other.towardsHost(batch);
+  if (trial.equal("events of the other codec", 1, other.host.messages.size())) {
+    const Message& event = other.host.messages[0];
+    trial.equal("channel of the other codec", "b.ostrovia.devices",
+                textAt(event.getMetadataMap(), "vlt.channel"));
+    trial.equal("tenant of the other codec", "t2", textAt(event.getPayload(), "tenantId"));
+  }
+  trial.equal("batches at the first codec's link", 0, chain.codec.host.calls.size());
+  chain.expectLog("the other codec",
+                  {"3 connectivity.codec.other <connectivity.codec.other> Error when transforming "
+                   "message towards host ('id' = '2'): Unrecognised Pulsar message type: "
+                   "'inventory'"});
+  const std::vector<Message> events = chain.send(plainEvent("1"));
+  if (trial.equal("events of the first codec", 1, events.size())) {
+    trial.equal("channel of the first codec", "a.ostrovia.devices",
+                textAt(events[0].getMetadataMap(), "vlt.channel"));
+  }
+}
+
+constexpr check_t LIFECYCLE_CHECKS[] = {
+    {"lifecycle.in-order", "every call succeeds in the host's order, and nothing is left", inOrder},
+    {"lifecycle.out-of-order", "hooks succeed in any order and twice, and the codec stays usable",
+     outOfOrder},
+    {"lifecycle.batch-before-start", "a batch before start is converted", batchBeforeStart},
+    {"lifecycle.batch-before-links", "a batch before links are set goes nowhere, without an error",
+     batchBeforeLinks},
+    {"lifecycle.start-without-links", "hooks succeed without links", startWithoutLinks},
+    {"lifecycle.hooks-call-nothing", "start, hostReady and shutdown call no host function",
+     hooksCallNothing},
+    {"lifecycle.destroy-at-once", "codecs that are destroyed at once leave nothing", destroyAtOnce},
+    {"lifecycle.destroy-sets-no-status", "destroy hands no user status over", destroySetsNoStatus},
+    {"lifecycle.links-are-replaced", "a new link takes the place of the one before",
+     linksAreReplaced},
+    {"lifecycle.same-names", "two codecs of the same names do not disturb each other", sameNames},
+    {"lifecycle.kept-apart", "settings, links and log of two codecs are kept apart", keptApart},
+};
+
+} // namespace
+
+suite_t lifecycleChecks() { return LIFECYCLE_CHECKS; }
+
+} // namespace com::velanto::connectivity::tools::check

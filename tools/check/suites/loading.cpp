@@ -1,0 +1,108 @@
+// Loading and unloading: what a host does when it is reconfigured, and must not pay for.
+#include <dlfcn.h>
+#include <malloc.h>
+
+#include <fstream>
+#include <stdexcept>
+#include <string>
+
+#include "tools/check/blocks.hpp"
+#include "tools/check/chain.hpp"
+#include "tools/check/counted_heap.hpp"
+#include "tools/check/suites/suites.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+namespace {
+
+std::string pathOf(const Trial& trial) {
+  const std::string& path = trial.path();
+  return path.find('/') == std::string::npos ? "./" + path : path;
+}
+
+void loadAndUnload(const std::string& path) {
+  void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr) throw std::runtime_error(std::string("cannot load ") + dlerror());
+  if (dlclose(handle) != 0) throw std::runtime_error(std::string("cannot unload ") + dlerror());
+}
+
+void loads(Trial& trial) { loadAndUnload(pathOf(trial)); }
+
+void freesItsBlocks(Trial& trial) {
+  const Books books;
+  loadAndUnload(pathOf(trial));
+  books.expectBack(trial, "after unloading");
+}
+
+void leavesTheProcess(Trial& trial) {
+  const std::string path = pathOf(trial);
+  loadAndUnload(path);
+  trial.holds(dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD) == nullptr, "after unloading",
+              "the library to be gone", "it is still loaded");
+}
+
+void isSilent(Trial& trial) {
+  Log log(1000);
+  loadAndUnload(pathOf(trial));
+  trial.equal("log", lines_t{}, log.take());
+  trial.equal("standard output and error", "", trial.printed());
+}
+
+std::int64_t mappings() {
+  std::ifstream maps("/proc/self/maps");
+  std::int64_t count = 0;
+  for (std::string line; std::getline(maps, line);) ++count;
+  return count;
+}
+
+void thousandTimes(Trial& trial) {
+  if (!countsHeap()) trial.skip("the sanitizer keeps records of every library that was loaded");
+  const std::string path = pathOf(trial);
+  loadAndUnload(path); // what the loader keeps for good, it has by now
+  const Books books;
+  const std::int64_t mapped = mappings();
+  for (int i = 0; i < 1000; ++i) loadAndUnload(path);
+  books.expectBack(trial, "after 1000 loads");
+  // The heap may take a segment or two more meanwhile; a library that stays takes at least four.
+  trial.holds(mappings() <= mapped + 20, "memory mappings after 1000 loads",
+              "at most 20 more than " + std::to_string(mapped), std::to_string(mappings()));
+}
+
+void heapStaysLevelOverLoads(Trial& trial) {
+  if (!countsHeap()) trial.skip("the sanitizer's heap does not tell what is in use");
+  const std::string path = pathOf(trial);
+  for (int i = 0; i < 20; ++i) loadAndUnload(path);
+  const std::size_t before = mallinfo2().uordblks;
+  for (int i = 0; i < 200; ++i) loadAndUnload(path);
+  const std::size_t after = mallinfo2().uordblks;
+  trial.holds(after < before + 1600, "heap in use after 200 loads",
+              "about " + std::to_string(before) + " bytes", std::to_string(after) + " bytes");
+}
+
+void livesAgain(Trial& trial) {
+  for (const char* const name : {"first", "second"}) {
+    const Books books;
+    { Chain chain(trial); }
+    books.expectBack(trial, std::string("after the ") + name + " life");
+  }
+}
+
+constexpr check_t LOADING_CHECKS[] = {
+    {"loading.loads", "the library is loaded with all its symbols bound, and unloaded", loads},
+    {"loading.frees-its-blocks", "unloading gives back every block of the host", freesItsBlocks},
+    {"loading.leaves-the-process", "an unloaded library is no longer in the process",
+     leavesTheProcess},
+    {"loading.is-silent", "loading and unloading log and print nothing", isSilent},
+    {"loading.thousand-times",
+     "a thousand loads and unloads leave blocks and mappings as they were", thousandTimes},
+    {"loading.heap-stays-level", "loading and unloading leak nothing of the C library's heap",
+     heapStaysLevelOverLoads},
+    {"loading.lives-again", "a codec of a library that was loaded anew works and leaves nothing",
+     livesAgain},
+};
+
+} // namespace
+
+suite_t loadingChecks() { return LOADING_CHECKS; }
+
+} // namespace com::velanto::connectivity::tools::check

@@ -1,0 +1,199 @@
+// What is logged, under which category, at which levels; and what is not.
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "standin/standin.h"
+#include "tools/check/chain.hpp"
+#include "tools/check/examples.hpp"
+#include "tools/check/suites/suites.hpp"
+#include "tools/check/values.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+namespace {
+
+constexpr const char* CONFIGURATION = R"({"tenantId": "t1"})";
+constexpr vlt_log_level_t TRACE = 6;
+
+// The trace of a message whose payload the host renders as `payload`.
+std::string traceOf(const std::string& payload) {
+  return line(TRACE, R"(Processing message: Message<metadata={"pulsarPath": "a/b/inventory"}, )"
+                     "payload=" +
+                         payload + ">");
+}
+
+Message unknown(const std::string& id) {
+  return notification("a/b/inventory", std::string_view(R"({"id": ")" + id + R"("})"));
+}
+
+std::string unknownLine(const std::string& id) {
+  return dropped(" ('id' = '" + id + "'): Unrecognised Pulsar message type: 'inventory'");
+}
+
+// Both the stand-in and the checks know how the stand-in renders {"id": "…"}.
+std::string rendered(const std::string& id) { return R"({"id": ")" + id + R"("})"; }
+
+void trace(Trial& trial) {
+  Chain chain(trial, CONFIGURATION, TRACE);
+  std::vector<Message> batch;
+  batch.push_back(unknown("1"));
+  batch.push_back(unknown("2"));
+  batch.emplace_back(value("7"));
+  chain.send(std::move(batch));
+  chain.expectLog(
+      "two notifications and a plain message",
+      {traceOf(rendered("1")), unknownLine("1"), traceOf(rendered("2")), unknownLine("2")});
+}
+
+void traceOfGood(Trial& trial) {
+  Chain chain(trial, CONFIGURATION, 9);
+  chain.send(plainEvent("1"));
+  const lines_t lines = chain.log.take();
+  if (!trial.equal("lines", 1, lines.size())) return;
+  const std::string beginning =
+      line(TRACE, R"(Processing message: Message<metadata={"pulsarPath": )" + std::string("\"") +
+                      EVENT_PATH + R"("}, payload={)");
+  trial.equal("line", beginning, lines[0].substr(0, beginning.size()));
+}
+
+void traceIsCut(Trial& trial) {
+  Chain chain(trial, CONFIGURATION, TRACE);
+  const std::size_t around = rendered("").size();
+  const std::string fits(200 - around, 'x');
+  chain.send(unknown(fits));
+  chain.expectLog("a payload of 200 bytes", {traceOf(rendered(fits)), unknownLine(fits)});
+  const std::string longer = fits + "x";
+  chain.send(unknown(longer));
+  chain.expectLog("a payload of 201 bytes",
+                  {traceOf(rendered(longer).substr(0, 196) + " ..."), unknownLine(longer)});
+}
+
+void traceIsOneLine(Trial& trial) {
+  Chain chain(trial, CONFIGURATION, TRACE);
+  Message message = unknown("1");
+  message.getPayload() = value(R"("a\nb\r\nc")");
+  chain.send(std::move(message));
+  const lines_t lines = chain.log.take();
+  if (!trial.equal("lines", 2, lines.size())) return;
+  trial.holds(lines[0].find('\n') == std::string::npos && lines[0].find('\r') == std::string::npos,
+              "trace", "no line break", lines[0]);
+}
+
+void traceCosts(Trial& trial) {
+  Chain chain(trial, CONFIGURATION, TRACE);
+  standin_reset_calls();
+  chain.send(plainEvent("1"));
+  trial.equal("texts rendered for one notification", 2, standin_calls(STANDIN_DATA_TO_STRING));
+}
+
+void noTraceBelow(Trial& trial) {
+  Chain chain(trial, CONFIGURATION, TRACE - 1);
+  standin_reset_calls();
+  std::vector<Message> batch;
+  batch.push_back(plainEvent("1"));
+  batch.push_back(unknown("2"));
+  chain.send(std::move(batch));
+  trial.equal("texts rendered", 0, standin_calls(STANDIN_DATA_TO_STRING));
+  chain.expectLog("at level 5", {unknownLine("2")});
+}
+
+void noDropsBelow(Trial& trial) {
+  Chain chain(trial, CONFIGURATION, 2);
+  standin_reset_calls();
+  chain.send(unknown("1"));
+  trial.equal("calls of vlt_log_at", 0, standin_calls(STANDIN_LOG_AT));
+  chain.expectLog("a dropped message at level 2", {});
+  chain.codec.setNextTowardsHost(nullptr, nullptr);
+  trial.equal("lines for a refused link at level 2", 1, chain.log.take().size());
+}
+
+void nothingAtAll(Trial& trial) {
+  Chain chain(trial, CONFIGURATION, 0);
+  chain.send(unknown("1"));
+  chain.codec.setNextTowardsHost(nullptr, nullptr);
+  chain.expectLog("at level 0", {});
+}
+
+void category(Trial& trial) {
+  Log log;
+  const PluginLibrary library = load(trial);
+  Codec codec(trial, library, value(CONFIGURATION), "a name", "a%schain");
+  codec.link();
+  Message message = unknown("1");
+  codec.towardsHost({&message, 1});
+  trial.equal("log",
+              lines_t{"3 connectivity.a name.a%schain <connectivity.a name.a%schain> Error when "
+                      "transforming message towards host ('id' = '1'): Unrecognised Pulsar message "
+                      "type: 'inventory'"},
+              log.take());
+}
+
+// The level is that of the codec's own category, asked for when the codec is made.
+void levelOfCreation(Trial& trial) {
+  Chain chain(trial, CONFIGURATION, TRACE - 1);
+  standin_set_default_log_level(TRACE);
+  chain.send(plainEvent("1"));
+  chain.expectLog("raised after creation", {});
+  standin_set_log_level("connectivity.codec.chain", TRACE);
+  standin_set_default_log_level(0);
+  Codec codec(trial, chain.loaded, chain.configuration);
+  codec.link();
+  Message message = plainEvent("1");
+  codec.towardsHost({&message, 1});
+  trial.equal("lines of a codec whose category has level 6", 1, chain.log.take().size());
+}
+
+void silentWhenGood(Trial& trial) {
+  Chain chain(trial, CONFIGURATION, TRACE - 1);
+  chain.codec.start();
+  chain.codec.hostReady();
+  std::vector<Message> batch;
+  for (const example_t& example : workedExamples()) batch.push_back(notificationOf(example));
+  chain.send(std::move(batch));
+  chain.codec.shutdown();
+  chain.codec.destroy();
+  chain.expectLog("a life without faults", {});
+  trial.equal("standard output and error", "", trial.printed());
+}
+
+// A typed read of the wrong kind leaves a line on standard error; nothing else ever does.
+void wrongKindLine(Trial& trial) {
+  Chain chain(trial);
+  std::vector<Message> batch;
+  batch.push_back(unknown("1"));
+  batch.push_back(notification(EVENT_PATH, std::string_view(R"({"id": 5})")));
+  chain.send(std::move(batch));
+  trial.equal("standard error after other faults", "", trial.printed());
+  chain.send(notification(EVENT_PATH, std::string_view("5")));
+  const std::string printed = trial.printed();
+  trial.equal("lines on standard error for a payload that is no map", 1,
+              std::count(printed.begin(), printed.end(), '\n'));
+  trial.equal("standard error", "GetVisitor<", printed.substr(0, 11));
+}
+
+constexpr check_t LOG_CHECKS[] = {
+    {"log.trace", "at level 6 each notification is shown before it is touched, in one line", trace},
+    {"log.trace-of-good", "notifications that convert are traced as well, at higher levels too",
+     traceOfGood},
+    {"log.trace-is-cut", "a payload of more than 200 bytes is cut to 200", traceIsCut},
+    {"log.trace-is-one-line", "line breaks in a payload do not break the trace", traceIsOneLine},
+    {"log.trace-costs", "a trace renders payload and metadata once each", traceCosts},
+    {"log.no-trace-below", "below level 6 nothing is rendered and nothing traced", noTraceBelow},
+    {"log.no-drops-below", "below level 3 dropped messages are not logged, failures of calls are",
+     noDropsBelow},
+    {"log.nothing-at-level-0", "at level 0 nothing is logged", nothingAtAll},
+    {"log.category", "category and label are made of the names, which are no formats", category},
+    {"log.level-of-creation", "the level is the category's when the codec is made",
+     levelOfCreation},
+    {"log.silent-when-good", "without faults nothing is logged below 6 and nothing printed",
+     silentWhenGood},
+    {"log.wrong-kind-line", "a read of a wrong kind prints one line, other faults none",
+     wrongKindLine},
+};
+
+} // namespace
+
+suite_t logChecks() { return LOG_CHECKS; }
+
+} // namespace com::velanto::connectivity::tools::check

@@ -1,0 +1,183 @@
+// Memory that runs out: the n-th allocation refused, for every n until none is left to refuse.
+#include <string>
+#include <vector>
+
+#include "standin/standin.h"
+#include "tools/check/blocks.hpp"
+#include "tools/check/chain.hpp"
+#include "tools/check/examples.hpp"
+#include "tools/check/suites/suites.hpp"
+#include "tools/check/values.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+namespace {
+
+// Far beyond what any of this needs: a library that never comes to an end is stopped here.
+constexpr std::uint64_t MOST_ALLOCATIONS = 2000;
+
+// Runs `attempt` with the first allocation refused, then the second, and so on, until it ran without
+// a refusal; `attempt` is told whether one was refused by asking standin_failed_allocations.
+template <class Attempt>
+void withEachRefused(Trial& trial, const Attempt& attempt) {
+  for (std::uint64_t n = 1; n <= MOST_ALLOCATIONS; ++n) {
+    attempt(n);
+    if (standin_failed_allocations() == 0) {
+      trial.holds(n > 1, "allocations", "at least one", "none");
+      return;
+    }
+    if (trial.differences() > 0) return; // the next ones would say the same
+  }
+  trial.holds(false, "allocations", "an end", "more than " + std::to_string(MOST_ALLOCATIONS));
+}
+
+std::string nth(std::uint64_t n) { return "allocation " + std::to_string(n) + " refused"; }
+
+void creation(Trial& trial) {
+  Log log;
+  const PluginLibrary library = load(trial);
+  const data_t settings = value(R"({"tenantId": "t1", "towardsHostChannelPrefix": "p.",
+                                    "measurementSplittingChannel": "m"})");
+  withEachRefused(trial, [&](std::uint64_t n) {
+    const Books books;
+    standin_fail_allocation(n);
+    Codec codec(trial, library, settings);
+    standin_fail_allocation(0);
+    const bool refused = standin_failed_allocations() > 0;
+    trial.equal(nth(n) + ", codec made", !refused, codec.made());
+    trial.equal(nth(n) + ", log",
+                refused ? lines_t{line(2, "Exception from create: std::bad_alloc")} : lines_t{},
+                log.take());
+    codec.destroy();
+    books.expectBack(trial, nth(n));
+  });
+}
+
+bool isReport(const std::string& came, const std::string& id) {
+  return came == dropped(": std::bad_alloc") ||
+         came == dropped(" ('id' = '" + id + "'): std::bad_alloc");
+}
+
+// Before or after the message's turn: its own is the only one that may be lost.
+void conversions(Trial& trial) {
+  for (const example_t& example : workedExamples()) {
+    Chain chain(trial);
+    withEachRefused(trial, [&](std::uint64_t n) {
+      const std::string where = std::string(example.shows) + ", " + nth(n);
+      const Books books;
+      std::vector<Message> batch;
+      batch.push_back(notificationOf(example));
+      const std::string id = textAt(batch[0].getPayload(), "id");
+      standin_fail_allocation(n);
+      const int result = chain.codec.towardsHost(batch);
+      standin_fail_allocation(0);
+      const bool refused = standin_failed_allocations() > 0;
+      trial.equal(where + ", result", 0, result);
+      trial.equal(where + ", events", refused ? 0 : 1, chain.codec.host.messages.size());
+      const lines_t lines = chain.log.take();
+      trial.equal(where + ", log lines", refused ? 1 : 0, lines.size());
+      if (lines.size() == 1) {
+        trial.holds(isReport(lines[0], id), where + ", log", dropped(": std::bad_alloc"), lines[0]);
+      }
+      for (Message& event : chain.codec.host.messages) batch.push_back(std::move(event));
+      chain.codec.host.messages.clear();
+      expectOwnership(trial, where, books.before(), batch);
+    });
+  }
+}
+
+void theBatchGoesOn(Trial& trial) {
+  Chain chain(trial);
+  withEachRefused(trial, [&](std::uint64_t n) {
+    std::vector<Message> batch;
+    for (const char* const id : {"1", "2", "3"}) batch.push_back(plainEvent(id));
+    standin_fail_allocation(n);
+    chain.codec.towardsHost(batch);
+    standin_fail_allocation(0);
+    const bool refused = standin_failed_allocations() > 0;
+    trial.equal(nth(n) + ", events", refused ? 2 : 3, chain.codec.host.messages.size());
+    chain.codec.host.messages.clear();
+    trial.equal(nth(n) + ", log lines", refused ? 1 : 0, chain.log.take().size());
+  });
+}
+
+// Dropping takes memory of its own; a report may be short, but the message must go.
+void dropping(Trial& trial) {
+  Chain chain(trial, R"({"tenantId": "t1"})", 6);
+  for (std::uint64_t n = 1; n <= 40; ++n) {
+    const Books books;
+    std::vector<Message> batch;
+    batch.push_back(plainEvent("1", UNKNOWN_PATH));
+    standin_fail_allocation(n);
+    trial.equal(nth(n) + ", result", 0, chain.codec.towardsHost(batch));
+    standin_fail_allocation(0);
+    trial.equal(nth(n) + ", events", 0, chain.codec.host.messages.size());
+    expectOwnership(trial, nth(n), books.before(), batch);
+    static_cast<void>(chain.log.take());
+  }
+}
+
+void noneAtAll(Trial& trial) {
+  Chain chain(trial);
+  const Books books;
+  std::vector<Message> batch;
+  for (const char* const id : {"1", "2"}) batch.push_back(plainEvent(id));
+  standin_fail_allocations_from(1);
+  const int result = chain.codec.towardsHost(batch);
+  standin_fail_allocation(0);
+  trial.equal("sendBatchTowardsHost", 0, result);
+  trial.equal("events", 0, chain.codec.host.messages.size());
+  chain.expectLog("both reported, with their ids", {dropped(" ('id' = '1'): std::bad_alloc"),
+                                                    dropped(" ('id' = '2'): std::bad_alloc")});
+  expectOwnership(trial, "without any memory", books.before(), batch);
+  trial.equal("events afterwards", 1, chain.send(plainEvent("3")).size());
+}
+
+void fromThenOn(Trial& trial) {
+  Chain chain(trial);
+  for (std::uint64_t n = 1; n <= 60; ++n) {
+    const Books books;
+    std::vector<Message> batch;
+    for (const example_t& example : workedExamples()) batch.push_back(notificationOf(example));
+    standin_fail_allocations_from(n);
+    const int result = chain.codec.towardsHost(batch);
+    standin_fail_allocation(0);
+    trial.equal(nth(n) + " and all after it, result", 0, result);
+    for (Message& event : chain.codec.host.messages) batch.push_back(std::move(event));
+    chain.codec.host.messages.clear();
+    expectOwnership(trial, nth(n) + " and all after it", books.before(), batch);
+    static_cast<void>(chain.log.take());
+  }
+}
+
+void passing(Trial& trial) {
+  Chain chain(trial);
+  std::vector<Message> batch;
+  batch.emplace_back(value(R"({"a": 1})"));
+  batch.push_back(notification(EVENT_PATH, data_t()));
+  standin_fail_allocations_from(1);
+  trial.equal("towards the host", 0, chain.codec.towardsHost(batch));
+  standin_fail_allocation(0);
+  trial.equal("messages at the host", 2, chain.codec.host.messages.size());
+  trial.equal("allocations refused", 0, standin_failed_allocations());
+}
+
+constexpr check_t MEMORY_CHECKS[] = {
+    {"memory.creation", "create fails cleanly at whichever allocation memory ends", creation},
+    {"memory.conversions",
+     "a conversion fails cleanly at whichever allocation memory ends, for all five kinds",
+     conversions},
+    {"memory.batch-goes-on", "memory that ends once costs one message of a batch", theBatchGoesOn},
+    {"memory.dropping", "a message is dropped even when there is no memory to report it", dropping},
+    {"memory.none-at-all", "without any memory a batch is dropped, and the codec stays usable",
+     noneAtAll},
+    {"memory.from-then-on", "memory that ends for good leaves nothing owned twice or by nobody",
+     fromThenOn},
+    {"memory.passing", "what only passes needs no memory", passing},
+};
+
+} // namespace
+
+suite_t memoryChecks() { return MEMORY_CHECKS; }
+
+} // namespace com::velanto::connectivity::tools::check

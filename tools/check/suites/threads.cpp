@@ -1,0 +1,122 @@
+// Several threads at once: each with a codec of its own, or with messages of its own in one codec.
+#include <barrier>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tools/check/blocks.hpp"
+#include "tools/check/chain.hpp"
+#include "tools/check/examples.hpp"
+#include "tools/check/suites/suites.hpp"
+#include "tools/check/values.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+namespace {
+
+constexpr int BATCHES = 300;
+
+// Sends batches of events with an id of this thread and expects each back as it must be.
+void sendAndExpect(Trial& trial, Codec& codec, Link& link, const std::string& id,
+                   const char* tenant) {
+  data_t expected = plainEventPayload(id);
+  set(expected, "tenantId", data_t(tenant));
+  for (int i = 0; i < BATCHES; ++i) {
+    std::vector<Message> batch;
+    batch.push_back(plainEvent(id));
+    batch.push_back(plainEvent(id, UNKNOWN_PATH));
+    batch.push_back(plainEvent(id));
+    trial.equal(id + ": result", 0, codec.towardsHost(batch));
+    if (!trial.equal(id + ": events", 2, link.messages.size())) return;
+    for (const Message& event : link.messages) {
+      if (!same(trial, id + ": payload", expected, event.getPayload())) return;
+    }
+    link.messages.clear();
+  }
+}
+
+void twoCodecs(Trial& trial) {
+  Log log;
+  const PluginLibrary library = load(trial);
+  const Books books;
+  std::barrier together(2);
+  const auto work = [&](const char* id, const char* tenant) {
+    const std::string json = std::string(R"({"tenantId": ")") + tenant + R"("})";
+    Codec codec(trial, library, value(json), PLUGIN_NAME, id);
+    codec.link();
+    together.arrive_and_wait();
+    sendAndExpect(trial, codec, codec.host, id, tenant);
+  };
+  std::thread other(work, "other-id", "t2");
+  work("first-id", "t1");
+  other.join();
+  trial.equal("log lines", 2 * BATCHES, log.take().size());
+  books.expectBack(trial, "after both codecs");
+}
+
+// The link tells the threads apart: it keeps what it is sent by its own thread.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): one a thread
+thread_local std::vector<Message>* mine = nullptr;
+
+void keepMine(void*, vlt_underlying_message_t* start, vlt_underlying_message_t* end) {
+  auto* const last = reinterpret_cast<Message*>(end);
+  for (auto* m = reinterpret_cast<Message*>(start); m != last; ++m) mine->push_back(std::move(*m));
+}
+
+void oneCodec(Trial& trial) {
+  Chain chain(trial);
+  chain.codec.setNextTowardsHost(nullptr, keepMine);
+  std::barrier together(2);
+  const auto work = [&](const char* id) {
+    Link link; // for its messages only
+    mine = &link.messages;
+    together.arrive_and_wait();
+    sendAndExpect(trial, chain.codec, link, id, "t1");
+  };
+  std::thread other(work, "other-id");
+  work("first-id");
+  other.join();
+  trial.equal("log lines", 2 * BATCHES, chain.log.take().size());
+}
+
+void createAndDestroy(Trial& trial) {
+  const Log log;
+  const PluginLibrary library = load(trial);
+  const Books books;
+  std::barrier together(2);
+  const auto work = [&](const char* id) {
+    together.arrive_and_wait();
+    for (int i = 0; i < BATCHES; ++i) {
+      Codec codec(trial, library, value(R"({"tenantId": "t1"})"), PLUGIN_NAME, id);
+      if (!trial.equal("created", true, codec.made())) return;
+    }
+  };
+  std::thread other(work, "other");
+  work("first");
+  other.join();
+  books.expectBack(trial, "after all codecs");
+}
+
+// A host's threads come and go; a codec does not belong to the one that made it.
+void handedOver(Trial& trial) {
+  Chain chain(trial);
+  const auto in_a_thread = [](const auto& call) { std::thread(call).join(); };
+  in_a_thread([&] { trial.equal("start", 0, chain.codec.start()); });
+  in_a_thread([&] { sendAndExpect(trial, chain.codec, chain.codec.host, "1", "t1"); });
+  in_a_thread([&] { trial.equal("destroy", 0, chain.codec.destroy()); });
+}
+
+constexpr check_t THREADS_CHECKS[] = {
+    {"threads.two-codecs", "two codecs in two threads do not disturb each other", twoCodecs},
+    {"threads.one-codec", "one codec serves two threads with messages of their own", oneCodec},
+    {"threads.create-and-destroy", "codecs are made and destroyed in two threads at once",
+     createAndDestroy},
+    {"threads.handed-over", "a codec may be started, used and destroyed by different threads",
+     handedOver},
+};
+
+} // namespace
+
+suite_t threadsChecks() { return THREADS_CHECKS; }
+
+} // namespace com::velanto::connectivity::tools::check

@@ -1,0 +1,82 @@
+// One check under way, in its own process: what it is told, and where it says what did not hold.
+// Expectations do not end a check; what is found after the first of them is worth reading too.
+#ifndef VLT_TOOLS_CHECK_TRIAL_HPP
+#define VLT_TOOLS_CHECK_TRIAL_HPP
+
+#include <concepts>
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace com::velanto::connectivity::tools::check {
+
+// How values stand in a report.
+[[nodiscard]] inline std::string shown(const std::string& text) { return text; }
+[[nodiscard]] inline std::string shown(const char* text) { return text == nullptr ? "null" : text; }
+[[nodiscard]] inline std::string shown(bool value) { return value ? "true" : "false"; }
+// Lines of a log.
+using lines_t = std::vector<std::string>;
+[[nodiscard]] std::string shown(const lines_t& lines);
+template <std::integral Number>
+[[nodiscard]] std::string shown(Number value) {
+  return std::to_string(value);
+}
+
+// Thrown by skip(), caught by whoever runs checks.
+struct skipped_t {};
+
+class Trial {
+ public:
+  // Differences that a report holds; more of them would say nothing new.
+  static constexpr int MOST_DIFFERENCES = 8;
+
+  // `records` is a descriptor to write records to, `printed` one that holds what was printed.
+  Trial(std::string path, std::uint64_t seed, int records, int printed)
+      : path_(std::move(path)), seed_(seed), records_(records), printed_(printed) {}
+  Trial(const Trial&) = delete;
+  Trial& operator=(const Trial&) = delete;
+  ~Trial() = default;
+
+  // Where the library that is checked lies.
+  [[nodiscard]] const std::string& path() const noexcept { return path_; }
+  // For checks that throw dice: the same seed, the same dice.
+  [[nodiscard]] std::uint64_t seed() const noexcept { return seed_; }
+
+  // Expectations; may be called from several threads. False when it did not hold.
+  bool holds(bool condition, std::string_view where, std::string_view expected,
+             std::string_view came);
+  template <class Expected, class Came>
+  bool equal(std::string_view where, const Expected& expected, const Came& came) {
+    const std::string left = shown(expected);
+    const std::string right = shown(came);
+    return holds(left == right, where, left, right);
+  }
+
+  [[nodiscard]] int differences() const noexcept { return differences_; }
+
+  // All that this process has printed, the library's own output included.
+  [[nodiscard]] std::string printed() const;
+
+  // Ends the check as one that cannot be done here.
+  [[noreturn]] void skip(std::string_view reason) const;
+
+  // Says that the check came to its end.
+  void finish() const;
+
+ private:
+  void write(std::initializer_list<std::string_view> fields) const;
+
+  std::string path_;
+  std::uint64_t seed_;
+  int records_;
+  int printed_;
+  std::mutex lock_; // guards the records and their number
+  int differences_ = 0;
+};
+
+} // namespace com::velanto::connectivity::tools::check
+
+#endif

@@ -1,0 +1,187 @@
+#include "tools/check/values.hpp"
+
+#include <cstring>
+#include <new>
+#include <optional>
+#include <span>
+
+#include "ndjson/json_reader.hpp"
+#include "ndjson/json_writer.hpp"
+#include "standin/standin.h"
+#include "tools/check/same_content.hpp"
+#include "value/get_visitor.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+namespace {
+
+data_t adopted(std::uint32_t tag, vlt_underlying_content_t content) {
+  vlt_underlying_data_t raw{};
+  raw.value = content;
+  raw.tag = tag;
+  return data_t::adopt(raw);
+}
+
+bool sameLists(Trial& trial, const std::string& where, const list_t& expected, const list_t& came) {
+  if (!trial.equal(where + ", elements", expected.size(), came.size())) return false;
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    if (!same(trial, where + "[" + std::to_string(i) + "]", expected[i], came[i])) return false;
+  }
+  return true;
+}
+
+// What JSON does not show: the kind.
+std::string shownWithKind(const data_t& value) {
+  std::string kind = kind_name(value.type_tag());
+  if (value.type_tag() == VLT_TAG_BORROWED_STRING) kind = "borrowed string";
+  return value.empty() ? "an empty value" : kind + " " + shown(value);
+}
+
+// The tables and lists behind a value are few and flat: recursion will do.
+void appendBytes(std::string& bytes, const vlt_underlying_data_t& value) {
+  bytes.append(reinterpret_cast<const char*>(&value), 12); // content and tag, not the padding
+  if (value.tag == VLT_TAG_MAP && value.value.map != nullptr) {
+    const vlt_underlying_map_table_t* const table = value.value.map;
+    bytes.append(reinterpret_cast<const char*>(table), sizeof *table);
+    const auto* const slots = reinterpret_cast<const vlt_underlying_map_table_entry_t*>(table + 1);
+    for (const auto& slot : std::span(slots, static_cast<std::size_t>(table->capacity))) {
+      bytes.append(reinterpret_cast<const char*>(&slot.hash), sizeof slot.hash);
+      appendBytes(bytes, slot.key);
+      appendBytes(bytes, slot.value);
+    }
+  } else if (value.tag == VLT_TAG_LIST && value.value.list != nullptr) {
+    const vlt_underlying_vector_t* const list = value.value.list;
+    bytes.append(reinterpret_cast<const char*>(list), sizeof *list);
+    const auto* const elements = reinterpret_cast<const vlt_underlying_data_t*>(list + 1);
+    for (const auto& element : std::span(elements, static_cast<std::size_t>(list->count))) {
+      appendBytes(bytes, element);
+    }
+  } else if (value.tag == VLT_TAG_STRING && value.value.string != nullptr) {
+    bytes.append(value.value.string).append(1, '\0');
+  }
+}
+
+} // namespace
+
+data_t value(std::string_view json) {
+  thread_local JsonReader reader;
+  return reader.parseValue(json);
+}
+
+Message notification(const char* path, data_t&& payload) {
+  map_t metadata;
+  metadata[data_t("pulsarPath")] = data_t(path);
+  return Message(std::move(payload), std::move(metadata));
+}
+
+Message notification(const char* path, std::string_view payload) {
+  return notification(path, value(payload));
+}
+
+data_t borrowed(const char* text) {
+  vlt_underlying_content_t content{};
+  content.string = text;
+  return adopted(VLT_TAG_BORROWED_STRING, content);
+}
+
+data_t bare(std::uint32_t tag) { return adopted(tag, {}); }
+
+data_t decimal(std::uint64_t bits) { return data_t(vlt_underlying_decimal_t{bits}); }
+
+data_t buffer(std::string_view bytes) {
+  vlt_underlying_content_t content{};
+  content.buffer = standin_make_buffer(static_cast<std::uint32_t>(bytes.size()));
+  if (content.buffer == nullptr) throw std::bad_alloc();
+  std::memcpy(content.buffer + 1, bytes.data(), bytes.size());
+  return adopted(VLT_TAG_BUFFER, content);
+}
+
+data_t custom(std::uint64_t label) {
+  vlt_underlying_content_t content{};
+  content.custom = standin_make_custom(label);
+  if (content.custom.object == nullptr) throw std::bad_alloc();
+  return adopted(VLT_TAG_CUSTOM, content);
+}
+
+void set(data_t& map, const char* key, data_t&& content) {
+  map.get<map_t>()[data_t(key)] = std::move(content);
+}
+
+const data_t* find(const data_t& map, const char* key) {
+  if (map.type_tag() != VLT_TAG_MAP) return nullptr;
+  return map.get<map_t>().find_value(data_t(key));
+}
+
+std::string textAt(const data_t& map, const char* key) {
+  const data_t* const found = find(map, key);
+  return found == nullptr || !found->is_string() ? "" : text_or_empty(found->get<const char*>());
+}
+
+std::string textAt(const map_t& map, const char* key) {
+  const data_t* const found = map.find_value(data_t(key));
+  return found == nullptr || !found->is_string() ? "" : text_or_empty(found->get<const char*>());
+}
+
+std::string shown(const data_t& value) {
+  std::string json;
+  writeJson(json, value);
+  return json;
+}
+
+std::string shown(const Message& message) {
+  std::string json;
+  writeJson(json, message);
+  return json;
+}
+
+bool same(Trial& trial, const std::string& where, const data_t& expected, const data_t& came) {
+  if (expected.type_tag() == came.type_tag()) {
+    if (expected.type_tag() == VLT_TAG_MAP) {
+      return same(trial, where, expected.get<map_t>(), came.get<map_t>());
+    }
+    if (expected.type_tag() == VLT_TAG_LIST) {
+      return sameLists(trial, where, expected.get<list_t>(), came.get<list_t>());
+    }
+    if (sameContent(expected, came, NotANumber::sameBits)) return true;
+  }
+  return trial.holds(false, where, shownWithKind(expected), shownWithKind(came));
+}
+
+bool same(Trial& trial, const std::string& where, const map_t& expected, const map_t& came) {
+  for (const auto& [key, content] : expected) {
+    const std::string place = where + "." + shown(key);
+    const data_t* const found = came.find_value(key);
+    if (found == nullptr) {
+      return trial.holds(false, place, shownWithKind(content), "no such entry");
+    }
+    if (!same(trial, place, content, *found)) return false;
+  }
+  std::size_t entries = 0;
+  for (const auto& [key, content] : came) {
+    ++entries;
+    if (expected.find_value(key) == nullptr) {
+      return trial.holds(false, where + "." + shown(key), "no such entry", shownWithKind(content));
+    }
+  }
+  return trial.equal(where + ", entries that the table counts", entries, came.size());
+}
+
+std::string bytesOf(const data_t& value) {
+  std::string bytes;
+  appendBytes(bytes, *value.underlying());
+  return bytes;
+}
+
+std::string bytesOf(const std::vector<Message>& messages) {
+  std::string bytes;
+  for (const Message& message : messages) {
+    appendBytes(bytes, *message.getPayload().underlying());
+    vlt_underlying_data_t metadata{};
+    metadata.tag = VLT_TAG_MAP;
+    metadata.value.map = const_cast<vlt_underlying_map_table_t*>(message.getMetadataMap().table());
+    appendBytes(bytes, metadata);
+  }
+  return bytes;
+}
+
+} // namespace com::velanto::connectivity::tools::check

@@ -1,0 +1,40 @@
+// Which messages of a run have gone the same way: the same fates of the same fields, whatever their
+// values. Of thousands of explanations, one of each way is worth reading.
+#ifndef VLT_TOOLS_EXPLAIN_ALIKE_HPP
+#define VLT_TOOLS_EXPLAIN_ALIKE_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "tools/explain/explanation.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+class Alike {
+ public:
+  // Ways that are told apart; more would be memory that grows with the input.
+  static constexpr std::size_t MOST = 1000;
+
+  void add(const record_t& record, const explanation_t& explanation);
+
+  // A table of the most frequent ways with the first message of each, in lines of at most 79
+  // columns and with an empty line before it; nothing without messages.
+  [[nodiscard]] std::string text() const;
+
+ private:
+  struct way_t {
+    std::uint64_t count = 0;
+    std::uint64_t first_number = 0; // of the record
+    std::string about;              // kind and outcome
+    std::string first;              // FILE:LINE
+  };
+
+  std::map<std::string, way_t> ways_;
+  std::uint64_t others_ = 0; // messages beyond MOST
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

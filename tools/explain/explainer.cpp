@@ -1,0 +1,68 @@
+#include "tools/explain/explainer.hpp"
+
+#include <utility>
+
+#include "tools/explain/silence.hpp"
+#include "tools/host/host_library.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+// Adds the blocks that are made and not given back during its life.
+class BlockCount {
+ public:
+  explicit BlockCount(std::int64_t& sum) noexcept : sum_(sum), before_(liveBlocks().value_or(0)) {}
+  BlockCount(const BlockCount&) = delete;
+  BlockCount& operator=(const BlockCount&) = delete;
+  ~BlockCount() { sum_ += liveBlocks().value_or(0) - before_; }
+
+ private:
+  std::int64_t& sum_;
+  std::int64_t before_;
+};
+
+} // namespace
+
+Explainer::Explainer(const PluginLibrary& library, const data_t& configuration, Direction direction,
+                     ExplanationForm form, std::ostream& out)
+    : form_(form), out_(out, "cannot write the explanations") {
+  const BlockCount count(lost_blocks_);
+  const Silence silence;
+  std::vector<log_line_t> ignored;
+  chain_.emplace(library, configuration, direction, ignored);
+}
+
+void Explainer::take(const record_t& record) {
+  if (record.pass > 0) return;
+  const auto start = std::chrono::steady_clock::now();
+  const explanation_t explanation = explanationOf(record);
+  if (record.outcome != Outcome::malformed) alike_.add(record, explanation);
+  // Texts are set apart by an empty line.
+  const bool first = std::exchange(first_, false);
+  if (!first && form_ != ExplanationForm::json && record.outcome != Outcome::malformed)
+    out_.write("\n");
+  out_.write(form_ == ExplanationForm::json
+                 ? explanationJson(record, explanation)
+                 : explanationText(record, explanation, form_ == ExplanationForm::coloured_text));
+  time_ += std::chrono::steady_clock::now() - start;
+}
+
+explanation_t Explainer::explanationOf(const record_t& record) {
+  if (record.outcome == Outcome::malformed) return {};
+  const BlockCount count(lost_blocks_);
+  const Silence silence;
+  const Message message = reader_.parseMessage(record.line);
+  Probe probe(message,
+              [this](Message& changed) { return std::move(chain_->send(std::span(&changed, 1))); });
+  return explain(record, probe);
+}
+
+void Explainer::finish() {
+  const BlockCount count(lost_blocks_);
+  const Silence silence;
+  chain_->shutdown();
+  chain_.reset(); // with what came out unasked
+}
+
+} // namespace com::velanto::connectivity::tools

@@ -1,0 +1,56 @@
+// Writes what became of the fields of each message. It asks a plug-in of its own in a chain of its
+// own, so nothing that it does is seen or counted in the run. A line that is read a second time is
+// not explained again.
+#ifndef VLT_TOOLS_EXPLAIN_EXPLAINER_HPP
+#define VLT_TOOLS_EXPLAIN_EXPLAINER_HPP
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <ostream>
+#include <vector>
+
+#include "tools/explain/alike.hpp"
+#include "tools/host/chain.hpp"
+#include "tools/record/output.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+enum class ExplanationForm { text, coloured_text, json };
+
+class Explainer final : public Consumer {
+ public:
+  // `library` and `out` must outlive it. Throws PluginError.
+  Explainer(const PluginLibrary& library, const data_t& configuration, Direction direction,
+            ExplanationForm form, std::ostream& out);
+
+  void take(const record_t& record) override;
+  void pause() override { out_.flush(); }
+
+  // Ends its plug-in.
+  void finish();
+
+  [[nodiscard]] const Alike& alike() const noexcept { return alike_; }
+  // Nobody reads the explanations any more.
+  [[nodiscard]] bool closed() const noexcept { return out_.closed(); }
+  // Time that explaining has taken.
+  [[nodiscard]] std::chrono::nanoseconds time() const noexcept { return time_; }
+  // Blocks of the host that its plug-in has kept for good, once it has ended.
+  [[nodiscard]] std::int64_t lostBlocks() const noexcept { return lost_blocks_; }
+
+ private:
+  [[nodiscard]] explanation_t explanationOf(const record_t& record);
+
+  ExplanationForm form_;
+  Output out_;
+  JsonReader reader_;
+  bool first_ = true;
+  Alike alike_;
+  std::chrono::nanoseconds time_{};
+  std::int64_t lost_blocks_ = 0;
+  std::optional<Chain> chain_;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

@@ -1,0 +1,53 @@
+// What has become of the fields of one message, as it is shown and written. Each leaf of what went
+// in is within one `from` of one row, and each leaf of what came out within one `to`; both stand
+// for all that is below them. `with` only refers to fields whose own fate another row tells.
+//
+//   unchanged   the same value at the same place
+//   renamed     the same value under another name, or at the top
+//   gathered    the same value in a list or map that the plug-in has put together
+//   copied      one more copy of a field (with) that has come out elsewhere, too
+//   converted   a value that follows from one or several fields, but is none of them
+//   replaced    came to nothing, since something else (with, or to) has its place
+//   added       a value that does not change whatever field is changed
+//   lost        came to nothing
+//   unknown     not followed: the message is too large to be run again for each field
+#ifndef VLT_TOOLS_EXPLAIN_FATES_HPP
+#define VLT_TOOLS_EXPLAIN_FATES_HPP
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "tools/explain/path.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+enum class Fate { unchanged, renamed, gathered, copied, converted, replaced, added, lost, unknown };
+
+[[nodiscard]] const char* nameOf(Fate fate) noexcept;
+
+// What comes of the message without a lost field: the same, nothing, the message as it went in, or
+// other fields.
+enum class Without { same, dropped, passed, different };
+
+[[nodiscard]] const char* nameOf(Without without) noexcept;
+
+struct place_t {
+  path_t path;
+  std::string json; // of a leaf; empty for a list or map, with all that is in it
+  bool operator==(const place_t&) const = default;
+};
+
+struct row_t {
+  Fate fate;
+  std::vector<place_t> from;
+  std::vector<place_t> to;
+  std::vector<place_t> with;
+  bool new_block = false;          // unchanged, renamed, gathered: a text that has been copied
+  Without without = Without::same; // lost and replaced
+  bool operator==(const row_t&) const = default;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

@@ -1,0 +1,76 @@
+#include "tools/explain/page.hpp"
+
+#include <algorithm>
+
+#include "tools/record/columns.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+constexpr std::size_t LABEL = 11;     // columns, with the blanks behind it
+constexpr std::size_t CONTINUED = 15; // columns before a line that goes on
+constexpr const char* MARGIN = "  ";
+
+// The bytes of the first `width` characters.
+std::size_t bytesOf(std::string_view text, std::size_t width) {
+  std::size_t end = 0;
+  for (std::size_t characters = 0; end < text.size(); ++end) {
+    const bool begins = (static_cast<unsigned char>(text[end]) & 0xC0) != 0x80;
+    if (begins && characters++ == width) break;
+  }
+  return end;
+}
+
+} // namespace
+
+std::string Page::coloured(std::string_view text, Colour colour) const {
+  if (!colour_ || colour == Colour::none) return std::string(text);
+  std::string result = "\x1B[";
+  result += std::to_string(static_cast<int>(colour));
+  return result.append("m").append(text).append("\x1B[0m");
+}
+
+void Page::heading(std::string_view text) {
+  out_ += coloured(text, Colour::bold) + "\n";
+  label_.clear();
+}
+
+void Page::entry(std::string_view label, Colour colour, const std::vector<std::string>& parts) {
+  const std::string shown = label == label_ ? "" : coloured(label, colour);
+  out_ += MARGIN + shown + std::string(LABEL - (label == label_ ? 0 : widthOf(label)), ' ');
+  label_ = label;
+  std::size_t room = WIDTH;
+  bool first = true;
+  for (const std::string& part : parts) {
+    const std::size_t width = widthOf(part);
+    if (!first && width + 1 > room) {
+      out_ += "\n" + std::string(CONTINUED, ' ');
+      room = WIDTH;
+      first = true;
+    }
+    if (!first) out_ += ' ';
+    room -= std::min(room, width + (first ? 0 : 1));
+    out_ += part;
+    first = false;
+  }
+  out_ += '\n';
+}
+
+void Page::text(std::string_view label, Colour colour, std::string_view text) {
+  std::vector<std::string> words;
+  while (!text.empty()) {
+    const std::size_t blank = text.find(' ');
+    std::string_view word = text.substr(0, blank);
+    text.remove_prefix(blank == std::string_view::npos ? text.size() : blank + 1);
+    while (widthOf(word) > WIDTH) {
+      const std::size_t bytes = bytesOf(word, WIDTH);
+      words.emplace_back(word.substr(0, bytes));
+      word.remove_prefix(bytes);
+    }
+    words.emplace_back(word);
+  }
+  entry(label, colour, words);
+}
+
+} // namespace com::velanto::connectivity::tools

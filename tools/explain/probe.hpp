@@ -1,0 +1,65 @@
+// Runs one message again and again, each time with something else changed, and tells what comes of
+// it. It knows no plug-in: whoever makes it says how to run a message.
+#ifndef VLT_TOOLS_EXPLAIN_PROBE_HPP
+#define VLT_TOOLS_EXPLAIN_PROBE_HPP
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "tools/explain/change.hpp"
+#include "tools/explain/trace.hpp"
+#include "tools/host/chain.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+// What came of one run.
+struct answer_t {
+  Trace before; // of the message as it went in
+  Trace after;  // of all that came out
+  std::size_t messages = 0;
+  std::string log; // the lines that say why something failed, each with its end
+
+  [[nodiscard]] bool cameOut() const noexcept { return messages > 0; }
+  [[nodiscard]] bool passed() const { return messages == 1 && before.sameContent(after); }
+};
+
+class Probe {
+ public:
+  // Sends one message, which is the caller's to change, through the plug-in.
+  using Plugin = std::function<passage_t(Message& message)>;
+
+  static constexpr std::size_t MOST_VALUES = 1'000'000; // some seconds
+
+  // `message` must outlive the probe. How many values are looked at in all runs together is bounded:
+  // a message of 1 000 values is run some 1 000 times at most, one of 20 000 values some 50 times.
+  Probe(const Message& message, Plugin plugin, std::size_t most_values = MOST_VALUES)
+      : message_(message), plugin_(std::move(plugin)), most_values_(most_values) {}
+
+  // The message as it is; always allowed.
+  answer_t ask() const { return run({}); }
+  // The message with `changes` made in this order; nothing when the bound is reached.
+  std::optional<answer_t> ask(std::span<const change_t> changes);
+  std::optional<answer_t> ask(const change_t& change) { return ask(std::span(&change, 1)); }
+
+  [[nodiscard]] const Message& message() const noexcept { return message_; }
+  // Runs with changes until now, and whether one more has been refused.
+  [[nodiscard]] std::size_t runs() const noexcept { return runs_; }
+  [[nodiscard]] bool exhausted() const noexcept { return exhausted_; }
+
+ private:
+  [[nodiscard]] answer_t run(std::span<const change_t> changes) const;
+
+  const Message& message_;
+  Plugin plugin_;
+  std::size_t most_values_;
+  std::size_t runs_ = 0;
+  std::size_t looked_at_ = 0; // values, in all runs
+  bool exhausted_ = false;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

@@ -1,0 +1,53 @@
+// Which call of the plug-in a log line belongs to: while a capture exists, what is logged on a
+// thread is filed with the list that the thread has named. A host library that keeps its log to
+// itself cannot be captured; it writes the lines itself.
+#ifndef VLT_TOOLS_HOST_LOG_CAPTURE_HPP
+#define VLT_TOOLS_HOST_LOG_CAPTURE_HPP
+
+#include <string>
+#include <vector>
+
+#include "host/types.h"
+
+namespace com::velanto::connectivity::tools {
+
+// Of the line that says why a message was dropped. Failures have lower levels, traces higher ones.
+inline constexpr vlt_log_level_t DROPPED_LEVEL = 3;
+
+struct log_line_t {
+  vlt_log_level_t level;
+  std::string text; // with the prefix in angle brackets, without a line end
+  bool operator==(const log_line_t&) const = default;
+};
+
+// One at a time in a process.
+class LogCapture {
+ public:
+  LogCapture() noexcept;
+  LogCapture(const LogCapture&) = delete;
+  LogCapture& operator=(const LogCapture&) = delete;
+  ~LogCapture();
+
+  // False: the host library does not hand out its lines.
+  [[nodiscard]] bool works() const noexcept { return works_; }
+
+ private:
+  bool works_;
+};
+
+// While it exists, the lines of this thread are added to `lines`. Lines of a thread without one go
+// to standard error.
+class LogScope {
+ public:
+  explicit LogScope(std::vector<log_line_t>& lines) noexcept;
+  LogScope(const LogScope&) = delete;
+  LogScope& operator=(const LogScope&) = delete;
+  ~LogScope();
+
+ private:
+  std::vector<log_line_t>* before_;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

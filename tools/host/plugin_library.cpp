@@ -1,0 +1,63 @@
+#include "tools/host/plugin_library.hpp"
+
+#include <dlfcn.h>
+
+#include <filesystem>
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+constexpr const char* CLASS_NAME = "OstroviaNotifications2Codec";
+constexpr std::uint64_t API_VERSION = 4;
+
+void* open(const std::string& path) {
+  void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr) throw PluginError(std::string("cannot load ") + dlerror());
+  return handle;
+}
+
+} // namespace
+
+void PluginLibrary::close_t::operator()(void* handle) const noexcept { dlclose(handle); }
+
+PluginLibrary::PluginLibrary(const std::string& path, Version accepted)
+    : path_(path.find('/') == std::string::npos ? "./" + path : path), handle_(open(path_)) {
+  load(apiVersion, "vlt_plugin_api_version_");
+  // Before the others: another version may well have other functions.
+  const std::uint64_t version = apiVersion();
+  if (accepted == Version::ours && version != API_VERSION) {
+    throw PluginError(path_ + " has interface version " + std::to_string(version) + ", expected " +
+                      std::to_string(API_VERSION));
+  }
+  load(productVersion, "vlt_plugin_product_version_");
+  load(checkIsCodec, "_vlt_plugin_checkIsCodec_");
+  load(create, "vlt_create_plugin_with_params_");
+  load(setNextTowardsHost, "vlt_plugin_setNextTowardsHost_");
+  load(setNextTowardsTransport, "vlt_plugin_setNextTowardsTransport_");
+  load(start, "vlt_plugin_start_");
+  load(hostReady, "vlt_plugin_hostReady_");
+  load(sendBatchTowardsHost, "vlt_plugin_sendBatchTowardsHost_");
+  load(sendBatchTowardsTransport, "vlt_plugin_sendBatchTowardsTransport_");
+  load(shutdown, "vlt_plugin_shutdown_");
+  load(destroy, "vlt_destroy_plugin_");
+}
+
+std::string PluginLibrary::defaultPath() {
+  const std::filesystem::path folder =
+      std::filesystem::read_symlink("/proc/self/exe").parent_path();
+  const std::string name = std::string("lib") + CLASS_NAME + ".so";
+  if (std::filesystem::exists(folder / name)) return folder / name;
+  return (folder / VLT_PLUGIN_FROM_TOOLS / name).lexically_normal();
+}
+
+template <class Function>
+void PluginLibrary::load(Function*& function, const char* operation) {
+  const std::string name = std::string(operation) + CLASS_NAME;
+  function = reinterpret_cast<Function*>(dlsym(handle_.get(), name.c_str()));
+  if (function == nullptr) {
+    throw PluginError(path_ + " is no plug-in: it has no function " + name);
+  }
+}
+
+} // namespace com::velanto::connectivity::tools

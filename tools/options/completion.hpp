@@ -1,0 +1,17 @@
+// A tool's completion for bash: options, their fixed values, and files where files belong.
+#ifndef VLT_TOOLS_OPTIONS_COMPLETION_HPP
+#define VLT_TOOLS_OPTIONS_COMPLETION_HPP
+
+#include <string>
+
+#include "tools/options/program.hpp"
+
+namespace com::velanto::connectivity::tools::manual {
+
+// The script, which bash reads once and asks from then on. Throws std::invalid_argument for an
+// argument of which it is not known what completes it, see ARGUMENTS in completion.cpp.
+[[nodiscard]] std::string bashCompletion(const program_t& program);
+
+} // namespace com::velanto::connectivity::tools::manual
+
+#endif

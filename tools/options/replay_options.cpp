@@ -1,0 +1,106 @@
+#include "tools/options/replay_options.hpp"
+
+#include <array>
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+constexpr std::array EXAMPLES = {
+    example_row_t{"ostrovia-replay recorded.ndjson", "What will my rules see?"},
+    example_row_t{"ostrovia-replay --strict recorded.ndjson > events.ndjson",
+                  "Fail when a message is dropped"},
+    example_row_t{"gzip -c recorded.ndjson | ostrovia-replay --tenant-id t1 --log-level 6 -",
+                  "Compressed, from a pipe, with the trace of every message"},
+    example_row_t{"ostrovia-replay --summary --dropped lost.ndjson recorded.ndjson > seen",
+                  "Why did messages vanish? Which ones?"},
+    example_row_t{"ostrovia-replay --explain recorded.ndjson", "What became of every field?"},
+    example_row_t{"ostrovia-replay --against ./next.so recorded.ndjson > events.ndjson",
+                  "Will the next build of the plug-in change anything?"},
+};
+
+using options_t = ReplayOptions;
+
+option_group_t pluginOptions() {
+  return {"The plug-in and its configuration",
+          {{"--plugin", "PATH", "plug-in library; default: the one that came with this program",
+            &options_t::plugin_path},
+           {"--config", "FILE",
+            "configuration of the codec as YAML; the options below replace single keys of it",
+            &options_t::config},
+           {"--check-config", "",
+            "create the codec with --config as a host would and say what is wrong or doubtful",
+            &options_t::check_config},
+           {"--tenant-id", "TEXT", "tenant in every event; default: none", &options_t::tenant_id},
+           {"--channel-prefix", "TEXT", "prefix of the channel of all events but measurements",
+            &options_t::channel_prefix},
+           {"--measurement-channel", "TEXT", "channel of measurements",
+            &options_t::measurement_channel}}};
+}
+
+option_group_t runOptions() {
+  return {
+      "The run",
+      {{"--batch-size", "COUNT",
+        "messages that the plug-in gets in one call; default: 1, so that what is logged belongs "
+        "to its message",
+        &options_t::batch_size},
+       {"--repeat", "COUNT", "read all input so many times; default: 1", &options_t::repeat},
+       {"--threads", "COUNT",
+        "chains, each with a codec and a thread of its own; what is written stays in the order of "
+        "the input; default: 1",
+        &options_t::threads},
+       {"--direction", "host|transport", "side that messages are sent to; default: host",
+        &options_t::direction},
+       {"--log-level", "LEVEL",
+        "log shown on standard error: 2 failures of the plug-in, 3 also dropped messages, 6 also "
+        "every message; default: 3",
+        &options_t::log_level},
+       {"--strict", "", "exit with status 1 when a message was dropped", &options_t::strict}}};
+}
+
+option_group_t outputOptions() {
+  return {
+      "What is shown and written",
+      {{"--summary", "[=text|json]",
+        "at the end, on standard error: kinds and what became of them, reasons of drops, "
+        "channels, times",
+        &options_t::summary},
+       {"--explain", "[=text|json]",
+        "instead of the events: what became of every field, message by message",
+        &options_t::explain},
+       {"--dropped", "FILE",
+        "write the messages that did not reach the host to FILE, as lines that can be corrected "
+        "and read again",
+        &options_t::dropped},
+       {"--quiet", "",
+        "neither progress nor the closing line, and --log-level 2 unless another is given",
+        &options_t::quiet}}};
+}
+
+option_group_t comparingOptions() {
+  return {"Comparing runs",
+          {{"--record", "FILE", "write all that came of each message to FILE, a golden file",
+            &options_t::record},
+           {"--expect", "FILE", "compare the run with a golden file and show the differences",
+            &options_t::expect},
+           {"--against", "PATH",
+            "run another build of the plug-in beside this one and show the differences",
+            &options_t::against},
+           {"--suite", "FOLDER", "run every NAME.ndjson in FOLDER against its NAME.golden",
+            &options_t::suite},
+           {"--update", "", "with --suite: make the golden files anew instead", &options_t::update},
+           {"--junit", "FILE", "with --suite: write a report as JUnit does", &options_t::junit}}};
+}
+
+} // namespace
+
+const std::vector<option_group_t>& optionTable() {
+  static const std::vector<option_group_t> TABLE = {pluginOptions(), runOptions(), outputOptions(),
+                                                    comparingOptions()};
+  return TABLE;
+}
+
+std::span<const example_row_t> exampleTable() noexcept { return EXAMPLES; }
+
+} // namespace com::velanto::connectivity::tools

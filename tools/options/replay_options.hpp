@@ -1,0 +1,90 @@
+// What can be asked of ostrovia-replay, and the one table of its options: the command line, its
+// help and whatever else lists the options is made from it.
+#ifndef VLT_TOOLS_OPTIONS_REPLAY_OPTIONS_HPP
+#define VLT_TOOLS_OPTIONS_REPLAY_OPTIONS_HPP
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "host/types.h"
+
+namespace com::velanto::connectivity::tools {
+
+inline constexpr const char* REPLAY_NAME = "ostrovia-replay"; // how its diagnostics begin
+inline constexpr vlt_log_level_t DEFAULT_LOG_LEVEL = 3;       // failures and dropped messages
+inline constexpr vlt_log_level_t QUIET_LOG_LEVEL = 2;         // failures alone
+
+struct ReplayOptions {
+  std::vector<std::string> paths; // of the inputs; none: standard input
+
+  std::string plugin_path;
+  std::optional<std::string> config;              // path of a file with the configuration
+  bool check_config = false;                      // look at it instead of replaying
+  std::optional<std::string> tenant_id;           // empty: no tenant
+  std::optional<std::string> channel_prefix;      // without it the plug-in's default
+  std::optional<std::string> measurement_channel; // the same
+
+  std::size_t batch_size = 1;               // messages, at least 1
+  std::size_t repeat = 1;                   // how often the input is read, at least 1
+  std::size_t threads = 1;                  // chains, each with a thread, at least 1
+  std::string direction = "host";           // or "transport"
+  std::optional<vlt_log_level_t> log_level; // without it one of the two above
+  bool strict = false;                      // dropped messages are a failure
+
+  std::optional<std::string> summary; // "text" or "json"
+  std::optional<std::string> explain; // the same
+  std::optional<std::string> dropped; // path of the file of dead letters
+  bool quiet = false;                 // no progress, no closing line, QUIET_LOG_LEVEL
+
+  std::optional<std::string> record;  // path of the golden file to be made,
+  std::optional<std::string> expect;  // and of the one to compare with
+  std::optional<std::string> against; // path of another plug-in library
+  std::optional<std::string> suite;   // path of a folder of cases
+  bool update = false;                // make the suite's golden files anew
+  std::optional<std::string> junit;   // path of the suite's report
+};
+
+// Log lines of a larger level are not shown on standard error. An explanation has those of its
+// message itself.
+[[nodiscard]] inline vlt_log_level_t shownLogLevel(const ReplayOptions& options) {
+  return options.log_level.value_or(options.quiet || options.explain ? QUIET_LOG_LEVEL
+                                                                     : DEFAULT_LOG_LEVEL);
+}
+
+// What an option sets.
+using target_t =
+    std::variant<bool ReplayOptions::*, std::string ReplayOptions::*,
+                 std::optional<std::string> ReplayOptions::*, std::size_t ReplayOptions::*,
+                 std::optional<vlt_log_level_t> ReplayOptions::*>;
+
+struct option_row_t {
+  const char* name; // with its dashes
+  // As help shows it; "a|b|…" are the only ones allowed; empty: none is taken. "[=a|b]" may be left
+  // out, which is the same as the first.
+  const char* argument;
+  const char* help;
+  target_t target;
+};
+
+struct option_group_t {
+  const char* title;
+  std::vector<option_row_t> rows;
+};
+
+[[nodiscard]] const std::vector<option_group_t>& optionTable();
+
+struct example_row_t {
+  const char* command; // as typed into a shell
+  const char* purpose;
+};
+
+// What --help begins with.
+[[nodiscard]] std::span<const example_row_t> exampleTable() noexcept;
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

@@ -1,0 +1,24 @@
+// Texts in columns of a terminal. A column is taken to be a character of UTF-8; what is cut off is
+// marked by an ellipsis.
+#ifndef VLT_TOOLS_RECORD_COLUMNS_HPP
+#define VLT_TOOLS_RECORD_COLUMNS_HPP
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace com::velanto::connectivity::tools {
+
+[[nodiscard]] std::size_t widthOf(std::string_view text) noexcept;
+
+// `text` with blanks behind or before it, as wide as `width` if it is not wider itself.
+[[nodiscard]] std::string padded(std::string_view text, std::size_t width);
+[[nodiscard]] std::string leftPadded(std::string_view text, std::size_t width);
+
+// At most `width` columns of the beginning or the end of `text`.
+[[nodiscard]] std::string cutBehind(std::string_view text, std::size_t width);
+[[nodiscard]] std::string cutBefore(std::string_view text, std::size_t width);
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

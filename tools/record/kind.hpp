@@ -1,0 +1,44 @@
+// Which kind of notification a message holds, told by its path alone, as documented for hosts: the
+// segment behind the second slash begins with the kind's word. This is the tool's own reading, for
+// grouping what went in; what the plug-in made of it shows in what comes out.
+#ifndef VLT_TOOLS_RECORD_KIND_HPP
+#define VLT_TOOLS_RECORD_KIND_HPP
+
+#include <cstddef>
+#include <string_view>
+
+#include "value/hashed_key.hpp"
+#include "value/message.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+// other: a path that names none of the five. none: no path, or none that is a text.
+enum class Kind { alarms, events, managedobjects, measurements, operations, other, none };
+
+inline constexpr std::size_t KINDS = 7;
+
+// As figures and files show it.
+[[nodiscard]] const char* nameOf(Kind kind) noexcept;
+
+[[nodiscard]] Kind kindOfPath(std::string_view path) noexcept;
+
+// Looks into messages; keeps the keys, which are blocks of the host, for as long as it lives.
+class MetadataReader {
+ public:
+  MetadataReader();
+
+  [[nodiscard]] Kind kindOf(const Message& message) const noexcept;
+  // Whether there is an event type, which the plug-in gives to what it converts.
+  [[nodiscard]] bool isTyped(const Message& message) const noexcept;
+  // The channel, or an empty text when there is none or it is no text. Valid as long as the message.
+  [[nodiscard]] std::string_view channelOf(const Message& message) const noexcept;
+
+ private:
+  hashed_key_t path_;
+  hashed_key_t type_;
+  hashed_key_t channel_;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

@@ -1,0 +1,72 @@
+// What is known of one line of input once it has been through the plug-in, and who gets to know it.
+//
+//   reader → record_t (origin, line) → worker (message, kind, outcome, outputs, log) → consumers
+//
+// Everything that the tool shows, writes or compares is a consumer; the loop that drives the plug-in
+// knows none of them. A record lives until its consumers have returned and is then used again, so
+// memory does not grow with the input.
+#ifndef VLT_TOOLS_RECORD_RECORD_HPP
+#define VLT_TOOLS_RECORD_RECORD_HPP
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "ndjson/json_reader.hpp"
+#include "tools/host/log_capture.hpp"
+#include "tools/record/kind.hpp"
+#include "value/message.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+// converted: a typed event came out. passed: something came out that the codec gave no type.
+// dropped: nothing came out. malformed: the line is no message, so nothing was sent.
+enum class Outcome { converted, passed, dropped, malformed };
+
+inline constexpr std::size_t OUTCOMES = 4;
+
+[[nodiscard]] const char* nameOf(Outcome outcome) noexcept;
+
+struct record_t {
+  std::uint64_t number = 0;          // of the line among those that are not blank, from 1
+  const std::string* file = nullptr; // its name as diagnostics show it
+  std::uint64_t line_number = 0;     // in its file, from 1
+  std::size_t pass = 0;              // how often all input had been read before
+  std::string line;                  // byte for byte, without the line end
+
+  text_part_t annotation; // where the line has a remark of an earlier run; of size 0: none
+
+  Kind kind = Kind::none;
+  Outcome outcome = Outcome::dropped;
+  std::vector<Message> outputs; // what came out: one message, or none unless the plug-in is faulty
+  std::string events;           // the outputs as lines of JSON, if anyone has asked for them
+  std::vector<log_line_t> log;  // what was logged while the plug-in had the message
+  std::string malformed;        // why the line is no message
+  std::size_t column = 0;       // where, in bytes from 1; 0: not known
+
+  [[nodiscard]] std::string place() const { return *file + ":" + std::to_string(line_number); }
+};
+
+// Gets every record, in the order of the input. What a function throws ends the run.
+class Consumer {
+ public:
+  Consumer() = default;
+  Consumer(const Consumer&) = delete;
+  Consumer& operator=(const Consumer&) = delete;
+  virtual ~Consumer() = default;
+
+  virtual void take(const record_t& record) = 0;
+  // Lines that were logged while the plug-in had no message: at its creation, start and end.
+  virtual void takeLog(std::span<const log_line_t> /*lines*/) {}
+  // One call of the plug-in with `messages` messages took `time`.
+  virtual void takeBatch(std::size_t /*messages*/, std::chrono::nanoseconds /*time*/) {}
+  // The next record may be long in coming: whatever is held back should be written now.
+  virtual void pause() {}
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

@@ -1,0 +1,44 @@
+// Runs another build of the plug-in beside the first: each line goes through both, and what comes of
+// it is compared. Both are loaded into this process, since a plug-in exports nothing that another
+// one could be bound to.
+#ifndef VLT_TOOLS_REPLAY_COMPARING_AGAINST_HPP
+#define VLT_TOOLS_REPLAY_COMPARING_AGAINST_HPP
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "tools/replay/comparing/comparer.hpp"
+#include "tools/replay/running/worker.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+class Against final : public Consumer {
+ public:
+  // Throws PluginError. `diagnostics` must outlive this.
+  Against(const std::string& path, const data_t& configuration, Direction direction,
+          std::ostream& diagnostics);
+
+  void take(const record_t& record) override;
+  // Of the lines that the first plug-in logs without a message, those of its end belong to finish().
+  void takeLog(std::span<const log_line_t> lines) override;
+
+  // Ends the other plug-in, too.
+  void finish();
+
+  [[nodiscard]] const Comparer& comparer() const noexcept { return comparer_; }
+
+ private:
+  void compareLogs();
+
+  PluginLibrary library_;
+  std::vector<log_line_t> log_; // of the other plug-in, without a message
+  std::vector<log_line_t> log_of_first_;
+  Worker worker_;
+  record_t record_;
+  Comparer comparer_;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

@@ -1,0 +1,52 @@
+#include "tools/replay/comparing/comparer.hpp"
+
+#include <algorithm>
+#include <vector>
+
+#include "tools/record/columns.hpp"
+#include "tools/replay/comparing/difference.hpp"
+#include "tools/replay/writing/golden.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+void Comparer::compare(const side_t& before, const side_t& after) {
+  ++compared_;
+  if (before.line && after.line && contentOf(*before.line) == contentOf(*after.line)) return;
+  const std::string fields = before.line && after.line ? fieldsOf(*before.line, *after.line) : "";
+  if (before.line && after.line && fields.empty()) return; // in the order of entries alone
+  if (different_++ >= SHOWN) return;
+  std::string text;
+  const auto appendPlace = [&text](const char* sign, const side_t& side) {
+    text += sign;
+    text += side.line ? cutBefore(side.place, 75) : "nothing";
+    text += '\n';
+  };
+  appendPlace("--- ", before);
+  appendPlace("+++ ", after);
+  if (!before.line) text.append("+ ").append(cutBehind(*after.line, 77)).append("\n");
+  if (!after.line) text.append("- ").append(cutBehind(*before.line, 77)).append("\n");
+  out_ << text + fields;
+}
+
+// The differing fields as text; empty when there are none.
+std::string Comparer::fieldsOf(const std::string& before, const std::string& after) {
+  // The content alone is an object again with a brace for its first comma.
+  const auto valueOf = [this](const std::string& line) {
+    std::string object(contentOf(line));
+    if (object.starts_with(',')) object.front() = '{';
+    return reader_.parseValue(object);
+  };
+  std::string text;
+  try {
+    std::vector<difference_t> differences = differencesOf(valueOf(before), valueOf(after));
+    // What became of the message explains the rest.
+    std::stable_partition(differences.begin(), differences.end(),
+                          [](const difference_t& d) { return d.path == "outcome"; });
+    for (const difference_t& difference : differences) text += unified(difference);
+  } catch (const MalformedJson&) { // names that occur twice, or no golden line at all
+    text = unified({"", before, after});
+  }
+  return text;
+}
+
+} // namespace com::velanto::connectivity::tools

@@ -1,0 +1,45 @@
+// Compares golden lines two by two and shows on a stream where they differ, message by message.
+#ifndef VLT_TOOLS_REPLAY_COMPARING_COMPARER_HPP
+#define VLT_TOOLS_REPLAY_COMPARING_COMPARER_HPP
+
+#include <cstdint>
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "ndjson/json_reader.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+// One side of a pair: a golden line and where it comes from; without a line there is nothing on
+// this side.
+struct side_t {
+  std::string place;
+  std::optional<std::string> line;
+};
+
+class Comparer {
+ public:
+  // Differences of so many messages are shown, the rest is only counted.
+  static constexpr std::uint64_t SHOWN = 50;
+
+  explicit Comparer(std::ostream& out) noexcept : out_(out) {}
+
+  // At least one side has a line.
+  void compare(const side_t& before, const side_t& after);
+
+  [[nodiscard]] std::uint64_t compared() const noexcept { return compared_; }
+  [[nodiscard]] std::uint64_t different() const noexcept { return different_; }
+
+ private:
+  [[nodiscard]] std::string fieldsOf(const std::string& before, const std::string& after);
+
+  std::ostream& out_;
+  JsonReader reader_;
+  std::uint64_t compared_ = 0;
+  std::uint64_t different_ = 0;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

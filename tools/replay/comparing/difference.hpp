@@ -1,0 +1,31 @@
+// In which fields two values differ. The order of a map's entries does not matter, that of a list's
+// elements does.
+#ifndef VLT_TOOLS_REPLAY_COMPARING_DIFFERENCE_HPP
+#define VLT_TOOLS_REPLAY_COMPARING_DIFFERENCE_HPP
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "value/data_t.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+struct difference_t {
+  std::string path;                  // such as event.payload.site_Crew[2]."shift leader"
+  std::optional<std::string> before; // as JSON; nothing: not there
+  std::optional<std::string> after;
+};
+
+// The fields in the order of `before`'s entries, then those that only `after` has. Values that are
+// both maps or both lists are entered.
+[[nodiscard]] std::vector<difference_t> differencesOf(const data_t& before, const data_t& after);
+
+// A difference as unified text, each line at most 79 columns wide and with its end; a value that
+// takes more than four of them is shown around the first byte that differs.
+[[nodiscard]] std::string unified(const difference_t& difference);
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

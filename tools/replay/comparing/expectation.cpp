@@ -1,0 +1,35 @@
+#include "tools/replay/comparing/expectation.hpp"
+
+#include <cerrno>
+#include <system_error>
+
+#include "tools/options/exit_status.hpp"
+#include "tools/replay/writing/golden.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+Expectation::Expectation(const std::string& path, std::ostream& diagnostics)
+    : path_(path), file_(path, std::ios::binary), comparer_(diagnostics) {
+  if (!file_) throw ReplayError(EXIT_IO, path + ": " + std::generic_category().message(errno));
+}
+
+side_t Expectation::nextExpected() {
+  std::string line;
+  if (!std::getline(file_, line)) return {path_, {}};
+  return {path_ + ":" + std::to_string(++line_number_), line};
+}
+
+void Expectation::take(const record_t& record) {
+  comparer_.compare(nextExpected(), {record.place(), goldenLineOf(record)});
+}
+
+void Expectation::takeLog(std::span<const log_line_t> lines) {
+  if (lines.empty()) return;
+  comparer_.compare(nextExpected(), {"the log without a message", goldenLineOf(lines)});
+}
+
+void Expectation::finish() {
+  for (side_t side = nextExpected(); side.line; side = nextExpected()) comparer_.compare(side, {});
+}
+
+} // namespace com::velanto::connectivity::tools

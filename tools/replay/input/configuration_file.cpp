@@ -1,0 +1,139 @@
+#include "tools/replay/input/configuration_file.hpp"
+
+#include <yaml-cpp/yaml.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string_view>
+#include <system_error>
+
+#include "ndjson/make_list.hpp"
+#include "tools/options/exit_status.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+// Aliases can make a small file endless.
+constexpr int MAX_DEPTH = 32;
+constexpr int MAX_VALUES = 10000;
+
+template <class Number>
+std::optional<Number> numberIn(std::string_view text, int base) {
+  Number number{};
+  const char* const end = text.data() + text.size();
+  std::from_chars_result result{};
+  if constexpr (std::is_same_v<Number, double>) {
+    result = std::from_chars(text.data(), end, number);
+  } else {
+    result = std::from_chars(text.data(), end, number, base);
+  }
+  if (result.ec != std::errc() || result.ptr != end) return {};
+  return number;
+}
+
+class Converter {
+ public:
+  explicit Converter(const std::string& path) : path_(path) {}
+
+  data_t convert(const YAML::Node& node, int depth);
+  [[noreturn]] void refuse(const YAML::Mark& mark, const std::string& reason) const {
+    throw ReplayError(EXIT_PLUGIN, path_ + ":" + std::to_string(mark.line + 1) + ": " + reason);
+  }
+  data_t textOf(const YAML::Node& node) const {
+    if (node.Scalar().find('\0') != std::string::npos) {
+      refuse(node.Mark(), "text with an embedded NUL");
+    }
+    return data_t(node.Scalar().c_str());
+  }
+
+ private:
+  [[nodiscard]] data_t scalar(const YAML::Node& node) const;
+
+  const std::string& path_;
+  int values_ = 0;
+};
+
+data_t Converter::convert(const YAML::Node& node, int depth) {
+  if (depth > MAX_DEPTH || ++values_ > MAX_VALUES) refuse(node.Mark(), "too much, or too deep");
+  if (node.IsScalar()) return scalar(node);
+  if (node.IsSequence()) {
+    std::vector<data_t> elements;
+    for (const YAML::Node& element : node) elements.push_back(convert(element, depth + 1));
+    return makeList(std::move(elements));
+  }
+  if (!node.IsMap()) return {};
+  map_t map;
+  for (const auto& entry : node) {
+    if (!entry.first.IsScalar()) refuse(entry.first.Mark(), "a key that is no text");
+    map[textOf(entry.first)] = convert(entry.second, depth + 1);
+  }
+  return map;
+}
+
+data_t Converter::scalar(const YAML::Node& node) const {
+  const std::string& text = node.Scalar();
+  const bool is_plain = node.Tag() == "?" || node.Tag().empty();
+  if (!is_plain) return textOf(node);
+  if (text == "true" || text == "True" || text == "TRUE") return data_t(true);
+  if (text == "false" || text == "False" || text == "FALSE") return data_t(false);
+  std::string_view digits = text;
+  if (digits.starts_with('+')) digits.remove_prefix(1);
+  const auto decimal = numberIn<std::int64_t>(digits, 10);
+  if (decimal) return data_t(*decimal);
+  if (digits.starts_with("0x")) {
+    if (const auto hex = numberIn<std::int64_t>(digits.substr(2), 16)) return data_t(*hex);
+  }
+  const bool is_integer =
+      !digits.empty() && digits.find_first_not_of("-0123456789") == std::string_view::npos &&
+      std::any_of(digits.begin(), digits.end(), [](char c) { return c != '-'; });
+  const bool begins_as_number =
+      !digits.empty() && std::string_view("-.0123456789").find(digits[0]) != std::string_view::npos;
+  const auto real = begins_as_number ? numberIn<double>(digits, 10) : std::nullopt;
+  if (real && is_integer) refuse(node.Mark(), "integer beyond 64 bits");
+  return real ? data_t(*real) : textOf(node);
+}
+
+std::string contentOf(const std::string& path) {
+  errno = 0;
+  std::ifstream file(path, std::ios::binary);
+  std::string content{std::istreambuf_iterator<char>(file), {}};
+  // A folder opens like a file, but cannot be read.
+  if (!file.is_open() || errno == EISDIR) {
+    throw ReplayError(EXIT_IO, path + ": " + std::generic_category().message(errno));
+  }
+  return content;
+}
+
+} // namespace
+
+std::vector<configuration_entry_t> readConfiguration(const std::string& path) {
+  Converter converter(path);
+  std::vector<configuration_entry_t> entries;
+  try {
+    const YAML::Node root = YAML::Load(contentOf(path));
+    if (root.IsNull()) return entries;
+    if (!root.IsMap()) converter.refuse(root.Mark(), "not a mapping of keys to values");
+    for (const auto& entry : root) {
+      const YAML::Mark mark = entry.first.Mark();
+      if (!entry.first.IsScalar()) converter.refuse(mark, "a key that is no text");
+      const std::string key = entry.first.Scalar();
+      const bool repeated = std::any_of(entries.begin(), entries.end(),
+                                        [&key](const auto& known) { return known.key == key; });
+      if (repeated) converter.refuse(mark, "repeated key '" + key + "'");
+      converter.textOf(entry.first);
+      entries.push_back(
+          {key, static_cast<std::size_t>(mark.line) + 1, converter.convert(entry.second, 0)});
+    }
+  } catch (const YAML::Exception& e) {
+    converter.refuse(e.mark, e.msg);
+  }
+  return entries;
+}
+
+} // namespace com::velanto::connectivity::tools

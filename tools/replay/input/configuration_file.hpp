@@ -1,0 +1,34 @@
+// The codec's section of a chain configuration as a file of YAML: a mapping of keys to values, kept
+// in their kinds, since kinds are what a codec is particular about.
+//
+//   YAML                            value
+//   true, false                     boolean
+//   12, 0x1F                        integer
+//   1.5, 1e3                        double
+//   ~, null, nothing                empty
+//   "12", 'a', any other scalar     string
+//   [ ], { }, blocks                list, map
+#ifndef VLT_TOOLS_REPLAY_INPUT_CONFIGURATION_FILE_HPP
+#define VLT_TOOLS_REPLAY_INPUT_CONFIGURATION_FILE_HPP
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "value/data_t.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+struct configuration_entry_t {
+  std::string key;
+  std::size_t line; // from 1
+  data_t value;
+};
+
+// The entries in the order of the file. Throws ReplayError: with EXIT_IO when the file cannot be
+// read, with EXIT_PLUGIN "FILE:LINE: reason" when it is no such mapping or repeats a key.
+[[nodiscard]] std::vector<configuration_entry_t> readConfiguration(const std::string& path);
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

@@ -1,0 +1,136 @@
+#include "tools/replay/running/configuration.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <numeric>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/host/chain.hpp"
+#include "tools/options/exit_status.hpp"
+#include "tools/replay/input/configuration_file.hpp"
+#include "value/get_visitor.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+constexpr const char* TENANT = "tenantId";
+constexpr const char* PREFIX = "towardsHostChannelPrefix";
+constexpr const char* CHANNEL = "measurementSplittingChannel";
+
+constexpr std::array<std::string_view, 3> KEYS = {TENANT, PREFIX, CHANNEL};
+
+// Single letters that must be changed, added or left out to make `b` of `a`, whatever their case.
+std::size_t distanceBetween(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = row[0];
+    row[0] = i + 1;
+    for (std::size_t k = 0; k < b.size(); ++k) {
+      const bool same = std::tolower(static_cast<unsigned char>(a[i])) ==
+                        std::tolower(static_cast<unsigned char>(b[k]));
+      const std::size_t changed = diagonal + (same ? 0 : 1);
+      diagonal = row[k + 1];
+      row[k + 1] = std::min({changed, row[k] + 1, diagonal + 1});
+    }
+  }
+  return row.back();
+}
+
+std::string guessFor(const std::string& key) {
+  const auto* const nearest =
+      std::min_element(KEYS.begin(), KEYS.end(), [&key](std::string_view a, std::string_view b) {
+        return distanceBetween(key, a) < distanceBetween(key, b);
+      });
+  // A third of the letters wrong is no slip of the pen.
+  if (distanceBetween(key, *nearest) * 3 > nearest->size()) return "";
+  return ", did you mean '" + std::string(*nearest) + "'?";
+}
+
+// What is wrong with an entry that the plug-in accepts, or nothing.
+std::string faultOf(const configuration_entry_t& entry) {
+  const data_t& value = entry.value;
+  const std::string kind = value.empty() ? "nothing" : kind_name(value.type_tag());
+  if (std::find(KEYS.begin(), KEYS.end(), entry.key) == KEYS.end()) {
+    return "unknown key '" + entry.key + "' is ignored" + guessFor(entry.key);
+  }
+  if (entry.key == CHANNEL && !value.is_string()) {
+    return "'" + entry.key + "' is " + kind +
+           ", not string, and silently becomes the default 'ostrovia.measurements'";
+  }
+  // Numbers and booleans are taken as their text.
+  const bool has_text = value.is_string() || value.type_tag() == VLT_TAG_BOOLEAN ||
+                        value.type_tag() == VLT_TAG_INTEGER || value.type_tag() == VLT_TAG_DOUBLE;
+  if (entry.key == PREFIX && !has_text) {
+    return "'" + entry.key + "' is " + kind + ", not string, and silently becomes no prefix";
+  }
+  return "";
+}
+
+bool isEmptyTenant(const configuration_entry_t& entry) {
+  return entry.key == TENANT && entry.value.is_string() &&
+         *text_or_empty(entry.value.get<const char*>()) == '\0';
+}
+
+// Whether a host would get its codec; says why not.
+bool canBeCreated(const ReplayOptions& options, std::ostream& diagnostics) {
+  const LogCapture capture;
+  const PluginLibrary library(options.plugin_path);
+  std::vector<log_line_t> log;
+  std::string failure;
+  try {
+    Chain chain(library, configurationOf(options), Direction::towardsHost, log);
+    const passage_t& last = chain.shutdown();
+    log.insert(log.end(), last.log.begin(), last.log.end());
+    if (last.failed) failure = "the plug-in failed in shutdown";
+  } catch (const PluginError& e) {
+    failure = e.what();
+  }
+  for (const log_line_t& line : log) diagnostics << line.text << '\n';
+  if (!failure.empty()) diagnostics << REPLAY_NAME << ": " << failure << '\n';
+  return failure.empty();
+}
+
+} // namespace
+
+data_t configurationOf(const ReplayOptions& options) {
+  map_t map;
+  if (options.config) {
+    for (configuration_entry_t& entry : readConfiguration(*options.config)) {
+      map[data_t(entry.key.c_str())] = std::move(entry.value);
+    }
+  } else {
+    map[data_t(TENANT)] = data_t("");
+  }
+  const auto set = [&map](const char* key, const std::optional<std::string>& text) {
+    if (text) map[data_t(key)] = data_t(text->c_str());
+  };
+  set(TENANT, options.tenant_id);
+  set(PREFIX, options.channel_prefix);
+  set(CHANNEL, options.measurement_channel);
+  return map;
+}
+
+int checkConfiguration(const ReplayOptions& options, std::ostream& out, std::ostream& diagnostics) {
+  bool fine = true;
+  for (const configuration_entry_t& entry : readConfiguration(*options.config)) {
+    const std::string place = *options.config + ":" + std::to_string(entry.line) + ": ";
+    const std::string fault = faultOf(entry);
+    if (!fault.empty()) diagnostics << place << fault << '\n';
+    fine = fine && fault.empty();
+    if (isEmptyTenant(entry)) {
+      diagnostics << place << "'tenantId' is empty: events get no tenant\n";
+    }
+  }
+  fine = canBeCreated(options, diagnostics) && fine;
+  if (!fine) return EXIT_PLUGIN;
+  out << *options.config << ": fine\n";
+  if (!out.flush()) throw ReplayError(EXIT_IO, "cannot write to standard output");
+  return EXIT_FINE;
+}
+
+} // namespace com::velanto::connectivity::tools

@@ -1,0 +1,154 @@
+#include "tools/replay/running/crew.hpp"
+
+#include <algorithm>
+#include <condition_variable>
+#include <deque>
+#include <exception>
+#include <future>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "tools/options/exit_status.hpp"
+#include "tools/replay/input/interruption.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+constexpr std::size_t BLOCK = 256; // lines, if the batches are not larger
+constexpr std::size_t AHEAD = 4;   // blocks that each chain may have
+
+// A thread that does what it is given, in order.
+class Lane {
+ public:
+  Lane() : thread_([this] { serve(); }) {}
+  Lane(const Lane&) = delete;
+  Lane& operator=(const Lane&) = delete;
+  ~Lane() {
+    {
+      const std::lock_guard guard(lock_);
+      ended_ = true;
+    }
+    changed_.notify_one();
+    thread_.join();
+  }
+
+  // The result is ready when `task` has been done, and has what it has thrown.
+  std::future<void> give(std::packaged_task<void()> task) {
+    std::future<void> result = task.get_future();
+    const std::lock_guard guard(lock_);
+    tasks_.push_back(std::move(task));
+    changed_.notify_one();
+    return result;
+  }
+
+ private:
+  void serve() {
+    std::unique_lock guard(lock_);
+    while (true) {
+      changed_.wait(guard, [this] { return ended_ || !tasks_.empty(); });
+      if (tasks_.empty()) return;
+      std::packaged_task<void()> task = std::move(tasks_.front());
+      tasks_.pop_front();
+      guard.unlock();
+      task();
+      guard.lock();
+    }
+  }
+
+  std::mutex lock_;
+  std::condition_variable changed_;
+  std::deque<std::packaged_task<void()>> tasks_;
+  bool ended_ = false;
+  std::thread thread_;
+};
+
+} // namespace
+
+Crew::Crew(const PluginLibrary& library, const data_t& configuration, Direction direction,
+           const worker_options_t& options, const crew_options_t& crew,
+           std::vector<log_line_t>& log)
+    : options_(options), undisturbed_(crew.undisturbed) {
+  for (std::size_t i = 0; i < crew.chains; ++i) {
+    workers_.push_back(std::make_unique<Worker>(library, configuration, direction, options, log));
+  }
+}
+
+void Crew::run(LineReader& reader, const crew_listener_t& listener) {
+  workers_.size() == 1 ? runAlone(reader, listener) : runTogether(reader, listener);
+}
+
+// Fills `block` with the next lines: none at the end.
+void Crew::read(LineReader& reader, block_t& block) const {
+  // As many whole batches as a block holds, but at least one.
+  const std::size_t lines =
+      std::max(BLOCK / options_.batch_size, std::size_t{1}) * options_.batch_size;
+  const bool alone = workers_.size() == 1 && options_.batch_size == 1;
+  block.failure = nullptr;
+  block.count = 0;
+  try {
+    while (block.count < lines && !isInterrupted()) {
+      // Messages that come one by one are not kept waiting for each other.
+      if (alone && block.count > 0 && reader.mayWait()) break;
+      if (block.count == block.records.size()) block.records.emplace_back();
+      if (!reader.next(block.records[block.count])) break;
+      ++block.count;
+    }
+  } catch (const ReplayError&) {
+    block.failure = std::current_exception();
+  }
+}
+
+void Crew::runAlone(LineReader& reader, const crew_listener_t& listener) {
+  Worker& worker = *workers_.front();
+  block_t block;
+  while (!listener.finished()) {
+    read(reader, block);
+    worker.process(std::span(block.records).first(block.count), listener.take);
+    listener.report(worker.incidents());
+    if (block.failure) std::rethrow_exception(block.failure);
+    if (block.count == 0) break;
+    if (reader.mayWait()) listener.pause();
+  }
+}
+
+// A ring of blocks: the caller fills them and publishes each when its chain has served it.
+void Crew::runTogether(LineReader& reader, const crew_listener_t& listener) {
+  std::vector<block_t> blocks(undisturbed_ ? 1 : workers_.size() * AHEAD);
+  std::vector<std::future<void>> served(blocks.size());
+  std::vector<Lane> lanes(workers_.size()); // after the blocks: ends before them
+  std::size_t filled = 0;
+  bool more = true;
+  for (std::size_t published = 0; !listener.finished(); ++published) {
+    for (; more && filled - published < blocks.size(); ++filled) {
+      block_t& block = blocks[filled % blocks.size()];
+      read(reader, block);
+      more = block.count > 0 && !block.failure;
+      Worker& worker = *workers_[filled % workers_.size()];
+      served[filled % blocks.size()] = lanes[filled % lanes.size()].give(
+          std::packaged_task<void()>([&block, &worker] { serve(block, worker); }));
+    }
+    if (published == filled) break;
+    block_t& block = blocks[published % blocks.size()];
+    served[published % blocks.size()].get();
+    for (record_t& record : std::span(block.records).first(block.count)) listener.take(record);
+    listener.report(block.incidents);
+    if (block.failure) std::rethrow_exception(block.failure);
+  }
+}
+
+void Crew::serve(block_t& block, Worker& worker) {
+  worker.process(std::span(block.records).first(block.count), [](record_t&) {});
+  block.incidents = std::exchange(worker.incidents(), {});
+}
+
+std::vector<passage_t> Crew::shutdown() {
+  std::vector<passage_t> results;
+  for (const std::unique_ptr<Worker>& worker : workers_) {
+    results.push_back(std::move(worker->shutdown()));
+  }
+  return results;
+}
+
+} // namespace com::velanto::connectivity::tools

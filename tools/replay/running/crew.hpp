@@ -1,0 +1,69 @@
+// The chains of a run and the threads that serve them.
+//
+//   one chain     everything happens on the caller's thread
+//   N chains      blocks of lines are dealt to the chains in turn, the first to the first; each has
+//                 a thread of its own. The caller reads ahead, and publishes in the order of the
+//                 input, so what is published does not depend on N. Where taking a record must not
+//                 be disturbed, a block is published before the next one is served
+#ifndef VLT_TOOLS_REPLAY_RUNNING_CREW_HPP
+#define VLT_TOOLS_REPLAY_RUNNING_CREW_HPP
+
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "tools/replay/input/line_reader.hpp"
+#include "tools/replay/running/worker.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+// What the crew tells its caller, on the caller's thread.
+struct crew_listener_t {
+  std::function<void(record_t&)> take;      // each record, in order
+  std::function<void(incidents_t&)> report; // after each block
+  std::function<bool()> finished;           // whether nothing more is wanted
+  std::function<void()> pause;              // the next line may be long in coming
+};
+
+struct crew_options_t {
+  std::size_t chains; // at least 1
+  bool undisturbed;   // no chain is at work while a record is published
+};
+
+class Crew {
+ public:
+  // Throws PluginError; `log` then has the reason.
+  Crew(const PluginLibrary& library, const data_t& configuration, Direction direction,
+       const worker_options_t& options, const crew_options_t& crew, std::vector<log_line_t>& log);
+
+  // Takes all lines of `reader` through the chains. A failure to read is thrown once the lines
+  // before it are published.
+  void run(LineReader& reader, const crew_listener_t& listener);
+
+  // Ends every chain; the results in their order.
+  std::vector<passage_t> shutdown();
+
+ private:
+  // Lines that are read, sent and published together.
+  struct block_t {
+    std::vector<record_t> records;
+    std::size_t count = 0; // of the records in use
+    incidents_t incidents;
+    std::exception_ptr failure; // of reading what follows
+  };
+
+  void read(LineReader& reader, block_t& block) const;
+  void runAlone(LineReader& reader, const crew_listener_t& listener);
+  static void serve(block_t& block, Worker& worker);
+  void runTogether(LineReader& reader, const crew_listener_t& listener);
+
+  worker_options_t options_;
+  bool undisturbed_;
+  std::vector<std::unique_ptr<Worker>> workers_;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

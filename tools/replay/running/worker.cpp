@@ -1,0 +1,143 @@
+#include "tools/replay/running/worker.hpp"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "ndjson/json_writer.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+bool sameMessages(std::span<const Message> one, std::span<const Message> other) {
+  return std::equal(
+      one.begin(), one.end(), other.begin(), other.end(), [](const Message& a, const Message& b) {
+        std::string text_of_a;
+        std::string text_of_b;
+        writeJson(text_of_a, a);
+        writeJson(text_of_b, b);
+        return text_of_a == text_of_b ||
+               (a.getPayload() == b.getPayload() && a.getMetadataMap() == b.getMetadataMap());
+      });
+}
+
+} // namespace
+
+void Worker::process(std::span<record_t> records, const Done& done) {
+  while (!records.empty()) {
+    std::size_t count = 0;
+    batch_.clear();
+    typed_before_.clear();
+    for (; count < records.size() && batch_.size() < options_.batch_size; ++count) {
+      Message message;
+      if (!read(records[count], message)) continue;
+      typed_before_.push_back(metadata_.isTyped(message) ? 1 : 0);
+      batch_.push_back(std::move(message));
+    }
+    sendBatch(records.first(count));
+    for (record_t& record : records.first(count)) done(record);
+    records = records.subspan(count);
+  }
+}
+
+// Reads the line's message, or notes why it has none.
+bool Worker::read(record_t& record, Message& message) {
+  record.outputs.clear();
+  record.events.clear();
+  record.log.clear();
+  record.malformed.clear();
+  record.kind = Kind::none;
+  try {
+    message = reader_.parseMessage(record.line);
+  } catch (const MalformedJson& e) {
+    record.outcome = Outcome::malformed;
+    record.malformed = e.what();
+    record.column = e.column();
+    return false;
+  }
+  record.outcome = Outcome::dropped;
+  record.annotation = reader_.remark();
+  record.kind = metadata_.kindOf(message);
+  return true;
+}
+
+passage_t& Worker::send(std::span<Message> messages) {
+  passage_t& passage = chain_.send(messages);
+  incidents_.batches.push_back({messages.size(), passage.time});
+  return passage;
+}
+
+void Worker::sendBatch(std::span<record_t> records) {
+  if (batch_.empty()) return;
+  passage_t& passage = send(batch_);
+  if (passage.failed) incidents_.failed.push_back(batch_.size());
+  const bool whole =
+      !passage.failed && passage.log.empty() && passage.outputs.size() == batch_.size();
+  if (whole || batch_.size() == 1) {
+    share(passage, records);
+  } else {
+    separate(std::exchange(passage, {}), records);
+  }
+}
+
+// Gives each message its output, or the only message everything.
+void Worker::share(passage_t& passage, std::span<record_t> records) {
+  std::size_t next = 0;
+  for (record_t& record : records) {
+    if (record.outcome == Outcome::malformed) continue;
+    if (batch_.size() == 1) {
+      std::swap(record.outputs, passage.outputs);
+      std::swap(record.log, passage.log);
+    } else {
+      record.outputs.push_back(std::move(passage.outputs[next]));
+    }
+    if (!record.outputs.empty()) {
+      const bool converted = typed_before_[next] == 0 && metadata_.isTyped(record.outputs.front());
+      record.outcome = converted ? Outcome::converted : Outcome::passed;
+    }
+    ++next;
+    conclude(record);
+  }
+}
+
+void Worker::separate(const passage_t& whole, std::span<record_t> records) {
+  const std::vector<char> typed_before = std::exchange(typed_before_, {});
+  std::size_t next = 0;
+  passage_t together;
+  for (record_t& record : records) {
+    if (record.outcome == Outcome::malformed) continue;
+    batch_.clear();
+    batch_.push_back(reader_.parseMessage(record.line));
+    typed_before_.assign(1, typed_before[next++]);
+    passage_t& alone = chain_.send(batch_);
+    together.log.insert(together.log.end(), alone.log.begin(), alone.log.end());
+    share(alone, {&record, 1});
+    std::move(record.outputs.begin(), record.outputs.end(), std::back_inserter(together.outputs));
+  }
+  const bool same =
+      whole.failed || (sameMessages(whole.outputs, together.outputs) && whole.log == together.log);
+  if (!same) {
+    incidents_.broken_laws.push_back(records.front().place() +
+                                     ": what comes of the messages depends on their batch, of " +
+                                     std::to_string(typed_before.size()));
+  }
+  auto output = together.outputs.begin();
+  for (record_t& record : records) {
+    for (Message& message : record.outputs) message = std::move(*output++);
+  }
+}
+
+void Worker::conclude(record_t& record) {
+  if (record.outputs.size() > 1) {
+    incidents_.broken_laws.push_back(record.place() + ": " + std::to_string(record.outputs.size()) +
+                                     " messages came out for one");
+  }
+  if (!options_.events) return;
+  for (const Message& output : record.outputs) {
+    writeJson(record.events, output);
+    record.events += '\n';
+  }
+}
+
+} // namespace com::velanto::connectivity::tools

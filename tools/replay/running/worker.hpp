@@ -1,0 +1,76 @@
+// Takes lines through one chain and completes their records. Which message an output or a log line
+// belongs to does not depend on the build of the plug-in:
+//
+//   batches of one    what comes of a call belongs to its message
+//   larger batches    when as many messages come out as went in and nothing is logged, they belong
+//                     to each other in order. Otherwise each message of the batch is read again and
+//                     sent alone; that must come to the same, since no message may depend on its
+//                     neighbours, and is a broken law otherwise
+#ifndef VLT_TOOLS_REPLAY_RUNNING_WORKER_HPP
+#define VLT_TOOLS_REPLAY_RUNNING_WORKER_HPP
+
+#include <chrono>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "ndjson/json_reader.hpp"
+#include "tools/host/chain.hpp"
+#include "tools/record/record.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+struct batch_time_t {
+  std::size_t messages;
+  std::chrono::nanoseconds time;
+};
+
+// What happened besides the records.
+struct incidents_t {
+  std::vector<std::string> broken_laws; // one line each
+  std::vector<std::size_t> failed; // messages of each batch that the plug-in reported as failed
+  std::vector<batch_time_t> batches;
+};
+
+struct worker_options_t {
+  std::size_t batch_size; // messages, at least 1
+  bool events;            // whether the outputs are wanted as JSON
+};
+
+class Worker {
+ public:
+  using Done = std::function<void(record_t&)>;
+
+  Worker(const PluginLibrary& library, const data_t& configuration, Direction direction,
+         const worker_options_t& options, std::vector<log_line_t>& log)
+      : options_(options), chain_(library, configuration, direction, log) {}
+
+  // Completes `records`, of which origin and line are set, and hands each of them to `done`, in
+  // order and as soon as it is complete.
+  void process(std::span<record_t> records, const Done& done);
+
+  [[nodiscard]] incidents_t& incidents() noexcept { return incidents_; }
+  passage_t& shutdown() { return chain_.shutdown(); }
+
+ private:
+  [[nodiscard]] bool read(record_t& record, Message& message);
+  void sendOne(record_t& record, Message& message);
+  void sendBatch(std::span<record_t> records);
+  passage_t& send(std::span<Message> messages);
+  void share(passage_t& passage, std::span<record_t> records);
+  void separate(const passage_t& whole, std::span<record_t> records);
+  void conclude(record_t& record);
+
+  worker_options_t options_;
+  JsonReader reader_;
+  MetadataReader metadata_;
+  Chain chain_;
+  std::vector<Message> batch_;
+  std::vector<char> typed_before_; // for each message of the batch
+  incidents_t incidents_;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

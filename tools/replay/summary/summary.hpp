@@ -1,0 +1,74 @@
+// What a whole run came to: kinds by outcomes, reasons of drops, channels, times. It is counted here
+// and written by summary_text.cpp for people and by summary_json.cpp for programs. What it keeps
+// grows with the number of different reasons and channels, not with the messages.
+#ifndef VLT_TOOLS_REPLAY_SUMMARY_SUMMARY_HPP
+#define VLT_TOOLS_REPLAY_SUMMARY_SUMMARY_HPP
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tools/record/record.hpp"
+#include "tools/replay/summary/durations.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+struct ranked_reason_t {
+  std::string code;
+  std::string key;
+  std::uint64_t count;
+  std::string first; // FILE:LINE
+};
+
+class Summary final : public Consumer {
+ public:
+  void take(const record_t& record) override;
+  void takeBatch(std::size_t messages, std::chrono::nanoseconds time) override;
+
+  [[nodiscard]] std::uint64_t count(Kind kind, Outcome outcome) const noexcept {
+    return counts_[static_cast<std::size_t>(kind)][static_cast<std::size_t>(outcome)];
+  }
+  [[nodiscard]] std::uint64_t count(Outcome outcome) const noexcept;
+
+  // The most frequent first, among equals the one that was seen first.
+  [[nodiscard]] std::vector<ranked_reason_t> reasons() const;
+  // The channels of converted messages with their number, the most frequent first.
+  [[nodiscard]] std::vector<std::pair<std::string, std::uint64_t>> channels() const;
+
+  [[nodiscard]] const Durations& batches() const noexcept { return batches_; }
+
+ private:
+  struct reason_count_t {
+    std::uint64_t count = 0;
+    std::uint64_t first_number = 0; // of the record
+    std::string first;
+  };
+
+  MetadataReader metadata_;
+  std::array<std::array<std::uint64_t, OUTCOMES>, KINDS> counts_{};
+  std::map<std::pair<std::string, std::string>, reason_count_t> reasons_;
+  std::map<std::string, std::uint64_t, std::less<>> channels_;
+  Durations batches_;
+};
+
+// What the summary shows beside it.
+struct run_figures_t {
+  std::uint64_t read;
+  std::uint64_t out;
+  std::chrono::nanoseconds elapsed;
+  std::optional<std::int64_t> blocks; // not given back; nothing when the host library cannot tell
+};
+
+// Lines of at most 79 columns.
+[[nodiscard]] std::string summaryText(const Summary& summary, const run_figures_t& run);
+
+// One line with an object.
+[[nodiscard]] std::string summaryJson(const Summary& summary, const run_figures_t& run);
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

@@ -1,0 +1,71 @@
+#include "ndjson/json_line.hpp"
+#include "tools/replay/summary/summary.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+double microseconds(std::chrono::nanoseconds time) {
+  return static_cast<double>(time.count()) / 1e3;
+}
+
+void writeKinds(JsonLine& line, const Summary& summary) {
+  line.item("kinds").open('{');
+  for (std::size_t i = 0; i < KINDS; ++i) {
+    const Kind kind = static_cast<Kind>(i);
+    line.item(nameOf(kind)).open('{');
+    for (const Outcome outcome : {Outcome::converted, Outcome::passed, Outcome::dropped}) {
+      line.item(nameOf(outcome)).number(summary.count(kind, outcome));
+    }
+    line.close('}');
+  }
+  line.close('}');
+}
+
+void writeReasons(JsonLine& line, const Summary& summary) {
+  line.item("reasons").open('[');
+  for (const ranked_reason_t& reason : summary.reasons()) {
+    line.item(nullptr).open('{');
+    line.item("reason").text(reason.code);
+    line.item("key").text(reason.key);
+    line.item("count").number(reason.count);
+    line.item("first").text(reason.first);
+    line.close('}');
+  }
+  line.close(']');
+}
+
+void writeTimes(JsonLine& line, const Summary& summary, const run_figures_t& run) {
+  const double seconds = std::chrono::duration<double>(run.elapsed).count();
+  line.item("seconds").real(seconds);
+  line.item("messages_per_second").real(seconds > 0 ? static_cast<double>(run.read) / seconds : 0);
+  line.item("batches").open('{');
+  line.item("count").number(summary.batches().count());
+  line.item("median_us").real(microseconds(summary.batches().quantile(0.5)));
+  line.item("p99_us").real(microseconds(summary.batches().quantile(0.99)));
+  line.close('}');
+}
+
+} // namespace
+
+std::string summaryJson(const Summary& summary, const run_figures_t& run) {
+  JsonLine line;
+  line.open('{');
+  line.item("read").number(run.read);
+  line.item("reached").number(run.out);
+  for (const Outcome outcome :
+       {Outcome::converted, Outcome::passed, Outcome::dropped, Outcome::malformed}) {
+    line.item(nameOf(outcome)).number(summary.count(outcome));
+  }
+  line.item("blocks_live").raw(run.blocks ? std::to_string(*run.blocks) : "null");
+  writeKinds(line, summary);
+  writeReasons(line, summary);
+  line.item("channels").open('{');
+  for (const auto& [channel, count] : summary.channels()) line.item(channel.c_str()).number(count);
+  line.close('}');
+  writeTimes(line, summary, run);
+  line.close('}');
+  return std::move(line).take();
+}
+
+} // namespace com::velanto::connectivity::tools

@@ -1,0 +1,72 @@
+#include "tools/replay/writing/golden.hpp"
+
+#include "ndjson/json_text.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+namespace {
+
+constexpr std::string_view BEHIND_AT = ",\"outcome\":";
+
+std::string beginOf(std::string_view place, std::string_view outcome) {
+  std::string line = "{\"at\":";
+  appendJsonText(line, place);
+  line += BEHIND_AT;
+  appendJsonText(line, outcome);
+  return line;
+}
+
+// More than one event is a broken law, but the file is to show what has happened.
+void appendEvents(std::string& line, std::string_view events) {
+  for (int number = 1; !events.empty(); ++number) {
+    const std::size_t end = events.find('\n');
+    line += ",\"event";
+    if (number > 1) line += std::to_string(number);
+    line += "\":";
+    line += events.substr(0, end);
+    events.remove_prefix(end + 1);
+  }
+}
+
+void appendLog(std::string& line, std::span<const log_line_t> log) {
+  if (log.empty()) return;
+  line += ",\"log\":[";
+  for (const log_line_t& entry : log) {
+    if (&entry != log.data()) line += ',';
+    line += "{\"level\":" + std::to_string(entry.level) + ",\"text\":";
+    appendJsonText(line, entry.text);
+    line += '}';
+  }
+  line += ']';
+}
+
+} // namespace
+
+std::string goldenLineOf(const record_t& record) {
+  std::string line = beginOf(record.place(), nameOf(record.outcome));
+  appendEvents(line, record.events);
+  if (record.outcome == Outcome::malformed) {
+    line += ",\"reason\":";
+    appendJsonText(line, record.malformed);
+  }
+  appendLog(line, record.log);
+  line += '}';
+  return line;
+}
+
+std::string goldenLineOf(std::span<const log_line_t> lines) {
+  std::string line = beginOf("", "no message");
+  appendLog(line, lines);
+  line += '}';
+  return line;
+}
+
+std::string_view contentOf(std::string_view golden_line) noexcept {
+  const std::size_t begin = golden_line.find(BEHIND_AT);
+  return begin == std::string_view::npos ? golden_line : golden_line.substr(begin);
+}
+
+GoldenWriter::GoldenWriter(const std::string& path)
+    : file_(openForWriting(path)), out_(file_, "cannot write " + path) {}
+
+} // namespace com::velanto::connectivity::tools

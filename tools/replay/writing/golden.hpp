@@ -1,0 +1,47 @@
+// A run as a file that later runs are compared with: a line of JSON for each record, in order.
+//
+//   {"at":"in.ndjson:6","outcome":"dropped","log":[{"level":3,"text":"<…> Error …"}]}
+//   {"at":"in.ndjson:7","outcome":"converted","event":{"metadata":{…},"payload":{…}}}
+//   {"at":"in.ndjson:8","outcome":"malformed","reason":"…"}
+//   {"at":"","outcome":"no message","log":[…]}      logged at creation, start or end
+//
+// "at" is for people: where a message stood does not count when runs are compared.
+#ifndef VLT_TOOLS_REPLAY_WRITING_GOLDEN_HPP
+#define VLT_TOOLS_REPLAY_WRITING_GOLDEN_HPP
+
+#include <fstream>
+#include <string>
+#include <string_view>
+
+#include "tools/record/output.hpp"
+#include "tools/record/record.hpp"
+
+namespace com::velanto::connectivity::tools {
+
+// The line of a record or of lines logged without one, without a line end.
+[[nodiscard]] std::string goldenLineOf(const record_t& record);
+[[nodiscard]] std::string goldenLineOf(std::span<const log_line_t> lines);
+
+// What counts of such a line when runs are compared: all behind "at".
+[[nodiscard]] std::string_view contentOf(std::string_view golden_line) noexcept;
+
+// Writes the file.
+class GoldenWriter final : public Consumer {
+ public:
+  // Makes the file anew. Throws ReplayError with EXIT_IO.
+  explicit GoldenWriter(const std::string& path);
+
+  void take(const record_t& record) override { out_.write(goldenLineOf(record) + "\n"); }
+  void takeLog(std::span<const log_line_t> lines) override {
+    if (!lines.empty()) out_.write(goldenLineOf(lines) + "\n");
+  }
+  void pause() override { out_.flush(); }
+
+ private:
+  std::ofstream file_;
+  Output out_;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif

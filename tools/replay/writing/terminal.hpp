@@ -1,0 +1,36 @@
+// Standard error on a terminal: a status line that is always the last one, and gives way to whatever
+// else is written.
+#ifndef VLT_TOOLS_REPLAY_WRITING_TERMINAL_HPP
+#define VLT_TOOLS_REPLAY_WRITING_TERMINAL_HPP
+
+#include <streambuf>
+#include <string>
+
+namespace com::velanto::connectivity::tools {
+
+class Terminal final : public std::streambuf {
+ public:
+  // `out` must outlive this.
+  explicit Terminal(std::streambuf& out) noexcept : out_(out) {}
+  Terminal(const Terminal&) = delete;
+  Terminal& operator=(const Terminal&) = delete;
+  ~Terminal() override { hide(); }
+
+  // Shows `line`, of fewer than 80 columns, in place of the status line.
+  void show(const std::string& line);
+
+ protected:
+  int_type overflow(int_type c) override;
+  std::streamsize xsputn(const char* text, std::streamsize count) override;
+  int sync() override { return out_.pubsync(); }
+
+ private:
+  void hide();
+
+  std::streambuf& out_;
+  bool shown_ = false;
+};
+
+} // namespace com::velanto::connectivity::tools
+
+#endif
