@@ -2,6 +2,7 @@
 // (2) what the script calls measured stands in docs/performance.md.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include "tests/docs/console.hpp"
@@ -57,6 +58,19 @@ TEST_F(ScalingDocument, MeasuredFiguresAreThoseOfPerformance) {
   EXPECT_EQ(defaultOf("alone"),
             cellOf("Kinds and contenders, batches of 256 (ns per message", "plug-in", 0));
   EXPECT_EQ(defaultOf("crowded"), cellOf("Threads (ns per message and thread)", "plug-in", 1));
+}
+
+TEST_F(ScalingDocument, RatioOfDroppedMessagesIsThatOfPerformance) {
+  std::vector<std::string> ratios;
+  for (const char* const kind :
+       {"alarms", "events", "measurements", "managedobjects", "operations"}) {
+    ratios.push_back(cellOf("Dropped notifications", kind, 2));
+  }
+  const auto [least, most] = std::minmax_element(ratios.begin(), ratios.end());
+  std::string document;
+  for (const std::string& line : readDocument(SCALING).lines) document += line + " ";
+  EXPECT_NE(document.find(*least + " to " + *most + " times"), std::string::npos)
+      << *least << " to " << *most;
 }
 
 // A block of another kind would look like an example and be none.
