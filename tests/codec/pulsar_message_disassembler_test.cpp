@@ -14,26 +14,7 @@ class Disassembler : public HostFixture {
   static PulsarMessageDisassembler at_path(data_t&& path) {
     return PulsarMessageDisassembler(Message(map_of(), map_of("pulsarPath", std::move(path))));
   }
-  static std::string type_at(data_t&& path) {
-    return at_path(std::move(path)).getStartCharOfMessageType();
-  }
 };
-
-TEST_F(Disassembler, TypeStartsBehindTheSecondSlash) {
-  EXPECT_EQ(type_at(text("tenantA/sub1/alarms/4711")), "alarms/4711");
-  EXPECT_EQ(type_at(text("tenantA/sub1/alarms")), "alarms");
-  EXPECT_EQ(type_at(text("//alarms/1")), "alarms/1");
-  EXPECT_EQ(type_at(text("///alarms")), "/alarms");
-  EXPECT_EQ(type_at(text("a//b")), "b");
-}
-
-TEST_F(Disassembler, TypeIsEmptyWithFewerThanTwoSlashes) {
-  EXPECT_EQ(type_at(text("")), "");
-  EXPECT_EQ(type_at(text("alarms")), "");
-  EXPECT_EQ(type_at(text("a/alarms")), "");
-  EXPECT_EQ(type_at(text("a/")), "");
-  EXPECT_EQ(type_at(text("a/b/")), "");
-}
 
 TEST_F(Disassembler, TypePointsIntoTheStoredPath) {
   const char* const path = "a/b/alarms/1";
@@ -44,38 +25,11 @@ TEST_F(Disassembler, TypePointsIntoTheStoredPath) {
   EXPECT_EQ(other.getStartCharOfMessageType(), without_type + 8);
 }
 
-TEST_F(Disassembler, NullPathReadsAsTheEmptyOne) {
-  EXPECT_EQ(type_at(null_text()), "");
-  EXPECT_EQ(type_at(borrowed(nullptr)), "");
-}
-
 TEST_F(Disassembler, MissingPathIsReported) {
   const PulsarMessageDisassembler none;
   EXPECT_EQ(error_of([&] { (void)none.getStartCharOfMessageType(); }), "No Pulsar path found");
   const PulsarMessageDisassembler other(Message(map_of(), map_of("pulsarpath", text("a/b/c"))));
   EXPECT_EQ(error_of([&] { (void)other.getStartCharOfMessageType(); }), "No Pulsar path found");
-}
-
-TEST_F(Disassembler, PathUnderABorrowedKeyIsNotFound) {
-  const PulsarMessageDisassembler notification(
-      Message(map_of(), map_of(borrowed("pulsarPath"), text("a/b/alarms"))));
-  EXPECT_EQ(error_of([&] { (void)notification.getStartCharOfMessageType(); }),
-            "No Pulsar path found");
-}
-
-TEST_F(Disassembler, PathThatIsNoStringIsTheTypedGetsError) {
-  const PulsarMessageDisassembler number = at_path(whole(1));
-  const PulsarMessageDisassembler empty = at_path(data_t());
-  std::string error;
-  stderr_of([&] { error = error_of([&] { (void)number.getStartCharOfMessageType(); }); });
-  EXPECT_EQ(error, "Incorrect type in get (you asked for string but it's actually integer)");
-  EXPECT_EQ(error_of([&] { (void)empty.getStartCharOfMessageType(); }), "Get from empty");
-}
-
-TEST_F(Disassembler, PayloadIsHandedOutInPlace) {
-  PulsarMessageDisassembler notification = wrapped(map_of("a", whole(1)));
-  notification.getPayloadMap()[text("b")] = whole(2);
-  EXPECT_TRUE(same(notification.getPayloadMap(), map_of("a", whole(1), "b", whole(2))));
 }
 
 TEST_F(Disassembler, RemainingPayloadIsMovedOutAndAnEmptyMapStays) {

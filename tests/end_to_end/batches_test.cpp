@@ -1,5 +1,4 @@
-// Batches of many messages: order, what is forwarded, what stays, and which host functions a batch
-// never calls.
+// Batches: the range that the next link gets, and the host functions that a batch never calls.
 #include <gtest/gtest.h>
 
 #include "tests/end_to_end/loaded_codec.hpp"
@@ -23,40 +22,6 @@ class BatchesTest : public EndToEnd {
 
 using ids_t = std::vector<std::string>;
 
-TEST_F(BatchesTest, FailingMessagesAreDroppedOthersKeepTheirOrder) {
-  std::vector<Message> batch;
-  batch.push_back(notification(UNKNOWN_PATH, eventPayload("1")));
-  batch.push_back(notification(EVENT_PATH, eventPayload("2")));
-  batch.push_back(notification(EVENT_PATH, map_of("id", text("3"))));
-  batch.push_back(notification(MEASUREMENT_PATH, measurementPayload("4")));
-  batch.emplace_back(map_of("id", text("5")));
-  EXPECT_EQ(codec_.sendTowardsHost(batch), 0);
-  EXPECT_EQ(codec_.host.calls, 1);
-  EXPECT_EQ(arrived(), (ids_t{"2", "4", "5"}));
-  EXPECT_EQ(
-      takeLog(),
-      (lines_t{dropped(" ('id' = '1'): Unrecognised Pulsar message type: 'inventory'"),
-               dropped(" ('id' = '3'): Required key 'source' missing from message payload")}));
-}
-
-TEST_F(BatchesTest, DroppedMessagesStandBehindTheKeptOnes) {
-  std::vector<Message> batch;
-  batch.push_back(notification(UNKNOWN_PATH, eventPayload("1")));
-  batch.push_back(notification(EVENT_PATH, eventPayload("2")));
-  batch.push_back(notification(UNKNOWN_PATH, eventPayload("3")));
-  batch.push_back(notification(EVENT_PATH, eventPayload("4")));
-  library_.setNextTowardsHost(codec_.plugin(), nullptr,
-                              [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {});
-  codec_.sendTowardsHost(batch);
-  const auto id = [&](std::size_t i) { return at(batch[i].getPayload().get<map_t>(), "id"); };
-  EXPECT_EQ(id(0), text("2"));
-  EXPECT_EQ(id(1), text("4"));
-  EXPECT_TRUE((id(2) == text("1") && id(3) == text("3")) ||
-              (id(2) == text("3") && id(3) == text("1")));
-  EXPECT_EQ(batch[2].getMetadataMap().table(), nullptr);
-  EXPECT_EQ(batch[3].getMetadataMap().table(), nullptr);
-}
-
 TEST_F(BatchesTest, LinkGetsTheFrontOfTheCallersArray) {
   struct range_t {
     void* start;
@@ -75,15 +40,6 @@ TEST_F(BatchesTest, LinkGetsTheFrontOfTheCallersArray) {
   EXPECT_EQ(range.end, batch.data() + 1);
 }
 
-TEST_F(BatchesTest, WithEveryMessageDroppedTheLinkGetsAnEmptyRange) {
-  std::vector<Message> batch(3);
-  for (Message& message : batch) message = notification(UNKNOWN_PATH, eventPayload());
-  EXPECT_EQ(codec_.sendTowardsHost(batch), 0);
-  EXPECT_EQ(codec_.host.calls, 1);
-  EXPECT_EQ(arrived(), ids_t{});
-  EXPECT_EQ(takeLog().size(), 3U);
-}
-
 TEST_F(BatchesTest, EmptyRangesArePassedOn) {
   std::vector<Message> none;
   EXPECT_EQ(codec_.sendTowardsHost(none), 0);
@@ -92,22 +48,6 @@ TEST_F(BatchesTest, EmptyRangesArePassedOn) {
   EXPECT_EQ(library_.sendBatchTowardsTransport(codec_.plugin(), nullptr, nullptr), 0);
   EXPECT_EQ(codec_.host.calls, 2);
   EXPECT_EQ(codec_.transport.calls, 2);
-}
-
-TEST_F(BatchesTest, TowardsTheTransportAllArriveInOrder) {
-  std::vector<Message> batch;
-  batch.push_back(notification(UNKNOWN_PATH, eventPayload("1")));
-  batch.push_back(notification(EVENT_PATH, whole(2)));
-  batch.emplace_back(data_t(), map_of("n", whole(3)));
-  EXPECT_EQ(codec_.sendTowardsTransport(batch), 0);
-  EXPECT_EQ(codec_.transport.calls, 1);
-  ASSERT_EQ(codec_.transport.messages.size(), 3U);
-  EXPECT_EQ(codec_.transport.messages[0].getPayload(), data_t(eventPayload("1")));
-  EXPECT_EQ(codec_.transport.messages[1].getPayload(), whole(2));
-  EXPECT_EQ(codec_.transport.messages[1].getMetadataMap(), map_of("pulsarPath", text(EVENT_PATH)));
-  EXPECT_EQ(codec_.transport.messages[2].getMetadataMap(), map_of("n", whole(3)));
-  EXPECT_EQ(codec_.host.calls, 0);
-  EXPECT_EQ(takeLog(), lines_t{});
 }
 
 TEST_F(BatchesTest, NeitherLevelsNorStatusAreTouched) {
@@ -136,6 +76,24 @@ TEST_F(BatchesTest, CodecKeepsNothingFromOneBatchToTheNext) {
     EXPECT_LT(standin_live_blocks_total(), before);
   }
   EXPECT_EQ(takeLog().size(), 3U);
+}
+
+TEST_F(BatchesTest, TraceRendersPayloadAndMetadataOnceEach) {
+  standin_set_log_level("connectivity.codec.chain", 6);
+  LoadedCodec codec(library_, map_of("tenantId", text("")));
+  for (const char* const path : {EVENT_PATH, UNKNOWN_PATH}) {
+    Message message = notification(path, eventPayload());
+    standin_reset_calls();
+    codec.sendTowardsHost(message);
+    EXPECT_EQ(standin_calls(STANDIN_DATA_TO_STRING), 2) << path;
+  }
+}
+
+TEST_F(BatchesTest, LevelOfTheTraceIsTheOneOfCreation) {
+  standin_set_log_level("connectivity.codec.chain", 6);
+  Message message = notification(EVENT_PATH, eventPayload());
+  codec_.sendTowardsHost(message);
+  EXPECT_EQ(takeLog(), lines_t{});
 }
 
 } // namespace

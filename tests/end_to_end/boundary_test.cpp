@@ -68,12 +68,21 @@ TEST_F(BoundaryTest, ExceptionOfANextLinkIsOverForTheHostToo) {
   takeLog();
 }
 
-TEST_F(BoundaryTest, TextsOfMessagesAreNeverFormats) {
-  LoadedCodec codec(library_, map_of("tenantId", text("")));
-  Message message = notification("%s/%n/%s%n%d/1", map_of("id", text("%s%n")));
-  EXPECT_EQ(codec.sendTowardsHost(message), 0);
-  EXPECT_EQ(takeLog(),
-            (lines_t{dropped(" ('id' = '%s%n'): Unrecognised Pulsar message type: '%s%n%d'")}));
+TEST_F(BoundaryTest, ConfigurationMayVanishAfterCreation) {
+  std::string name = "codec";
+  std::string prefix = "p.";
+  auto settings = std::make_unique<data_t>(
+      map_of("tenantId", text("t1"), "towardsHostChannelPrefix", borrowed(prefix.c_str())));
+  LoadedCodec codec(library_, *settings, name.c_str());
+  settings.reset();
+  prefix = "--";
+  name = "-----";
+  Message event = codec.converted(notification(EVENT_PATH, eventPayload()));
+  EXPECT_EQ(at(event.getMetadataMap(), "vlt.channel"), text("p.ostrovia.devices"));
+  EXPECT_EQ(at(event.getPayload().get<map_t>(), "tenantId"), text("t1"));
+  Message failing = notification(UNKNOWN_PATH, map_t());
+  codec.sendTowardsHost(failing);
+  EXPECT_EQ(takeLog(), (lines_t{dropped(": Unrecognised Pulsar message type: 'inventory'")}));
 }
 
 } // namespace

@@ -1,8 +1,10 @@
-// The rows between an enumeration's values and their texts.
+// The rows between an enumeration's values and their texts, and the enumerations that have them.
 #include "codec/conversions/enum_texts.hpp"
 
 #include <limits>
 
+#include "codec/conversions/alarm.hpp"
+#include "codec/conversions/operation.hpp"
 #include "tests/codec/notifications.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
@@ -38,6 +40,25 @@ TEST_F(Texts, ValueWithoutARowIsRefused) {
     EXPECT_EQ(error_of([&] { (void)texts_.toDataTString(static_cast<Colour>(value)); }),
               "Unrecognized enum value.");
   }
+}
+
+// The texts of an enumeration in the order of its values, and the refusal of any other value.
+template <class Text, class Enumeration>
+void expectTexts(Text (*toText)(Enumeration), std::initializer_list<const char*> texts) {
+  int value = 0;
+  for (const char* const expected : texts) {
+    EXPECT_TRUE(same(toText(static_cast<Enumeration>(value++)), text(expected)));
+  }
+  for (const int other : {value, value + 1, 255, -1, std::numeric_limits<int>::max()}) {
+    EXPECT_EQ(error_of([&] { (void)toText(static_cast<Enumeration>(other)); }),
+              "Unrecognized enum value.");
+  }
+}
+
+TEST_F(Texts, ValuesOfTheEnumerationsHaveTheirTextsInOrder) {
+  expectTexts(alarmSeverityToDataTString, {"CRITICAL", "MAJOR", "MINOR", "WARNING"});
+  expectTexts(alarmStatusToDataTString, {"ACTIVE", "ACKNOWLEDGED", "CLEARED"});
+  expectTexts(operationStatusToDataTString, {"SUCCESSFUL", "FAILED", "EXECUTING", "PENDING"});
 }
 
 } // namespace
