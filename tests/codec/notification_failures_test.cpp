@@ -57,18 +57,6 @@ TEST_F(Failures, ReportNamesTheDirectionAndWhatIsKnownOfTheException) {
                   line(3, "Error when transforming message towards host: oops")));
 }
 
-TEST_F(Failures, FailingTraceLeavesTheMessageUntouched) {
-  standin_set_log_level(CATEGORY, 6);
-  const auto codec = CodecFixture::codec();
-  Message message = alarm();
-  standin_fail_allocation(1);
-  EXPECT_THROW(codec->transformMessageTowardsHost(message), std::exception);
-  standin_fail_allocation(0);
-  EXPECT_TRUE(same(message.getPayload(), alarm_example()));
-  EXPECT_TRUE(same(message.getMetadataMap(), map_of("pulsarPath", text("a/b/alarms/1"))));
-  EXPECT_THAT(takeLog(), IsEmpty());
-}
-
 // A message that failed is as it came, or holds its id and nothing else.
 bool isUntouchedOrOnlyItsId(const Message& message, map_t (*example)()) {
   const bool only_id = message.getPayload() == map_of("id", text("1"));

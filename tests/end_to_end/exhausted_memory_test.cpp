@@ -1,5 +1,5 @@
-// Batches without memory: which texts are logged and what is left of the messages. That nothing
-// else is lost, whichever allocation is refused, is tested in tests/exhaustion/.
+// A trace without memory: what is logged and what is left of the message. That nothing else is
+// lost, whichever allocation is refused, is tested in tests/exhaustion/.
 #include <gtest/gtest.h>
 
 #include "tests/end_to_end/loaded_codec.hpp"
@@ -7,29 +7,7 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-class ExhaustedMemoryTest : public EndToEnd {
- protected:
-  static std::vector<Message> batchOfTwo() {
-    std::vector<Message> batch;
-    batch.push_back(notification(EVENT_PATH, eventPayload("1")));
-    batch.push_back(notification(MEASUREMENT_PATH, measurementPayload("2")));
-    return batch;
-  }
-};
-
-TEST_F(ExhaustedMemoryTest, WithoutAnyMemoryTheBatchIsDroppedAndTheCodecStaysUsable) {
-  LoadedCodec codec(library_, map_of("tenantId", text("t1")));
-  std::vector<Message> batch = batchOfTwo();
-  standin_fail_allocations_from(1);
-  EXPECT_EQ(codec.sendTowardsHost(batch), 0);
-  standin_fail_allocation(0);
-  EXPECT_EQ(codec.host.calls, 1);
-  EXPECT_TRUE(codec.host.messages.empty());
-  EXPECT_EQ(takeLog(), (lines_t{dropped(" ('id' = '1'): std::bad_alloc"),
-                                dropped(" ('id' = '2'): std::bad_alloc")}))
-      << "the messages are untouched then, so their ids are still there";
-  static_cast<void>(codec.converted(notification(EVENT_PATH, eventPayload())));
-}
+using ExhaustedMemoryTest = EndToEnd;
 
 TEST_F(ExhaustedMemoryTest, FailingTraceLeavesTheMessageUntouched) {
   standin_set_log_level("connectivity.codec.chain", 6);

@@ -43,15 +43,6 @@ class ReloadTest : public HostFixture {
   const std::int64_t blocks_ = standin_live_blocks_total();
 };
 
-TEST_F(ReloadTest, LibraryIsGoneOnceItIsClosed) {
-  ASSERT_FALSE(isLoaded());
-  {
-    const PluginLibrary library(VLT_PLUGIN_PATH);
-    EXPECT_TRUE(isLoaded());
-  }
-  EXPECT_FALSE(isLoaded());
-}
-
 TEST_F(ReloadTest, LibraryIsGoneAfterItsCodecHasCaughtExceptions) {
   {
     const PluginLibrary library(VLT_PLUGIN_PATH);
@@ -59,14 +50,6 @@ TEST_F(ReloadTest, LibraryIsGoneAfterItsCodecHasCaughtExceptions) {
     Message message = notification(UNKNOWN_PATH, map_t());
     EXPECT_EQ(codec.sendTowardsHost(message), 0);
   }
-  EXPECT_FALSE(isLoaded());
-}
-
-TEST_F(ReloadTest, LoadingAndUnloadingLeavesNothingBehind) {
-  live([this] {
-    { const PluginLibrary library(VLT_PLUGIN_PATH); }
-    ASSERT_EQ(standin_live_blocks_total(), blocks_);
-  });
   EXPECT_FALSE(isLoaded());
 }
 
