@@ -8,65 +8,70 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-inline const constant_t DATA_T_("");
-inline const constant_t DATA_T_ACKNOWLEDGED("ACKNOWLEDGED");
-inline const constant_t DATA_T_ACTIVE("ACTIVE");
-inline const constant_t DATA_T_additionParentIds("additionParentIds");
-inline const constant_t DATA_T_additionParents("additionParents");
-inline const constant_t DATA_T_assetParentIds("assetParentIds");
-inline const constant_t DATA_T_assetParents("assetParents");
-inline const constant_t DATA_T_o6a_Position("o6a_Position");
-inline const constant_t DATA_T_o6a_SupportedMeasurements("o6a_SupportedMeasurements");
-inline const constant_t DATA_T_o6a_SupportedOperations("o6a_SupportedOperations");
-inline const constant_t DATA_T_childAdditionIds("childAdditionIds");
-inline const constant_t DATA_T_childAdditions("childAdditions");
-inline const constant_t DATA_T_childAssetIds("childAssetIds");
-inline const constant_t DATA_T_childAssets("childAssets");
-inline const constant_t DATA_T_childDeviceIds("childDeviceIds");
-inline const constant_t DATA_T_childDevices("childDevices");
-inline const constant_t DATA_T_CLEARED("CLEARED");
-inline const constant_t DATA_T_count("count");
-inline const constant_t DATA_T_creationTime("creationTime");
-inline const constant_t DATA_T_CRITICAL("CRITICAL");
-inline const constant_t DATA_T_deviceId("deviceId");
-inline const constant_t DATA_T_deviceParentIds("deviceParentIds");
-inline const constant_t DATA_T_deviceParents("deviceParents");
-inline const constant_t DATA_T_EXECUTING("EXECUTING");
-inline const constant_t DATA_T_FAILED("FAILED");
-inline const constant_t DATA_T_firstOccurrenceTime("firstOccurrenceTime");
-inline const constant_t DATA_T_id("id");
-inline const constant_t DATA_T_lastUpdated("lastUpdated");
-inline const constant_t DATA_T_MAJOR("MAJOR");
-inline const constant_t DATA_T_measurements("measurements");
-inline const constant_t DATA_T_MINOR("MINOR");
-inline const constant_t DATA_T_name("name");
-inline const constant_t DATA_T_params("params");
-inline const constant_t DATA_T_PENDING("PENDING");
-inline const constant_t DATA_T_position("position");
-inline const constant_t DATA_T_pulsarPath("pulsarPath");
-inline const constant_t DATA_T_vltDOTchannel("vlt.channel");
-inline const constant_t DATA_T_vltDOTtype("vlt.type");
-inline const constant_t DATA_T_severity("severity");
-inline const constant_t DATA_T_source("source");
-inline const constant_t DATA_T_status("status");
-inline const constant_t DATA_T_SUCCESSFUL("SUCCESSFUL");
-inline const constant_t DATA_T_supportedMeasurements("supportedMeasurements");
-inline const constant_t DATA_T_supportedOperations("supportedOperations");
-inline const constant_t DATA_T_tenantId("tenantId");
-inline const constant_t DATA_T_text("text");
-inline const constant_t DATA_T_time("time");
-inline const constant_t DATA_T_towardsHostChannelPrefix("towardsHostChannelPrefix");
-inline const constant_t DATA_T_type("type");
-inline const constant_t DATA_T_units("units");
-inline const constant_t DATA_T_value("value");
-inline const constant_t DATA_T_WARNING("WARNING");
+inline const constant_t& DATA_T_ = lasting<"">.constant;
+inline const constant_t& DATA_T_ACKNOWLEDGED = lasting<"ACKNOWLEDGED">.constant;
+inline const constant_t& DATA_T_ACTIVE = lasting<"ACTIVE">.constant;
+inline const constant_t& DATA_T_additionParentIds = lasting<"additionParentIds">.constant;
+inline const constant_t& DATA_T_additionParents = lasting<"additionParents">.constant;
+inline const constant_t& DATA_T_assetParentIds = lasting<"assetParentIds">.constant;
+inline const constant_t& DATA_T_assetParents = lasting<"assetParents">.constant;
+inline const constant_t& DATA_T_o6a_Position = lasting<"o6a_Position">.constant;
+inline const constant_t& DATA_T_o6a_SupportedMeasurements =
+    lasting<"o6a_SupportedMeasurements">.constant;
+inline const constant_t& DATA_T_o6a_SupportedOperations =
+    lasting<"o6a_SupportedOperations">.constant;
+inline const constant_t& DATA_T_childAdditionIds = lasting<"childAdditionIds">.constant;
+inline const constant_t& DATA_T_childAdditions = lasting<"childAdditions">.constant;
+inline const constant_t& DATA_T_childAssetIds = lasting<"childAssetIds">.constant;
+inline const constant_t& DATA_T_childAssets = lasting<"childAssets">.constant;
+inline const constant_t& DATA_T_childDeviceIds = lasting<"childDeviceIds">.constant;
+inline const constant_t& DATA_T_childDevices = lasting<"childDevices">.constant;
+inline const constant_t& DATA_T_CLEARED = lasting<"CLEARED">.constant;
+inline const constant_t& DATA_T_count = lasting<"count">.constant;
+inline const constant_t& DATA_T_creationTime = lasting<"creationTime">.constant;
+inline const constant_t& DATA_T_CRITICAL = lasting<"CRITICAL">.constant;
+inline const constant_t& DATA_T_deviceId = lasting<"deviceId">.constant;
+inline const constant_t& DATA_T_deviceParentIds = lasting<"deviceParentIds">.constant;
+inline const constant_t& DATA_T_deviceParents = lasting<"deviceParents">.constant;
+inline const constant_t& DATA_T_EXECUTING = lasting<"EXECUTING">.constant;
+inline const constant_t& DATA_T_FAILED = lasting<"FAILED">.constant;
+inline const constant_t& DATA_T_firstOccurrenceTime = lasting<"firstOccurrenceTime">.constant;
+inline const constant_t& DATA_T_id = lasting<"id">.constant;
+inline const constant_t& DATA_T_lastUpdated = lasting<"lastUpdated">.constant;
+inline const constant_t& DATA_T_MAJOR = lasting<"MAJOR">.constant;
+inline const constant_t& DATA_T_measurements = lasting<"measurements">.constant;
+inline const constant_t& DATA_T_MINOR = lasting<"MINOR">.constant;
+inline const constant_t& DATA_T_name = lasting<"name">.constant;
+inline const constant_t& DATA_T_params = lasting<"params">.constant;
+inline const constant_t& DATA_T_PENDING = lasting<"PENDING">.constant;
+inline const constant_t& DATA_T_position = lasting<"position">.constant;
+inline const constant_t& DATA_T_pulsarPath = lasting<"pulsarPath">.constant;
+inline const constant_t& DATA_T_vltDOTchannel = lasting<"vlt.channel">.constant;
+inline const constant_t& DATA_T_vltDOTtype = lasting<"vlt.type">.constant;
+inline const constant_t& DATA_T_severity = lasting<"severity">.constant;
+inline const constant_t& DATA_T_source = lasting<"source">.constant;
+inline const constant_t& DATA_T_status = lasting<"status">.constant;
+inline const constant_t& DATA_T_SUCCESSFUL = lasting<"SUCCESSFUL">.constant;
+inline const constant_t& DATA_T_supportedMeasurements = lasting<"supportedMeasurements">.constant;
+inline const constant_t& DATA_T_supportedOperations = lasting<"supportedOperations">.constant;
+inline const constant_t& DATA_T_tenantId = lasting<"tenantId">.constant;
+inline const constant_t& DATA_T_text = lasting<"text">.constant;
+inline const constant_t& DATA_T_time = lasting<"time">.constant;
+inline const constant_t& DATA_T_towardsHostChannelPrefix =
+    lasting<"towardsHostChannelPrefix">.constant;
+inline const constant_t& DATA_T_type = lasting<"type">.constant;
+inline const constant_t& DATA_T_units = lasting<"units">.constant;
+inline const constant_t& DATA_T_value = lasting<"value">.constant;
+inline const constant_t& DATA_T_WARNING = lasting<"WARNING">.constant;
 
 // The types of the five host events.
-inline const constant_t ALARM_TYPE_DATA_T("com.tivra.ostrovia.Alarm");
-inline const constant_t EVENT_TYPE_DATA_T("com.tivra.ostrovia.Event");
-inline const constant_t MANAGEDOBJECT_TYPE_DATA_T("com.tivra.ostrovia.ManagedObject");
-inline const constant_t MEASUREMENT_TYPE_DATA_T("com.tivra.ostrovia.Measurement");
-inline const constant_t OPERATION_TYPE_DATA_T("com.tivra.ostrovia.Operation");
+inline const constant_t& ALARM_TYPE_DATA_T = lasting<"com.tivra.ostrovia.Alarm">.constant;
+inline const constant_t& EVENT_TYPE_DATA_T = lasting<"com.tivra.ostrovia.Event">.constant;
+inline const constant_t& MANAGEDOBJECT_TYPE_DATA_T =
+    lasting<"com.tivra.ostrovia.ManagedObject">.constant;
+inline const constant_t& MEASUREMENT_TYPE_DATA_T =
+    lasting<"com.tivra.ostrovia.Measurement">.constant;
+inline const constant_t& OPERATION_TYPE_DATA_T = lasting<"com.tivra.ostrovia.Operation">.constant;
 
 // The same for words that are needed as plain texts only.
 inline constexpr char STR_Notifications2Codec[] = "Notifications2Codec";

@@ -59,7 +59,6 @@ std::string describeFailure(const Message& message, bool towardsTransport, const
 OstroviaNotifications2Codec::OstroviaNotifications2Codec(
     const PluginConstructorParameters::CodecConstructorParameters& params)
     : AbstractSimpleCodec(params) {
-  constant_t::requireAll();
   const MapExtractor settings(params.getConfiguration(), STR_Notifications2Codec);
 
   measurementSplittingChannel = data_t(readMeasurementChannel(settings));

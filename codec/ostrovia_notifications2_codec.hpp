@@ -11,6 +11,7 @@
 
 #include <boost/optional.hpp>
 
+#include "codec/constant.hpp"
 #include "codec/fault.hpp"
 #include "plugin/abstract_simple_codec.hpp"
 
@@ -55,6 +56,7 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
   void reportDropped(const Message& message, bool towardsTransport,
                      const char* what) const noexcept;
 
+  ConstantsUser constants_;           // first: made before the others, destroyed after them
   data_t measurementSplittingChannel; // for events made from measurements
   data_t devicesChannel;              // for all others, prefix included
   boost::optional<data_t> tenantId;   // written into every event when set

@@ -95,13 +95,6 @@ TEST(Constants, EventTypesHoldTheirTexts) {
   });
 }
 
-TEST(Constants, NumbersCountUpInTheOrderOfDefinition) {
-  EXPECT_EQ(DATA_T_.number(), 0U);
-  EXPECT_EQ(DATA_T_ACKNOWLEDGED.number(), 1U);
-  EXPECT_LT(DATA_T_WARNING.number(), ALARM_TYPE_DATA_T.number());
-  EXPECT_LT(OPERATION_TYPE_DATA_T.number(), constant_t::MOST) << "the last one";
-}
-
 TEST(Constants, PlainTextsAreTheWordsOfTheirNames) {
   EXPECT_STREQ(STR_Notifications2Codec, "Notifications2Codec");
   EXPECT_STREQ(STR_measurementSplittingChannel, "measurementSplittingChannel");
