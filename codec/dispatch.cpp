@@ -1,11 +1,10 @@
 #include "codec/dispatch.hpp"
 
-#include <array>
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
-#include "codec/constants.hpp"
 #include "codec/conversions/alarm.hpp"
 #include "codec/conversions/event.hpp"
 #include "codec/conversions/managed_object.hpp"
@@ -16,46 +15,40 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 namespace {
 
-using Conversion = std::unique_ptr<TivraMessageBuilder> (*)(PulsarMessageDisassembler&);
-
-struct Route {
-  const char* kind;
-  Conversion tryConvert;
+struct kind_t {
+  std::string_view word; // that its type segments begin with: alarmsX is accepted as alarms
+  Channel channel;
+  std::unique_ptr<TivraMessageBuilder> (*convert)(PulsarMessageDisassembler&);
 };
 
 // In the order in which they are tried.
-constexpr std::array ROUTES = {
-    Route{STR_alarms, tryConvertAlarm},
-    Route{STR_events, tryConvertEvent},
-    Route{STR_measurements, tryConvertMeasurement},
-    Route{STR_managedobjects, tryConvertManagedObject},
-    Route{STR_operations, tryConvertOperation},
+constexpr kind_t KINDS[] = {
+    {STR_alarms, Channel::DEVICES, convertAlarm},
+    {STR_events, Channel::DEVICES, convertEvent},
+    {STR_measurements, Channel::MEASUREMENTS, convertMeasurement},
+    {STR_managedobjects, Channel::DEVICES, convertManagedObject},
+    {STR_operations, Channel::DEVICES, convertOperation},
 };
+
+bool isOfKind(const char* typeSegment, const kind_t& kind) noexcept {
+  // The first character tells most kinds apart without a call.
+  return *typeSegment == kind.word.front() &&
+         std::strncmp(typeSegment, kind.word.data(), kind.word.size()) == 0;
+}
 
 } // namespace
 
-bool isOfKind(const char* typeSegment, const char* kind) noexcept {
-  // The first character tells most kinds apart without a call.
-  return *typeSegment == *kind && std::strncmp(typeSegment, kind, std::strlen(kind)) == 0;
-}
-
-std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
-    PulsarMessageDisassembler& notification) {
+converted_t convertPulsarToTivraMessage(PulsarMessageDisassembler& notification) {
   const char* const typeSegment = notification.getStartCharOfMessageType();
-  return notification.getFault().orThrow(tryConvertPulsarToTivraMessage(notification, typeSegment));
-}
-
-std::unique_ptr<TivraMessageBuilder> tryConvertPulsarToTivraMessage(
-    PulsarMessageDisassembler& notification, const char* typeSegment) {
-  for (const Route& route : ROUTES) {
-    if (!isOfKind(typeSegment, route.kind)) continue;
+  for (const kind_t& kind : KINDS) {
+    if (!isOfKind(typeSegment, kind)) continue;
     notification.discardMetadata(); // and with it the path
-    return route.tryConvert(notification);
+    return {kind.convert(notification), kind.channel};
   }
-  const std::string type(typeSegment, std::strcspn(typeSegment, "/"));
+  const std::string segment(typeSegment, std::strcspn(typeSegment, "/"));
   notification.getFault().note(
-      std::runtime_error("Unrecognised Pulsar message type: '" + type + "'"));
-  return nullptr;
+      std::runtime_error("Unrecognised Pulsar message type: '" + segment + "'"));
+  return {};
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -9,19 +9,17 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-// Whether a type segment, or any text that begins at one, begins with the word of a kind. Only the
-// word's own length counts: alarmsX is accepted as alarms.
-[[nodiscard]] bool isOfKind(const char* typeSegment, const char* kind) noexcept;
+enum class Channel { DEVICES, MEASUREMENTS };
 
-// The event made from the notification, which is consumed: its metadata, and with them the path,
-// are gone. Throws what the conversion throws, and std::runtime_error "Unrecognised Pulsar message
-// type: 'SEGMENT'".
-[[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertPulsarToTivraMessage(
-    PulsarMessageDisassembler& notification);
-// The same for one whose type segment has been looked up already, but notes the error of the
-// conversion, or that there is none, in the notification and returns null.
-[[nodiscard]] std::unique_ptr<TivraMessageBuilder> tryConvertPulsarToTivraMessage(
-    PulsarMessageDisassembler& notification, const char* typeSegment);
+struct converted_t {
+  std::unique_ptr<TivraMessageBuilder> builder; // null when the notification is faulty
+  Channel channel;                              // of the event
+};
+
+// The event made from the notification, which is consumed, and its channel. A path of no known kind
+// is a fault, "Unrecognised Pulsar message type: 'SEGMENT'". Throws what
+// getStartCharOfMessageType throws, and std::bad_alloc.
+[[nodiscard]] converted_t convertPulsarToTivraMessage(PulsarMessageDisassembler& notification);
 
 } // namespace com::velanto::connectivity::plugins::pulsar
 

@@ -6,24 +6,13 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-namespace {
-
-std::runtime_error notAString(char const* key) {
-  return std::runtime_error("Value for key '" + std::string(key) + "' is not a string.");
-}
-
-} // namespace
-
-std::runtime_error problemWithKey(char const* key, const std::exception& error) {
+std::runtime_error problemWithKey(char const* key, const std::runtime_error& error) {
   return std::runtime_error("Problem with key '" + std::string(key) + "': " + error.what());
 }
 
-void ensureValueDataTIsString(char const* key, data_t const& value) {
-  if (!value.is_string()) throw notAString(key);
-}
-
 void noteNotAString(char const* key, Fault& fault) {
-  if (!fault) fault.note(notAString(key));
+  if (fault) return;
+  fault.note(std::runtime_error("Value for key '" + std::string(key) + "' is not a string."));
 }
 
 bool dataTConvertableToFloat(data_t const& value) {

@@ -1,40 +1,48 @@
-// Puts a notification's "id" aside while it is converted: a message whose conversion fails is left
-// with that and nothing else, for the report to name. The text is kept here, where it costs no call
-// of the host, and becomes a map again only when it is needed.
+// The text of a notification's "id", kept while the notification is converted: whatever becomes of
+// it, its report can name the id. Takes no memory of the host's, and none at all for a usual id.
 #ifndef VLT_CODEC_ID_FOR_REPORT_HPP
 #define VLT_CODEC_ID_FOR_REPORT_HPP
 
 #include <cstddef>
+#include <cstring>
+#include <memory>
 
-#include "value/message.hpp"
+#include "codec/vocabulary.hpp"
+#include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
+// The text of the "id" of `payload`, or null unless there is one of a string kind.
+[[nodiscard]] inline const char* idOf(const map_t& payload) {
+  const data_t* const id = payload.find_value(DATA_T_id);
+  return id != nullptr && id->is_string() ? text_or_empty(id->get<const char*>()) : nullptr;
+}
+
 class IdForReport {
  public:
-  // `id` is a string, or null for none. At the end of its life the object leaves a map with only
-  // the id in `message`, which must outlive it, unless the conversion succeeded or there is no
-  // memory for the map. Throws std::bad_alloc for a long text.
-  IdForReport(const data_t* id, Message& message);
+  // Throws std::bad_alloc for a long id.
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the usual text is there or unused
+  explicit IdForReport(const map_t& payload) {
+    const char* const id = idOf(payload);
+    if (id == nullptr) return;
+    const std::size_t size = std::strlen(id) + 1;
+    if (size > sizeof usual_) long_ = std::make_unique<char[]>(size);
+    text_ = long_ ? long_.get() : usual_;
+    std::memcpy(text_, id, size);
+  }
   IdForReport(const IdForReport&) = delete;
   IdForReport& operator=(const IdForReport&) = delete;
-  ~IdForReport() {
-    if (has_id_ && !converted_) leaveOnlyId();
-  }
+  ~IdForReport() = default;
 
-  // There is nothing to report.
-  void converted() noexcept { converted_ = true; }
+  // Null when the notification has no "id" that is a string.
+  [[nodiscard]] const char* text() const noexcept { return text_; }
 
  private:
-  void leaveOnlyId() noexcept;
-
   static constexpr std::size_t USUAL_SIZE = 64; // ids of the platform are shorter
 
-  Message& message_;
-  bool has_id_;
-  bool converted_ = false;
-  data_t other_text_; // a long one or a null one; empty: the short one counts
-  char short_text_[USUAL_SIZE];
+  char* text_ = nullptr;
+  std::unique_ptr<char[]> long_;
+  char usual_[USUAL_SIZE];
 };
 
 } // namespace com::velanto::connectivity::plugins::pulsar

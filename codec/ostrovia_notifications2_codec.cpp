@@ -2,13 +2,13 @@
 
 #include <cxxabi.h>
 
-#include <stdexcept>
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <new>
 #include <string>
 
-#include "codec/constants.hpp"
-#include "codec/dispatch.hpp"
 #include "codec/id_for_report.hpp"
-#include "codec/pulsar_message_disassembler.hpp"
 #include "plugin/map_extractor.hpp"
 #include "value/get_visitor.hpp"
 #include "value/to_string.hpp"
@@ -30,30 +30,6 @@ const char* readMeasurementChannel(const MapExtractor& settings) {
   }
 }
 
-// The entry of the notification's "id" if that is a string, otherwise null.
-const map_entry_t* findStringId(const map_t& payload) {
-  const map_entry_t* const id = payload.find_entry(DATA_T_id);
-  return id != nullptr && id->value.is_string() ? id : nullptr;
-}
-
-// `what` is null for an exception without a text.
-std::string describeFailure(const Message& message, bool towardsTransport, const char* what) {
-  std::string text = "Error when transforming message towards ";
-  text += towardsTransport ? "transport" : "host";
-  const data_t& payload = message.getPayload();
-  // The kind before the content: a typed get of another kind would write to standard error.
-  if (payload.type_tag() == VLT_TAG_MAP) {
-    if (const map_entry_t* const id = findStringId(payload.get<map_t>())) {
-      text += " ('id' = '" + std::string(text_or_empty(id->value.get<const char*>())) + "')";
-    }
-  }
-  if (what != nullptr) {
-    text += ": ";
-    text += what;
-  }
-  return text;
-}
-
 } // namespace
 
 OstroviaNotifications2Codec::OstroviaNotifications2Codec(
@@ -70,60 +46,45 @@ OstroviaNotifications2Codec::OstroviaNotifications2Codec(
   if (*tenant != '\0') tenantId = data_t(tenant);
 }
 
-Message OstroviaNotifications2Codec::processPulsarMessage(Message&& notification,
-                                                          const found_t& found, data_t&& channelKey,
-                                                          Fault& fault) const {
-  if (notification.getPayload().type_tag() != VLT_TAG_MAP) {
-    throw std::runtime_error("Message payload is not a map");
-  }
-  PulsarMessageDisassembler disassembler(std::move(notification), found.id);
-  const char* const typeSegment = PulsarMessageDisassembler::getStartCharOfMessageType(found.path);
-  const bool is_measurement = isOfKind(typeSegment, STR_measurements);
-  std::unique_ptr<TivraMessageBuilder> builder =
-      tryConvertPulsarToTivraMessage(disassembler, typeSegment);
-  if (builder == nullptr) {
-    fault = disassembler.getFault();
-    return {};
-  }
-
-  builder->addToMetadata(DATA_T_vltDOTchannel.hash(), std::move(channelKey),
-                         data_t(is_measurement ? measurementSplittingChannel : devicesChannel));
-  if (tenantId) builder->fields.assign(DATA_T_tenantId.with(data_t(*tenantId)));
-  return TivraMessageBuilder::getResult(std::move(builder));
-}
-
 bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) {
-  const data_t* const path = message.getMetadataMap().find_value(DATA_T_pulsarPath);
-  if (path == nullptr) return true;
+  if (message.getMetadataMap().find_value(DATA_T_pulsarPath) == nullptr) return true;
 
   if (getLogger().enabled(TRACE_LEVEL)) {
     const std::string text = "Processing message: " + to_string(message, true);
     getLogger().log<TRACE_LEVEL>("%s", text.c_str());
   }
 
-  Fault fault;
-  if (replaceByEvent(message, *path, fault)) return true;
-  reportDropped(message, false, fault.what());
-  return false;
-}
-
-bool OstroviaNotifications2Codec::replaceByEvent(Message& message, const data_t& path,
-                                                 Fault& fault) const {
   const data_t& payload = message.getPayload();
   const auto* const fields = payload.get_if<map_t>();
   if (fields == nullptr) {
-    fault.note(payload.get_error<map_t>());
+    reportDropped(nullptr, false, payload.report_mismatch<map_t>().what());
     return false;
   }
-  const found_t found{path, findStringId(*fields)};
-  // Made while the message is whole: when there is no memory at all, it stays so for its report.
-  data_t channelKey = DATA_T_vltDOTchannel.copy();
-  IdForReport idForReport(found.id == nullptr ? nullptr : &found.id->value, message);
-  Message notification(std::move(message));
-  message = processPulsarMessage(std::move(notification), found, std::move(channelKey), fault);
-  if (fault) return false;
-  idForReport.converted();
-  return true;
+
+  const IdForReport id(*fields);
+  PulsarMessageDisassembler notification(std::move(message));
+  try {
+    message = processPulsarMessage(notification);
+    if (!notification.getFault()) return true;
+    reportDropped(id.text(), false, notification.getFault().what());
+  } catch (...) {
+    reportExceptionInFlight(id.text(), false);
+  }
+  message.getPayload() = notification.reduceToId(id.text());
+  return false;
+}
+
+Message OstroviaNotifications2Codec::processPulsarMessage(
+    PulsarMessageDisassembler& notification) const {
+  auto [builder, channel] = convertPulsarToTivraMessage(notification);
+  if (builder == nullptr) return {};
+  builder->insertIntoMetadata(DATA_T_vltDOTchannel, data_t(channelFor(channel)));
+  if (tenantId) builder->fields.assign(DATA_T_tenantId.with(data_t(*tenantId)));
+  return TivraMessageBuilder::getResult(std::move(builder));
+}
+
+const data_t& OstroviaNotifications2Codec::channelFor(Channel channel) const noexcept {
+  return channel == Channel::MEASUREMENTS ? measurementSplittingChannel : devicesChannel;
 }
 
 bool OstroviaNotifications2Codec::transformMessageTowardsTransport(Message&) { return true; }
@@ -131,23 +92,39 @@ bool OstroviaNotifications2Codec::transformMessageTowardsTransport(Message&) { r
 bool OstroviaNotifications2Codec::handleException(Message& message, bool towardsTransport) {
   // Not std::current_exception: it would ask for the C++ library of g++ 11, and count references.
   if (abi::__cxa_current_exception_type() == nullptr) return false;
-  try {
-    throw;
-  } catch (const std::exception& e) {
-    reportDropped(message, towardsTransport, e.what());
-  } catch (...) {
-    reportDropped(message, towardsTransport, nullptr);
-  }
+  const auto* const fields = message.getPayload().get_if<map_t>();
+  reportExceptionInFlight(fields == nullptr ? nullptr : idOf(*fields), towardsTransport);
   return false;
 }
 
-void OstroviaNotifications2Codec::reportDropped(const Message& message, bool towardsTransport,
+void OstroviaNotifications2Codec::reportExceptionInFlight(const char* id,
+                                                          bool towardsTransport) const noexcept {
+  try {
+    throw;
+  } catch (const std::exception& e) {
+    reportDropped(id, towardsTransport, e.what());
+  } catch (...) {
+    reportDropped(id, towardsTransport, nullptr);
+  }
+}
+
+void OstroviaNotifications2Codec::reportDropped(const char* id, bool towardsTransport,
                                                 const char* what) const noexcept {
   if (!getLogger().enabled(DROPPED_LEVEL)) return;
-  try {
-    getLogger().log<DROPPED_LEVEL>("%s", describeFailure(message, towardsTransport, what).c_str());
-  } catch (...) { // NOLINT(bugprone-empty-catch): no memory for the report; it is lost
-  }
+  const auto describe = [=](char* text, std::size_t size) noexcept {
+    const int length = std::snprintf(
+        text, size, "Error when transforming message towards %s%s%s%s%s%s",
+        towardsTransport ? "transport" : "host", id == nullptr ? "" : " ('id' = '",
+        text_or_empty(id), id == nullptr ? "" : "')", what == nullptr ? "" : ": ",
+        text_or_empty(what));
+    return static_cast<std::size_t>(length) + 1;
+  };
+  char usual[512];
+  const std::size_t size = describe(usual, sizeof usual);
+  std::unique_ptr<char[]> longer;
+  if (size > sizeof usual) longer.reset(new (std::nothrow) char[size]);
+  if (longer) describe(longer.get(), size);
+  getLogger().log<DROPPED_LEVEL>("%s", longer ? longer.get() : usual);
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

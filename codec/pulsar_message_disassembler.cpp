@@ -1,17 +1,18 @@
 #include "codec/pulsar_message_disassembler.hpp"
 
 #include <cstring>
+#include <new>
 #include <stdexcept>
 
-#include "codec/constants.hpp"
 #include "value/get_visitor.hpp"
+#include "value/map_slot.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
 namespace {
 
-// The character behind the first '/', or the terminating NUL.
-const char* behindSlash(const char* text) {
+// The character after the first '/', or the terminating NUL.
+const char* afterSlash(const char* text) {
   const char* const slash = std::strchr(text, '/');
   return slash == nullptr ? text + std::strlen(text) : slash + 1;
 }
@@ -21,24 +22,31 @@ const char* behindSlash(const char* text) {
 const char* PulsarMessageDisassembler::getStartCharOfMessageType() const {
   const data_t* const path = notification_.getMetadataMap().find_value(DATA_T_pulsarPath);
   if (path == nullptr) throw std::runtime_error("No Pulsar path found");
-
-  return getStartCharOfMessageType(*path);
-}
-
-const char* PulsarMessageDisassembler::getStartCharOfMessageType(const data_t& path) {
-  const char* const text = text_or_empty(path.get<const char*>());
-  return behindSlash(behindSlash(text));
+  return afterSlash(afterSlash(text_or_empty(path->get<const char*>())));
 }
 
 map_t& PulsarMessageDisassembler::getPayloadMap() {
   return notification_.getPayload().get<map_t>();
 }
 
-const map_entry_t* PulsarMessageDisassembler::findField(const constant_t& key) {
-  const bool is_known = id_ != nullptr && &key == &DATA_T_id;
-  return is_known ? std::exchange(id_, nullptr) : getPayloadMap().find_entry(key);
-}
-
 map_t PulsarMessageDisassembler::extractRemainingPayload() { return std::move(getPayloadMap()); }
+
+data_t PulsarMessageDisassembler::reduceToId(const char* text) noexcept {
+  if (text == nullptr) return {};
+  try {
+    map_t payload = extractRemainingPayload();
+    payload.extract(DATA_T_id, [this](map_entry_t&& entry) noexcept {
+      spares_.keep(DATA_T_id, std::move(entry.key));
+      if (id_.empty()) id_ = std::move(entry.value);
+    });
+    // A borrowed text may not outlive the notification.
+    data_t id = id_.type_tag() == VLT_TAG_STRING ? std::move(id_) : data_t(text);
+    payload.clear();
+    payload.add(DATA_T_id.hash(), spares_.take(DATA_T_id), std::move(id));
+    return payload;
+  } catch (const std::bad_alloc&) {
+    return {};
+  }
+}
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -14,41 +14,43 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 class PulsarMessageDisassembler {
  public:
-  PulsarMessageDisassembler() noexcept = default;
-  // `id` is the payload's entry under "id" if that has been looked up already and is there, otherwise
-  // null.
-  explicit PulsarMessageDisassembler(Message&& notification,
-                                     const map_entry_t* id = nullptr) noexcept
-      : notification_(std::move(notification)), id_(id) {}
+  explicit PulsarMessageDisassembler(Message&& notification) noexcept
+      : notification_(std::move(notification)) {}
+  PulsarMessageDisassembler(const PulsarMessageDisassembler&) = delete;
+  PulsarMessageDisassembler& operator=(const PulsarMessageDisassembler&) = delete;
+  ~PulsarMessageDisassembler() = default;
 
-  // The first character of the type segment, inside the stored path: valid while this object lives.
-  // The terminating NUL when the path has fewer than two '/'. Throws std::runtime_error "No Pulsar
-  // path found", or the typed get's error for a path that is no string.
+  // The first character of the type segment, inside the stored path: valid until the metadata is
+  // discarded. The terminating NUL when the path has fewer than two '/'. Throws std::runtime_error
+  // "No Pulsar path found", or the typed get's error for a path that is no string.
   [[nodiscard]] const char* getStartCharOfMessageType() const;
-  // The same in a path that has been looked up already.
-  [[nodiscard]] static const char* getStartCharOfMessageType(const data_t& path);
-
-  // The payload in place. Throws the typed get's error when it is no map.
-  [[nodiscard]] map_t& getPayloadMap();
-
-  // The payload's entry under `key`, or null. Throws std::bad_alloc, and as getPayloadMap does.
-  [[nodiscard]] const map_entry_t* findField(const constant_t& key);
-
-  // Moves the payload map out and leaves an empty map. Throws as getPayloadMap does.
-  [[nodiscard]] map_t extractRemainingPayload();
-
-  // What was found to be wrong with the notification so far.
-  [[nodiscard]] Fault& getFault() noexcept { return fault_; }
 
   // Frees the metadata, once the resource kind is known. There is no path after this.
   void discardMetadata() noexcept { spares_.keep(std::move(notification_.getMetadataMap())); }
 
+  // The payload in place. Throws the typed get's error when it is no map.
+  [[nodiscard]] map_t& getPayloadMap();
+
+  // Moves the payload map out and leaves an empty map. Throws as getPayloadMap does.
+  [[nodiscard]] map_t extractRemainingPayload();
+
+  // Holds the "id" that a conversion has extracted, until the event takes it from here.
+  [[nodiscard]] data_t& holdId(data_t&& id) noexcept { return id_ = std::move(id); }
+
+  // What a dropped notification leaves: a map with only its "id", of which `text` is the text, or an
+  // empty value for null. The map is made of the notification's own id, key and table, as far as
+  // they are still here, and of the host's memory otherwise; an empty value when there is none.
+  [[nodiscard]] data_t reduceToId(const char* text) noexcept;
+
+  // What is wrong with the notification.
+  [[nodiscard]] Fault& getFault() noexcept { return fault_; }
+
   // What the notification has lost and the event can use.
-  [[nodiscard]] SpareParts&& getSpareParts() noexcept { return spares_.lend(); }
+  [[nodiscard]] SpareParts& getSpareParts() noexcept { return spares_; }
 
  private:
   Message notification_;
-  const map_entry_t* id_ = nullptr; // until the payload is changed under that key
+  data_t id_;
   SpareParts spares_;
   Fault fault_;
 };

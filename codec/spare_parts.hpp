@@ -15,7 +15,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "codec/constant.hpp"
+#include "codec/vocabulary.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
@@ -24,18 +24,9 @@ class SpareParts {
   SpareParts() noexcept = default;
   SpareParts(const SpareParts&) = delete;
   SpareParts& operator=(const SpareParts&) = delete;
-  SpareParts(SpareParts&& other) noexcept { takeAll(other); }
-  SpareParts& operator=(SpareParts&& other) noexcept {
-    if (this != &other) {
-      freeAll();
-      takeAll(other);
-    }
-    return *this;
+  ~SpareParts() {
+    for (; kept_ != 0; kept_ &= kept_ - 1) slots_[std::countr_zero(kept_)].copy.~data_t();
   }
-  ~SpareParts() { freeAll(); }
-
-  // For a callee that may take of the parts what it needs; the rest stays here.
-  [[nodiscard]] SpareParts&& lend() noexcept { return std::move(*this); }
 
   // Keeps `copy`, a string of the constant's text, unless it is borrowed or there is one already;
   // `copy` is left empty in any case.
@@ -58,7 +49,7 @@ class SpareParts {
   // Keeps the table of `map`, whose entries are freed, or frees that as well.
   void keep(map_t&& map) noexcept {
     map_t table = std::move(map);
-    if (table.capacity() != map_t::FIRST_CAPACITY || kept_tables_ == tables_.size()) return;
+    if (table.capacity() != table_rules::FIRST_CAPACITY || kept_tables_ == tables_.size()) return;
     table.clear();
     tables_[kept_tables_++] = std::move(table);
   }
@@ -83,20 +74,6 @@ class SpareParts {
   }
   [[nodiscard]] bool isKept(const constant_t& constant) const noexcept {
     return (kept_ & bitOf(constant)) != 0;
-  }
-
-  void freeAll() noexcept {
-    for (; kept_ != 0; kept_ &= kept_ - 1) slots_[std::countr_zero(kept_)].copy.~data_t();
-  }
-  // There must be none here.
-  void takeAll(SpareParts& other) noexcept {
-    for (; other.kept_ != 0; other.kept_ &= other.kept_ - 1) {
-      const int number = std::countr_zero(other.kept_);
-      new (&slots_[number].copy) data_t(std::move(other.slots_[number].copy));
-      kept_ |= std::uint64_t{1} << number;
-    }
-    tables_ = std::move(other.tables_);
-    kept_tables_ = std::exchange(other.kept_tables_, 0);
   }
 
   std::uint64_t kept_ = 0; // the slots in use, a bit each

@@ -21,12 +21,9 @@ class TivraMessageBuilder {
   TivraMessageBuilder& operator=(const TivraMessageBuilder&) = delete;
   virtual ~TivraMessageBuilder() = default;
 
-  // Sets a metadata entry, over any under that key. Throws std::runtime_error "Cannot use
-  // non-string keys into metadata".
-  void insertIntoMetadata(data_t&& key, data_t&& value);
-  // Adds a metadata entry; `key` is known to be a string that none of them has so far.
-  void addToMetadata(std::uint64_t hash, data_t&& key, data_t&& value) {
-    message_.getMetadataMap().add(hash, std::move(key), std::move(value));
+  // Adds a metadata entry under a key that none has so far. Throws std::bad_alloc.
+  void insertIntoMetadata(const constant_t& key, data_t&& value) {
+    message_.getMetadataMap().add(key.hash(), key.copy(), std::move(value));
   }
 
   // Adds the field "measurements", unless the notification brought one of that name, and returns
@@ -35,7 +32,7 @@ class TivraMessageBuilder {
 
  protected:
   // `id` must be a string; `type` names the host event. Keys of fields are taken from `spares`.
-  TivraMessageBuilder(data_t&& id, data_t&& type, SpareParts&& spares = SpareParts());
+  TivraMessageBuilder(data_t&& id, data_t&& type, SpareParts& spares);
 
   // Adds a field of a name that no field has so far.
   void addField(const constant_t& key, data_t&& value, SpareParts& spares) {

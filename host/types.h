@@ -121,6 +121,7 @@ static_assert(sizeof(vlt_underlying_buffer_t) == 8, "bytes start at the block's 
 static_assert(offsetof(vlt_underlying_buffer_t, length) == 0,
               "a buffer block opens with its length");
 static_assert(sizeof(vlt_underlying_map_table_t) == 32, "slots start at the table's 32nd byte");
+static_assert(offsetof(vlt_underlying_map_table_t, host) == 0, "a table opens with the host's word");
 static_assert(offsetof(vlt_underlying_map_table_t, live) == 8,
               "the live count follows the host's word");
 static_assert(offsetof(vlt_underlying_map_table_t, capacity) == 16,
@@ -131,6 +132,7 @@ static_assert(offsetof(vlt_underlying_map_table_entry_t, hash) == 0, "a slot ope
 static_assert(offsetof(vlt_underlying_map_table_entry_t, key) == 8, "the key follows the hash");
 static_assert(offsetof(vlt_underlying_map_table_entry_t, value) == 24, "the value follows the key");
 static_assert(sizeof(vlt_underlying_message_t) == 24, "messages lie 24 bytes apart in a batch");
+static_assert(offsetof(vlt_underlying_message_t, payload) == 0, "a message opens with its payload");
 static_assert(offsetof(vlt_underlying_message_t, metadata) == 16,
               "the metadata follows the payload");
 

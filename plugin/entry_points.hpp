@@ -44,9 +44,10 @@ void* create(const char* plugin_name, const char* chain_id,
   try {
     const data_t nothing;
     const data_t& settings = configuration == nullptr ? nothing : data_t::view(*configuration);
-    const PluginConstructorParameters params(text_or_empty(plugin_name), text_or_empty(chain_id),
-                                             settings.get<map_t>(), handle1, handle2);
-    return new Codec(params);
+    // The codec's memory is allocated before the configuration is looked at.
+    return new Codec(PluginConstructorParameters(text_or_empty(plugin_name),
+                                                 text_or_empty(chain_id), settings.get<map_t>(),
+                                                 handle1, handle2));
   } catch (...) {
     reportFailedCreation(plugin_name, chain_id);
     return nullptr;

@@ -11,12 +11,12 @@ Logger::Logger(const std::string& name)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 
-void Logger::emit(vlt_log_level_t level, const char* line_format, const char* text) const {
+void Logger::emit(vlt_log_level_t level, const char* line_format, const char* text) const noexcept {
   vlt_log_at(category_.c_str(), level, line_format, prefix_.c_str(), text);
 }
 
 void Logger::emit(vlt_log_level_t level, const char* line_format, const char* first,
-                  const char* second) const {
+                  const char* second) const noexcept {
   vlt_log_at(category_.c_str(), level, line_format, prefix_.c_str(), first, second);
 }
 
@@ -26,24 +26,13 @@ std::string loggerCategory(const std::string& plugin_name, const std::string& ch
   return "connectivity." + plugin_name + "." + chain_id;
 }
 
-namespace {
-
-void reportExceptionInFlight(const Logger& logger, vlt_log_level_t level, const char* where) {
+void handleException(const Logger& logger, vlt_log_level_t level, const char* where) noexcept {
   try {
     throw;
   } catch (const std::exception& e) {
     logger.log(level, "Exception from %s: %s", where, e.what());
   } catch (...) {
     logger.log(level, "Unknown exception from %s", where);
-  }
-}
-
-} // namespace
-
-void handleException(const Logger& logger, vlt_log_level_t level, const char* where) noexcept {
-  try {
-    reportExceptionInFlight(logger, level, where);
-  } catch (...) { // NOLINT(bugprone-empty-catch): no memory for the report; it is lost
   }
 }
 

@@ -9,6 +9,8 @@
 #ifndef VLT_PLUGIN_LOGGER_HPP
 #define VLT_PLUGIN_LOGGER_HPP
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 
 #include "host/logging.h"
@@ -25,26 +27,25 @@ class Logger {
   [[nodiscard]] bool enabled(vlt_log_level_t level) const noexcept { return level <= level_; }
 
   // Writes one line, or does nothing at all below the level. `format` is a printf format for the
-  // texts (none of them null). Throws std::bad_alloc.
-  template <class... Texts>
-  void log(vlt_log_level_t level, const char* format, const Texts*... texts) const {
-    if (enabled(level)) write(level, format, texts...);
+  // texts (one or two, none of them null); it is a literal, so the line takes no memory.
+  template <std::size_t SIZE, class... Texts>
+  void log(vlt_log_level_t level, const char (&format)[SIZE], const Texts*... texts) const noexcept {
+    if (!enabled(level)) return;
+    constexpr char LABEL[] = "<%s> ";
+    char line_format[sizeof LABEL - 1 + SIZE];
+    std::copy_n(format, SIZE, std::copy_n(LABEL, sizeof LABEL - 1, line_format));
+    emit(level, line_format, texts...);
   }
-  template <vlt_log_level_t LEVEL>
-  void log(const char* format, const char* text) const {
+  template <vlt_log_level_t LEVEL, std::size_t SIZE>
+  void log(const char (&format)[SIZE], const char* text) const noexcept {
     log(LEVEL, format, text);
   }
 
  private:
-  template <class... Texts>
-  void write(vlt_log_level_t level, const char* format, const Texts*... texts) const {
-    const std::string line_format = std::string("<%s> ") + format;
-    emit(level, line_format.c_str(), texts...);
-  }
   // The calls that reach the host: one text or two.
-  void emit(vlt_log_level_t level, const char* line_format, const char* text) const;
+  void emit(vlt_log_level_t level, const char* line_format, const char* text) const noexcept;
   void emit(vlt_log_level_t level, const char* line_format, const char* first,
-            const char* second) const;
+            const char* second) const noexcept;
 
   std::string category_;
   std::string prefix_;
@@ -56,8 +57,7 @@ class Logger {
                                          const std::string& chain_id);
 
 // Logs the exception in flight: "Exception from WHERE: WHAT", or "Unknown exception from WHERE" for
-// anything that is no std::exception. To be called inside a catch clause. When even the report
-// fails, it is lost: nothing leaves this function.
+// anything that is no std::exception. To be called inside a catch clause.
 void handleException(const Logger& logger, vlt_log_level_t level, const char* where) noexcept;
 
 } // namespace com::velanto::connectivity

@@ -5,9 +5,9 @@
 namespace com::velanto::connectivity {
 
 Plugin::Plugin(const PluginConstructorParameters& params)
-    : logger_(loggerCategory(params.getPluginName(), params.getChainId())),
-      handle1_(params.getFirstHandle()),
-      handle2_(params.getSecondHandle()) {}
+    : handle1(params.getFirstHandle()),
+      handle2(params.getSecondHandle()),
+      logger(loggerCategory(params.getPluginName(), params.getChainId())) {}
 
 Plugin::~Plugin() {
   if (userStatusReporter && !userStatusReporter->pending.empty()) {

@@ -30,20 +30,15 @@ class Plugin {
   virtual void hostReady() {}
   virtual void shutdown() {}
 
-  [[nodiscard]] const Logger& getLogger() const noexcept { return logger_; }
+  [[nodiscard]] const Logger& getLogger() const noexcept { return logger; }
 
  protected:
   // The host's two opaque handles, as create received them; never dereferenced.
-  [[nodiscard]] void* getFirstHandle() const noexcept { return handle1_; }
-  [[nodiscard]] void* getSecondHandle() const noexcept { return handle2_; }
-
+  void* handle1;
+  void* handle2;
+  Logger logger;
   // For a plug-in that reports a status; none until it makes one.
   std::unique_ptr<UserStatusReporter> userStatusReporter;
-
- private:
-  Logger logger_;
-  void* handle1_;
-  void* handle2_;
 };
 
 } // namespace com::velanto::connectivity

@@ -29,17 +29,15 @@ const char* kind_name(std::uint32_t tag) noexcept {
   return tag < NAMES.size() ? NAMES[tag] : "Unknown";
 }
 
-std::runtime_error nullText() {
+std::runtime_error null_text_error() {
   return std::runtime_error(
       "Cannot use a null char* as a data_t value (consider using an empty data_t() instead)");
 }
 
-const char* requireText(const char* text) {
-  if (text == nullptr) throw nullText();
-  return text;
+data_t::data_t(const char* text) : data_t() {
+  if (text == nullptr) throw null_text_error();
+  copy_text(text);
 }
-
-data_t::data_t(const char* text) : data_t() { copy_text(requireText(text)); }
 
 // `text` may not be null.
 void data_t::copy_text(const char* text) {

@@ -42,9 +42,7 @@ namespace com::velanto::connectivity {
 
 // The error of a null text where one is needed: "Cannot use a null char* as a data_t value (consider
 // using an empty data_t() instead)".
-[[nodiscard]] std::runtime_error nullText();
-// `text`, which must not be null: throws that.
-const char* requireText(const char* text);
+[[nodiscard]] std::runtime_error null_text_error();
 
 class data_t {
  public:
@@ -145,7 +143,7 @@ class data_t {
   template <class T>
   [[nodiscard]] const T* get_if() const noexcept;
   template <class T>
-  [[nodiscard]] std::runtime_error get_error() const;
+  [[nodiscard]] std::runtime_error report_mismatch() const;
 
   // Calls `visitor` with a reference to the content, whose type tells the kind, or `on_nothing`
   // with no argument when there is none to be read: an empty value or a tag above 10.

@@ -36,7 +36,7 @@ inline constexpr std::uint32_t TAG_OF<vlt_underlying_custom_t> = VLT_TAG_CUSTOM;
 // The error of a typed get that found `value`: "Get from empty", or the "Incorrect type in get" one,
 // for which a line "GetVisitor<T>.operator()(T)" is written to standard error, both with the
 // run-time name of the type asked for; no setting suppresses it.
-[[nodiscard]] std::runtime_error mismatch(const data_t& value, const std::type_info& requested,
+[[nodiscard]] std::runtime_error write_mismatch(const data_t& value, const std::type_info& requested,
                                           std::uint32_t requested_tag);
 
 template <class T> // T may be const: a get on a constant value
@@ -59,20 +59,20 @@ const T* data_t::get_if() const noexcept {
 }
 
 template <class T>
-std::runtime_error data_t::get_error() const {
-  return mismatch(*this, typeid(T), TAG_OF<T>);
+std::runtime_error data_t::report_mismatch() const {
+  return write_mismatch(*this, typeid(T), TAG_OF<T>);
 }
 
 template <class T>
 T& data_t::get() {
   if (T* const content = get_if<T>()) return *content;
-  throw get_error<T>();
+  throw report_mismatch<T>();
 }
 
 template <class T>
 const T& data_t::get() const {
   if (const T* const content = get_if<T>()) return *content;
-  throw get_error<T>();
+  throw report_mismatch<T>();
 }
 
 } // namespace com::velanto::connectivity

@@ -1,8 +1,8 @@
 #include "value/hashes.hpp"
 
 #include <bit>
+#include <span>
 #include <stdexcept>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -18,38 +18,44 @@ namespace {
 
 class ListFold {
  public:
-  ListFold(const data_t* first, std::size_t count) noexcept : at_(first), end_(first + count) {}
-  const data_t* next() noexcept { return at_ == end_ ? nullptr : at_++; }
+  explicit ListFold(std::span<const data_t> elements) noexcept : rest_(elements) {}
+  const data_t* next() noexcept {
+    if (rest_.empty()) return nullptr;
+    const data_t& first = rest_.front();
+    rest_ = rest_.subspan(1);
+    return &first;
+  }
   [[nodiscard]] std::uint64_t seed() const noexcept { return hash_; }
   void take(std::uint64_t hash) noexcept { hash_ = hash; }
   [[nodiscard]] std::uint64_t hash() const noexcept { return hash_; }
 
  private:
-  const data_t* at_;
-  const data_t* end_;
+  std::span<const data_t> rest_;
   std::uint64_t hash_ = BASE;
 };
 
 class MapFold {
  public:
-  explicit MapFold(const vlt_underlying_map_table_t* table) noexcept
-      : slot_(table == nullptr ? nullptr : reinterpret_cast<const map_slot_t*>(table + 1)),
-        end_(slot_ + (table == nullptr ? 0 : table->capacity)) {}
+  explicit MapFold(std::span<const map_slot_t> slots) noexcept : rest_(slots) {}
   const data_t* next() noexcept {
-    if (std::exchange(key_was_next_, false)) return &(slot_++)->value;
-    while (slot_ != end_ && !slot_->is_live()) ++slot_;
-    if (slot_ == end_) return nullptr;
-    key_was_next_ = true;
-    return &slot_->key;
+    if (value_is_next_) {
+      const data_t& value = rest_.front().value;
+      value_is_next_ = false;
+      rest_ = rest_.subspan(1);
+      return &value;
+    }
+    while (!rest_.empty() && !rest_.front().is_live()) rest_ = rest_.subspan(1);
+    if (rest_.empty()) return nullptr;
+    value_is_next_ = true;
+    return &rest_.front().key;
   }
   [[nodiscard]] std::uint64_t seed() const noexcept { return BASE; }
   void take(std::uint64_t hash) noexcept { hash_ += hash; }
   [[nodiscard]] std::uint64_t hash() const noexcept { return hash_; }
 
  private:
-  const map_slot_t* slot_;
-  const map_slot_t* end_;
-  bool key_was_next_ = false;
+  std::span<const map_slot_t> rest_;
+  bool value_is_next_ = false; // of the first slot
   std::uint64_t hash_ = BASE;
 };
 
@@ -61,10 +67,8 @@ bool is_container(const data_t& value) noexcept {
 
 fold_t fold_of(const data_t& container) noexcept {
   const auto& content = container.underlying()->value;
-  if (container.type_tag() == VLT_TAG_MAP) return MapFold(content.map);
-  if (content.list == nullptr) return ListFold(nullptr, 0);
-  return ListFold(reinterpret_cast<const data_t*>(content.list + 1),
-                  static_cast<std::size_t>(content.list->count));
+  if (container.type_tag() == VLT_TAG_MAP) return MapFold(slots_of(content.map));
+  return ListFold(elements_of(content.list));
 }
 
 // Without recursion: a container in a container has the outer one wait on the heap.
@@ -115,7 +119,7 @@ std::uint64_t calculate_hash::operator()(const char* const& content) const noexc
 }
 
 std::uint64_t calculate_hash::operator()(const list_t& content) const {
-  return result_of(ListFold(content.size() == 0 ? nullptr : &content[0], content.size()));
+  return result_of(ListFold(elements_of(content.block())));
 }
 
 std::uint64_t calculate_hash::operator()(const map_t& content) const { return hash(content); }
@@ -128,6 +132,6 @@ std::uint64_t calculate_hash::operator()(const vlt_underlying_custom_t&) const {
   throw std::runtime_error("Cannot use custom values as a key");
 }
 
-std::uint64_t hash(const map_t& map) { return result_of(MapFold(map.table())); }
+std::uint64_t hash(const map_t& map) { return result_of(MapFold(slots_of(map.table()))); }
 
 } // namespace com::velanto::connectivity::hashes

@@ -6,10 +6,17 @@
 
 namespace com::velanto::connectivity {
 
-data_t* list_t::elements() const noexcept { return reinterpret_cast<data_t*>(block_ + 1); }
+std::span<const data_t> elements_of(const vlt_underlying_vector_t* block) noexcept {
+  if (block == nullptr) return {};
+  return {reinterpret_cast<const data_t*>(block + 1), static_cast<std::size_t>(block->count)};
+}
 
-data_t& list_t::operator[](std::size_t index) noexcept { return elements()[index]; }
-const data_t& list_t::operator[](std::size_t index) const noexcept { return elements()[index]; }
+const data_t& list_t::operator[](std::size_t index) const noexcept {
+  return elements_of(block_)[index];
+}
+data_t& list_t::operator[](std::size_t index) noexcept {
+  return const_cast<data_t&>(std::as_const(*this)[index]);
+}
 
 list_t::iterator list_t::begin() noexcept { return {this, 0}; }
 list_t::iterator list_t::end() noexcept { return {this, size()}; }

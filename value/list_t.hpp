@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <span>
 #include <type_traits>
 #include <utility>
 
@@ -21,6 +22,9 @@
 namespace com::velanto::connectivity {
 
 class data_t;
+
+// The elements of a list block; none for a null one.
+[[nodiscard]] std::span<const data_t> elements_of(const vlt_underlying_vector_t* block) noexcept;
 
 class list_t {
  public:
@@ -57,13 +61,14 @@ class list_t {
   // Same count and pairwise equal elements, in order. Throws std::bad_alloc.
   bool operator==(const list_t& other) const;
 
+  // The block, still owned by the list; null when there is none.
+  [[nodiscard]] const vlt_underlying_vector_t* block() const noexcept { return block_; }
+
  private:
   void reset(vlt_underlying_vector_t* block) noexcept {
     vlt_underlying_vector_t* const old = std::exchange(block_, block);
     if (old != nullptr) vlt_free_vector(old);
   }
-  [[nodiscard]] data_t* elements() const noexcept;
-
   vlt_underlying_vector_t* block_ = nullptr;
 };
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <type_traits>
+#include <span>
 #include <utility>
 
 #include "value/map_entry.hpp"
@@ -39,8 +39,16 @@ struct map_slot_t : map_entry_t {
 static_assert(sizeof(map_slot_t) == sizeof(vlt_underlying_map_table_entry_t),
               "slots are shared with the host in place");
 
+// The slots of a table; none for a null one.
+[[nodiscard]] inline std::span<const map_slot_t> slots_of(
+    const vlt_underlying_map_table_t* table) noexcept {
+  if (table == nullptr) return {};
+  return {reinterpret_cast<const map_slot_t*>(table + 1),
+          static_cast<std::size_t>(table->capacity)};
+}
+
 inline map_slot_t* map_t::slots() const noexcept {
-  return table_ == nullptr ? nullptr : reinterpret_cast<map_slot_t*>(table_ + 1);
+  return const_cast<map_slot_t*>(slots_of(table_).data());
 }
 
 // Moves an entry into a vacant slot, which holds nothing that would have to be freed.
@@ -60,50 +68,12 @@ inline void map_t::vacate(map_slot_t& slot) noexcept {
   slot.make_deleted();
 }
 
-inline void map_t::add_to_first_table(std::uint64_t hash, data_t&& key, data_t&& value) noexcept {
-  constexpr auto LAST = static_cast<std::uint64_t>(FIRST_CAPACITY) - 1;
-  map_slot_t* const first = slots();
-  std::uint64_t i = hash & LAST;
-  while (!first[i].is_vacant()) i = (i + 1) & LAST;
-  put(static_cast<std::int64_t>(i), hash, key, value);
-}
-
-template <class Use>
-auto map_t::extract(const map_entry_t& found, const Use& use) {
-  auto& slot = const_cast<map_slot_t&>(static_cast<const map_slot_t&>(found)); // of this very map
-  auto&& entry = static_cast<map_entry_t&&>(slot);
-  if constexpr (std::is_void_v<decltype(use(std::move(entry)))>) {
-    use(std::move(entry));
-    vacate(slot);
-  } else {
-    auto result = use(std::move(entry));
-    vacate(slot);
-    return result;
-  }
-}
-
 template <class Use>
 bool map_t::extract(key_ref key, const Use& use) {
-  map_slot_t* const found = find_slot(key);
-  if (found == nullptr) return false;
-  extract(*found, use);
-  return true;
-}
-
-template <class Use>
-void map_t::extract_if(const Use& use) {
-  map_slot_t* const end = slots() + capacity();
-  for (map_slot_t* slot = slots(); slot != end; ++slot) {
-    if (slot->is_live() && use(std::move(static_cast<map_entry_t&>(*slot)))) vacate(*slot);
-  }
-}
-
-template <class Holds>
-bool map_t::all_entries(const Holds& holds) const {
-  const map_slot_t* const end = slots() + capacity();
-  for (const map_slot_t* slot = slots(); slot != end; ++slot) {
-    if (slot->is_live() && !holds(static_cast<const map_entry_t&>(*slot))) return false;
-  }
+  map_slot_t* const slot = find_slot(key);
+  if (slot == nullptr) return false;
+  use(static_cast<map_entry_t&&>(*slot));
+  vacate(*slot);
   return true;
 }
 

@@ -5,7 +5,6 @@
 #include <new>
 #include <stdexcept>
 
-#include "value/grown_layout.hpp"
 #include "value/hashes.hpp"
 #include "value/iterator_checks.hpp"
 #include "value/map_slot.hpp"
@@ -16,15 +15,15 @@ namespace com::velanto::connectivity {
 
 namespace {
 
-void requireKey(const data_t& key) {
+void require_key(const data_t& key) {
   if (key.empty()) throw std::runtime_error("Cannot have a null key");
 }
 
 // Refuses the keys of entries that an insertion would refuse if it had to hash them: those that
 // are, or hold, a custom value.
-void requireKeyOf(const map_entry_t& entry) {
+void require_key_of(const map_entry_t& entry) {
   if (entry.key.type_tag() == VLT_TAG_STRING) return;
-  requireKey(entry.key);
+  require_key(entry.key);
   switch (entry.key.type_tag()) {
     case VLT_TAG_LIST:
     case VLT_TAG_MAP:
@@ -41,12 +40,6 @@ void requireKeyOf(const map_entry_t& entry) {
 key_ref::key_ref(const data_t& any) : key(any), hash(hashes::key_hash(any)) {}
 key_ref::key_ref(const map_entry_t& entry) noexcept : key(entry.key), hash(entry.hash) {}
 
-map_t map_t::with_first_table() {
-  map_t map;
-  map.grow();
-  return map;
-}
-
 map_t map_t::copy() const {
   if (table_ == nullptr) return {};
   map_t result(vlt_allocate_map(table_->capacity));
@@ -54,10 +47,11 @@ map_t map_t::copy() const {
   for (std::int64_t i = 0; i < table_->capacity; ++i) {
     const map_slot_t& from = slots()[i];
     map_slot_t& to = result.slots()[i];
+    to.hash = from.hash;
+    if (!from.is_live()) continue; // the bytes of its value mean nothing
     // The key first: a slot whose key is set counts as live and is freed with the table.
     to.key = from.key;
     to.value = from.value;
-    to.hash = from.hash;
   }
   result.table_->live = table_->live;
   result.table_->deleted = table_->deleted;
@@ -139,8 +133,6 @@ std::int64_t map_t::index_of(key_ref key) const {
 map_t::iterator map_t::find(key_ref key) { return {this, index_of(key)}; }
 map_t::const_iterator map_t::find(key_ref key) const { return {this, index_of(key)}; }
 
-const map_entry_t* map_t::find_entry(key_ref key) const { return find_slot(key); }
-
 const data_t* map_t::find_value(key_ref key) const {
   const map_slot_t* const found = find_slot(key);
   return found == nullptr ? nullptr : &found->value;
@@ -164,23 +156,19 @@ std::pair<map_t::iterator, bool> map_t::insert(std::pair<data_t, data_t>&& entry
 }
 
 void map_t::insert(map_entry_t&& entry) {
-  requireKeyOf(entry);
+  require_key_of(entry);
   const probe_t probe = find_for_insert(entry);
   if (probe.found == NONE) place(entry.hash, probe.vacant, entry.key, entry.value);
 }
 
 void map_t::assign(map_entry_t&& entry) {
-  requireKeyOf(entry);
+  require_key_of(entry);
   const probe_t probe = find_for_insert(entry);
   if (probe.found == NONE) {
     place(entry.hash, probe.vacant, entry.key, entry.value);
   } else {
     slots()[probe.found].value = std::move(entry.value);
   }
-}
-
-void map_t::add(map_entry_t&& entry) {
-  add(entry.hash, std::move(entry.key), std::move(entry.value));
 }
 
 void map_t::add(std::uint64_t hash, data_t&& key, data_t&& value) {
@@ -200,7 +188,7 @@ std::pair<map_t::iterator, bool> map_t::maybe_insert(const const_pair& entry) {
 }
 
 std::pair<map_t::iterator, bool> map_t::maybe_insert(pair&& entry) {
-  requireKey(entry.first);
+  require_key(entry.first);
   const key_ref key = entry.first;
   const probe_t probe = find_for_insert(key);
   if (probe.found != NONE) return {iterator(this, probe.found), false};
@@ -227,68 +215,10 @@ bool map_t::must_grow() const noexcept {
 
 void map_t::grow() {
   vlt_underlying_map_table_t* const grown =
-      table_ == nullptr ? vlt_allocate_map(FIRST_CAPACITY)
+      table_ == nullptr ? vlt_allocate_map(table_rules::FIRST_CAPACITY)
                         : vlt_reallocate_map(table_, table_rules::grown_capacity(table_->live));
   if (grown == nullptr) throw std::bad_alloc();
   table_ = grown;
-}
-
-// ---- insertion of many
-
-void map_t::assign_all(map_t&& others, key_ref next) {
-  map_t rest = std::move(others);
-  if (assign_all_at_once(rest, next)) return;
-  std::move(rest).drain([this](map_entry_t&& entry) { assign(std::move(entry)); });
-}
-
-// False, and nothing has changed, when the table need not grow, when there are too few entries to
-// save time, and for those that only their keys can tell: equal hashes, and keys that are no texts.
-bool map_t::assign_all_at_once(map_t& rest, key_ref next) {
-  constexpr std::size_t LEAST = 14; // fewer are inserted in the time that it takes to lay them out
-  const std::size_t count = size() + rest.size();
-  if (rest.empty() || count < LEAST || count > GrownLayout::MOST) return false;
-  if (!GrownLayout::knows(capacity()) || table_->deleted != 0) return false;
-  if (!table_rules::is_due_to_grow(capacity(), static_cast<std::int64_t>(count))) return false;
-
-  GrownLayout layout(capacity());
-  if (!lay_out(rest, count, layout) || !layout.insert_all(next.hash)) return false;
-  rebuild(layout, rest);
-  return true;
-}
-
-// Enters the entries of this map and of `rest` into the layout. False when there are more than
-// `count`, or what cannot be laid out: heads of tables may claim fewer entries than there are.
-bool map_t::lay_out(const map_t& rest, std::size_t count, GrownLayout& layout) const noexcept {
-  for (std::int64_t i = 0; i < capacity(); ++i) {
-    const map_slot_t& slot = slots()[i];
-    if (slot.is_free()) continue;
-    if (!slot.is_live() || count-- == 0) return false;
-    layout.lie(slot, i);
-  }
-  for (std::int64_t i = 0; i < rest.capacity(); ++i) {
-    const map_slot_t& slot = rest.slots()[i];
-    if (!slot.is_live()) continue;
-    if (!slot.key.is_string() || count-- == 0) return false;
-    layout.follow(slot);
-  }
-  return true;
-}
-
-// Makes the table of the layout, or takes that of `rest` if it has the size, and moves the entries
-// of both maps there.
-void map_t::rebuild(const GrownLayout& layout, map_t& rest) {
-  map_t made;
-  const bool takes_that_of_rest = rest.capacity() == layout.capacity();
-  if (!takes_that_of_rest) {
-    made.table_ = vlt_allocate_map(layout.capacity());
-    if (made.table_ == nullptr) throw std::bad_alloc();
-  }
-  make_all_free();
-  rest.make_all_free();
-  if (takes_that_of_rest) std::swap(made.table_, rest.table_);
-  layout.fill(made.slots());
-  made.table_->live = layout.count();
-  *this = std::move(made);
 }
 
 // ---- erasing
@@ -309,21 +239,13 @@ map_entry_t map_t::extract(key_ref key) {
 
 void map_t::clear() noexcept {
   if (table_ == nullptr) return;
-  map_slot_t* const first = slots();
-  const std::int64_t slot_count = table_->capacity;
-  // What stands in the value of a slot without an entry means nothing, and is freed by nobody.
-  for (std::int64_t i = 0; table_->live > 0 && i < slot_count; ++i) {
-    if (!first[i].is_live()) continue;
-    --table_->live;
-    std::destroy_at(&first[i]);
-  }
-  make_all_free();
-}
-
-// What the slots hold must be freed, or owned elsewhere, already.
-void map_t::make_all_free() noexcept {
   const auto slot_count = static_cast<std::size_t>(table_->capacity);
-  std::memset(static_cast<void*>(slots()), 0, slot_count * sizeof(map_slot_t));
+  map_slot_t* const first = slots();
+  // Every slot, since the head may claim fewer entries than there are.
+  for (map_slot_t* slot = first; slot != first + slot_count; ++slot) {
+    if (slot->is_live()) std::destroy_at(slot);
+  }
+  std::memset(static_cast<void*>(first), 0, slot_count * sizeof(map_slot_t));
   table_->live = 0;
   table_->deleted = 0;
 }

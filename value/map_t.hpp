@@ -41,7 +41,6 @@
 namespace com::velanto::connectivity {
 
 class data_t;
-class GrownLayout;
 class hashed_key_t;
 struct map_entry_t;
 struct map_slot_t;
@@ -80,11 +79,6 @@ class map_t {
   map_t& operator=(const map_t&) = delete;
   ~map_t() { reset(nullptr); }
 
-  // The capacity of the table that a first insertion makes.
-  static constexpr std::int64_t FIRST_CAPACITY = table_rules::FIRST_CAPACITY;
-  // An empty map with that table. Throws std::bad_alloc.
-  [[nodiscard]] static map_t with_first_table();
-
   // A deep copy, slot by slot: same capacity, positions, hashes, tombstones and counts.
   // Throws std::bad_alloc; nothing leaks then.
   [[nodiscard]] map_t copy() const;
@@ -103,9 +97,6 @@ class map_t {
   // Its value, or null. Valid until the map is next modified.
   [[nodiscard]] const data_t* find_value(key_ref key) const;
 
-  // The whole entry, or null; valid as long.
-  [[nodiscard]] const map_entry_t* find_entry(key_ref key) const;
-
   // The value under `key`, inserted empty when absent; the key is consumed either way. The
   // reference lives until the map is next modified. Throws as insert does.
   data_t& operator[](data_t&& key);
@@ -121,17 +112,7 @@ class map_t {
   // As insert, but an entry whose key is there already replaces the value, not the key.
   void assign(map_entry_t&& entry);
   // As insert, without looking whether the key is there: it must not be, nor may it be empty.
-  void add(map_entry_t&& entry);
   void add(std::uint64_t hash, data_t&& key, data_t&& value);
-  // The same for a table of FIRST_CAPACITY slots that is known not to be due to grow. Defined in
-  // value/map_slot.hpp.
-  void add_to_first_table(std::uint64_t hash, data_t&& key, data_t&& value) noexcept;
-
-  // As assign for each entry of `others` in the order of iteration, but where a table of some size
-  // would grow on the way it is made once, in its last size. `next` is a key that will be inserted
-  // right after: such a table has room for it. Consumes `others`. Throws as assign does; what has not
-  // been assigned then is freed.
-  void assign_all(map_t&& others, key_ref next);
 
   // The workers of the inserts: one copies key and value, the other moves them. Only the moving one
   // refuses an empty key; the asymmetry is the host's.
@@ -145,22 +126,10 @@ class map_t {
   // Removes the entry under `key` and returns it; no entry when there is none.
   [[nodiscard]] map_entry_t extract(key_ref key);
   // The same, but hands the entry to `use` as map_entry_t&& where it lies, which saves moving it
-  // twice, and returns whether there was one. `use` must leave this map alone; what it leaves of the
-  // entry is freed, and what it throws keeps the entry in the map. Defined in value/map_slot.hpp.
+  // twice, and returns whether there was one. `use` must leave this map alone. The map frees what
+  // `use` leaves of the entry; an entry for which `use` throws stays. Defined in value/map_slot.hpp.
   template <class Use>
   bool extract(key_ref key, const Use& use);
-  // The same for an entry of this map that has been found already. Returns what `use` returns.
-  template <class Use>
-  auto extract(const map_entry_t& found, const Use& use);
-
-  // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and removes those for
-  // which it returns true; it must leave the others as they are. Defined in value/map_slot.hpp.
-  template <class Use>
-  void extract_if(const Use& use);
-  // Whether `holds` returns true for every entry, asked in the order of iteration up to the first
-  // for which it does not. Defined in value/map_slot.hpp.
-  template <class Holds>
-  [[nodiscard]] bool all_entries(const Holds& holds) const;
 
   // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the
   // emptied map. What `use` throws ends it, and frees the rest. Defined in value/map_slot.hpp.
@@ -208,11 +177,7 @@ class map_t {
   [[nodiscard]] bool must_grow() const noexcept;
   void grow();
   std::int64_t place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value);
-  [[nodiscard]] bool assign_all_at_once(map_t& rest, key_ref next);
-  bool lay_out(const map_t& rest, std::size_t count, GrownLayout& layout) const noexcept;
-  void rebuild(const GrownLayout& layout, map_t& rest);
   void vacate(map_slot_t& slot) noexcept;
-  void make_all_free() noexcept;
   void put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept;
 
   vlt_underlying_map_table_t* table_ = nullptr;

@@ -1,6 +1,7 @@
 #include "value/nested_equality.hpp"
 
 #include <cstddef>
+#include <span>
 #include <variant>
 #include <vector>
 
@@ -25,39 +26,22 @@ step_t compare(const data_t& left, const data_t& right) noexcept {
 
 // Both comparisons go on with whether the values that they asked for are equal; true to begin with.
 
-struct elements_t {
-  const data_t* first;
-  std::size_t count;
-};
-
-elements_t elements_of(const list_t& list) noexcept {
-  return {list.size() == 0 ? nullptr : &list[0], list.size()};
-}
-// `block` may be null.
-elements_t elements_of(const vlt_underlying_vector_t* block) noexcept {
-  if (block == nullptr) return {nullptr, 0};
-  return {reinterpret_cast<const data_t*>(block + 1), static_cast<std::size_t>(block->count)};
-}
-
 class ListComparison {
  public:
-  ListComparison(elements_t left, elements_t right) noexcept
-      : same_size_(left.count == right.count),
-        left_(left.first),
-        left_end_(left.first + left.count),
-        right_(right.first) {}
+  ListComparison(std::span<const data_t> left, std::span<const data_t> right) noexcept
+      : left_(left), right_(right) {}
 
   step_t resume(bool equal) noexcept {
-    if (!equal || !same_size_) return outcome(false);
-    if (left_ == left_end_) return outcome(true);
-    return compare(*left_++, *right_++);
+    if (!equal || left_.size() != right_.size()) return outcome(false);
+    if (next_ == left_.size()) return outcome(true);
+    const std::size_t i = next_++;
+    return compare(left_[i], right_[i]);
   }
 
  private:
-  bool same_size_;
-  const data_t* left_;
-  const data_t* left_end_;
-  const data_t* right_;
+  std::span<const data_t> left_;
+  std::span<const data_t> right_;
+  std::size_t next_ = 0;
 };
 
 // Looks each entry of the left map up in the right one, as map_t::find_slot does.
@@ -67,28 +51,22 @@ class MapComparison {
   MapComparison(const vlt_underlying_map_table_t* left,
                 const vlt_underlying_map_table_t* right) noexcept
       : same_size_((left == nullptr ? 0 : left->live) == (right == nullptr ? 0 : right->live)),
-        entry_(slots_of(left)),
-        end_(entry_ + (left == nullptr ? 0 : left->capacity)),
-        slots_(slots_of(right)),
-        capacity_(static_cast<std::uint64_t>(right == nullptr ? 0 : right->capacity)) {}
+        left_(slots_of(left)),
+        right_(slots_of(right)) {}
 
   step_t resume(bool equal) noexcept {
     if (!same_size_) return outcome(false);
     if (candidate_ == nullptr) return begin_entry();
     if (!at_value_) return equal ? compare_values() : next_candidate();
     if (!equal) return outcome(false);
-    ++entry_;
+    left_ = left_.subspan(1);
     return begin_entry();
   }
 
  private:
-  static const map_slot_t* slots_of(const vlt_underlying_map_table_t* table) noexcept {
-    return table == nullptr ? nullptr : reinterpret_cast<const map_slot_t*>(table + 1);
-  }
-
   step_t begin_entry() noexcept {
-    while (entry_ != end_ && !entry_->is_live()) ++entry_;
-    if (entry_ == end_) return outcome(true);
+    while (!left_.empty() && !left_.front().is_live()) left_ = left_.subspan(1);
+    if (left_.empty()) return outcome(true);
     at_value_ = false;
     probed_ = 0;
     return next_candidate();
@@ -96,11 +74,12 @@ class MapComparison {
 
   // The next slot whose key may be the entry's.
   step_t next_candidate() noexcept {
-    while (probed_ < capacity_) {
-      candidate_ = &slots_[(entry_->hash % capacity_ + probed_++) % capacity_];
+    const map_slot_t& entry = left_.front();
+    while (probed_ < right_.size()) {
+      candidate_ = &right_[(entry.hash % right_.size() + probed_++) % right_.size()];
       if (candidate_->is_free()) break;
-      if (candidate_->hash == entry_->hash && candidate_->is_live()) {
-        return compare(candidate_->key, entry_->key);
+      if (candidate_->hash == entry.hash && candidate_->is_live()) {
+        return compare(candidate_->key, entry.key);
       }
     }
     return outcome(false);
@@ -108,16 +87,14 @@ class MapComparison {
 
   step_t compare_values() noexcept {
     at_value_ = true;
-    return compare(entry_->value, candidate_->value);
+    return compare(left_.front().value, candidate_->value);
   }
 
   bool same_size_;
   bool at_value_ = false;
-  const map_slot_t* entry_; // of the left map
-  const map_slot_t* end_;
-  const map_slot_t* slots_; // of the right map
-  std::uint64_t capacity_;
-  std::uint64_t probed_ = 0;
+  std::span<const map_slot_t> left_; // from the entry that is being looked up
+  std::span<const map_slot_t> right_;
+  std::size_t probed_ = 0;
   const map_slot_t* candidate_ = nullptr; // null before the first entry
 };
 
@@ -161,7 +138,7 @@ bool outcome_of(comparison_t current) {
 } // namespace
 
 bool are_equal(const list_t& left, const list_t& right) {
-  return outcome_of(ListComparison(elements_of(left), elements_of(right)));
+  return outcome_of(ListComparison(elements_of(left.block()), elements_of(right.block())));
 }
 
 bool are_equal(const map_t& left, const map_t& right) {

@@ -10,34 +10,27 @@
 #include <string>
 
 #include "codec/fault.hpp"
-#include "value/get_visitor.hpp"
+#include "codec/vocabulary.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-template <class Enum, std::size_t ROWS, class Text = data_t>
+template <class Enum, std::size_t ROWS>
 struct EnumTexts {
-  std::array<Text const*, ROWS> texts;
+  std::array<constant_t const*, ROWS> texts;
 
-  // The value whose text equals `text` (not null), case included. Throws std::runtime_error
-  // "Unrecognized WHAT: TEXT".
-  [[nodiscard]] Enum fromString(char const* text, char const* what) const {
-    Fault fault;
-    return fault.orThrow(fromString(text, what, fault));
-  }
-  // The same, but notes the error. What it returns then, or for a fault that is there already,
-  // means nothing.
+  // The value whose text equals `text` (not null), case included. Any other text is a fault,
+  // "Unrecognized WHAT: TEXT". With a fault the result means nothing.
   [[nodiscard]] Enum fromString(char const* text, char const* what, Fault& fault) const {
     if (fault) return Enum();
     for (std::size_t row = 0; row < ROWS; ++row) {
-      if (std::strcmp(text, texts[row]->template get<char const*>()) == 0)
-        return static_cast<Enum>(row);
+      if (std::strcmp(text, texts[row]->text()) == 0) return static_cast<Enum>(row);
     }
     fault.note(std::runtime_error(std::string("Unrecognized ") + what + ": " + text));
     return Enum();
   }
 
   // The text of `value`. Throws std::runtime_error "Unrecognized enum value.".
-  [[nodiscard]] Text const& toDataTString(Enum value) const {
+  [[nodiscard]] constant_t const& toDataTString(Enum value) const {
     const auto row = static_cast<std::size_t>(value);
     if (row >= ROWS) throw std::runtime_error("Unrecognized enum value.");
     return *texts[row];

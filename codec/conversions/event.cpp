@@ -3,24 +3,22 @@
 // The order is behaviour: the first field that is missing or wrong is the one reported.
 #include "codec/conversions/event.hpp"
 
-#include "codec/constants.hpp"
 #include "codec/payload_fields.hpp"
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
 std::unique_ptr<TivraMessageBuilder> convertEvent(PulsarMessageDisassembler& notification) {
-  return notification.getFault().orThrow(tryConvertEvent(notification));
-}
-
-std::unique_ptr<TivraMessageBuilder> tryConvertEvent(PulsarMessageDisassembler& notification) {
   Fault& fault = notification.getFault();
-  data_t source = takeField(notification, DATA_T_source);
-  data_t id = takeField(notification, DATA_T_id);
-  data_t sourceId = reduceToId(std::move(source), notification);
-  data_t text = takeField(notification, DATA_T_text);
-  const double time = takeTime(notification);
-  data_t type = takeField(notification, DATA_T_type);
-  noteUnlessStrings({{"id", id}, {"source", sourceId}, {"text", text}, {"type", type}}, fault);
+  data_t source = extractField(notification, DATA_T_source);
+  data_t& id = notification.holdId(extractField(notification, DATA_T_id));
+  data_t sourceId = extractSourceId(std::move(source), notification);
+  data_t text = extractField(notification, DATA_T_text);
+  const double time = extractTimeTimestamp(notification);
+  data_t type = extractField(notification, DATA_T_type);
+  ensureValueDataTIsString("id", id, fault);
+  ensureValueDataTIsString("source", sourceId, fault);
+  ensureValueDataTIsString("text", text, fault);
+  ensureValueDataTIsString("type", type, fault);
   if (fault) return nullptr;
 
   auto builder =
@@ -31,16 +29,13 @@ std::unique_ptr<TivraMessageBuilder> tryConvertEvent(PulsarMessageDisassembler& 
 }
 
 EventMessageBuilder::EventMessageBuilder(data_t&& id, data_t&& source, data_t&& text, double time,
-                                         data_t&& type, SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), EVENT_TYPE_DATA_T.copy(), spares.lend()) {
-  ensureValueDataTIsString("source", source);
+                                         data_t&& type, SpareParts& spares)
+    : TivraMessageBuilder(std::move(id), EVENT_TYPE_DATA_T.copy(), spares) {
   addField(DATA_T_source, std::move(source), spares);
-  ensureValueDataTIsString("text", text);
   addField(DATA_T_text, std::move(text), spares);
   // Under this name on purpose: an event has no field "time". One that the notification brings
   // under this name replaces it.
   addField(DATA_T_firstOccurrenceTime, data_t(time), spares);
-  ensureValueDataTIsString("type", type);
   addField(DATA_T_type, std::move(type), spares);
 }
 

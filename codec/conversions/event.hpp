@@ -14,15 +14,12 @@ namespace com::velanto::connectivity::plugins::pulsar {
 class EventMessageBuilder final : public TivraMessageBuilder {
  public:
   EventMessageBuilder(data_t&& id, data_t&& source, data_t&& text, double time, data_t&& type,
-                      SpareParts&& spares = SpareParts());
+                      SpareParts& spares);
 };
 
-// Consumes the notification. Throws std::runtime_error naming the first field that is missing or
+// Consumes the notification. Null for a faulty one: the fault is the first field that is missing or
 // wrong, in the order of the steps.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertEvent(
-    PulsarMessageDisassembler& notification);
-// The same, but notes the error in the notification and returns null.
-[[nodiscard]] std::unique_ptr<TivraMessageBuilder> tryConvertEvent(
     PulsarMessageDisassembler& notification);
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -4,7 +4,6 @@
 // fields that end up under one name the later step's stays.
 #include "codec/conversions/managed_object.hpp"
 
-#include "codec/constants.hpp"
 #include "codec/payload_fields.hpp"
 #include "value/map_slot.hpp"
 
@@ -35,22 +34,17 @@ void addPosition(PulsarMessageDisassembler& notification, ManagedObjectBuilder& 
 } // namespace
 
 std::unique_ptr<TivraMessageBuilder> convertManagedObject(PulsarMessageDisassembler& notification) {
-  return notification.getFault().orThrow(tryConvertManagedObject(notification));
-}
-
-std::unique_ptr<TivraMessageBuilder> tryConvertManagedObject(
-    PulsarMessageDisassembler& notification) {
   Fault& fault = notification.getFault();
-  data_t id = takeField(notification, DATA_T_id);
-  data_t name = takeField(notification, DATA_T_name);
-  if (fault) return nullptr;
-  auto type = extractFromMapIfPresent(notification.getPayloadMap(), DATA_T_type);
-  if (!type) type = DATA_T_.copy();
-  noteUnlessStrings({{"id", id}, {"source", name}, {"type", *type}}, fault);
+  data_t& id = notification.holdId(extractField(notification, DATA_T_id));
+  data_t name = extractField(notification, DATA_T_name);
+  const auto type = extractFromMapIfPresent(notification.getPayloadMap(), DATA_T_type);
+  ensureValueDataTIsString("id", id, fault);
+  ensureValueDataTIsString("source", name, fault); // the name of its field in the event
+  if (type) ensureValueDataTIsString("type", *type, fault);
   if (fault) return nullptr;
 
-  auto builder = std::make_unique<ManagedObjectBuilder>(
-      std::move(id), std::move(name), std::move(*type), notification.getSpareParts());
+  auto builder = std::make_unique<ManagedObjectBuilder>(std::move(id), std::move(name),
+                                                        notification.getSpareParts());
 
   addSupported(DATA_T_o6a_SupportedOperations, DATA_T_supportedOperations, notification, *builder);
   addSupported(DATA_T_o6a_SupportedMeasurements, DATA_T_supportedMeasurements, notification,
@@ -69,24 +63,21 @@ std::unique_ptr<TivraMessageBuilder> tryConvertManagedObject(
 
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
-  // As for the other kinds, but at once: a managed object has dozens of fields.
-  builder->fields.assign_all(notification.extractRemainingPayload(), DATA_T_measurements);
+  copyOverRemainingPayloadElements(notification, *builder);
   return builder;
 }
 
-ManagedObjectBuilder::ManagedObjectBuilder(data_t&& id, data_t&& name, data_t&& type,
-                                           SpareParts&& spares)
-    : TivraMessageBuilder(std::move(id), MANAGEDOBJECT_TYPE_DATA_T.copy(), spares.lend()) {
-  ensureValueDataTIsString("source", name);
+ManagedObjectBuilder::ManagedObjectBuilder(data_t&& id, data_t&& name, SpareParts& spares)
+    : TivraMessageBuilder(std::move(id), MANAGEDOBJECT_TYPE_DATA_T.copy(), spares) {
   addField(DATA_T_source, std::move(name), spares);
-  ensureValueDataTIsString("type", type);
 }
 
-boost::optional<list_t> ManagedObjectBuilder::tryAddSupported(list_t&& values, key_ref key) {
+boost::optional<list_t> ManagedObjectBuilder::tryAddSupported(list_t&& values,
+                                                              constant_t const& key) {
   for (const data_t& value : values) {
     if (!value.is_string()) return std::move(values);
   }
-  fields.assign({key.hash, data_t(key.key), data_t(std::move(values))});
+  fields.assign(key.with(std::move(values)));
   return boost::none;
 }
 

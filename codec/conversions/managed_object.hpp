@@ -10,27 +10,23 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-// The host event of type "com.tivra.ostrovia.ManagedObject". `id`, `name` and `type` must be
-// strings. The name becomes the field "source", and a bad one is reported under that word; the type
-// is checked and then dropped. Both are what the host's rules expect.
+// The host event of type "com.tivra.ostrovia.ManagedObject". `id` and `name` must be strings. The name
+// becomes the field "source", and there is no field "type": both are what the host's rules expect.
 class ManagedObjectBuilder final : public TivraMessageBuilder {
  public:
-  ManagedObjectBuilder(data_t&& id, data_t&& name, data_t&& type,
-                       SpareParts&& spares = SpareParts());
+  ManagedObjectBuilder(data_t&& id, data_t&& name, SpareParts& spares);
 
   // Stores the list as field `key` when all its elements are strings, otherwise hands it back.
-  [[nodiscard]] boost::optional<list_t> tryAddSupported(list_t&& values, key_ref key);
+  [[nodiscard]] boost::optional<list_t> tryAddSupported(list_t&& values,
+                                                          constant_t const& key);
 
   // Makes the field "position" of the numeric entries, if there are any, and returns the others.
   [[nodiscard]] map_t tryAddPositionComponents(map_t&& position);
 };
 
-// Consumes the notification. Throws std::runtime_error naming the first field that is missing or
-// wrong, in the order of the steps; malformed optional fragments are never errors.
+// Consumes the notification. Null for a faulty one: the fault is the first field that is missing or
+// wrong, in the order of the steps; malformed optional fragments are never faults.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertManagedObject(
-    PulsarMessageDisassembler& notification);
-// The same, but notes the error in the notification and returns null.
-[[nodiscard]] std::unique_ptr<TivraMessageBuilder> tryConvertManagedObject(
     PulsarMessageDisassembler& notification);
 
 } // namespace com::velanto::connectivity::plugins::pulsar
