@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "bench/host_messages.hpp"
+#include "tools/host/log_capture.hpp"
 
 namespace com::velanto::connectivity::bench {
 
@@ -16,8 +16,14 @@ struct outcome_t {
 
 outcome_t outcomeOf(Contender& contender) {
   outcome_t outcome;
-  const LogCapture capture(&outcome.log);
-  outcome.messages = contender.outcome();
+  std::vector<tools::log_line_t> log;
+  {
+    const tools::LogScope scope(log);
+    outcome.messages = contender.outcome();
+  }
+  for (const tools::log_line_t& line : log) {
+    outcome.log.push_back(std::to_string(line.level) + ' ' + line.text);
+  }
   return outcome;
 }
 

@@ -1,13 +1,10 @@
 #include "bench/host_messages.hpp"
 
-#include <dlfcn.h>
-
 #include <cmath>
 #include <new>
 
 #include "ndjson/json_reader.hpp"
 #include "ndjson/json_writer.hpp"
-#include "standin/standin.h"
 
 namespace com::velanto::connectivity::bench {
 
@@ -68,22 +65,6 @@ data_t copyOf(const vlt_underlying_data_t& source) {
   return copy;
 }
 
-using set_sink_t = decltype(standin_set_log_sink);
-
-void setSink(standin_log_sink_t sink, void* context) noexcept {
-  auto* const set = reinterpret_cast<set_sink_t*>(dlsym(RTLD_DEFAULT, "standin_set_log_sink"));
-  if (set != nullptr) set(sink, context);
-}
-
-void keepLine(void* context, const char*, vlt_log_level_t level, const char* text) {
-  static_cast<lines_t*>(context)->push_back(std::to_string(level) + ' ' + text);
-}
-
-void dropLine(void*, const char*, vlt_log_level_t, const char*) {}
-
-// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): the library has but one sink
-LogCapture* innermost = nullptr;
-
 } // namespace
 
 messages_t readMessages(const lines_t& lines, tables_t tables) {
@@ -117,24 +98,6 @@ std::string renderMessage(const Message& message) {
   std::string text;
   writeJson(text, message);
   return text;
-}
-
-LogCapture::LogCapture(lines_t* lines) noexcept
-    : outer_(std::exchange(innermost, this)), lines_(lines) {
-  listen();
-}
-
-LogCapture::~LogCapture() {
-  innermost = outer_;
-  if (outer_ == nullptr) {
-    setSink(nullptr, nullptr);
-  } else {
-    outer_->listen();
-  }
-}
-
-void LogCapture::listen() const noexcept {
-  setSink(lines_ == nullptr ? dropLine : keepLine, lines_);
 }
 
 } // namespace com::velanto::connectivity::bench

@@ -32,23 +32,6 @@ void releaseMessages(messages_t& messages, std::size_t first, std::size_t end) n
 
 [[nodiscard]] std::string renderMessage(const Message& message);
 
-// What the host's library logs while one of these lives: kept, or dropped where nobody listens. The
-// library must offer a sink; one that does not goes on writing where it writes.
-class LogCapture {
- public:
-  // `lines` may be null: nobody listens.
-  explicit LogCapture(lines_t* lines) noexcept;
-  LogCapture(const LogCapture&) = delete;
-  LogCapture& operator=(const LogCapture&) = delete;
-  ~LogCapture(); // whoever listened before listens again
-
- private:
-  void listen() const noexcept;
-
-  LogCapture* outer_;
-  lines_t* lines_;
-};
-
 } // namespace com::velanto::connectivity::bench
 
 #endif

@@ -10,6 +10,7 @@
 #include "bench/report/json_report.hpp"
 #include "bench/report/svg_chart.hpp"
 #include "bench/report/tables.hpp"
+#include "tools/host/log_capture.hpp"
 #include "tools/host/plugin_library.hpp"
 
 namespace {
@@ -62,6 +63,8 @@ void measureAll(const options_t& options, const std::filesystem::path& results) 
 }
 
 int run(const options_t& options, bool instructions, const std::string& results) {
+  using com::velanto::connectivity::tools::LogCapture;
+  const LogCapture unheard(LogCapture::Unclaimed::dropped);
   if (options.only_check) {
     compareAll(options);
     return 0;

@@ -59,7 +59,6 @@ group_t Heat::run(std::size_t rounds, double per) {
     requireSame(name_, reference, entrant.name, *entrant.contender, *entrant.sameness);
   }
   if (options_.only_check) return {name_, {}};
-  const LogCapture unheard(nullptr);
   std::vector<lane_t> lanes;
   for (const entrant_t& entrant : entrants_) {
     const auto messages = static_cast<double>(entrant.contender->size());

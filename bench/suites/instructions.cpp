@@ -45,7 +45,6 @@ void dumpAll(const options_t& options, const std::string& corpus, const lines_t&
 
 bool countInstructions(const options_t& options) {
   if (RUNNING_ON_VALGRIND == 0) return false;
-  const LogCapture unheard(nullptr);
   dumpAll(options, "mix", mixedNotifications(LARGE_BATCH));
   for (const kind_t kind : ALL_KINDS) {
     dumpAll(options, nameOf(kind), notifications(kind, LARGE_BATCH));

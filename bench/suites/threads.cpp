@@ -3,7 +3,7 @@
 #include "bench/corpus.hpp"
 #include "bench/floor/floor_contender.hpp"
 #include "bench/plugin_contender.hpp"
-#include "bench/suites/crew.hpp"
+#include "bench/suites/parallel_contenders.hpp"
 #include "bench/suites/suites.hpp"
 
 namespace com::velanto::connectivity::bench {
@@ -14,10 +14,11 @@ void addThreadLanes(std::vector<lane_t>& lanes, const std::string& name,
     std::vector<std::unique_ptr<Contender>> members;
     for (std::size_t i = 0; i < threads; ++i) members.push_back(make());
     const auto messages = static_cast<double>(members.front()->size());
-    const auto crew = std::make_shared<Crew>(std::move(members));
-    lanes.push_back(
-        {name + (threads == 1 ? ", 1 thread" : ", 2 threads"),
-         [crew, messages](std::size_t round) { return crew->sample(round) / messages; }});
+    const auto contenders = std::make_shared<ParallelContenders>(std::move(members));
+    lanes.push_back({name + (threads == 1 ? ", 1 thread" : ", 2 threads"),
+                     [contenders, messages](std::size_t round) {
+                       return contenders->sample(round) / messages;
+                     }});
   }
 }
 
@@ -25,7 +26,6 @@ suite_t measureThreads(const options_t& options) {
   suite_t suite{"threads", "ns per message and thread", {}};
   if (options.only_check) return suite; // what runs here was compared with the other suites
   const lines_t lines = mixedNotifications(2 * LARGE_BATCH);
-  const LogCapture unheard(nullptr);
   std::vector<lane_t> lanes;
   addThreadLanes(lanes, "plug-in", [&] {
     return std::make_unique<PluginContender>(options.plugin, lines, LARGE_BATCH, tables_t::grown);

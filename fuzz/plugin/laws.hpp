@@ -5,7 +5,7 @@
 #include <array>
 #include <string>
 
-#include "fuzz/plugin/chain.hpp"
+#include "fuzz/plugin/watched_plugin.hpp"
 
 namespace com::velanto::connectivity::fuzz {
 

@@ -7,7 +7,7 @@
 //   (4) the plug-in is destroyed, and no block is left
 //
 // When memory is refused on the way, or a link throws, or there is none, (2) is left out and of (3)
-// there remains what holds always (fuzz/plugin/chain.hpp).
+// there remains what holds always (fuzz/plugin/watched_plugin.hpp).
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -55,7 +55,7 @@ struct expectation_t {
   std::vector<line_t> lines;
 };
 
-void sendAlone(const scenario_t& scenario, const message_t& message, Chain& chain,
+void sendAlone(const scenario_t& scenario, const message_t& message, WatchedPlugin& chain,
                expectation_t& expected) {
   Batch batch({&message, 1});
   const outcome_t outcome = chain.sendTowardsHost(batch);
@@ -65,7 +65,7 @@ void sendAlone(const scenario_t& scenario, const message_t& message, Chain& chai
   expected.lines.insert(expected.lines.end(), outcome.lines.begin(), outcome.lines.end());
 }
 
-void sendTowardsTransport(const scenario_t& scenario, Batch& batch, Chain& chain) {
+void sendTowardsTransport(const scenario_t& scenario, Batch& batch, WatchedPlugin& chain) {
   const outcome_t outcome = chain.sendTowardsTransport(batch);
   for (std::size_t i = 0; i < batch.size(); ++i) {
     requireNone(difference(batch[i], scenario.messages[i]), "towards the transport");
@@ -78,7 +78,7 @@ void sendTowardsTransport(const scenario_t& scenario, Batch& batch, Chain& chain
           "a link that throws is reported once");
 }
 
-void sendTogether(const scenario_t& scenario, Chain& chain, const expectation_t& expected) {
+void sendTogether(const scenario_t& scenario, WatchedPlugin& chain, const expectation_t& expected) {
   Batch batch(scenario.messages);
   sendTowardsTransport(scenario, batch, chain);
   const outcome_t outcome = chain.sendTowardsHost(batch);
@@ -90,7 +90,7 @@ void sendTogether(const scenario_t& scenario, Chain& chain, const expectation_t&
   }
 }
 
-void sendUnderFailure(const scenario_t& scenario, Chain& chain) {
+void sendUnderFailure(const scenario_t& scenario, WatchedPlugin& chain) {
   Batch batch(scenario.messages);
   sendTowardsTransport(scenario, batch, chain);
   (scenario.refused_from_there_on ? standin_fail_allocations_from
@@ -107,7 +107,7 @@ void sendUnderFailure(const scenario_t& scenario, Chain& chain) {
 }
 
 void run(const scenario_t& scenario) {
-  Chain chain(scenario);
+  WatchedPlugin chain(scenario);
   if (scenario.refused_in_create == 0) {
     require(chain.exists() != mustBeRefused(scenario),
             "a configuration is refused when it must be");
@@ -136,7 +136,7 @@ void run(const scenario_t& scenario) {
 namespace fuzz = com::velanto::connectivity::fuzz;
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  fuzz::Chain::loadLibrary(); // with its counters, before the fuzzer looks for them
+  fuzz::WatchedPlugin::loadLibrary(); // with its counters, before the fuzzer looks for them
   static_cast<void>(fuzz::samples());
   return std::atexit(fuzz::printCounts);
 }

@@ -10,8 +10,8 @@
 
 #include "ndjson/json_reader.hpp"
 #include "tests/conformance/case.hpp"
-#include "tests/docs/chain.hpp"
 #include "tests/docs/markdown.hpp"
+#include "tests/docs/replay_codec.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/stderr_capture.hpp"
 #include "tests/support/values.hpp"
@@ -84,11 +84,11 @@ class EventSchemaTest : public HostFixture {
 
   // The first event of the samples that is of the kind `word`.
   Message sampleOf(const std::string& word) {
-    Chain chain(reader_.parseValue(R"({"tenantId": "t4100"})"));
+    ReplayCodec codec(reader_.parseValue(R"({"tenantId": "t4100"})"));
     for (const std::string& line : readDocument("samples/site-day.ndjson").lines) {
       std::vector<Message> batch;
       batch.push_back(reader_.parseMessage(line));
-      std::vector<Message> reached = chain.send(std::move(batch));
+      std::vector<Message> reached = codec.hostGets(std::move(batch));
       takeLog();
       if (!reached.empty() && typeOf(reached[0]) == "com.tivra.ostrovia." + word) {
         return std::move(reached[0]);
@@ -121,13 +121,13 @@ const std::set<std::string> ALL_TYPES = {
 TEST_F(EventSchemaTest, EveryEventOfTheSamplesIsAccepted) {
   const std::string direct = stderr_of([&] {
     for (const char* tenant : {R"({"tenantId": ""})", R"({"tenantId": "t4100"})"}) {
-      Chain chain(reader_.parseValue(tenant));
+      ReplayCodec codec(reader_.parseValue(tenant));
       for (const std::string& name : ndjsonIn("samples")) {
         std::vector<Message> batch;
         for (const std::string& line : readDocument(name).lines) {
           batch.push_back(reader_.parseMessage(line));
         }
-        expectAccepted(chain.send(notificationsIn(std::move(batch))), name);
+        expectAccepted(codec.hostGets(notificationsIn(std::move(batch))), name);
       }
     }
   });
@@ -140,8 +140,9 @@ TEST_F(EventSchemaTest, EveryEventOfTheConformanceCasesIsAccepted) {
       for (const std::string& line : readDocument(name).lines) {
         case_t played = readCase(reader_.parseValue(line));
         if (!played.created || played.towards_transport) continue;
-        Chain chain(played.configuration);
-        expectAccepted(chain.send(notificationsIn(std::move(played.in))), name + " " + played.name);
+        ReplayCodec codec(played.configuration);
+        expectAccepted(codec.hostGets(notificationsIn(std::move(played.in))),
+                       name + " " + played.name);
       }
     }
   });

@@ -5,8 +5,8 @@
 #include <set>
 
 #include "ndjson/json_reader.hpp"
-#include "tests/docs/chain.hpp"
 #include "tests/docs/markdown.hpp"
+#include "tests/docs/replay_codec.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"
 
@@ -29,14 +29,14 @@ const std::string CATEGORY = "connectivity.OstroviaNotifications2Codec.replay";
 
 class Fields : public HostFixture {
  protected:
-  std::vector<Message> sendLine(Chain& chain, const std::string& line) {
+  std::vector<Message> sendLine(ReplayCodec& codec, const std::string& line) {
     std::vector<Message> batch;
     batch.push_back(reader_.parseMessage(line));
-    return chain.send(std::move(batch));
+    return codec.hostGets(std::move(batch));
   }
 
-  void expectAsDocumented(Chain& chain, const example_t& example) {
-    const std::vector<Message> reached = sendLine(chain, example.input);
+  void expectAsDocumented(ReplayCodec& codec, const example_t& example) {
+    const std::vector<Message> reached = sendLine(codec, example.input);
     std::vector<log_line_t> expected_log;
     if (!example.log.empty()) expected_log.push_back({CATEGORY, 3, example.log});
     EXPECT_EQ(takeLog(), expected_log);
@@ -52,10 +52,10 @@ class Fields : public HostFixture {
 
 TEST_F(Fields, EveryExampleIsWhatThePluginDoes) {
   const examples_t documented = readExamples(readDocument(FIELDS));
-  Chain chain(reader_.parseValue(documented.configuration));
+  ReplayCodec codec(reader_.parseValue(documented.configuration));
   for (const example_t& example : documented.examples) {
     SCOPED_TRACE(example.place);
-    expectAsDocumented(chain, example);
+    expectAsDocumented(codec, example);
   }
 }
 
@@ -74,7 +74,7 @@ TEST_F(Fields, EveryKindHasAnExampleThatSucceeds) {
 }
 
 TEST_F(Fields, TimesBecomeWhatTheTableSays) {
-  Chain chain(reader_.parseValue(R"({"tenantId": ""})"));
+  ReplayCodec codec(reader_.parseValue(R"({"tenantId": ""})"));
   const auto rows = readTable(readDocument(FIELDS), "Time");
   ASSERT_FALSE(rows.empty());
   for (const std::vector<std::string>& row : rows) {
@@ -83,7 +83,7 @@ TEST_F(Fields, TimesBecomeWhatTheTableSays) {
     batch.push_back(notification(
         "t/s/managedobjects/1",
         map_of("id", text("1"), "name", text("n"), "lastUpdated", text(row[0].c_str()))));
-    std::vector<Message> reached = chain.send(std::move(batch));
+    std::vector<Message> reached = codec.hostGets(std::move(batch));
     ASSERT_EQ(reached.size(), 1u);
     const data_t expected =
         row[1] == "unchanged" ? text(row[0].c_str()) : reader_.parseValue(row[1]);

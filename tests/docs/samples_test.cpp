@@ -7,8 +7,8 @@
 #include <set>
 
 #include "ndjson/json_reader.hpp"
-#include "tests/docs/chain.hpp"
 #include "tests/docs/markdown.hpp"
+#include "tests/docs/replay_codec.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/stderr_capture.hpp"
 #include "tests/support/values.hpp"
@@ -27,8 +27,8 @@ class Samples : public HostFixture {
       batch.push_back(reader.parseMessage(line));
     }
     sent_ = batch.size();
-    Chain chain(reader.parseValue(R"({"tenantId": ""})"));
-    return chain.send(std::move(batch));
+    ReplayCodec codec(reader.parseValue(R"({"tenantId": ""})"));
+    return codec.hostGets(std::move(batch));
   }
 
   std::size_t sent_ = 0; // by the last replay

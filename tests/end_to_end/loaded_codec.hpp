@@ -4,13 +4,17 @@
 #define VLT_TESTS_END_TO_END_LOADED_CODEC_HPP
 
 #include <memory>
+#include <span>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/plugin_library.hpp"
 #include "tests/support/stderr_capture.hpp"
 #include "tests/support/values.hpp"
+#include "tools/host/hosted_plugin.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -35,25 +39,22 @@ class LoadedCodec {
  public:
   LoadedCodec(const PluginLibrary& library, const data_t& settings, const char* name = "codec",
               const char* chain = "chain")
-      : library_(library),
-        plugin_(library.create(name, chain, settings.underlying(), nullptr, nullptr)) {
-    if (plugin_ == nullptr) throw std::runtime_error("the codec was not created");
-    library_.setNextTowardsHost(plugin_, &host, Received::take);
-    library_.setNextTowardsTransport(plugin_, &transport, Received::take);
+      : plugin_(library, name, chain, settings) {
+    plugin_.link({&host, Received::take}, {&transport, Received::take});
   }
-  LoadedCodec(const LoadedCodec&) = delete;
-  LoadedCodec& operator=(const LoadedCodec&) = delete;
-  ~LoadedCodec() { library_.destroy(plugin_); }
 
-  int sendTowardsHost(std::vector<Message>& batch) {
-    return library_.sendBatchTowardsHost(plugin_, batch.data(), batch.data() + batch.size());
+  int sendTowardsHost(std::span<Message> batch) {
+    return plugin_.send(tools::Direction::towardsHost, batch) ? 0 : 1;
   }
   // One message; what the link does not take out of `message` stays there.
-  int sendTowardsHost(Message& message) {
-    return library_.sendBatchTowardsHost(plugin_, &message, &message + 1);
+  int sendTowardsHost(Message& message) { return sendTowardsHost(std::span(&message, 1)); }
+  int sendTowardsTransport(std::span<Message> batch) {
+    return plugin_.send(tools::Direction::towardsTransport, batch) ? 0 : 1;
   }
-  int sendTowardsTransport(std::vector<Message>& batch) {
-    return library_.sendBatchTowardsTransport(plugin_, batch.data(), batch.data() + batch.size());
+  // What the host gets of `batch`; fails by exception when the batch fails.
+  std::vector<Message> hostGets(std::vector<Message>&& batch) {
+    if (sendTowardsHost(batch) != 0) throw std::runtime_error("the batch failed");
+    return std::exchange(host.messages, {});
   }
   // The event that a notification becomes; fails by exception when it is dropped.
   Message converted(Message&& notification) {
@@ -63,14 +64,13 @@ class LoadedCodec {
     host.messages.pop_back();
     return event;
   }
-  [[nodiscard]] void* plugin() const { return plugin_; }
+  [[nodiscard]] void* plugin() const { return plugin_.get(); }
 
   Received host;
   Received transport;
 
  private:
-  const PluginLibrary& library_;
-  void* plugin_;
+  tools::HostedPlugin plugin_;
 };
 
 // Loads the library before the host's blocks are counted, since its constants are such blocks.

@@ -30,11 +30,8 @@ Message copyOf(const Message& message) {
 
 Traffic::Traffic(const tools::PluginLibrary& library, std::vector<Message>&& messages)
     : library_(library), messages_(std::move(messages)) {
-  standin_set_log_sink(&Traffic::log, this);
   batch_.reserve(BATCH_SIZES.back());
 }
-
-Traffic::~Traffic() { standin_reset_logging(); }
 
 figures_t Traffic::run(std::int64_t round) {
   figures_ = {};
@@ -67,6 +64,7 @@ void Traffic::send(tools::Direction direction, std::size_t batch_size) {
                                                 : figures_.sent_towards_transport) += sent;
     if (!codec_->send(direction, batch_)) throw std::runtime_error("the plug-in failed to send");
     batch_.clear();
+    addLog();
   }
 }
 
@@ -93,14 +91,16 @@ void Traffic::takeTowardsTransport(void* handle, vlt_underlying_message_t* start
               traffic.figures_.reached_transport);
 }
 
-void Traffic::log(void* context, const char*, vlt_log_level_t level, const char* text) {
-  auto& traffic = *static_cast<Traffic*>(context);
-  if (level == TRACE) {
-    ++traffic.figures_.traced;
-    return;
+void Traffic::addLog() {
+  for (const tools::log_line_t& line : lines_) {
+    if (line.level == TRACE) {
+      ++figures_.traced;
+    } else {
+      ++figures_.dropped;
+      figures_.digest = mixed(figures_.digest, line.text);
+    }
   }
-  ++traffic.figures_.dropped;
-  traffic.figures_.digest = mixed(traffic.figures_.digest, text);
+  lines_.clear();
 }
 
 } // namespace com::velanto::connectivity::soak

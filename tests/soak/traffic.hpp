@@ -16,6 +16,7 @@
 
 #include "tests/soak/figures.hpp"
 #include "tools/host/hosted_plugin.hpp"
+#include "tools/host/log_capture.hpp"
 
 namespace com::velanto::connectivity::soak {
 
@@ -28,7 +29,7 @@ class Traffic {
   Traffic(const tools::PluginLibrary& library, std::vector<Message>&& messages);
   Traffic(const Traffic&) = delete;
   Traffic& operator=(const Traffic&) = delete;
-  ~Traffic();
+  ~Traffic() = default;
 
   [[nodiscard]] static bool isTraced(std::int64_t round) noexcept {
     return round % TRACED_EVERY == TRACED_EVERY - 1;
@@ -40,9 +41,9 @@ class Traffic {
  private:
   void renewCodec(bool traced);
   void send(tools::Direction direction, std::size_t batch_size);
+  void addLog();
   void add(const Message* start, const Message* end, std::int64_t& reached);
 
-  static void log(void* context, const char* category, vlt_log_level_t level, const char* text);
   static void takeTowardsHost(void* handle, vlt_underlying_message_t* start,
                               vlt_underlying_message_t* end) noexcept;
   static void takeTowardsTransport(void* handle, vlt_underlying_message_t* start,
@@ -51,6 +52,9 @@ class Traffic {
   const tools::PluginLibrary& library_;
   std::vector<Message> messages_;
   std::vector<Message> batch_;
+  const tools::LogCapture capture_;
+  std::vector<tools::log_line_t> lines_;
+  const tools::LogScope scope_{lines_};
   std::optional<tools::HostedPlugin> codec_;
   bool codec_traces_ = false;
   std::string text_; // of the message at hand

@@ -26,7 +26,7 @@ void loadAlone(Trial& trial) {
 // Why the library cannot be loaded; nothing when it can.
 std::optional<std::string> whyNotLoaded(const surroundings_t& surroundings) {
   const verdict_t verdict = runApart(surroundings, loadAlone);
-  if (verdict.outcome == Outcome::ok) return std::nullopt;
+  if (verdict.ending == Ending::ok) return std::nullopt;
   const std::string prefix = "the library cannot be loaded: ";
   if (!verdict.reason.empty()) return prefix + verdict.reason;
   const std::string& came = verdict.differences.front().came;
@@ -48,7 +48,7 @@ result_t runCheck(const surroundings_t& surroundings, const check_t& check) {
 
 result_t skippedResult(const check_t& check, const std::string& reason) {
   verdict_t verdict;
-  verdict.outcome = Outcome::skipped;
+  verdict.ending = Ending::skipped;
   verdict.reason = reason;
   return {&check, std::move(verdict), {}};
 }
@@ -64,7 +64,7 @@ int checkPlugin(const surroundings_t& surroundings, std::span<const check_t> che
   for (const check_t& check : checks) {
     const result_t result = obstacle && check.use == Use::load ? skippedResult(check, *obstacle)
                                                                : runCheck(surroundings, check);
-    counts.add(result.verdict.outcome);
+    counts.add(result.verdict.ending);
     report->add(result);
   }
   report->close(counts);

@@ -21,17 +21,17 @@ struct style_t {
   const char* colour; // an escape sequence
 };
 
-style_t styleOf(Outcome outcome) {
-  switch (outcome) {
-    case Outcome::ok:
+style_t styleOf(Ending ending) {
+  switch (ending) {
+    case Ending::ok:
       return {"ok   ", "\x1b[32m"};
-    case Outcome::failed:
+    case Ending::failed:
       return {"FAIL ", "\x1b[31m"};
-    case Outcome::crashed:
+    case Ending::crashed:
       return {"CRASH", "\x1b[31m"};
-    case Outcome::hung:
+    case Ending::hung:
       return {"HANG ", "\x1b[31m"};
-    case Outcome::skipped:
+    case Ending::skipped:
       return {"skip ", "\x1b[33m"};
   }
   return {"", ""};
@@ -86,7 +86,7 @@ std::string jsonOf(const difference_t& difference) {
 std::string jsonOf(const result_t& result) {
   const verdict_t& verdict = result.verdict;
   std::string json = R"({"name":)" + quoted(result.check->name) + R"(,"claim":)" +
-                     quoted(result.check->claim) + R"(,"outcome":")" + nameOf(verdict.outcome) +
+                     quoted(result.check->claim) + R"(,"outcome":")" + nameOf(verdict.ending) +
                      R"(","milliseconds":)" + std::to_string(result.time.count());
   if (!verdict.reason.empty()) json += R"(,"reason":)" + quoted(verdict.reason);
   if (!verdict.differences.empty()) {
@@ -112,12 +112,12 @@ int Counts::total() const noexcept { return std::accumulate(counts_.begin(), cou
 
 void TextReport::add(const result_t& result) {
   const verdict_t& verdict = result.verdict;
-  const style_t style = styleOf(verdict.outcome);
+  const style_t style = styleOf(verdict.ending);
   out_ << (coloured_ ? style.colour : "") << style.mark << (coloured_ ? "\x1b[0m" : "") << ' '
        << listLine(*result.check);
-  if (verdict.outcome == Outcome::skipped) out_ << ": " << printable(verdict.reason);
+  if (verdict.ending == Ending::skipped) out_ << ": " << printable(verdict.reason);
   out_ << '\n';
-  if (verdict.outcome != Outcome::skipped && !verdict.reason.empty()) {
+  if (verdict.ending != Ending::skipped && !verdict.reason.empty()) {
     writeIndented(out_, printable(verdict.reason));
   }
   for (const difference_t& each : verdict.differences) writeDifference(out_, each);
@@ -127,10 +127,10 @@ void TextReport::add(const result_t& result) {
 
 void TextReport::close(const Counts& counts) {
   out_ << '\n'
-       << printable(heading_.path) << ": " << counts.total() << " checks, "
-       << counts.of(Outcome::ok) << " ok, " << counts.of(Outcome::failed) << " failed, "
-       << counts.of(Outcome::crashed) << " crashed, " << counts.of(Outcome::hung) << " hung, "
-       << counts.of(Outcome::skipped) << " skipped; seed " << heading_.seed << '\n';
+       << printable(heading_.path) << ": " << counts.total() << " checks, " << counts.of(Ending::ok)
+       << " ok, " << counts.of(Ending::failed) << " failed, " << counts.of(Ending::crashed)
+       << " crashed, " << counts.of(Ending::hung) << " hung, " << counts.of(Ending::skipped)
+       << " skipped; seed " << heading_.seed << '\n';
   out_.flush();
 }
 
@@ -145,9 +145,9 @@ void JsonReport::add(const result_t& result) {
 
 void JsonReport::close(const Counts& counts) {
   out_ << "\n],\"counts\":{";
-  for (const Outcome each :
-       {Outcome::ok, Outcome::failed, Outcome::crashed, Outcome::hung, Outcome::skipped}) {
-    out_ << (each == Outcome::ok ? "\"" : ",\"") << nameOf(each) << "\":" << counts.of(each);
+  for (const Ending each :
+       {Ending::ok, Ending::failed, Ending::crashed, Ending::hung, Ending::skipped}) {
+    out_ << (each == Ending::ok ? "\"" : ",\"") << nameOf(each) << "\":" << counts.of(each);
   }
   out_ << "}}\n";
   out_.flush();

@@ -17,7 +17,7 @@
 #include <utility>
 
 #include "tools/check/check.hpp"
-#include "tools/check/outcome.hpp"
+#include "tools/check/verdict.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 
@@ -30,13 +30,13 @@ struct result_t {
 // Results by outcome.
 class Counts {
  public:
-  void add(Outcome outcome) noexcept { ++counts_[static_cast<std::size_t>(outcome)]; }
-  [[nodiscard]] int of(Outcome outcome) const noexcept {
-    return counts_[static_cast<std::size_t>(outcome)];
+  void add(Ending ending) noexcept { ++counts_[static_cast<std::size_t>(ending)]; }
+  [[nodiscard]] int of(Ending ending) const noexcept {
+    return counts_[static_cast<std::size_t>(ending)];
   }
   [[nodiscard]] int total() const noexcept;
   [[nodiscard]] bool allGood() const noexcept {
-    return total() == of(Outcome::ok) + of(Outcome::skipped);
+    return total() == of(Ending::ok) + of(Ending::skipped);
   }
 
  private:

@@ -12,8 +12,8 @@
 #include <functional>
 #include <string>
 
-#include "tools/check/outcome.hpp"
 #include "tools/check/trial.hpp"
+#include "tools/check/verdict.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 

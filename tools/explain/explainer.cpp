@@ -37,7 +37,7 @@ void Explainer::take(const record_t& record) {
   if (record.pass > 0) return;
   const auto start = std::chrono::steady_clock::now();
   const explanation_t explanation = explanationOf(record);
-  if (record.outcome != Outcome::malformed) alike_.add(record, explanation);
+  if (record.outcome != Outcome::malformed) groups_.add(record, explanation);
   // Texts are set apart by an empty line.
   const bool first = std::exchange(first_, false);
   if (!first && form_ != ExplanationForm::json && record.outcome != Outcome::malformed)

@@ -10,7 +10,7 @@
 #include <ostream>
 #include <vector>
 
-#include "tools/explain/alike.hpp"
+#include "tools/explain/explanation_groups.hpp"
 #include "tools/host/chain.hpp"
 #include "tools/record/output.hpp"
 
@@ -30,7 +30,7 @@ class Explainer final : public Consumer {
   // Ends its plug-in.
   void finish();
 
-  [[nodiscard]] const Alike& alike() const noexcept { return alike_; }
+  [[nodiscard]] const ExplanationGroups& groups() const noexcept { return groups_; }
   // Nobody reads the explanations any more.
   [[nodiscard]] bool closed() const noexcept { return out_.closed(); }
   // Time that explaining has taken.
@@ -45,7 +45,7 @@ class Explainer final : public Consumer {
   Output out_;
   JsonReader reader_;
   bool first_ = true;
-  Alike alike_;
+  ExplanationGroups groups_;
   std::chrono::nanoseconds time_{};
   std::int64_t lost_blocks_ = 0;
   std::optional<Chain> chain_;

@@ -18,10 +18,10 @@ answer_t Probe::run(std::span<const change_t> changes) const {
   for (const change_t& change : changes) apply(message, change);
   answer_t answer;
   answer.before = Trace(message);
-  const passage_t passage = plugin_(message);
-  answer.after = Trace(passage.outputs);
-  answer.messages = passage.outputs.size();
-  for (const log_line_t& line : passage.log) {
+  const call_result_t result = plugin_(message);
+  answer.after = Trace(result.outputs);
+  answer.messages = result.outputs.size();
+  for (const log_line_t& line : result.log) {
     if (line.level <= DROPPED_LEVEL) answer.log += line.text + '\n';
   }
   return answer;

@@ -29,7 +29,7 @@ struct answer_t {
 class Probe {
  public:
   // Sends one message, which is the caller's to change, through the plug-in.
-  using Plugin = std::function<passage_t(Message& message)>;
+  using Plugin = std::function<call_result_t(Message& message)>;
 
   static constexpr std::size_t MOST_VALUES = 1'000'000; // some seconds
 

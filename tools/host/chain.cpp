@@ -14,54 +14,43 @@ void ignore(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) noexcep
 
 } // namespace
 
-void passage_t::clear() noexcept {
-  failed = false;
-  outputs.clear();
-  log.clear();
-  time = {};
-}
-
 Chain::Chain(const PluginLibrary& library, const data_t& configuration, Direction direction,
              std::vector<log_line_t>& log)
     : direction_(direction) {
   const LogScope scope(log);
   plugin_.emplace(library, PLUGIN_NAME, CHAIN_NAME, configuration);
   const link_t nowhere{nullptr, &ignore};
-  const link_t here{this, &Chain::take};
+  const link_t here{&received_, &Received::take};
   const bool to_host = direction == Direction::towardsHost;
   plugin_->link(to_host ? here : nowhere, to_host ? nowhere : here);
   plugin_->start();
 }
 
-passage_t& Chain::send(std::span<Message> messages) {
-  passage_.clear();
-  const LogScope scope(passage_.log);
+call_result_t& Chain::send(std::span<Message> messages) {
+  return record([&] { return plugin_->send(direction_, messages); });
+}
+
+call_result_t& Chain::shutdown() {
+  return record([&] {
+    const bool worked = plugin_->shutdown();
+    plugin_.reset();
+    return worked;
+  });
+}
+
+template <class Call>
+call_result_t& Chain::record(const Call& call) {
+  // Not made anew: the vectors keep their room.
+  received_.messages.clear();
+  result_.outputs.clear();
+  result_.log.clear();
+  const LogScope scope(result_.log);
   const auto start = std::chrono::steady_clock::now();
-  passage_.failed = !plugin_->send(direction_, messages);
-  passage_.time = std::chrono::steady_clock::now() - start;
-  if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
-  return passage_;
-}
-
-passage_t& Chain::shutdown() {
-  passage_.clear();
-  const LogScope scope(passage_.log);
-  passage_.failed = !plugin_->shutdown();
-  plugin_.reset();
-  return passage_;
-}
-
-void Chain::take(void* handle, vlt_underlying_message_t* start,
-                 vlt_underlying_message_t* end) noexcept {
-  auto& chain = *static_cast<Chain*>(handle);
-  auto* const last = reinterpret_cast<Message*>(end);
-  try {
-    for (auto* message = reinterpret_cast<Message*>(start); message != last; ++message) {
-      chain.passage_.outputs.push_back(std::move(*message));
-    }
-  } catch (...) {
-    chain.failure_ = std::current_exception();
-  }
+  result_.failed = !call();
+  result_.time = std::chrono::steady_clock::now() - start;
+  result_.outputs.swap(received_.messages);
+  if (received_.failure) std::rethrow_exception(std::exchange(received_.failure, nullptr));
+  return result_;
 }
 
 } // namespace com::velanto::connectivity::tools

@@ -4,7 +4,6 @@
 #define VLT_TOOLS_HOST_CHAIN_HPP
 
 #include <chrono>
-#include <exception>
 #include <optional>
 #include <span>
 #include <string>
@@ -12,17 +11,16 @@
 
 #include "tools/host/hosted_plugin.hpp"
 #include "tools/host/log_capture.hpp"
+#include "tools/host/received.hpp"
 
 namespace com::velanto::connectivity::tools {
 
 // The result of one call. The messages belong to whoever takes them.
-struct passage_t {
+struct call_result_t {
   bool failed = false; // the plug-in reported failure
   std::vector<Message> outputs;
   std::vector<log_line_t> log;
   std::chrono::nanoseconds time{}; // the call alone
-
-  void clear() noexcept;
 };
 
 class Chain {
@@ -37,19 +35,19 @@ class Chain {
 
   // The result is valid until the next call; `messages` are left as the plug-in likes. Throws
   // std::bad_alloc when there is no room for what came out.
-  passage_t& send(std::span<Message> messages);
+  call_result_t& send(std::span<Message> messages);
 
   // The last call; also tells what came out without having been asked for.
-  passage_t& shutdown();
+  call_result_t& shutdown();
 
  private:
-  static void take(void* handle, vlt_underlying_message_t* start,
-                   vlt_underlying_message_t* end) noexcept;
+  template <class Call>
+  call_result_t& record(const Call& call);
 
   Direction direction_;
-  passage_t passage_;
-  std::exception_ptr failure_; // in the link: no exception may cross the plug-in
-  std::optional<HostedPlugin> plugin_;
+  Received received_;
+  call_result_t result_;
+  std::optional<HostedPlugin> plugin_; // points at received_
 };
 
 } // namespace com::velanto::connectivity::tools

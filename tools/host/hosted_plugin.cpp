@@ -10,11 +10,10 @@ void require(int result, const char* call) {
 
 } // namespace
 
-HostedPlugin::HostedPlugin(const PluginLibrary& library, const std::string& name,
-                           const std::string& chain, const data_t& configuration)
+HostedPlugin::HostedPlugin(const PluginLibrary& library, const char* name, const char* chain,
+                           const data_t& configuration)
     : library_(library),
-      plugin_(library.create(name.c_str(), chain.c_str(), configuration.underlying(), nullptr,
-                             nullptr)) {
+      plugin_(library.create(name, chain, configuration.underlying(), nullptr, nullptr)) {
   if (plugin_ == nullptr) throw PluginError("the plug-in refused its configuration");
 }
 
@@ -34,10 +33,9 @@ void HostedPlugin::start() {
 }
 
 bool HostedPlugin::send(Direction direction, std::span<Message> messages) noexcept {
-  auto* const first = reinterpret_cast<vlt_underlying_message_t*>(messages.data());
   auto* const send = direction == Direction::towardsHost ? library_.sendBatchTowardsHost
                                                          : library_.sendBatchTowardsTransport;
-  return send(plugin_, first, first + messages.size()) == 0;
+  return send(plugin_, messages.data(), messages.data() + messages.size()) == 0;
 }
 
 bool HostedPlugin::shutdown() noexcept { return library_.shutdown(plugin_) == 0; }

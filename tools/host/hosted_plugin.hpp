@@ -12,7 +12,6 @@
 #define VLT_TOOLS_HOST_HOSTED_PLUGIN_HPP
 
 #include <span>
-#include <string>
 
 #include "tools/host/plugin_library.hpp"
 #include "value/message.hpp"
@@ -32,7 +31,7 @@ class HostedPlugin {
  public:
   // Creates the plug-in with no host handles. `library` must outlive it; the texts and the
   // configuration are only read. Throws PluginError when the plug-in refuses.
-  HostedPlugin(const PluginLibrary& library, const std::string& name, const std::string& chain,
+  HostedPlugin(const PluginLibrary& library, const char* name, const char* chain,
                const data_t& configuration);
   HostedPlugin(const HostedPlugin&) = delete;
   HostedPlugin& operator=(const HostedPlugin&) = delete;
@@ -46,6 +45,9 @@ class HostedPlugin {
   // likes, whatever the result.
   [[nodiscard]] bool send(Direction direction, std::span<Message> messages) noexcept;
   [[nodiscard]] bool shutdown() noexcept;
+
+  // The handle that the library's functions take.
+  [[nodiscard]] void* get() const noexcept { return plugin_; }
 
  private:
   const PluginLibrary& library_;

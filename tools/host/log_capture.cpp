@@ -13,9 +13,9 @@ namespace {
 // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
 thread_local std::vector<log_line_t>* lines_of_this_thread = nullptr;
 
-void file(void*, const char*, vlt_log_level_t level, const char* text) noexcept {
+void file(void* dropped, const char*, vlt_log_level_t level, const char* text) noexcept {
   if (lines_of_this_thread == nullptr) {
-    std::fprintf(stderr, "%s\n", text);
+    if (dropped == nullptr) std::fprintf(stderr, "%s\n", text);
     return;
   }
   try {
@@ -26,7 +26,8 @@ void file(void*, const char*, vlt_log_level_t level, const char* text) noexcept 
 
 } // namespace
 
-LogCapture::LogCapture() noexcept : works_(setLogSink(&file, nullptr)) {}
+LogCapture::LogCapture(Unclaimed unclaimed) noexcept
+    : works_(setLogSink(&file, unclaimed == Unclaimed::dropped ? this : nullptr)) {}
 LogCapture::~LogCapture() { setLogSink(nullptr, nullptr); }
 
 LogScope::LogScope(std::vector<log_line_t>& lines) noexcept

@@ -23,7 +23,10 @@ struct log_line_t {
 // One at a time in a process.
 class LogCapture {
  public:
-  LogCapture() noexcept;
+  // What becomes of the lines of a thread without a list: they go to standard error or nowhere.
+  enum class Unclaimed { printed, dropped };
+
+  explicit LogCapture(Unclaimed unclaimed = Unclaimed::printed) noexcept;
   LogCapture(const LogCapture&) = delete;
   LogCapture& operator=(const LogCapture&) = delete;
   ~LogCapture();
@@ -35,8 +38,7 @@ class LogCapture {
   bool works_;
 };
 
-// While it exists, the lines of this thread are added to `lines`. Lines of a thread without one go
-// to standard error.
+// While it exists, the lines of this thread are added to `lines`.
 class LogScope {
  public:
   explicit LogScope(std::vector<log_line_t>& lines) noexcept;

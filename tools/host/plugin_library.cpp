@@ -8,7 +8,6 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-constexpr const char* CLASS_NAME = "OstroviaNotifications2Codec";
 constexpr std::uint64_t API_VERSION = 4;
 
 void* open(const std::string& path) {
@@ -21,26 +20,27 @@ void* open(const std::string& path) {
 
 void PluginLibrary::close_t::operator()(void* handle) const noexcept { dlclose(handle); }
 
-PluginLibrary::PluginLibrary(const std::string& path, Version accepted)
+PluginLibrary::PluginLibrary(const std::string& path, Version accepted,
+                             const std::string& class_name)
     : path_(path.find('/') == std::string::npos ? "./" + path : path), handle_(open(path_)) {
-  load(apiVersion, "vlt_plugin_api_version_");
+  load(apiVersion, "vlt_plugin_api_version_" + class_name);
   // Before the others: another version may well have other functions.
   const std::uint64_t version = apiVersion();
   if (accepted == Version::ours && version != API_VERSION) {
     throw PluginError(path_ + " has interface version " + std::to_string(version) + ", expected " +
                       std::to_string(API_VERSION));
   }
-  load(productVersion, "vlt_plugin_product_version_");
-  load(checkIsCodec, "_vlt_plugin_checkIsCodec_");
-  load(create, "vlt_create_plugin_with_params_");
-  load(setNextTowardsHost, "vlt_plugin_setNextTowardsHost_");
-  load(setNextTowardsTransport, "vlt_plugin_setNextTowardsTransport_");
-  load(start, "vlt_plugin_start_");
-  load(hostReady, "vlt_plugin_hostReady_");
-  load(sendBatchTowardsHost, "vlt_plugin_sendBatchTowardsHost_");
-  load(sendBatchTowardsTransport, "vlt_plugin_sendBatchTowardsTransport_");
-  load(shutdown, "vlt_plugin_shutdown_");
-  load(destroy, "vlt_destroy_plugin_");
+  load(productVersion, "vlt_plugin_product_version_" + class_name);
+  load(checkIsCodec, "_vlt_plugin_checkIsCodec_" + class_name);
+  load(create, "vlt_create_plugin_with_params_" + class_name);
+  load(setNextTowardsHost, "vlt_plugin_setNextTowardsHost_" + class_name);
+  load(setNextTowardsTransport, "vlt_plugin_setNextTowardsTransport_" + class_name);
+  load(start, "vlt_plugin_start_" + class_name);
+  load(hostReady, "vlt_plugin_hostReady_" + class_name);
+  load(sendBatchTowardsHost, "vlt_plugin_sendBatchTowardsHost_" + class_name);
+  load(sendBatchTowardsTransport, "vlt_plugin_sendBatchTowardsTransport_" + class_name);
+  load(shutdown, "vlt_plugin_shutdown_" + class_name);
+  load(destroy, "vlt_destroy_plugin_" + class_name);
 }
 
 std::string PluginLibrary::defaultPath() {
@@ -52,8 +52,7 @@ std::string PluginLibrary::defaultPath() {
 }
 
 template <class Function>
-void PluginLibrary::load(Function*& function, const char* operation) {
-  const std::string name = std::string(operation) + CLASS_NAME;
+void PluginLibrary::load(Function*& function, const std::string& name) {
   function = reinterpret_cast<Function*>(dlsym(handle_.get(), name.c_str()));
   if (function == nullptr) {
     throw PluginError(path_ + " is no plug-in: it has no function " + name);

@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "host/types.h"
+#include "value/message.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -25,10 +25,13 @@ class PluginLibrary {
   // it himself, any.
   enum class Version { ours, any };
 
+  static constexpr const char* CLASS_NAME = "OstroviaNotifications2Codec";
+
   // Loads the library at `path`; a path without a slash is a file of the current directory, not
-  // looked for among the system's libraries. Throws PluginError when it cannot be loaded,
+  // looked for among the system's libraries. Its functions are named after `class_name`. Throws PluginError when it cannot be loaded,
   // lacks a function or has another interface version. The host's client library must be loaded.
-  explicit PluginLibrary(const std::string& path, Version accepted = Version::ours);
+  explicit PluginLibrary(const std::string& path, Version accepted = Version::ours,
+                         const std::string& class_name = CLASS_NAME);
 
   // The plug-in that came with the running program: beside it, where a build leaves both, otherwise
   // where an installation has it, found from the program's place; it may not exist. Throws
@@ -45,10 +48,8 @@ class PluginLibrary {
   int (*setNextTowardsTransport)(void* plugin, void* handle, vlt_batch_function next) = nullptr;
   int (*start)(void* plugin) = nullptr;
   int (*hostReady)(void* plugin) = nullptr;
-  int (*sendBatchTowardsHost)(void* plugin, vlt_underlying_message_t* start,
-                              vlt_underlying_message_t* end) = nullptr;
-  int (*sendBatchTowardsTransport)(void* plugin, vlt_underlying_message_t* start,
-                                   vlt_underlying_message_t* end) = nullptr;
+  int (*sendBatchTowardsHost)(void* plugin, Message* start, Message* end) = nullptr;
+  int (*sendBatchTowardsTransport)(void* plugin, Message* start, Message* end) = nullptr;
   int (*shutdown)(void* plugin) = nullptr;
   int (*destroy)(void* plugin) = nullptr;
 
@@ -58,7 +59,7 @@ class PluginLibrary {
   };
 
   template <class Function>
-  void load(Function*& function, const char* operation);
+  void load(Function*& function, const std::string& name);
 
   std::string path_;
   std::unique_ptr<void, close_t> handle_;

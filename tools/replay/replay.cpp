@@ -10,11 +10,11 @@
 #include "tools/explain/explainer.hpp"
 #include "tools/host/host_library.hpp"
 #include "tools/host/log_capture.hpp"
-#include "tools/replay/comparing/against.hpp"
+#include "tools/replay/comparing/other_build.hpp"
 #include "tools/replay/consumers.hpp"
 #include "tools/replay/input/interruption.hpp"
+#include "tools/replay/running/chain_pool.hpp"
 #include "tools/replay/running/configuration.hpp"
-#include "tools/replay/running/crew.hpp"
 #include "tools/replay/writing/progress.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -44,9 +44,9 @@ class Replay {
   void setLevel();
   void drive(const std::vector<input_t>& inputs);
   [[nodiscard]] ExplanationForm explanationForm() const;
-  void replayAll(const std::vector<input_t>& inputs, Crew& crew, const Explainer* explainer);
+  void replayAll(const std::vector<input_t>& inputs, ChainPool& pool, const Explainer* explainer);
   void reportIncidents(incidents_t& incidents);
-  void shutDown(Crew& crew);
+  void shutDown(ChainPool& pool);
   void report(const std::string& text) { diagnostics_ << REPLAY_NAME << ": " + text + "\n"; }
   void worsen(exit_status_t status) { status_ = std::max(status_, status); }
   void reportDifferences(const Comparer& comparer, const std::string& from);
@@ -93,7 +93,7 @@ void Replay::setLevel() {
 void Replay::drive(const std::vector<input_t>& inputs) {
   const LogCapture capture;
   const PluginLibrary library(options_.plugin_path);
-  std::optional<Against> against;
+  std::optional<OtherBuild> against;
   if (options_.against) {
     consumers_.add(
         against.emplace(*options_.against, configurationOf(options_), direction_, diagnostics_));
@@ -104,11 +104,11 @@ void Replay::drive(const std::vector<input_t>& inputs) {
                                      explanationForm(), events_));
   }
   std::vector<log_line_t> log;
-  std::optional<Crew> crew;
+  std::optional<ChainPool> pool;
   try {
-    crew.emplace(library, configurationOf(options_), direction_,
+    pool.emplace(library, configurationOf(options_), direction_,
                  worker_options_t{options_.batch_size, true},
-                 crew_options_t{options_.threads, options_.explain.has_value()}, log);
+                 pool_options_t{options_.threads, options_.explain.has_value()}, log);
   } catch (const PluginError&) {
     consumers_.takeLog(log); // it says why
     throw;
@@ -116,7 +116,7 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   consumers_.takeLog(log);
   const stopwatch_t::time_point start = stopwatch_t::now();
   try {
-    replayAll(inputs, *crew, explainer ? &*explainer : nullptr);
+    replayAll(inputs, *pool, explainer ? &*explainer : nullptr);
   } catch (...) {
     consumers_.pause(); // what has come out until now counts, whatever stops the run
     throw;
@@ -124,11 +124,11 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   consumers_.pause();
   elapsed_ = stopwatch_t::now() - start;
   if (explainer) elapsed_ -= explainer->time(); // the chains were at rest meanwhile
-  shutDown(*crew);
+  shutDown(*pool);
   if (explainer) {
     explainer->finish();
     lost_blocks_ = explainer->lostBlocks();
-    alike_ = explainer->alike().text();
+    alike_ = explainer->groups().text();
   }
   if (against) {
     against->finish();
@@ -146,13 +146,14 @@ ExplanationForm Replay::explanationForm() const {
   return colour_ ? ExplanationForm::coloured_text : ExplanationForm::text;
 }
 
-void Replay::replayAll(const std::vector<input_t>& inputs, Crew& crew, const Explainer* explainer) {
+void Replay::replayAll(const std::vector<input_t>& inputs, ChainPool& pool,
+                       const Explainer* explainer) {
   LineReader reader(inputs, options_.repeat);
   std::optional<Progress> progress;
   if (terminal_ != nullptr) {
-    consumers_.add(progress.emplace(*terminal_, [&reader] { return reader.share(); }));
+    consumers_.add(progress.emplace(*terminal_, [&reader] { return reader.fractionRead(); }));
   }
-  crew.run(reader,
+  pool.run(reader,
            {[this](const record_t& record) { consumers_.take(record); },
             [this](incidents_t& incidents) { reportIncidents(incidents); },
             [&] { return consumers_.closed() || (explainer != nullptr && explainer->closed()); },
@@ -179,8 +180,8 @@ void Replay::reportIncidents(incidents_t& incidents) {
   incidents.broken_laws.clear();
 }
 
-void Replay::shutDown(Crew& crew) {
-  for (const passage_t& last : crew.shutdown()) {
+void Replay::shutDown(ChainPool& pool) {
+  for (const call_result_t& last : pool.shutdown()) {
     consumers_.takeLog(last.log);
     figures_.takeUnasked(last.outputs.size());
     if (!last.failed) continue;

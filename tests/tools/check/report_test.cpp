@@ -33,7 +33,7 @@ TEST(ReportTest, ColourIsAroundTheMark) {
 TEST(ReportTest, DetailsAreIndentedAndLongOnesBelowEachOther) {
   const std::string line(60, 'x');
   const verdict_t verdict = {
-      Outcome::failed, "", {{"here", "4", "3"}, {"there", line, line}, {"log", "a", "b\nc"}}, ""};
+      Ending::failed, "", {{"here", "4", "3"}, {"there", line, line}, {"log", "a", "b\nc"}}, ""};
   EXPECT_EQ(textOf(verdict), "FAIL " + NAME_AND_CLAIM +
                                  "\n"
                                  "        here: expected 4, came 3\n"
@@ -48,7 +48,7 @@ TEST(ReportTest, DetailsAreIndentedAndLongOnesBelowEachOther) {
 }
 
 TEST(ReportTest, CrashShowsReasonAndOutput) {
-  EXPECT_EQ(textOf({Outcome::crashed, "SIGBUS, Bus error", {}, "oh\nno\n"}),
+  EXPECT_EQ(textOf({Ending::crashed, "SIGBUS, Bus error", {}, "oh\nno\n"}),
             "CRASH" + NAME_AND_CLAIM +
                 "\n"
                 "        SIGBUS, Bus error\n"
@@ -58,7 +58,7 @@ TEST(ReportTest, CrashShowsReasonAndOutput) {
 }
 
 TEST(ReportTest, BytesThatAreNoTextAreReplaced) {
-  const verdict_t verdict = {Outcome::failed, "", {{"here", "\xc3\xa9", "\xff\x1b[0m"}}, ""};
+  const verdict_t verdict = {Ending::failed, "", {{"here", "\xc3\xa9", "\xff\x1b[0m"}}, ""};
   EXPECT_EQ(textOf(verdict),
             "FAIL " + NAME_AND_CLAIM + "\n        here: expected \xc3\xa9, came ??[0m\n");
 }
@@ -66,11 +66,11 @@ TEST(ReportTest, BytesThatAreNoTextAreReplaced) {
 TEST(ReportTest, JsonHasWhatTheLineHas) {
   std::ostringstream out;
   JsonReport report(out, {"li\"b.so", 7, false});
-  report.add({&CHECK, {Outcome::skipped, "no \xff such", {}, ""}, std::chrono::milliseconds(5)});
-  report.add({&CHECK, {Outcome::failed, "", {{"w", "e", "c"}}, "p"}, {}});
+  report.add({&CHECK, {Ending::skipped, "no \xff such", {}, ""}, std::chrono::milliseconds(5)});
+  report.add({&CHECK, {Ending::failed, "", {{"w", "e", "c"}}, "p"}, {}});
   Counts counts;
-  counts.add(Outcome::skipped);
-  counts.add(Outcome::failed);
+  counts.add(Ending::skipped);
+  counts.add(Ending::failed);
   report.close(counts);
   EXPECT_EQ(out.str(),
             R"({"library":"li\"b.so","seed":7,"loads":false,"checks":[)"
@@ -87,10 +87,10 @@ TEST(ReportTest, JsonHasWhatTheLineHas) {
 
 TEST(ReportTest, SkippedIsGoodFailedIsNot) {
   Counts counts;
-  counts.add(Outcome::ok);
-  counts.add(Outcome::skipped);
+  counts.add(Ending::ok);
+  counts.add(Ending::skipped);
   EXPECT_TRUE(counts.allGood());
-  for (const Outcome bad : {Outcome::failed, Outcome::crashed, Outcome::hung}) {
+  for (const Ending bad : {Ending::failed, Ending::crashed, Ending::hung}) {
     Counts worse = counts;
     worse.add(bad);
     EXPECT_FALSE(worse.allGood());

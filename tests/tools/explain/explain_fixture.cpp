@@ -28,14 +28,14 @@ codec_t onPayload(const std::function<void(map_t& payload)>& change) {
 
 data_t taken(map_t& map, const char* key) { return map.extract(data_t(key)).value; }
 
-tools::passage_t ExplainFixture::run(Message& message, const codec_t& codec) {
-  tools::passage_t passage;
+tools::call_result_t ExplainFixture::run(Message& message, const codec_t& codec) {
+  tools::call_result_t result;
   try {
-    if (codec(message)) passage.outputs.push_back(std::move(message));
+    if (codec(message)) result.outputs.push_back(std::move(message));
   } catch (const std::exception& e) {
-    passage.log.push_back({3, e.what()});
+    result.log.push_back({3, e.what()});
   }
-  return passage;
+  return result;
 }
 
 tools::explanation_t ExplainFixture::explainedLine(const std::string& line, const codec_t& codec) {
@@ -43,13 +43,13 @@ tools::explanation_t ExplainFixture::explainedLine(const std::string& line, cons
   Message message = reader_.parseMessage(line);
   const Message original = tools::copyOf(message);
   const tools::Trace before(message);
-  tools::passage_t passage = run(message, codec);
+  tools::call_result_t result = run(message, codec);
   record_ = {};
   record_.file = &file_;
   record_.line_number = 1;
   record_.line = line;
-  record_.outputs = std::move(passage.outputs);
-  record_.log = std::move(passage.log);
+  record_.outputs = std::move(result.outputs);
+  record_.log = std::move(result.log);
   if (!record_.outputs.empty()) record_.outcome = tools::Outcome::passed;
   tools::Probe probe(
       original, [&](Message& changed) { return run(changed, codec); }, most_values_);

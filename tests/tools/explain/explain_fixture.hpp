@@ -39,7 +39,7 @@ class ExplainFixture : public HostFixture {
   std::size_t most_values_ = tools::Probe::MOST_VALUES;
   // Of the last message explained.
   tools::record_t record_;
-  tools::passage_t run(Message& message, const codec_t& codec);
+  tools::call_result_t run(Message& message, const codec_t& codec);
 
  private:
   const std::string file_ = "in";

@@ -50,9 +50,9 @@ TEST_F(ProbeTest, ChangesAreMadeInOrder) {
 TEST_F(ProbeTest, FailuresAreLoggedTracesAreNot) {
   const Message message(whole(5));
   const tools::Probe probe(message, [](Message&) {
-    tools::passage_t passage;
-    passage.log = {{3, "failed"}, {6, "trace"}, {2, "twice"}};
-    return passage;
+    tools::call_result_t result;
+    result.log = {{3, "failed"}, {6, "trace"}, {2, "twice"}};
+    return result;
   });
   const tools::answer_t answer = probe.ask();
   EXPECT_FALSE(answer.cameOut());

@@ -19,7 +19,7 @@ class SamplesTest : public HostFixture {
     chain_.emplace(library_, configuration, tools::Direction::towardsHost, log_);
   }
 
-  tools::passage_t send(Message& message) {
+  tools::call_result_t send(Message& message) {
     return std::move(chain_->send(std::span(&message, 1)));
   }
   bool comesOut(const Message& message) {
@@ -30,11 +30,11 @@ class SamplesTest : public HostFixture {
   tools::explanation_t explained(const Message& message) {
     const tools::Silence silence; // for lines that the plug-in writes past the log
     Message sent = copyOf(message);
-    tools::passage_t passage = send(sent);
-    after_ = tools::Trace(passage.outputs);
+    tools::call_result_t result = send(sent);
+    after_ = tools::Trace(result.outputs);
     record_ = {};
-    record_.outputs = std::move(passage.outputs);
-    record_.log = std::move(passage.log);
+    record_.outputs = std::move(result.outputs);
+    record_.log = std::move(result.log);
     tools::Probe probe(message, [this](Message& changed) { return send(changed); });
     return tools::explain(record_, probe);
   }

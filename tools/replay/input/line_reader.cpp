@@ -74,7 +74,7 @@ void LineReader::close() {
 
 bool LineReader::mayWait() const { return stream_ && stream_->rdbuf()->in_avail() <= 0; }
 
-std::optional<double> LineReader::share() const {
+std::optional<double> LineReader::fractionRead() const {
   if (total_ == 0) return {};
   std::uintmax_t done = closed_;
   if (stream_) {

@@ -30,7 +30,7 @@ class LineReader {
   [[nodiscard]] bool mayWait() const;
 
   // How much has been read, 0 to 1; nothing when there is no telling.
-  [[nodiscard]] std::optional<double> share() const;
+  [[nodiscard]] std::optional<double> fractionRead() const;
 
  private:
   bool nextLine(std::string& line);

@@ -84,7 +84,7 @@ bool canBeCreated(const ReplayOptions& options, std::ostream& diagnostics) {
   std::string failure;
   try {
     Chain chain(library, configurationOf(options), Direction::towardsHost, log);
-    const passage_t& last = chain.shutdown();
+    const call_result_t& last = chain.shutdown();
     log.insert(log.end(), last.log.begin(), last.log.end());
     if (last.failed) failure = "the plug-in failed in shutdown";
   } catch (const PluginError& e) {

@@ -62,35 +62,34 @@ bool Worker::read(record_t& record, Message& message) {
   return true;
 }
 
-passage_t& Worker::send(std::span<Message> messages) {
-  passage_t& passage = chain_.send(messages);
-  incidents_.batches.push_back({messages.size(), passage.time});
-  return passage;
+call_result_t& Worker::send(std::span<Message> messages) {
+  call_result_t& result = chain_.send(messages);
+  incidents_.batches.push_back({messages.size(), result.time});
+  return result;
 }
 
 void Worker::sendBatch(std::span<record_t> records) {
   if (batch_.empty()) return;
-  passage_t& passage = send(batch_);
-  if (passage.failed) incidents_.failed.push_back(batch_.size());
-  const bool whole =
-      !passage.failed && passage.log.empty() && passage.outputs.size() == batch_.size();
+  call_result_t& result = send(batch_);
+  if (result.failed) incidents_.failed.push_back(batch_.size());
+  const bool whole = !result.failed && result.log.empty() && result.outputs.size() == batch_.size();
   if (whole || batch_.size() == 1) {
-    share(passage, records);
+    distribute(result, records);
   } else {
-    separate(std::exchange(passage, {}), records);
+    separate(std::exchange(result, {}), records);
   }
 }
 
 // Gives each message its output, or the only message everything.
-void Worker::share(passage_t& passage, std::span<record_t> records) {
+void Worker::distribute(call_result_t& result, std::span<record_t> records) {
   std::size_t next = 0;
   for (record_t& record : records) {
     if (record.outcome == Outcome::malformed) continue;
     if (batch_.size() == 1) {
-      std::swap(record.outputs, passage.outputs);
-      std::swap(record.log, passage.log);
+      std::swap(record.outputs, result.outputs);
+      std::swap(record.log, result.log);
     } else {
-      record.outputs.push_back(std::move(passage.outputs[next]));
+      record.outputs.push_back(std::move(result.outputs[next]));
     }
     if (!record.outputs.empty()) {
       const bool converted = typed_before_[next] == 0 && metadata_.isTyped(record.outputs.front());
@@ -101,18 +100,18 @@ void Worker::share(passage_t& passage, std::span<record_t> records) {
   }
 }
 
-void Worker::separate(const passage_t& whole, std::span<record_t> records) {
+void Worker::separate(const call_result_t& whole, std::span<record_t> records) {
   const std::vector<char> typed_before = std::exchange(typed_before_, {});
   std::size_t next = 0;
-  passage_t together;
+  call_result_t together;
   for (record_t& record : records) {
     if (record.outcome == Outcome::malformed) continue;
     batch_.clear();
     batch_.push_back(reader_.parseMessage(record.line));
     typed_before_.assign(1, typed_before[next++]);
-    passage_t& alone = chain_.send(batch_);
+    call_result_t& alone = chain_.send(batch_);
     together.log.insert(together.log.end(), alone.log.begin(), alone.log.end());
-    share(alone, {&record, 1});
+    distribute(alone, {&record, 1});
     std::move(record.outputs.begin(), record.outputs.end(), std::back_inserter(together.outputs));
   }
   const bool same =

@@ -51,15 +51,15 @@ class Worker {
   void process(std::span<record_t> records, const Done& done);
 
   [[nodiscard]] incidents_t& incidents() noexcept { return incidents_; }
-  passage_t& shutdown() { return chain_.shutdown(); }
+  call_result_t& shutdown() { return chain_.shutdown(); }
 
  private:
   [[nodiscard]] bool read(record_t& record, Message& message);
   void sendOne(record_t& record, Message& message);
   void sendBatch(std::span<record_t> records);
-  passage_t& send(std::span<Message> messages);
-  void share(passage_t& passage, std::span<record_t> records);
-  void separate(const passage_t& whole, std::span<record_t> records);
+  call_result_t& send(std::span<Message> messages);
+  void distribute(call_result_t& result, std::span<record_t> records);
+  void separate(const call_result_t& whole, std::span<record_t> records);
   void conclude(record_t& record);
 
   worker_options_t options_;

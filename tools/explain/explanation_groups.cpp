@@ -1,4 +1,4 @@
-#include "tools/explain/alike.hpp"
+#include "tools/explain/explanation_groups.hpp"
 
 #include <algorithm>
 #include <vector>
@@ -38,7 +38,7 @@ std::string lineOf(std::uint64_t count, const std::string& about, const std::str
 
 } // namespace
 
-void Alike::add(const record_t& record, const explanation_t& explanation) {
+void ExplanationGroups::add(const record_t& record, const explanation_t& explanation) {
   std::string about = nameOf(record.kind);
   about.append(", ").append(nameOf(record.outcome));
   const std::string key = about + ";" + wayOf(explanation);
@@ -52,7 +52,7 @@ void Alike::add(const record_t& record, const explanation_t& explanation) {
   }
 }
 
-std::string Alike::text() const {
+std::string ExplanationGroups::text() const {
   if (ways_.empty()) return "";
   std::vector<const way_t*> ways;
   for (const auto& [key, way] : ways_) ways.push_back(&way);

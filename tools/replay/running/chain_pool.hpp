@@ -5,8 +5,8 @@
 //                 a thread of its own. The caller reads ahead, and publishes in the order of the
 //                 input, so what is published does not depend on N. Where taking a record must not
 //                 be disturbed, a block is published before the next one is served
-#ifndef VLT_TOOLS_REPLAY_RUNNING_CREW_HPP
-#define VLT_TOOLS_REPLAY_RUNNING_CREW_HPP
+#ifndef VLT_TOOLS_REPLAY_RUNNING_CHAIN_POOL_HPP
+#define VLT_TOOLS_REPLAY_RUNNING_CHAIN_POOL_HPP
 
 #include <cstddef>
 #include <exception>
@@ -19,31 +19,32 @@
 
 namespace com::velanto::connectivity::tools {
 
-// What the crew tells its caller, on the caller's thread.
-struct crew_listener_t {
+// What the pool tells its caller, on the caller's thread.
+struct pool_listener_t {
   std::function<void(record_t&)> take;      // each record, in order
   std::function<void(incidents_t&)> report; // after each block
   std::function<bool()> finished;           // whether nothing more is wanted
   std::function<void()> pause;              // the next line may be long in coming
 };
 
-struct crew_options_t {
+struct pool_options_t {
   std::size_t chains; // at least 1
   bool undisturbed;   // no chain is at work while a record is published
 };
 
-class Crew {
+class ChainPool {
  public:
   // Throws PluginError; `log` then has the reason.
-  Crew(const PluginLibrary& library, const data_t& configuration, Direction direction,
-       const worker_options_t& options, const crew_options_t& crew, std::vector<log_line_t>& log);
+  ChainPool(const PluginLibrary& library, const data_t& configuration, Direction direction,
+            const worker_options_t& options, const pool_options_t& pool,
+            std::vector<log_line_t>& log);
 
   // Takes all lines of `reader` through the chains. A failure to read is thrown once the lines
   // before it are published.
-  void run(LineReader& reader, const crew_listener_t& listener);
+  void run(LineReader& reader, const pool_listener_t& listener);
 
   // Ends every chain; the results in their order.
-  std::vector<passage_t> shutdown();
+  std::vector<call_result_t> shutdown();
 
  private:
   // Lines that are read, sent and published together.
@@ -55,9 +56,9 @@ class Crew {
   };
 
   void read(LineReader& reader, block_t& block) const;
-  void runAlone(LineReader& reader, const crew_listener_t& listener);
+  void runAlone(LineReader& reader, const pool_listener_t& listener);
   static void serve(block_t& block, Worker& worker);
-  void runTogether(LineReader& reader, const crew_listener_t& listener);
+  void runTogether(LineReader& reader, const pool_listener_t& listener);
 
   worker_options_t options_;
   bool undisturbed_;

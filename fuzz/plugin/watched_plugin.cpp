@@ -1,4 +1,4 @@
-#include "fuzz/plugin/chain.hpp"
+#include "fuzz/plugin/watched_plugin.hpp"
 
 #include <algorithm>
 #include <stdexcept>
@@ -6,14 +6,14 @@
 
 #include "fuzz/finding.hpp"
 #include "standin/standin.h"
-#include "tests/support/plugin_library.hpp"
+#include "tools/host/plugin_library.hpp"
 
 namespace com::velanto::connectivity::fuzz {
 
 namespace {
 
-const test::PluginLibrary& library() {
-  static const test::PluginLibrary result(VLT_FUZZ_PLUGIN);
+const tools::PluginLibrary& library() {
+  static const tools::PluginLibrary result(VLT_FUZZ_PLUGIN);
   return result;
 }
 
@@ -28,14 +28,15 @@ void requireBlocks(std::int64_t expected) {
 
 } // namespace
 
-void Chain::loadLibrary() { static_cast<void>(library()); }
+void WatchedPlugin::loadLibrary() { static_cast<void>(library()); }
 
-Chain::Chain(const scenario_t& scenario) : live_before_(standin_live_blocks_total()) {
+WatchedPlugin::WatchedPlugin(const scenario_t& scenario)
+    : live_before_(standin_live_blocks_total()) {
   require(library().apiVersion() == 4, "the interface version is 4");
   require(std::string(library().productVersion()) == "10.15.4.1", "the product has its version");
   library().checkIsCodec();
   standin_set_default_log_level(scenario.level);
-  standin_set_log_sink(&Chain::file, this);
+  standin_set_log_sink(&WatchedPlugin::file, this);
 
   const vlt_underlying_data_t configuration = model::block_of(scenario.configuration);
   refuse(scenario.refused_in_create, scenario.refused_from_there_on);
@@ -55,7 +56,7 @@ Chain::Chain(const scenario_t& scenario) : live_before_(standin_live_blocks_tota
   require(library().hostReady(plugin_) == 0, "hostReady succeeds");
 }
 
-Chain::~Chain() {
+WatchedPlugin::~WatchedPlugin() {
   if (exists()) {
     require(library().shutdown(plugin_) == 0, "shutdown succeeds");
   }
@@ -64,21 +65,21 @@ Chain::~Chain() {
   requireBlocks(live_before_);
 }
 
-void Chain::setLinks(links_t links) {
+void WatchedPlugin::setLinks(links_t links) {
   if (links == links_t::NONE) return;
   const vlt_batch_function next = links == links_t::THROWING ? &passAndThrow : &pass;
   require(library().setNextTowardsHost(plugin_, this, next) == 0, "a link can be set");
   require(library().setNextTowardsTransport(plugin_, this, next) == 0, "a link can be set");
 }
 
-outcome_t Chain::sendTowardsHost(Batch& batch) {
+outcome_t WatchedPlugin::sendTowardsHost(Batch& batch) {
   return send(library().sendBatchTowardsHost, batch);
 }
-outcome_t Chain::sendTowardsTransport(Batch& batch) {
+outcome_t WatchedPlugin::sendTowardsTransport(Batch& batch) {
   return send(library().sendBatchTowardsTransport, batch);
 }
 
-outcome_t Chain::send(send_t function, Batch& batch) {
+outcome_t WatchedPlugin::send(send_t function, Batch& batch) {
   const blocks_t before = batch.blocks();
   const std::int64_t elsewhere =
       standin_live_blocks_total() - static_cast<std::int64_t>(before.all.size());
@@ -100,14 +101,16 @@ outcome_t Chain::send(send_t function, Batch& batch) {
   return outcome;
 }
 
-void Chain::file(void* chain, const char* category, vlt_log_level_t level, const char* text) {
+void WatchedPlugin::file(void* chain, const char* category, vlt_log_level_t level,
+                         const char* text) {
   require(std::string(category) == "connectivity.fuzz.chain", "a line has the chain's category");
   require(std::string(text).starts_with("<connectivity.fuzz.chain> "), "a line has its prefix");
-  static_cast<Chain*>(chain)->lines_.push_back({level, text});
+  static_cast<WatchedPlugin*>(chain)->lines_.push_back({level, text});
 }
 
-void Chain::pass(void* chain, vlt_underlying_message_t* start, vlt_underlying_message_t* end) {
-  Chain& self = *static_cast<Chain*>(chain);
+void WatchedPlugin::pass(void* chain, vlt_underlying_message_t* start,
+                         vlt_underlying_message_t* end) {
+  WatchedPlugin& self = *static_cast<WatchedPlugin*>(chain);
   require(!self.passed_, "a batch is passed on once");
   require(self.under_way_ != nullptr, "nothing is passed on but batches");
   require(reinterpret_cast<Message*>(start) == self.under_way_->begin(),
@@ -116,8 +119,8 @@ void Chain::pass(void* chain, vlt_underlying_message_t* start, vlt_underlying_me
   require(*self.passed_ <= self.under_way_->size(), "no more is passed on than there is");
 }
 
-void Chain::passAndThrow(void* chain, vlt_underlying_message_t* start,
-                         vlt_underlying_message_t* end) {
+void WatchedPlugin::passAndThrow(void* chain, vlt_underlying_message_t* start,
+                                 vlt_underlying_message_t* end) {
   pass(chain, start, end);
   throw std::runtime_error("the next link failed");
 }

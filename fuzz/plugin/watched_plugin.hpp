@@ -4,8 +4,8 @@
 // What must hold whatever happens is checked here: results are 0 or 1, a range passed on is the
 // front of the batch, and every block has one owner and is the host's, the messages' or the
 // plug-in's own.
-#ifndef VLT_FUZZ_PLUGIN_CHAIN_HPP
-#define VLT_FUZZ_PLUGIN_CHAIN_HPP
+#ifndef VLT_FUZZ_PLUGIN_WATCHED_PLUGIN_HPP
+#define VLT_FUZZ_PLUGIN_WATCHED_PLUGIN_HPP
 
 #include <cstdint>
 #include <optional>
@@ -30,16 +30,16 @@ struct outcome_t {
   std::vector<line_t> lines;
 };
 
-class Chain {
+class WatchedPlugin {
  public:
   // Loads the plug-in library, which makes blocks of its own; before the first chain.
   static void loadLibrary();
 
   // Creates the plug-in, unless it refuses, with its links set and started.
-  explicit Chain(const scenario_t& scenario);
-  Chain(const Chain&) = delete;
-  Chain& operator=(const Chain&) = delete;
-  ~Chain(); // shuts down and destroys; a finding when a block is left
+  explicit WatchedPlugin(const scenario_t& scenario);
+  WatchedPlugin(const WatchedPlugin&) = delete;
+  WatchedPlugin& operator=(const WatchedPlugin&) = delete;
+  ~WatchedPlugin(); // shuts down and destroys; a finding when a block is left
 
   [[nodiscard]] bool exists() const { return plugin_ != nullptr; }
   // What was logged until now.

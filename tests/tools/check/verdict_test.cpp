@@ -1,4 +1,4 @@
-#include "tools/check/outcome.hpp"
+#include "tools/check/verdict.hpp"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@ namespace com::velanto::connectivity::test {
 
 namespace {
 
-using tools::check::Outcome;
+using tools::check::Ending;
 
 // The records' NULs are written as '|' here.
 std::string records(std::string text) {
@@ -23,54 +23,54 @@ tools::check::verdict_t judgeExit(const std::string& written, int status = 0) {
 
 } // namespace
 
-TEST(OutcomeTest, CheckThatCameToItsEndIsOk) {
+TEST(VerdictTest, CheckThatCameToItsEndIsOk) {
   const auto verdict = judgeExit("E|");
-  EXPECT_EQ(verdict.outcome, Outcome::ok);
+  EXPECT_EQ(verdict.ending, Ending::ok);
   EXPECT_EQ(verdict.reason, "");
   EXPECT_EQ(verdict.printed, "") << "of no interest";
 }
 
-TEST(OutcomeTest, DifferencesMakeAFailure) {
+TEST(VerdictTest, DifferencesMakeAFailure) {
   const auto verdict = judgeExit("F|here|4|3|F|there|||E|");
-  EXPECT_EQ(verdict.outcome, Outcome::failed);
+  EXPECT_EQ(verdict.ending, Ending::failed);
   ASSERT_EQ(verdict.differences.size(), 2U);
   EXPECT_EQ(verdict.differences[0], (tools::check::difference_t{"here", "4", "3"}));
   EXPECT_EQ(verdict.differences[1], (tools::check::difference_t{"there", "", ""}));
   EXPECT_EQ(verdict.printed, "noise");
 }
 
-TEST(OutcomeTest, SkippedKeepsItsReason) {
+TEST(VerdictTest, SkippedKeepsItsReason) {
   const auto verdict = judgeExit("S|not here|E|");
-  EXPECT_EQ(verdict.outcome, Outcome::skipped);
+  EXPECT_EQ(verdict.ending, Ending::skipped);
   EXPECT_EQ(verdict.reason, "not here");
 }
 
-TEST(OutcomeTest, SignalIsACrashAndKeepsWhatWasFoundBefore) {
+TEST(VerdictTest, SignalIsACrashAndKeepsWhatWasFoundBefore) {
   const auto verdict = tools::check::judge({false, SIGSEGV, records("F|here|4|3|"), ""});
-  EXPECT_EQ(verdict.outcome, Outcome::crashed);
+  EXPECT_EQ(verdict.ending, Ending::crashed);
   EXPECT_EQ(verdict.reason, "SIGSEGV, Segmentation fault");
   EXPECT_EQ(verdict.differences.size(), 1U);
 }
 
-TEST(OutcomeTest, ExitBeforeTheEndIsACrash) {
+TEST(VerdictTest, ExitBeforeTheEndIsACrash) {
   for (const int status : {0, 1}) {
     const auto verdict = judgeExit("", status);
-    EXPECT_EQ(verdict.outcome, Outcome::crashed);
+    EXPECT_EQ(verdict.ending, Ending::crashed);
     EXPECT_EQ(verdict.reason, "the process was ended with exit status " + std::to_string(status) +
                                   " in the middle of the check");
   }
 }
 
-TEST(OutcomeTest, StoppedIsHungWhateverElse) {
+TEST(VerdictTest, StoppedIsHungWhateverElse) {
   const auto verdict = tools::check::judge({true, SIGKILL, records("E|"), ""});
-  EXPECT_EQ(verdict.outcome, Outcome::hung);
+  EXPECT_EQ(verdict.ending, Ending::hung);
   EXPECT_EQ(verdict.reason, "did not end in time");
 }
 
-TEST(OutcomeTest, RecordThatBreaksOffWasNotWritten) {
+TEST(VerdictTest, RecordThatBreaksOffWasNotWritten) {
   EXPECT_EQ(judgeExit("F|here|4|3").differences.size(), 0U);
   EXPECT_EQ(judgeExit("F|here").differences.size(), 0U);
-  EXPECT_EQ(judgeExit("E").outcome, Outcome::crashed);
+  EXPECT_EQ(judgeExit("E").ending, Ending::crashed);
 }
 
 } // namespace com::velanto::connectivity::test

@@ -1,4 +1,4 @@
-#include "tools/replay/running/crew.hpp"
+#include "tools/replay/running/chain_pool.hpp"
 
 #include <algorithm>
 #include <condition_variable>
@@ -20,12 +20,12 @@ constexpr std::size_t BLOCK = 256; // lines, if the batches are not larger
 constexpr std::size_t AHEAD = 4;   // blocks that each chain may have
 
 // A thread that does what it is given, in order.
-class Lane {
+class TaskThread {
  public:
-  Lane() : thread_([this] { serve(); }) {}
-  Lane(const Lane&) = delete;
-  Lane& operator=(const Lane&) = delete;
-  ~Lane() {
+  TaskThread() : thread_([this] { serve(); }) {}
+  TaskThread(const TaskThread&) = delete;
+  TaskThread& operator=(const TaskThread&) = delete;
+  ~TaskThread() {
     {
       const std::lock_guard guard(lock_);
       ended_ = true;
@@ -66,21 +66,21 @@ class Lane {
 
 } // namespace
 
-Crew::Crew(const PluginLibrary& library, const data_t& configuration, Direction direction,
-           const worker_options_t& options, const crew_options_t& crew,
-           std::vector<log_line_t>& log)
-    : options_(options), undisturbed_(crew.undisturbed) {
-  for (std::size_t i = 0; i < crew.chains; ++i) {
+ChainPool::ChainPool(const PluginLibrary& library, const data_t& configuration, Direction direction,
+                     const worker_options_t& options, const pool_options_t& pool,
+                     std::vector<log_line_t>& log)
+    : options_(options), undisturbed_(pool.undisturbed) {
+  for (std::size_t i = 0; i < pool.chains; ++i) {
     workers_.push_back(std::make_unique<Worker>(library, configuration, direction, options, log));
   }
 }
 
-void Crew::run(LineReader& reader, const crew_listener_t& listener) {
+void ChainPool::run(LineReader& reader, const pool_listener_t& listener) {
   workers_.size() == 1 ? runAlone(reader, listener) : runTogether(reader, listener);
 }
 
 // Fills `block` with the next lines: none at the end.
-void Crew::read(LineReader& reader, block_t& block) const {
+void ChainPool::read(LineReader& reader, block_t& block) const {
   // As many whole batches as a block holds, but at least one.
   const std::size_t lines =
       std::max(BLOCK / options_.batch_size, std::size_t{1}) * options_.batch_size;
@@ -100,7 +100,7 @@ void Crew::read(LineReader& reader, block_t& block) const {
   }
 }
 
-void Crew::runAlone(LineReader& reader, const crew_listener_t& listener) {
+void ChainPool::runAlone(LineReader& reader, const pool_listener_t& listener) {
   Worker& worker = *workers_.front();
   block_t block;
   while (!listener.finished()) {
@@ -114,10 +114,10 @@ void Crew::runAlone(LineReader& reader, const crew_listener_t& listener) {
 }
 
 // A ring of blocks: the caller fills them and publishes each when its chain has served it.
-void Crew::runTogether(LineReader& reader, const crew_listener_t& listener) {
+void ChainPool::runTogether(LineReader& reader, const pool_listener_t& listener) {
   std::vector<block_t> blocks(undisturbed_ ? 1 : workers_.size() * AHEAD);
   std::vector<std::future<void>> served(blocks.size());
-  std::vector<Lane> lanes(workers_.size()); // after the blocks: ends before them
+  std::vector<TaskThread> threads(workers_.size()); // after the blocks: ends before them
   std::size_t filled = 0;
   bool more = true;
   for (std::size_t published = 0; !listener.finished(); ++published) {
@@ -126,7 +126,7 @@ void Crew::runTogether(LineReader& reader, const crew_listener_t& listener) {
       read(reader, block);
       more = block.count > 0 && !block.failure;
       Worker& worker = *workers_[filled % workers_.size()];
-      served[filled % blocks.size()] = lanes[filled % lanes.size()].give(
+      served[filled % blocks.size()] = threads[filled % threads.size()].give(
           std::packaged_task<void()>([&block, &worker] { serve(block, worker); }));
     }
     if (published == filled) break;
@@ -138,13 +138,13 @@ void Crew::runTogether(LineReader& reader, const crew_listener_t& listener) {
   }
 }
 
-void Crew::serve(block_t& block, Worker& worker) {
+void ChainPool::serve(block_t& block, Worker& worker) {
   worker.process(std::span(block.records).first(block.count), [](record_t&) {});
   block.incidents = std::exchange(worker.incidents(), {});
 }
 
-std::vector<passage_t> Crew::shutdown() {
-  std::vector<passage_t> results;
+std::vector<call_result_t> ChainPool::shutdown() {
+  std::vector<call_result_t> results;
   for (const std::unique_ptr<Worker>& worker : workers_) {
     results.push_back(std::move(worker->shutdown()));
   }

@@ -1,4 +1,4 @@
-#include "tools/explain/alike.hpp"
+#include "tools/explain/explanation_groups.hpp"
 
 #include <gtest/gtest.h>
 
@@ -28,8 +28,8 @@ tools::explanation_t losing(const std::string& name, const std::string& json) {
 
 } // namespace
 
-TEST(AlikeTest, FatesAndPathsCountValuesDoNot) {
-  tools::Alike alike;
+TEST(ExplanationGroupsTest, FatesAndPathsCountValuesDoNot) {
+  tools::ExplanationGroups alike;
   alike.add(record(1), losing("a", "1"));
   alike.add(record(2), losing("b", "1"));
   alike.add(record(3), losing("b", "2"));
@@ -42,8 +42,8 @@ TEST(AlikeTest, FatesAndPathsCountValuesDoNot) {
             "           1  no path, converted        in:4\n");
 }
 
-TEST(AlikeTest, FaultsTellDroppedMessagesApart) {
-  tools::Alike alike;
+TEST(ExplanationGroupsTest, FaultsTellDroppedMessagesApart) {
+  tools::ExplanationGroups alike;
   tools::explanation_t explanation;
   explanation.blame.faults = {{{{"payload"}, {"a"}}, "1", false, "2"}};
   alike.add(record(1, tools::Outcome::dropped), explanation);
@@ -59,12 +59,12 @@ TEST(AlikeTest, FaultsTellDroppedMessagesApart) {
             "           1  no path, dropped          in:3\n");
 }
 
-TEST(AlikeTest, NothingIsNoTable) { EXPECT_EQ(tools::Alike().text(), ""); }
+TEST(ExplanationGroupsTest, NothingIsNoTable) { EXPECT_EQ(tools::ExplanationGroups().text(), ""); }
 
-TEST(AlikeTest, TheRestIsCounted) {
-  tools::Alike alike;
+TEST(ExplanationGroupsTest, TheRestIsCounted) {
+  tools::ExplanationGroups alike;
   const std::string file(100, 'f');
-  for (std::uint64_t i = 1; i <= tools::Alike::MOST + 5; ++i) {
+  for (std::uint64_t i = 1; i <= tools::ExplanationGroups::MOST + 5; ++i) {
     alike.add(record(i, tools::Outcome::passed, file), losing(std::to_string(i), "1"));
   }
   const std::string text = alike.text();

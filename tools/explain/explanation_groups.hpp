@@ -1,7 +1,7 @@
 // Which messages of a run have gone the same way: the same fates of the same fields, whatever their
 // values. Of thousands of explanations, one of each way is worth reading.
-#ifndef VLT_TOOLS_EXPLAIN_ALIKE_HPP
-#define VLT_TOOLS_EXPLAIN_ALIKE_HPP
+#ifndef VLT_TOOLS_EXPLAIN_EXPLANATION_GROUPS_HPP
+#define VLT_TOOLS_EXPLAIN_EXPLANATION_GROUPS_HPP
 
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace com::velanto::connectivity::tools {
 
-class Alike {
+class ExplanationGroups {
  public:
   // Ways that are told apart; more would be memory that grows with the input.
   static constexpr std::size_t MOST = 1000;

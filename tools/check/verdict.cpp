@@ -1,4 +1,4 @@
-#include "tools/check/outcome.hpp"
+#include "tools/check/verdict.hpp"
 
 #include <sys/wait.h>
 
@@ -60,17 +60,17 @@ std::string describeSignal(int signal) {
 
 } // namespace
 
-const char* nameOf(Outcome outcome) noexcept {
-  switch (outcome) {
-    case Outcome::ok:
+const char* nameOf(Ending ending) noexcept {
+  switch (ending) {
+    case Ending::ok:
       return "ok";
-    case Outcome::failed:
+    case Ending::failed:
       return "failed";
-    case Outcome::crashed:
+    case Ending::crashed:
       return "crashed";
-    case Outcome::hung:
+    case Ending::hung:
       return "hung";
-    case Outcome::skipped:
+    case Ending::skipped:
       return "skipped";
   }
   return "";
@@ -81,22 +81,22 @@ verdict_t judge(const process_end_t& end) {
   verdict_t verdict;
   verdict.differences = std::move(story.differences);
   if (end.stopped) {
-    verdict.outcome = Outcome::hung;
+    verdict.ending = Ending::hung;
     verdict.reason = "did not end in time";
   } else if (WIFSIGNALED(end.status)) {
-    verdict.outcome = Outcome::crashed;
+    verdict.ending = Ending::crashed;
     verdict.reason = describeSignal(WTERMSIG(end.status));
   } else if (!story.finished) {
-    verdict.outcome = Outcome::crashed;
+    verdict.ending = Ending::crashed;
     verdict.reason = "the process was ended with exit status " +
                      std::to_string(WEXITSTATUS(end.status)) + " in the middle of the check";
   } else if (story.skip_reason) {
-    verdict.outcome = Outcome::skipped;
+    verdict.ending = Ending::skipped;
     verdict.reason = *story.skip_reason;
   } else if (!verdict.differences.empty()) {
-    verdict.outcome = Outcome::failed;
+    verdict.ending = Ending::failed;
   }
-  if (verdict.outcome != Outcome::ok && verdict.outcome != Outcome::skipped) {
+  if (verdict.ending != Ending::ok && verdict.ending != Ending::skipped) {
     verdict.printed = end.printed;
   }
   return verdict;

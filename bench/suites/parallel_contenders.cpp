@@ -1,10 +1,10 @@
-#include "bench/suites/crew.hpp"
+#include "bench/suites/parallel_contenders.hpp"
 
 #include <algorithm>
 
 namespace com::velanto::connectivity::bench {
 
-Crew::Crew(std::vector<std::unique_ptr<Contender>> members)
+ParallelContenders::ParallelContenders(std::vector<std::unique_ptr<Contender>> members)
     : members_(std::move(members)),
       spans_(members_.size()),
       begin_(static_cast<std::ptrdiff_t>(members_.size()) + 1),
@@ -15,12 +15,12 @@ Crew::Crew(std::vector<std::unique_ptr<Contender>> members)
   }
 }
 
-Crew::~Crew() {
+ParallelContenders::~ParallelContenders() {
   ending_ = true;
   begin_.arrive_and_wait();
 }
 
-void Crew::work(std::size_t member) {
+void ParallelContenders::work(std::size_t member) {
   for (;;) {
     begin_.arrive_and_wait();
     if (ending_) return;
@@ -33,7 +33,7 @@ void Crew::work(std::size_t member) {
   }
 }
 
-double Crew::sample(std::size_t round) {
+double ParallelContenders::sample(std::size_t round) {
   round_ = round;
   begin_.arrive_and_wait();
   done_.arrive_and_wait();

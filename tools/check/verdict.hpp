@@ -6,25 +6,25 @@
 //     S reason                 cannot be checked here
 //     E                        the check came to its end
 //
-//   judged in this order         outcome
+//   judged in this order         ending
 //   had to be stopped            hung
 //   ended by a signal            crashed
 //   ended without an E record    crashed: something in it ended the process
 //   an S record                  skipped
 //   an F record                  failed
 //   otherwise                    ok
-#ifndef VLT_TOOLS_CHECK_OUTCOME_HPP
-#define VLT_TOOLS_CHECK_OUTCOME_HPP
+#ifndef VLT_TOOLS_CHECK_VERDICT_HPP
+#define VLT_TOOLS_CHECK_VERDICT_HPP
 
 #include <string>
 #include <vector>
 
 namespace com::velanto::connectivity::tools::check {
 
-enum class Outcome { ok, failed, crashed, hung, skipped };
+enum class Ending { ok, failed, crashed, hung, skipped };
 
 // "ok", "failed" and so on.
-[[nodiscard]] const char* nameOf(Outcome outcome) noexcept;
+[[nodiscard]] const char* nameOf(Ending ending) noexcept;
 
 struct difference_t {
   std::string where;
@@ -42,7 +42,7 @@ struct process_end_t {
 };
 
 struct verdict_t {
-  Outcome outcome = Outcome::ok;
+  Ending ending = Ending::ok;
   std::string reason; // of a crash, a hang or a skipped check; otherwise empty
   std::vector<difference_t> differences;
   std::string printed; // kept for what did not pass only

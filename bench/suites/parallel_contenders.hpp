@@ -1,7 +1,7 @@
 // Contenders that work at the same time, each on a thread of its own that makes its inputs itself, so
 // that each has its own part of the heap.
-#ifndef VLT_BENCH_SUITES_CREW_HPP
-#define VLT_BENCH_SUITES_CREW_HPP
+#ifndef VLT_BENCH_SUITES_PARALLEL_CONTENDERS_HPP
+#define VLT_BENCH_SUITES_PARALLEL_CONTENDERS_HPP
 
 #include <barrier>
 #include <chrono>
@@ -12,15 +12,15 @@
 
 namespace com::velanto::connectivity::bench {
 
-class Crew {
+class ParallelContenders {
  public:
-  explicit Crew(std::vector<std::unique_ptr<Contender>> members);
-  Crew(const Crew&) = delete;
-  Crew& operator=(const Crew&) = delete;
-  ~Crew();
+  explicit ParallelContenders(std::vector<std::unique_ptr<Contender>> members);
+  ParallelContenders(const ParallelContenders&) = delete;
+  ParallelContenders& operator=(const ParallelContenders&) = delete;
+  ~ParallelContenders();
 
-  // All fill, in the order of the round, and then all run at once. Nanoseconds from the first start to the last end. A run that
-  // throws ends the program: there is nothing to go on with.
+  // All fill, in the order of the round, and then all run at once. Returns nanoseconds from the first
+  // start to the last end. A run that throws ends the program: there is nothing to go on with.
   [[nodiscard]] double sample(std::size_t round);
 
  private:

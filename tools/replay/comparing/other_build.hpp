@@ -1,8 +1,8 @@
 // Runs another build of the plug-in beside the first: each line goes through both, and what comes of
 // it is compared. Both are loaded into this process, since a plug-in exports nothing that another
 // one could be bound to.
-#ifndef VLT_TOOLS_REPLAY_COMPARING_AGAINST_HPP
-#define VLT_TOOLS_REPLAY_COMPARING_AGAINST_HPP
+#ifndef VLT_TOOLS_REPLAY_COMPARING_OTHER_BUILD_HPP
+#define VLT_TOOLS_REPLAY_COMPARING_OTHER_BUILD_HPP
 
 #include <ostream>
 #include <string>
@@ -13,11 +13,11 @@
 
 namespace com::velanto::connectivity::tools {
 
-class Against final : public Consumer {
+class OtherBuild final : public Consumer {
  public:
   // Throws PluginError. `diagnostics` must outlive this.
-  Against(const std::string& path, const data_t& configuration, Direction direction,
-          std::ostream& diagnostics);
+  OtherBuild(const std::string& path, const data_t& configuration, Direction direction,
+             std::ostream& diagnostics);
 
   void take(const record_t& record) override;
   // Of the lines that the first plug-in logs without a message, those of its end belong to finish().

@@ -1,0 +1,28 @@
+// The built plug-in as ostrovia-replay loads it: that tool printed what stands in the documents, and
+// log lines begin with the names that it gives.
+#ifndef VLT_TESTS_DOCS_REPLAY_CODEC_HPP
+#define VLT_TESTS_DOCS_REPLAY_CODEC_HPP
+
+#include <string>
+
+#include "ndjson/json_writer.hpp"
+#include "tests/end_to_end/loaded_codec.hpp"
+
+namespace com::velanto::connectivity::test {
+
+// A message as the tool prints it.
+inline std::string json(const Message& message) {
+  std::string text;
+  writeJson(text, message);
+  return text;
+}
+
+class ReplayCodec : private LibraryHolder, public LoadedCodec {
+ public:
+  explicit ReplayCodec(const data_t& configuration)
+      : LoadedCodec(library_, configuration, "OstroviaNotifications2Codec", "replay") {}
+};
+
+} // namespace com::velanto::connectivity::test
+
+#endif
