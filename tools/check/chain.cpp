@@ -31,10 +31,6 @@ bool isKnown(void* handle) {
   return known;
 }
 
-vlt_underlying_message_t* raw(Message* message) {
-  return reinterpret_cast<vlt_underlying_message_t*>(message);
-}
-
 void requireResult(int result, const char* call) {
   if (result != 0) throw std::runtime_error(std::string(call) + " failed");
 }
@@ -110,8 +106,7 @@ Codec::Codec(Trial& trial, const PluginLibrary& library, const data_t& configura
   });
 }
 
-template <class Call>
-int Codec::guarded(const char* name, const Call& call) {
+int Codec::guarded(const char* name, const std::function<int()>& call) {
   try {
     return call();
   } catch (const std::exception& e) {
@@ -126,42 +121,6 @@ void Codec::link() {
   if (!made()) throw std::runtime_error("the codec was not created");
   requireResult(setNextTowardsHost(&host, Link::take), "setNextTowardsHost");
   requireResult(setNextTowardsTransport(&transport, Link::take), "setNextTowardsTransport");
-}
-
-int Codec::start() {
-  return guarded("start", [&] { return library_.start(plugin_); });
-}
-
-int Codec::hostReady() {
-  return guarded("hostReady", [&] { return library_.hostReady(plugin_); });
-}
-
-int Codec::shutdown() {
-  return guarded("shutdown", [&] { return library_.shutdown(plugin_); });
-}
-
-int Codec::setNextTowardsHost(void* handle, vlt_batch_function next) {
-  return guarded("setNextTowardsHost",
-                 [&] { return library_.setNextTowardsHost(plugin_, handle, next); });
-}
-
-int Codec::setNextTowardsTransport(void* handle, vlt_batch_function next) {
-  return guarded("setNextTowardsTransport",
-                 [&] { return library_.setNextTowardsTransport(plugin_, handle, next); });
-}
-
-int Codec::towardsHost(std::span<Message> batch) {
-  return guarded("sendBatchTowardsHost", [&] {
-    return library_.sendBatchTowardsHost(plugin_, raw(batch.data()),
-                                         raw(batch.data() + batch.size()));
-  });
-}
-
-int Codec::towardsTransport(std::span<Message> batch) {
-  return guarded("sendBatchTowardsTransport", [&] {
-    return library_.sendBatchTowardsTransport(plugin_, raw(batch.data()),
-                                              raw(batch.data() + batch.size()));
-  });
 }
 
 int Codec::destroy() {

@@ -2,9 +2,11 @@
 #ifndef VLT_TOOLS_CHECK_CHAIN_HPP
 #define VLT_TOOLS_CHECK_CHAIN_HPP
 
+#include <functional>
 #include <mutex>
 #include <span>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "tools/check/trial.hpp"
@@ -84,21 +86,35 @@ class Codec {
   // Sets both links. Throws std::runtime_error when there is no codec or it refuses.
   void link();
 
-  int start();
-  int hostReady();
-  int shutdown();
-  int setNextTowardsHost(void* handle, vlt_batch_function next);
-  int setNextTowardsTransport(void* handle, vlt_batch_function next);
-  int towardsHost(std::span<Message> batch);
-  int towardsTransport(std::span<Message> batch);
+  int start() { return call("start", library_.start); }
+  int hostReady() { return call("hostReady", library_.hostReady); }
+  int shutdown() { return call("shutdown", library_.shutdown); }
+  int setNextTowardsHost(void* handle, vlt_batch_function next) {
+    return call("setNextTowardsHost", library_.setNextTowardsHost, handle, next);
+  }
+  int setNextTowardsTransport(void* handle, vlt_batch_function next) {
+    return call("setNextTowardsTransport", library_.setNextTowardsTransport, handle, next);
+  }
+  int towardsHost(std::span<Message> batch) {
+    return call("sendBatchTowardsHost", library_.sendBatchTowardsHost, batch.data(),
+                batch.data() + batch.size());
+  }
+  int towardsTransport(std::span<Message> batch) {
+    return call("sendBatchTowardsTransport", library_.sendBatchTowardsTransport, batch.data(),
+                batch.data() + batch.size());
+  }
   int destroy(); // once; then, and by the destructor, never again
 
   Link host;
   Link transport;
 
  private:
-  template <class Call>
-  int guarded(const char* name, const Call& call);
+  int guarded(const char* name, const std::function<int()>& call);
+  template <class... Arguments>
+  int call(const char* name, int (*function)(void*, Arguments...),
+           std::type_identity_t<Arguments>... arguments) {
+    return guarded(name, [&] { return function(plugin_, arguments...); });
+  }
 
   Trial& trial_;
   const PluginLibrary& library_;

@@ -58,11 +58,12 @@ explanation_t Explainer::explanationOf(const record_t& record) {
   return explain(record, probe);
 }
 
-void Explainer::finish() {
+exit_status_t Explainer::finish() {
   const BlockCount count(lost_blocks_);
   const Silence silence;
   chain_->shutdown();
   chain_.reset(); // with what came out unasked
+  return EXIT_FINE;
 }
 
 } // namespace com::velanto::connectivity::tools

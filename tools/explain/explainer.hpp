@@ -28,7 +28,7 @@ class Explainer final : public Consumer {
   void pause() override { out_.flush(); }
 
   // Ends its plug-in.
-  void finish();
+  exit_status_t finish() override;
 
   [[nodiscard]] const ExplanationGroups& groups() const noexcept { return groups_; }
   // Nobody reads the explanations any more.

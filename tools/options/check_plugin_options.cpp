@@ -6,21 +6,6 @@ namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
-constexpr std::array OPTIONS = {
-    option_row_t{"--only", "PATTERN",
-                 "run the checks whose names match: * any text, ? a character; may be repeated",
-                 &command_t::only},
-    option_row_t{"--skip", "PATTERN", "leave these checks out; may be repeated", &command_t::skip},
-    option_row_t{"--timeout", "SECONDS", "time limit of a check; default: 10",
-                 &command_t::timeout_seconds},
-    option_row_t{"--seed", "N",
-                 "seed of the randomised checks, to repeat them; default: another each time",
-                 &command_t::seed},
-    option_row_t{"--json", "", "write one JSON document instead of lines", &command_t::json},
-    option_row_t{"--list", "", "list the checks, or those selected, and run none",
-                 &command_t::list},
-};
-
 constexpr std::array EXAMPLES = {
     example_row_t{"ostrovia-check-plugin ./next.so", "Is this build fit for production?"},
     example_row_t{"ostrovia-check-plugin --list", "What is checked?"},
@@ -29,7 +14,7 @@ constexpr std::array EXAMPLES = {
     example_row_t{"ostrovia-check-plugin --skip 'loading.thousand*' --timeout 60 ./next.so",
                   "On a slow machine"},
     example_row_t{"ostrovia-check-plugin --json --seed 4711 ./next.so > report.json",
-                  "For a program, with the dice of an earlier run"},
+                  "For a program, with the seed of an earlier run"},
 };
 
 constexpr std::array STATUSES = {
@@ -38,12 +23,36 @@ constexpr std::array STATUSES = {
     status_row_t{STATUS_NOT_CHECKED, "wrong use, or a library that cannot be loaded"},
 };
 
+constexpr const char* INTRODUCTION =
+    "\n"
+    "Checks a build of the plug-in before it goes into production: loads it as a host does, each\n"
+    "check in a process of its own, and says what does not hold.\n"
+    "\n"
+    "Usage: ostrovia-check-plugin [OPTIONS] [LIBRARY]\n";
+
 } // namespace
 
-std::span<const option_row_t> optionTable() noexcept { return OPTIONS; }
-
-std::span<const example_row_t> exampleTable() noexcept { return EXAMPLES; }
-
-std::span<const status_row_t> statusTable() noexcept { return STATUSES; }
+tool_t checkPluginTool(command_t& command) {
+  return {
+      PROGRAM_NAME,
+      EXAMPLES,
+      INTRODUCTION,
+      "LIBRARY",
+      &command.path,
+      {{"The checks",
+        {{"--only", "PATTERN",
+          "run the checks whose names match: * any text, ? a character; may be repeated",
+          &command.only},
+         {"--skip", "PATTERN", "leave these checks out; may be repeated", &command.skip},
+         {"--timeout", "SECONDS", "time limit of a check; default: 10", &command.timeout_seconds},
+         {"--seed", "N",
+          "seed of the randomised checks, to repeat them; default: another each time",
+          &command.seed},
+         {"--json", "", "write one JSON document instead of lines", &command.json},
+         {"--list", "", "list the checks, or those selected, and run none", &command.list}}},
+       ABOUT_THE_TOOL},
+      "Exit status",
+      STATUSES};
+}
 
 } // namespace com::velanto::connectivity::tools::check

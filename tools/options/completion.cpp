@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string_view>
 
-namespace com::velanto::connectivity::tools::manual {
+namespace com::velanto::connectivity::tools {
 
 namespace {
 
@@ -36,8 +36,8 @@ std::string choices(std::string alternatives) {
   return "words='" + alternatives + "'";
 }
 
-std::string commandsFor(const option_t& option) {
-  const std::string& argument = option.argument;
+std::string commandsFor(const option_row_t& option) {
+  const std::string argument = option.argument;
   if (argument.find('|') != std::string::npos) return choices(argument);
   const auto* const row = std::find_if(ARGUMENTS.begin(), ARGUMENTS.end(),
                                        [&](const auto& each) { return each.name == argument; });
@@ -92,30 +92,32 @@ constexpr std::string_view CLOSING = R"('
 
 } // namespace
 
-std::string bashCompletion(const program_t& program) {
+std::string bashCompletion(const tool_t& tool) {
   std::map<std::string, std::string> arguments;
   std::string words;
-  for (const group_t& group : program.groups) {
-    for (const option_t& option : group.options) {
-      words += (words.empty() ? "" : " ") + option.name;
-      const std::string& argument = option.argument;
+  for (const option_group_t& group : tool.groups) {
+    for (const option_row_t& option : group.rows) {
+      words += std::string(words.empty() ? "" : " ") + option.name;
+      const std::string argument = option.argument;
       if (argument.starts_with("[=")) {
-        addTo(arguments, choices(argument.substr(2, argument.size() - 3)), "yes" + option.name);
+        addTo(arguments, choices(argument.substr(2, argument.size() - 3)),
+              std::string("yes") + option.name);
       } else if (!argument.empty()) {
-        addTo(arguments, commandsFor(option), option.name + " | yes" + option.name);
+        addTo(arguments, commandsFor(option), std::string(option.name) + " | yes" + option.name);
       }
     }
   }
-  std::string function = "_" + program.name;
+  const std::string name = tool.name;
+  std::string function = "_" + name;
   std::replace(function.begin(), function.end(), '-', '_');
-  std::string script = "# Completion of " + program.name + " in bash, made from its options.\n";
+  std::string script = "# Completion of " + name + " in bash, made from its options.\n";
   script += function;
   script += OPENING;
   script += branches(arguments);
   script += BEFORE_OPTIONS;
   script += words;
   script += CLOSING;
-  return script + "complete -F " + function + " " + program.name + "\n";
+  return script + "complete -F " + function + " " + name + "\n";
 }
 
-} // namespace com::velanto::connectivity::tools::manual
+} // namespace com::velanto::connectivity::tools

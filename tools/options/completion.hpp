@@ -4,14 +4,14 @@
 
 #include <string>
 
-#include "tools/options/program.hpp"
+#include "tools/options/options.hpp"
 
-namespace com::velanto::connectivity::tools::manual {
+namespace com::velanto::connectivity::tools {
 
 // The script, which bash reads once and asks from then on. Throws std::invalid_argument for an
 // argument of which it is not known what completes it, see ARGUMENTS in completion.cpp.
-[[nodiscard]] std::string bashCompletion(const program_t& program);
+[[nodiscard]] std::string bashCompletion(const tool_t& tool);
 
-} // namespace com::velanto::connectivity::tools::manual
+} // namespace com::velanto::connectivity::tools
 
 #endif

@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "tools/options/options.hpp"
+
 namespace com::velanto::connectivity::tools {
 
 enum exit_status_t : int {
@@ -21,12 +23,7 @@ enum exit_status_t : int {
   EXIT_INTERRUPTED = 130
 };
 
-struct exit_row_t {
-  exit_status_t status;
-  const char* meaning;
-};
-
-inline constexpr std::array<exit_row_t, 9> EXIT_STATUSES = {{
+inline constexpr std::array<status_row_t, 9> EXIT_STATUSES = {{
     {EXIT_FINE, "fine, also when messages were dropped"},
     {EXIT_DROPPED, "with --strict: messages were dropped"},
     {EXIT_USAGE, "the command line is wrong"},

@@ -3,25 +3,11 @@
 #include <cstddef>
 #include <string_view>
 
-#include "tools/options/exit_status.hpp"
-#include "tools/options/replay_options.hpp"
-
 namespace com::velanto::connectivity::tools {
 
 namespace {
 
 constexpr std::size_t COLUMNS = 79;
-
-constexpr const char* INTRODUCTION =
-    "\n"
-    "Sends recorded messages through the plug-in and prints what reaches the host.\n"
-    "Both are lines of JSON:\n"
-    "\n"
-    "  {\"metadata\": {\"pulsarPath\": \"t1/sub/events/7\"}, \"payload\": {...}}\n"
-    "\n"
-    "Usage: ostrovia-replay [OPTIONS] [FILES...]\n"
-    "\n"
-    "Without FILES, or for -, standard input is read.\n";
 
 // Appends `head` and behind it, from column `indent` on, the words of `text`.
 void appendEntry(std::string& out, std::string_view head, std::string_view text,
@@ -59,24 +45,21 @@ std::string headOf(const option_row_t& row) {
 
 } // namespace
 
-std::string helpText() {
+std::string helpText(const tool_t& tool) {
   constexpr std::size_t OPTION_INDENT = 30;
   std::string text = "Examples:\n";
-  for (const example_row_t& row : exampleTable()) {
+  for (const example_row_t& row : tool.examples) {
     text += std::string("  # ") + row.purpose + "\n  " + row.command + "\n";
   }
-  text += INTRODUCTION;
-  for (const option_group_t& group : optionTable()) {
+  text += tool.introduction;
+  for (const option_group_t& group : tool.groups) {
     text += std::string("\n") + group.title + ":\n";
     for (const option_row_t& row : group.rows) {
       appendEntry(text, headOf(row), row.help, OPTION_INDENT);
     }
   }
-  text += "\nAbout the tool:\n";
-  appendEntry(text, "  --help", "this text", OPTION_INDENT);
-  appendEntry(text, "  --version", "the version", OPTION_INDENT);
-  text += "\nExit status, the largest that applies:\n";
-  for (const exit_row_t& row : EXIT_STATUSES) {
+  text += std::string("\n") + tool.title_of_statuses + ":\n";
+  for (const status_row_t& row : tool.statuses) {
     std::string number = std::to_string(row.status);
     number.insert(0, 5 - number.size(), ' ');
     appendEntry(text, number, row.meaning, 7);

@@ -1,12 +1,14 @@
-// The help text, made from the tables of examples, options and exit statuses; at most 80 columns.
+// What --help prints; at most 80 columns.
 #ifndef VLT_TOOLS_OPTIONS_HELP_HPP
 #define VLT_TOOLS_OPTIONS_HELP_HPP
 
 #include <string>
 
+#include "tools/options/options.hpp"
+
 namespace com::velanto::connectivity::tools {
 
-[[nodiscard]] std::string helpText();
+[[nodiscard]] std::string helpText(const tool_t& tool);
 
 } // namespace com::velanto::connectivity::tools
 

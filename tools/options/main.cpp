@@ -12,9 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "tools/options/check_plugin_options.hpp"
 #include "tools/options/completion.hpp"
 #include "tools/options/man_page.hpp"
-#include "tools/options/program.hpp"
+#include "tools/options/replay_options.hpp"
 
 namespace {
 
@@ -25,13 +26,23 @@ std::string contentsOf(const std::string& path) {
   return text;
 }
 
+// The tool of that name, whose options set nothing that counts.
+com::velanto::connectivity::tools::tool_t toolNamed(const std::string& name) {
+  using namespace com::velanto::connectivity::tools;
+  static ReplayOptions replay;
+  static check::command_t check_plugin;
+  if (name == REPLAY_NAME) return replayTool(replay);
+  if (name == check::PROGRAM_NAME) return checkPluginTool(check_plugin);
+  throw std::invalid_argument("there is no tool '" + name + "'");
+}
+
 std::string make(const std::vector<std::string>& arguments) {
-  using namespace com::velanto::connectivity::tools::manual;
+  using namespace com::velanto::connectivity::tools;
   if (arguments.size() == 4 && arguments[0] == "page") {
-    return manPage(describe(arguments[1]), contentsOf(arguments[2]));
+    return manPage(toolNamed(arguments[1]), contentsOf(arguments[2]));
   }
   if (arguments.size() == 3 && arguments[0] == "completion") {
-    return bashCompletion(describe(arguments[1]));
+    return bashCompletion(toolNamed(arguments[1]));
   }
   throw std::invalid_argument("usage: make-manual page TOOL PROSE FILE | completion TOOL FILE");
 }

@@ -4,7 +4,7 @@
 #include <map>
 #include <stdexcept>
 
-namespace com::velanto::connectivity::tools::manual {
+namespace com::velanto::connectivity::tools {
 
 namespace {
 
@@ -24,9 +24,9 @@ std::string choicesText(const std::string& choices) {
 }
 
 // What is to be replaced, "FILE", stands in italics.
-std::string headOf(const option_t& option) {
+std::string headOf(const option_row_t& option) {
   std::string name = bold(option.name);
-  const std::string& argument = option.argument;
+  const std::string argument = option.argument;
   if (argument.empty()) return name;
   if (argument.starts_with("[=")) {
     return name + "[=" + choicesText(argument.substr(2, argument.size() - 3)) + "]";
@@ -35,28 +35,28 @@ std::string headOf(const option_t& option) {
   return name + " " + (is_choice ? choicesText(argument) : italic(argument));
 }
 
-std::string tableOfExamples(const program_t& program) {
+std::string tableOfExamples(const tool_t& tool) {
   std::string text;
-  for (const example_t& example : program.examples) {
+  for (const example_row_t& example : tool.examples) {
     text += ".PP\n" + roff(example.purpose) + "\n.EX\n" + bold(example.command) + "\n.EE\n";
   }
   return text;
 }
 
-std::string tableOfOptions(const program_t& program) {
+std::string tableOfOptions(const tool_t& tool) {
   std::string text;
-  for (const group_t& group : program.groups) {
+  for (const option_group_t& group : tool.groups) {
     text += ".SS " + roff(group.title) + "\n";
-    for (const option_t& option : group.options) {
+    for (const option_row_t& option : group.rows) {
       text += ".TP\n" + headOf(option) + "\n" + roff(option.help) + "\n";
     }
   }
   return text;
 }
 
-std::string tableOfStatuses(const program_t& program) {
+std::string tableOfStatuses(const tool_t& tool) {
   std::string text;
-  for (const exit_status_t& row : program.statuses) {
+  for (const status_row_t& row : tool.statuses) {
     text += ".TP\n" + bold(std::to_string(row.status)) + "\n" + roff(row.meaning) + "\n";
   }
   return text;
@@ -98,16 +98,17 @@ std::string roff(const std::string& text) {
   return result.starts_with('.') ? "\\&" + result : result;
 }
 
-std::string manPage(const program_t& program, const std::string& prose) {
+std::string manPage(const tool_t& tool, const std::string& prose) {
   const std::map<std::string, std::string> tables = {
-      {"@EXAMPLES@\n", tableOfExamples(program)},
-      {"@OPTIONS@\n", tableOfOptions(program)},
-      {"@EXIT_STATUS@\n", tableOfStatuses(program)},
+      {"@EXAMPLES@\n", tableOfExamples(tool)},
+      {"@OPTIONS@\n", tableOfOptions(tool)},
+      {"@EXIT_STATUS@\n", tableOfStatuses(tool)},
   };
   std::string page = prose;
   for (const auto& [name, table] : tables) {
     if (page.find("\n" + name) == std::string::npos) {
-      throw std::invalid_argument("the prose of " + program.name + " has no line " + name);
+      throw std::invalid_argument(std::string("the prose of ") + tool.name + " has no line " +
+                                  name);
     }
     replaceAll(page, name, table);
   }
@@ -115,9 +116,10 @@ std::string manPage(const program_t& program, const std::string& prose) {
   replaceAll(page, "@LIB@", roff(VLT_LIBRARY_FOLDER));
   const std::string unknown = placeholderIn(page);
   if (!unknown.empty()) {
-    throw std::invalid_argument("the prose of " + program.name + " names an unknown " + unknown);
+    throw std::invalid_argument(std::string("the prose of ") + tool.name + " names an unknown " +
+                                unknown);
   }
   return page;
 }
 
-} // namespace com::velanto::connectivity::tools::manual
+} // namespace com::velanto::connectivity::tools

@@ -4,19 +4,19 @@
 
 #include <string>
 
-#include "tools/options/program.hpp"
+#include "tools/options/options.hpp"
 
-namespace com::velanto::connectivity::tools::manual {
+namespace com::velanto::connectivity::tools {
 
 // Fills the prose. A line "@EXAMPLES@", "@OPTIONS@" or "@EXIT_STATUS@" becomes that table. Wherever
 // they stand, "@VERSION@" becomes the version, and "@LIB@" the folder of the libraries below the
 // prefix. Throws std::invalid_argument for any other name between two @, and when one of the tables
 // is missing.
-[[nodiscard]] std::string manPage(const program_t& program, const std::string& prose);
+[[nodiscard]] std::string manPage(const tool_t& tool, const std::string& prose);
 
 // `text` as roff shows it: dashes that can be pasted into a shell, nothing taken for a command.
 [[nodiscard]] std::string roff(const std::string& text);
 
-} // namespace com::velanto::connectivity::tools::manual
+} // namespace com::velanto::connectivity::tools
 
 #endif

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "tools/options/exit_status.hpp"
+
 namespace com::velanto::connectivity::tools {
 
 namespace {
@@ -19,88 +21,100 @@ constexpr std::array EXAMPLES = {
                   "Will the next build of the plug-in change anything?"},
 };
 
-using options_t = ReplayOptions;
+constexpr const char* INTRODUCTION =
+    "\n"
+    "Sends recorded messages through the plug-in and prints what reaches the host.\n"
+    "Both are lines of JSON:\n"
+    "\n"
+    "  {\"metadata\": {\"pulsarPath\": \"t1/sub/events/7\"}, \"payload\": {...}}\n"
+    "\n"
+    "Usage: ostrovia-replay [OPTIONS] [FILES...]\n"
+    "\n"
+    "Without FILES, or for -, standard input is read.\n";
 
-option_group_t pluginOptions() {
-  return {"The plug-in and its configuration",
-          {{"--plugin", "PATH", "plug-in library; default: the one that came with this program",
-            &options_t::plugin_path},
-           {"--config", "FILE",
-            "configuration of the codec as YAML; the options below replace single keys of it",
-            &options_t::config},
-           {"--check-config", "",
-            "create the codec with --config as a host would and say what is wrong or doubtful",
-            &options_t::check_config},
-           {"--tenant-id", "TEXT", "tenant in every event; default: none", &options_t::tenant_id},
-           {"--channel-prefix", "TEXT", "prefix of the channel of all events but measurements",
-            &options_t::channel_prefix},
-           {"--measurement-channel", "TEXT", "channel of measurements",
-            &options_t::measurement_channel}}};
+option_group_t pluginOptions(ReplayOptions& options) {
+  return {
+      "The plug-in and its configuration",
+      {{"--plugin", "PATH", "plug-in library; default: the one that came with this program",
+        &options.plugin_path},
+       {"--config", "FILE",
+        "configuration of the codec as YAML; the options below replace single keys of it",
+        &options.config},
+       {"--check-config", "",
+        "create the codec with --config as a host would and say what is wrong or doubtful",
+        &options.check_config},
+       {"--tenant-id", "TEXT", "tenant in every event; default: none", &options.tenant_id},
+       {"--channel-prefix", "TEXT", "prefix of the channel of all events but measurements",
+        &options.channel_prefix},
+       {"--measurement-channel", "TEXT", "channel of measurements", &options.measurement_channel}}};
 }
 
-option_group_t runOptions() {
+option_group_t runOptions(ReplayOptions& options) {
   return {
       "The run",
       {{"--batch-size", "COUNT",
         "messages that the plug-in gets in one call; default: 1, so that what is logged belongs "
         "to its message",
-        &options_t::batch_size},
-       {"--repeat", "COUNT", "read all input so many times; default: 1", &options_t::repeat},
+        &options.batch_size},
+       {"--repeat", "COUNT", "read all input so many times; default: 1", &options.repeat},
        {"--threads", "COUNT",
         "chains, each with a codec and a thread of its own; what is written stays in the order of "
         "the input; default: 1",
-        &options_t::threads},
+        &options.threads},
        {"--direction", "host|transport", "side that messages are sent to; default: host",
-        &options_t::direction},
+        &options.direction},
        {"--log-level", "LEVEL",
         "log shown on standard error: 2 failures of the plug-in, 3 also dropped messages, 6 also "
         "every message; default: 3",
-        &options_t::log_level},
-       {"--strict", "", "exit with status 1 when a message was dropped", &options_t::strict}}};
+        &options.log_level},
+       {"--strict", "", "exit with status 1 when a message was dropped", &options.strict}}};
 }
 
-option_group_t outputOptions() {
+option_group_t outputOptions(ReplayOptions& options) {
   return {
       "What is shown and written",
       {{"--summary", "[=text|json]",
         "at the end, on standard error: kinds and what became of them, reasons of drops, "
         "channels, times",
-        &options_t::summary},
+        &options.summary},
        {"--explain", "[=text|json]",
-        "instead of the events: what became of every field, message by message",
-        &options_t::explain},
+        "instead of the events: what became of every field, message by message", &options.explain},
        {"--dropped", "FILE",
         "write the messages that did not reach the host to FILE, as lines that can be corrected "
         "and read again",
-        &options_t::dropped},
+        &options.dropped},
        {"--quiet", "",
         "neither progress nor the closing line, and --log-level 2 unless another is given",
-        &options_t::quiet}}};
+        &options.quiet}}};
 }
 
-option_group_t comparingOptions() {
+option_group_t comparingOptions(ReplayOptions& options) {
   return {"Comparing runs",
           {{"--record", "FILE", "write all that came of each message to FILE, a golden file",
-            &options_t::record},
+            &options.record},
            {"--expect", "FILE", "compare the run with a golden file and show the differences",
-            &options_t::expect},
+            &options.expect},
            {"--against", "PATH",
             "run another build of the plug-in beside this one and show the differences",
-            &options_t::against},
+            &options.against},
            {"--suite", "FOLDER", "run every NAME.ndjson in FOLDER against its NAME.golden",
-            &options_t::suite},
-           {"--update", "", "with --suite: make the golden files anew instead", &options_t::update},
-           {"--junit", "FILE", "with --suite: write a report as JUnit does", &options_t::junit}}};
+            &options.suite},
+           {"--update", "", "with --suite: make the golden files anew instead", &options.update},
+           {"--junit", "FILE", "with --suite: write a report as JUnit does", &options.junit}}};
 }
 
 } // namespace
 
-const std::vector<option_group_t>& optionTable() {
-  static const std::vector<option_group_t> TABLE = {pluginOptions(), runOptions(), outputOptions(),
-                                                    comparingOptions()};
-  return TABLE;
+tool_t replayTool(ReplayOptions& options) {
+  return {REPLAY_NAME,
+          EXAMPLES,
+          INTRODUCTION,
+          "FILES",
+          &options.paths,
+          {pluginOptions(options), runOptions(options), outputOptions(options),
+           comparingOptions(options), ABOUT_THE_TOOL},
+          "Exit status, the largest that applies",
+          EXIT_STATUSES};
 }
-
-std::span<const example_row_t> exampleTable() noexcept { return EXAMPLES; }
 
 } // namespace com::velanto::connectivity::tools

@@ -1,16 +1,14 @@
-// What can be asked of ostrovia-replay, and the one table of its options: the command line, its
-// help and whatever else lists the options is made from it.
+// What can be asked of ostrovia-replay.
 #ifndef VLT_TOOLS_OPTIONS_REPLAY_OPTIONS_HPP
 #define VLT_TOOLS_OPTIONS_REPLAY_OPTIONS_HPP
 
 #include <cstddef>
 #include <optional>
-#include <span>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "host/types.h"
+#include "tools/options/options.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -55,35 +53,8 @@ struct ReplayOptions {
                                                                      : DEFAULT_LOG_LEVEL);
 }
 
-// What an option sets.
-using target_t =
-    std::variant<bool ReplayOptions::*, std::string ReplayOptions::*,
-                 std::optional<std::string> ReplayOptions::*, std::size_t ReplayOptions::*,
-                 std::optional<vlt_log_level_t> ReplayOptions::*>;
-
-struct option_row_t {
-  const char* name; // with its dashes
-  // As help shows it; "a|b|…" are the only ones allowed; empty: none is taken. "[=a|b]" may be left
-  // out, which is the same as the first.
-  const char* argument;
-  const char* help;
-  target_t target;
-};
-
-struct option_group_t {
-  const char* title;
-  std::vector<option_row_t> rows;
-};
-
-[[nodiscard]] const std::vector<option_group_t>& optionTable();
-
-struct example_row_t {
-  const char* command; // as typed into a shell
-  const char* purpose;
-};
-
-// What --help begins with.
-[[nodiscard]] std::span<const example_row_t> exampleTable() noexcept;
+// The tool, whose options set `options`.
+[[nodiscard]] tool_t replayTool(ReplayOptions& options);
 
 } // namespace com::velanto::connectivity::tools
 

@@ -17,6 +17,7 @@
 
 #include "ndjson/json_reader.hpp"
 #include "tools/host/log_capture.hpp"
+#include "tools/options/exit_status.hpp"
 #include "tools/record/kind.hpp"
 #include "value/message.hpp"
 
@@ -65,6 +66,8 @@ class Consumer {
   virtual void takeBatch(std::size_t /*messages*/, std::chrono::nanoseconds /*time*/) {}
   // The next record may be long in coming: whatever is held back should be written now.
   virtual void pause() {}
+  // The plug-in has ended. Returns what this makes of the exit status of the run.
+  virtual exit_status_t finish() { return EXIT_FINE; }
 };
 
 } // namespace com::velanto::connectivity::tools

@@ -1,9 +1,17 @@
 #include "tools/replay/consumers.hpp"
 
+#include <algorithm>
+
 namespace com::velanto::connectivity::tools {
 
-Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics)
-    : events_(events), diagnostics_(diagnostics, shownLogLevel(options)) {
+Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics,
+                     bool colour)
+    : options_(options),
+      events_out_(events),
+      diagnostics_out_(diagnostics),
+      colour_(colour),
+      events_(events),
+      diagnostics_(diagnostics, shownLogLevel(options)) {
   all_ = {&figures_};
   if (!options.explain) all_.push_back(&events_);
   // What is malformed is part of a case, and its golden file tells of it.
@@ -12,6 +20,33 @@ Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::os
   if (options.dropped) all_.push_back(&dead_letters_.emplace(*options.dropped));
   if (options.record) all_.push_back(&golden_.emplace(*options.record));
   if (options.expect) all_.push_back(&expectation_.emplace(*options.expect, diagnostics));
+}
+
+void Consumers::addPlugins(const PluginLibrary& library, const data_t& configuration,
+                           Direction direction) {
+  if (options_.against) {
+    add(other_build_.emplace(*options_.against, configuration, direction, diagnostics_out_));
+  }
+  if (options_.explain) {
+    const ExplanationForm text = colour_ ? ExplanationForm::coloured_text : ExplanationForm::text;
+    add(explainer_.emplace(library, configuration, direction,
+                           *options_.explain == "json" ? ExplanationForm::json : text,
+                           events_out_));
+  }
+}
+
+exit_status_t Consumers::finish() {
+  exit_status_t worst = EXIT_FINE;
+  for (auto consumer = all_.rbegin(); consumer != all_.rend(); ++consumer) {
+    worst = std::max(worst, (*consumer)->finish());
+  }
+  return worst;
+}
+
+std::string Consumers::summaryOf(const run_figures_t& run) const {
+  if (!summary_) return "";
+  if (*options_.summary == "json") return summaryJson(*summary_, run);
+  return (explainer_ ? explainer_->groups().text() : "") + summaryText(*summary_, run);
 }
 
 } // namespace com::velanto::connectivity::tools

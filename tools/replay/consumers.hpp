@@ -7,8 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "tools/explain/explainer.hpp"
 #include "tools/options/replay_options.hpp"
 #include "tools/replay/comparing/expectation.hpp"
+#include "tools/replay/comparing/other_build.hpp"
 #include "tools/replay/summary/figures.hpp"
 #include "tools/replay/summary/summary.hpp"
 #include "tools/replay/writing/dead_letters.hpp"
@@ -20,8 +22,14 @@ namespace com::velanto::connectivity::tools {
 
 class Consumers final : public Consumer {
  public:
-  // The streams must outlive it. Throws ReplayError with EXIT_IO when a file cannot be made.
-  Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics);
+  // The options and streams must outlive it; explanations may be in colours. Throws ReplayError with
+  // EXIT_IO when a file cannot be made.
+  Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics,
+            bool colour);
+
+  // Adds the consumers that have a plug-in of their own; `library` must outlive this. Throws
+  // PluginError.
+  void addPlugins(const PluginLibrary& library, const data_t& configuration, Direction direction);
 
   void take(const record_t& record) override {
     for (Consumer* consumer : all_) consumer->take(record);
@@ -35,21 +43,33 @@ class Consumers final : public Consumer {
   void pause() override {
     for (Consumer* consumer : all_) consumer->pause();
   }
+  // The last one first; the worst status of all.
+  exit_status_t finish() override;
 
   // One more, which must stay until the last record or its removal.
   void add(Consumer& consumer) { all_.push_back(&consumer); }
   void remove(Consumer& consumer) { std::erase(all_, &consumer); }
 
-  // Nobody reads the events any more.
-  [[nodiscard]] bool closed() const noexcept { return events_.closed(); }
-  [[nodiscard]] Figures& figures() noexcept { return figures_; }
-  // Null when none is asked for.
-  [[nodiscard]] const Summary* summary() const noexcept { return summary_ ? &*summary_ : nullptr; }
-  [[nodiscard]] Expectation* expectation() noexcept {
-    return expectation_ ? &*expectation_ : nullptr;
+  // Nobody reads what is written any more.
+  [[nodiscard]] bool closed() const noexcept {
+    return events_.closed() || (explainer_ && explainer_->closed());
   }
+  [[nodiscard]] Figures& figures() noexcept { return figures_; }
+  // Time during which the run's plug-in was at rest, and blocks that another one kept for good.
+  [[nodiscard]] std::chrono::nanoseconds pauses() const noexcept {
+    return explainer_ ? explainer_->time() : std::chrono::nanoseconds{};
+  }
+  [[nodiscard]] std::int64_t lostBlocks() const noexcept {
+    return explainer_ ? explainer_->lostBlocks() : 0;
+  }
+  // The summary that was asked for.
+  [[nodiscard]] std::string summaryOf(const run_figures_t& run) const;
 
  private:
+  const ReplayOptions& options_;
+  std::ostream& events_out_;
+  std::ostream& diagnostics_out_;
+  bool colour_;
   Figures figures_;
   EventWriter events_;
   Diagnostics diagnostics_;
@@ -57,6 +77,8 @@ class Consumers final : public Consumer {
   std::optional<DeadLetters> dead_letters_;
   std::optional<GoldenWriter> golden_;
   std::optional<Expectation> expectation_;
+  std::optional<OtherBuild> other_build_;
+  std::optional<Explainer> explainer_;
   std::vector<Consumer*> all_;
 };
 

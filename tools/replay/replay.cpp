@@ -7,10 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "tools/explain/explainer.hpp"
 #include "tools/host/host_library.hpp"
 #include "tools/host/log_capture.hpp"
-#include "tools/replay/comparing/other_build.hpp"
 #include "tools/replay/consumers.hpp"
 #include "tools/replay/input/interruption.hpp"
 #include "tools/replay/running/chain_pool.hpp"
@@ -29,13 +27,11 @@ class Replay {
   Replay(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics,
          Terminal* terminal, bool colour)
       : options_(options),
-        colour_(colour),
         terminal_(options.quiet ? nullptr : terminal),
         direction_(options.direction == "transport" ? Direction::towardsTransport
                                                     : Direction::towardsHost),
-        events_(events),
         diagnostics_(diagnostics),
-        consumers_(options, events, diagnostics),
+        consumers_(options, events, diagnostics, colour),
         figures_(consumers_.figures()) {}
 
   int run(const std::vector<input_t>& inputs);
@@ -43,27 +39,23 @@ class Replay {
  private:
   void setLevel();
   void drive(const std::vector<input_t>& inputs);
-  [[nodiscard]] ExplanationForm explanationForm() const;
-  void replayAll(const std::vector<input_t>& inputs, ChainPool& pool, const Explainer* explainer);
+  void replayAll(const std::vector<input_t>& inputs, ChainPool& pool);
   void reportIncidents(incidents_t& incidents);
   void shutDown(ChainPool& pool);
   void report(const std::string& text) { diagnostics_ << REPLAY_NAME << ": " + text + "\n"; }
   void worsen(exit_status_t status) { status_ = std::max(status_, status); }
-  void reportDifferences(const Comparer& comparer, const std::string& from);
   void judge(std::optional<std::int64_t> blocks);
   void writeFigures(std::optional<std::int64_t> blocks);
 
   const ReplayOptions& options_;
-  bool colour_;
   Terminal* terminal_; // null: there is no progress to be shown
   Direction direction_;
-  std::ostream& events_;
   std::ostream& diagnostics_;
+  const LogCapture capture_;
+  std::optional<PluginLibrary> library_; // while the plug-in lives
   Consumers consumers_;
   Figures& figures_;
   bool law_broken_ = false;
-  std::int64_t lost_blocks_ = 0; // by the plug-in that explains
-  std::string alike_;            // which messages it explained alike
   std::chrono::nanoseconds elapsed_{};
   exit_status_t status_ = EXIT_FINE;
 };
@@ -74,8 +66,9 @@ int Replay::run(const std::vector<input_t>& inputs) {
   // back only when it is unloaded.
   const std::optional<std::int64_t> before = liveBlocks();
   drive(inputs);
+  library_.reset();
   std::optional<std::int64_t> blocks = liveBlocks();
-  if (blocks) *blocks -= before.value_or(0) + lost_blocks_;
+  if (blocks) *blocks -= before.value_or(0) + consumers_.lostBlocks();
   judge(blocks);
   writeFigures(blocks);
   return status_;
@@ -91,23 +84,13 @@ void Replay::setLevel() {
 
 // The plug-in's whole life. An error ends it without the rest of the input and without shutdown.
 void Replay::drive(const std::vector<input_t>& inputs) {
-  const LogCapture capture;
-  const PluginLibrary library(options_.plugin_path);
-  std::optional<OtherBuild> against;
-  if (options_.against) {
-    consumers_.add(
-        against.emplace(*options_.against, configurationOf(options_), direction_, diagnostics_));
-  }
-  std::optional<Explainer> explainer;
-  if (options_.explain) {
-    consumers_.add(explainer.emplace(library, configurationOf(options_), direction_,
-                                     explanationForm(), events_));
-  }
+  library_.emplace(options_.plugin_path);
+  const data_t configuration = configurationOf(options_);
+  consumers_.addPlugins(*library_, configuration, direction_);
   std::vector<log_line_t> log;
   std::optional<ChainPool> pool;
   try {
-    pool.emplace(library, configurationOf(options_), direction_,
-                 worker_options_t{options_.batch_size, true},
+    pool.emplace(*library_, configuration, direction_, worker_options_t{options_.batch_size, true},
                  pool_options_t{options_.threads, options_.explain.has_value()}, log);
   } catch (const PluginError&) {
     consumers_.takeLog(log); // it says why
@@ -116,48 +99,27 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   consumers_.takeLog(log);
   const stopwatch_t::time_point start = stopwatch_t::now();
   try {
-    replayAll(inputs, *pool, explainer ? &*explainer : nullptr);
+    replayAll(inputs, *pool);
   } catch (...) {
     consumers_.pause(); // what has come out until now counts, whatever stops the run
     throw;
   }
   consumers_.pause();
-  elapsed_ = stopwatch_t::now() - start;
-  if (explainer) elapsed_ -= explainer->time(); // the chains were at rest meanwhile
+  elapsed_ = stopwatch_t::now() - start - consumers_.pauses();
   shutDown(*pool);
-  if (explainer) {
-    explainer->finish();
-    lost_blocks_ = explainer->lostBlocks();
-    alike_ = explainer->groups().text();
-  }
-  if (against) {
-    against->finish();
-    reportDifferences(against->comparer(), *options_.against);
-  }
-  if (Expectation* const expectation = consumers_.expectation(); expectation != nullptr) {
-    expectation->finish();
-    reportDifferences(expectation->comparer(), *options_.expect);
-  }
+  worsen(consumers_.finish());
   consumers_.pause();
 }
 
-ExplanationForm Replay::explanationForm() const {
-  if (*options_.explain == "json") return ExplanationForm::json;
-  return colour_ ? ExplanationForm::coloured_text : ExplanationForm::text;
-}
-
-void Replay::replayAll(const std::vector<input_t>& inputs, ChainPool& pool,
-                       const Explainer* explainer) {
+void Replay::replayAll(const std::vector<input_t>& inputs, ChainPool& pool) {
   LineReader reader(inputs, options_.repeat);
   std::optional<Progress> progress;
   if (terminal_ != nullptr) {
     consumers_.add(progress.emplace(*terminal_, [&reader] { return reader.fractionRead(); }));
   }
-  pool.run(reader,
-           {[this](const record_t& record) { consumers_.take(record); },
-            [this](incidents_t& incidents) { reportIncidents(incidents); },
-            [&] { return consumers_.closed() || (explainer != nullptr && explainer->closed()); },
-            [this] { consumers_.pause(); }});
+  pool.run(reader, {[this](const record_t& record) { consumers_.take(record); },
+                    [this](incidents_t& incidents) { reportIncidents(incidents); },
+                    [this] { return consumers_.closed(); }, [this] { consumers_.pause(); }});
   if (isInterrupted()) worsen(EXIT_INTERRUPTED);
   if (progress) consumers_.remove(*progress);
 }
@@ -190,17 +152,6 @@ void Replay::shutDown(ChainPool& pool) {
   }
 }
 
-void Replay::reportDifferences(const Comparer& comparer, const std::string& from) {
-  if (comparer.different() == 0) return;
-  std::string text = std::to_string(comparer.different()) + " of " +
-                     std::to_string(comparer.compared()) + " messages differ from " + from;
-  if (comparer.different() > Comparer::SHOWN) {
-    text += ", the first " + std::to_string(Comparer::SHOWN) + " are shown";
-  }
-  report(text);
-  worsen(EXIT_DIFFERENT);
-}
-
 void Replay::judge(std::optional<std::int64_t> blocks) {
   const std::string broken = figures_.brokenLaw();
   if (!broken.empty()) report(broken);
@@ -210,14 +161,8 @@ void Replay::judge(std::optional<std::int64_t> blocks) {
 }
 
 void Replay::writeFigures(std::optional<std::int64_t> blocks) {
-  if (const Summary* const summary = consumers_.summary(); summary != nullptr) {
-    const run_figures_t run = {figures_.read(), figures_.out(), elapsed_, blocks};
-    if (*options_.summary == "json") {
-      diagnostics_ << summaryJson(*summary, run);
-      return; // it has all that the line below says
-    }
-    diagnostics_ << alike_ << summaryText(*summary, run);
-  }
+  diagnostics_ << consumers_.summaryOf({figures_.read(), figures_.out(), elapsed_, blocks});
+  if (options_.summary == "json") return; // it has all that the line below says
   if (options_.quiet) return;
   std::array<char, 400> digits{}; // room for any double
   const std::to_chars_result end = std::to_chars(

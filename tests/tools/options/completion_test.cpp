@@ -7,6 +7,8 @@
 
 #include "tests/support/values.hpp"
 #include "tests/tools/options/command_output.hpp"
+#include "tools/options/check_plugin_options.hpp"
+#include "tools/options/replay_options.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -15,9 +17,8 @@ namespace {
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
-using tools::manual::bashCompletion;
-using tools::manual::describe;
-using tools::manual::program_t;
+using tools::bashCompletion;
+using tools::tool_t;
 using words_t = std::vector<std::string>;
 
 const std::string FILES = "compopt -o default"; // bash completes names of files
@@ -43,12 +44,15 @@ words_t offered(const words_t& words) {
 } // namespace
 
 TEST(CompletionTest, EveryOptionIsOffered) {
-  for (const std::string tool : {"ostrovia-replay", "ostrovia-check-plugin"}) {
+  tools::ReplayOptions replay;
+  tools::check::command_t check_plugin;
+  for (const tool_t& tool :
+       {tools::replayTool(replay), tools::check::checkPluginTool(check_plugin)}) {
     words_t names;
-    for (const auto& group : describe(tool).groups) {
-      for (const auto& option : group.options) names.push_back(option.name);
+    for (const auto& group : tool.groups) {
+      for (const auto& option : group.rows) names.emplace_back(option.name);
     }
-    EXPECT_THAT(offered({tool, "-"}), ElementsAreArray(names)) << tool;
+    EXPECT_THAT(offered({tool.name, "-"}), ElementsAreArray(names)) << tool.name;
   }
 }
 
@@ -89,8 +93,9 @@ TEST(CompletionTest, BashKnowsItUnderTheToolsName) {
 }
 
 TEST(CompletionTest, ArgumentOfAnUnknownSortIsRefused) {
-  const program_t program{"tool", {}, {{"Options", {{"--odd", "ODDITY", "odd"}}}}, {}};
-  EXPECT_EQ(error_of([&] { static_cast<void>(bashCompletion(program)); }),
+  const tool_t tool{"tool", {}, "", "", {}, {{"Options", {{"--odd", "ODDITY", "odd", {}}}}},
+                    "",     {}};
+  EXPECT_EQ(error_of([&] { static_cast<void>(bashCompletion(tool)); }),
             "it is not known what completes the ODDITY of --odd");
 }
 

@@ -4,9 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 
 #include "tests/support/values.hpp"
 #include "tests/tools/options/command_output.hpp"
+#include "tools/options/check_plugin_options.hpp"
+#include "tools/options/replay_options.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -14,22 +17,27 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using tools::manual::describe;
-using tools::manual::manPage;
-using tools::manual::program_t;
+using tools::manPage;
+using tools::tool_t;
 
-const program_t PROGRAM{"tool",
-                        {{"tool -x 'a'", "Why?"}},
-                        {{"Group",
-                          {{"--flag", "", "a flag"},
-                           {"--way", "in|out", "way"},
-                           {"--to", "FILE", "to"},
-                           {"--sum", "[=a|b]", "sum"},
-                           {"--why", "[=json]", "why"}}}},
-                        {{0, "fine"}}};
+constexpr std::array EXAMPLES = {tools::example_row_t{"tool -x 'a'", "Why?"}};
+constexpr std::array STATUSES = {tools::status_row_t{0, "fine"}};
+const tool_t TOOL{"tool",
+                  EXAMPLES,
+                  "",
+                  "FILES",
+                  {},
+                  {{"Group",
+                    {{"--flag", "", "a flag", {}},
+                     {"--way", "in|out", "way", {}},
+                     {"--to", "FILE", "to", {}},
+                     {"--sum", "[=a|b]", "sum", {}},
+                     {"--why", "[=json]", "why", {}}}}},
+                  "Exit status",
+                  STATUSES};
 
 std::string errorOf(const std::string& prose) {
-  return error_of([&] { static_cast<void>(manPage(PROGRAM, prose)); });
+  return error_of([&] { static_cast<void>(manPage(TOOL, prose)); });
 }
 
 // A page of this build.
@@ -49,13 +57,13 @@ class BuiltPage : public ::testing::TestWithParam<const char*> {
 } // namespace
 
 TEST(ManPageTest, TextIsShownAsItStands) {
-  EXPECT_EQ(tools::manual::roff("a-b 'c' d\\e"), "a\\-b \\(aqc\\(aq d\\ee");
-  EXPECT_EQ(tools::manual::roff(".golden"), "\\&.golden");
+  EXPECT_EQ(tools::roff("a-b 'c' d\\e"), "a\\-b \\(aqc\\(aq d\\ee");
+  EXPECT_EQ(tools::roff(".golden"), "\\&.golden");
 }
 
 TEST(ManPageTest, TablesTakeTheirPlaces) {
   EXPECT_EQ(
-      manPage(PROGRAM,
+      manPage(TOOL,
               "tool @VERSION@\n@EXAMPLES@\n.SH OPTIONS\n@OPTIONS@\n.SH EXIT\n@EXIT_STATUS@\n"),
       "tool " VLT_VERSION
       "\n"
@@ -123,13 +131,20 @@ TEST_P(BuiltPage, FitsATerminal) {
 
 TEST_P(BuiltPage, ShowsExamplesOptionsAndExitStatuses) {
   const std::string page = shown();
-  const program_t program = describe(GetParam());
-  for (const auto& example : program.examples) EXPECT_THAT(page, HasSubstr(example.command + "\n"));
-  for (const auto& group : program.groups) {
-    for (const auto& option : group.options)
-      EXPECT_THAT(page, HasSubstr("\n       " + option.name));
+  tools::ReplayOptions replay;
+  tools::check::command_t check_plugin;
+  const tool_t tool = GetParam() == std::string(tools::REPLAY_NAME)
+                          ? tools::replayTool(replay)
+                          : tools::check::checkPluginTool(check_plugin);
+  for (const auto& example : tool.examples) {
+    EXPECT_THAT(page, HasSubstr(std::string(example.command) + "\n"));
   }
-  for (const auto& row : program.statuses) {
+  for (const auto& group : tool.groups) {
+    for (const auto& option : group.rows) {
+      EXPECT_THAT(page, HasSubstr(std::string("\n       ") + option.name));
+    }
+  }
+  for (const auto& row : tool.statuses) {
     EXPECT_THAT(page, HasSubstr("\n       " + std::to_string(row.status) + " "));
   }
 }

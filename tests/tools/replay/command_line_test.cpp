@@ -44,11 +44,13 @@ class CommandLineTest : public HostFixture {
 TEST_F(CommandLineTest, HelpBeginsWithTheExamplesAndNamesEveryOption) {
   EXPECT_EQ(run({"--help"}), 0);
   std::string examples = "Examples:\n";
-  for (const tools::example_row_t& row : tools::exampleTable()) {
+  tools::ReplayOptions options;
+  const tools::tool_t tool = tools::replayTool(options);
+  for (const tools::example_row_t& row : tool.examples) {
     examples += std::string("  # ") + row.purpose + "\n  " + row.command + "\n";
   }
   EXPECT_EQ(out().rfind(examples + "\n", 0), 0u);
-  for (const tools::option_group_t& group : tools::optionTable()) {
+  for (const tools::option_group_t& group : tool.groups) {
     EXPECT_NE(out().find(std::string("\n") + group.title + ":\n"), std::string::npos);
     for (const tools::option_row_t& row : group.rows) {
       EXPECT_NE(out().find(std::string("\n  ") + row.name), std::string::npos) << row.name;

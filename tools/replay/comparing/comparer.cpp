@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "tools/options/replay_options.hpp"
 #include "tools/record/columns.hpp"
 #include "tools/replay/comparing/difference.hpp"
 #include "tools/replay/writing/golden.hpp"
@@ -26,6 +27,15 @@ void Comparer::compare(const side_t& before, const side_t& after) {
   if (!before.line) text.append("+ ").append(cutBehind(*after.line, 77)).append("\n");
   if (!after.line) text.append("- ").append(cutBehind(*before.line, 77)).append("\n");
   out_ << text + fields;
+}
+
+exit_status_t Comparer::report() const {
+  if (different_ == 0) return EXIT_FINE;
+  std::string text = std::to_string(different_) + " of " + std::to_string(compared_) +
+                     " messages differ from " + from_;
+  if (different_ > SHOWN) text += ", the first " + std::to_string(SHOWN) + " are shown";
+  out_ << REPLAY_NAME << ": " << text + "\n";
+  return EXIT_DIFFERENT;
 }
 
 // The differing fields as text; empty when there are none.

@@ -6,8 +6,10 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 
 #include "ndjson/json_reader.hpp"
+#include "tools/options/exit_status.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -23,18 +25,20 @@ class Comparer {
   // Differences of so many messages are shown, the rest is only counted.
   static constexpr std::uint64_t SHOWN = 50;
 
-  explicit Comparer(std::ostream& out) noexcept : out_(out) {}
+  // `from` is what the lines before come from: the name of a file.
+  Comparer(std::ostream& out, std::string from) : out_(out), from_(std::move(from)) {}
 
   // At least one side has a line.
   void compare(const side_t& before, const side_t& after);
 
-  [[nodiscard]] std::uint64_t compared() const noexcept { return compared_; }
-  [[nodiscard]] std::uint64_t different() const noexcept { return different_; }
+  // Says how many pairs differ, if any do; the status is then EXIT_DIFFERENT.
+  [[nodiscard]] exit_status_t report() const;
 
  private:
   [[nodiscard]] std::string fieldsOf(const std::string& before, const std::string& after);
 
   std::ostream& out_;
+  std::string from_;
   JsonReader reader_;
   std::uint64_t compared_ = 0;
   std::uint64_t different_ = 0;

@@ -9,7 +9,7 @@
 namespace com::velanto::connectivity::tools {
 
 Expectation::Expectation(const std::string& path, std::ostream& diagnostics)
-    : path_(path), file_(path, std::ios::binary), comparer_(diagnostics) {
+    : path_(path), file_(path, std::ios::binary), comparer_(diagnostics, path) {
   if (!file_) throw ReplayError(EXIT_IO, path + ": " + std::generic_category().message(errno));
 }
 
@@ -28,8 +28,9 @@ void Expectation::takeLog(std::span<const log_line_t> lines) {
   comparer_.compare(nextExpected(), {"the log without a message", goldenLineOf(lines)});
 }
 
-void Expectation::finish() {
+exit_status_t Expectation::finish() {
   for (side_t side = nextExpected(); side.line; side = nextExpected()) comparer_.compare(side, {});
+  return comparer_.report();
 }
 
 } // namespace com::velanto::connectivity::tools

@@ -21,9 +21,7 @@ class Expectation final : public Consumer {
   void takeLog(std::span<const log_line_t> lines) override;
 
   // The run is over: what the file has beyond it is missing.
-  void finish();
-
-  [[nodiscard]] const Comparer& comparer() const noexcept { return comparer_; }
+  exit_status_t finish() override;
 
  private:
   [[nodiscard]] side_t nextExpected();

@@ -6,31 +6,34 @@ namespace com::velanto::connectivity::tools {
 
 OtherBuild::OtherBuild(const std::string& path, const data_t& configuration, Direction direction,
                        std::ostream& diagnostics)
-    : library_(path),
-      worker_(library_, configuration, direction, {1, true}, log_),
-      comparer_(diagnostics) {}
+    : comparer_(diagnostics, path) {
+  build_.emplace(path, configuration, direction, log_);
+}
 
 void OtherBuild::take(const record_t& record) {
   compareLogs();
-  record_.number = record.number;
-  record_.file = record.file;
-  record_.line_number = record.line_number;
-  record_.line = record.line;
-  worker_.process({&record_, 1}, [&](const record_t& other) {
+  record_t& same = build_->record;
+  same.number = record.number;
+  same.file = record.file;
+  same.line_number = record.line_number;
+  same.line = record.line;
+  build_->worker.process({&same, 1}, [&](const record_t& other) {
     comparer_.compare({record.place(), goldenLineOf(record)},
                       {record.place() + ", the other build", goldenLineOf(other)});
   });
-  worker_.incidents() = {}; // of batches; what they did to the message is compared
+  build_->worker.incidents() = {}; // of batches; what they did to the message is compared
 }
 
 void OtherBuild::takeLog(std::span<const log_line_t> lines) {
   log_of_first_.insert(log_of_first_.end(), lines.begin(), lines.end());
 }
 
-void OtherBuild::finish() {
-  const call_result_t& last = worker_.shutdown();
+exit_status_t OtherBuild::finish() {
+  const call_result_t& last = build_->worker.shutdown();
   log_.insert(log_.end(), last.log.begin(), last.log.end());
+  build_.reset();
   compareLogs();
+  return comparer_.report();
 }
 
 void OtherBuild::compareLogs() {

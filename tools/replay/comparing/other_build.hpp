@@ -4,6 +4,7 @@
 #ifndef VLT_TOOLS_REPLAY_COMPARING_OTHER_BUILD_HPP
 #define VLT_TOOLS_REPLAY_COMPARING_OTHER_BUILD_HPP
 
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -23,19 +24,26 @@ class OtherBuild final : public Consumer {
   // Of the lines that the first plug-in logs without a message, those of its end belong to finish().
   void takeLog(std::span<const log_line_t> lines) override;
 
-  // Ends the other plug-in, too.
-  void finish();
-
-  [[nodiscard]] const Comparer& comparer() const noexcept { return comparer_; }
+  // Ends the other plug-in, too, and unloads its library.
+  exit_status_t finish() override;
 
  private:
   void compareLogs();
 
-  PluginLibrary library_;
-  std::vector<log_line_t> log_; // of the other plug-in, without a message
+  // All that holds blocks of the host.
+  struct build_t {
+    build_t(const std::string& path, const data_t& configuration, Direction direction,
+            std::vector<log_line_t>& log)
+        : library(path), worker(library, configuration, direction, {1, true}, log) {}
+
+    PluginLibrary library;
+    Worker worker;
+    record_t record;
+  };
+
+  std::vector<log_line_t> log_; // of the other build, without a message
   std::vector<log_line_t> log_of_first_;
-  Worker worker_;
-  record_t record_;
+  std::optional<build_t> build_;
   Comparer comparer_;
 };
 
