@@ -1,6 +1,9 @@
 // The entry points after create: every failure becomes a 1 and one line at the entry point's level.
 #include "plugin/entry_points.hpp"
 
+#include <unistd.h>
+
+#include <csignal>
 #include <functional>
 #include <stdexcept>
 #include <tuple>
@@ -115,6 +118,44 @@ TEST_P(OperationTest, FailureLeavesNoMemoryBehind) {
 TEST_P(OperationTest, NullPluginGivesOneInSilence) {
   EXPECT_EQ(GetParam().call(library_, nullptr), 1);
   EXPECT_EQ(takeLog(), lines_t{});
+}
+
+// All twelve entry points, each in a process of its own that ends with 0 once the call has returned.
+class EntryPointsInAProcess : public FailingLibrary {
+ protected:
+  // Ends the process: with 1 when an exception leaves `call`, which gets a codec whose operation of
+  // that name throws.
+  template <class Call>
+  [[noreturn]] void run(const char* operation, const Call& call) const {
+    const data_t settings = map_of(operation, text("integer"));
+    void* const plugin = create(operation == std::string("create") ? map_t() : settings);
+    int left = 0;
+    try {
+      call(plugin, settings);
+    } catch (...) {
+      left = 1;
+    }
+    _exit(left);
+  }
+};
+
+TEST_F(EntryPointsInAProcess, NoExceptionLeavesAnyOfThem) {
+  const ::testing::ExitedWithCode returned(0);
+  for (const operation_t& row : operations) {
+    EXPECT_EXIT(run(row.name, [&](void* codec, const data_t&) { row.call(library_, codec); }),
+                returned, "");
+  }
+  EXPECT_EXIT(run("create", [&](void*, const data_t& settings) { (void)create(settings); }),
+              returned, "");
+  EXPECT_EXIT(run("none", [&](void*, const data_t&) { library_.apiVersion(); }), returned, "");
+  EXPECT_EXIT(run("none", [&](void*, const data_t&) { library_.productVersion(); }), returned, "");
+  EXPECT_EXIT(run("none", [&](void*, const data_t&) { library_.checkIsCodec(); }), returned, "");
+}
+
+// A destructor that throws is no failure to be reported, in any C++ program.
+TEST_F(EntryPointsInAProcess, ThrowingDestructorEndsTheProcess) {
+  EXPECT_EXIT(run("destroy", [&](void* codec, const data_t&) { library_.destroy(codec); }),
+              ::testing::KilledBySignal(SIGABRT), "");
 }
 
 class EntryPointsTest : public FailingLibrary {};

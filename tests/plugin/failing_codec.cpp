@@ -20,6 +20,10 @@ class FailingCodec final : public FailingOperations {
     }
     FailingCodec::failIn("create");
   }
+  FailingCodec(const FailingCodec&) = delete;
+  FailingCodec& operator=(const FailingCodec&) = delete;
+  // NOLINTNEXTLINE(bugprone-exception-escape): on purpose
+  ~FailingCodec() override { FailingCodec::failIn("destroy"); }
 
  private:
   void failIn(const char* operation) const override {
