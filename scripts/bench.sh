@@ -15,12 +15,10 @@ unpack_boost_json() {
   rm -rf "$part" "$folder"
   mkdir -p "$part"
   note "unpacking libboost1.81-dev into $folder"
-  if ! (cd "$part" && apt-get --quiet=2 download libboost1.81-dev) >&2 2>/dev/null; then
-    local -a as_root=()
-    ((EUID == 0)) || as_root=(sudo)
-    apt_get "${as_root[@]}" -- update
-    (cd "$part" && apt-get --quiet=2 download libboost1.81-dev) >&2
-  fi
+  local -a as_root=()
+  ((EUID == 0)) || as_root=(sudo)
+  apt_get "${as_root[@]}" -- update
+  (cd "$part" && apt_get -- download libboost1.81-dev)
   dpkg-deb --extract "$part"/libboost1.81-dev_*.deb "$part"
   rm "$part"/libboost1.81-dev_*.deb
   mv "$part" "$folder"

@@ -3,7 +3,8 @@
 #
 #   lint_format   clang-format would change nothing
 #   lint_shell    shellcheck is content with every script
-#   lint_layers   includes point down, no cycles, files stay short (and the check itself works)
+#   lint_scripts  the scripts that have tests pass them
+#   lint_layers   includes point down, no cycles, files stay short
 #   lint_tidy     clang-tidy is content with every source
 #
 # The cheap checks come first.
@@ -36,9 +37,13 @@ lint_shell() {
   { project_files '*.sh' && printf '%s\n' dev .ci/run; } | xargs shellcheck --external-sources
 }
 
-lint_layers() {
+lint_scripts() {
   local output
-  output=$(python3 scripts/test_check_layers.py 2>&1) || fail "the layer check is broken:"$'\n'"$output"
+  output=$(python3 -m unittest discover --start-directory scripts --pattern 'test_*.py' 2>&1) ||
+    fail "a script is broken:"$'\n'"$output"
+}
+
+lint_layers() {
   c_and_cpp_files | xargs python3 scripts/check_layers.py
 }
 
@@ -50,7 +55,7 @@ lint_tidy() {
 
 lint() {
   local step
-  for step in format shell layers tidy; do
+  for step in format shell scripts layers tidy; do
     note "lint: $step"
     "lint_$step" >&2
   done

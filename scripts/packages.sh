@@ -14,63 +14,88 @@
 #   bench     ./dev bench; besides, scripts/bench.sh unpacks libboost1.81-dev, which conflicts with
 #             libboost-dev
 #
+# Each package is listed with what the project needs of it: a command (cmake), a C or C++ header
+# (zlib.h), or a file (a pattern that begins with /). A package is installed only when that is
+# missing, so another version of a library, wherever it comes from, will do.
+#
 # Only what is named here is installed: recommended packages are left out, so a name that is missing
 # shows on a fresh machine and not on the machine of whoever forgot it.
 
 declare -A package_groups=(
   [build]="
-    cmake ninja-build
-    gcc-12 g++-12 libc6-dev
-    binutils
-    libboost-dev
-    libcli11-dev libsimdjson-dev rapidjson-dev
-    zlib1g-dev libzstd-dev libyaml-cpp-dev
-    libgtest-dev libgmock-dev
-    man-db
+    cmake=cmake ninja-build=ninja
+    gcc-12=gcc-12 g++-12=g++-12 libc6-dev=stdlib.h
+    binutils=readelf
+    libboost-dev=boost/optional.hpp
+    libcli11-dev=CLI/CLI.hpp libsimdjson-dev=simdjson.h rapidjson-dev=rapidjson/document.h
+    zlib1g-dev=zlib.h libzstd-dev=zstd.h libyaml-cpp-dev=yaml-cpp/yaml.h
+    libgtest-dev=gtest/gtest.h libgmock-dev=gmock/gmock.h
+    man-db=man
   "
-  [clang]="clang-14"
-  [lint]="clang-format-14 clang-tidy-14 git python3 shellcheck"
-  [coverage]="gcovr"
-  [fuzz]="libclang-rt-14-dev llvm-14 python3"
-  [package]="git dpkg-dev file"
-  [root]="debootstrap debian-archive-keyring python3"
-  [bench]="git jq libbenchmark-dev nlohmann-json3-dev valgrind"
+  [clang]="clang-14=clang++-14"
+  [lint]="
+    clang-format-14=clang-format-14 clang-tidy-14=clang-tidy-14
+    git=git python3=python3 shellcheck=shellcheck
+  "
+  [coverage]="gcovr=gcovr"
+  [fuzz]="
+    libclang-rt-14-dev=/usr/lib/llvm-14/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a
+    llvm-14=llvm-symbolizer-14 python3=python3
+  "
+  [package]="git=git dpkg-dev=dpkg-shlibdeps file=file"
+  [root]="
+    debootstrap=debootstrap python3=python3
+    debian-archive-keyring=/usr/share/keyrings/debian-archive-keyring.gpg
+  "
+  [bench]="
+    git=git jq=jq valgrind=valgrind
+    libbenchmark-dev=benchmark/benchmark.h nlohmann-json3-dev=nlohmann/json.hpp
+  "
 )
 
-# missing_packages NAME…: prints the packages that are not installed, one per line.
-missing_packages() {
-  local installed name
-  # dpkg-query fails as soon as one name is unknown to it, which only means that it is missing.
-  installed=$(dpkg-query --show --showformat='${db:Status-Status} ${Package}\n' "$@" \
-    2>/dev/null) || true
-  for name in "$@"; do
-    grep --quiet --line-regexp --fixed-strings "installed $name" <<<"$installed" || echo "$name"
-  done
+# Where compilers look for headers.
+header_folders=(/usr/local/include /usr/include "/usr/include/$(uname -m)-linux-gnu")
+
+# is_present NEED: whether the machine has that command, header or file.
+is_present() {
+  local folder
+  case $1 in
+    /*) compgen -G "$1" >/dev/null ;;
+    *.h | *.hpp)
+      for folder in "${header_folders[@]}"; do
+        [[ ! -e $folder/$1 ]] || return 0
+      done
+      return 1
+      ;;
+    *) command -v "$1" >/dev/null || [[ -x /usr/sbin/$1 ]] ;;
+  esac
 }
 
 # set_up GROUP…: installs what is missing of the groups; silent when nothing is.
 set_up() {
-  local group
-  local -a names=() missing=() as_root=()
+  local group row
+  local -a rows=() missing=() as_root=()
   for group in "$@"; do
-    # shellcheck disable=SC2206 # split at blanks on purpose: a group is a list of names
-    names+=(${package_groups[$group]})
+    read -r -d '' -a rows <<<"${package_groups[$group]}" || true
+    for row in "${rows[@]}"; do
+      is_present "${row#*=}" || missing+=("${row%%=*}")
+    done
   done
-  command -v dpkg-query >/dev/null || fail "this is no Debian system; it needs: ${names[*]}"
-  mapfile -t missing < <(missing_packages "${names[@]}")
   ((${#missing[@]})) || return 0
 
+  command -v apt-get >/dev/null || fail "this is no Debian system; it lacks: ${missing[*]}"
   if ((EUID != 0)); then
     command -v sudo >/dev/null || fail "neither root nor sudo; as root: apt-get install ${missing[*]}"
     as_root=(sudo)
   fi
   note "installing ${missing[*]}"
   apt_get "${as_root[@]}" -- update
-  apt_get "${as_root[@]}" -- install --yes --no-install-recommends "${missing[@]}"
+  apt_get "${as_root[@]}" -- install --yes --no-install-recommends --no-remove "${missing[@]}"
 }
 
-# apt_get [PREFIX…] -- ARGS…: apt-get without questions; what it and dpkg say is shown only when they
-# fail. The variable stands behind the prefix because sudo drops the caller's environment.
+# apt_get [PREFIX…] -- ARGS…: apt-get without questions; what it and dpkg say is shown when they fail.
+# The variable comes after the prefix because sudo drops the caller's environment. With --quiet=2
+# apt-get would not say which packages are in each other's way.
 apt_get() {
   local output
   local -a prefix=()
@@ -79,7 +104,7 @@ apt_get() {
     shift
   done
   shift
-  output=$("${prefix[@]}" env DEBIAN_FRONTEND=noninteractive apt-get --quiet=2 \
+  output=$("${prefix[@]}" env DEBIAN_FRONTEND=noninteractive apt-get --quiet \
     --option Acquire::Retries=3 --option DPkg::Lock::Timeout=120 --option Dpkg::Use-Pty=0 \
     "$@" 2>&1 </dev/null) || fail "apt-get $1 failed:"$'\n'"$output"
 }
