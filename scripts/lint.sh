@@ -5,6 +5,7 @@
 #   lint_shell    shellcheck is content with every script
 #   lint_scripts  the scripts that have tests pass them
 #   lint_layers   includes point down, no cycles, files stay short
+#   lint_calls    no function of the library is there for tests alone
 #   lint_tidy     clang-tidy is content with every source
 #
 # The cheap checks come first.
@@ -43,19 +44,29 @@ lint_scripts() {
     fail "a script is broken:"$'\n'"$output"
 }
 
+# list_sources: compile_commands.json as clang-tidy and lint_calls read it.
+list_sources() {
+  configure lint
+  cmake --build build/lint --target build.ninja >&2 # its list of sources may be an older one
+}
+
 lint_layers() {
   c_and_cpp_files | xargs python3 scripts/check_layers.py
 }
 
+lint_calls() {
+  list_sources
+  python3 scripts/check_unreferenced.py build/lint
+}
+
 lint_tidy() {
-  configure lint
-  cmake --build build/lint --target build.ninja >&2 # its list of sources may be an older one
+  list_sources
   python3 scripts/run_clang_tidy.py build/lint
 }
 
 lint() {
   local step
-  for step in format shell scripts layers tidy; do
+  for step in format shell scripts layers calls tidy; do
     note "lint: $step"
     "lint_$step" >&2
   done

@@ -25,6 +25,7 @@ import shutil
 import subprocess
 import sys
 
+from compile_commands import entries_of, name_of
 from includes import IncludeGraph
 
 CLANG_TIDY = "clang-tidy-14"
@@ -46,7 +47,7 @@ class Batch:
         self.label = label
         self.layer = layer
         self.entries = entries
-        self.names = [name_of(entry) for entry in entries]
+        self.names = [name_of(ROOT, entry) for entry in entries]
 
     def key(self, graph, version):
         """Headers from outside the project are taken to change only together with the tool."""
@@ -62,22 +63,6 @@ class Batch:
         return digest.hexdigest()
 
 
-def entries_of(build):
-    """One compile command for each source: if several targets share it, the first does for all."""
-    entries = {}
-    for entry in json.loads((build / "compile_commands.json").read_text(encoding="utf-8")):
-        path = pathlib.Path(entry["directory"], entry["file"]).resolve()
-        if ROOT in path.parents and build.resolve() not in path.parents:
-            entries.setdefault(path, entry)
-    return list(entries.values())
-
-
-def name_of(entry):
-    """The source's path in the project."""
-    path = pathlib.Path(entry["directory"], entry["file"]).resolve()
-    return path.relative_to(ROOT).as_posix()
-
-
 def target_of(entry):
     """The program or library that a source belongs to, from its object's path."""
     words = shlex.split(entry["command"])
@@ -87,7 +72,7 @@ def target_of(entry):
 def batches_of(entries):
     groups = {}
     for entry in entries:
-        name = name_of(entry)
+        name = name_of(ROOT, entry)
         layer = name.split("/", 1)[0]
         label = f"{layer}/{target_of(entry)}" if name.endswith(".cpp") else name
         groups.setdefault((layer, label), []).append(entry)
@@ -162,7 +147,7 @@ def main():
     graph = IncludeGraph(ROOT)
     version = subprocess.run([CLANG_TIDY, "--version"], text=True, capture_output=True,
                              check=True).stdout
-    entries = entries_of(build)
+    entries = entries_of(ROOT, build)
     if not entries:
         sys.exit(f"run_clang_tidy.py: no source of the project is built in {build}")
     (work / "compile_commands.json").write_text(json.dumps(entries), encoding="utf-8")
