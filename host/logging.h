@@ -1,5 +1,5 @@
 /* The host's log. Levels are numbers, larger meaning more verbose; each category has its own.
- * Neither function throws; both may be called from several threads at once. */
+ * Neither function throws; several threads may call both at once. */
 #ifndef VLT_HOST_LOGGING_H
 #define VLT_HOST_LOGGING_H
 
@@ -13,8 +13,8 @@ extern "C" {
 vlt_log_level_t vlt_get_log_level(const char* category);
 
 /* [any time] Formats as printf does and files the result as one line under `category`; the host
- * adds the line end. Texts are read before the call returns. Text from messages is only ever an
- * argument, never the format. */
+ * adds the line end. It reads all strings before the call returns. Strings from messages are only
+ * ever arguments, never the format. */
 #if defined(__GNUC__)
 __attribute__((format(printf, 3, 4)))
 #endif

@@ -1,4 +1,4 @@
-/* The host's user status: name-value pairs that a plug-in shows to the people who run the host. */
+/* The host's user status: name-value pairs that a plug-in shows to the operators of the host. */
 #ifndef VLT_HOST_STATUS_H
 #define VLT_HOST_STATUS_H
 

@@ -1,9 +1,9 @@
-/* The host's storage: every block behind a value is made and freed here, never by the plug-in's own
- * allocator, so that either side can free what the other made.
+/* The host's storage. It makes and frees every block that a value points to, so that either side
+ * can free the other's blocks. The plug-in's own allocator makes none.
  *
- * Conventions: a block has one owner. Null is accepted by every vlt_free_ function and does
- * nothing. "Exhausted" means that memory ran out. No function throws; all may be called from
- * several threads at once on different values. [any time] means from load to unload of the plug-in.
+ * Conventions: a block has one owner. Every vlt_free_ function accepts null and does nothing.
+ * "Exhausted" means that memory ran out. No function throws; several threads may call all of them
+ * at once on different values. [any time] means from load to unload of the plug-in.
  */
 #ifndef VLT_HOST_STORAGE_H
 #define VLT_HOST_STORAGE_H
@@ -19,9 +19,9 @@ extern "C" {
 vlt_underlying_map_table_t* vlt_allocate_map(int64_t capacity);
 
 /* [any time] Moves the live entries of `table`, in slot order, by their stored hashes (start at
- * hash mod capacity, probe upwards, wrap) into a table of `new_capacity` slots and drops the
- * tombstones. Returns the new table, the old pointer is dead. Null: exhausted, the old table is
- * untouched. */
+ * hash mod capacity, probe upwards, wrap) into a table of `new_capacity` slots. Drops the
+ * tombstones. Returns the new table, the old pointer is dead. Null: exhausted, the old table
+ * stays as it is. */
 vlt_underlying_map_table_t* vlt_reallocate_map(vlt_underlying_map_table_t* table,
                                                int64_t new_capacity);
 
@@ -41,11 +41,11 @@ vlt_underlying_data_t vlt_copy_data(const vlt_underlying_data_t* source);
 char* vlt_copy_string(const char* text);
 
 /* [any time] The display text of any value, as an owned string value (tag 5) that the caller frees.
- * Its text may be null. */
+ * Its pointer may be null. */
 vlt_underlying_data_t vlt_data_to_string(const vlt_underlying_data_t* value);
 
-/* [any time] Depends on the bytes of `text` (not null) and on `seed` only; which function it is
- * belongs to the host. */
+/* [any time] Depends on the bytes of `text` (not null) and on `seed` only; the host chooses the
+ * function. */
 uint64_t vlt_hash_string(const char* text, uint64_t seed);
 
 #ifdef __cplusplus

@@ -1,5 +1,5 @@
-/* The data that the host and the plug-in share in memory: one tagged value, the blocks behind it,
- * and the message. Both sides read and write these bytes in place, so every layout is fixed.
+/* The data that the host and the plug-in share in memory: one tagged value, the blocks it points
+ * to, and the message. Both sides read and write these bytes in place, so every layout is fixed.
  *
  *   value      0 content (8, read by tag)   8 tag (4)   12 padding, never read          16 bytes
  *   list       0 count (8)   8 capacity (8)   16 elements (16 each)        16 + 16 × capacity
@@ -8,8 +8,8 @@
  *   slot       0 hash (8)   8 key (16)   24 value (16)                                40 bytes
  *   message    0 payload (16)   16 metadata table (8)                                 24 bytes
  *
- * Blocks are made and freed by the host's functions only (host/storage.h). The header is plain C11
- * and C++, for hosts written in either. */
+ * Only the host's functions make and free blocks (host/storage.h). The header is plain C11 and C++,
+ * for hosts written in either. */
 #ifndef VLT_HOST_TYPES_H
 #define VLT_HOST_TYPES_H
 
@@ -20,7 +20,7 @@
 #include <stdint.h>
 
 /* The kind of a value. Fixed by the interface; never renumbered. A larger number is a kind that a
- * newer host may know: it is moved along unread and owns nothing here. */
+ * newer host may know: the plug-in moves it along unread, and it owns nothing here. */
 enum vlt_tag {
   VLT_TAG_EMPTY = 0,
   VLT_TAG_BOOLEAN = 1,
@@ -84,7 +84,7 @@ typedef struct vlt_underlying_map_table_entry_t {
   vlt_underlying_data_t value;
 } vlt_underlying_map_table_entry_t;
 
-/* Head of a map table; `capacity` slots follow it. How they are filled: value/map_t.hpp. */
+/* Head of a map table; `capacity` slots follow it. value/map_t.hpp has the rules for filling it. */
 typedef struct vlt_underlying_map_table_t {
   uint64_t host; /* the host's own; neither read nor written by the plug-in */
   int64_t live;
@@ -99,7 +99,7 @@ typedef struct vlt_underlying_message_t {
 } vlt_underlying_message_t;
 
 /* Handed to the plug-in as the next link of the chain: takes the messages from `start` up to but
- * not including `end`, which stay the property of whoever owns the array. */
+ * not including `end`. They stay the property of the array's owner. */
 typedef void (*vlt_batch_function)(void* handle, vlt_underlying_message_t* start,
                                    vlt_underlying_message_t* end);
 

@@ -34,7 +34,7 @@ struct end_key_t {
   bool made = pthread_key_create(&key, endThread) == 0;
 };
 
-// Only a thread whose end will be noticed may enter the list: its counters vanish with it.
+// Only a thread with a destructor for its end may enter the list: its counters vanish with it.
 bool enterThread() noexcept {
   static const end_key_t end;
   thread_counters_t& own = threadCounters;

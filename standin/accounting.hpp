@@ -1,11 +1,11 @@
-// Counts live blocks and host calls without slowing the threads that are counted: each thread
-// writes counters of its own, and a reader adds up all threads.
+// Counts live blocks and host calls without slowing the counted threads: each thread writes
+// counters of its own, and a reader adds up all threads.
 //
 //   running threads   a list of counters, each in its thread's own storage
 //   ended threads     one set of totals; a thread adds its counters there when it ends
 //
-// A block may be freed on another thread than it was made on: one thread's count of live blocks may
-// be negative, only the sum means something.
+// One thread may free a block of another. So one thread's count of live blocks may be negative;
+// only the sum means something.
 #ifndef VLT_STANDIN_ACCOUNTING_HPP
 #define VLT_STANDIN_ACCOUNTING_HPP
 
@@ -22,7 +22,7 @@ inline constexpr std::size_t counterCount = std::size_t{STANDIN_BLOCK_KINDS} + S
 
 using counters_t = std::array<std::atomic<int64_t>, counterCount>;
 
-// A thread whose counters are gone still counts, slowly: destructors of other libraries may call.
+// A thread without counters still counts, slowly: destructors of other libraries may call late.
 enum class thread_state_t { fresh, running, ended };
 
 struct thread_counters_t {
@@ -32,8 +32,8 @@ struct thread_counters_t {
   thread_counters_t* next = nullptr;
 };
 
-// The model spares each call a function call to find the thread's storage; 19 counters fit what the
-// loader keeps free for libraries that are loaded late.
+// The model spares each call a function call to find the thread's storage; 19 counters fit the
+// space that the loader reserves for libraries loaded late.
 extern constinit thread_local thread_counters_t threadCounters [[gnu::tls_model("initial-exec")]];
 
 // Enters the thread into the list on its first call, counts in the totals after its last.

@@ -12,8 +12,8 @@ namespace standin {
 
 namespace {
 
-// What the C library's heap keeps in a cache of each thread; its calloc goes past that cache, at
-// least up to glibc 2.36.
+// The largest size in the cache that the C library's heap has for each thread; its calloc goes past
+// that cache, at least up to glibc 2.36.
 constexpr std::size_t cachedSize = 1032;
 
 // Out of line, or else the compiler turns malloc and memset into calloc again.
@@ -21,7 +21,7 @@ constexpr std::size_t cachedSize = 1032;
   return block == nullptr ? nullptr : std::memset(block, 0, size);
 }
 
-// Zeroed memory for a head and `count` items of `itemSize` bytes behind it.
+// Zeroed memory for a head and `count` items of `itemSize` bytes after it.
 void* makeZeroed(standin_block_t kind, std::size_t head, int64_t count,
                  std::size_t itemSize) noexcept {
   if (count < 0 || static_cast<uint64_t>(count) > (PTRDIFF_MAX - head) / itemSize) return nullptr;

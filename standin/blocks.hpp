@@ -1,5 +1,5 @@
-// Makes and releases single blocks: the one place where memory for values comes from, is counted
-// and can be refused. Contents are no concern here: releasing a list leaves its elements alone.
+// Makes and releases single blocks: the one place that provides, counts and refuses memory for
+// values. Contents are no concern here: releasing a list leaves its elements alone.
 #ifndef VLT_STANDIN_BLOCKS_HPP
 #define VLT_STANDIN_BLOCKS_HPP
 
@@ -12,12 +12,12 @@
 
 namespace standin {
 
-// What a custom value of this library points to.
+// The object that a custom value of this library points to.
 struct custom_object_t {
   uint64_t label;
 };
 
-// Null: exhausted, or a size that cannot be had (negative, or beyond the address space).
+// Null: exhausted, or an impossible size (negative, or beyond the address space).
 // A map's slots are free and its counts 0; a list has count 0 and empty elements; a buffer's bytes
 // are 0; a string's bytes are undefined and it has room for `length` of them and the NUL.
 vlt_underlying_map_table_t* makeMap(int64_t capacity) noexcept;

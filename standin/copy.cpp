@@ -1,7 +1,10 @@
-// Deep copies: (1) the block of a copy is made when its value is met, (2) a list or map waits,
-// empty, in a stack threaded through the copies, with its source as note, (3) each is taken off and
-// filled, which may make further copies wait. When memory runs out, the waiting copies become empty
-// containers and the partial copy is freed like any value.
+// Deep copies:
+// (1) make the block of a copy when the walk reaches its value;
+// (2) let the copy of a list or map wait, empty, in a stack threaded through the copies, with its
+//     source as note;
+// (3) take each off and fill it, which may make further copies wait.
+// When memory runs out, the waiting copies become empty containers, and freeing the partial copy
+// works as for any value.
 #include <algorithm>
 #include <cstring>
 #include <new>
@@ -23,7 +26,7 @@ using map_head_t = vlt_underlying_map_table_t;
 
 class Copier {
  public:
-  // Empty, with nothing left behind, when memory runs out.
+  // Empty, without a leak, when memory runs out.
   vlt_underlying_data_t copy(const vlt_underlying_data_t& source) noexcept {
     const vlt_underlying_data_t result = begin(source);
     while (!exhausted_ && !pending_.empty()) fillNext();
@@ -34,7 +37,7 @@ class Copier {
   }
 
  private:
-  // The copy of `source`, complete but for what lists and maps hold. Null stays null in every kind.
+  // The copy of `source`, but lists and maps are still empty. Null stays null in every kind.
   vlt_underlying_data_t begin(const vlt_underlying_data_t& source) noexcept {
     vlt_underlying_data_t result = source;
     switch (source.tag) {
@@ -105,8 +108,8 @@ class Copier {
     }
   }
 
-  // Elements and slots that exhaustion keeps from being filled are empty since the block was made,
-  // so a head that counts them too is fit for freeing.
+  // New blocks have empty elements and slots. So a head that also counts those that exhaustion left
+  // empty is fit for freeing.
   void fillList(void* block, const list_head_t& source) noexcept {
     const int64_t count = std::max<int64_t>(source.count, 0);
     vlt_underlying_data_t* elements = elementsOf(new (block) list_head_t{count, count});

@@ -13,7 +13,7 @@ constinit std::atomic<bool> refusalRequested{false};
 namespace {
 
 std::mutex failures_lock;     // guards all that follows in this namespace
-uint64_t allocationsLeft = 0; // up to and including the one to refuse; 0: none is requested
+uint64_t allocationsLeft = 0; // up to and including the one to refuse; 0: no request
 bool refusesAllAfter = false;
 uint64_t refused = 0;
 

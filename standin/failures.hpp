@@ -1,5 +1,5 @@
-// Decides for each allocation whether it is refused on request. While none is requested, which is
-// nearly always, the price is one relaxed load.
+// Decides for each allocation whether to refuse it on request. Without a request, which is nearly
+// always, the price is one relaxed load.
 #ifndef VLT_STANDIN_FAILURES_HPP
 #define VLT_STANDIN_FAILURES_HPP
 
@@ -11,7 +11,7 @@ extern constinit std::atomic<bool> refusalRequested;
 
 bool countAndRefuse() noexcept;
 
-// True: the allocation about to be made has to fail. Called once per allocation.
+// True: the coming allocation has to fail. Called once per allocation.
 inline bool allocationRefused() noexcept {
   return refusalRequested.load(std::memory_order_relaxed) && countAndRefuse();
 }

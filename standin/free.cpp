@@ -1,6 +1,7 @@
-// Freeing: (1) a value's own block is released at once when it holds no further values, (2) lists
-// and maps wait in a stack threaded through them, (3) each is taken off, its values are treated as
-// in (1) and (2), and then its block is released.
+// Freeing:
+// (1) release a value's own block at once when it holds no further values;
+// (2) let lists and maps wait in a stack threaded through them;
+// (3) take each off, treat its values as in (1) and (2), and then release its block.
 #include "standin/free.hpp"
 
 #include "standin/accounting.hpp"
@@ -16,8 +17,8 @@ namespace {
 // One call of freeing.
 class Freeing {
  public:
-  // Most are texts, and then maps: asked one after the other, since a jump by table is seldom
-  // foreseen by the processor.
+  // Most values are strings, then maps. Tested in this order, since processors rarely foresee a
+  // jump by table.
   void value(const vlt_underlying_data_t& value) noexcept {
     if (value.tag == VLT_TAG_STRING) {
       release_.block(STANDIN_BLOCK_STRING, value.value.string);

@@ -6,7 +6,7 @@
 
 namespace standin {
 
-// Frees what `value` owns; `value` itself is left dangling. Needs no memory and a fixed amount of
+// Frees the blocks that `value` owns and leaves it dangling. Needs no memory and a fixed amount of
 // stack, however deep the value nests.
 void freeValue(const vlt_underlying_data_t& value) noexcept;
 

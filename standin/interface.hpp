@@ -1,6 +1,6 @@
-// The functions that the library exports, declared visible: everything else in it is compiled
-// hidden, and a definition takes the visibility of its first declaration. Sources that define
-// exported functions include this header and no header of host functions directly.
+// The functions that the library exports, declared visible. All other symbols are hidden, and a
+// definition takes the visibility of its first declaration. Sources that define exported functions
+// include this header and no header of host functions directly.
 #ifndef VLT_STANDIN_INTERFACE_HPP
 #define VLT_STANDIN_INTERFACE_HPP
 

@@ -1,4 +1,4 @@
-// Where the parts behind a block's head lie, and what state a slot is in.
+// The places of the parts after a block's head, and the state of a slot.
 //
 //   slot state   hash   key
 //   free         0      empty

@@ -1,5 +1,5 @@
-// The log: a level per category, and lines handed to a sink. Levels and sink lie behind one lock,
-// which is not held while the sink runs, so a sink may log.
+// The log: a level per category, and lines handed to a sink. One lock protects levels and sink. It
+// is free while the sink runs, so a sink may log.
 #include <array>
 #include <cstdarg>
 #include <cstdio>
@@ -59,8 +59,8 @@ struct free_t {
   void operator()(void* memory) const noexcept { std::free(memory); }
 };
 
-// Most lines fit a buffer on the stack. A longer one is formatted again on the heap; if there is no
-// room for it, its beginning is worth more than nothing.
+// Most lines fit a buffer on the stack. The heap holds a longer one, formatted again. Without
+// memory for that, the beginning of the line is worth more than nothing.
 void formatAndDeliver(const char* category, vlt_log_level_t level, const char* format,
                       va_list arguments) noexcept {
   va_list again;

@@ -1,5 +1,5 @@
-// Map tables as the host makes and resizes them. What the plug-in does inside a table (lookup,
-// insertion, erasure) is its own business; only the placing of entries is shared:
+// Map tables as the host makes and resizes them. Lookup, insertion and erasure are the plug-in's
+// own; both sides share only the rule for the place of an entry:
 //
 //   home slot   hash mod capacity, unsigned
 //   probing     home, home + 1, ..., from the last slot on to slot 0, until a free slot
@@ -29,7 +29,7 @@ void place(vlt_underlying_map_table_t& table, const slot_t& entry) noexcept {
   slots[i] = entry;
 }
 
-// Null: exhausted, or fewer slots than entries; the old table is untouched then.
+// Null: exhausted, or fewer slots than entries; the old table stays as it is.
 vlt_underlying_map_table_t* rebuild(vlt_underlying_map_table_t& old, int64_t capacity) noexcept {
   const int64_t live = countLive(old);
   if (capacity < live) return nullptr;

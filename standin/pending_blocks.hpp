@@ -1,11 +1,11 @@
-// The work list of everything that walks nested values and may neither recurse (a message nests as
-// deep as its sender likes) nor ask for memory: a stack threaded through the waiting blocks
-// themselves.
+// The work list of all walks through nested values: a stack threaded through the waiting blocks
+// themselves. Such a walk may not recurse, since a sender nests a message to any depth, and may not
+// ask for memory.
 //
 //   list, map    0 head (16 or 32 bytes)
 //   waiting      0 next: address of the block below, its lowest bit set for a map (8)   8 note (8)
 //
-// A waiting block's first 16 bytes are lost; what is still needed of them travels in the note.
+// A waiting block loses its first 16 bytes; the note carries the part that is still needed.
 #ifndef VLT_STANDIN_PENDING_BLOCKS_HPP
 #define VLT_STANDIN_PENDING_BLOCKS_HPP
 
@@ -58,7 +58,7 @@ class PendingBlocks {
   }
 
  private:
-  // A pointer into the block, not a number, so that leak checkers see that the block is referenced.
+  // A pointer into the block, not a number, so that leak checkers see the reference.
   struct waiting_t {
     char* next;
     Note note;

@@ -1,7 +1,9 @@
-// Rendering: (1) a value without further values is appended at once, (2) a list or map is opened
-// and put on a stack of open containers, (3) the topmost container renders its next element, key or
-// value, or is closed. The stack lies on the heap: values must not be written to, so it cannot be
-// threaded through them, and the thread's own stack is too small for what a message may nest.
+// Rendering:
+// (1) append a value without further values at once;
+// (2) open a list or map and put it on a stack of open containers;
+// (3) let the topmost container render its next element, key or value, or close it.
+// That stack is on the heap. Rendering must not write to values, so the stack cannot be threaded
+// through them, and the thread's own stack is too small for the deepest messages.
 #include "standin/render.hpp"
 
 #include <array>
@@ -30,7 +32,7 @@ struct open_container_t {
   bool keyRendered; // the slot's value is what follows
 };
 
-// Exhaustion is remembered as in TextBuilder.
+// Remembers exhaustion as TextBuilder does.
 class OpenContainers {
  public:
   OpenContainers() = default;
@@ -103,7 +105,7 @@ class Renderer {
     }
   }
 
-  // Read as a byte: a bool that holds anything but 0 or 1 may not be looked at.
+  // Read as a byte: reading a bool that holds anything but 0 or 1 is undefined.
   void appendBoolean(const vlt_underlying_data_t& value) noexcept {
     unsigned char byte = 0;
     std::memcpy(&byte, &value.value, sizeof byte);
@@ -191,7 +193,7 @@ class Renderer {
 
   void appendNext() noexcept { open_.top().list != nullptr ? appendElement() : appendSlot(); }
 
-  // The position moves on before the element is rendered: that may push, and move the stack.
+  // Move the position on before rendering the element: that may push, and move the stack.
   void appendElement() noexcept {
     open_container_t& top = open_.top();
     if (top.next >= top.list->count) return close("]");

@@ -1,9 +1,9 @@
-// The display text of values. Nothing parses it; it is stable so that logs and tests can be
-// compared.
+// The display text of values. Nothing parses it; it is stable so that logs and tests can compare
+// it.
 //
 //   empty            null
 //   boolean          true, false
-//   double           the shortest text that reads back as the same number, "5.0" when whole
+//   double           the shortest form that reads back as the same number, "5.0" when whole
 //   integer          decimal digits
 //   decimal          decimal(0x0123456789abcdef), the 8 bytes as one number
 //   string           in quotes; escaped \" \\ \n \r \t, other control characters as \u00xx; a null

@@ -1,20 +1,20 @@
-/* What the development host library offers beyond the host's interface: counts, failures on demand,
- * control over logging and hashing, and makers for the kinds of value that only a host makes.
+/* The functions of the development host library beyond the host's interface: counts, failures on
+ * demand, control over logging and hashing, makers for the kinds of value that only a host makes.
  *
- *   blocks     how many the library has handed out and not taken back
- *   calls      how often each host function was called
+ *   blocks     of the library that are live
+ *   calls      of each host function
  *   failures   the n-th allocation refused
  *   hashing    another string hash, for tests
- *   logging    levels, and where lines and user status go
+ *   logging    levels, and the sinks of lines and user status
  *   makers     lists, buffers, custom objects
  *
- * The host functions keep the contracts of the host headers. Beyond those, here: a null source,
- * text or category reads as an empty one, a negative size cannot be had (as if exhausted), and
- * values with unknown tags, null blocks or null texts are copied, freed and rendered like any
- * other.
+ * The host functions keep the contracts of the host headers, and some more:
+ * a null source, string or category reads as an empty one; a negative size counts as
+ * exhausted; copying, freeing and rendering accept values with unknown tags, null blocks or
+ * null strings.
  *
- * Conventions: no function throws, and a function handed in must not throw either. All may be
- * called from several threads at once. [any time] means from load to the end of the process: the
+ * Conventions: no function throws, and a function handed in must not throw either. Several threads
+ * may call all of them at once. [any time] means from load to the end of the process: the
  * library is never unloaded. The header is plain C11 and C++. */
 #ifndef VLT_STANDIN_STANDIN_H
 #define VLT_STANDIN_STANDIN_H
@@ -36,9 +36,9 @@ typedef enum standin_block {
   STANDIN_BLOCK_KINDS /* how many there are */
 } standin_block_t;
 
-/* [any time] Blocks of one kind that were made and not yet freed, by whichever threads; 0 for an
- * unknown kind. Exact as soon as the calls to be counted have returned and the reader has
- * synchronised with their threads (joined them, say); while they run, a snapshot. */
+/* [any time] Live blocks of one kind, of all threads; 0 for an unknown kind. Exact once the counted
+ * calls have returned and the reader has synchronised with their threads (joined them, say); while
+ * they run, a snapshot. */
 int64_t standin_live_blocks(standin_block_t kind);
 
 /* [any time] The same over all kinds. */
@@ -77,18 +77,18 @@ void standin_reset_calls(void);
 /* ---- Failures -------------------------------------------------------------------------------- */
 
 /* An allocation is every request for memory made on behalf of a value: each block, in every
- * function that makes blocks, and the working memory of vlt_data_to_string (its text grows by
- * doubling). What the library keeps for itself (levels, log lines) is none. */
+ * function that makes blocks, and the working memory of vlt_data_to_string (its string grows by
+ * doubling). Memory for the library itself (levels, log lines) does not count. */
 
-/* [any time] The n-th allocation from now (1: the next one), by whichever thread, is refused once;
- * those after it succeed. 0 switches refusing off. Replaces an earlier request. */
+/* [any time] Refuses the n-th allocation from now (1: the next one) of all threads; later ones
+ * succeed. 0 switches refusing off. Replaces an earlier request. */
 void standin_fail_allocation(uint64_t n);
 
-/* [any time] As above, but every allocation from the n-th on is refused until switched off. */
+/* [any time] As above, but refuses every allocation from the n-th on until switched off. */
 void standin_fail_allocations_from(uint64_t n);
 
 /* [any time] Allocations refused since the last request with an n above 0. Switching off keeps the
- * count, so it can be read afterwards; 0 tells a loop over n that n was past the last one. */
+ * count for a later reader; 0 tells a loop over n that n was past the last one. */
 uint64_t standin_failed_allocations(void);
 
 /* ---- Hashing --------------------------------------------------------------------------------- */
@@ -111,15 +111,15 @@ bool standin_set_log_level(const char* category, vlt_log_level_t level);
  * messages, no trace. */
 void standin_set_default_log_level(vlt_log_level_t level);
 
-/* Takes one line, without a line end; the texts are valid during the call only. May run on several
- * threads at once, and a call may still be under way when another sink has been set. */
+/* Takes one line, without a line end; the strings are valid during the call only. May run on
+ * several threads at once, and may still run after a call that sets another sink. */
 typedef void (*standin_log_sink_t)(void* context, const char* category, vlt_log_level_t level,
                                    const char* text);
 
-/* [any time] Sends what vlt_log_at files to `sink` with `context` (not owned); null restores the
- * default, which writes text and line end to standard error in one write. Lines are passed on
- * whatever their level: filtering is the caller's part of the bargain, by the level it has read,
- * and a library that filtered again would hide a caller that does not. */
+/* [any time] Sends the lines of vlt_log_at to `sink` with `context` (not owned). Null restores the
+ * default, which writes each line to standard error in one write. The sink gets lines of all
+ * levels: the caller has to filter by the level that it has read, and a second filter here would
+ * hide a caller that does not. */
 void standin_set_log_sink(standin_log_sink_t sink, void* context);
 
 /* [any time] Forgets all levels, restores the default level and the default log sink. */

@@ -26,7 +26,7 @@ status_sink_t statusSinkInUse() noexcept {
   return currentStatusSink;
 }
 
-// The table is viewed as a value and not copied. Without memory the line is lost.
+// Renders the table in place, without a copy. Without memory the line is lost.
 void show(const vlt_underlying_map_table_t* table) noexcept {
   vlt_underlying_data_t view{};
   view.tag = VLT_TAG_MAP;

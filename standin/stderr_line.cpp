@@ -1,4 +1,4 @@
-// One line, one write; only what a full pipe or a signal cut off goes into a further one.
+// One line, one write; only a full pipe or a signal makes another write for the rest.
 #include "standin/stderr_line.hpp"
 
 #include <unistd.h>

@@ -7,8 +7,8 @@
 namespace standin {
 
 // Writes the `length` bytes of `text` and a line end, in one write so that no other output comes
-// between them. `text` has its NUL at `length`; the line end is put in its place for the call.
-// Errors are ignored: there is nowhere left to report them.
+// between them. `text` has its NUL at `length`; the line end takes its place during the call.
+// Ignores errors: there is nowhere left to report them.
 void writeStderrLine(char* text, std::size_t length) noexcept;
 
 } // namespace standin

@@ -1,9 +1,11 @@
 // Strings: copies, and the hash that places string keys in tables.
 //
-// The hash: (1) seed and length start the state, (2) each 8 bytes, little-endian, and then the 0 to
-// 7 bytes left, padded with zeros, are multiplied and mixed in, (3) two multiply-and-shift rounds
-// spread every bit of the state over all 64. Each step is a bijection of the state, so texts of one
-// length below 9 bytes never collide under one seed.
+// The hash:
+// (1) seed and length start the state;
+// (2) multiply and mix in each 8 bytes, little-endian, then the last 0 to 7, padded with zeros;
+// (3) two multiply-and-shift rounds spread every bit of the state over all 64.
+// Each step is a bijection of the state, so strings of one length below 9 bytes never collide under
+// one seed.
 #include "standin/strings.hpp"
 
 #include <atomic>

@@ -1,4 +1,4 @@
-// Copies of texts.
+// Copies of strings.
 #ifndef VLT_STANDIN_STRINGS_HPP
 #define VLT_STANDIN_STRINGS_HPP
 

@@ -1,4 +1,4 @@
-// A text that grows at its end and becomes a string block of the host.
+// A string that grows at its end and becomes a string block of the host.
 #ifndef VLT_STANDIN_TEXT_BUILDER_HPP
 #define VLT_STANDIN_TEXT_BUILDER_HPP
 
@@ -7,8 +7,8 @@
 
 namespace standin {
 
-// Exhaustion is remembered, not reported call by call: once failed, appending does nothing, and
-// only `take` has to be checked. Each growth is an allocation that can be refused.
+// Remembers exhaustion instead of reporting it call by call: after a failure, appending does
+// nothing, and callers check `take` alone. Each growth is an allocation that a request can refuse.
 class TextBuilder {
  public:
   TextBuilder() = default;
@@ -19,7 +19,7 @@ class TextBuilder {
   void append(std::string_view text) noexcept;
   bool failed() const noexcept { return failed_; }
 
-  // The text as a counted string block, owned by the caller; the builder is empty afterwards. Null:
+  // The string as a counted block, owned by the caller; the builder is empty afterwards. Null:
   // exhausted.
   char* take() noexcept;
 
