@@ -1,6 +1,5 @@
-// Nothing is timed before it was seen to do the same: each contender's messages and log lines are
-// compared with the plug-in's, whatever the order of the members of an object and however a number
-// is written.
+// Compares before anything is timed: each contender's messages and log lines with the plug-in's.
+// The order of an object's members and the form of a number do not matter.
 #ifndef VLT_BENCH_COMPARISON_HPP
 #define VLT_BENCH_COMPARISON_HPP
 
@@ -13,10 +12,10 @@ namespace com::velanto::connectivity::bench {
 // Which of a contender's results have to be the reference's.
 enum class sameness_t {
   content, // the messages as JSON values, and the log
-  slots,   // besides, the order of the entries in every table
+  slots,   // in addition, the order of the entries in every table
 };
 
-// Throws std::runtime_error that names `what`, `name` and the first difference.
+// Throws std::runtime_error with `what`, `name` and the first difference.
 void requireSame(const std::string& what, Contender& reference, const std::string& name,
                  Contender& other, sameness_t sameness);
 

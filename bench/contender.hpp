@@ -1,7 +1,7 @@
 // One way of turning notifications into host events. All of them start from the same lines of JSON
-// and own what they read, so that a run is the whole life of a batch:
+// and own their inputs, so a run is the whole life of a batch:
 //
-//   fill      builds the inputs anew                                      not timed
+//   fill      builds new inputs                                     not timed
 //   run       batch by batch: inputs → outputs, then everything released   timed
 //   outcome   the same conversions, with their results written down, for comparison
 #ifndef VLT_BENCH_CONTENDER_HPP
@@ -21,19 +21,19 @@ namespace com::velanto::connectivity::bench {
 // One message a line, as ndjson/ reads them.
 using lines_t = std::vector<std::string>;
 
-// Which message stands where in a batch.
+// The order of the messages in a batch.
 using order_t = std::vector<std::uint32_t>;
 
-// The order in which the messages were given.
+// The order of the corpus.
 [[nodiscard]] inline order_t ownOrder(std::size_t size) {
   order_t order(size);
   std::iota(order.begin(), order.end(), 0);
   return order;
 }
 
-// Another one for each round, the same for all contenders. How the blocks of a batch come to lie
-// side by side decides how much the heap has to do when they are freed: up to a fifth of the time,
-// by chance, if the order were always the same.
+// Another order for each round, the same for all contenders. The places of a batch's blocks decide
+// how much work the heap has when it frees them. With one fixed order that would be up to a fifth
+// of the time, by chance.
 [[nodiscard]] inline order_t orderOfRound(std::size_t size, std::size_t round) {
   order_t order = ownOrder(size);
   std::mt19937_64 engine(round);
@@ -53,7 +53,7 @@ class Contender {
   // Before every run; `order` names each message once. Throws std::bad_alloc.
   virtual void fill(const order_t& order) = 0;
   virtual void run() = 0;
-  // Fills, runs and renders: the messages that are passed on, as JSON text in their order.
+  // Fills, runs and renders: the messages that reach the next link, as JSON in their order.
   [[nodiscard]] virtual lines_t outcome() = 0;
 };
 
@@ -82,7 +82,7 @@ class BatchContender : public Contender {
   // The messages at `first` up to `end`.
   virtual void convert(std::size_t first, std::size_t end) = 0;
   virtual void release(std::size_t first, std::size_t end) noexcept = 0;
-  // Those of all that are passed on, after all were converted.
+  // The messages that reach the next link, after the whole conversion.
   [[nodiscard]] virtual lines_t render() = 0;
 
  private:

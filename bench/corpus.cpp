@@ -42,7 +42,7 @@ std::string twoDigits(std::size_t number) {
 }
 
 // Makes the payloads of the five kinds; each fault hits a field that the conversion reads late. One
-// throw of the dice per statement, since the order within an expression is the compiler's choice.
+// random number per statement, since the compiler chooses the order within an expression.
 class Maker {
  public:
   explicit Maker(std::uint64_t seed) : dice_(seed) {}
@@ -57,7 +57,7 @@ class Maker {
     return whole(JsonObject().text("origin", std::string("gateway-") + id()),
                  payload(kind, fault_t::none));
   }
-  // What every notification of a kind starts with, for those who add their own fields.
+  // The common fields of all notifications of a kind.
   JsonObject opening(kind_t kind, fault_t fault) {
     JsonObject object;
     object.text("id", id()).text("self", std::string(SITE) + nameOf(kind) + '/' + id());

@@ -1,6 +1,5 @@
-// The notifications that are measured, made up from a fixed seed: every run and every machine sees
-// the same ones. They are lines of JSON, the one form that each contender can read into values of
-// its own.
+// The notifications to measure, made from a fixed seed: every run and every machine gets the same
+// ones. They are lines of JSON, the one form that each contender can read into values of its own.
 #ifndef VLT_BENCH_CORPUS_HPP
 #define VLT_BENCH_CORPUS_HPP
 
@@ -16,7 +15,7 @@ enum class kind_t { alarms, events, measurements, managedobjects, operations };
 inline constexpr std::array ALL_KINDS = {kind_t::alarms, kind_t::events, kind_t::measurements,
                                          kind_t::managedobjects, kind_t::operations};
 
-// The word that stands for the kind in a path.
+// The word for the kind in a path.
 [[nodiscard]] const char* nameOf(kind_t kind) noexcept;
 
 // `count` notifications of one kind. Measurements have 1 to 3 fragments of 1 to 4 series, managed
@@ -29,16 +28,16 @@ inline constexpr std::array ALL_KINDS = {kind_t::alarms, kind_t::events, kind_t:
 // Messages without a path, otherwise like the mix.
 [[nodiscard]] lines_t passingMessages(std::size_t count);
 
-// Notifications that are dropped, in turn for a key that is missing, for a text that does not read
-// as what it must be, and for a field that is no string: the faults that are found last.
+// Notifications to drop. In turn, a key is missing, a string cannot be read as a time or a word, a
+// field is no string: the faults that a conversion finds last.
 [[nodiscard]] lines_t droppedNotifications(kind_t kind, std::size_t count);
 
-// Notifications that are dropped since a field is of a kind that cannot be read at all: a source
-// that is no map, a count or a status that is no text. Kinds in turn, but for managed objects,
-// which have no such field. Each also costs a line on standard error.
+// Notifications to drop for a field of the wrong kind: a source that is no map, a count or a status
+// that is no string. Kinds in turn, but for managed objects, which have no such field. Each also
+// costs a line on standard error.
 [[nodiscard]] lines_t wronglyTypedNotifications(std::size_t count);
 
-// One event with `fields` fields that are carried over.
+// One event with `fields` fields that the conversion carries over.
 [[nodiscard]] lines_t eventWithFields(std::size_t fields);
 
 // One measurement with `series` series in one fragment.

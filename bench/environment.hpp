@@ -1,5 +1,5 @@
-// Where a measurement was taken, without which its figures mean nothing, and whether this program is
-// one to measure with.
+// The place of a measurement, without which its figures mean nothing, and whether this build may
+// measure.
 #ifndef VLT_BENCH_ENVIRONMENT_HPP
 #define VLT_BENCH_ENVIRONMENT_HPP
 
@@ -15,9 +15,9 @@ using environment_t = std::vector<std::pair<std::string, std::string>>;
 
 [[nodiscard]] environment_t environment();
 
-// Makes the C library's heap keep what is freed instead of handing it back to the system after each
-// batch: a host that goes on receiving would not give it back either, and what system calls cost
-// would hide what is measured. Call before the first thread starts.
+// Makes the C library's heap keep freed memory instead of returning it to the system after each
+// batch. A host that goes on receiving would keep it too, and the cost of system calls would hide
+// the cost of the contenders. Call before the first thread starts.
 void keepHeap() noexcept;
 
 // Why times of this build would mislead; nothing when they do not.

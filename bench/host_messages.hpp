@@ -1,5 +1,5 @@
-// Messages in the host's storage: prototypes that are read once, and copies of them, made before
-// each run by the host's own deep copy, which keeps capacities, positions and tombstones.
+// Messages in the host's storage. Reads prototypes once, and makes copies of them before each run
+// by the host's own deep copy, which keeps capacities, positions and tombstones.
 #ifndef VLT_BENCH_HOST_MESSAGES_HPP
 #define VLT_BENCH_HOST_MESSAGES_HPP
 
@@ -20,14 +20,13 @@ enum class tables_t {
           // fifths full: taken in the order of slots, the second half runs into the first
 };
 
-// The messages that the lines stand for. Throws MalformedJson, std::bad_alloc.
+// The messages of the lines. Throws MalformedJson, std::bad_alloc.
 [[nodiscard]] messages_t readMessages(const lines_t& lines, tables_t tables);
 
 // Deep copies into `copies`, in `order`; all three are of one size. Throws std::bad_alloc.
 void copyMessages(const messages_t& prototypes, const order_t& order, messages_t& copies);
 
-// Frees what the messages at `first` up to `end` hold, as the owner of the array does when it is done
-// with them.
+// Frees the contents of the messages from `first` up to `end`, as the owner of the array does.
 void releaseMessages(messages_t& messages, std::size_t first, std::size_t end) noexcept;
 
 [[nodiscard]] std::string renderMessage(const Message& message);

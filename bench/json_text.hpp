@@ -1,4 +1,4 @@
-// Writes the few forms of JSON that made-up notifications need; texts contain nothing to escape.
+// Writes the few forms of JSON that made-up notifications need; strings contain nothing to escape.
 #ifndef VLT_BENCH_JSON_TEXT_HPP
 #define VLT_BENCH_JSON_TEXT_HPP
 
@@ -12,10 +12,10 @@ namespace com::velanto::connectivity::bench {
   return '"' + std::string(text) + '"';
 }
 
-// An object that grows member by member and stands as text at any time.
+// An object that grows member by member and is complete JSON at any time.
 class JsonObject {
  public:
-  // `json` is a value's text, as it is to appear.
+  // `json` is the value's JSON.
   JsonObject& member(std::string_view key, std::string_view json) {
     if (!members_.empty()) members_ += ',';
     members_ += quoted(key) + ':';

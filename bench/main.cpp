@@ -1,6 +1,7 @@
 // ostrovia-bench: compares all contenders, times them against each other and prints the tables.
-//   exit 0  done   1  contenders differ, or the plug-in cannot be used   2  arguments, or a build
-//   that must not be timed
+//   exit 0  done
+//        1  contenders differ, or the plug-in does not load
+//        2  wrong arguments, or a build that must not be timed
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <filesystem>

@@ -28,7 +28,7 @@ PluginContender::PluginContender(const std::string& library, const lines_t& line
   plugin_.start();
 }
 
-// The messages stay in the array; whoever owns it releases them.
+// The messages stay in the array; its owner releases them.
 void PluginContender::take(void* context, vlt_underlying_message_t* start,
                            vlt_underlying_message_t* end) {
   static_cast<PluginContender*>(context)->passed_on_ = static_cast<std::size_t>(end - start);

@@ -10,8 +10,8 @@ namespace com::velanto::connectivity::bench {
 
 namespace {
 
-// The processor's time that this thread has used, in nanoseconds: what else runs on the machine
-// does not count, only what it does to the caches.
+// The processor time of this thread, in nanoseconds. Other programs on the machine do not count,
+// except for their effect on the caches.
 double usedTime() noexcept {
   std::timespec used{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &used);

@@ -1,9 +1,8 @@
-// Times contenders against each other. Each round runs all of them once, one after the other
-// (A B C, B A C, …), so that whatever slows the machine down for a while slows all of them; a ratio
-// is formed within each round, and the median over the rounds is what counts. Before each timed run
-// stands an untimed one, so that nobody works on the heap and in the caches that another has left;
-// what is left of that all the same (up to 4 %, seen with one library entered twice) is shared out by
-// another order in each round.
+// Times contenders against each other. Each round runs all of them once, in turn (A B C, B A C, …),
+// so a disturbance of the machine slows all of them. A ratio belongs to one round; the median over
+// the rounds counts. An untimed run precedes each timed one, so that no contender works on
+// another's heap and caches. Another order in each round spreads the remaining effect (up to 4 %,
+// seen with one library entered twice).
 #ifndef VLT_BENCH_RUNNER_HPP
 #define VLT_BENCH_RUNNER_HPP
 
@@ -15,17 +14,17 @@
 
 namespace com::velanto::connectivity::bench {
 
-// One of those that take turns.
+// A contender that takes turns with others.
 struct lane_t {
   std::string name;
-  // Prepares and runs once. Returns nanoseconds per message, or per whatever the lane counts. The
+  // Prepares and runs once. Returns nanoseconds per message, or per another unit of the lane. The
   // round decides the order of the messages.
   std::function<double(std::size_t round)> sample;
 };
 
-// Does what the C library's heap has put off: it leaves part of the work of freeing small blocks
-// until somebody wants a large one. Wanting one at the end of each run makes every contender pay for
-// its own frees; otherwise whatever comes next would do the work of some of them and not of others.
+// Does the work that the C library's heap has postponed: it frees small blocks in full only when
+// somebody asks for a large one. Asking for one at the end of each run makes every contender pay
+// for its own frees, instead of the next one.
 void settleHeap();
 
 // Samples the processor time of the calling thread. `per` divides it: the number of messages,
@@ -34,7 +33,7 @@ void settleHeap();
 // Per message.
 [[nodiscard]] lane_t laneOf(std::string name, std::shared_ptr<Contender> contender);
 
-// What was measured of one lane, by round.
+// The measurements of one lane, by round.
 using samples_t = std::vector<double>;
 
 struct result_t {

@@ -1,4 +1,4 @@
-// What every contender is configured with, so that all of them make the same events.
+// The configuration of every contender, so that all of them make the same events.
 #ifndef VLT_BENCH_SETTINGS_HPP
 #define VLT_BENCH_SETTINGS_HPP
 

@@ -1,6 +1,7 @@
-// One plan: (1) the stand-by copy of the id  (2) find the tables  (3) free what is consumed
-//           (4) build the event's tables  (5) tombstones  (6) free what is left of the notification
-//           (7) free the stand-by copy
+// One plan:
+// (1) the stand-by copy of the id       (2) find the tables    (3) free consumed blocks
+// (4) build the event's tables          (5) tombstones         (6) free the rest of the notification
+// (7) free the stand-by copy
 #include "bench/floor/floor_contender.hpp"
 
 namespace com::velanto::connectivity::bench::floor {

@@ -1,5 +1,4 @@
-// A table of the event under construction while its plan is made: what lies under which key, and
-// where each comes from.
+// A table of the event while its plan is made: the value of each key, and the source of both.
 #ifndef VLT_BENCH_FLOOR_OUTPUT_MODEL_HPP
 #define VLT_BENCH_FLOOR_OUTPUT_MODEL_HPP
 

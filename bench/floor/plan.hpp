@@ -1,13 +1,13 @@
-// What is left of a conversion when only its host calls remain: for one notification, which texts
-// are freed, which tables are made and grown, and what lies where in them afterwards. Everything that
-// has to be found out (hashes, slots, kinds, times) was found out when the plan was made, so that
-// carrying it out costs the calls, the moves between slots, and next to nothing else.
+// The host calls of a conversion and nothing else. For one notification: the strings to free, the
+// tables to make and grow, and their contents afterwards. Making the plan finds out hashes, slots,
+// kinds and times. So carrying it out costs the calls, the moves between slots, and next to nothing
+// else.
 //
 // Numbers in a plan:
 //
 //   input table   0 payload   1 metadata   2… the maps within that lose entries (source, fragments,
 //                 series, position), each after the one that holds it
-//   text          one of the constants that are copied: keys, event type, channel, …
+//   text          one of the copied constants: keys, event type, channel, …
 //   output table  in the order of building, a table after those that it holds; the last two are the
 //                 event's metadata and its payload
 #ifndef VLT_BENCH_FLOOR_PLAN_HPP
@@ -20,13 +20,13 @@
 
 namespace com::velanto::connectivity::bench::floor {
 
-// Where a key or a value of an output entry comes from, in 8 bytes: plans of the largest inputs have
-// hundreds of thousands of these, and reading them must not become the work that is measured.
+// The source of a key or a value of an output entry, in 8 bytes: plans of the largest inputs have
+// hundreds of thousands of these, and reading them must not dominate the measurement.
 class origin_t {
  public:
   enum class way_t : std::uint32_t {
     moved,    // the key, or the value, of a slot of an input table
-    copied,   // a deep copy of a constant text
+    copied,   // a deep copy of a constant string
     constant, // 16 bytes that own nothing: a time, a count
     table,    // an output table
   };
@@ -38,7 +38,7 @@ class origin_t {
   [[nodiscard]] way_t way() const noexcept {
     return static_cast<way_t>(way_and_index_ >> INDEX_BITS);
   }
-  // Of the input table, the text, the constant or the output table.
+  // The number of the input table, the string, the constant or the output table.
   [[nodiscard]] std::uint32_t index() const noexcept {
     return way_and_index_ & ((1u << INDEX_BITS) - 1);
   }
@@ -68,37 +68,37 @@ struct output_table_t {
   std::uint32_t growths;
 };
 
-// A text of an input table that is freed: its key or its value.
+// A string of an input table to free: its key or its value.
 struct freed_t {
   std::uint32_t table;
   std::uint32_t slot;
   bool is_key;
 };
 
-// An input table that loses entries lies in a slot of another.
+// An input table that loses entries, and the slot of another that holds it.
 struct opened_t {
   std::uint32_t table;
   std::uint32_t slot;
 };
 
-// A slot of an input table whose entry was taken out one by one, which leaves a tombstone.
+// A slot of an input table that loses its entry alone, which leaves a tombstone.
 struct erased_t {
   std::uint32_t table;
   std::uint32_t slot;
 };
 
 struct plan_t {
-  bool passes = false; // nothing is done at all
-  bool has_id = false; // a text: the stand-by message has a map with a copy of it
+  bool passes = false; // nothing happens at all
+  bool has_id = false; // a string: the stand-by message has a map with a copy of it
   std::uint32_t id_slot = 0;
   std::vector<opened_t> opened; // input tables 2 and up
-  std::vector<freed_t> freed;   // texts that are consumed
+  std::vector<freed_t> freed;   // consumed strings
   std::vector<erased_t> erased;
-  std::vector<std::uint32_t> copied_in_vain; // texts: copied and freed again
+  std::vector<std::uint32_t> copied_in_vain; // strings: copied and freed again
   std::vector<output_table_t> outputs;
   std::vector<entry_t> entries;               // of all outputs, one after the other
   std::vector<growth_t> growths;              // of all outputs
-  std::vector<std::uint32_t> freed_tables;    // input tables, with what is left in them
+  std::vector<std::uint32_t> freed_tables;    // input tables, with their remaining entries
   std::vector<std::int64_t> transient_tables; // made at this capacity and freed again
   std::vector<vlt_underlying_data_t> constants;
 };

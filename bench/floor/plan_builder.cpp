@@ -169,8 +169,8 @@ void PlanBuilder::convertDate(const char* key) {
 }
 
 void PlanBuilder::makeTransient(const TableModel& model) {
-  // What a growth costs depends on the entries in the table, of which this one has none here; the
-  // few components of a position fit the first table.
+  // The cost of a growth depends on the entries in the table, and this one has none yet; the few
+  // components of a position fit the first table.
   if (!model.growths().empty()) throw std::logic_error("a floor has small transient tables only");
   plan_.transient_tables.push_back(FIRST_CAPACITY);
 }
@@ -213,7 +213,7 @@ origin_t PlanBuilder::finish(const OutputModel& output) {
 plan_t PlanBuilder::result() {
   finish(metadata);
   finish(fields);
-  // A spare of the same text stands in for the copy, and is freed with the others.
+  // A spare of the same string takes the place of the copy. The plan frees it with the others.
   for (const std::uint32_t text : in_vain_) {
     const auto spare = reuse(spare_keys_, text);
     if (!spare) {

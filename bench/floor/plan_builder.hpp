@@ -1,9 +1,9 @@
-// The steps that conversions are made of, as they show in a plan. What each costs in host calls
-// stands beside it; the steps of the kinds, one after the other, are in planner.cpp.
+// The steps of conversions, as they appear in a plan, each with its cost in host calls next to it;
+// planner.cpp has the steps of the kinds, one after the other.
 //
-// A key or text of the input that is not carried over is a spare: the plain floor frees all spares
-// and copies all constants; the others move a spare whenever a constant of the same text is due, and
-// free what is left.
+// A key or string of the input that is not carried over is a spare. The plain floor frees all
+// spares and copies all constants. The others move a spare whenever a constant of the same content
+// is due, and free the rest.
 #ifndef VLT_BENCH_FLOOR_PLAN_BUILDER_HPP
 #define VLT_BENCH_FLOOR_PLAN_BUILDER_HPP
 
@@ -19,9 +19,9 @@
 namespace com::velanto::connectivity::bench::floor {
 
 enum class variant_t {
-  plain, // the calls of the steps as they are written down
-  reuse, // the same, but blocks that come back under the same text are moved
-  sized, // besides, every output table is made at its final capacity
+  plain, // the calls of the steps to the letter
+  reuse, // the same, but blocks with the same content move
+  sized, // in addition, makes every output table at its final capacity
 };
 
 class PlanBuilder {
@@ -29,7 +29,7 @@ class PlanBuilder {
   static constexpr std::uint32_t PAYLOAD = 0;
   static constexpr std::uint32_t METADATA = 1;
 
-  // A value that was taken out of an input table.
+  // A value taken out of an input table.
   struct taken_t {
     std::uint32_t table;
     std::uint32_t slot;
@@ -44,13 +44,13 @@ class PlanBuilder {
   [[nodiscard]] const vlt_underlying_data_t* find(std::uint32_t table, const char* key) const;
   // Frees the key; a tombstone stays.
   std::optional<taken_t> takeIfPresent(std::uint32_t table, const char* key);
-  // The same; the plan of a notification that lacks the key cannot be made: throws.
+  // The same; throws for a notification without the key, which has no plan.
   taken_t take(std::uint32_t table, const char* key);
-  // A map that is taken apart itself. No call here; what is left of it is freed by freeTable, or
-  // lives on as a value.
+  // A map that the conversion takes apart itself. No call here; freeTable frees the rest of it, or
+  // it lives on as a value.
   std::uint32_t open(const taken_t& map);
   void freeTable(std::uint32_t table) { plan_.freed_tables.push_back(table); }
-  // Frees a text that is not carried over; nothing for kinds that own nothing. Throws for others.
+  // Frees a string that is not carried over; nothing for kinds that own nothing. Throws for others.
   void drop(const taken_t& value);
   // Frees the key of an entry whose value is taken, and leaves a tombstone.
   taken_t takeAt(std::uint32_t table, std::uint32_t slot);
@@ -71,18 +71,18 @@ class PlanBuilder {
   [[nodiscard]] origin_t constant(double value);
   // Sets a field: copies the key; the copy is in vain if the field is there, and its value goes.
   void put(OutputModel& output, const char* key, origin_t value);
-  // Moves key and value; the key is freed if the field is there, and the field's value goes.
+  // Moves key and value; frees the key if the field is there, and the field's value goes.
   void putEntry(OutputModel& output, std::uint32_t table, std::uint32_t slot);
   // Moves the key, and the value from elsewhere; false, and nothing happens, if the key is there.
   bool insertUnder(OutputModel& output, std::uint32_t table, std::uint32_t slot,
                    origin_t value) const;
-  // The field `key` as seconds if it can be read: frees and copies the key, frees the text.
+  // The field `key` as seconds if it is a time: frees and copies the key, frees the string.
   void convertDate(const char* key);
-  // A constant is copied and freed again.
+  // Copies a constant and frees it again.
   void copyInVain(const char* text) { in_vain_.push_back(texts_.of(text)); }
-  // A table is made, grown as `model` says, and freed once its entries have been moved on.
+  // Makes a table, grows it as `model` says, and frees it once its entries have moved on.
   void makeTransient(const TableModel& model);
-  // A table is made and grown. No more may be put into it. Returns its value.
+  // Makes a table and grows it. It takes no more entries. Returns its value.
   origin_t finish(const OutputModel& output);
 
   OutputModel fields;

@@ -148,7 +148,7 @@ class Planner {
     }
     carryOverRest();
   }
-  // The text goes, a copy of the constant comes: 1 s 1 c.
+  // Frees the string and copies the constant: 1 s 1 c.
   origin_t validated(const taken_t& text) {
     plan_.drop(text);
     return plan_.copied(text.value->value.string);

@@ -3,8 +3,8 @@
 // Counted for every notification that converts (a: allocate_map, r: reallocate_map, f: free_map,
 // c: copy_data, s: free_string):
 //
-//   the stand-by message with the "id"    1 a  2 c  1 f   when "id" is a text; nobody sees it unless
-//                                                        the conversion fails, but the steps make it
+//   the stand-by message with the "id"    1 a  2 c  1 f   when "id" is a string; only a failure
+//                                                        needs it, but the steps make it
 //   event's metadata                      1 a  4 c        vlt.type, vlt.channel, key and value each
 //   event's payload                       1 a  + r        8 slots, then a growth before the 8th, the
 //                                                         14th, … key (2 × live + 2 slots)
@@ -12,9 +12,10 @@
 //   a field that is set by name           1 c             its key; 1 more for a constant as value
 //   a field that is carried over          0               key and value move
 //   "tenantId", "measurements"            3 c             keys, and the tenant
-//   the notification's two tables         2 f             with the path, and whatever is left
+//   the notification's two tables         2 f             with the path, and remaining fields
 //
-// and for the release of the event: 2 f. What a kind adds stands at its function in planner.cpp.
+// and for the release of the event: 2 f. planner.cpp has the calls that a kind adds, at
+// its function.
 #ifndef VLT_BENCH_FLOOR_PLANNER_HPP
 #define VLT_BENCH_FLOOR_PLANNER_HPP
 
@@ -22,8 +23,8 @@
 
 namespace com::velanto::connectivity::bench::floor {
 
-// `texts` receives the constants that the plan names by number. Throws std::logic_error for a
-// notification that would be dropped, or that has what no corpus has: the floor then has no plan.
+// Enters the constants that the plan names by number into `texts`. Throws std::logic_error for a
+// notification to drop, or with values that no corpus has: the floor then has no plan.
 [[nodiscard]] plan_t makePlan(const vlt_underlying_message_t& message, variant_t variant,
                               Texts& texts);
 

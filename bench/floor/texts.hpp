@@ -1,4 +1,4 @@
-// The constant texts that conversions copy into events, each once, in the host's storage.
+// The constant strings that conversions copy into events, each once, in the host's storage.
 #ifndef VLT_BENCH_FLOOR_TEXTS_HPP
 #define VLT_BENCH_FLOOR_TEXTS_HPP
 
@@ -15,7 +15,7 @@ namespace com::velanto::connectivity::bench::floor {
 
 class Texts {
  public:
-  // The number of the text, which is added when it is new.
+  // The number of the string, which is added when it is new.
   std::uint32_t of(std::string_view text) {
     const auto number = static_cast<std::uint32_t>(values_.size());
     const auto [entry, is_new] = numbers_.try_emplace(std::string(text), number);

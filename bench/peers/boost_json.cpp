@@ -1,5 +1,5 @@
-// Boost.JSON: objects are arrays of members with an index, keys are copied into the object that they
-// enter, everything else moves within one memory resource.
+// Boost.JSON: objects are arrays of members with an index. Keys are copied into the object that
+// they enter; everything else moves within one memory resource.
 //
 // This file is a library of its own that shows nothing but the two factories: it is built against a
 // newer Boost than the codec, and the two must not share inline functions.
@@ -22,7 +22,7 @@ json::string_view viewOf(std::string_view text) { return {text.data(), text.size
 struct BoostTree {
   using value_t = json::value;
 
-  json::storage_ptr storage; // a plain pointer: nothing is counted
+  json::storage_ptr storage; // a plain pointer, without a reference count
 
   static const value_t* find(const value_t& object, std::string_view key) {
     return object.get_object().if_contains(viewOf(key));

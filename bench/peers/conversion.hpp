@@ -1,5 +1,5 @@
-// The five conversions, once for all trees. Each step is written against a Tree, which a library's
-// own file implements with that library's own means:
+// The five conversions, once for all trees. Each step uses a Tree, which each library's own file
+// implements with that library's own means:
 //
 //   value_t                                a value
 //   find(object, key)                      the value, or null
@@ -31,8 +31,8 @@ class Conversion {
   using value_t = typename Tree::value_t;
 
   // `payload` and `metadata` become the event's, unless there is no path. Throws
-  // std::runtime_error; both are then whatever the conversion has left of them, but `id` has a copy
-  // of the notification's id, if that is a text.
+  // std::runtime_error. Both are then in any state, but `id` has a copy of the notification's id,
+  // if that is a string.
   static void convert(Tree tree, value_t& payload, value_t& metadata,
                       std::optional<std::string>& id) {
     const value_t* const path = tree.find(metadata, "pulsarPath");
@@ -61,7 +61,7 @@ class Conversion {
   Conversion(Tree tree, value_t& payload)
       : tree_(std::move(tree)),
         payload_(payload),
-        // Besides its own fields, an event has a tenant and measurements.
+        // Beyond its own fields, an event has a tenant and measurements.
         fields_(tree_.object(tree_.size(payload) + 2)),
         series_(tree_.object(0)) {}
 

@@ -1,4 +1,4 @@
-// A batch of messages in some library's tree. The Storage says how one message is held:
+// A batch of messages in some library's tree. The Storage says how to hold one message:
 //
 //   tree_t          the Tree for conversion.hpp
 //   prototype_t     a parsed line

@@ -1,9 +1,10 @@
-// The same conversions over the trees of general JSON libraries, with all rules of all kinds: what
-// somebody would write who had the notifications in such a tree and wanted the events in one.
+// The same conversions over the trees of general JSON libraries, with all rules of all kinds: the
+// code of a user who has the notifications in such a tree and wants the events in one.
 //
-// Common to all: values move, nothing is copied that need not be; the event is an object of its own,
-// into which the fields move; a batch is converted whole and then released whole, as the plug-in's
-// are. They read timestamps with the codec's own reader, so that trees are compared and not readers.
+// Common to all: values move, and only necessary copies are made. The event is an object of its
+// own, into which the fields move. They convert a batch as a whole and then release it as a whole,
+// as the plug-in does. They read timestamps with the codec's own reader, so trees are compared and
+// not readers.
 #ifndef VLT_BENCH_PEERS_PEERS_HPP
 #define VLT_BENCH_PEERS_PEERS_HPP
 
@@ -13,8 +14,8 @@ namespace com::velanto::connectivity::bench::peers {
 
 [[nodiscard]] std::unique_ptr<Contender> makeNlohmann(const lines_t& lines, std::size_t batch);
 
-// One pool per message, which is freed as a whole: nothing in it is freed one by one. The host's
-// storage does not allow that, since each of its blocks may outlive the message.
+// One pool per message, which is freed as a whole. The host's storage does not allow that, since
+// each of its blocks may outlive the message.
 [[nodiscard]] std::unique_ptr<Contender> makeRapidJson(const lines_t& lines, std::size_t batch);
 
 // Every block from the C++ heap.

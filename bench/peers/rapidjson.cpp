@@ -1,4 +1,4 @@
-// RapidJSON: objects are arrays of members, texts and members lie in the message's pool.
+// RapidJSON: objects are arrays of members; strings and members are in the message's pool.
 #include <rapidjson/document.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>

@@ -1,6 +1,5 @@
-// The rules of the fields that have nothing to do with the tree they lie in: kinds and texts that
-// are accepted, and the words in which the others are refused. The program exports them for the
-// library that one of the peers is.
+// The rules of fields that do not depend on the tree: accepted kinds and words, and the messages
+// for all others. The program exports them for the peer that is a library.
 #ifndef VLT_BENCH_PEERS_RULES_HPP
 #define VLT_BENCH_PEERS_RULES_HPP
 
@@ -28,7 +27,7 @@ inline constexpr std::array<std::string_view, 4> OPERATION_STATES = {"SUCCESSFUL
 [[noreturn]] void refuseNoString(const char* key);
 // `actual` is the host's name for the kind, null for no value at all.
 [[noreturn]] void refuseKind(const char* asked, const char* actual);
-// The same for a field: the key is named.
+// The same for a field, with its key.
 [[noreturn]] void refuseKindOf(const char* key, const char* asked, const char* actual);
 
 // Throws std::runtime_error "Unrecognized WHAT: TEXT" unless `text` is one of `texts`.
@@ -44,12 +43,12 @@ void requireOneOf(const Texts& texts, std::string_view text, const char* what) {
 [[nodiscard]] std::string_view typeSegment(std::string_view path) noexcept;
 [[noreturn]] void refuseSegment(std::string_view segment);
 
-// Seconds since the epoch, if the text reads as a time.
+// Seconds since the epoch, if `text` is a time.
 [[nodiscard]] std::optional<double> readTime(const char* text) noexcept;
 // The same for "time", which must be readable.
 [[nodiscard]] double requireTime(const char* text);
 
-// Whether a text counts as a number.
+// Whether `text` counts as a number.
 [[nodiscard]] bool isNumericText(const char* text) noexcept;
 
 // The line that a dropped notification leaves in the log; `id` is empty when it had no textual one.

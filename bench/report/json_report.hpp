@@ -1,4 +1,4 @@
-// What was measured, for programs: every suite with medians, quartiles and ratios.
+// The measurements, for programs: every suite with medians, quartiles and ratios.
 #ifndef VLT_BENCH_REPORT_JSON_REPORT_HPP
 #define VLT_BENCH_REPORT_JSON_REPORT_HPP
 

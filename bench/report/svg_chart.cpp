@@ -10,7 +10,7 @@ namespace {
 
 constexpr double WIDTH = 900;
 constexpr double BAR_START = 200;
-constexpr double BAR_ROOM = 600; // the longest bar; its figure stands behind it
+constexpr double BAR_ROOM = 600; // the longest bar; its figure comes after it
 constexpr double ROW = 18;
 constexpr double TITLE = 34;
 

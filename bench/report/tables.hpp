@@ -1,4 +1,4 @@
-// What was measured, as tables of text.
+// The measurements, as tables for people.
 #ifndef VLT_BENCH_REPORT_TABLES_HPP
 #define VLT_BENCH_REPORT_TABLES_HPP
 
@@ -18,7 +18,7 @@ namespace com::velanto::connectivity::bench {
 // Sizes: the plug-in's time per field, the floor's, and how they compare.
 [[nodiscard]] std::string scalingText(const suite_t& suite);
 
-// One thread, two, and the speed-up: how much more is done by two in the same time.
+// One thread, two, and the speed-up: how much more two do in the same time.
 [[nodiscard]] std::string threadsText(const std::string& title, const suite_t& suite);
 
 } // namespace com::velanto::connectivity::bench

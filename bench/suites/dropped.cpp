@@ -14,7 +14,7 @@ namespace {
 constexpr const char* CONVERTED = "converted";
 
 // Standard error leads nowhere while one of these lives: a field of the wrong kind writes a line
-// there each time, and a terminal is not what is to be measured.
+// there each time, and the time of a terminal does not belong to the measurement.
 class SilentStderr {
  public:
   SilentStderr() : before_(dup(STDERR_FILENO)) {

@@ -14,14 +14,14 @@
 namespace com::velanto::connectivity::bench {
 
 struct options_t {
-  std::string plugin;                 // path of the library that is measured
+  std::string plugin;                 // path of the measured library
   std::optional<std::string> against; // path of another revision's
   std::string against_name = "other revision";
   std::size_t rounds = 151;
   bool only_check = false;
 };
 
-// What was measured in one race; the first result is the plug-in's.
+// The measurements of one race; the first result is the plug-in's.
 struct group_t {
   std::string name;
   std::vector<result_t> results;
@@ -58,8 +58,8 @@ class Heat {
   // Something over other messages, for comparison of times only.
   Heat& withOther(std::string name, std::shared_ptr<Contender> contender);
 
-  // Compares, then races unless only the comparison is wanted. `per` message: what times are
-  // divided by, besides the number of messages.
+  // Compares, then races unless the caller wants the comparison alone. `per` message: a divisor of
+  // the times, in addition to the number of messages.
   [[nodiscard]] group_t run(std::size_t rounds, double per = 1.0);
 
  private:

@@ -1,5 +1,5 @@
-// Reads a timestamp the obvious way: substrings, std::stoi, strptime and timegm, one after the other.
-// What the codec's own reader has to agree with, bit by bit, and to be faster than.
+// Reads a timestamp the obvious way: substrings, std::stoi, strptime and timegm, one after the
+// other. The codec's own reader has to agree with it, bit by bit, and to be faster.
 #ifndef VLT_BENCH_SUITES_LITERAL_TIME_HPP
 #define VLT_BENCH_SUITES_LITERAL_TIME_HPP
 
@@ -7,7 +7,7 @@
 
 namespace com::velanto::connectivity::bench {
 
-// Seconds since the epoch; nothing for what is no timestamp. `text` may be null.
+// Seconds since the epoch; nothing if `text` is no timestamp. `text` may be null.
 [[nodiscard]] std::optional<double> readTimeLiterally(const char* text) noexcept;
 
 } // namespace com::velanto::connectivity::bench

@@ -9,7 +9,7 @@ namespace {
 
 // Messages of one shape, over their size.
 struct shape_t {
-  const char* part; // what there are many of
+  const char* part; // the unit that repeats
   lines_t (*make)(std::size_t count);
 };
 

@@ -1,4 +1,4 @@
-// What is measured, one function a table. Each compares before it times; with `only_check` it times
+// The measurements, one function a table. Each compares before it times; with `only_check` it times
 // nothing. All throw std::runtime_error at the first difference.
 #ifndef VLT_BENCH_SUITES_SUITES_HPP
 #define VLT_BENCH_SUITES_SUITES_HPP
@@ -11,8 +11,8 @@ namespace com::velanto::connectivity::bench {
 // Nanoseconds per message.
 [[nodiscard]] suite_t measureKinds(const options_t& options, std::size_t batch);
 
-// The plug-in and the floors over the same, with input tables of other capacities than those that
-// insertions lead to.
+// The plug-in and the floors over the same, with input tables of capacities that insertions do not
+// lead to.
 [[nodiscard]] suite_t measureCapacities(const options_t& options);
 
 // Dropped notifications, beside converted ones of the same kind. Nanoseconds per message.

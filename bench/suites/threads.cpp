@@ -24,7 +24,7 @@ void addThreadLanes(std::vector<lane_t>& lanes, const std::string& name,
 
 suite_t measureThreads(const options_t& options) {
   suite_t suite{"threads", "ns per message and thread", {}};
-  if (options.only_check) return suite; // what runs here was compared with the other suites
+  if (options.only_check) return suite; // the other suites have compared these
   const lines_t lines = mixedNotifications(2 * LARGE_BATCH);
   std::vector<lane_t> lanes;
   addThreadLanes(lanes, "plug-in", [&] {

@@ -1,4 +1,4 @@
-// The lanes of whatever is measured on one thread and on two.
+// The lanes of a suite on one thread and on two.
 #ifndef VLT_BENCH_SUITES_THREADS_HPP
 #define VLT_BENCH_SUITES_THREADS_HPP
 

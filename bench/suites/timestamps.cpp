@@ -48,7 +48,7 @@ class Reader final : public Contender {
 using CodecReader = Reader<readByCodec>;
 using LiteralReader = Reader<readTimeLiterally>;
 
-// What platforms send.
+// The usual forms.
 lines_t usualTexts() {
   return {"2023-04-05T06:07:08.123Z",      "2024-05-14T09:19:40.000+02:00",
           "2024-02-29T23:59:59.999Z",      "2024-12-31T00:00:00.045-05:30",
@@ -57,7 +57,7 @@ lines_t usualTexts() {
 }
 
 // The usual ones with one character replaced, dropped or doubled: mostly wrong, and often in ways
-// that are accepted.
+// that the reader accepts.
 lines_t oddTexts() {
   constexpr std::string_view CHARACTERS = "0123456789-+:.TZz xX\t";
   std::mt19937_64 engine(7);
