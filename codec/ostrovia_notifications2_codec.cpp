@@ -112,11 +112,11 @@ void OstroviaNotifications2Codec::reportDropped(const char* id, bool towardsTran
                                                 const char* what) const noexcept {
   if (!getLogger().enabled(DROPPED_LEVEL)) return;
   const auto describe = [=](char* text, std::size_t size) noexcept {
-    const int length = std::snprintf(
-        text, size, "Error when transforming message towards %s%s%s%s%s%s",
-        towardsTransport ? "transport" : "host", id == nullptr ? "" : " ('id' = '",
-        text_or_empty(id), id == nullptr ? "" : "')", what == nullptr ? "" : ": ",
-        text_or_empty(what));
+    const int length =
+        std::snprintf(text, size, "Error when transforming message towards %s%s%s%s%s%s",
+                      towardsTransport ? "transport" : "host", id == nullptr ? "" : " ('id' = '",
+                      text_or_empty(id), id == nullptr ? "" : "')", what == nullptr ? "" : ": ",
+                      text_or_empty(what));
     return static_cast<std::size_t>(length) + 1;
   };
   char usual[512];

@@ -11,8 +11,7 @@ namespace com::velanto::connectivity::plugins::pulsar {
 namespace {
 
 std::runtime_error missing(constant_t const& key, char const* where) {
-  return std::runtime_error("Required key '" + std::string(key.text()) +
-                            "' missing from " + where);
+  return std::runtime_error("Required key '" + std::string(key.text()) + "' missing from " + where);
 }
 
 // Always inline: there are two callers, and one of them runs half a dozen times a message.
@@ -38,11 +37,12 @@ data_t extractField(PulsarMessageDisassembler& notification, constant_t const& k
 double extractTimeTimestamp(PulsarMessageDisassembler& notification) {
   Fault& fault = notification.getFault();
   const data_t time = extractField(notification, DATA_T_time);
-  const char* const text = text_or_empty(getFromDataTReportingKey<char const*>(time, "time", fault));
+  const char* const text =
+      text_or_empty(getFromDataTReportingKey<char const*>(time, "time", fault));
   if (const auto seconds = tryParseTime(text)) return *seconds;
   if (!fault) {
-    fault.note(std::runtime_error("Error parsing timestamp '" + std::string(text) +
-                                  "' in key 'time'"));
+    fault.note(
+        std::runtime_error("Error parsing timestamp '" + std::string(text) + "' in key 'time'"));
   }
   return 0;
 }

@@ -14,7 +14,7 @@ const int AT_START = dup(STDERR_FILENO);
 
 void note(const std::string& text) {
   const std::string line = text + "\n";
-  // A line that cannot be written is no reason to stop.
+  // A failed write of this line is no reason to stop.
   [[maybe_unused]] const ssize_t written = write(AT_START, line.data(), line.size());
 }
 

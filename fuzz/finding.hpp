@@ -7,8 +7,8 @@
 
 namespace com::velanto::connectivity::fuzz {
 
-// To standard error as it was when the program began: the fuzzer may have closed it for what the
-// code under test writes there.
+// To the standard error of the program's start: the fuzzer may have closed it for the output of the
+// code under test.
 [[noreturn]] void reportFinding(const std::string& text);
 
 // A line for the run's log, to the same place.

@@ -1,7 +1,7 @@
-// Maps: any sequence of operations leaves them as it leaves their model, slot by slot, and leaves
-// no block behind.
+// Maps: any sequence of operations leaves them equal to their model, slot by slot, and leaks no
+// block.
 //
-//   input   byte: the hash of texts; the rest: a program of tests/value/map_operations.hpp
+//   input   byte: the hash of strings; the rest: a program of tests/value/map_operations.hpp
 #include <array>
 #include <cstdint>
 #include <span>

@@ -1,7 +1,7 @@
-// The numeric test: any text counts as a number when strtod can begin to read it and it has no x,
-// any other value when its kind is one of numbers.
+// The numeric test. A string counts as a number when strtod can begin to read it and it has no x.
+// Any other value counts by its kind.
 //
-//   input   byte: the value's kind; the rest: the text
+//   input   byte: the value's kind; the rest: the string
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -35,14 +35,14 @@ bool isExpected(std::uint32_t tag, const std::string& text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
   const auto* const bytes = reinterpret_cast<const char*>(data) + 1;
-  const std::string text(bytes, strnlen(bytes, size - 1)); // ends at a NUL, as the host's texts do
+  const std::string text(bytes, strnlen(bytes, size - 1)); // ends at a NUL, as a host's string does
   vlt_underlying_data_t value{};
-  // Mostly texts; the other kinds with a null block, which the test does not look at.
+  // Mostly strings; the other kinds with a null block, which the test does not read.
   value.tag = data[0] < 16 ? data[0] : data[0] % 2 * 5 + 5;
   if (value.tag == VLT_TAG_STRING || value.tag == VLT_TAG_BORROWED_STRING) {
     value.value.string = text.c_str();
   }
-  // Seen as a value, not made one: the text stays here.
+  // A view of the string as a value, which does not own it.
   const bool actual = dataTConvertableToFloat(data_t::view(value));
   const bool expected = isExpected(value.tag, text);
   if (actual == expected) return 0;

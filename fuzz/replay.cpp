@@ -1,5 +1,5 @@
-// The reader of recorded messages: whatever it accepts is JSON to another reader too, and is the
-// same when it has been written and read again.
+// The reader of recorded messages: each line that it accepts is JSON to another reader too, and
+// reads the same after writing it.
 //
 //   input   lines, each read as a message; and all of it read as one value
 #include <rapidjson/reader.h>
@@ -25,9 +25,9 @@ using com::velanto::connectivity::writeJson;
 
 namespace {
 
-// By its grammar: RapidJSON's way to the nearest double has undefined behaviour for 0e111, and
-// whether the values are right shows when they are written and read again. It refuses 0e1111, which
-// is no reason to, and sees nothing of what follows.
+// By its grammar alone: RapidJSON's way to the nearest double has undefined behaviour for 0e111,
+// and writing and reading again checks the values. It refuses 0e1111 for no good reason, and then
+// does not read on.
 bool isJson(const std::string& text) {
   constexpr unsigned FLAGS = rapidjson::kParseValidateEncodingFlag |
                              rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag;
@@ -38,7 +38,7 @@ bool isJson(const std::string& text) {
   return error == rapidjson::kParseErrorNone || error == rapidjson::kParseErrorNumberTooBig;
 }
 
-// What `read` makes of the text, unless the text is refused for a reason that is one line.
+// The result of `read`, unless it refuses the line with a reason of one line.
 template <class Read>
 auto readIfWellFormed(const Read& read, std::string_view text)
     -> std::optional<decltype(read(text))> {
@@ -57,7 +57,7 @@ bool equal(const Message& left, const Message& right) {
   return left.getPayload() == right.getPayload() && left.getMetadataMap() == right.getMetadataMap();
 }
 
-// The same text, were it not for the order of entries.
+// The same JSON, except for the order of entries.
 std::string sorted(std::string text) {
   std::sort(text.begin(), text.end());
   return text;

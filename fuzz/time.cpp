@@ -1,4 +1,4 @@
-// Timestamps: any text gives what the plain reading of it gives, bit for bit.
+// Timestamps: the plain reading of any string gives the same result, bit for bit.
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -24,7 +24,7 @@ std::string described(const boost::optional<double>& seconds) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const auto* const bytes = reinterpret_cast<const char*>(data);
-  const std::string text(bytes, strnlen(bytes, size)); // ends at a NUL, as the host's texts do
+  const std::string text(bytes, strnlen(bytes, size)); // ends at a NUL, as the host's strings do
   const std::string actual = described(tryParseTime(text.c_str()));
   const std::string expected = described(reference_time(text.c_str()));
   if (actual == expected) return 0;

@@ -121,7 +121,8 @@ static_assert(sizeof(vlt_underlying_buffer_t) == 8, "bytes start at the block's 
 static_assert(offsetof(vlt_underlying_buffer_t, length) == 0,
               "a buffer block opens with its length");
 static_assert(sizeof(vlt_underlying_map_table_t) == 32, "slots start at the table's 32nd byte");
-static_assert(offsetof(vlt_underlying_map_table_t, host) == 0, "a table opens with the host's word");
+static_assert(offsetof(vlt_underlying_map_table_t, host) == 0,
+              "a table opens with the host's word");
 static_assert(offsetof(vlt_underlying_map_table_t, live) == 8,
               "the live count follows the host's word");
 static_assert(offsetof(vlt_underlying_map_table_t, capacity) == 16,

@@ -29,7 +29,8 @@ class Logger {
   // Writes one line, or does nothing at all below the level. `format` is a printf format for the
   // texts (one or two, none of them null); it is a literal, so the line takes no memory.
   template <std::size_t SIZE, class... Texts>
-  void log(vlt_log_level_t level, const char (&format)[SIZE], const Texts*... texts) const noexcept {
+  void log(vlt_log_level_t level, const char (&format)[SIZE],
+           const Texts*... texts) const noexcept {
     if (!enabled(level)) return;
     constexpr char LABEL[] = "<%s> ";
     char line_format[sizeof LABEL - 1 + SIZE];

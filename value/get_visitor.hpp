@@ -36,8 +36,9 @@ inline constexpr std::uint32_t TAG_OF<vlt_underlying_custom_t> = VLT_TAG_CUSTOM;
 // The error of a typed get that found `value`: "Get from empty", or the "Incorrect type in get" one,
 // for which a line "GetVisitor<T>.operator()(T)" is written to standard error, both with the
 // run-time name of the type asked for; no setting suppresses it.
-[[nodiscard]] std::runtime_error write_mismatch(const data_t& value, const std::type_info& requested,
-                                          std::uint32_t requested_tag);
+[[nodiscard]] std::runtime_error write_mismatch(const data_t& value,
+                                                const std::type_info& requested,
+                                                std::uint32_t requested_tag);
 
 template <class T> // T may be const: a get on a constant value
 struct GetVisitor {

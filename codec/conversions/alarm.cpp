@@ -47,8 +47,8 @@ std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& not
       getFromDataTReportingKey<char const*>(severity, "severity", fault), fault);
   data_t sourceId = extractSourceId(std::move(source), notification);
   data_t status = extractField(notification, DATA_T_status);
-  const AlarmStatus statusValue = alarmStatusFromString(
-      getFromDataTReportingKey<char const*>(status, "status", fault), fault);
+  const AlarmStatus statusValue =
+      alarmStatusFromString(getFromDataTReportingKey<char const*>(status, "status", fault), fault);
   data_t text = extractField(notification, DATA_T_text);
   const double time = extractTimeTimestamp(notification);
   data_t type = extractField(notification, DATA_T_type);

@@ -17,8 +17,7 @@ class ManagedObjectBuilder final : public TivraMessageBuilder {
   ManagedObjectBuilder(data_t&& id, data_t&& name, SpareParts& spares);
 
   // Stores the list as field `key` when all its elements are strings, otherwise hands it back.
-  [[nodiscard]] boost::optional<list_t> tryAddSupported(list_t&& values,
-                                                          constant_t const& key);
+  [[nodiscard]] boost::optional<list_t> tryAddSupported(list_t&& values, constant_t const& key);
 
   // Makes the field "position" of the numeric entries, if there are any, and returns the others.
   [[nodiscard]] map_t tryAddPositionComponents(map_t&& position);

@@ -33,7 +33,7 @@ void collect(const vlt_underlying_map_table_t* table, blocks_t& blocks) {
   blocks.all.push_back(table);
   const auto* const slots = reinterpret_cast<const vlt_underlying_map_table_entry_t*>(table + 1);
   for (std::int64_t i = 0; i < table->capacity; ++i) {
-    // What stands in a slot without an entry means nothing.
+    // The content of a slot without an entry means nothing.
     if (slots[i].hash <= 1 && slots[i].key.tag == VLT_TAG_EMPTY) continue;
     collect(slots[i].key, blocks);
     collect(slots[i].value, blocks);

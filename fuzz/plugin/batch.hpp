@@ -1,5 +1,4 @@
-// A batch as the host owns it: an array of messages, and the blocks that they own, each of which
-// must have one owner.
+// A batch as the host owns it: an array of messages, and their blocks, each with one owner.
 #ifndef VLT_FUZZ_PLUGIN_BATCH_HPP
 #define VLT_FUZZ_PLUGIN_BATCH_HPP
 
@@ -11,7 +10,7 @@
 
 namespace com::velanto::connectivity::fuzz {
 
-// What messages own, in the order of addresses.
+// The blocks of messages, in the order of addresses.
 struct blocks_t {
   std::vector<const void*> all;
   std::vector<const void*> uncopied; // lists, buffers, custom objects, which are only ever moved
@@ -22,7 +21,7 @@ class Batch {
   explicit Batch(std::span<const message_t> messages);
   Batch(const Batch&) = delete;
   Batch& operator=(const Batch&) = delete;
-  ~Batch(); // frees what the messages own
+  ~Batch(); // frees the contents of the messages
 
   [[nodiscard]] Message* begin() { return reinterpret_cast<Message*>(messages_.data()); }
   [[nodiscard]] Message* end() { return begin() + messages_.size(); }

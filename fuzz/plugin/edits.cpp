@@ -11,7 +11,7 @@ namespace {
 
 struct place_t {
   model::value_t* value = nullptr;
-  model::table_t* table = nullptr; // that the value stands in, at `slot`; null: in none
+  model::table_t* table = nullptr; // that holds the value, at `slot`; null: none
   std::size_t slot = 0;
 };
 
@@ -48,12 +48,12 @@ place_t anyPlace(message_t& message, unsigned choice, ValueMaker& input) {
   }
 }
 
-// The map to work on: the value if it is one, otherwise the one that it stands in.
+// The map to work on: the value if it is one, otherwise the map that holds it.
 model::table_t* tableAt(const place_t& place) {
   return place.value->tag == VLT_TAG_MAP && !place.value->null ? &place.value->table : place.table;
 }
 
-// ---- what to do there
+// ---- the changes
 
 void replace(message_t&, const place_t& place, ValueMaker& input) { *place.value = input.value(); }
 
@@ -81,7 +81,7 @@ void addMany(message_t&, const place_t& place, ValueMaker& input) {
   }
 }
 
-// The hash stays: that of the text, whoever owns it.
+// The hash stays: it depends on the string, not on its owner.
 void borrowKey(message_t&, const place_t& place, ValueMaker&) {
   if (place.table == nullptr) return;
   model::value_t& key = place.table->slots[place.slot].key;
@@ -141,7 +141,7 @@ void changeText(message_t&, const place_t& place, ValueMaker& input) {
   }
 }
 
-// Texts that are kept in place up to some length are longer then.
+// Longer than strings that an implementation keeps in place.
 void lengthen(message_t&, const place_t& place, ValueMaker& input) {
   if (isText(*place.value) && !place.value->null) place.value->text.append(input.byte(), '+');
 }
@@ -152,7 +152,7 @@ void routeElsewhere(message_t& message, const place_t&, ValueMaker& input) {
   put(message.metadata, text("pulsarPath"), text("t/s/" + KINDS[input.below(KINDS.size())]));
 }
 
-// What stands anywhere in a sample: a field where it does not belong.
+// A value from anywhere in a sample: a field where it does not belong.
 void transplant(message_t&, const place_t& place, ValueMaker& input) {
   message_t donor = samples().messages[input.below(samples().messages.size())];
   *place.value = std::move(*anyPlace(donor, input.byte(), input).value);
@@ -165,7 +165,7 @@ void replacePayload(message_t& message, const place_t&, ValueMaker& input) {
 void dropMetadata(message_t& message, const place_t&, ValueMaker&) { message.metadata = {}; }
 
 using edit_t = void (*)(message_t&, const place_t&, ValueMaker&);
-// First those that spoil a field, then those that change the message's shape.
+// First the changes that spoil a field, then the changes of the message's shape.
 constexpr std::array<edit_t, 16> EDITS = {
     makeNull, replace, erase,  borrowKey, borrow, changeText,     lengthen,     transplant,
     add,      addMany, rename, resize,    nest,   routeElsewhere, dropMetadata, replacePayload};

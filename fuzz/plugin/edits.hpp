@@ -1,10 +1,10 @@
-// Changes to a message, as bytes choose them: a place within it, and what to do there.
+// Changes to a message, as bytes choose them: a place within it, and the change there.
 //
-//   edit    byte below 128: what to do to a field of the payload; byte: which field
-//           byte from there on: payload or metadata; bytes: the way to a place; byte: what to do
-//   place   a value; the entry that it stands in, unless it is the whole payload or an element
+//   edit    byte below 128: a change of a payload's field; byte: which field
+//           byte from there on: payload or metadata; bytes: the way to a place; byte: the change
+//   place   a value; the entry that holds it, unless it is the whole payload or an element
 //
-// Every second edit is one of a field: that is what conversions look at.
+// Every second edit is one of a field, since conversions read fields.
 #ifndef VLT_FUZZ_PLUGIN_EDITS_HPP
 #define VLT_FUZZ_PLUGIN_EDITS_HPP
 

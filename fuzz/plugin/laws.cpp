@@ -23,12 +23,12 @@ const model::value_t* setting(const model::table_t& copy, const char* key) {
   return value == nullptr || value->tag == VLT_TAG_EMPTY ? nullptr : value;
 }
 
-// Null when there is no text under the key, or one that the settings turn into one.
+// Null when the value under the key is no string and does not become one.
 std::string textOr(const model::value_t* value, const std::string& fallback) {
   return value != nullptr && isText(*value) ? value->text : fallback;
 }
 
-// The kind that a path routes to: what stands behind its second '/' begins with the segment's name.
+// The kind that a path routes to: the part after its second '/' begins with the segment's name.
 const kind_t* kindOf(const model::value_t& path) {
   if (!isText(path)) return nullptr;
   const std::size_t first = path.text.find('/');
@@ -50,7 +50,7 @@ void requireText(const model::table_t& table, const char* key, const std::string
   }
 }
 
-// A prefix that is a number or truth is turned into a text, which is for other checks.
+// A prefix that is a number or truth becomes a string; other checks cover that.
 bool hasOddPrefix(const model::table_t& copy) {
   const model::value_t* const prefix = setting(copy, "towardsHostChannelPrefix");
   return prefix != nullptr && prefix->tag >= VLT_TAG_BOOLEAN && prefix->tag <= VLT_TAG_INTEGER;
@@ -132,7 +132,7 @@ void judgeCarriedOver(const kind_t& kind, const message_t& before,
   }
 }
 
-// What a dropped message holds: all of it if it is no map, otherwise the text of its id at most.
+// A dropped message holds all of its payload if that is no map, otherwise at most its id.
 void judgeRemains(const message_t& before, const vlt_underlying_message_t& after) {
   if (before.payload.tag != VLT_TAG_MAP) {
     return requireNone(difference(after, before), "a payload that is no map stays");

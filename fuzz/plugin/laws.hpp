@@ -1,4 +1,4 @@
-// What must be true of a message that went through the plug-in alone, while memory lasts.
+// The laws for a message that goes through the plug-in alone, while memory lasts.
 #ifndef VLT_FUZZ_PLUGIN_LAWS_HPP
 #define VLT_FUZZ_PLUGIN_LAWS_HPP
 
@@ -30,8 +30,8 @@ struct verdict_t {
 // Whether the plug-in must refuse the configuration, without memory running out.
 [[nodiscard]] bool mustBeRefused(const scenario_t& scenario);
 
-// Compares what became of `before`, sent alone towards the host, with what it must have become; a
-// finding if it did not. There must be a link towards the host that does not throw.
+// Compares `before`, sent alone towards the host, with its result; a breach of the laws is a
+// finding. There must be a link towards the host that does not throw.
 verdict_t judge(const scenario_t& scenario, const message_t& before,
                 const vlt_underlying_message_t& after, const outcome_t& outcome);
 

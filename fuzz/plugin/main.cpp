@@ -1,13 +1,13 @@
 // The whole plug-in, as a host loads it: a batch goes through it in both directions.
 //
-//   (1) the plug-in is created, or refuses the configuration when it must
-//   (2) each message goes through alone, and becomes what the laws say (fuzz/plugin/laws.hpp)
-//   (3) all go through together, towards the transport unchanged, towards the host to the same
+//   (1) create the plug-in, which must refuse a wrong configuration
+//   (2) send each message alone, and compare with the laws (fuzz/plugin/laws.hpp)
+//   (3) send all together: towards the transport unchanged, towards the host with the same
 //       outcome as alone and in their order
-//   (4) the plug-in is destroyed, and no block is left
+//   (4) destroy the plug-in; no block is left
 //
-// When memory is refused on the way, or a link throws, or there is none, (2) is left out and of (3)
-// there remains what holds always (fuzz/plugin/watched_plugin.hpp).
+// When memory runs out, or a link throws, or there is none, a run leaves (2) out. Of (3) it checks
+// the laws of every call (fuzz/plugin/watched_plugin.hpp).
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -21,7 +21,7 @@ namespace com::velanto::connectivity::fuzz {
 
 namespace {
 
-// How often what happened; a target whose inputs all fail checks little.
+// Counts of each outcome; a target whose inputs all fail checks little.
 struct counts_t {
   std::array<unsigned long, KINDS.size()> converted{};
   unsigned long dropped = 0;
@@ -49,7 +49,7 @@ void count(const verdict_t& verdict) {
   }
 }
 
-// What all messages together must come to: the kept ones as they were alone, and their lines.
+// The result of all messages together: the kept ones as they were alone, and their lines.
 struct expectation_t {
   std::vector<message_t> kept;
   std::vector<line_t> lines;

@@ -17,7 +17,7 @@ struct message_t {
   model::table_t metadata;
 };
 
-// The model of what lies in memory, whoever wrote it.
+// The model of the bytes in memory, of either side.
 [[nodiscard]] model::value_t modelOf(const vlt_underlying_data_t& value);
 [[nodiscard]] message_t modelOf(const vlt_underlying_message_t& message);
 
@@ -31,7 +31,7 @@ struct message_t {
 [[nodiscard]] model::value_t text(const std::string& content);
 [[nodiscard]] bool isText(const model::value_t& value);
 
-// What stands under a key that is an owned string; null when there is nothing.
+// The value under a key that is an owned string; null when there is none.
 [[nodiscard]] const model::value_t* find(const model::table_t& table, const std::string& key);
 
 // Puts a value under a key, as a host does it. A key that has no hash gets some number.

@@ -41,7 +41,7 @@ void collectWords(const model::table_t& table, std::set<std::string>& words) {
 
 samples_t read() {
   samples_t result;
-  // Also what the codec's configuration and events have, and no sample does.
+  // Also words of the codec's configuration and events that no sample has.
   std::set<std::string> words = {"measurementSplittingChannel",
                                  "towardsHostChannelPrefix",
                                  "tenantId",

@@ -1,5 +1,5 @@
-// What inputs begin with: the messages of samples/, and the words in them. A finding is repeatable
-// with the samples that it was found with.
+// The beginnings of inputs: the messages of samples/, and the words in them. To repeat a finding
+// takes the samples of its run.
 #ifndef VLT_FUZZ_PLUGIN_SAMPLES_HPP
 #define VLT_FUZZ_PLUGIN_SAMPLES_HPP
 
@@ -13,7 +13,7 @@ namespace com::velanto::connectivity::fuzz {
 struct samples_t {
   std::vector<message_t> messages;
   std::vector<message_t> failing; // of failing.ndjson, each in another way
-  std::vector<std::string> words; // keys and texts, sorted
+  std::vector<std::string> words; // keys and strings, sorted
 };
 
 // Of all files but the long site-day.ndjson, in the order of their names. Never empty: ends the

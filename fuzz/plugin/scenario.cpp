@@ -26,7 +26,7 @@ model::value_t configuration(unsigned choice) {
   return result;
 }
 
-// Mostly a sample that converts. A batch whose bytes have ended goes on with samples of other kinds.
+// Mostly a sample that converts. A batch without further bytes goes on with samples of other kinds.
 message_t anySample(std::size_t place_in_batch, ValueMaker& input) {
   constexpr unsigned FAILING_FROM = 176;
   constexpr std::size_t TO_ANOTHER_KIND = 7;
@@ -38,7 +38,7 @@ message_t anySample(std::size_t place_in_batch, ValueMaker& input) {
   return known.messages[(choice + place_in_batch * TO_ANOTHER_KIND) % known.messages.size()];
 }
 
-// Mostly none: a configuration that is refused ends a run early.
+// Mostly none: a refused configuration ends a run early.
 unsigned editsOfSettings(std::uint8_t byte) { return byte < 176 ? 0 : byte % MOST_EDITS; }
 
 void makeEdits(message_t& message, unsigned count, ValueMaker& input) {

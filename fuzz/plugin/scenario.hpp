@@ -1,4 +1,4 @@
-// An input read as what a host does: a configuration, a batch, and what goes wrong meanwhile.
+// An input read as the actions of a host: a configuration, a batch, and failures meanwhile.
 //
 //   input     byte: log level; byte: settings, links; byte: refused memory; byte: edits of the
 //             settings; byte: messages; then the edits of the settings, then the messages
@@ -23,7 +23,7 @@ struct scenario_t {
   links_t links = links_t::SET;
   bool has_configuration = true; // false: a null pointer
   model::value_t configuration;
-  // Which allocation is refused, counted from the creation or from the batch; 0: none.
+  // The number of the allocation to refuse, counted from the creation or from the batch; 0: none.
   std::uint64_t refused_in_create = 0;
   std::uint64_t refused_in_batch = 0;
   bool refused_from_there_on = false;

@@ -8,7 +8,7 @@ namespace com::velanto::connectivity::fuzz {
 
 namespace {
 
-constexpr unsigned KINDS_OF_VALUE = 12; // eleven that have a number, and those of a newer host
+constexpr unsigned KINDS_OF_VALUE = 12; // eleven that have a number, and the tags of a newer host
 constexpr unsigned NULL_FROM = 240;
 constexpr int MAX_DEPTH = 3;
 

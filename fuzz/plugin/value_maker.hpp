@@ -2,7 +2,7 @@
 // there are zeros.
 //
 //   text    mostly a word of the samples, otherwise up to 31 characters of any kind
-//   key     mostly a text, owned or borrowed, otherwise any value
+//   key     mostly a string, owned or borrowed, otherwise any value
 //   value   byte: kind, and whether its block is null; then the content
 #ifndef VLT_FUZZ_PLUGIN_VALUE_MAKER_HPP
 #define VLT_FUZZ_PLUGIN_VALUE_MAKER_HPP

@@ -87,7 +87,7 @@ outcome_t WatchedPlugin::send(send_t function, Batch& batch) {
   lines_.clear();
   outcome_t outcome;
   outcome.result = function(plugin_, batch.begin(), batch.end());
-  standin_fail_allocation(0); // whoever had some refused
+  standin_fail_allocation(0); // no refusal outlasts the call
   outcome.lines = std::exchange(lines_, {});
   outcome.kept = std::exchange(passed_, std::nullopt);
   under_way_ = nullptr;

@@ -1,9 +1,8 @@
 // The plug-in in a chain of one, driven through its C functions, with everything seen that it does:
 // lines logged, ranges passed on, results.
 //
-// What must hold whatever happens is checked here: results are 0 or 1, a range passed on is the
-// front of the batch, and every block has one owner and is the host's, the messages' or the
-// plug-in's own.
+// Checks here the laws of every call. Results are 0 or 1. A range for the next link is the front of
+// the batch. Every block has one owner: the host, a message or the plug-in.
 #ifndef VLT_FUZZ_PLUGIN_WATCHED_PLUGIN_HPP
 #define VLT_FUZZ_PLUGIN_WATCHED_PLUGIN_HPP
 
@@ -23,7 +22,7 @@ struct line_t {
   bool operator==(const line_t&) const = default;
 };
 
-// What sending a batch came to.
+// The result of sending a batch.
 struct outcome_t {
   int result = 0;
   std::optional<std::size_t> kept; // messages passed on; nothing: no call of the next link
@@ -42,7 +41,7 @@ class WatchedPlugin {
   ~WatchedPlugin(); // shuts down and destroys; a finding when a block is left
 
   [[nodiscard]] bool exists() const { return plugin_ != nullptr; }
-  // What was logged until now.
+  // The log so far.
   [[nodiscard]] const std::vector<line_t>& lines() const { return lines_; }
 
   outcome_t sendTowardsHost(Batch& batch);
