@@ -1,2 +1,2 @@
-// Stands for the test framework's headers, which CMake compiles once for a program and lends to others.
+// Holds the test framework's headers, which CMake compiles once for a program and lends to others.
 int main() { return 0; }

@@ -1,6 +1,6 @@
-// Counts work without a clock: the basic blocks of the plug-in's code that the processor enters. The
-// layers of the plug-in are compiled once more for these tests, with a call at the head of each
-// block, so that loops and comparisons count wherever they are, and equally on every machine.
+// Counts work without a clock: the basic blocks of the plug-in's code that the processor enters.
+// These tests compile the layers of the plug-in once more, with a call at the head of each block.
+// So loops and comparisons count everywhere, and equally on every machine.
 #ifndef VLT_TESTS_COST_BLOCK_COUNT_HPP
 #define VLT_TESTS_COST_BLOCK_COUNT_HPP
 

@@ -1,6 +1,6 @@
-// What converting a message costs as it gets larger or more hostile, counted in basic blocks: per
-// field, series or position component it stays flat, whatever the order of the input's slots, but
-// for what the rules of the tables force.
+// The cost of converting a message as it gets larger or more hostile, counted in basic blocks. Per
+// field, series or position component it stays flat in any order of the input's slots, except where
+// the rules of the tables force more.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -23,7 +23,7 @@ std::uint64_t hashOf(const char* key, std::uint64_t) {
                                                    : std::hash<std::string_view>()(name);
 }
 
-// Before the codec's constants are hashed, which is done while the program is loaded.
+// Before the codec's constants get their hashes, while the program is loading.
 [[gnu::constructor(101)]] void chooseHash() { standin_set_string_hash(hashOf); }
 
 using shape_t = map_t (*)(int parts);
@@ -83,8 +83,8 @@ map_t& largeTableOf(map_t& payload) {
   return payload;
 }
 
-// Basic blocks for each slot that is passed on the way: its state, its hash, the next one; and for
-// each key whose hash is the same, its comparison.
+// Basic blocks for each slot passed on the way: its state, its hash, the next one. And for each key
+// with the same hash, its comparison.
 constexpr double BLOCKS_PER_VISIT = 5;
 constexpr double BLOCKS_PER_COMPARISON = 10;
 
@@ -117,12 +117,12 @@ TEST_P(KindCostTest, StaysFlatFromTenToAHundredThousandParts) {
   for (const int parts : {10, 1'000, 10'000, 100'000}) {
     const double work = workPerPart(GetParam(), parts);
     RecordProperty("blocks_per_part_of_" + std::to_string(parts), std::to_string(work));
-    // Small messages also bear what a message costs without any part.
+    // Small messages also bear the cost of a message without any part.
     EXPECT_LT(work, parts == 10 ? 20 * hundred : 1.5 * hundred) << parts;
   }
 }
 
-// The capacities with which a host would make a table whose entries it can count beforehand.
+// The capacities that a host gives to a table with a known number of entries.
 TEST_P(KindCostTest, StaysFlatWhateverCapacityAHostMakesForItsEntries) {
   constexpr int PARTS = 100'000;
   const double grown = workPerPart(GetParam(), PARTS);

@@ -1,5 +1,5 @@
-// The slots that plain insertion visits, by the rules of the tables alone and on plain numbers: what
-// any implementation that leaves each entry where the host looks for it has to pass.
+// The slots that plain insertion visits, by the rules of the tables alone and on plain numbers. Any
+// implementation that puts each entry where the host looks for it has to pass them.
 //
 //   first insertion   8 slots
 //   before any other  when capacity x 0.75 < entries: 2 x entries + 2 slots, the entries moved by
@@ -72,7 +72,7 @@ class VisitCounter {
   std::uint64_t visits_ = 0;
 };
 
-// Slots visited while entries of these hashes are inserted in this order.
+// Slots visited by inserting entries of these hashes in this order.
 inline std::uint64_t forcedVisits(const std::vector<std::uint64_t>& hashes) {
   VisitCounter counter;
   for (const std::uint64_t hash : hashes) counter.insert(hash);

@@ -61,7 +61,7 @@ unsigned long numbersIn(const std::string& line) {
   return sum;
 }
 
-// Takes the lines that `line` stands for from `shown`; nothing is left of it when they are missing.
+// Takes the lines that `line` describes from `shown`; empties it when they are missing.
 void skip(std::istream& shown, const std::string& line) {
   std::string skipped;
   for (unsigned long i = numbersIn(line); i > 0; --i) std::getline(shown, skipped);

@@ -1,12 +1,12 @@
-// Runs the commands that stand in a document and compares what they print with what stands below
-// them. A command stands behind "$ ", in a block ```console or in an indented one; what follows up
-// to the next command is what it prints, on both streams. Left out of the comparison:
+// Runs the commands of a document and compares their output with the lines below them. A command
+// comes after "$ ", in a block ```console or in an indented one. The lines up to the next command
+// are its output, on both streams. Not compared:
 //
 //   T ms, T µs, T messages/s    times differ from run to run
-//   text…                       the line is only begun
+//   text…                       only the beginning of the line
 //   … 4 more events …           as many lines as the numbers in it add up to
 //
-// All commands of a document run in one folder, where each finds what the ones before it have left.
+// All commands of a document run in one folder, where each finds the files of the earlier ones.
 #ifndef VLT_TESTS_DOCS_CONSOLE_HPP
 #define VLT_TESTS_DOCS_CONSOLE_HPP
 
@@ -32,7 +32,7 @@ struct session_t {
 
 [[nodiscard]] std::string withoutTimes(const std::string& text);
 
-// A folder for the commands; $PLUGIN names the plug-in, the tools are found by their names.
+// A folder for the commands; $PLUGIN names the plug-in, and PATH finds the tools.
 class Console : public Program {
  protected:
   Console() { environment_ = {"PLUGIN=" VLT_PLUGIN_PATH}; }

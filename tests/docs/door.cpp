@@ -18,7 +18,7 @@ Door::Door() {
   for (const char* const part : {"dev", "scripts", "CMakePresets.json"}) {
     fs::copy(fs::path(VLT_PROJECT_ROOT) / part, folder_.path(part), fs::copy_options::recursive);
   }
-  // Older than what is configured by it.
+  // Older than the files made from it.
   fs::last_write_time(folder_.path("CMakePresets.json"),
                       fs::file_time_type::clock::now() - std::chrono::hours(1));
   for (const char* const preset : {"release", "clang", "sanitize", "thread", "coverage", "bench"}) {

@@ -1,6 +1,6 @@
-// A copy of the project's door, ./dev with its scripts, in the folder of a test: around it lie the
-// samples and the tools of this build, as if they had been built there. The programs that install,
-// build, test and lint are replaced by ones that do nothing but write down how they were called.
+// A copy of the project's door, ./dev with its scripts, in the folder of a test. Around it are the
+// samples and the tools of this build, as if built there. Its programs to install, build, test and
+// lint only write down their calls.
 #ifndef VLT_TESTS_DOCS_DOOR_HPP
 #define VLT_TESTS_DOCS_DOOR_HPP
 
@@ -14,11 +14,11 @@ class Door : public Console {
  protected:
   Door();
 
-  // Runs a line of shell in front of the door: first what it prints, then its diagnostics, as on a
-  // terminal, where results come before what is reported of them.
+  // Runs a line of shell in front of the door. Returns its results and then its diagnostics, in the
+  // order of a terminal.
   std::string runAtDoor(const std::string& command);
 
-  // How the replaced programs were called since the last time, a line each, without their folder.
+  // The calls of the replaced programs since the last time, a line each, without their folder.
   std::string takeCalls();
 
  private:

@@ -9,13 +9,13 @@ namespace com::velanto::connectivity::test {
 
 class EventSchema {
  public:
-  // Throws when the document cannot be read as JSON.
+  // Throws when the document is no JSON.
   EventSchema();
   EventSchema(const EventSchema&) = delete;
   EventSchema& operator=(const EventSchema&) = delete;
   ~EventSchema();
 
-  // The empty text when `line` is an event, otherwise the place in the line and the rule that it
+  // The empty string when `line` is an event, otherwise the place in the line and the rule that it
   // breaks.
   [[nodiscard]] std::string complaint(const std::string& line) const;
 

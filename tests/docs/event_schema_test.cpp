@@ -1,6 +1,6 @@
-// Keeps docs/event.schema.json true: (1) every event that the samples and the conformance cases
-// yield is accepted; (2) an event that lacks a required field, or has one of a wrong kind, is not;
-// (3) nor is one whose measurements have another shape.
+// Keeps docs/event.schema.json true. (1) It accepts every event of the samples and the conformance
+// cases. (2) It refuses an event that lacks a required field, or has one of a wrong kind, (3) and
+// an event whose measurements have another shape.
 #include "tests/docs/event_schema.hpp"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ namespace com::velanto::connectivity::test {
 namespace {
 
 struct kind_t {
-  const char* word; // behind com.tivra.ostrovia.
+  const char* word; // after com.tivra.ostrovia.
   std::vector<const char*> typed;
   std::vector<const char*> untyped; // required, but of any kind
   std::vector<const char*> never;
@@ -38,7 +38,7 @@ const std::vector<kind_t> KINDS = {
     {"Operation", {"source", "status"}, {"id", "measurements"}, {"deviceId"}},
 };
 
-// JSON cannot say that a key is borrowed or no string, so no replay makes such a field.
+// JSON has no borrowed keys and no keys but strings, so no replay makes such a field.
 bool hasPlainKeys(const Message& event) {
   const data_t& payload = event.getPayload();
   if (payload.type_tag() != VLT_TAG_MAP) return true;
@@ -65,7 +65,7 @@ bool takeAway(map_t& map, const char* field) {
   return true;
 }
 
-// Without a path a message passes, whatever it looks like.
+// Without a path any message passes.
 std::vector<Message> notificationsIn(std::vector<Message>&& messages) {
   std::erase_if(messages, [](Message& m) { return !has(m.getMetadataMap(), "pulsarPath"); });
   return std::move(messages);

@@ -1,5 +1,5 @@
-// Keeps docs/fields.md true: (1) each example is run through the built plug-in and compared value by
-// value, or its log line text by text; (2) so is each row of the table of times.
+// Keeps docs/fields.md true: runs (1) each example through the built plug-in and compares it value
+// by value, or its log line whole, (2) and each row of the table of times.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -17,7 +17,7 @@ namespace {
 constexpr const char* FIELDS = "docs/fields.md";
 const std::string CATEGORY = "connectivity.OstroviaNotifications2Codec.replay";
 
-// Values, not texts: tables that hold the same entries may list them in different orders.
+// Values, not strings: tables that hold the same entries may list them in different orders.
 ::testing::AssertionResult isMessage(const Message& actual, const Message& expected) {
   if (actual.getPayload() == expected.getPayload() &&
       actual.getMetadataMap() == expected.getMetadataMap()) {

@@ -1,6 +1,6 @@
-// Keeps docs/host-interface.md true: (1) what it quotes stands in the sources, and the program that
-// it quotes piece by piece is whole; (2) its tables have the functions that there are; (3) the host
-// functions are called in the phases that it says, by all cases that the tests have.
+// Keeps docs/host-interface.md true. (1) Its quotations are in the sources, and its pieces of the
+// program make the whole. (2) Its tables have all functions and no others. (3) All cases of the
+// tests call the host functions in the phases of its table.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -47,12 +47,12 @@ std::string withoutBlankLines(const std::string& text) {
   return result;
 }
 
-// Drawings are quoted without the " * " of the comment that they stand in.
+// The document quotes drawings without the " * " of their comment.
 std::string withoutCommentMarks(const std::string& text) {
   return Pattern("\n \\* ").replacedIn(text, "\n");
 }
 
-// The names behind which `text` has `pattern`, a regular expression with one group.
+// The names after which `text` has `pattern`, a regular expression with one group.
 names_t namesIn(const std::string& text, const char* pattern) {
   names_t names;
   for (const Pattern::match_t& found : Pattern(pattern).allIn(text)) names.insert(found[1]);
@@ -72,7 +72,7 @@ names_t phasesIn(const std::string& cell) {
 
 class HostInterface : public HostFixture {
  protected:
-  // Which host functions were called since the last time belongs to `phase`.
+  // Adds the host functions called since the last time to `phase`.
   void note(const char* phase) {
     for (std::size_t i = 0; i < HOST_FUNCTIONS.size(); ++i) {
       if (standin_calls(static_cast<standin_function_t>(i)) > 0) {

@@ -33,7 +33,7 @@ bool isSpan(std::string_view text) {
   return text.size() > 2 && text.front() == '`' && text.find('`', 1) == text.size() - 1;
 }
 
-// The content of the code span that `text` is, otherwise `text`.
+// The content of the code span if `text` is one, otherwise `text`.
 std::string_view unspanned(std::string_view text) {
   return isSpan(text) ? text.substr(1, text.size() - 2) : text;
 }

@@ -1,6 +1,6 @@
-// What the tests read out of the project's documents: fenced blocks, numbered log lines and tables.
-// A document that is not laid out as expected is a std::runtime_error "NAME:LINE: REASON", so that a
-// misspelt fence is an error and not an example that nobody runs.
+// The parts of the project's documents that tests read: fenced blocks, numbered log lines and
+// tables. A document with another layout is a std::runtime_error "NAME:LINE: REASON", so a misspelt
+// fence is an error and not an example that nobody runs.
 #ifndef VLT_TESTS_DOCS_MARKDOWN_HPP
 #define VLT_TESTS_DOCS_MARKDOWN_HPP
 
@@ -11,11 +11,11 @@
 namespace com::velanto::connectivity::test {
 
 struct document_t {
-  std::string name; // as error texts call it
+  std::string name; // as in error texts
   std::vector<std::string> lines;
 };
 
-// The file `name`, relative to the project's root. Throws when it cannot be read.
+// The file `name`, relative to the project's root. Throws when it is not there.
 [[nodiscard]] document_t readDocument(const std::string& name);
 
 // The files *.ndjson of a folder of the project, named as readDocument wants them, in no order.
@@ -24,7 +24,7 @@ struct document_t {
 // All documents of the project, relative to its root.
 [[nodiscard]] std::vector<std::string> documentNames();
 
-// The document that `text` is, for tests of what stands below.
+// `text` as a document, for tests of the functions below.
 [[nodiscard]] document_t documentOf(const std::string& text);
 
 // "NAME:LINE", lines counted from 1.
@@ -39,12 +39,12 @@ struct block_t {
 // All fenced blocks. Throws when one is not closed.
 [[nodiscard]] std::vector<block_t> readBlocks(const document_t& document);
 
-// One example: a message, and either the message that comes of it or the line that is logged.
+// One example: a message, and its event or its log line.
 struct example_t {
   std::string place;
   std::string input;
-  std::string output; // empty: the message is dropped
-  std::string log;    // without a line end; empty: nothing is logged
+  std::string output; // empty: the codec drops the message
+  std::string log;    // without a line end; empty: no line
 };
 
 struct examples_t {
@@ -53,17 +53,17 @@ struct examples_t {
 };
 
 // The blocks "json configuration" (one, before all others), "json input", "json output" and "log".
-// Throws when an input is not followed by an output or a log line, when one of these stands alone,
-// and for a block of any other kind.
+// Throws for an input without an output or a log line, for an output or a log line without an
+// input, and for a block of any other kind.
 [[nodiscard]] examples_t readExamples(const document_t& document);
 
-// The code spans of a numbered list whose items are a sentence and, on the next line, a code span.
+// The code spans of a numbered list. Each item is a sentence and, on the next line, a code span.
 // Throws when the numbers are not 1, 2, 3 … or an item has no code span.
 [[nodiscard]] std::vector<std::string> readNumberedSpans(const document_t& document);
 
-// The rows of the table whose head begins with `first_column`, cell by cell without blanks and,
-// where a cell is one code span, without its marks. Throws when there is no such table or a row
-// lacks cells.
+// The rows of the table whose head begins with `first_column`. Cells have no blanks around them,
+// and a cell that is one code span has no marks. Throws when there is no such table or a row lacks
+// cells.
 [[nodiscard]] std::vector<std::vector<std::string>> readTable(const document_t& document,
                                                               const std::string& first_column);
 

@@ -1,6 +1,6 @@
-// Keeps the tables of docs/operating.md true: (1) every case that the tests have, and every fault
-// of a host, is run through the built plug-in; (2) each line that comes of it, in the log or on
-// standard error, is documented; (3) each documented line came of something.
+// Keeps the tables of docs/operating.md true. (1) It runs every case of the tests, and every fault
+// of a host, through the built plug-in. (2) The document has each line that they write, in the log
+// or on standard error. (3) They write each line that the document has.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ constexpr const char* OPERATING = "docs/operating.md";
 constexpr std::string_view ANYTHING = "…";
 constexpr std::string_view REASON = "REASON";
 
-// Whether `text` is `pattern`, in which each … stands for any text.
+// Whether `text` is `pattern`, in which each … is any text.
 bool matches(std::string_view pattern, std::string_view text) {
   std::size_t gap = pattern.find(ANYTHING);
   if (gap == std::string_view::npos) return pattern == text;
@@ -40,7 +40,7 @@ bool matches(std::string_view pattern, std::string_view text) {
   return text.ends_with(pattern);
 }
 
-// A row of a table and whether anything was seen of it.
+// A row of a table and whether a case wrote it.
 struct documented_t {
   std::string level; // empty: none
   std::string pattern;
@@ -112,7 +112,7 @@ void throwNumber(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) { 
 
 class Operating : public HostFixture {
  protected:
-  // Runs `action` and expects that all that is written meanwhile is documented.
+  // Runs `action` and expects all its lines in the document.
   template <class Action>
   void watch(const std::string& place, const Action& action) {
     documented_.expectPrinted(stderr_of(action), place);
@@ -232,8 +232,8 @@ TEST_F(Operating, SettingsFailAndDefaultAsTheTableSays) {
   EXPECT_EQ(at(event.getMetadataMap(), "vlt.channel"), text(rows[1][1].c_str()));
 }
 
-// A block of another kind would look like an example and be none. Those of the packages are run by
-// scripts/test_package.sh.
+// A block of another kind would look like an example and be none. scripts/test_package.sh runs the
+// blocks of the packages.
 TEST_F(Operating, EveryBlockIsRun) {
   for (const block_t& block : readBlocks(readDocument(OPERATING))) {
     EXPECT_THAT(block.info, AnyOf("console", "console debian", "console archive"))

@@ -1,6 +1,5 @@
-// Keeps true what the documents say of ./dev: (1) what they show is what it prints; (2) the
-// commands that they name are there. What builds and tests is not run again inside of a test, only
-// called for.
+// Keeps true what the documents say of ./dev: (1) their examples show its output; (2) the commands
+// that they name exist. Programs that build and test are called, but do not run inside of a test.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,8 +16,8 @@ namespace {
 
 class Readme : public Door {
  protected:
-  // The examples of a document, `normal` of what is printed and of what is shown. `options` are
-  // added to the last command.
+  // The examples of a document: `normal` of the output is `normal` of the example. Adds `options`
+  // to the last command.
   template <class Normal>
   void expectAtDoor(const char* document, std::size_t examples, const Normal& normal,
                     const std::string& options = "") {
@@ -52,7 +51,7 @@ TEST_F(Readme, CheckOfAPluginShowsWhatItsDocumentSays) {
   expectAtDoor("docs/check-plugin.md", 2, as_it_is, " --timeout 250"); // the machine may be busy
 }
 
-// How much is done in that time is the machine's to say.
+// The machine decides how much it does in that time.
 TEST_F(Readme, SoakShowsWhatItsDocumentSays) {
   expectAtDoor("docs/reliability.md", 1, withoutNumbers);
 }
@@ -107,8 +106,7 @@ TEST_F(Readme, PresetsThatAreNamedExist) {
   }
 }
 
-// Every ./dev COMMAND in any document is one of those that `./dev help` lists, and the other way
-// round.
+// `./dev help` lists every ./dev COMMAND of the documents, and no other.
 TEST_F(Readme, CommandsThatAreNamedAreThoseOfTheHelp) {
   std::set<std::string> listed;
   for (const std::string& line : documentOf(runAtDoor("./dev help")).lines) {

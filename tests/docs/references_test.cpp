@@ -1,5 +1,5 @@
-// Keeps true what the documents refer to: (1) each link leads to a file, and to a heading in it;
-// (2) each test and each file that is named exists; (3) tables of the same things say the same.
+// Keeps the references of the documents true: (1) each link leads to a file, and to a heading in
+// it; (2) each named test and file exists; (3) tables of the same things say the same.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,7 +24,7 @@ strings_t groupsIn(const std::string& text, const char* pattern) {
   return groups;
 }
 
-// The name under which a heading can be linked.
+// The anchor of a heading in links.
 std::string anchorOf(const std::string& heading) {
   std::string anchor;
   for (const char c : heading.substr(heading.find_first_not_of("# "))) {
@@ -70,7 +70,7 @@ bool isTest(const std::string& pattern) {
   });
 }
 
-// What stands between two marks of code, line by line.
+// The code spans, line by line.
 strings_t spansOf(const document_t& document) {
   strings_t spans;
   for (const std::string& line : document.lines) {
@@ -84,12 +84,12 @@ strings_t spansOf(const document_t& document) {
   return spans;
 }
 
-// The code spans in a cell of a table, which is stripped of its marks when it is a single one.
+// The code spans in a cell of a table, which has no marks when it is a single one.
 strings_t spansIn(const std::string& cell) {
   return cell.find('`') == std::string::npos ? strings_t{cell} : spansOf(documentOf(cell));
 }
 
-// In tables whose last column says how to run the tests of a row.
+// For tables whose last column has the tests of a row.
 void expectTestsOf(const char* document, const char* head) {
   for (const auto& row : readTable(readDocument(document), head)) {
     for (const std::string& span : spansIn(row.back())) {
@@ -118,7 +118,7 @@ TEST(References, EveryLinkLeadsSomewhere) {
 TEST(References, EveryTestThatIsNamedExists) {
   expectTestsOf("docs/reliability.md", "Promise");
   expectTestsOf("docs/scaling.md", "Claim");
-  // In running text a test shows by its program, or by being named after what it holds.
+  // In running text, a test is a name with its program, or a name of several words.
   const Pattern test("(?!vlt_)[a-z_]+_tests(\\.\\w+)*|([A-Z][a-z]+[0-9]*){4,}");
   std::size_t named = 0;
   for (const std::string& name : documentNames()) {
@@ -131,7 +131,7 @@ TEST(References, EveryTestThatIsNamedExists) {
   EXPECT_GT(named, 5U);
 }
 
-// A path from the project's root; a name with an ellipsis or a capitalised part stands for others.
+// A path from the project's root; a name with an ellipsis or a capitalised part is a pattern.
 TEST(References, EveryFileThatIsNamedExists) {
   const Pattern path(
       "(\\.ci|bench|cmake|codec|docs|fuzz|host|plugin|samples|scripts|standin|tests|tools|value)/"

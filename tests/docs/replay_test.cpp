@@ -1,6 +1,6 @@
-// Keeps docs/replay.md, docs/operating.md and docs/host-interface.md true: each console block is
-// run, command by command, in one folder a document with the samples and with $PLUGIN naming the
-// plug-in, and must show what stands below the command.
+// Keeps docs/replay.md, docs/operating.md and docs/host-interface.md true. Runs each console block,
+// command by command, in one folder a document, with the samples and with $PLUGIN naming the
+// plug-in. Compares the output with the lines below the command.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -19,7 +19,7 @@ class ReplayDocument : public Console {
   ReplayDocument() { copySamples(""); }
 };
 
-// The examples for those who run a host, and for those who write one.
+// The examples for operators of a host, and for writers of one.
 class OperatingDocument : public ReplayDocument {};
 class HostInterfaceDocument : public ReplayDocument {};
 

@@ -19,7 +19,8 @@ namespace {
 
 class Samples : public HostFixture {
  protected:
-  // What reaches the host of the sample file `name`, in a chain with the replay tool's defaults.
+  // The messages of the sample file `name` that reach the host, in a chain with the replay tool's
+  // defaults.
   std::vector<Message> replay(const std::string& name) {
     JsonReader reader;
     std::vector<Message> batch;

@@ -1,5 +1,5 @@
-// Keeps docs/scaling.md true: (1) its script and its commands are run and print what is shown;
-// (2) what the script calls measured stands in docs/performance.md.
+// Keeps docs/scaling.md true: (1) its script and its commands print the lines below them; (2) its
+// measured figures are in docs/performance.md.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -8,7 +8,7 @@
 
 namespace com::velanto::connectivity::test {
 
-// "PROGRAM.Suite.Test" for each test of each program; also what is registered as a test by itself.
+// "PROGRAM.Suite.Test" for each test of each program, and the names of other tests of ctest.
 [[nodiscard]] std::vector<std::string> testNames();
 
 } // namespace com::velanto::connectivity::test

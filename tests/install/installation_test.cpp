@@ -1,5 +1,5 @@
-// What `cmake --install` installs: each test installs into a folder of its own, with a blank in its
-// name, stripped as the packages are, and runs the tools from there.
+// The files of `cmake --install`. Each test installs into a folder of its own, with a blank in its
+// name, stripped as in the packages, and runs the tools from there.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -79,7 +79,7 @@ class InstallationTest : public ::testing::Test {
     std::string diagnostics;
   };
 
-  // What is installed is at $HERE for `command`, which a shell reads.
+  // `command`, which a shell reads, finds the installed files at $HERE.
   [[nodiscard]] result_t shell(const std::string& command) const {
     const std::string line = "cd '" + folder_.path("") + "' && HERE='" + prefix() + "' && { " +
                              command + "; } > out 2> diagnostics";
@@ -171,7 +171,7 @@ TEST_F(InstallationTest, ToolsSeekTheStandInInItsFolderAndNowhereElse) {
             "RPATH " + folder);
 }
 
-// Those to the sources lead nowhere, which a reader of an installed document expects.
+// Links to the sources lead nowhere, as a reader of an installed document expects.
 TEST_F(InstallationTest, DocumentsLinkToInstalledDocuments) {
   const Pattern link(R"(\]\(([^)#]+)(#[^)]*)?\))");
   int links = 0;

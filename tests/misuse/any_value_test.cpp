@@ -1,7 +1,7 @@
-// Samples in which one value, at any depth, is another one: of every kind, a new one, or a null
-// block or text; or in which a map has one entry more, under a key of every kind, in a table of an
-// odd capacity. Whatever it is, the message arrives or is reported once and dropped, its neighbours
-// arrive, and nothing leaks.
+// Samples with one changed value, at any depth: a value of every kind, a new kind, a null block or
+// string. Or a map has one entry more, under a key of every kind, in a table of an odd capacity.
+// The message arrives, or the codec reports it once and drops it. Its neighbours arrive, and
+// nothing leaks.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -15,7 +15,7 @@ namespace {
 
 class SamplesHolder {
  protected:
-  // All but the day of a site, whose 401 notifications would take four times as long again.
+  // All but the day of a site: its 401 notifications would take four times as long again.
   static std::vector<sample_t> read() {
     std::vector<sample_t> samples = readSamples();
     std::erase_if(samples, [](const sample_t& s) { return s.place.starts_with("site-day"); });
@@ -29,8 +29,8 @@ class AnyValue : private SamplesHolder, public EndToEnd {
   // All lines, traces included.
   AnyValue() { standin_set_default_log_level(6); }
 
-  // Sends the message between two good ones, in both directions; returns what it was dropped for,
-  // "" when it arrived.
+  // Sends the message between two good ones, in both directions; returns the reason of its drop, ""
+  // when it arrived.
   std::string send(LoadedCodec& codec, Message&& odd) {
     std::vector<Message> batch;
     batch.push_back(notification(EVENT_PATH, eventPayload("before")));
@@ -63,7 +63,7 @@ class AnyValue : private SamplesHolder, public EndToEnd {
   }
 
   // `alter(message, place)` changes the message at one of its places; false: it has no such place.
-  // Sends each altered sample twice, since what becomes of a message depends on nothing else.
+  // Sends each altered sample twice, since the result of a message depends on nothing else.
   void sweep(const std::function<bool(Message&, std::size_t)>& alter) {
     LoadedCodec codec(library_, map_of("tenantId", text("t1")));
     for (const sample_t& sample : samples_) {

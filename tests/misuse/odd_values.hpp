@@ -1,4 +1,4 @@
-// Values that no sender means, and the places of a message where they may stand.
+// Values that no sender means, and the places for them in a message.
 #ifndef VLT_TESTS_MISUSE_ODD_VALUES_HPP
 #define VLT_TESTS_MISUSE_ODD_VALUES_HPP
 
@@ -50,7 +50,7 @@ inline void collect(data_t& value, std::vector<data_t*>& places) {
   }
 }
 
-// The value at a place of the payload, or behind those of the metadata; null: no such place.
+// The value at a place of the payload, then of the metadata; null: no such place.
 inline data_t* valueAt(Message& message, std::size_t place) {
   std::vector<data_t*> places;
   collect(message.getPayload(), places);

@@ -1,4 +1,4 @@
-// Links that are replaced while traffic flows, also by themselves in the middle of a batch.
+// Replacing links while traffic flows, also by the links themselves in the middle of a batch.
 #include <gtest/gtest.h>
 
 #include "tests/end_to_end/loaded_codec.hpp"
@@ -21,7 +21,7 @@ struct Replacing {
   }
 };
 
-// A link that sends a batch of its own through the codec before it takes the one it was sent.
+// A link that sends a batch of its own through the codec before it takes its own messages.
 struct Sending {
   LoadedCodec& codec;
   bool sent = false;

@@ -1,4 +1,4 @@
-// What a round of traffic is judged by: two rounds over the same messages must have equal figures.
+// The figures of a round of traffic: two rounds over the same messages must have equal ones.
 #ifndef VLT_TESTS_SOAK_FIGURES_HPP
 #define VLT_TESTS_SOAK_FIGURES_HPP
 
@@ -19,13 +19,13 @@ struct figures_t {
 
   bool operator==(const figures_t&) const = default;
 
-  // What does not add up in itself; empty when all does.
+  // The first contradiction within the figures; empty when they add up.
   [[nodiscard]] std::string imbalance() const;
 };
 
 [[nodiscard]] std::string describe(const figures_t& figures);
 
-// Mixes `text` into a digest; the order of the texts counts.
+// Mixes `text` into a digest; the order of the strings counts.
 [[nodiscard]] std::uint64_t mixed(std::uint64_t digest, std::string_view text) noexcept;
 
 } // namespace com::velanto::connectivity::soak

@@ -1,5 +1,5 @@
-// A plug-in that sends on whatever comes and leaks, for the soak test to find. It stands where the
-// real plug-in would, so it bears that one's name.
+// A plug-in that passes every message on and leaks, for the soak test to find. It takes the place
+// of the real plug-in, so it bears its name.
 //
 //   VLT_LEAK_BLOCKS    a block of the host for every 10 000 messages towards it
 //   otherwise          64 bytes for each message
@@ -24,7 +24,7 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
     static int messages = 0;
     if (++messages % 10'000 == 0) static_cast<void>(vlt_allocate_map(1));
 #else
-    // Written to, since what nobody reads or writes need not be allocated.
+    // Written to, since a compiler may leave out memory that nobody reads or writes.
     static_cast<volatile char*>(std::malloc(64))[0] = 1;
 #endif
     return true;

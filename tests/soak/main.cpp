@@ -32,7 +32,7 @@ void readInto(std::vector<Message>& messages, const std::string& path) {
   }
 }
 
-// Values that are read as the wrong kind write a line to standard error, some hundred thousand here.
+// Reading a value as the wrong kind writes a line to standard error, some hundred thousand here.
 void silenceStandardError() {
   const int nothing = open("/dev/null", O_WRONLY | O_CLOEXEC);
   if (nothing < 0 || dup2(nothing, STDERR_FILENO) < 0) throw std::runtime_error("no /dev/null");
@@ -68,7 +68,7 @@ int main(int argc, char** argv) {
                                           {arguments.begin() + 2, arguments.end()});
     return 0;
   } catch (const std::exception& e) {
-    std::cout << "soak: failed: " << e.what() << '\n'; // standard error is silenced
+    std::cout << "soak: failed: " << e.what() << '\n'; // standard error leads nowhere
     return 1;
   }
 }

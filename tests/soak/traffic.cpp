@@ -44,7 +44,7 @@ figures_t Traffic::run(std::int64_t round) {
   return figures_;
 }
 
-// A codec reads its level when it is created.
+// A codec reads its level at its creation.
 void Traffic::renewCodec(bool traced) {
   if (codec_ && !codec_->shutdown()) throw std::runtime_error("the plug-in failed to shut down");
   codec_.reset();

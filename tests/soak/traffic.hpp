@@ -5,8 +5,8 @@
 // and adds up what the links and the log got. What changes from round to round, by its number, must
 // change nothing of that:
 //
-//   every 5th    the codec is destroyed and another one created
-//   every 10th   the codec is created at the trace level, which adds lines and nothing else
+//   every 5th    destroys the codec and creates another one
+//   every 10th   creates the codec at the trace level, which adds lines and nothing else
 #ifndef VLT_TESTS_SOAK_TRAFFIC_HPP
 #define VLT_TESTS_SOAK_TRAFFIC_HPP
 

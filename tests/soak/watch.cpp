@@ -12,10 +12,10 @@ namespace com::velanto::connectivity::soak {
 
 namespace {
 
-// A round of each kind, and the codec made anew in between.
+// A round of each kind, and a new codec in between.
 constexpr std::int64_t WARM_UP_ROUNDS = Traffic::TRACED_EVERY;
 constexpr double WARM_UP_SHARE = 0.1; // of the time
-// What the C library's heap may take besides, for good or ill luck in where blocks come to lie.
+// The C library's heap may take this in addition, depending on the places of blocks.
 [[maybe_unused]] constexpr std::int64_t GROWTH_ALLOWED = 1 << 20;
 constexpr double MEBIBYTE = 1 << 20;
 
@@ -79,7 +79,7 @@ void Watch::judgeMemory() const {
     throw std::runtime_error("round " + std::to_string(rounds_) + ": " + std::to_string(blocks) +
                              " blocks live, " + std::to_string(blocks_) + " after the warm-up");
   }
-#ifndef VLT_SANITIZED // which keep what is freed for a while, and look for leaks themselves
+#ifndef VLT_SANITIZED // which keep freed memory for a while, and look for leaks themselves
   if (const std::int64_t grown = residentBytes() - resident_; grown > GROWTH_ALLOWED) {
     throw std::runtime_error("round " + std::to_string(rounds_) +
                              ": resident memory has grown by " + std::to_string(grown) +

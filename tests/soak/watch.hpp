@@ -1,6 +1,8 @@
-// Judges a plug-in's long life: (1) warm up, until memory has found its size and each kind of round
-// has been seen, (2) run rounds until the time is over, each compared with the first of its kind,
-// (3) compare memory. The first thing that is off ends it.
+// Judges a plug-in's long life:
+// (1) warm up, until memory has found its size and each kind of round has run;
+// (2) run rounds until the time is over, and compare each with the first of its kind;
+// (3) compare memory.
+// The first fault ends it.
 #ifndef VLT_TESTS_SOAK_WATCH_HPP
 #define VLT_TESTS_SOAK_WATCH_HPP
 
@@ -20,7 +22,7 @@ class Watch {
   Watch(Traffic& traffic, std::ostream& out, seconds_t interval)
       : traffic_(traffic), out_(out), interval_(interval) {}
 
-  // Runs for `length`, but at least until the warm-up and as many rounds again are done. Throws
+  // Runs for `length`, but at least for the warm-up and as many rounds again. Throws
   // std::runtime_error when a round's figures differ or do not add up, when blocks are left over,
   // or when resident memory has grown.
   void run(seconds_t length);

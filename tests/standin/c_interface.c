@@ -1,5 +1,5 @@
-/* Proves that the headers are plain C11 and that the library can be used from C: a value with one
- * block of each kind is made, copied, rendered and freed. */
+/* Proves that the headers are plain C11 and that C programs can use the library: makes, copies,
+ * renders and frees a value with one block of each kind. */
 #include "standin/standin.h"
 
 #include <string.h>
@@ -27,7 +27,7 @@ static vlt_underlying_data_t one_of_each(void) {
   return value_of(VLT_TAG_LIST, list);
 }
 
-/* The text of a value that owns it, for whoever is to free it. */
+/* The string of a value that owns it, for its next owner. */
 static char* owned_text(const vlt_underlying_data_t* value) {
   char* text = NULL;
   memcpy(&text, &value->value.string, sizeof text); /* NOLINT(*DeprecatedOrUnsafeBufferHandling) */

@@ -1,4 +1,4 @@
-// Runs the checks that are written in C.
+// Runs the checks of the C source.
 #include "tests/standin/c_interface.h"
 
 #include <gtest/gtest.h>

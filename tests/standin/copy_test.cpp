@@ -1,4 +1,4 @@
-// Deep copies: what is the same, what is new, and what an exhausted copy leaves behind.
+// Deep copies: equal parts, new parts, and the remains of an exhausted copy.
 #include "host/storage.h"
 
 #include "tests/standin/values.hpp"
@@ -119,7 +119,7 @@ TEST_F(Copy, SourceIsUnchanged) {
   EXPECT_EQ(source.value.value.map->capacity, 2);
 }
 
-// What is left behind by a copy that fails half-way is counted by the fixture.
+// The fixture counts blocks that a failed copy leaves.
 TEST_F(Copy, ExhaustionAnywhereGivesEmptyAndLeavesNothingBehind) {
   const Held source(list({string("a"),
                           map(tableOf(3, {{0, 0, string("k"), list({custom(1)})},
@@ -128,7 +128,7 @@ TEST_F(Copy, ExhaustionAnywhereGivesEmptyAndLeavesNothingBehind) {
   const std::string whole = rendered(source.value);
   const int allocations = failEach([&] {
     const Held copy(vlt_copy_data(&source.value));
-    standin_fail_allocation(0); // the rendering below is not what is tested
+    standin_fail_allocation(0); // this test is not about the rendering below
     if (standin_failed_allocations() > 0) {
       EXPECT_EQ(copy.value.tag, uint32_t{VLT_TAG_EMPTY});
     } else {

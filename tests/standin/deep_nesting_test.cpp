@@ -17,7 +17,7 @@ data listOf(const data& inner) { return list({inner}); }
 data valueOf(const data& inner) { return map(tableOf(1, {{0, 5, integer(1), inner}})); }
 data keyOf(const data& inner) { return map(tableOf(1, {{0, 5, inner, integer(1)}})); }
 
-// One level of nesting, and the text around what is inside it.
+// One level of nesting, and the text around its content.
 struct nesting_t {
   const char* name;
   data (*around)(const data& inner);

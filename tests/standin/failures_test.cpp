@@ -1,4 +1,4 @@
-// Refused allocations: which one is refused, for how long, and who counts as an allocation.
+// Refused allocations: which one, for how long, and what counts as an allocation.
 #include "standin/standin.h"
 
 #include <thread>
@@ -10,7 +10,7 @@ namespace {
 
 using Failures = Blocks;
 
-// True: the string could be made.
+// True: there was memory for the string.
 bool allocates() {
   char* text = vlt_copy_string("a");
   vlt_free_string(text);

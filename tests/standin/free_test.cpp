@@ -1,4 +1,4 @@
-// Freeing: everything that is owned, and nothing that is not.
+// Freeing: all owned blocks, and no others.
 #include "host/storage.h"
 
 #include "tests/standin/values.hpp"
@@ -18,7 +18,7 @@ TEST_F(Free, NullIsAcceptedByEveryFunction) {
   EXPECT_EQ(standin_live_blocks_total(), before);
 }
 
-// In the tests from here on, the fixture counts what is left.
+// From here on, the fixture counts the remaining blocks.
 TEST_F(Free, ListTakesItsElementsAlong) {
   freeData(list({string("a"), buffer("b"), custom(1), list({string("c")}), integer(1)}));
 }

@@ -1,4 +1,4 @@
-// Where a block's parts lie, by byte, and the states of a slot.
+// The places of a block's parts, by byte, and the states of a slot.
 #include "standin/layout.hpp"
 
 #include <gtest/gtest.h>

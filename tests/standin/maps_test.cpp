@@ -1,4 +1,4 @@
-// Map tables: fresh ones, and where entries lie after a reallocation.
+// Map tables: new ones, and the places of entries after a reallocation.
 #include "host/storage.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// The stack that is threaded through waiting blocks.
+// The stack threaded through waiting blocks.
 #include "standin/pending_blocks.hpp"
 
 #include <gtest/gtest.h>

@@ -103,7 +103,7 @@ TEST_F(Render, NoValueIsRenderedAsEmpty) {
   EXPECT_STREQ(text.value.value.string, "null");
 }
 
-// Every length around the sizes that the text grows through, the exact fits among them.
+// Every length around the sizes of a growing string, exact fits among them.
 TEST_F(Render, TextsOfAnyLengthAreWhole) {
   for (std::size_t length = 0; length < 300; ++length) {
     const std::string text(length, 'x');
@@ -113,7 +113,7 @@ TEST_F(Render, TextsOfAnyLengthAreWhole) {
   EXPECT_EQ(rendered(borrowed(text.c_str())), '"' + text + '"');
 }
 
-// 20 levels outgrow the first stack of open containers, 100 bytes the first text.
+// 20 levels outgrow the first stack of open containers, 100 bytes the first string.
 TEST_F(Render, ExhaustionAnywhereGivesANullTextAndLeavesNothingBehind) {
   data value = borrowed("sixty bytes and more, so that the text has to grow once on its way");
   for (int i = 0; i < 20; ++i) value = list({value});

@@ -60,7 +60,7 @@ TEST_F(Status, TableStaysTheCallers) {
   EXPECT_EQ(rendered(shown.value), R"({"state": "up"})");
 }
 
-// What is left behind is counted by the fixture.
+// The fixture counts the remaining blocks.
 TEST_F(Status, LineThatCannotBeRenderedIsLost) {
   const int allocations = failEach([] {
     StderrPackets written;

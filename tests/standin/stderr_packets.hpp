@@ -25,7 +25,7 @@ class StderrPackets {
     for (const int end : pipe_) ::close(end);
   }
 
-  // What was written, write by write.
+  // The output, write by write.
   std::vector<std::string> take() {
     restore();
     std::vector<std::string> packets;

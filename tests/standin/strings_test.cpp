@@ -1,4 +1,4 @@
-// Copies of texts, and the string hash: its quality, its independence of everything but bytes and
+// Copies of strings, and the string hash: its quality, its independence of everything but bytes and
 // seed, and its replacement.
 #include "host/storage.h"
 
@@ -49,7 +49,7 @@ TEST_F(Strings, NullTextHashesAsTheEmptyText) {
 }
 
 // Computed apart from the library, from the description of its hash. A change moves the entries of
-// every table, and with them rendered texts.
+// every table, and with them rendered values.
 TEST_F(Strings, HashValuesArePinned) {
   EXPECT_EQ(vlt_hash_string("", 0), 0x0000000000000000);
   EXPECT_EQ(vlt_hash_string("id", 0x243fcaf1), 0x53b4b1c534dfa765);
@@ -65,7 +65,7 @@ TEST_F(Strings, LengthsOfOneRepeatedByteAllDiffer) {
   EXPECT_EQ(hashes.size(), 100U);
 }
 
-// A good hash turns about half of the 64 bits for any bit of the text or of the seed.
+// A good hash turns about half of the 64 bits for any bit of the string or of the seed.
 TEST_F(Strings, EveryInputBitTurnsHalfOfTheHash) {
   const std::string text = "a text of more than two words";
   const uint64_t whole = vlt_hash_string(text.c_str(), 1);

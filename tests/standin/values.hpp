@@ -140,7 +140,7 @@ inline std::string renderedAndFreed(const data& value) {
   return rendered(value);
 }
 
-// Every block that a test makes has to be freed by its end.
+// A test must free all its blocks before it ends.
 class Blocks : public testing::Test {
  protected:
   void TearDown() override {

@@ -15,7 +15,7 @@ std::atomic<std::int64_t> made{0};
 std::atomic<std::int64_t> held{0};
 thread_local bool refusing = false;
 
-// The n-th allocation refused: those left up to and including it; 0: none is requested.
+// Allocations up to and including the one to refuse; 0: no request.
 thread_local std::uint64_t left = 0;
 thread_local bool all_after_too = false;
 thread_local std::uint64_t refused = 0;

@@ -1,6 +1,6 @@
-// Counts what the test program takes from operator new, and makes it fail on demand: the plug-in's
-// own memory, as opposed to the host's storage. Libraries that the program loads take theirs from
-// here too, since the loader finds the program's operators first.
+// Counts the test program's calls of operator new, and makes them fail on demand: the plug-in's own
+// memory, as opposed to the host's storage. Libraries that the program loads call the same
+// operator, since the loader finds the program's first.
 #ifndef VLT_TESTS_SUPPORT_ALLOCATIONS_HPP
 #define VLT_TESTS_SUPPORT_ALLOCATIONS_HPP
 
@@ -8,7 +8,7 @@
 
 namespace com::velanto::connectivity::test {
 
-// Calls of operator new so far, and those whose memory was not given back yet; on all threads.
+// Calls of operator new so far, and the number without a delete yet; on all threads.
 [[nodiscard]] std::int64_t allocationsMade() noexcept;
 [[nodiscard]] std::int64_t allocationsHeld() noexcept;
 
@@ -22,13 +22,13 @@ class NoMemory {
 };
 
 // Operator new throws on this thread for the n-th allocation from now (1: the next one), and, if
-// `all_after`, for those after it. 0 switches refusing off.
+// `all_after`, for all later ones. 0 switches refusing off.
 void failAllocation(std::uint64_t n, bool all_after) noexcept;
 // Allocations refused on this thread since the last request with an n above 0.
 [[nodiscard]] std::uint64_t refusedAllocations() noexcept;
 
-// While it lives, failAllocation neither counts nor refuses on this thread: for what a test has to
-// note down in the middle.
+// While it lives, failAllocation neither counts nor refuses on this thread: for notes in the middle
+// of a test.
 class UncountedAllocations {
  public:
   UncountedAllocations() noexcept;

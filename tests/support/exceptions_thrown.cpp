@@ -1,4 +1,4 @@
-// Stands in front of the C++ library's __cxa_throw, which every throw expression calls.
+// Takes the place of the C++ library's __cxa_throw, which every throw expression calls.
 #include "tests/support/exceptions_thrown.hpp"
 
 #include <dlfcn.h>

@@ -1,5 +1,5 @@
-// Counts what the code that is linked into the test program throws. Not what libraries throw that
-// the program loads, unless they find the program's symbols first.
+// Counts the throws of the code in the test program. Throws of libraries that it loads do not
+// count, unless they find the program's symbols first.
 #ifndef VLT_TESTS_SUPPORT_EXCEPTIONS_THROWN_HPP
 #define VLT_TESTS_SUPPORT_EXCEPTIONS_THROWN_HPP
 

@@ -12,9 +12,9 @@
 
 namespace com::velanto::connectivity::test {
 
-// `attempt` must throw std::bad_alloc exactly when an allocation of the host is refused; `verify`
-// runs after each attempt, with all allocations allowed again. Returns the number of attempts that
-// failed, which is the number of allocations that a complete one makes.
+// `attempt` must throw std::bad_alloc exactly when the host refuses an allocation; `verify` runs
+// after each attempt, with all allocations allowed again. Returns the number of attempts that
+// failed, which is the number of allocations of a complete one.
 template <class Attempt, class Verify>
 std::uint64_t fail_each_allocation(const Attempt& attempt, const Verify& verify) {
   for (std::uint64_t n = 1;; ++n) {

@@ -41,8 +41,8 @@ class FailingOperations : public AbstractSimpleCodec {
   bool handleException(Message&, bool) override { return false; }
 
  protected:
-  // The text that the configuration has under "tenantId", by which such a plug-in may be told what
-  // to do; empty for none.
+  // The string under "tenantId" in the configuration, which tells such a plug-in its part; empty
+  // for none.
   static std::string tenantOf(
       const PluginConstructorParameters::CodecConstructorParameters& params) {
     for (const auto& [key, value] : params.getConfiguration()) {

@@ -1,5 +1,5 @@
-// The host as tests see it: every line that was logged, and a check after each test that no block is
-// left that was not there before it.
+// The host as tests see it: all lines of the log, and a check after each test that the test has
+// left no block.
 #ifndef VLT_TESTS_SUPPORT_HOST_FIXTURE_HPP
 #define VLT_TESTS_SUPPORT_HOST_FIXTURE_HPP
 

@@ -11,7 +11,7 @@ namespace com::velanto::connectivity::test {
 
 class Pattern {
  public:
-  // The text that was found, then that of each group; empty for a group that has no part in it.
+  // The match, then the match of each group; empty for a group without a part in it.
   using match_t = std::vector<std::string>;
 
   // Throws std::regex_error when `expression` is none.
@@ -21,7 +21,7 @@ class Pattern {
   [[nodiscard]] bool isAllOf(const std::string& text) const;
   // From left to right, none overlapping another.
   [[nodiscard]] std::vector<match_t> allIn(const std::string& text) const;
-  // `text` with `by` for each match, in which $1 stands for the first group.
+  // `text` with `by` for each match; $1 in `by` is the first group.
   [[nodiscard]] std::string replacedIn(const std::string& text, const std::string& by) const;
 
  private:

@@ -1,4 +1,4 @@
-// Collects what is written to standard error while it lives, by whichever library.
+// Collects the standard error of all libraries while it lives.
 #ifndef VLT_TESTS_SUPPORT_STDERR_CAPTURE_HPP
 #define VLT_TESTS_SUPPORT_STDERR_CAPTURE_HPP
 
@@ -9,7 +9,7 @@
 
 namespace com::velanto::connectivity::test {
 
-// What `action` writes to standard error. Exceptions pass through after the capture has ended.
+// The standard error of `action`. Exceptions pass through after the capture has ended.
 template <class Action>
 std::string stderr_of(const Action& action) {
   ::testing::internal::CaptureStderr();

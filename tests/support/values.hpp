@@ -33,14 +33,14 @@ inline data_t real(double content) { return data_t(content); }
 inline data_t truth(bool content) { return data_t(content); }
 inline data_t decimal(std::uint64_t bits) { return data_t(vlt_underlying_decimal_t{bits}); }
 
-// A value of any tag with these content bits, owning whatever they point at.
+// A value of any tag with these content bits, and owner of the block that they point to.
 inline data_t tagged(std::uint32_t tag, std::uint64_t bits = 0) {
   vlt_underlying_data_t raw{};
   std::memcpy(&raw.value, &bits, sizeof bits);
   raw.tag = tag;
   return data_t::adopt(raw);
 }
-// A string that does not own its text, which must outlive it.
+// A string that does not own its bytes, which must outlive it.
 inline data_t borrowed(const char* content) {
   return tagged(VLT_TAG_BORROWED_STRING, reinterpret_cast<std::uintptr_t>(content));
 }
@@ -76,7 +76,7 @@ void fill(map_t& map, Key&& key, data_t&& value, Rest&&... rest) {
   map[key_of(std::forward<Key>(key))] = std::move(value);
   fill(map, std::forward<Rest>(rest)...);
 }
-// Keys are texts or values; they are inserted in the order in which they stand.
+// Keys are strings or values, inserted in the order of the arguments.
 template <class... KeysAndValues>
 map_t map_of(KeysAndValues&&... entries) {
   map_t map;
@@ -97,10 +97,10 @@ inline data_t& at(map_t& map, const data_t& key) {
 inline data_t& at(map_t& map, const char* key) { return at(map, data_t(key)); }
 inline bool has(const map_t& map, const char* key) { return map.find(data_t(key)) != map.end(); }
 
-// A pointer that cannot be read through: for handles that are only ever passed on.
+// A pointer that nobody can read through: for handles that are only passed on.
 inline void* unreadable(std::uintptr_t address) { return std::bit_cast<void*>(address); }
 
-// The what() of the exception that `action` throws, or "nothing thrown".
+// The what() of an exception of `action`, or "nothing thrown".
 template <class Action>
 std::string error_of(const Action& action) {
   try {

@@ -1,4 +1,4 @@
-// Codecs that live and die on their own threads: each decodes what it decodes alone, whatever the
+// Codecs that live and die on their own threads: each decodes the same as alone, no matter what the
 // others are doing.
 #include <gtest/gtest.h>
 
