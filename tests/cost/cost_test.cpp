@@ -112,7 +112,7 @@ class CostTest : public CodecFixture {
 
 class KindCostTest : public CostTest, public ::testing::WithParamInterface<kind_t> {};
 
-TEST_P(KindCostTest, StaysFlatFromTenToAHundredThousandParts) {
+TEST_P(KindCostTest, StaysFlatFromTenTo100000Parts) {
   const double hundred = workPerPart(GetParam(), 100);
   for (const int parts : {10, 1'000, 10'000, 100'000}) {
     const double work = workPerPart(GetParam(), parts);
@@ -123,7 +123,7 @@ TEST_P(KindCostTest, StaysFlatFromTenToAHundredThousandParts) {
 }
 
 // The capacities that a host gives to a table with a known number of entries.
-TEST_P(KindCostTest, StaysFlatWhateverCapacityAHostMakesForItsEntries) {
+TEST_P(KindCostTest, StaysFlatForAnyCapacityOfAHost) {
   constexpr int PARTS = 100'000;
   const double grown = workPerPart(GetParam(), PARTS);
   for (const std::int64_t capacity : {PARTS + 20, PARTS * 4 / 3, 2 * PARTS, 1 << 17, 1 << 18}) {
@@ -134,7 +134,7 @@ TEST_P(KindCostTest, StaysFlatWhateverCapacityAHostMakesForItsEntries) {
 // Twice the slots of a table that takes the entries in, three fifths full: taken in the order of
 // slots, the second half runs into the first. The places of entries are the host's business and so
 // is the way there; nothing comes on top of it.
-TEST_P(KindCostTest, IsNoMoreThanTheTablesForceInTheWorstOrderOfSlots) {
+TEST_P(KindCostTest, StaysLeastInTheWorstOrderOfSlots) {
   constexpr int PARTS = 12'388;
   constexpr std::int64_t CAPACITY = 2 * capacityFor(PARTS * 5 / 6);
   map_t payload = GetParam().make(PARTS);
@@ -147,7 +147,7 @@ TEST_P(KindCostTest, IsNoMoreThanTheTablesForceInTheWorstOrderOfSlots) {
 }
 
 // Keys that all hash alike: each insertion passes all entries before it, in any implementation.
-TEST_P(KindCostTest, IsNoMoreThanTheTablesForceWhenAllKeysCollide) {
+TEST_P(KindCostTest, StaysLeastWhenAllKeysCollide) {
   constexpr int PARTS = 1'000;
   const double apart = workPerPart(GetParam(), PARTS);
   parts_collide = true;

@@ -18,7 +18,7 @@ std::string commandsOf(const std::string& text) {
 
 } // namespace
 
-TEST(Sessions, AreCommandsWithWhatStandsBelowThem) {
+TEST(Sessions, AreCommandsWithTheirOutput) {
   EXPECT_EQ(commandsOf("```console\n$ a b\nc\nd\n$ e\n```\n"), "text:1>a b>c\nd\ntext:1>e>");
   EXPECT_EQ(commandsOf("x\n\n    $ a\n    b\n\n    $ c\n"), "text:3>a>b\ntext:6>c>");
 }
@@ -35,7 +35,7 @@ TEST(Sessions, BlockThatBeginsWithOutputIsRefused) {
   }
 }
 
-TEST(Abbreviations, LineThatEndsInAnEllipsisIsOnlyBegun) {
+TEST(Abbreviations, EllipsisEndsTheComparisonOfALine) {
   EXPECT_EQ(abbreviated("abc\nd\n", "a…\nd\n"), "a…\nd\n");
   EXPECT_EQ(abbreviated("bc\nd\n", "a…\nd\n"), "bc\nd\n");
 }

@@ -252,7 +252,7 @@ TEST_F(EventSchemaTest, EntryMeasurementsThatIsNoFragmentIsAccepted) {
   EXPECT_TRUE(acceptedWith(R"({"T": {"value": "wet"}})"));
 }
 
-TEST_F(EventSchemaTest, ReadableTimeThatIsLeftATextIsRefused) {
+TEST_F(EventSchemaTest, ReadableTimeLeftAStringIsRefused) {
   for (const char* word : {"Event", "Alarm", "Measurement", "Operation"}) {
     for (const char* field : {"creationTime", "lastUpdated", "firstOccurrenceTime"}) {
       const bool is_time = word != std::string("Measurement") || field[0] != 'f';

@@ -50,7 +50,7 @@ class Fields : public HostFixture {
 
 } // namespace
 
-TEST_F(Fields, EveryExampleIsWhatThePluginDoes) {
+TEST_F(Fields, EveryExampleShowsWhatThePluginDoes) {
   const examples_t documented = readExamples(readDocument(FIELDS));
   ReplayCodec codec(reader_.parseValue(documented.configuration));
   for (const example_t& example : documented.examples) {

@@ -179,7 +179,7 @@ TEST_F(HostInterface, VersionsAreThoseOfTheLibrary) {
   EXPECT_NE(text.find("`vlt_plugin_product_version` is `" + product + "`"), std::string::npos);
 }
 
-TEST_F(HostInterface, HostFunctionsAreCalledInThePhasesOfTheTable) {
+TEST_F(HostInterface, HostFunctionsHaveThePhasesOfTheTable) {
   static_cast<void>(stderr_of([&] {
     for (const auto& file :
          std::filesystem::directory_iterator(VLT_PROJECT_ROOT "/tests/conformance")) {

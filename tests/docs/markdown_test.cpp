@@ -62,7 +62,7 @@ TEST(Examples, MisspeltUnclosedAndEarlyBlocksAreRefused) {
             "text:7: a log block has one line");
 }
 
-TEST(NumberedSpans, SpansStandInTheOrderOfTheirNumbers) {
+TEST(NumberedSpans, SpansHaveTheOrderOfTheirNumbers) {
   EXPECT_EQ(readNumberedSpans(documentOf("# 1 head\n1. a\\\n   `x`\n\n2. b\\\n   `y`\n")),
             (std::vector<std::string>{"x", "y"}));
 }
@@ -82,7 +82,7 @@ TEST(Table, RowsAreReadUntilTheTableEnds) {
   EXPECT_EQ(readTable(document, "A"), expected);
 }
 
-TEST(Table, OnlyACellThatIsOneCodeSpanLosesItsMarks) {
+TEST(Table, SingleSpanOfACellLosesItsMarks) {
   const document_t document = documentOf("| A |\n|---|\n| `x` |\n| `x`, `y` |\n| x `y` |\n");
   const std::vector<std::vector<std::string>> expected = {{"x"}, {"`x`, `y`"}, {"x `y`"}};
   EXPECT_EQ(readTable(document, "A"), expected);

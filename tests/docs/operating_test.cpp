@@ -200,7 +200,7 @@ class Operating : public HostFixture {
 
 } // namespace
 
-TEST_F(Operating, TablesHaveEveryLineThatIsWrittenAndNoOther) {
+TEST_F(Operating, TablesHaveExactlyTheWrittenLines) {
   playSamples();
   playCases();
   misuseLinks();

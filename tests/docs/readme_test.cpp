@@ -38,12 +38,12 @@ std::string withoutNumbers(const std::string& text) {
 
 } // namespace
 
-TEST_F(Readme, EveryExampleShowsWhatTheDoorPrints) {
+TEST_F(Readme, EveryExampleShowsTheOutputOfTheDoor) {
   expectAtDoor("README.md", 4, withoutTimes);
   EXPECT_EQ(takeCalls(), "status 0\nstatus 0\nstatus 0\nstatus 0\n") << "all was there already";
 }
 
-TEST_F(Readme, CheckOfAPluginShowsWhatItsDocumentSays) {
+TEST_F(Readme, PluginCheckPrintsTheOutputInItsDocument) {
 #ifdef VLT_SANITIZED
   GTEST_SKIP() << "with another heap, the checks that measure it are left out";
 #endif
@@ -52,12 +52,12 @@ TEST_F(Readme, CheckOfAPluginShowsWhatItsDocumentSays) {
 }
 
 // The machine decides how much it does in that time.
-TEST_F(Readme, SoakShowsWhatItsDocumentSays) {
+TEST_F(Readme, SoakPrintsTheOutputInItsDocument) {
   expectAtDoor("docs/reliability.md", 1, withoutNumbers);
 }
 
 // The same two that scripts/test_package.sh runs in a clean Debian.
-TEST_F(Readme, PackageTakesTheCommandsThatTheOperatingDocumentHas) {
+TEST_F(Readme, PackageCommandsAgreeWithTheOperatingDocument) {
   std::vector<std::string> shown;
   for (const block_t& block : readBlocks(readDocument("docs/operating.md"))) {
     if (block.info != "console debian") continue;
@@ -70,7 +70,7 @@ TEST_F(Readme, PackageTakesTheCommandsThatTheOperatingDocumentHas) {
   EXPECT_NE(std::search(lines.begin(), lines.end(), shown.begin(), shown.end()), lines.end());
 }
 
-TEST_F(Readme, FirstCommandIsTheOneThatReplaysTheSamples) {
+TEST_F(Readme, FirstCommandReplaysTheSamples) {
   EXPECT_EQ(withoutTimes(runAtDoor("./dev replay samples/*.ndjson")),
             withoutTimes(runAtDoor("./dev replay")));
 }
@@ -86,7 +86,7 @@ TEST_F(Readme, SamplesAreReplayedAsTheirDocumentSays) {
   EXPECT_EQ(withoutTimes(runAtDoor("cd samples; ../dev replay site-day.ndjson")), shown);
 }
 
-TEST_F(Readme, HelpOfTheToolListsTheOptionsThatAreNamed) {
+TEST_F(Readme, HelpOfTheToolListsNamedOptions) {
   const std::string help = runAtDoor("./dev replay --help");
   for (const char* const option : {"--summary", "--dropped", "--against"}) {
     EXPECT_NE(help.find(option), std::string::npos) << option;
@@ -98,7 +98,7 @@ TEST_F(Readme, QuickTestTakesArgumentsOfCtest) {
   EXPECT_EQ(takeCalls(), "ctest --preset release -R Alarm\nstatus 0\n");
 }
 
-TEST_F(Readme, PresetsThatAreNamedExist) {
+TEST_F(Readme, NamedPresetsExist) {
   std::string presets;
   for (const std::string& line : readDocument("CMakePresets.json").lines) presets += line;
   for (const char* const name : {"release", "debug", "thread"}) {
@@ -107,7 +107,7 @@ TEST_F(Readme, PresetsThatAreNamedExist) {
 }
 
 // `./dev help` lists every ./dev COMMAND of the documents, and no other.
-TEST_F(Readme, CommandsThatAreNamedAreThoseOfTheHelp) {
+TEST_F(Readme, NamedCommandsAgreeWithTheHelp) {
   std::set<std::string> listed;
   for (const std::string& line : documentOf(runAtDoor("./dev help")).lines) {
     for (const Pattern::match_t& found : Pattern("^  ([a-z]+) ").allIn(line)) {
@@ -125,7 +125,7 @@ TEST_F(Readme, CommandsThatAreNamedAreThoseOfTheHelp) {
   EXPECT_EQ(named, listed);
 }
 
-TEST_F(Readme, UnknownCommandIsRefusedWithTheList) {
+TEST_F(Readme, UnknownCommandPrintsTheList) {
   const std::string shown = runAtDoor("./dev tests");
   EXPECT_TRUE(shown.starts_with("usage: ./dev COMMAND")) << shown;
   EXPECT_TRUE(shown.ends_with("dev: there is no command 'tests'\n")) << shown;

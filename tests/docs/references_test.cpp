@@ -115,7 +115,7 @@ TEST(References, EveryLinkLeadsSomewhere) {
   EXPECT_GT(links, 50U);
 }
 
-TEST(References, EveryTestThatIsNamedExists) {
+TEST(References, EveryNamedTestExists) {
   expectTestsOf("docs/reliability.md", "Promise");
   expectTestsOf("docs/scaling.md", "Claim");
   // In running text, a test is a name with its program, or a name of several words.
@@ -132,7 +132,7 @@ TEST(References, EveryTestThatIsNamedExists) {
 }
 
 // A path from the project's root; a name with an ellipsis or a capitalised part is a pattern.
-TEST(References, EveryFileThatIsNamedExists) {
+TEST(References, EveryNamedFileExists) {
   const Pattern path(
       "(\\.ci|bench|cmake|codec|docs|fuzz|host|plugin|samples|scripts|standin|tests|tools|value)/"
       "[a-z0-9_./-]*");
@@ -168,7 +168,7 @@ TEST(References, TablesOfTheSettingsAgree) {
   }
 }
 
-TEST(References, TableOfFuzzTargetsHasThoseThatAreBuilt) {
+TEST(References, TableOfFuzzTargetsHasAllTargets) {
   std::set<std::string> listed;
   for (const auto& row : readTable(readDocument("CONTRIBUTING.md"), "Target")) {
     listed.insert(row[0]);
@@ -179,9 +179,9 @@ TEST(References, TableOfFuzzTargetsHasThoseThatAreBuilt) {
   EXPECT_EQ(listed, std::set<std::string>(built.begin(), built.end()));
 }
 
-TEST(References, NamesOfTestsAreThoseOfTheirPrograms) {
-  EXPECT_TRUE(isTest("^docs_tests\\.References\\.NamesOfTestsAreThoseOfTheirPrograms$"));
-  EXPECT_TRUE(isTest("^docs_tests\\.SiteDayIsWhatItsScriptMakes$"));
+TEST(References, NamesOfTestsComeFromTheirPrograms) {
+  EXPECT_TRUE(isTest("^docs_tests\\.References\\.NamesOfTestsComeFromTheirPrograms$"));
+  EXPECT_TRUE(isTest("^docs_tests\\.SiteDayComesFromItsScript$"));
   EXPECT_FALSE(isTest("^docs_tests\\.References\\.NoSuchTest$"));
 }
 

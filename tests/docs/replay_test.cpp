@@ -25,9 +25,13 @@ class HostInterfaceDocument : public ReplayDocument {};
 
 } // namespace
 
-TEST_F(ReplayDocument, EveryExampleShowsWhatTheToolDoes) { expectAsShown(REPLAY); }
-TEST_F(OperatingDocument, EveryExampleShowsWhatTheToolsDo) { expectAsShown("docs/operating.md"); }
-TEST_F(HostInterfaceDocument, ProgramPrintsWhatIsShown) { expectAsShown("docs/host-interface.md"); }
+TEST_F(ReplayDocument, EveryExampleShowsTheOutputOfTheTool) { expectAsShown(REPLAY); }
+TEST_F(OperatingDocument, EveryExampleShowsTheOutputOfTheTools) {
+  expectAsShown("docs/operating.md");
+}
+TEST_F(HostInterfaceDocument, ProgramPrintsTheOutputShown) {
+  expectAsShown("docs/host-interface.md");
+}
 
 TEST_F(ReplayDocument, EveryOptionHasAnExample) {
   std::string commands;

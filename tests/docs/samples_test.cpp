@@ -62,7 +62,7 @@ TEST_F(Samples, TableListsEveryFile) {
   EXPECT_EQ(listed, present);
 }
 
-TEST_F(Samples, CountsAreThoseOfTheTable) {
+TEST_F(Samples, CountsAgreeWithTheTable) {
   for (const auto& row : readTable(readDocument("samples/README.md"), "File")) {
     SCOPED_TRACE(row[0]);
     const std::vector<Message> reached = replay(row[0]);

@@ -52,15 +52,15 @@ std::string cellOf(const std::string& title, const std::string& row, std::size_t
 
 } // namespace
 
-TEST_F(ScalingDocument, EveryCommandPrintsWhatIsShown) { expectAsShown(SCALING); }
+TEST_F(ScalingDocument, EveryCommandPrintsTheOutputShown) { expectAsShown(SCALING); }
 
-TEST_F(ScalingDocument, MeasuredFiguresAreThoseOfPerformance) {
+TEST_F(ScalingDocument, MeasuredFiguresAgreeWithPerformance) {
   EXPECT_EQ(defaultOf("alone"),
             cellOf("Kinds and contenders, batches of 256 (ns per message", "plug-in", 0));
   EXPECT_EQ(defaultOf("crowded"), cellOf("Threads (ns per message and thread)", "plug-in", 1));
 }
 
-TEST_F(ScalingDocument, RatioOfDroppedMessagesIsThatOfPerformance) {
+TEST_F(ScalingDocument, RatioOfDroppedMessagesAgreesWithPerformance) {
   std::vector<std::string> ratios;
   for (const char* const kind :
        {"alarms", "events", "measurements", "managedobjects", "operations"}) {

@@ -106,7 +106,7 @@ TEST_F(InstallationTest, PutsEveryFileInItsPlace) {
   EXPECT_THAT(names, ElementsAreArray(INSTALLED));
 }
 
-TEST_F(InstallationTest, ReplayFindsThePlugInFromItsOwnPlace) {
+TEST_F(InstallationTest, ReplayFindsItsPlugIn) {
   const result_t run = shell("\"$HERE/bin/ostrovia-replay\" \"$HERE/" + DOC +
                              "/samples/events.ndjson\" --log-level 2 | cut -c 1-60");
   EXPECT_EQ(run.diagnostics,
@@ -129,7 +129,7 @@ TEST_F(InstallationTest, PlugInBesideTheToolGoesFirst) {
             "ostrovia-replay: " + at("bin/" + PLUGIN) + " has interface version 3, expected 4\n");
 }
 
-TEST_F(InstallationTest, MissingPlugInIsNamedWhereItShouldBe) {
+TEST_F(InstallationTest, MissingPlugInIsReportedWithItsPlace) {
   std::filesystem::remove(at(LIB + "/plugin/" + PLUGIN));
   const result_t run = shell("\"$HERE/bin/ostrovia-replay\" < /dev/null");
   EXPECT_EQ(run.status, 4);
@@ -137,7 +137,7 @@ TEST_F(InstallationTest, MissingPlugInIsNamedWhereItShouldBe) {
                                  ": cannot open shared object file: No such file or directory\n");
 }
 
-TEST_F(InstallationTest, HostsOwnLibraryCanTakeTheStandInsPlaceInReplayAlone) {
+TEST_F(InstallationTest, ReplayAloneTakesAHostsOwnLibrary) {
   const std::string host =
       "mkdir host && ln -s '" VLT_PLAIN_HOST_PATH
       "' host/libtvclient.so.10.15 && "
@@ -151,7 +151,7 @@ TEST_F(InstallationTest, HostsOwnLibraryCanTakeTheStandInsPlaceInReplayAlone) {
   EXPECT_EQ(check.status, 0) << check.out << check.diagnostics;
 }
 
-TEST_F(InstallationTest, StrippedPlugInKeepsItsInterfaceAndHasNoRunPath) {
+TEST_F(InstallationTest, StrippedPlugInKeepsItsInterface) {
   const std::string plugin = " \"$HERE/" + LIB + "/plugin/" + PLUGIN + "\"";
   EXPECT_THAT(shell("readelf --dynamic" + plugin).out,
               AllOf(HasSubstr("[libtvclient.so.10.15]"), Not(HasSubstr("PATH)"))));
@@ -162,7 +162,7 @@ TEST_F(InstallationTest, StrippedPlugInKeepsItsInterfaceAndHasNoRunPath) {
   EXPECT_THAT(shell("readelf --segments" + plugin).out, HasSubstr("GNU_RELRO"));
 }
 
-TEST_F(InstallationTest, ToolsSeekTheStandInInItsFolderAndNowhereElse) {
+TEST_F(InstallationTest, ToolsSeekTheStandInInOneFolder) {
   const std::string folder = "[$ORIGIN/" VLT_LIBRARIES_FROM_TOOLS "/standin]\n";
   const std::string shown = " | grep PATH | sed 's/.*(//; s/).*\\[/ [/'";
   EXPECT_EQ(shell("readelf --dynamic \"$HERE/bin/ostrovia-replay\"" + shown).out,

@@ -101,7 +101,7 @@ TEST_F(AnyValue, InThePlaceOfAnyOther) {
   EXPECT_GT(dropped_, 1000);
 }
 
-TEST_F(AnyValue, AsTheKeyOfOneMoreEntryOfAnyMap) {
+TEST_F(AnyValue, AsTheKeyOfAnAddedEntry) {
   for (const odd_value_t& odd : ODD_VALUES) {
     SCOPED_TRACE(odd.name);
     if (odd.make().empty()) continue; // an entry without a key is none

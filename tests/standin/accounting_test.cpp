@@ -21,7 +21,7 @@ int64_t liveDuring(standin_block_t kind, const data& value) {
   return live - standin_live_blocks(kind);
 }
 
-TEST_F(Accounting, EachKindIsCountedUnderItsOwnName) {
+TEST_F(Accounting, EachKindHasItsOwnCount) {
   EXPECT_EQ(liveDuring(STANDIN_BLOCK_MAP, map(vlt_allocate_map(8))), 1);
   EXPECT_EQ(liveDuring(STANDIN_BLOCK_STRING, string("a")), 1);
   EXPECT_EQ(liveDuring(STANDIN_BLOCK_LIST, list({})), 1);
@@ -47,7 +47,7 @@ TEST_F(Accounting, ReallocatedTableIsStillOneBlock) {
   vlt_free_map(grown);
 }
 
-TEST_F(Accounting, BlockFreedOnAnotherThreadIsNoLongerLive) {
+TEST_F(Accounting, BlockFreedOnAnotherThreadIsDead) {
   const int64_t before = standin_live_blocks(STANDIN_BLOCK_STRING);
   char* text = vlt_copy_string("a");
   std::thread([text] { vlt_free_string(text); }).join();
@@ -82,7 +82,7 @@ TEST_F(Accounting, ThreadsAtWorkTogetherLoseNoCount) {
   }
 }
 
-TEST_F(Accounting, SnapshotsCanBeTakenWhileThreadsComeAndGo) {
+TEST_F(Accounting, SnapshotsWorkWhileThreadsComeAndGo) {
   standin_reset_calls();
   std::thread counted([] {
     for (int i = 0; i < 200; ++i) std::thread([] { vlt_free_string(vlt_copy_string("a")); }).join();
@@ -100,7 +100,7 @@ TEST_F(Accounting, SnapshotsCanBeTakenWhileThreadsComeAndGo) {
 void freeString(void* text) { vlt_free_string(static_cast<char*>(text)); }
 
 // The thread's counters are gone by then: the key of the test is younger than the library's.
-TEST_F(Accounting, CallsOfAThreadInItsLastDestructorsAreCounted) {
+TEST_F(Accounting, LastDestructorsOfAThreadCountTheirCalls) {
   vlt_free_string(vlt_copy_string("a"));
   const int64_t before = standin_live_blocks(STANDIN_BLOCK_STRING);
   pthread_key_t key{};
@@ -112,7 +112,7 @@ TEST_F(Accounting, CallsOfAThreadInItsLastDestructorsAreCounted) {
   pthread_key_delete(key);
 }
 
-TEST_F(Accounting, CopiesAndFreesWithinTheLibraryAreNoCalls) {
+TEST_F(Accounting, InternalCopiesAndFreesAreNoCalls) {
   const Held value(list({string("a"), list({string("b")})}));
   standin_reset_calls();
   const Held copy(vlt_copy_data(&value.value));
@@ -120,7 +120,7 @@ TEST_F(Accounting, CopiesAndFreesWithinTheLibraryAreNoCalls) {
   EXPECT_EQ(standin_calls_total(), 1);
 }
 
-TEST_F(Accounting, ResetStartsCallsAtZeroAndKeepsLiveBlocks) {
+TEST_F(Accounting, ResetZeroesCallsAndKeepsLiveBlocks) {
   const int64_t before = standin_live_blocks_total();
   const Held text(string("a"));
   EXPECT_GT(standin_calls_total(), 0);
@@ -133,7 +133,7 @@ TEST_F(Accounting, ResetStartsCallsAtZeroAndKeepsLiveBlocks) {
 void ignoreLine(void*, const char*, vlt_log_level_t, const char*) {}
 void ignoreStatus(void*, void*, const vlt_underlying_map_table_t*) {}
 
-TEST_F(Accounting, EachFunctionIsCountedUnderItsOwnName) {
+TEST_F(Accounting, EachFunctionHasItsOwnCount) {
   standin_set_log_sink(ignoreLine, nullptr);
   standin_set_status_sink(ignoreStatus, nullptr);
   standin_reset_calls();

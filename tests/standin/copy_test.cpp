@@ -37,7 +37,7 @@ TEST_F(Copy, NoSourceCopiesToEmpty) {
   EXPECT_EQ(vlt_copy_data(nullptr).tag, uint32_t{VLT_TAG_EMPTY});
 }
 
-TEST_F(Copy, StringIsANewBlockOfTheSameText) {
+TEST_F(Copy, StringIsANewEqualBlock) {
   const Held source(string("text"));
   const Held copy(vlt_copy_data(&source.value));
   EXPECT_EQ(copy.value.tag, uint32_t{VLT_TAG_STRING});
@@ -53,7 +53,7 @@ TEST_F(Copy, BorrowedStringBecomesOwned) {
   EXPECT_NE(copy.value.value.string, source.value.string);
 }
 
-TEST_F(Copy, BorrowedNullTextBecomesAnOwnedNullText) {
+TEST_F(Copy, BorrowedNullStringBecomesAnOwnedOne) {
   const data source = borrowed(nullptr);
   const data copy = vlt_copy_data(&source);
   EXPECT_EQ(copy.tag, uint32_t{VLT_TAG_STRING});
@@ -120,7 +120,7 @@ TEST_F(Copy, SourceIsUnchanged) {
 }
 
 // The fixture counts blocks that a failed copy leaves.
-TEST_F(Copy, ExhaustionAnywhereGivesEmptyAndLeavesNothingBehind) {
+TEST_F(Copy, ExhaustionAnywhereGivesEmptyAndLeaksNothing) {
   const Held source(list({string("a"),
                           map(tableOf(3, {{0, 0, string("k"), list({custom(1)})},
                                           {2, 8, list({string("l")}), buffer("b")}})),

@@ -30,7 +30,7 @@ TEST_F(Failures, OneMeansTheNextAllocation) {
   EXPECT_FALSE(allocates());
 }
 
-TEST_F(Failures, AllFromTheNthOnAreRefusedUntilSwitchedOff) {
+TEST_F(Failures, FromTheNthOnAllAreRefused) {
   standin_fail_allocations_from(2);
   EXPECT_TRUE(allocates());
   EXPECT_FALSE(allocates());

@@ -47,7 +47,7 @@ TEST_F(Free, FreeAndDeletedSlotsOwnNothing) {
   EXPECT_STREQ(stale.value.value.string, "stale");
 }
 
-TEST_F(Free, EmptyKeyWithAnotherHashIsALiveEntry) {
+TEST_F(Free, EmptyKeyWithOtherHashIsLive) {
   freeData(map(tableOf(1, {{0, 2, empty(), string("owned")}})));
 }
 

@@ -86,7 +86,7 @@ TEST_F(Logging, LineIsFormattedAndReachesTheSink) {
   EXPECT_EQ(lines_, (std::vector<line_t>{{"category", 2, "<prefix> 3 of 4.5"}}));
 }
 
-TEST_F(Logging, LineAboveTheLevelIsPassedOnAllTheSame) {
+TEST_F(Logging, LineAboveTheLevelReachesTheSinkToo) {
   captureLines();
   standin_set_log_level("category", 2);
   vlt_log_at("category", 6, "trace");

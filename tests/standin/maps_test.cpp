@@ -56,7 +56,7 @@ TEST_F(Maps, TableWithoutSlotsIsATable) {
   vlt_free_map(made);
 }
 
-TEST_F(Maps, CapacityThatCannotBeHadIsExhaustion) {
+TEST_F(Maps, ImpossibleCapacityIsExhaustion) {
   EXPECT_EQ(vlt_allocate_map(-1), nullptr);
   EXPECT_EQ(vlt_allocate_map(std::numeric_limits<int64_t>::max()), nullptr);
   EXPECT_EQ(vlt_allocate_map(std::numeric_limits<int64_t>::max() / 40), nullptr);
@@ -72,7 +72,7 @@ TEST_F(Maps, CollidingEntriesProbeUpwardsInOldSlotOrder) {
   EXPECT_EQ(keysAfterReallocation(old, 4), (std::vector<int64_t>{-1, 1, 2, 3}));
 }
 
-TEST_F(Maps, ProbingWrapsFromTheLastSlotToTheFirst) {
+TEST_F(Maps, ProbingWrapsToTheFirstSlot) {
   table* old = tableOf(2, {entry(0, 3, 1), entry(1, 7, 2)});
   EXPECT_EQ(keysAfterReallocation(old, 4), (std::vector<int64_t>{2, -1, -1, 1}));
 }
@@ -83,7 +83,7 @@ TEST_F(Maps, HashesWithTheHighestBitAreUnsigned) {
             (std::vector<int64_t>{-1, -1, -1, -1, -1, 1, -1, -1, -1, -1}));
 }
 
-TEST_F(Maps, TombstonesAreDroppedAndCountedNoMore) {
+TEST_F(Maps, TombstonesAreDropped) {
   table* old = tableOf(4, {entry(0, 4, 1), entry(2, 4, 2)});
   markDeleted(old, 1);
   table* made = vlt_reallocate_map(old, 4);
@@ -93,7 +93,7 @@ TEST_F(Maps, TombstonesAreDroppedAndCountedNoMore) {
   vlt_free_map(made);
 }
 
-TEST_F(Maps, LiveEntriesHashedZeroOrOneAreNotTakenForFreeOrDeleted) {
+TEST_F(Maps, LiveEntriesMayHashToZeroOrOne) {
   table* old = tableOf(2, {entry(0, 0, 10), entry(1, 1, 11)});
   EXPECT_EQ(keysAfterReallocation(old, 3), (std::vector<int64_t>{10, 11, -1}));
 }
@@ -114,7 +114,7 @@ TEST_F(Maps, TableMayShrinkToItsLiveCount) {
   EXPECT_EQ(keysAfterReallocation(old, 2), (std::vector<int64_t>{2, 1}));
 }
 
-TEST_F(Maps, TooFewSlotsAreRefusedAndLeaveTheTableAlone) {
+TEST_F(Maps, TooFewSlotsLeaveTheTableAlone) {
   table* old = tableOf(2, {entry(0, 2, 1), entry(1, 3, 2)});
   EXPECT_EQ(vlt_reallocate_map(old, 1), nullptr);
   EXPECT_EQ(vlt_reallocate_map(old, -1), nullptr);
@@ -133,7 +133,7 @@ TEST_F(Maps, ExhaustionLeavesTheOldTableUntouched) {
   vlt_free_map(old);
 }
 
-TEST_F(Maps, NoTableReallocatesToAFreshOne) {
+TEST_F(Maps, NoTableReallocatesToANewOne) {
   table* made = vlt_reallocate_map(nullptr, 2);
   EXPECT_EQ(keysOf(made), (std::vector<int64_t>{-1, -1}));
   vlt_free_map(made);
@@ -150,7 +150,7 @@ bool found(const table* read, uint64_t hash, int64_t key) {
   return false;
 }
 
-TEST_F(Maps, EveryEntryOfARandomTableIsFoundAfterReallocation) {
+TEST_F(Maps, ReallocationKeepsEveryEntryOfARandomTable) {
   std::mt19937_64 random(7);
   table* old = vlt_allocate_map(500);
   std::map<int64_t, uint64_t> hashes;

@@ -6,7 +6,7 @@
 namespace standin {
 namespace {
 
-TEST(PendingBlocks, ComeBackLastInFirstOutWithKindAndNote) {
+TEST(PendingBlocks, ComeBackInReverseWithKindAndNote) {
   vlt_underlying_vector_t list{};
   vlt_underlying_map_table_t map{};
   PendingBlocks<int64_t> pending;
@@ -23,7 +23,7 @@ TEST(PendingBlocks, ComeBackLastInFirstOutWithKindAndNote) {
   EXPECT_EQ(second.note, 3);
 }
 
-TEST(PendingBlocks, AreEmptyBeforeTheFirstAndAfterTheLast) {
+TEST(PendingBlocks, AreEmptyBeforeFirstAndAfterLast) {
   vlt_underlying_vector_t list{};
   PendingBlocks<int64_t> pending;
   EXPECT_TRUE(pending.empty());
@@ -33,7 +33,7 @@ TEST(PendingBlocks, AreEmptyBeforeTheFirstAndAfterTheLast) {
   EXPECT_TRUE(pending.empty());
 }
 
-TEST(PendingBlocks, UseNoMoreThanTheHeadOfAList) {
+TEST(PendingBlocks, UseTheHeadOfAListAlone) {
   vlt_underlying_map_table_t map{1, 2, 30, 40};
   PendingBlocks<int64_t> pending;
   pending.push(Container(&map), 5);

@@ -104,7 +104,7 @@ TEST_F(Render, NoValueIsRenderedAsEmpty) {
 }
 
 // Every length around the sizes of a growing string, exact fits among them.
-TEST_F(Render, TextsOfAnyLengthAreWhole) {
+TEST_F(Render, StringsOfAnyLengthAreWhole) {
   for (std::size_t length = 0; length < 300; ++length) {
     const std::string text(length, 'x');
     EXPECT_EQ(rendered(borrowed(text.c_str())), '"' + text + '"');
@@ -114,7 +114,7 @@ TEST_F(Render, TextsOfAnyLengthAreWhole) {
 }
 
 // 20 levels outgrow the first stack of open containers, 100 bytes the first string.
-TEST_F(Render, ExhaustionAnywhereGivesANullTextAndLeavesNothingBehind) {
+TEST_F(Render, ExhaustionAnywhereGivesNullAndLeaksNothing) {
   data value = borrowed("sixty bytes and more, so that the text has to grow once on its way");
   for (int i = 0; i < 20; ++i) value = list({value});
   const Held held(value);

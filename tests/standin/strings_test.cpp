@@ -19,7 +19,7 @@ class Strings : public Blocks {
   }
 };
 
-TEST_F(Strings, CopyHasTheSameTextElsewhere) {
+TEST_F(Strings, CopyIsEqualAndElsewhere) {
   const char* source = "text";
   char* copy = vlt_copy_string(source);
   EXPECT_STREQ(copy, "text");
@@ -27,7 +27,7 @@ TEST_F(Strings, CopyHasTheSameTextElsewhere) {
   vlt_free_string(copy);
 }
 
-TEST_F(Strings, EmptyAndNullTextsCopyToAnEmptyText) {
+TEST_F(Strings, EmptyAndNullCopyToEmpty) {
   for (const char* source : {"", static_cast<const char*>(nullptr)}) {
     char* copy = vlt_copy_string(source);
     EXPECT_STREQ(copy, "");
@@ -44,7 +44,7 @@ TEST_F(Strings, HashDependsOnBytesAndSeedOnly) {
   EXPECT_NE(vlt_hash_string("time", 1), vlt_hash_string("time", 2));
 }
 
-TEST_F(Strings, NullTextHashesAsTheEmptyText) {
+TEST_F(Strings, NullHashesAsTheEmptyString) {
   EXPECT_EQ(vlt_hash_string(nullptr, 5), vlt_hash_string("", 5));
 }
 

@@ -55,7 +55,7 @@ class CodecsInParallel : private LibraryAndSamples, public HostFixture {
   }
 };
 
-TEST_F(CodecsInParallel, EachDecodesWhatItDecodesAlone) {
+TEST_F(CodecsInParallel, EachDecodesTheSameAsAlone) {
   const auto chain = [](int thread) { return "chain" + std::to_string(thread); };
   outcome_t alone[THREADS];
   std::atomic<int> equal = 0;
@@ -82,7 +82,7 @@ TEST_F(CodecsInParallel, EachDecodesWhatItDecodesAlone) {
   }
 }
 
-TEST_F(CodecsInParallel, CodecsOfOneNameShareNothingButTheirCategory) {
+TEST_F(CodecsInParallel, CodecsOfOneNameShareOnlyTheirCategory) {
   const std::vector<std::string> alone = live("same");
   std::atomic<int> equal = 0;
   in_parallel([&](int) {
@@ -93,7 +93,7 @@ TEST_F(CodecsInParallel, CodecsOfOneNameShareNothingButTheirCategory) {
 
 // The last thread sets levels, has allocations counted and reads all counts while the others
 // decode.
-TEST_F(CodecsInParallel, HostLooksOnMeanwhile) {
+TEST_F(CodecsInParallel, HostCallsTheStandInMeanwhile) {
   constexpr std::uint64_t NEVER = UINT64_MAX;
   const std::vector<std::string> alone = live("chain");
   std::atomic<int> equal = 0;

@@ -39,7 +39,7 @@ class SharedCodec : private LibraryAndSamples, public HostFixture {
   std::atomic<std::ptrdiff_t> kept_ = 0;
 };
 
-TEST_F(SharedCodec, ThreadsWithBatchesOfTheirOwnDoNotDisturbEachOther) {
+TEST_F(SharedCodec, ThreadsDoNotDisturbEachOther) {
   std::atomic<int> equal = 0;
   std::ptrdiff_t kept_alone = 0;
   std::size_t lines_alone = 0;
