@@ -60,7 +60,7 @@ char otherCharacter(char c) noexcept {
   return char(c + 1);
 }
 
-// Where a character may be changed, the promising places first.
+// The places where a character may change, the promising ones first.
 std::vector<std::size_t> placesIn(const std::string& text) {
   const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
   const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
@@ -84,7 +84,7 @@ std::vector<std::size_t> placesIn(const std::string& text) {
 }
 
 void addChangedTexts(std::vector<data_t>& values, const std::string& text) {
-  constexpr std::size_t MOST = 6; // places in one text
+  constexpr std::size_t MOST = 6; // places in one string
   std::vector<std::size_t> places = placesIn(text);
   places.resize(std::min(places.size(), MOST));
   for (const std::size_t place : places) {

@@ -15,7 +15,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
   return text;
 }
 
-// For values that differ in one character: whether the texts differ in that character alone.
+// For values that differ in one character: whether the strings differ in that character alone.
 bool isEchoOfPart(const std::string& before, const std::string& now, const std::string& old_value,
                   const std::string& new_value) {
   if (before.size() != now.size() || old_value.size() != new_value.size()) return false;

@@ -9,7 +9,7 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-// Adds the blocks that are made and not given back during its life.
+// Adds the blocks that its life makes and does not give back.
 class BlockCount {
  public:
   explicit BlockCount(std::int64_t& sum) noexcept : sum_(sum), before_(liveBlocks().value_or(0)) {}

@@ -1,6 +1,6 @@
-// Writes what became of the fields of each message. It asks a plug-in of its own in a chain of its
-// own, so nothing that it does is seen or counted in the run. A line that is read a second time is
-// not explained again.
+// Writes the fates of the fields of each message. It asks another instance of the plug-in in
+// another chain, so the run neither shows nor counts its messages. It explains a line only at its
+// first reading.
 #ifndef VLT_TOOLS_EXPLAIN_EXPLAINER_HPP
 #define VLT_TOOLS_EXPLAIN_EXPLAINER_HPP
 

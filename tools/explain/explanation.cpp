@@ -26,7 +26,7 @@ explanation_t explain(const record_t& record, Probe& probe) {
     explanation.rows = lostRowsOf(base.before);
     explanation.blame = blameFor(probe, base);
   }
-  // Whoever remembers messages answers the same question differently some time.
+  // A plug-in that remembers messages answers the same question differently some time.
   explanation.stable = probe.ask().after.sameContent(base.after);
   if (!explanation.stable) return {false};
   explanation.runs = probe.runs();

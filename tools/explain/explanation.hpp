@@ -1,5 +1,5 @@
-// What there is to be told of one message: derived here, written by explanation_text.cpp for people
-// and by explanation_json.cpp for programs.
+// The explanation of one message: derived here, written by explanation_text.cpp for people and by
+// explanation_json.cpp for programs.
 #ifndef VLT_TOOLS_EXPLAIN_EXPLANATION_HPP
 #define VLT_TOOLS_EXPLAIN_EXPLANATION_HPP
 
@@ -14,20 +14,20 @@
 namespace com::velanto::connectivity::tools {
 
 struct explanation_t {
-  bool stable = true;        // the plug-in gave the same as in the run when it was asked again;
-                             // otherwise nothing is derived
+  bool stable = true;        // asked again, the plug-in gave the same as in the run;
+                             // otherwise there are no fates
   bool passed = false;       // one message came out, the same as went in
-  bool limited = false;      // the message is too large for all that should have been tried
+  bool limited = false;      // the message is too large to try everything
   std::size_t runs = 0;      // of the message with something changed
-  std::vector<row_t> rows{}; // what became of each field
+  std::vector<row_t> rows{}; // the fate of each field
   blame_t blame{};           // when nothing came out
 };
 
-// `record` tells what came of the message in the run, `probe` asks for it again.
+// `record` has the result of the message in the run, `probe` asks for it again.
 [[nodiscard]] explanation_t explain(const record_t& record, Probe& probe);
 
-// Lines of at most 79 columns with their ends; texts may be cut, numbers and names of other kinds
-// never are. `colour`: fates in colours of a terminal.
+// Lines of at most 79 columns with their ends. Cuts long strings, never numbers and names of other
+// kinds. `colour`: fates in colours of a terminal.
 [[nodiscard]] std::string explanationText(const record_t& record, const explanation_t& explanation,
                                           bool colour);
 

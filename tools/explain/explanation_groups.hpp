@@ -1,4 +1,4 @@
-// Which messages of a run have gone the same way: the same fates of the same fields, whatever their
+// Groups the messages of a run by their way: the same fates of the same fields, regardless of
 // values. Of thousands of explanations, one of each way is worth reading.
 #ifndef VLT_TOOLS_EXPLAIN_EXPLANATION_GROUPS_HPP
 #define VLT_TOOLS_EXPLAIN_EXPLANATION_GROUPS_HPP
@@ -14,13 +14,13 @@ namespace com::velanto::connectivity::tools {
 
 class ExplanationGroups {
  public:
-  // Ways that are told apart; more would be memory that grows with the input.
+  // Ways that it tells apart; more would be memory that grows with the input.
   static constexpr std::size_t MOST = 1000;
 
   void add(const record_t& record, const explanation_t& explanation);
 
-  // A table of the most frequent ways with the first message of each, in lines of at most 79
-  // columns and with an empty line before it; nothing without messages.
+  // A table of the most frequent ways with the first message of each. Lines have at most 79
+  // columns, an empty one comes first; nothing without messages.
   [[nodiscard]] std::string text() const;
 
  private:

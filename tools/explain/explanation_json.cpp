@@ -3,8 +3,8 @@
 //                       "to":[{"path":["payload","firstOccurrenceTime"],"value":1715659331.0}]},
 //   …],"log":[],"runs":57,"limited":false,"stable":true}
 //
-// A list or map that is told as one has no "value". Of a message of which nothing came out there
-// are "faults", or, when none is proven, "suspects".
+// A list or map as a whole has no "value". A dropped message has "faults", or, without a proven
+// one, "suspects".
 #include "ndjson/json_line.hpp"
 #include "ndjson/json_text.hpp"
 #include "tools/explain/explanation.hpp"

@@ -1,5 +1,5 @@
-// The rows of a message become entries of a page: of what is unchanged or lost only the paths, of
-// what is converted the values, too; neighbours that came along together are one entry.
+// The rows of a message become entries of a page. Unchanged and lost fields show only their paths,
+// converted ones their values, too; neighbours with the same way share an entry.
 #include <algorithm>
 #include <span>
 #include <utility>
@@ -52,7 +52,7 @@ parts_t phrasesOf(const std::vector<place_t>& places) {
   return listed(std::move(parts));
 }
 
-// `parts` with an arrow and `to` behind them.
+// `parts`, then an arrow and `to`.
 parts_t leadingTo(parts_t parts, parts_t to) {
   to.front() = ARROW + to.front();
   std::move(to.begin(), to.end(), std::back_inserter(parts));
@@ -63,7 +63,7 @@ class Teller {
  public:
   Teller(const std::vector<row_t>& rows, Page& page) : all_(rows), page_(page) {}
 
-  // `rows` are all those of one fate.
+  // `rows` are all rows of one fate.
   void tell(rows_t rows) {
     fate_ = rows.front().fate;
     switch (fate_) {
@@ -119,7 +119,7 @@ void Teller::tellUnchanged(rows_t rows) {
   entry(listed(std::move(parts)));
 }
 
-// Rows that keep their names and only go from one list or map into another are told together.
+// Rows that keep their names and only go from one list or map into another share an entry.
 void Teller::tellMoved(rows_t rows) {
   std::vector<std::vector<const row_t*>> groups;
   const auto sameWay = [](const row_t& one, const row_t& other) {
@@ -203,7 +203,7 @@ void Teller::tellReplaced(rows_t rows) {
   }
 }
 
-// What is the same in several entries of one map is told once: measurements.{speed,gust}.params {}.
+// Equal values in several entries of one map share an entry: measurements.{speed,gust}.params {}.
 void Teller::tellAdded(rows_t rows) {
   for (auto row = rows.begin(); row != rows.end();) {
     const place_t& place = row->to.front();

@@ -1,16 +1,16 @@
-// What has become of the fields of one message, as it is shown and written. Each leaf of what went
-// in is within one `from` of one row, and each leaf of what came out within one `to`; both stand
-// for all that is below them. `with` only refers to fields whose own fate another row tells.
+// The fates of the fields of one message. Each leaf of the input is within one `from` of one row,
+// and each leaf of the outcome within one `to`; both include all values below them. `with` only
+// refers to fields whose own fate another row tells.
 //
 //   unchanged   the same value at the same place
 //   renamed     the same value under another name, or at the top
 //   gathered    the same value in a list or map that the plug-in has put together
 //   copied      one more copy of a field (with) that has come out elsewhere, too
 //   converted   a value that follows from one or several fields, but is none of them
-//   replaced    came to nothing, since something else (with, or to) has its place
-//   added       a value that does not change whatever field is changed
-//   lost        came to nothing
-//   unknown     not followed: the message is too large to be run again for each field
+//   replaced    vanished, and another value (with, or to) has its place
+//   added       a value that stays the same when any field changes
+//   lost        vanished
+//   unknown     not followed: the message is too large to run again for each field
 #ifndef VLT_TOOLS_EXPLAIN_FATES_HPP
 #define VLT_TOOLS_EXPLAIN_FATES_HPP
 
@@ -26,7 +26,7 @@ enum class Fate { unchanged, renamed, gathered, copied, converted, replaced, add
 
 [[nodiscard]] const char* nameOf(Fate fate) noexcept;
 
-// What comes of the message without a lost field: the same, nothing, the message as it went in, or
+// The result of the message without a lost field: the same, nothing, the message as it went in, or
 // other fields.
 enum class Without { same, dropped, passed, different };
 
@@ -43,7 +43,7 @@ struct row_t {
   std::vector<place_t> from;
   std::vector<place_t> to;
   std::vector<place_t> with;
-  bool new_block = false;          // unchanged, renamed, gathered: a text that has been copied
+  bool new_block = false;          // unchanged, renamed, gathered: a copied string
   Without without = Without::same; // lost and replaced
   bool operator==(const row_t&) const = default;
 };

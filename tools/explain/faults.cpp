@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t MOST_FAULTS = 4;     // in one message
 constexpr std::size_t MOST_RUNS = 1500;    // for one message
-constexpr std::size_t MOST_SUSPECTS = 100; // values of a message that are looked at
+constexpr std::size_t MOST_SUSPECTS = 100; // values of a message that it looks at
 constexpr std::size_t MOST_CHANGES = 4;    // of one value
 constexpr std::size_t MOST_WAYS = 6;       // to go on from one state
 
@@ -33,8 +33,8 @@ std::string plainText(const data_t& value) {
   return json;
 }
 
-// A state of the message on the way to one that comes out: the changes until here and what is
-// logged with them.
+// A state of the message on the way to one that comes out: the changes so far, and the log lines
+// with them.
 class Stage {
  public:
   Stage(Probe& probe, std::vector<change_t> changes, const answer_t& answer)
@@ -51,10 +51,10 @@ class Stage {
   // them.
   bool solve(std::size_t faults_left, std::vector<fault_t>& faults);
 
-  // From now on mending is tried with every leaf.
+  // From now on it tries to mend every leaf.
   void suspectAll();
 
-  // Of those whose mending was tried, the ones that have most to do with what is logged.
+  // The ones with the closest link to the log lines, among all that it tried to mend.
   [[nodiscard]] std::vector<fault_t> suspects() const;
 
  private:
@@ -77,13 +77,13 @@ class Stage {
   std::vector<change_t> changes_;
   const answer_t& answer_;
   Message message_;
-  std::string reason_;             // the log text without what it mentions in passing
+  std::string reason_;             // the log text without its parts of no importance
   std::vector<std::string> names_; // quoted in it
-  std::vector<path_t> named_;      // what stands under one of them, or is repeated in the text
-  std::vector<path_t> altering_;   // leaves with which the text becomes another one
+  std::vector<path_t> named_;      // the value under one of them, or a value that the text repeats
+  std::vector<path_t> altering_;   // leaves that change the text
   std::vector<path_t> leaves_;
-  std::vector<path_t> suspects_; // whose mending is tried
-  std::vector<way_t> ways_;      // changes with which another reason is logged
+  std::vector<path_t> suspects_; // that it tries to mend
+  std::vector<way_t> ways_;      // changes that lead to another reason
 };
 
 std::optional<answer_t> Stage::askWith(const change_t& change) {
@@ -131,7 +131,7 @@ void Stage::look(const node_t& leaf) {
   }
 }
 
-// Whether the same reason is logged without what stands at `path`, when that is of another kind;
+// Whether the log has the same reason without the value at `path`, when that is of another kind;
 // the reason is then known without it.
 bool Stage::isOnlyMentioned(const path_t& path) {
   const std::string text = plainText(*valueAt(message_, path));
@@ -245,7 +245,7 @@ bool Stage::solve(std::size_t faults_left, std::vector<fault_t>& faults) {
 
 } // namespace
 
-// Few faults are likelier than many, so they are tried first.
+// Few faults are likelier than many, so they come first.
 blame_t blameFor(Probe& probe, const answer_t& base) {
   Stage stage(probe, {}, base);
   blame_t blame;

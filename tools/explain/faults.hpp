@@ -1,12 +1,12 @@
-// What is at fault in a message of which nothing came out, as far as running it again can tell:
+// The faults of a dropped message, as far as running it again can tell:
 //
-//   (1) suspects   values that the log text repeats, values that stand under a name in its quotes,
-//                  and, if there are none, all of them. What the text mentions in passing, such as
-//                  which message it is about, is no suspect: it can be had without that part
-//   (2) mending    a name in quotes that is not there is added; a suspect becomes the same in
-//                  another kind or in other letters, or gets a value that the message has elsewhere
-//   (3) proof      with it something comes out; or another reason is logged, and mending goes on
-//                  from there. Only what ends with a message coming out counts
+//   (1) suspects   values that the log text repeats, values under a name in its quotes, and, if there
+//                  are none, all of them. The text may name the message itself or repeat another part
+//                  that it does not need: such a part is no suspect
+//   (2) mending    adds a missing name from the quotes; turns a suspect into another kind, into other
+//                  letters, or into a value that the message has elsewhere
+//   (3) proof      with the change the message comes out; or another reason appears, and mending goes
+//                  on from there. Only a way to a message that comes out counts
 //
 // A message that passes on as it went in proves nothing: without its path any of them does.
 #ifndef VLT_TOOLS_EXPLAIN_FAULTS_HPP
@@ -23,17 +23,17 @@ struct fault_t {
   path_t path;
   std::string found;    // JSON of a leaf; empty: a list or map,
   bool missing = false; // or nothing at all
-  std::string mended{}; // JSON of a value with which it goes on; empty: none was found
+  std::string mended{}; // JSON of a value with which it goes on; empty: none
   bool operator==(const fault_t&) const = default;
 };
 
 struct blame_t {
-  // In the order in which they are met; with all of them mended the message comes out.
+  // In the order of discovery; with all of them mended the message comes out.
   std::vector<fault_t> faults;
   std::vector<fault_t> suspects; // when there are no faults
 };
 
-// `base` is what the probe answers when nothing is changed; nothing came out.
+// `base` is the probe's answer without a change; the message was dropped.
 [[nodiscard]] blame_t blameFor(Probe& probe, const answer_t& base);
 
 } // namespace com::velanto::connectivity::tools

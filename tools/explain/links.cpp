@@ -10,7 +10,7 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-// Where in `trace` the value of `node` lies in its own block.
+// The place of the value of `node` in `trace`, in its own block.
 std::vector<path_t> pathsOfBlock(const Trace& trace, const node_t& node) {
   std::vector<path_t> paths;
   if (node.block == nullptr) return paths;
@@ -58,11 +58,11 @@ class Linker {
   Probe& probe_;
   const answer_t& base_;
   links_t links_;
-  std::set<std::size_t> made_anew_; // nodes before whose block came out for another text
-  bool mistaken_ = false;           // one more of them has been found
+  std::set<std::size_t> made_anew_; // nodes before whose block came out with another string
+  bool mistaken_ = false;           // it has found one more of them
 };
 
-// From the top of the outcome down: what is matched is done with, with all that is in it.
+// From the top of the outcome down: a match settles a value and all values in it.
 void Linker::matchBlocks() {
   std::unordered_map<const void*, std::size_t> before;
   const std::vector<node_t>& nodes = base_.before.nodes();
@@ -97,7 +97,7 @@ void Linker::addOpenSources(const std::vector<char>& matched) {
             [](const source_t& one, const source_t& two) { return one.node < two.node; });
 }
 
-// Of a message too large for all, the fields at the top are followed rather than those deep down.
+// Of a message too large for all, it follows the fields at the top rather than deep ones.
 std::vector<source_t*> Linker::shallowFirst() {
   std::vector<source_t*> sources;
   sources.reserve(links_.sources.size());
@@ -150,7 +150,7 @@ void Linker::note(source_t& source, const answer_t& answer) {
   source.steers = source.steers || !answer.after.sameContent(base_.after);
 }
 
-// Whether what was taken for `moved` is it: otherwise it does not come out in its new block either.
+// Whether the match of `moved` is right: otherwise it does not come out in its new block either.
 void Linker::check(const source_t& moved, const answer_t& answer) {
   const node_t* const is = answer.before.find(nodeOf(moved).path);
   if (is == nullptr || !is->isLeaf()) return;
@@ -194,8 +194,8 @@ void Linker::findReplacedBy(std::size_t number) {
   }
 }
 
-// Where `lost` may have come out once `other` is not there: where its block is, and where `other`
-// stood. A block may also have been freed and used again, so a change has to show.
+// The places where `lost` may have come out without `other`: the place of its block, and the place
+// of `other`. A plug-in may also have freed a block and used it again, so only a change proves it.
 bool Linker::showsWithout(const source_t& lost, const source_t& other,
                           const answer_t& without_other) {
   constexpr std::size_t TRIES = 3; // changes

@@ -8,7 +8,7 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-constexpr std::size_t LABEL = 11;     // columns, with the blanks behind it
+constexpr std::size_t LABEL = 11;     // columns, with the blanks after it
 constexpr std::size_t CONTINUED = 15; // columns before a line that goes on
 constexpr const char* MARGIN = "  ";
 

@@ -1,4 +1,4 @@
-// Lays out what is told of a message in 79 columns, a label and what belongs to it:
+// Lays out the explanation of a message in 79 columns, a label and its parts:
 //
 //     unchanged  id, self, text
 //     converted  time "2024-05-14T06:14:40.250+02:00"
@@ -32,10 +32,10 @@ class Page {
   explicit Page(bool colour) noexcept : colour_(colour) {}
 
   void heading(std::string_view text);
-  // An entry; of several with the same label in a row only the first shows it. The parts stand side
-  // by side as far as there is room, with blanks between them; each must fit a line.
+  // An entry; of several with the same label in a row only the first shows it. A line takes as many
+  // parts as fit, with blanks between them; each part must fit a line.
   void entry(std::string_view label, Colour colour, const std::vector<std::string>& parts);
-  // One of a text, broken between words and, where there is none, within one.
+  // An entry of one string, broken between words and, where there is none, within one.
   void text(std::string_view label, Colour colour, std::string_view text);
 
   [[nodiscard]] std::string take() && { return std::move(out_); }

@@ -1,8 +1,8 @@
-// Where a value stands in a message, from "metadata" or "payload" down:
+// The place of a value in a message, from "metadata" or "payload" down:
 //
 //   for people      source.id   list[2].x   "odd name"   metadata."vlt.type"
-//                   The payload's own name is left out, except for the payload as a whole or a list
-//                   of its own; a field of the payload with one of the two names stands in quotes
+//                   Without the payload's own name, except for the payload as a whole or a list. In
+//                   quotes, a field of the payload with one of the two names
 //   for programs    ["payload","source","id"], as jq's getpath takes it
 #ifndef VLT_TOOLS_EXPLAIN_PATH_HPP
 #define VLT_TOOLS_EXPLAIN_PATH_HPP
@@ -32,13 +32,13 @@ struct step_t {
 using path_t = std::vector<step_t>;
 
 [[nodiscard]] std::string textOf(const path_t& path);
-// One step below another, without what joins them: name or "quoted name".
+// One step below another, without punctuation: name or "quoted name".
 [[nodiscard]] std::string nameOf(std::string_view key);
 
 void appendJson(std::string& out, const path_t& path);
 
 [[nodiscard]] path_t parentOf(const path_t& path);
-// Whether `path` is `ancestor` or stands within it.
+// Whether `path` is `ancestor` or a place within it.
 [[nodiscard]] bool isWithin(const path_t& path, const path_t& ancestor) noexcept;
 
 } // namespace com::velanto::connectivity::tools

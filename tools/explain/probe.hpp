@@ -1,5 +1,5 @@
-// Runs one message again and again, each time with something else changed, and tells what comes of
-// it. It knows no plug-in: whoever makes it says how to run a message.
+// Runs one message again and again, each time with another change, and tells the result. It knows
+// no plug-in: its maker says how to run a message.
 #ifndef VLT_TOOLS_EXPLAIN_PROBE_HPP
 #define VLT_TOOLS_EXPLAIN_PROBE_HPP
 
@@ -15,7 +15,7 @@
 
 namespace com::velanto::connectivity::tools {
 
-// What came of one run.
+// The result of one run.
 struct answer_t {
   Trace before; // of the message as it went in
   Trace after;  // of all that came out
@@ -33,19 +33,19 @@ class Probe {
 
   static constexpr std::size_t MOST_VALUES = 1'000'000; // some seconds
 
-  // `message` must outlive the probe. How many values are looked at in all runs together is bounded:
-  // a message of 1 000 values is run some 1 000 times at most, one of 20 000 values some 50 times.
+  // `message` must outlive the probe. A bound limits the values that all runs together look at: a
+  // message of 1 000 values runs some 1 000 times at most, one of 20 000 values some 50 times.
   Probe(const Message& message, Plugin plugin, std::size_t most_values = MOST_VALUES)
       : message_(message), plugin_(std::move(plugin)), most_values_(most_values) {}
 
   // The message as it is; always allowed.
   answer_t ask() const { return run({}); }
-  // The message with `changes` made in this order; nothing when the bound is reached.
+  // The result of the message with `changes` made in this order; nothing beyond the bound.
   std::optional<answer_t> ask(std::span<const change_t> changes);
   std::optional<answer_t> ask(const change_t& change) { return ask(std::span(&change, 1)); }
 
   [[nodiscard]] const Message& message() const noexcept { return message_; }
-  // Runs with changes until now, and whether one more has been refused.
+  // Runs with changes so far, and whether the bound has refused one more.
   [[nodiscard]] std::size_t runs() const noexcept { return runs_; }
   [[nodiscard]] bool exhausted() const noexcept { return exhausted_; }
 

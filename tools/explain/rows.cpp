@@ -58,13 +58,13 @@ class RowMaker {
   const answer_t& base_;
   const links_t& links_;
   std::map<std::size_t, numbers_t> carriers_; // of a node after: the sources that it is
-  std::map<std::size_t, numbers_t> shapers_;  // the sources that it is made from
+  std::map<std::size_t, numbers_t> shapers_;  // the sources of its value
   std::set<std::size_t> told_from_;           // sources and
   std::set<std::size_t> told_to_;             // nodes after that have a row
   std::vector<row_t> rows_;
 };
 
-// What seems to be several values at once is none of them, but made from all.
+// A value that seems to be several values at once is none of them, but made from all.
 void RowMaker::findCarriers() {
   for (std::size_t i = 0; i < links_.sources.size(); ++i) {
     for (const std::size_t node : links_.sources[i].carried) carriers_[node].push_back(i);
@@ -81,7 +81,7 @@ void RowMaker::findCarriers() {
   }
 }
 
-// A value that came out at several places is at home where it was, or else where it was moved.
+// A value that came out at several places belongs to its old place, or else to its new one.
 void RowMaker::addMoves() {
   for (std::size_t i = 0; i < links_.sources.size(); ++i) {
     const source_t& source = links_.sources[i];
@@ -108,7 +108,7 @@ void RowMaker::addMoves() {
   }
 }
 
-// Rows that share a field whose fate is not told yet become one.
+// Rows that share a field without a fate become one.
 void RowMaker::addConversions() {
   struct conversion_t {
     std::set<std::size_t> from;
@@ -144,7 +144,7 @@ void RowMaker::addConversions() {
   }
 }
 
-// The sources that a node after is or is made from.
+// The sources that are a node after, or that it is made from.
 RowMaker::numbers_t RowMaker::ownersOf(const node_t& node) const {
   const auto number = static_cast<std::size_t>(&node - base_.after.nodes().data());
   if (const auto found = carriers_.find(number); found != carriers_.end()) return found->second;
@@ -152,7 +152,7 @@ RowMaker::numbers_t RowMaker::ownersOf(const node_t& node) const {
   return {};
 }
 
-// A lost value is replaced by what stands at its own place, or by what keeps it from coming out.
+// The value at its own place replaces a lost value, or the value that keeps it from coming out.
 void RowMaker::addReplaced() {
   for (std::size_t i = 0; i < links_.sources.size(); ++i) {
     const source_t& source = links_.sources[i];
@@ -174,7 +174,7 @@ void RowMaker::addReplaced() {
   }
 }
 
-// A list or map of which everything is lost is told as one.
+// A list or map that is lost with all its content is one row.
 void RowMaker::addLost() {
   std::map<std::size_t, Without> lost; // leaves before
   for (std::size_t i = 0; i < links_.sources.size(); ++i) {
@@ -201,7 +201,7 @@ void RowMaker::addLost() {
   }
 }
 
-// What nothing points at was added, provided that everything has been tried.
+// A value without any link was added, provided that everything has been tried.
 void RowMaker::addLeftovers() {
   row_t unknown{Fate::unknown, {}, {}, {}};
   for (std::size_t i = 0; i < links_.sources.size(); ++i) {

@@ -12,7 +12,7 @@ namespace com::velanto::connectivity::tools {
 // Sorted by fates in the order of Fate, then by paths.
 [[nodiscard]] std::vector<row_t> rowsOf(const answer_t& base, const links_t& links);
 
-// Those of a message of which nothing came out: its fields are lost one and all.
+// The rows of a dropped message: its fields are lost one and all.
 [[nodiscard]] std::vector<row_t> lostRowsOf(const Trace& before);
 
 } // namespace com::velanto::connectivity::tools

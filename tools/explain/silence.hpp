@@ -1,6 +1,6 @@
-// While it exists, what is written to standard error goes nowhere. A plug-in that writes there past
-// the log would otherwise tell of runs that nobody has asked it about. Standard error is the whole
-// process's: nobody else may have something to say meanwhile.
+// While it exists, standard error leads nowhere. A plug-in that writes there past the log would
+// otherwise tell of runs that nobody has asked for. Standard error belongs to the whole process, so
+// no other code may write there meanwhile.
 #ifndef VLT_TOOLS_EXPLAIN_SILENCE_HPP
 #define VLT_TOOLS_EXPLAIN_SILENCE_HPP
 
@@ -8,7 +8,7 @@ namespace com::velanto::connectivity::tools {
 
 class Silence {
  public:
-  // Where the system refuses, nothing is silenced.
+  // When the system refuses, it has no effect.
   Silence() noexcept;
   Silence(const Silence&) = delete;
   Silence& operator=(const Silence&) = delete;

@@ -1,6 +1,6 @@
-// What lies where in messages at one moment: every value with its path, its kind and the block that
-// holds it. It is made before the plug-in gets a message and again of what comes out; a block that
-// is in both has been moved, not made anew.
+// The places of all values of messages at one moment: every value with its path, its kind and the
+// block that holds it. One is made before the plug-in gets a message, and one of the outcome; a
+// block that is in both has moved, and is not new.
 //
 //   leaf        a value without values in it: a scalar, or an empty list or map
 //   container   a list or map that is not empty; its values follow it, sorted by their paths
@@ -22,9 +22,9 @@ namespace com::velanto::connectivity::tools {
 struct node_t {
   path_t path;
   std::uint32_t tag;
-  const void* block; // null: the value has none. Only to be compared: it may be gone by now
+  const void* block; // null: the value has none. Only to compare: it may be gone by now
   std::string json;  // of a leaf, exact; empty for a container
-  std::size_t end;   // the number of the first node behind this one and all within it
+  std::size_t end;   // the number of the first node after this one and all within it
 
   [[nodiscard]] bool isLeaf() const noexcept { return !json.empty(); }
   [[nodiscard]] bool sameValue(const node_t& other) const noexcept {
@@ -35,7 +35,7 @@ struct node_t {
 class Trace {
  public:
   Trace() = default;
-  // Of several messages the second is found below "metadata 2" and "payload 2", and so on.
+  // Of several messages, the second is below "metadata 2" and "payload 2", and so on.
   explicit Trace(std::span<const Message> messages);
   explicit Trace(const Message& message) : Trace(std::span(&message, 1)) {}
 
@@ -45,8 +45,8 @@ class Trace {
   // Null when nothing is there.
   [[nodiscard]] const node_t* find(const path_t& path) const;
 
-  // Whether the values below two nodes, here and in `other`, are the same, and, unless only the
-  // content counts, lie in the same blocks.
+  // Whether the values below two nodes, here and in `other`, are the same and in the same blocks;
+  // the latter does not matter when only the content counts.
   enum class Compare { content, blocks };
   [[nodiscard]] bool same(std::size_t number, const Trace& other, std::size_t of_other,
                           Compare compare) const;

@@ -1,5 +1,4 @@
-// Texts in columns of a terminal. A column is taken to be a character of UTF-8; what is cut off is
-// marked by an ellipsis.
+// Strings in columns of a terminal. A column is a character of UTF-8; an ellipsis marks a cut.
 #ifndef VLT_TOOLS_RECORD_COLUMNS_HPP
 #define VLT_TOOLS_RECORD_COLUMNS_HPP
 
@@ -11,7 +10,7 @@ namespace com::velanto::connectivity::tools {
 
 [[nodiscard]] std::size_t widthOf(std::string_view text) noexcept;
 
-// `text` with blanks behind or before it, as wide as `width` if it is not wider itself.
+// `text` with blanks after or before it, as wide as `width` if it is not wider itself.
 [[nodiscard]] std::string padded(std::string_view text, std::size_t width);
 [[nodiscard]] std::string leftPadded(std::string_view text, std::size_t width);
 

@@ -7,8 +7,8 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-// `what` begins with `begin` and contains `then` behind it. The key is `key`, or, when that is
-// null, the text in the last quotes that `quoted` opens.
+// `what` begins with `begin` and contains `then` after it. The key is `key`, or, when that is null,
+// the part in the last quotes that `quoted` opens.
 struct reason_row_t {
   const char* begin;
   const char* then;
@@ -54,7 +54,7 @@ std::string keyOf(const reason_row_t& row, std::string_view what) {
   return std::string(what.substr(begin, what.find('\'', begin) - begin));
 }
 
-// What is left of a log line behind the label and the words that all of these lines share.
+// The rest of a log line after the label and the words that all of these lines share.
 std::string_view whatOf(std::string_view line) noexcept {
   constexpr std::string_view BEGIN = "Error when transforming message towards ";
   if (line.starts_with('<')) line.remove_prefix(std::min(line.find("> ") + 2, line.size()));

@@ -13,7 +13,7 @@ constexpr std::array<const char*, KINDS> NAMES = {
 
 constexpr std::size_t FIRST_WITHOUT_A_WORD = static_cast<std::size_t>(Kind::other);
 
-// The text under `key`, null when there is none.
+// The string under `key`, null when there is none.
 const char* textUnder(const Message& message, const hashed_key_t& key) noexcept {
   const data_t* const found = message.getMetadataMap().find_value(key);
   if (found == nullptr || !found->is_string()) return nullptr;

@@ -1,6 +1,6 @@
-// Which kind of notification a message holds, told by its path alone, as documented for hosts: the
-// segment behind the second slash begins with the kind's word. This is the tool's own reading, for
-// grouping what went in; what the plug-in made of it shows in what comes out.
+// The kind of a notification, told by its path alone, by the rule in docs/fields.md: the segment
+// after the second slash begins with the kind's word. This is the tool's own reading, for grouping
+// the input; the outcome shows the plug-in's.
 #ifndef VLT_TOOLS_RECORD_KIND_HPP
 #define VLT_TOOLS_RECORD_KIND_HPP
 
@@ -12,7 +12,7 @@
 
 namespace com::velanto::connectivity::tools {
 
-// other: a path that names none of the five. none: no path, or none that is a text.
+// other: a path that names none of the five. none: no path, or one that is no string.
 enum class Kind { alarms, events, managedobjects, measurements, operations, other, none };
 
 inline constexpr std::size_t KINDS = 7;
@@ -28,9 +28,9 @@ class MetadataReader {
   MetadataReader();
 
   [[nodiscard]] Kind kindOf(const Message& message) const noexcept;
-  // Whether there is an event type, which the plug-in gives to what it converts.
+  // Whether there is an event type, which the plug-in gives to the events that it makes.
   [[nodiscard]] bool isTyped(const Message& message) const noexcept;
-  // The channel, or an empty text when there is none or it is no text. Valid as long as the message.
+  // The channel, or an empty string when there is none. Valid as long as the message.
   [[nodiscard]] std::string_view channelOf(const Message& message) const noexcept;
 
  private:

@@ -1,4 +1,4 @@
-// A stream that must take all that is written to it, in large pieces.
+// A stream that must take all output, in large pieces.
 #ifndef VLT_TOOLS_RECORD_OUTPUT_HPP
 #define VLT_TOOLS_RECORD_OUTPUT_HPP
 
@@ -11,15 +11,15 @@ namespace com::velanto::connectivity::tools {
 
 class Output {
  public:
-  // `out` must outlive this; `complaint` begins the error text. What is not flushed at the end of
-  // its life is lost.
+  // `out` must outlive this; `complaint` begins the error text. Output without a flush is lost at
+  // the end of its life.
   Output(std::ostream& out, std::string complaint) : out_(out), complaint_(std::move(complaint)) {}
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
   ~Output() = default;
 
-  // Throw ReplayError with EXIT_IO and the system's reason when the stream takes no more, except for
-  // a pipe that its reader has closed: that is no error, and nothing is written from then on.
+  // Throw ReplayError with EXIT_IO and the system's reason when the stream takes no more. A reader
+  // that closes its pipe is no error; the stream then ignores further output.
   void write(std::string_view text);
   void flush();
 
@@ -32,7 +32,7 @@ class Output {
   bool closed_ = false;
 };
 
-// Makes the file anew. Throws ReplayError "PATH: reason" with EXIT_IO.
+// Creates or empties the file. Throws ReplayError "PATH: reason" with EXIT_IO.
 [[nodiscard]] std::ofstream openForWriting(const std::string& path);
 
 } // namespace com::velanto::connectivity::tools

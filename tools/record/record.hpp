@@ -1,4 +1,4 @@
-// What is known of one line of input once it has been through the plug-in, and who gets to know it.
+// The results of one line of input after its way through the plug-in, and their receivers.
 //
 //   reader → record_t (origin, line) → worker (message, kind, outcome, outputs, log) → consumers
 //
@@ -32,26 +32,26 @@ inline constexpr std::size_t OUTCOMES = 4;
 [[nodiscard]] const char* nameOf(Outcome outcome) noexcept;
 
 struct record_t {
-  std::uint64_t number = 0;          // of the line among those that are not blank, from 1
+  std::uint64_t number = 0;          // number among the lines that are not blank, from 1
   const std::string* file = nullptr; // its name as diagnostics show it
   std::uint64_t line_number = 0;     // in its file, from 1
-  std::size_t pass = 0;              // how often all input had been read before
+  std::size_t pass = 0;              // earlier readings of the whole input
   std::string line;                  // byte for byte, without the line end
 
   text_part_t annotation; // where the line has a remark of an earlier run; of size 0: none
 
   Kind kind = Kind::none;
   Outcome outcome = Outcome::dropped;
-  std::vector<Message> outputs; // what came out: one message, or none unless the plug-in is faulty
+  std::vector<Message> outputs; // one message, or none unless the plug-in is faulty
   std::string events;           // the outputs as lines of JSON, if anyone has asked for them
-  std::vector<log_line_t> log;  // what was logged while the plug-in had the message
+  std::vector<log_line_t> log;  // log lines while the plug-in had the message
   std::string malformed;        // why the line is no message
   std::size_t column = 0;       // where, in bytes from 1; 0: not known
 
   [[nodiscard]] std::string place() const { return *file + ":" + std::to_string(line_number); }
 };
 
-// Gets every record, in the order of the input. What a function throws ends the run.
+// Gets every record, in the order of the input. An exception of a function ends the run.
 class Consumer {
  public:
   Consumer() = default;
@@ -60,11 +60,11 @@ class Consumer {
   virtual ~Consumer() = default;
 
   virtual void take(const record_t& record) = 0;
-  // Lines that were logged while the plug-in had no message: at its creation, start and end.
+  // Log lines while the plug-in had no message: at its creation, start and end.
   virtual void takeLog(std::span<const log_line_t> /*lines*/) {}
   // One call of the plug-in with `messages` messages took `time`.
   virtual void takeBatch(std::size_t /*messages*/, std::chrono::nanoseconds /*time*/) {}
-  // The next record may be long in coming: whatever is held back should be written now.
+  // The next record may be long in coming: write held-back output now.
   virtual void pause() {}
   // The plug-in has ended. Returns what this makes of the exit status of the run.
   virtual exit_status_t finish() { return EXIT_FINE; }
