@@ -62,8 +62,8 @@ class Replay {
 
 int Replay::run(const std::vector<input_t>& inputs) {
   setLevel();
-  // The caller may hold blocks; the plug-in library makes some when it is loaded and gives them
-  // back only when it is unloaded.
+  // The caller may hold blocks; the plug-in library makes some at its loading and gives them back
+  // only at its unloading.
   const std::optional<std::int64_t> before = liveBlocks();
   drive(inputs);
   library_.reset();
@@ -75,7 +75,7 @@ int Replay::run(const std::vector<input_t>& inputs) {
 }
 
 void Replay::setLevel() {
-  // Why a message was dropped the tool always wants to hear, whatever it shows.
+  // The tool always needs the reason of a drop, at any level of its output.
   const bool set = setLogLevel(std::max(shownLogLevel(options_), DROPPED_LEVEL));
   if (!set && options_.log_level) {
     report("this host library does not let its log level be set; --log-level is ignored");
@@ -101,7 +101,7 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   try {
     replayAll(inputs, *pool);
   } catch (...) {
-    consumers_.pause(); // what has come out until now counts, whatever stops the run
+    consumers_.pause(); // an aborted run still reports its results so far
     throw;
   }
   consumers_.pause();

@@ -1,11 +1,11 @@
-// Sends recorded messages through a plug-in and hands what is learnt of each to those who asked:
+// Sends recorded messages through a plug-in and hands the results to the consumers that want them:
 //
 //   inputs ─ LineReader → Worker: JSON → message → plug-in → outputs, log → consumers
 //                                                                           events, figures, …
 //
-// The plug-in runs inside this process and is driven through its C functions from creation to
-// destruction. Only the lines under way are kept, so memory depends on the batch size and on the
-// longest line, not on how much there is to read.
+// The plug-in runs inside this process, from creation to destruction through its C functions.
+// Memory holds only the current lines, so it depends on the batch size and the longest line, not on
+// the length of the input.
 #ifndef VLT_TOOLS_REPLAY_REPLAY_HPP
 #define VLT_TOOLS_REPLAY_REPLAY_HPP
 

@@ -43,7 +43,7 @@ case_result_t runCase(const ReplayOptions& suite, const fs::path& input) {
   golden.replace_extension(".golden");
   (suite.update ? options.record : options.expect) = golden.string();
   std::vector<input_t> inputs = inputsFrom({input.string()});
-  inputs.front().name = input.filename().string(); // golden files are the same wherever they lie
+  inputs.front().name = input.filename().string(); // golden files are the same in any folder
   NullBuffer nowhere;
   std::ostream events(&nowhere);
   std::ostringstream complaints;

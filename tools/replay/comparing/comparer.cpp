@@ -49,7 +49,7 @@ std::string Comparer::fieldsOf(const std::string& before, const std::string& aft
   std::string text;
   try {
     std::vector<difference_t> differences = differencesOf(valueOf(before), valueOf(after));
-    // What became of the message explains the rest.
+    // A difference in the outcome explains the rest.
     std::stable_partition(differences.begin(), differences.end(),
                           [](const difference_t& d) { return d.path == "outcome"; });
     for (const difference_t& difference : differences) text += unified(difference);

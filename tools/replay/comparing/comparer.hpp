@@ -22,7 +22,7 @@ struct side_t {
 
 class Comparer {
  public:
-  // Differences of so many messages are shown, the rest is only counted.
+  // It shows so many messages that differ, and only counts the rest.
   static constexpr std::uint64_t SHOWN = 50;
 
   // `from` is what the lines before come from: the name of a file.

@@ -12,7 +12,7 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-constexpr std::size_t WIDTH = 77; // columns of a value, behind its sign
+constexpr std::size_t WIDTH = 77; // columns of a value, after its sign
 
 // Plain names as they are, all others in quotes.
 std::string plainOrQuoted(const data_t& key) {
@@ -65,8 +65,8 @@ class Comparison {
   std::vector<difference_t> found_;
 };
 
-// `text` behind `sign` in lines of WIDTH columns, from shortly before byte `at` on, if it takes too
-// many lines to be shown whole.
+// `text` after `sign` in lines of WIDTH columns; from shortly before byte `at` on, if the whole
+// takes too many lines.
 std::string inLines(const char* sign, std::string_view text, std::size_t at) {
   constexpr std::size_t LEAD = 24; // bytes
   constexpr int LINES = 4;

@@ -18,12 +18,12 @@ struct difference_t {
   std::optional<std::string> after;
 };
 
-// The fields in the order of `before`'s entries, then those that only `after` has. Values that are
-// both maps or both lists are entered.
+// The fields in the order of `before`'s entries, then the fields that only `after` has. Enters
+// values that are both maps or both lists.
 [[nodiscard]] std::vector<difference_t> differencesOf(const data_t& before, const data_t& after);
 
-// A difference as unified text, each line at most 79 columns wide and with its end; a value that
-// takes more than four of them is shown around the first byte that differs.
+// A difference as a unified diff, each line at most 79 columns wide and with its end. Of a value
+// that takes more than four of them, only the part around the first byte that differs.
 [[nodiscard]] std::string unified(const difference_t& difference);
 
 } // namespace com::velanto::connectivity::tools

@@ -21,7 +21,7 @@ class OtherBuild final : public Consumer {
              std::ostream& diagnostics);
 
   void take(const record_t& record) override;
-  // Of the lines that the first plug-in logs without a message, those of its end belong to finish().
+  // The lines that the first plug-in logs without a message, at its end, belong to finish().
   void takeLog(std::span<const log_line_t> lines) override;
 
   // Ends the other plug-in, too, and unloads its library.

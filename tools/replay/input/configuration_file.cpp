@@ -103,7 +103,7 @@ std::string contentOf(const std::string& path) {
   errno = 0;
   std::ifstream file(path, std::ios::binary);
   std::string content{std::istreambuf_iterator<char>(file), {}};
-  // A folder opens like a file, but cannot be read.
+  // A folder opens like a file, but reading it fails.
   if (!file.is_open() || errno == EISDIR) {
     throw ReplayError(EXIT_IO, path + ": " + std::generic_category().message(errno));
   }

@@ -1,5 +1,5 @@
-// The codec's section of a chain configuration as a file of YAML: a mapping of keys to values, kept
-// in their kinds, since kinds are what a codec is particular about.
+// The codec's section of a chain configuration as a file of YAML: a mapping of keys to values.
+// Values keep their kinds, since a codec distinguishes them.
 //
 //   YAML                            value
 //   true, false                     boolean
@@ -25,8 +25,8 @@ struct configuration_entry_t {
   data_t value;
 };
 
-// The entries in the order of the file. Throws ReplayError: with EXIT_IO when the file cannot be
-// read, with EXIT_PLUGIN "FILE:LINE: reason" when it is no such mapping or repeats a key.
+// The entries in the order of the file. Throws ReplayError: with EXIT_IO for a failed read, with
+// EXIT_PLUGIN "FILE:LINE: reason" for a file that is no such mapping or repeats a key.
 [[nodiscard]] std::vector<configuration_entry_t> readConfiguration(const std::string& path);
 
 } // namespace com::velanto::connectivity::tools

@@ -16,11 +16,11 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-constexpr std::size_t PIECE = std::size_t{128} << 10; // bytes that are decompressed at once
+constexpr std::size_t PIECE = std::size_t{128} << 10; // bytes to decompress at once
 constexpr std::string_view GZIP = "\x1F\x8B";
 constexpr std::string_view ZSTD = "\x28\xB5\x2F\xFD";
 
-// A stream in front of which some bytes have been read already.
+// A stream with some bytes of it, already read, in front.
 class Source {
  public:
   Source(std::unique_ptr<std::istream> raw, std::string begin, std::string name)
@@ -175,7 +175,7 @@ class BufferStream final : public std::istream {
 
 std::unique_ptr<std::istream> decompressed(std::unique_ptr<std::istream> raw,
                                            const std::string& name) {
-  // No message begins with either byte, so that the rest need not be waited for.
+  // No message begins with either byte, so there is no need to wait for the rest.
   const int first = raw->peek();
   if (first != GZIP.front() && first != ZSTD.front()) return raw;
   std::string begin(ZSTD.size(), '\0');

@@ -9,8 +9,8 @@
 
 namespace com::velanto::connectivity::tools {
 
-// `raw` itself when it is not compressed, otherwise what it holds. Reading from the result throws
-// ReplayError "NAME: reason" with EXIT_IO when the data is damaged or ends too early.
+// `raw` itself when it is not compressed, otherwise its content. Reading from the result throws
+// ReplayError "NAME: reason" with EXIT_IO for damaged or truncated data.
 [[nodiscard]] std::unique_ptr<std::istream> decompressed(std::unique_ptr<std::istream> raw,
                                                          const std::string& name);
 

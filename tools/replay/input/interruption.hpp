@@ -1,4 +1,4 @@
-// Ctrl-C as a wish that is granted between two messages, so that a run ends with its figures.
+// Ctrl-C takes effect between two messages, so that a run ends with its figures.
 #ifndef VLT_TOOLS_REPLAY_INPUT_INTERRUPTION_HPP
 #define VLT_TOOLS_REPLAY_INPUT_INTERRUPTION_HPP
 

@@ -1,5 +1,5 @@
-// Hands out the lines of all inputs, one after the other, with where each comes from. An input is
-// opened when its turn comes.
+// Hands out the lines of all inputs, one after the other, each with its place. Opens an input when
+// its turn comes.
 #ifndef VLT_TOOLS_REPLAY_INPUT_LINE_READER_HPP
 #define VLT_TOOLS_REPLAY_INPUT_LINE_READER_HPP
 
@@ -18,7 +18,7 @@ namespace com::velanto::connectivity::tools {
 
 class LineReader {
  public:
-  // `inputs` must outlive the reader and every record that it fills; all of them are read `times`
+  // `inputs` must outlive the reader and every record that it fills. Reads all of them `times`
   // times.
   LineReader(const std::vector<input_t>& inputs, std::size_t times);
 
@@ -41,9 +41,9 @@ class LineReader {
   std::size_t times_;
   std::size_t current_ = 0;
   std::unique_ptr<std::istream> stream_;
-  std::streambuf* raw_ = nullptr; // what the stream is made from, which tells how far it has come
-  std::uintmax_t total_ = 0;      // bytes of all inputs, as often as they are read; 0: not known
-  std::uintmax_t closed_ = 0;     // bytes of those that have been read
+  std::streambuf* raw_ = nullptr; // the source of the stream, which tells the position
+  std::uintmax_t total_ = 0;      // bytes of all inputs, times the readings; 0: not known
+  std::uintmax_t closed_ = 0;     // bytes of finished inputs
   std::uint64_t line_number_ = 0;
   std::uint64_t number_ = 0;
 };

@@ -34,7 +34,7 @@ class TaskThread {
     thread_.join();
   }
 
-  // The result is ready when `task` has been done, and has what it has thrown.
+  // The result is ready after `task`, and has its exception if it threw.
   std::future<void> give(std::packaged_task<void()> task) {
     std::future<void> result = task.get_future();
     const std::lock_guard guard(lock_);

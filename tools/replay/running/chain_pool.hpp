@@ -23,13 +23,13 @@ namespace com::velanto::connectivity::tools {
 struct pool_listener_t {
   std::function<void(record_t&)> take;      // each record, in order
   std::function<void(incidents_t&)> report; // after each block
-  std::function<bool()> finished;           // whether nothing more is wanted
+  std::function<bool()> finished;           // whether the run should end
   std::function<void()> pause;              // the next line may be long in coming
 };
 
 struct pool_options_t {
   std::size_t chains; // at least 1
-  bool undisturbed;   // no chain is at work while a record is published
+  bool undisturbed;   // all chains are idle while a record is published
 };
 
 class ChainPool {
@@ -47,12 +47,12 @@ class ChainPool {
   std::vector<call_result_t> shutdown();
 
  private:
-  // Lines that are read, sent and published together.
+  // Lines to read, send and publish together.
   struct block_t {
     std::vector<record_t> records;
     std::size_t count = 0; // of the records in use
     incidents_t incidents;
-    std::exception_ptr failure; // of reading what follows
+    std::exception_ptr failure; // of the next read
   };
 
   void read(LineReader& reader, block_t& block) const;

@@ -23,7 +23,8 @@ constexpr const char* CHANNEL = "measurementSplittingChannel";
 
 constexpr std::array<std::string_view, 3> KEYS = {TENANT, PREFIX, CHANNEL};
 
-// Single letters that must be changed, added or left out to make `b` of `a`, whatever their case.
+// The number of single letters to change, add or leave out to make `b` of `a`, without regard to
+// case.
 std::size_t distanceBetween(std::string_view a, std::string_view b) {
   std::vector<std::size_t> row(b.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
@@ -51,7 +52,7 @@ std::string guessFor(const std::string& key) {
   return ", did you mean '" + std::string(*nearest) + "'?";
 }
 
-// What is wrong with an entry that the plug-in accepts, or nothing.
+// The mistake in an entry that the plug-in accepts, or nothing.
 std::string faultOf(const configuration_entry_t& entry) {
   const data_t& value = entry.value;
   const std::string kind = value.empty() ? "nothing" : kind_name(value.type_tag());
@@ -62,7 +63,7 @@ std::string faultOf(const configuration_entry_t& entry) {
     return "'" + entry.key + "' is " + kind +
            ", not string, and silently becomes the default 'ostrovia.measurements'";
   }
-  // Numbers and booleans are taken as their text.
+  // The codec takes numbers and booleans as strings.
   const bool has_text = value.is_string() || value.type_tag() == VLT_TAG_BOOLEAN ||
                         value.type_tag() == VLT_TAG_INTEGER || value.type_tag() == VLT_TAG_DOUBLE;
   if (entry.key == PREFIX && !has_text) {

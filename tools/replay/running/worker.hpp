@@ -1,11 +1,11 @@
 // Takes lines through one chain and completes their records. Which message an output or a log line
 // belongs to does not depend on the build of the plug-in:
 //
-//   batches of one    what comes of a call belongs to its message
+//   batches of one    all results and log lines of a call belong to its message
 //   larger batches    when as many messages come out as went in and nothing is logged, they belong
-//                     to each other in order. Otherwise each message of the batch is read again and
-//                     sent alone; that must come to the same, since no message may depend on its
-//                     neighbours, and is a broken law otherwise
+//                     to each other in order. Otherwise it reads each message of the batch again and
+//                     sends it alone. The result must be the same, since no message may depend on
+//                     its neighbours; a difference is a broken law
 #ifndef VLT_TOOLS_REPLAY_RUNNING_WORKER_HPP
 #define VLT_TOOLS_REPLAY_RUNNING_WORKER_HPP
 
@@ -26,7 +26,7 @@ struct batch_time_t {
   std::chrono::nanoseconds time;
 };
 
-// What happened besides the records.
+// Events beyond the records.
 struct incidents_t {
   std::vector<std::string> broken_laws; // one line each
   std::vector<std::size_t> failed; // messages of each batch that the plug-in reported as failed
@@ -35,7 +35,7 @@ struct incidents_t {
 
 struct worker_options_t {
   std::size_t batch_size; // messages, at least 1
-  bool events;            // whether the outputs are wanted as JSON
+  bool events;            // whether to make the outputs as JSON
 };
 
 class Worker {
@@ -46,8 +46,8 @@ class Worker {
          const worker_options_t& options, std::vector<log_line_t>& log)
       : options_(options), chain_(library, configuration, direction, log) {}
 
-  // Completes `records`, of which origin and line are set, and hands each of them to `done`, in
-  // order and as soon as it is complete.
+  // Completes `records`, whose origin and line are set, and hands each of them to `done`, in order
+  // and as soon as it is complete.
   void process(std::span<record_t> records, const Done& done);
 
   [[nodiscard]] incidents_t& incidents() noexcept { return incidents_; }

@@ -1,5 +1,5 @@
-// Quantiles of any number of durations in fixed memory: each is counted in a class whose bounds are
-// at most a 32nd apart, so a quantile is exact to about 3 percent.
+// Quantiles of any number of durations in fixed memory. It counts each in a class; the bounds of a
+// class are at most a 32nd apart, so a quantile is exact to about 3 percent.
 #ifndef VLT_TOOLS_REPLAY_SUMMARY_DURATIONS_HPP
 #define VLT_TOOLS_REPLAY_SUMMARY_DURATIONS_HPP
 
@@ -35,8 +35,8 @@ class Durations {
   }
 
  private:
-  // A number below 32 is its own class; above, the class is told by the position of the highest bit
-  // and the five bits behind it.
+  // A number below 32 is its own class; above, the position of the highest bit and the five bits
+  // after it give the class.
   static constexpr int BITS = 5;
   static constexpr std::uint64_t STEPS = std::uint64_t{1} << BITS;
 

@@ -10,7 +10,7 @@ void Figures::take(const record_t& record) {
 
 std::string Figures::brokenLaw() const {
   const std::uint64_t converted = count(Outcome::converted);
-  // What came out beyond what was converted has passed, whether or not it had gone in.
+  // All messages that came out beyond the converted ones have passed, expected or not.
   const std::uint64_t passed = out_ - converted;
   const std::uint64_t dropped = count(Outcome::dropped);
   const std::uint64_t malformed = count(Outcome::malformed);

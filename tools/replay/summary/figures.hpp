@@ -1,5 +1,5 @@
-// Counts what becomes of the lines and holds the plug-in to the law of replaying: every line that
-// was read was converted, passed, dropped or malformed, and nothing else came out.
+// Counts the fates of the lines and holds the plug-in to the law of replaying: every line read was
+// converted, passed, dropped or malformed, and nothing else came out.
 #ifndef VLT_TOOLS_REPLAY_SUMMARY_FIGURES_HPP
 #define VLT_TOOLS_REPLAY_SUMMARY_FIGURES_HPP
 
@@ -14,7 +14,7 @@ namespace com::velanto::connectivity::tools {
 class Figures final : public Consumer {
  public:
   void take(const record_t& record) override;
-  // The same for what came out without a message having gone in.
+  // The same for messages that came out without one going in.
   void takeUnasked(std::size_t messages) noexcept { out_ += messages; }
 
   [[nodiscard]] std::uint64_t read() const noexcept { return read_; } // lines that are not blank

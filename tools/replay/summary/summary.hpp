@@ -1,6 +1,6 @@
-// What a whole run came to: kinds by outcomes, reasons of drops, channels, times. It is counted here
-// and written by summary_text.cpp for people and by summary_json.cpp for programs. What it keeps
-// grows with the number of different reasons and channels, not with the messages.
+// The totals of a run: kinds by outcomes, reasons of drops, channels, times. Counted here, written
+// by summary_text.cpp for people and by summary_json.cpp for programs. Its memory grows with the
+// number of different reasons and channels, not with the messages.
 #ifndef VLT_TOOLS_REPLAY_SUMMARY_SUMMARY_HPP
 #define VLT_TOOLS_REPLAY_SUMMARY_SUMMARY_HPP
 
@@ -34,7 +34,7 @@ class Summary final : public Consumer {
   }
   [[nodiscard]] std::uint64_t count(Outcome outcome) const noexcept;
 
-  // The most frequent first, among equals the one that was seen first.
+  // The most frequent first, among equals the earliest.
   [[nodiscard]] std::vector<ranked_reason_t> reasons() const;
   // The channels of converted messages with their number, the most frequent first.
   [[nodiscard]] std::vector<std::pair<std::string, std::uint64_t>> channels() const;
@@ -55,7 +55,7 @@ class Summary final : public Consumer {
   Durations batches_;
 };
 
-// What the summary shows beside it.
+// The other parts of the summary.
 struct run_figures_t {
   std::uint64_t read;
   std::uint64_t out;

@@ -1,5 +1,5 @@
-// Shows on standard error what goes wrong with single messages: the plug-in's log up to a level, and
-// the lines that are no messages.
+// Shows problems with single messages on standard error: the plug-in's log up to a level, and
+// malformed lines.
 #ifndef VLT_TOOLS_REPLAY_WRITING_DIAGNOSTICS_HPP
 #define VLT_TOOLS_REPLAY_WRITING_DIAGNOSTICS_HPP
 

@@ -1,5 +1,5 @@
-// Writes the events of each record as lines of JSON. They are held back until there is a good deal
-// of them or the input pauses: a write costs more than a message.
+// Writes the events of each record as lines of JSON. Holds them back until there are many or the
+// input pauses: a write costs more than a message.
 #ifndef VLT_TOOLS_REPLAY_WRITING_EVENT_WRITER_HPP
 #define VLT_TOOLS_REPLAY_WRITING_EVENT_WRITER_HPP
 
@@ -19,7 +19,7 @@ class EventWriter final : public Consumer {
   void take(const record_t& record) override { out_.write(record.events); }
   void pause() override { out_.flush(); }
 
-  // Whoever reads the events has closed the pipe, as `| head` does: there is no more to be done.
+  // The reader of the events has closed the pipe, as `| head` does: nothing is left to do.
   [[nodiscard]] bool closed() const noexcept { return out_.closed(); }
 
  private:

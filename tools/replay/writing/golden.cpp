@@ -16,7 +16,7 @@ std::string beginOf(std::string_view place, std::string_view outcome) {
   return line;
 }
 
-// More than one event is a broken law, but the file is to show what has happened.
+// More than one event is a broken law, but the file records it.
 void appendEvents(std::string& line, std::string_view events) {
   for (int number = 1; !events.empty(); ++number) {
     const std::size_t end = events.find('\n');

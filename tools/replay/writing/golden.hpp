@@ -1,11 +1,11 @@
-// A run as a file that later runs are compared with: a line of JSON for each record, in order.
+// A run as a file to compare later runs with: a line of JSON for each record, in order.
 //
 //   {"at":"in.ndjson:6","outcome":"dropped","log":[{"level":3,"text":"<…> Error …"}]}
 //   {"at":"in.ndjson:7","outcome":"converted","event":{"metadata":{…},"payload":{…}}}
 //   {"at":"in.ndjson:8","outcome":"malformed","reason":"…"}
 //   {"at":"","outcome":"no message","log":[…]}      logged at creation, start or end
 //
-// "at" is for people: where a message stood does not count when runs are compared.
+// "at" is for people: comparisons ignore the place of a message.
 #ifndef VLT_TOOLS_REPLAY_WRITING_GOLDEN_HPP
 #define VLT_TOOLS_REPLAY_WRITING_GOLDEN_HPP
 
@@ -22,13 +22,13 @@ namespace com::velanto::connectivity::tools {
 [[nodiscard]] std::string goldenLineOf(const record_t& record);
 [[nodiscard]] std::string goldenLineOf(std::span<const log_line_t> lines);
 
-// What counts of such a line when runs are compared: all behind "at".
+// The part of such a line that comparisons read: all after "at".
 [[nodiscard]] std::string_view contentOf(std::string_view golden_line) noexcept;
 
 // Writes the file.
 class GoldenWriter final : public Consumer {
  public:
-  // Makes the file anew. Throws ReplayError with EXIT_IO.
+  // Creates or empties the file. Throws ReplayError with EXIT_IO.
   explicit GoldenWriter(const std::string& path);
 
   void take(const record_t& record) override { out_.write(goldenLineOf(record) + "\n"); }

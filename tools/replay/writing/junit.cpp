@@ -12,9 +12,9 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-constexpr std::string_view REPLACEMENT = "\xEF\xBF\xBD"; // for what XML cannot hold
+constexpr std::string_view REPLACEMENT = "\xEF\xBF\xBD"; // for characters that XML lacks
 
-// `text` as content or attribute.
+// `text` escaped for content or attributes.
 std::string escaped(std::string_view text) {
   std::string out;
   for (std::size_t i = 0; i < text.size();) {

@@ -12,12 +12,12 @@ namespace com::velanto::connectivity::tools {
 struct case_result_t {
   std::string name;
   exit_status_t status = EXIT_FINE; // EXIT_DIFFERENT: a failure; anything else that is not fine:
-                                    // an error, the case could not be run
+                                    // an error, the case could not run
   std::string complaint;            // lines for people
   double seconds = 0;
 };
 
-// Makes the file anew. Throws ReplayError with EXIT_IO.
+// Creates or empties the file. Throws ReplayError with EXIT_IO.
 void writeJunit(const std::string& path, const std::string& suite,
                 const std::vector<case_result_t>& results);
 

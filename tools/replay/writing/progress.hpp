@@ -15,7 +15,7 @@ namespace com::velanto::connectivity::tools {
 
 class Progress final : public Consumer {
  public:
-  // `share` gives what is done, 0 to 1, or nothing when the end is not known.
+  // `share` gives the share done, 0 to 1, or nothing when the end is not known.
   Progress(Terminal& terminal, std::function<std::optional<double>()> share)
       : terminal_(terminal), share_(std::move(share)) {}
 

@@ -1,5 +1,5 @@
-// Standard error on a terminal: a status line that is always the last one, and gives way to whatever
-// else is written.
+// Standard error on a terminal: a status line that is always the last one, and gives way to all
+// other output.
 #ifndef VLT_TOOLS_REPLAY_WRITING_TERMINAL_HPP
 #define VLT_TOOLS_REPLAY_WRITING_TERMINAL_HPP
 
