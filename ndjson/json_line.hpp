@@ -16,7 +16,7 @@ namespace com::velanto::connectivity {
 // Members and elements with commas between them.
 class JsonLine {
  public:
-  // The name of a member, or, for null, nothing; what it is comes next.
+  // The name of a member, or, for null, nothing; the value comes next.
   JsonLine& item(const char* name) {
     if (comma_) out_ += ',';
     comma_ = true;

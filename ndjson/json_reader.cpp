@@ -53,8 +53,8 @@ void check(simdjson::error_code error) {
   throw MalformedJson(reasonOf(error));
 }
 
-// Where a text begins that is not closed, or where a byte stands in one that should be escaped; 0
-// when there is neither.
+// The place of a string that has no end, or of a byte within one that needs an escape; 0 without
+// either.
 std::size_t findTextFault(std::string_view json) noexcept {
   bool in_text = false;
   std::size_t opening = 0;
@@ -73,7 +73,7 @@ std::size_t findTextFault(std::string_view json) noexcept {
   return in_text ? opening : 0;
 }
 
-// The parser tells of the text as a whole only what is wrong with it, not where.
+// The parser reports a fault of the line as a whole, without its place.
 [[noreturn]] void refuseWhole(simdjson::error_code error, std::string_view json) {
   if (error == simdjson::MEMALLOC) throw std::bad_alloc();
   const std::size_t at =
@@ -102,7 +102,7 @@ class JsonReader::Parser {
  private:
   // The reader's own count of levels decides; the library has to bear the levels around it, too.
   static constexpr std::size_t LIBRARY_DEPTH = MAX_DEPTH + 16;
-  static constexpr std::size_t FIRST_CAPACITY = 4096; // bytes; grows with the texts
+  static constexpr std::size_t FIRST_CAPACITY = 4096; // bytes; grows with the strings
 
   ondemand::document open(std::string_view before, std::string_view json, std::string_view after);
   static void requireEnd(ondemand::document& document);
@@ -123,22 +123,22 @@ class JsonReader::Parser {
   static data_t readTruth(ondemand::value value);
   [[nodiscard]] data_t readNumber(ondemand::value value) const;
   data_t readString(ondemand::value value);
-  // `place` is that of the text's opening quote.
+  // `place` is the string's opening quote.
   std::string_view unescaped(simdjson::simdjson_result<std::string_view> text,
                              const char* place) const;
   data_t readText(std::string_view text, const char* place);
   static int below(int depth);
 
   ondemand::parser parser_;
-  std::size_t before_ = 0; // bytes that stand in front of what is read
-  std::string padded_;     // the text under way, with the bytes behind it that the parser may read
+  std::size_t before_ = 0; // bytes in front of the line
+  std::string padded_;     // the current line, with the bytes after it that the parser may read
   text_part_t remark_;     // of the message read last
-  std::string text_;       // a text on its way to the host, with its NUL
+  std::string text_;       // a string on its way to the host, with its NUL
 };
 
 ondemand::document JsonReader::Parser::open(std::string_view before, std::string_view json,
                                             std::string_view after) {
-  // Invisible in most editors, so that "not well-formed" would puzzle whoever reads it.
+  // Invisible in most editors, so that "not well-formed" would puzzle its reader.
   if (json.starts_with("\xEF\xBB\xBF")) {
     throw MalformedJson("byte order mark before the JSON", 1);
   }
@@ -154,13 +154,13 @@ ondemand::document JsonReader::Parser::open(std::string_view before, std::string
   return document;
 }
 
-// The column of a place in the text under way.
+// The column of a place in the current line.
 std::size_t JsonReader::Parser::columnOf(const char* place) const noexcept {
   const auto offset = static_cast<std::size_t>(place - padded_.data());
   return std::min(offset, padded_.size()) - std::min(offset, before_) + 1;
 }
 
-// Calls `body`, and gives what it throws without a place the one that has been reached.
+// Calls `body`, and adds the current place to its exception if that has none.
 template <class Body>
 auto JsonReader::Parser::locating(ondemand::document& document, const Body& body) const {
   try {
@@ -173,7 +173,7 @@ auto JsonReader::Parser::locating(ondemand::document& document, const Body& body
 }
 
 void JsonReader::Parser::requireEnd(ondemand::document& document) {
-  // There is a current place unless the end is reached.
+  // There is a current place before the end.
   if (document.current_location().error() != simdjson::OUT_OF_BOUNDS) {
     check(simdjson::TRAILING_CONTENT);
   }
@@ -231,8 +231,8 @@ void JsonReader::Parser::refuseRepeated(std::string_view name, const char* place
   throw MalformedJson("repeated key " + quoted, columnOf(place));
 }
 
-// The member that begins at `begin` and before whose next comma or brace is `end`, with the comma
-// before it, or, for the first member, the one behind it.
+// The member from `begin` up to `end`, its next comma or brace, with the comma before it, or, for
+// the first member, the one after it.
 text_part_t JsonReader::Parser::memberAt(const char* begin, const char* end) const {
   const std::string_view line(padded_);
   const auto first = static_cast<std::size_t>(begin - padded_.data());
@@ -242,8 +242,8 @@ text_part_t JsonReader::Parser::memberAt(const char* begin, const char* end) con
   return {first, next + (line[next] == ',' ? 1 : 0) - first};
 }
 
-// A value on its own is read as the only element of an array: the library treats documents that are
-// a mere number or text as a case of its own, with checks of its own.
+// A value on its own is read as the only element of an array: the library treats a mere number or
+// string as a special case, with checks of its own.
 data_t JsonReader::Parser::value(std::string_view json) {
   ondemand::document document = open("[", json, "]");
   return locating(document, [&] { return readOnly(document); });
@@ -355,7 +355,7 @@ map_t JsonReader::Parser::readMap(ondemand::object object, int depth) {
     data_t key = readText(unescaped(field.unescaped_key(), place), place);
     data_t content = read(field.value(), depth);
     if (!map.insert(std::move(key), std::move(content)).second) {
-      // An insertion that is refused leaves its arguments alone.
+      // A refused insertion leaves its arguments alone.
       // NOLINTNEXTLINE(bugprone-use-after-move)
       refuseRepeated(text_or_empty(key.get<const char*>()), place);
     }

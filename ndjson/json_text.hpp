@@ -1,4 +1,4 @@
-// Texts of the tool's own in JSON that it writes.
+// The tool's own strings in JSON that it writes.
 #ifndef VLT_NDJSON_JSON_TEXT_HPP
 #define VLT_NDJSON_JSON_TEXT_HPP
 
@@ -7,11 +7,11 @@
 
 namespace com::velanto::connectivity {
 
-// Appends `text` in quotes, escaped. A byte that is not part of UTF-8 becomes U+FFFD, so that the
-// result can always be read.
+// Appends `text` in quotes, escaped. A byte that is not part of UTF-8 becomes U+FFFD, so that any
+// reader accepts the result.
 void appendJsonText(std::string& out, std::string_view text);
 
-// Where the first byte stands that is not part of UTF-8; npos when there is none.
+// The place of the first byte that is not part of UTF-8; npos when there is none.
 [[nodiscard]] std::size_t findInvalidUtf8(std::string_view text) noexcept;
 
 } // namespace com::velanto::connectivity

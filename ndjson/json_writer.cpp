@@ -18,7 +18,7 @@ namespace com::velanto::connectivity {
 
 namespace {
 
-// Where the library's writer puts its characters; the names are those that it asks for.
+// The target of the library's writer, with the names that it asks for.
 class Output {
  public:
   using Ch = char;
@@ -30,7 +30,7 @@ class Output {
   std::string& out_;
 };
 
-// A list or map that is opened but not closed, and what of it comes next.
+// An open list or map, and its next part.
 struct open_list_t {
   const list_t* list;
   std::size_t next;
@@ -40,7 +40,7 @@ struct open_map_t {
   map_t::const_iterator next;
 };
 
-// Goes through a value without recursion: what is open waits on a stack.
+// Goes through a value without recursion: open containers wait on a stack.
 class ValueWriter {
  public:
   explicit ValueWriter(std::string& out) : output_(out), writer_(output_) {}
@@ -116,8 +116,8 @@ void ValueWriter::begin(const data_t& value) {
   }
 }
 
-// Writes the next element or closes the list. The place moves on first: what the element opens may
-// move the stack.
+// Writes the next element or closes the list. Move the place on first: opening the element may move
+// the stack.
 void ValueWriter::proceed(open_list_t& top) {
   if (top.next == top.list->size()) {
     writer_.EndArray();

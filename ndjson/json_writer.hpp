@@ -1,17 +1,17 @@
-// Writes messages and values as JSON text, in the shape that JsonReader reads:
+// Writes messages and values as JSON, in the shape that JsonReader reads:
 //
 //   value                              JSON
 //   empty                              null
 //   boolean                            true, false
 //   integer                            digits
-//   double                             the shortest text that reads back as the same double, never
+//   double                             the shortest form that reads back as the same double, never
 //                                      as an integer: 5.0, 1e+22; not finite: "nan", "inf", "-inf"
-//   string, also borrowed              the text; a null text as ""
+//   string, also borrowed              the string; a null string as ""
 //   list, map                          [ ], { }, a map's entries in the order of its slots
-//   decimal, buffer, custom, unknown   the host's display text, as a text
+//   decimal, buffer, custom, unknown   the host's display text, as a string
 //
-// A key that is no string is named by the host's display text; two keys of a map can then have the
-// same name. Texts are taken to be UTF-8 and their bytes are not checked.
+// The host's display text names a key that is no string, so two keys of a map can have the same
+// name. Strings must be UTF-8; their bytes are not checked.
 #ifndef VLT_NDJSON_JSON_WRITER_HPP
 #define VLT_NDJSON_JSON_WRITER_HPP
 
@@ -21,11 +21,11 @@
 
 namespace com::velanto::connectivity {
 
-// Append to `out` without a line end and without line breaks. The stack used does not depend on how
-// deep the value nests. Throw std::bad_alloc, and std::logic_error when the host yields no display
-// text; `out` may then end in the middle.
+// Append to `out` without a line end and without line breaks. The stack depth does not depend on
+// the nesting of the value. Throw std::bad_alloc, and std::logic_error when the host yields no
+// display text; `out` may then end in the middle.
 void writeJson(std::string& out, const data_t& value);
-// The same as a text of its own.
+// The same as a string of its own.
 [[nodiscard]] std::string toJson(const data_t& value);
 
 // {"metadata":{…},"payload":…}; an empty payload is left out, as a line without one reads.

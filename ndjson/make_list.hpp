@@ -1,5 +1,5 @@
-// Makes lists with the host's own functions, whatever library that is: a list of empty values is laid
-// out here and copied by vlt_copy_data; the copy, which is the host's, is then filled in place.
+// Makes lists with the functions of any host library. vlt_copy_data copies a list of empty values
+// made here; the copy, which is the host's, then gets its elements in place.
 #ifndef VLT_NDJSON_MAKE_LIST_HPP
 #define VLT_NDJSON_MAKE_LIST_HPP
 
@@ -9,8 +9,8 @@
 
 namespace com::velanto::connectivity {
 
-// A list of the host with `elements` in it, which are moved, never copied. Throws std::bad_alloc;
-// the elements are then untouched.
+// A list of the host with `elements`, moved and never copied. Throws std::bad_alloc; the elements
+// then stay as they are.
 [[nodiscard]] list_t makeList(std::vector<data_t>&& elements);
 
 } // namespace com::velanto::connectivity
