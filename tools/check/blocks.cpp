@@ -9,7 +9,7 @@ namespace {
 constexpr std::array<const char*, STANDIN_BLOCK_KINDS> KIND_NAMES = {"maps", "strings", "lists",
                                                                      "buffers", "customs"};
 
-// Walks what messages own. The messages of checks that ask are shallow: recursion will do.
+// Walks the blocks of messages. The messages of checks that ask are shallow: recursion will do.
 class Inventory {
  public:
   void add(const Message& message) {
@@ -18,7 +18,7 @@ class Inventory {
   }
 
   block_counts_t counts{};
-  int shared = 0; // blocks met more than once
+  int shared = 0; // blocks with several owners
 
  private:
   void add(const vlt_underlying_data_t& value) {
@@ -58,7 +58,7 @@ class Inventory {
     }
   }
 
-  // False: there is no block, or it has been met before.
+  // False: there is no block, or it has an owner already.
   bool note(standin_block_t kind, const void* block) {
     if (block == nullptr) return false;
     if (!met_.insert(block).second) {

@@ -1,5 +1,5 @@
-// The books of the host's storage: how many blocks of each kind are live, and which of them a
-// message owns. What is live and owned by nobody has leaked; what is owned twice is freed twice.
+// The books of the host's storage: live blocks of each kind, and the blocks of a message. A live
+// block without an owner has leaked; one with two owners will be freed twice.
 #ifndef VLT_TOOLS_CHECK_BLOCKS_HPP
 #define VLT_TOOLS_CHECK_BLOCKS_HPP
 
@@ -24,12 +24,12 @@ struct block_counts_t {
 // "maps 1, strings 2, lists 0, buffers 0, customs 0"
 [[nodiscard]] std::string shown(const block_counts_t& counts);
 
-// Expects as many live blocks of each kind as at `before` and, besides, those that `messages` own,
-// each once.
+// Expects as many live blocks of each kind as at `before`, and in addition the blocks of
+// `messages`, each once.
 void expectOwnership(Trial& trial, const std::string& where, const block_counts_t& before,
                      std::span<const Message> messages);
 
-// Takes the counts when it is made and expects them again when expectBack is called.
+// Takes the counts at its creation; expectBack expects them again.
 class Books {
  public:
   Books() noexcept : before_(liveBlocks()) {}

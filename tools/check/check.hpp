@@ -1,4 +1,4 @@
-// A check: a name, what it claims about a library, and how that is found out.
+// A check: a name, its claim about a library, and its test.
 #ifndef VLT_TOOLS_CHECK_CHECK_HPP
 #define VLT_TOOLS_CHECK_CHECK_HPP
 
@@ -10,22 +10,22 @@
 
 namespace com::velanto::connectivity::tools::check {
 
-// What a check does with the library.
+// The code of a check.
 enum class Use { read, load };
 
 struct check_t {
   const char* name;  // suite.behaviour
-  const char* claim; // what holds of a good library; half a line
+  const char* claim; // a property of a good library; half a line
   void (*run)(Trial& trial);
   Use use = Use::load;
 };
 
-// All checks, in the order in which they run: first what the others build on.
+// All checks, in the order of their runs: first the ones that others build on.
 [[nodiscard]] const std::vector<check_t>& allChecks();
 
-// Those of `checks` whose names match one of `only` (all, if there is none) and none of `skip`.
-// Patterns are those of a shell: * stands for any text, ? for one character. Throws
-// std::runtime_error when a pattern matches no check at all, or nothing is left.
+// The checks whose names match one of `only` (all, if there is none) and none of `skip`. As in a
+// shell, * in a pattern matches any string, ? one character. Throws std::runtime_error when a
+// pattern matches no check at all, or nothing is left.
 [[nodiscard]] std::vector<check_t> select(std::span<const check_t> checks,
                                           const std::vector<std::string>& only,
                                           const std::vector<std::string>& skip);

@@ -23,7 +23,7 @@ void loadAlone(Trial& trial) {
   if (dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL) == nullptr) throw std::runtime_error(dlerror());
 }
 
-// Why the library cannot be loaded; nothing when it can.
+// The reason why the library does not load; nothing when it does.
 std::optional<std::string> whyNotLoaded(const surroundings_t& surroundings) {
   const verdict_t verdict = runApart(surroundings, loadAlone);
   if (verdict.ending == Ending::ok) return std::nullopt;

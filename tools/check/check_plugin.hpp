@@ -13,9 +13,9 @@ namespace com::velanto::connectivity::tools::check {
 
 enum class Format { text, coloured, json };
 
-// Runs `checks` and reports on `out`. When the library cannot be loaded, those that load it are
-// skipped, and the reason stands in their place. Returns a Status; throws std::system_error when
-// the system does not give a process to a check.
+// Runs `checks` and reports on `out`. When the library does not load, skips all checks that load
+// it, and reports the reason instead. Returns a Status; throws std::system_error when the system
+// does not give a process to a check.
 int checkPlugin(const surroundings_t& surroundings, std::span<const check_t> checks, Format format,
                 std::ostream& out);
 

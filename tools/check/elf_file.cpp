@@ -75,7 +75,7 @@ class Reader {
 
   std::span<const std::byte> file_;
   Elf64_Ehdr header_{};
-  std::vector<Elf64_Phdr> segments_; // those that are loaded
+  std::vector<Elf64_Phdr> segments_; // loaded segments
   std::optional<Elf64_Phdr> dynamic_;
   std::vector<std::uint64_t> needed_names_;
   std::vector<std::uint64_t> run_path_names_;
@@ -177,7 +177,7 @@ void Reader::readSymbols() {
   }
 }
 
-// The file does not say it; the hash tables, which hold every symbol that can be found, do.
+// The file does not say it; the hash tables, which hold every symbol of a lookup, do.
 std::uint64_t Reader::countSymbols() const {
   if (hash_) return element<std::uint32_t>(*hash_, 1, "the hash table");
   if (gnu_hash_) return countByGnuHash();
@@ -198,7 +198,7 @@ std::uint64_t Reader::countByGnuHash() const {
   for (std::uint64_t i = 0; i < buckets; ++i) {
     last = std::max<std::uint64_t>(last, element<std::uint32_t>(bucket_table, i, what));
   }
-  if (last == 0) return first; // nothing is exported
+  if (last == 0) return first; // no exports
   if (last < first) throw MalformedElf("a hash chain begins before the hashed symbols");
   while ((element<std::uint32_t>(chain_table, last - first, what) & 1) == 0) ++last;
   return last + 1;

@@ -6,8 +6,8 @@
 //   (4) the hash tables: how many symbols there are
 //   (5) the symbols: names that the library exports, and names that it asks for
 //
-// Section headers are not used: a stripped library need not have them. Every offset and size is
-// held against the file before it is followed, so a damaged file is an error and nothing worse.
+// Does not use section headers: a stripped library need not have them. Checks every offset and size
+// against the file first, so a damaged file is an error and nothing worse.
 #ifndef VLT_TOOLS_CHECK_ELF_FILE_HPP
 #define VLT_TOOLS_CHECK_ELF_FILE_HPP
 
@@ -20,7 +20,7 @@
 
 namespace com::velanto::connectivity::tools::check {
 
-// The file is no such library, or damaged; what() says where, without a full stop.
+// The file is no such library, or damaged; what() has the place, without a full stop.
 class MalformedElf : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -33,7 +33,7 @@ struct exported_t {
 
 struct elf_file_t {
   std::optional<std::string> soname;
-  std::vector<std::string> needed;    // in the order in which they are loaded
+  std::vector<std::string> needed;    // in the order of loading
   std::vector<std::string> run_paths; // of either kind
   std::vector<exported_t> exported;   // in the order of the table
   std::vector<std::string> undefined;
@@ -41,7 +41,7 @@ struct elf_file_t {
 
 [[nodiscard]] elf_file_t readElf(std::span<const std::byte> file);
 
-// The same for the file at `path`; std::runtime_error when it cannot be read.
+// The same for the file at `path`; std::runtime_error when reading it fails.
 [[nodiscard]] elf_file_t readElfFile(const std::string& path);
 
 } // namespace com::velanto::connectivity::tools::check

@@ -8,7 +8,7 @@
 #include "tools/check/command_line.hpp"
 
 int main(int argc, char** argv) {
-  // A reader that goes away is then an error of the write, which is reported.
+  // Closing the reader is then an error of the write, which the tool reports.
   std::signal(SIGPIPE, SIG_IGN);
   const char* const no_colour = std::getenv("NO_COLOR"); // NOLINT(concurrency-mt-unsafe)
   const bool may_colour =

@@ -37,7 +37,7 @@ style_t styleOf(Ending ending) {
   return {"", ""};
 }
 
-// What a faulty library leaves behind need not be text.
+// The output of a faulty library may be any bytes.
 std::string printable(std::string text) {
   const bool is_text = simdjson::validate_utf8(text.data(), text.size());
   for (char& c : text) {
@@ -47,7 +47,7 @@ std::string printable(std::string text) {
   return text;
 }
 
-// Lines of a text, each under the name of its check.
+// The lines of a string, each under the name of its check.
 void writeIndented(std::ostream& out, const std::string& text) {
   std::string_view rest = text;
   while (!rest.empty()) {

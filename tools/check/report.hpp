@@ -1,4 +1,4 @@
-// How results are told: to people as lines while they come, to programs as one JSON document.
+// The forms of results: for people lines while they come, for programs one JSON document.
 //
 //   {"library": …, "seed": …, "loads": …,
 //    "checks": [{"name": …, "claim": …, "outcome": "ok", "milliseconds": …, "reason": …,

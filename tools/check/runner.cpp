@@ -55,7 +55,7 @@ void runBody(Trial& trial, const std::function<void(Trial&)>& body) noexcept {
 
 // False: the time was up first.
 bool awaitEnd(pid_t child, std::chrono::milliseconds limit) {
-  // By its number: the declaration of glibc 2.36 cannot be linked from C++.
+  // By its number: C++ cannot link the declaration of glibc 2.36.
   const auto descriptor = static_cast<int>(syscall(SYS_pidfd_open, child, 0));
   if (descriptor < 0) fail("pidfd_open");
   const clock_t::time_point deadline = clock_t::now() + limit;

@@ -1,7 +1,7 @@
-// Runs a check in a process of its own, so that nothing that a library does to its process (a crash,
-// a loop without end, a damaged heap) reaches the checks after it.
+// Runs a check in a process of its own. So no damage by a library to its process (a crash, an
+// endless loop, a damaged heap) reaches the checks after it.
 //
-//   (1) fork, with two shared files: for records and for what is printed
+//   (1) fork, with two shared files: for records and for the output of the library
 //   (2) wait for the child, at most the time limit; then kill it
 //   (3) judge its end
 #ifndef VLT_TOOLS_CHECK_RUNNER_HPP

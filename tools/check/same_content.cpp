@@ -21,7 +21,7 @@ bool sameBuffer(const buffer_t& left, const buffer_t& right) {
   return left.size() == 0 || std::memcmp(left.data(), right.data(), left.size()) == 0;
 }
 
-// The 8 bytes of the content, whatever they mean.
+// The 8 bytes of the content, of any meaning.
 std::uint64_t bitsOf(const data_t& value) {
   std::uint64_t bits = 0;
   std::memcpy(&bits, &value.underlying()->value, sizeof bits);

@@ -8,11 +8,11 @@
 
 namespace com::velanto::connectivity::tools::check {
 
-// A number is the same as another of the same bits. What is no number comes in many bits: a plug-in
-// that moves one keeps them, while whoever writes one down as text cannot say which are meant.
+// A number is the same as another of the same bits. NaN comes in many bits: a plug-in that moves
+// one keeps them, but JSON cannot say which of them it means.
 enum class NotANumber { sameBits, anyBits };
 
-// Both are of one kind, which is neither list nor map. A missing text equals a missing text only.
+// Both are of one kind, which is neither list nor map. A null string equals a null string only.
 [[nodiscard]] bool sameContent(const data_t& left, const data_t& right, NotANumber rule);
 
 } // namespace com::velanto::connectivity::tools::check

@@ -1,5 +1,5 @@
 // A file in memory that a process and its child write and read through one descriptor: unlike a
-// pipe, it never fills, and it outlives whoever wrote it.
+// pipe, it never fills, and it outlives its writers.
 #ifndef VLT_TOOLS_CHECK_SHARED_FILE_HPP
 #define VLT_TOOLS_CHECK_SHARED_FILE_HPP
 
@@ -22,8 +22,8 @@ class SharedFile {
   int descriptor_;
 };
 
-// What stands in the file behind `descriptor`, from its beginning; where it is written next does
-// not change. Empty when it cannot be read.
+// The content of the file of `descriptor`, from its beginning; the position for writes does not
+// change. Empty when reading fails.
 [[nodiscard]] std::string readWhole(int descriptor);
 
 } // namespace com::velanto::connectivity::tools::check

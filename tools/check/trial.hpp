@@ -1,5 +1,5 @@
-// One check under way, in its own process: what it is told, and where it says what did not hold.
-// Expectations do not end a check; what is found after the first of them is worth reading too.
+// One running check, in its own process: its inputs, and its report of unmet expectations. An unmet
+// expectation does not end a check; later ones are worth reading too.
 #ifndef VLT_TOOLS_CHECK_TRIAL_HPP
 #define VLT_TOOLS_CHECK_TRIAL_HPP
 
@@ -13,7 +13,7 @@
 
 namespace com::velanto::connectivity::tools::check {
 
-// How values stand in a report.
+// The form of values in a report.
 [[nodiscard]] inline std::string shown(const std::string& text) { return text; }
 [[nodiscard]] inline std::string shown(const char* text) { return text == nullptr ? "null" : text; }
 [[nodiscard]] inline std::string shown(bool value) { return value ? "true" : "false"; }
@@ -25,7 +25,7 @@ template <std::integral Number>
   return std::to_string(value);
 }
 
-// Thrown by skip(), caught by whoever runs checks.
+// Thrown by skip(), caught by the runner of checks.
 struct skipped_t {};
 
 class Trial {
@@ -33,19 +33,19 @@ class Trial {
   // Differences that a report holds; more of them would say nothing new.
   static constexpr int MOST_DIFFERENCES = 8;
 
-  // `records` is a descriptor to write records to, `printed` one that holds what was printed.
+  // `records` is a descriptor to write records to, `printed` one of the file with the output.
   Trial(std::string path, std::uint64_t seed, int records, int printed)
       : path_(std::move(path)), seed_(seed), records_(records), printed_(printed) {}
   Trial(const Trial&) = delete;
   Trial& operator=(const Trial&) = delete;
   ~Trial() = default;
 
-  // Where the library that is checked lies.
+  // The path of the library under test.
   [[nodiscard]] const std::string& path() const noexcept { return path_; }
-  // For checks that throw dice: the same seed, the same dice.
+  // For randomised checks: the same seed gives the same values.
   [[nodiscard]] std::uint64_t seed() const noexcept { return seed_; }
 
-  // Expectations; may be called from several threads. False when it did not hold.
+  // Expectations, for several threads at once. False when it did not hold.
   bool holds(bool condition, std::string_view where, std::string_view expected,
              std::string_view came);
   template <class Expected, class Came>
@@ -60,7 +60,7 @@ class Trial {
   // All that this process has printed, the library's own output included.
   [[nodiscard]] std::string printed() const;
 
-  // Ends the check as one that cannot be done here.
+  // Ends the check as one that cannot run here.
   [[noreturn]] void skip(std::string_view reason) const;
 
   // Says that the check came to its end.

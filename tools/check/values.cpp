@@ -30,14 +30,14 @@ bool sameLists(Trial& trial, const std::string& where, const list_t& expected, c
   return true;
 }
 
-// What JSON does not show: the kind.
+// The kind, when JSON does not show it.
 std::string shownWithKind(const data_t& value) {
   std::string kind = kind_name(value.type_tag());
   if (value.type_tag() == VLT_TAG_BORROWED_STRING) kind = "borrowed string";
   return value.empty() ? "an empty value" : kind + " " + shown(value);
 }
 
-// The tables and lists behind a value are few and flat: recursion will do.
+// The tables and lists of a value are few and flat: recursion will do.
 void appendBytes(std::string& bytes, const vlt_underlying_data_t& value) {
   bytes.append(reinterpret_cast<const char*>(&value), 12); // content and tag, not the padding
   if (value.tag == VLT_TAG_MAP && value.value.map != nullptr) {

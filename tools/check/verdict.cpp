@@ -10,7 +10,7 @@ namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
-// Takes records off the front of a text.
+// Takes records off the front of a string.
 class RecordReader {
  public:
   explicit RecordReader(std::string_view records) : rest_(records) {}

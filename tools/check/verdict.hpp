@@ -1,5 +1,5 @@
-// What became of a check that ran in a process of its own, judged from how that process ended and
-// from the records that it had left in a file until then.
+// The outcome of a check in a process of its own. It follows from the end of that process and from
+// the records in a file that the process has left.
 //
 //   record    a letter and its fields, each ended by a NUL
 //     F where expected came    an expectation that did not hold
@@ -35,7 +35,7 @@ struct difference_t {
 
 // The end of a process.
 struct process_end_t {
-  bool stopped = false; // it outlived its time and was killed
+  bool stopped = false; // it exceeded its time and was killed
   int status = 0;       // as waitpid tells it
   std::string records;
   std::string printed; // on standard output and standard error
@@ -45,7 +45,7 @@ struct verdict_t {
   Ending ending = Ending::ok;
   std::string reason; // of a crash, a hang or a skipped check; otherwise empty
   std::vector<difference_t> differences;
-  std::string printed; // kept for what did not pass only
+  std::string printed; // only for checks that did not pass
 };
 
 // A record that breaks off in the middle counts as not written.

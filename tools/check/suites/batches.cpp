@@ -1,4 +1,4 @@
-// Batches: what is kept, in which order, where the dropped messages are left, how the link is called.
+// Batches: the kept messages, their order, the places of the dropped ones, the call of the link.
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -127,7 +127,7 @@ void droppedBehind(Trial& trial) {
   std::string kept;
   for (std::size_t i = 0; i < 4; ++i) kept += textAt(batch[i].getPayload(), "id");
   trial.equal("ids in front", "2457", kept);
-  std::string left; // in whatever order
+  std::string left; // in any order
   for (const char* const id : {"1", "3", "6"}) {
     for (std::size_t i = 4; i < batch.size(); ++i) {
       if (textAt(batch[i].getPayload(), "id") == id) left += id;

@@ -1,4 +1,4 @@
-// What the library's file says about itself, without loading it.
+// The facts that the library's file tells without loading it.
 #include <algorithm>
 #include <string>
 #include <vector>

@@ -1,4 +1,4 @@
-// Loading and unloading: what a host does when it is reconfigured, and must not pay for.
+// Loading and unloading: a host does both for a new configuration, and they must cost it nothing.
 #include <dlfcn.h>
 #include <malloc.h>
 
@@ -58,7 +58,7 @@ std::int64_t mappings() {
 void thousandTimes(Trial& trial) {
   if (!countsHeap()) trial.skip("the sanitizer keeps records of every library that was loaded");
   const std::string path = pathOf(trial);
-  loadAndUnload(path); // what the loader keeps for good, it has by now
+  loadAndUnload(path); // the loader has by now all that it keeps for good
   const Books books;
   const std::int64_t mapped = mappings();
   for (int i = 0; i < 1000; ++i) loadAndUnload(path);

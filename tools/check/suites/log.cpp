@@ -1,4 +1,4 @@
-// What is logged, under which category, at which levels; and what is not.
+// The log: its lines, their categories and levels; and the events without a line.
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -129,7 +129,7 @@ void category(Trial& trial) {
               log.take());
 }
 
-// The level is that of the codec's own category, asked for when the codec is made.
+// The level is that of the codec's own category, read at its creation.
 void levelOfCreation(Trial& trial) {
   Chain chain(trial, CONFIGURATION, TRACE - 1);
   standin_set_default_log_level(TRACE);

@@ -13,11 +13,11 @@ namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
-// Far beyond what any of this needs: a library that never comes to an end is stopped here.
+// Far beyond any need: the loop stops here for a library that never comes to an end.
 constexpr std::uint64_t MOST_ALLOCATIONS = 2000;
 
-// Runs `attempt` with the first allocation refused, then the second, and so on, until it ran without
-// a refusal; `attempt` is told whether one was refused by asking standin_failed_allocations.
+// Runs `attempt` with the first allocation refused, then the second, and so on, until it ran
+// without a refusal; standin_failed_allocations tells `attempt` whether there was one.
 template <class Attempt>
 void withEachRefused(Trial& trial, const Attempt& attempt) {
   for (std::uint64_t n = 1; n <= MOST_ALLOCATIONS; ++n) {

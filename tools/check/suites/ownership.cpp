@@ -1,4 +1,4 @@
-// Who owns which block of the host, call by call.
+// The owner of each block of the host, call by call.
 #include <malloc.h>
 
 #include <set>
@@ -80,7 +80,7 @@ void towardsTransport(Trial& trial) {
   expectOwnership(trial, "towards the transport", books.before(), chain.codec.transport.messages);
 }
 
-// What a codec keeps, it owns alone: its events survive it, and it survives them.
+// A codec is the only owner of its blocks: its events survive it, and it survives them.
 void eventsOutliveTheCodec(Trial& trial) {
   const Books books;
   std::vector<Message> converted;
@@ -123,7 +123,7 @@ void containersAreMoved(Trial& trial) {
   }
 }
 
-// What the host cannot count: memory of the C library's heap.
+// Memory of the C library's heap, which the host cannot count.
 void heapStaysLevel(Trial& trial) {
   if (!countsHeap()) trial.skip("the sanitizer's heap does not tell what is in use");
   constexpr std::size_t BATCHES = 400;

@@ -1,5 +1,5 @@
-// Notifications mixed and damaged by dice. What must come of each is not known, but a batch may make
-// no difference: messages sent together give what they give one by one, events and log lines alike.
+// Notifications mixed and damaged at random. The result of each is not known, but batches may make
+// no difference: messages sent together give the same events and log lines as one by one.
 #include <random>
 #include <string>
 #include <vector>

@@ -54,7 +54,7 @@ void twoCodecs(Trial& trial) {
   books.expectBack(trial, "after both codecs");
 }
 
-// The link tells the threads apart: it keeps what it is sent by its own thread.
+// The link tells the threads apart: it keeps the messages of its own thread.
 // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): one a thread
 thread_local std::vector<Message>* mine = nullptr;
 

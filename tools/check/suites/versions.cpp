@@ -1,4 +1,4 @@
-// What a host asks before it creates anything.
+// The facts that a host asks before it creates anything.
 #include "standin/standin.h"
 #include "tools/check/chain.hpp"
 #include "tools/check/suites/suites.hpp"
