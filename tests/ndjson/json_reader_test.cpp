@@ -39,7 +39,7 @@ class JsonReaderTest : public HostFixture {
     for (const value_row_t& row : rows)
       EXPECT_EQ(reader_.parseValue(row.json), row.value) << row.json;
   }
-  // The reason for which a text is refused, as a value or as a message.
+  // The reason of a refusal, as a value or as a message.
   std::string valueError(const std::string& json) {
     return error_of([&] { static_cast<void>(reader_.parseValue(json)); });
   }
@@ -135,7 +135,7 @@ TEST_F(JsonReaderTest, FaultsAreLocated) {
     static_cast<void>(reader_.parseValue("[1, 1e999]"));
     ADD_FAILURE();
   } catch (const MalformedJson& e) {
-    EXPECT_EQ(e.column(), 5u); // of the value, whatever the reader puts around it
+    EXPECT_EQ(e.column(), 5u); // of the value, with or without an array of the reader around it
   }
 }
 

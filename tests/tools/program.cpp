@@ -23,7 +23,7 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
   return result;
 }
 
-// The streams of a program to be started.
+// The streams of a program.
 class Streams {
  public:
   Streams() { posix_spawn_file_actions_init(&actions_); }

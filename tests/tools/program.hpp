@@ -29,27 +29,27 @@ class Program : public ::testing::Test {
   // Starts it without waiting for its end.
   pid_t start(const std::string& program, std::vector<std::string> arguments);
   result_t waitFor(pid_t child);
-  // Runs the tool with `descriptor`, which is one of those below, on a terminal, and expects status
-  // 0; returns what the terminal got.
+  // Runs the tool with `descriptor`, one of the numbers below, on a terminal, and expects status 0;
+  // returns the output on the terminal.
   std::string shownOnTerminal(int& descriptor, const std::vector<std::string>& arguments);
 
   const TemporaryFolder folder_;
-  std::string input_;                          // what stands on standard input,
+  std::string input_;                          // the content of standard input,
   int in_descriptor_ = -1;                     // unless this is set: a descriptor of the test
   std::string out_path_ = folder_.path("out"); // where standard output goes,
   int out_descriptor_ = -1;                    // unless this is set
-  int error_descriptor_ = -1;                  // standard error, unless it is to be collected
+  int error_descriptor_ = -1;                  // standard error, unless a test collects it
   std::vector<std::string> environment_;       // added to the test's own
 };
 
-// Lines as the tool reads them: an event that is decoded, the same without its text, an alarm, and
+// Lines as the tool reads them: an event that converts, the same without its "text", an alarm, and
 // a message that passes.
 std::string eventLine(const std::string& id);
 std::string textlessLine(const std::string& id);
 std::string alarmLine(const std::string& id, const std::string& severity = "MAJOR");
 std::string passingLine(const std::string& payload);
 
-// What the plug-in logs about textlessLine(id).
+// The plug-in's log line for textlessLine(id).
 std::string textlessLog(const std::string& id);
 
 } // namespace com::velanto::connectivity::test

@@ -15,15 +15,15 @@ struct run_t {
   std::string diagnostics;
 };
 
-// A folder with the plug-in in it, under its own name and as next.so, the next build that the
-// examples check, and the program in the search path.
+// A folder with the plug-in in it, under its own name and as next.so. The latter is the next build
+// of the examples. The program is in the search path.
 class CheckPluginProgram {
  public:
   CheckPluginProgram();
 
-  // `command` is what a shell reads.
+  // `command` goes to a shell.
   [[nodiscard]] run_t shell(const std::string& command) const;
-  // The program's name is put in front of `arguments`.
+  // Puts the program's name in front of `arguments`.
   [[nodiscard]] run_t run(const std::string& arguments) const;
   [[nodiscard]] std::string file(const std::string& name) const { return folder_.read(name); }
 

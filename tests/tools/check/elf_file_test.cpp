@@ -29,12 +29,12 @@ bytes_t contentOf(const char* path) {
   return {first, first + content.size()};
 }
 
-// Exactly as large as it is, so that a byte too far is seen by the sanitizer.
+// Exactly as large as it is, so that the sanitizer sees a byte too far.
 bytes_t frontOf(const bytes_t& whole, std::size_t size) {
   return {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)};
 }
 
-// True when it was read, false when it was refused; anything else ends the test.
+// True when it could read the file, false when it refused; anything else ends the test.
 bool isRead(const bytes_t& file) {
   try {
     static_cast<void>(readElf(file));
@@ -47,7 +47,7 @@ bool isRead(const bytes_t& file) {
 
 class ElfFileTest : public ::testing::Test {
  protected:
-  // Clang's linker makes both hash tables, and g++'s only the newer one, which is to be read here.
+  // Clang's linker makes both hash tables, and g++'s only the newer one, which this test needs.
   ElfFileTest() {
     std::size_t at = peek<Elf64_Phdr>(programHeader(PT_DYNAMIC)).p_offset;
     for (; peek<Elf64_Dyn>(at).d_tag != DT_NULL; at += sizeof(Elf64_Dyn)) {
@@ -164,8 +164,8 @@ TEST_F(ElfFileTest, OffsetsBeyondTheFileAreRefused) {
   }
 }
 
-// What is cut off is the table of symbols at the earliest, and the section headers at the end are
-// not needed.
+// A cut removes the table of symbols at the earliest, and the reader does not need the section
+// headers at the end.
 TEST_F(ElfFileTest, TruncatedAnywhereItIsReadOrRefused) {
   std::size_t refused = 0;
   const std::size_t step = file_.size() / 500 + 1; // each cut copies all that is before it

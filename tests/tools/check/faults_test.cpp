@@ -1,4 +1,4 @@
-// Each planted fault is found by the check that is there for it, and no check far from it complains.
+// The check for a planted fault finds it, and no check far from it complains.
 #include <fnmatch.h>
 #include <gtest/gtest.h>
 
@@ -16,7 +16,7 @@ namespace {
 
 using patterns_t = std::vector<std::string>;
 
-// Leaves out what takes half of the time and few faults show in.
+// Leaves out checks that take half of the time and find few faults.
 constexpr const char* QUICK = "--skip loading.thousand-times --skip conversion.deep-nesting";
 
 struct planted_t {

@@ -1,4 +1,4 @@
-// The built program: what it prints, how checks are selected, its exit statuses, its documents.
+// The built program: its output, the selection of checks, its exit statuses, its documents.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -207,7 +207,7 @@ TEST_F(OstroviaCheckPluginTest, JsonIsOneDocument) {
                            text("10.15.4.2"))));
 }
 
-// A terminal of its own, from util-linux; without it there is nothing to be seen.
+// A terminal of its own, from util-linux; without it there is nothing to see.
 TEST_F(OstroviaCheckPluginTest, ColourIsForTerminalsOnly) {
   if (std::system("command -v script > /dev/null") != 0) GTEST_SKIP() << "no terminal to be had";
   const auto on_terminal = [&](const std::string& before) {

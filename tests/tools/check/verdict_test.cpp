@@ -11,7 +11,7 @@ namespace {
 
 using tools::check::Ending;
 
-// The records' NULs are written as '|' here.
+// '|' is a record's NUL here.
 std::string records(std::string text) {
   for (char& c : text) c = c == '|' ? '\0' : c;
   return text;

@@ -1,4 +1,4 @@
-// The law of every explanation: each leaf that went in and each that came out is told of once.
+// The law of every explanation: it has each leaf that went in and each that came out once.
 #ifndef VLT_TESTS_TOOLS_EXPLAIN_ACCOUNTING_HPP
 #define VLT_TESTS_TOOLS_EXPLAIN_ACCOUNTING_HPP
 
@@ -10,7 +10,7 @@
 
 namespace com::velanto::connectivity::test {
 
-// Nothing, or the first leaf that is told of more or less than once.
+// Nothing, or the first leaf that it has more or less than once.
 std::string unaccounted(const tools::Trace& before, const tools::Trace& after,
                         const std::vector<tools::row_t>& rows);
 

@@ -13,7 +13,7 @@ namespace {
 
 class ChangeTest : public HostFixture {
  protected:
-  // The message with the change, or without what stands there when `value` is empty.
+  // The message with the change, or without the value there when `value` is empty.
   std::string changed(const std::string& line, const tools::path_t& path, const char* value) {
     Message message = reader_.parseMessage(line);
     tools::change_t change = tools::change_t::removal(path);

@@ -39,7 +39,7 @@ tools::call_result_t ExplainFixture::run(Message& message, const codec_t& codec)
 }
 
 tools::explanation_t ExplainFixture::explainedLine(const std::string& line, const codec_t& codec) {
-  const tools::Silence silence; // a codec may read what has been changed as the wrong kind
+  const tools::Silence silence; // a codec may read the changed value as the wrong kind
   Message message = reader_.parseMessage(line);
   const Message original = tools::copyOf(message);
   const tools::Trace before(message);

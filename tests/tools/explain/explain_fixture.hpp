@@ -14,28 +14,28 @@
 
 namespace com::velanto::connectivity::test {
 
-// Changes the message into what comes out. False: nothing does. What it throws is logged, and then
-// nothing comes out either.
+// Changes the message into its outcome. False: it does not come out. Logs an exception, and then
+// the message does not come out either.
 using codec_t = std::function<bool(Message& message)>;
 
 // A codec that changes the payload, which is a map, and drops nothing.
 codec_t onPayload(const std::function<void(map_t& payload)>& change);
 
-// Removes and returns what stands under `key`; an empty value when nothing does.
+// Removes and returns the value under `key`; an empty value without one.
 data_t taken(map_t& map, const char* key);
 
 class ExplainFixture : public HostFixture {
  protected:
-  // The payload of a message without metadata as JSON, and what is told of it.
+  // The payload of a message without metadata as JSON, and its explanation.
   tools::explanation_t explained(const std::string& payload, const codec_t& codec);
   // The same for a whole line.
   tools::explanation_t explainedLine(const std::string& line, const codec_t& codec);
 
-  // The rows of it, one line each: "renamed a → b", "converted a, b → c", "added c",
-  // "copied a ⇒ b" and so on; behind ⇐ what a row refers to.
+  // The rows of it, one line each: "renamed a → b", "converted a, b → c", "added c", "copied a ⇒ b"
+  // and so on; after ⇐ the fields that a row refers to.
   std::string fates(const std::string& payload, const codec_t& codec);
 
-  // How many values may be looked at for a message.
+  // The bound of the values to look at for a message.
   std::size_t most_values_ = tools::Probe::MOST_VALUES;
   // Of the last message explained.
   tools::record_t record_;

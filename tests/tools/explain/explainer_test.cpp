@@ -11,7 +11,7 @@ namespace {
 
 class ExplainerTest : public HostFixture {
  protected:
-  // What an explainer of the odd plug-in says about a line of which `outputs` came.
+  // The explanation by an explainer of the odd plug-in for a line that became `output`.
   std::string told(const char* way, const std::string& line, const std::string& output,
                    std::size_t pass = 0) {
     std::ostringstream out;

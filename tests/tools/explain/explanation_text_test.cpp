@@ -1,4 +1,4 @@
-// The texts that explanation_text.cpp makes.
+// The explanations for people.
 #include "tests/tools/explain/explain_fixture.hpp"
 #include "tools/record/columns.hpp"
 
@@ -10,7 +10,7 @@ namespace {
 
 class ExplanationTextTest : public ExplainFixture {
  protected:
-  // What is told of a payload, without the heading.
+  // The explanation of a payload, without the heading.
   std::string told(const std::string& payload, const codec_t& codec, bool colour = false) {
     const tools::explanation_t explanation = explained(payload, codec);
     if (record_.outputs.empty()) record_.outcome = tools::Outcome::dropped;

@@ -28,7 +28,7 @@ class FaultsTest : public ExplainFixture {
   }
 };
 
-// Refuses in words that begin with the message's id, and gives what it accepts a type.
+// Refuses in words that begin with the message's id, and gives accepted messages a type.
 codec_t checking(const std::function<void(map_t& payload)>& check) {
   return onPayload([check](map_t& payload) {
     const data_t* const id = payload.find_value(text("id"));
@@ -124,7 +124,7 @@ TEST_F(FaultsTest, WhatCannotBeMendedIsASuspect) {
             "? status missing\n");
 }
 
-// Nothing is logged, so nothing is quoted: only what comes out can tell.
+// There is no log line and no quote: only the outcome can tell.
 TEST_F(FaultsTest, SilentRefusalsAreProvenJustTheSame) {
   EXPECT_EQ(faults(R"({"a":"1","b":2})",
                    [](Message& message) {

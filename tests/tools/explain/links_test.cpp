@@ -38,7 +38,7 @@ TEST_F(LinksTest, ACopiedTextIsFollowedAndSaidToBeOne) {
             "renamed a → b (copied)\n");
 }
 
-// The allocator hands the block that was freed last to the next text of its size.
+// The allocator hands the block freed last to the next string of its size.
 TEST_F(LinksTest, ABlockThatIsUsedAgainIsNotTakenForTheTextThatItHeld) {
   EXPECT_EQ(fates(R"({"a":"tenant","b":1})", onPayload([](map_t& payload) {
                     taken(payload, "a");

@@ -1,15 +1,15 @@
-// A plug-in that does to messages what its configuration names under "tenantId":
+// A plug-in that changes messages as its configuration says under "tenantId":
 //
 //   swap      the payload's a and b change places
 //   sum       the payload's a and b become sum
-//   refuse    a message whose payload has no text under key is dropped, with a line that says so
+//   refuse    drops a message whose payload has no string under key, with a line that says so
 //   whisper   as refuse, without a line
-//   noise     something is written to standard error for each message
-//   numbers   each message gets the number of messages until then
-//   leak      each message leaves a block of the host behind
+//   noise     writes to standard error for each message
+//   numbers   gives each message the number of messages so far
+//   leak      leaks a block of the host for each message
 //
-// With any other tenant messages pass. It stands where the real plug-in would, so it bears that
-// one's name.
+// With any other tenant messages pass. It takes the place of the real plug-in, so it bears its
+// name.
 #include <cstdio>
 #include <stdexcept>
 #include <string>

@@ -32,7 +32,7 @@ TEST_F(ProbeTest, AnswersTellWhatWentInAndWhatCameOut) {
   EXPECT_EQ(payloadOf(answer.after), "\"five\"");
   EXPECT_TRUE(answer.cameOut());
   EXPECT_FALSE(answer.passed());
-  EXPECT_EQ(message.getPayload(), whole(5)); // it can be asked again
+  EXPECT_EQ(message.getPayload(), whole(5)); // it takes further questions
 }
 
 TEST_F(ProbeTest, ChangesAreMadeInOrder) {

@@ -120,7 +120,7 @@ TEST_F(RowsTest, OfALargeMessageTheTopIsFollowedFirst) {
   EXPECT_EQ(tools::textOf(renamed->to.front().path), "new");
 }
 
-// Random codecs of moves, copies, removals and conversions, whose doings are known.
+// Random codecs of known moves, copies, removals and conversions.
 TEST_F(RowsTest, WhatIsToldIsWhatWasDone) {
   std::uint32_t seed = 1;
   const auto dice = [&seed](std::uint32_t sides) {

@@ -1,5 +1,5 @@
-// Every sample explained with the real plug-in: nothing may be left out or told twice, and every
-// kind of notification becomes what docs/fields.md says.
+// Every sample explained with the real plug-in. An explanation must have each field once, and every
+// kind of notification must become the event of docs/fields.md.
 #include "tests/support/samples.hpp"
 
 #include "tests/support/host_fixture.hpp"
@@ -63,8 +63,8 @@ TEST_F(SamplesTest, EveryLeafIsToldOfOnce) {
   }
 }
 
-// What is said to be at fault in samples/failing.ndjson: with it mended, the message comes out. Of
-// messages that come out as they are nothing is at fault, which the test above shows.
+// The fields at fault in samples/failing.ndjson: with them mended, the message comes out. Messages
+// that come out as they are have no fault, which the test above shows.
 TEST_F(SamplesTest, WhatIsAtFaultIsAtFault) {
   std::size_t proven = 0;
   for (const sample_t& sample : readSamples()) {

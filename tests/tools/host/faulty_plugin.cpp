@@ -1,14 +1,14 @@
-// A plug-in that does wrong what its configuration names under "tenantId": an operation that is to
+// A plug-in with the fault that its configuration names under "tenantId": an operation that has to
 // fail ("create", "start", "sendBatchTowardsHost" and so on), or
 //
-//   leak      each batch makes a block of the host that nobody frees
-//   twice     each batch is sent on twice
-//   silence   each batch vanishes without a word
-//   greed     of a batch of several messages, the last one vanishes without a word
-//   late      a message that nobody has sent comes out in shutdown
+//   leak      makes a block of the host for each batch and frees none
+//   twice     sends each batch on twice
+//   silence   drops each batch without a word
+//   greed     drops the last of several messages of a batch without a word
+//   late      makes up a message in shutdown
 //
-// With any other tenant it sends on whatever comes. It stands where the real plug-in would, so it
-// bears that one's name.
+// With any other tenant it passes all messages on. It takes the place of the real plug-in, so it
+// bears its name.
 #include <stdexcept>
 #include <string>
 

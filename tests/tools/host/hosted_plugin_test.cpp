@@ -21,7 +21,7 @@ data_t tenant(const char* id) { return map_of("tenantId", text(id)); }
 
 class HostedPluginTest : public HostFixture {
  protected:
-  // What goes wrong when the faulty plug-in is to fail in `operation`, and the log line it leaves.
+  // The error when the faulty plug-in fails in `operation`, and its log line.
   void expectFailure(const char* operation, const char* error) {
     EXPECT_EQ(error_of([&] {
                 HostedPlugin plugin(faulty_, "name", "chain", tenant(operation));

@@ -1,4 +1,4 @@
-// What a shell's command prints, standard error included.
+// The output of a shell's command, standard error included.
 #ifndef VLT_TESTS_TOOLS_OPTIONS_COMMAND_OUTPUT_HPP
 #define VLT_TESTS_TOOLS_OPTIONS_COMMAND_OUTPUT_HPP
 
@@ -7,7 +7,7 @@
 
 namespace com::velanto::connectivity::test {
 
-// `command` is what bash reads. A command that fails adds a line "status N".
+// `command` goes to bash. A command that fails adds a line "status N".
 [[nodiscard]] std::string outputOf(const std::string& command);
 
 [[nodiscard]] std::vector<std::string> linesOf(const std::string& text);

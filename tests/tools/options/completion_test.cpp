@@ -24,7 +24,7 @@ using words_t = std::vector<std::string>;
 const std::string FILES = "compopt -o default"; // bash completes names of files
 const std::string FOLDERS = "compopt -o dirnames";
 
-// What bash offers for the last of `words`, cut as bash cuts them; the first is the tool's name.
+// The offers of bash for the last of `words`, cut as bash cuts them; the first is the tool's name.
 words_t offered(const words_t& words) {
   const std::string& tool = words.front();
   std::string function = "_" + tool;

@@ -28,7 +28,7 @@ class CommandLineTest : public HostFixture {
   std::string out() const { return out_.str(); }
   std::string diagnostics() const { return without_elapsed(diagnostics_.str()); }
 
-  // An event: what it becomes shows the plug-in's configuration.
+  // An event: its conversion shows the plug-in's configuration.
   const TemporaryFolder folder_;
   const std::string events_ = folder_.write(
       "events", R"({"metadata": {"pulsarPath": "a/b/events"}, "payload": {"id": "1", "source": )"

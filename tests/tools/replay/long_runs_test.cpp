@@ -1,5 +1,4 @@
-// What makes long runs bearable: compressed input, repetition, threads, progress, Ctrl-C; all with the
-// built tool.
+// Long runs: compressed input, repetition, threads, progress, Ctrl-C; all with the built tool.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -164,7 +163,7 @@ TEST_F(LongRunsTest, InterruptedRunEndsWithItsFigures) {
     const pid_t child = start(VLT_REPLAY_PATH, options);
     const std::string line = passingLine("1");
     ASSERT_EQ(write(in[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
-    usleep(300000); // the line is read, and the tool waits for the next one
+    usleep(300000); // after reading the line, the tool waits for the next one
     kill(child, SIGINT);
     const result_t result = waitFor(child);
     close(in[0]);

@@ -113,7 +113,7 @@ TEST_F(OstroviaReplayTest, FullDeviceIsStatus7) {
   EXPECT_EQ(help.diagnostics, "ostrovia-replay: cannot write to standard output\n");
 }
 
-// The file's other side is closed at once, as `| head -1` does after its line.
+// Closes the file's other side at once, as `| head -1` does after its line.
 TEST_F(OstroviaReplayTest, ReaderThatGoesAwayIsNoError) {
   const std::string pipe = folder_.path("pipe");
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);

@@ -18,7 +18,7 @@ using tools::ReplayOptions;
 
 const std::string LABEL = "<connectivity.OstroviaNotifications2Codec.replay> ";
 
-// A line with an event that is decoded, and one with an event that lacks all but its id.
+// A line with an event that converts, and one with an event that lacks all but its id.
 std::string good(const std::string& id) {
   return R"({"metadata": {"pulsarPath": "t1/sub/events/7"}, "payload": {"id": ")" + id +
          R"(", "source": {"id": "9"}, "text": "x", "time": "2024-05-14T04:02:11Z", "type": "T"}})"
@@ -28,12 +28,12 @@ std::string bad(const std::string& id) {
   return R"({"metadata": {"pulsarPath": "t1/sub/events/7"}, "payload": {"id": ")" + id + "\"}}\n";
 }
 
-// What the plug-in logs about the latter.
+// The plug-in's log line for the latter.
 std::string sourcelessLog(const std::string& id) {
   return LABEL + "Error when transforming message towards host ('id' = '" + id +
          "'): Required key 'source' missing from message payload\n";
 }
-// What its entry points log when an operation of the faulty plug-in fails.
+// The log line of its entry points when an operation of the faulty plug-in fails.
 std::string faultLog(const std::string& operation) {
   return LABEL + "Exception from " + operation + ": boom\n";
 }
@@ -43,7 +43,7 @@ input_t input(const char* name, std::string content) {
           [content = std::move(content)] { return std::make_unique<std::istringstream>(content); }};
 }
 
-// Breaks while it is read, as a failing disk does.
+// Breaks during a read, as a failing disk does.
 class BrokenBuffer final : public std::streambuf {
  protected:
   int_type underflow() override { throw std::runtime_error("broken"); }

@@ -1,7 +1,7 @@
-// The faults that can be planted. One library has them all, and plants the one after which its file
-// is named when it is loaded: "leaks_in_batch.so" leaks in batches. Under any other name it is the
-// codec as it is, seen through the same front. Faults of linking (a run path, say) need builds of
-// their own: they are in CMakeLists.txt.
+// The planted faults. One library has them all; at its loading it plants the one in the name of its
+// file: "leaks_in_batch.so" leaks in batches. Under any other name it is the codec as it is, seen
+// through the same front. Faults of linking (a run path, say) need builds of their own: they are in
+// CMakeLists.txt.
 #ifndef VLT_TESTS_TOOLS_CHECK_FAULTY_FAULTS_HPP
 #define VLT_TESTS_TOOLS_CHECK_FAULTY_FAULTS_HPP
 
@@ -94,7 +94,7 @@ inline Fault faultOfFile(std::string_view path) {
   return Fault::none;
 }
 
-// The host's calls that the codec makes while it is loaded ask already.
+// The host calls of a codec at its loading ask already.
 inline bool has(Fault fault) {
   static const Fault planted = [] {
     static const char inside = 0;

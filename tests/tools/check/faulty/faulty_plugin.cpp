@@ -1,5 +1,5 @@
-// A plug-in with the one fault that its file's name asks for (faults.hpp). It stands in front of the real codec on both
-// sides, and spoils what goes through its hands:
+// A plug-in with the one fault in the name of its file (faults.hpp). It is a front of the real
+// codec on both sides, and spoils calls on their way:
 //
 //   host → entry points below → real codec → links below (messages.hpp) → the host's links
 //   real codec → host_calls.hpp → the host's functions
@@ -57,7 +57,7 @@ front_t* latest = nullptr;
 [[gnu::used]] const char* const kept_after_unload =
     has(Fault::keeps_block_after_unload) ? vlt_copy_string("kept") : nullptr;
 
-// What happens when the library is loaded and unloaded.
+// The acts of loading and unloading the library.
 struct presence_t {
   presence_t() {
     if (has(Fault::prints_on_loading)) static_cast<void>(write(STDERR_FILENO, "loaded\n", 7) == 7);
@@ -160,7 +160,7 @@ void* createReal(const char* name, const char* chain, const vlt_underlying_data_
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the host looks these names up
 
-// The version scripts of single builds export these two, those of the others hide them.
+// The version scripts of single builds export these two, all others hide them.
 EXPORT void vlt_plugin_extra_OstroviaNotifications2Codec() {}
 
 EXPORT int vlt_plugin_data_OstroviaNotifications2Codec;

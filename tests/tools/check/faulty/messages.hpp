@@ -1,4 +1,4 @@
-// What the faults of content and storage do to messages on their way to the host.
+// The effects of faults of content and storage on messages on their way to the host.
 #ifndef VLT_TESTS_TOOLS_CHECK_FAULTY_MESSAGES_HPP
 #define VLT_TESTS_TOOLS_CHECK_FAULTY_MESSAGES_HPP
 
@@ -22,7 +22,7 @@ using message_t = vlt_underlying_message_t;
 
 namespace {
 
-// The value under a text key, or null. Tables of messages are small: no need for hashes.
+// The value under a string key, or null. Tables of messages are small: no need for hashes.
 vlt_underlying_data_t* find(vlt_underlying_map_table_t* table, const char* key) {
   if (table == nullptr) return nullptr;
   auto* const slots = reinterpret_cast<vlt_underlying_map_table_entry_t*>(table + 1);

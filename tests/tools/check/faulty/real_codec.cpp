@@ -1,4 +1,4 @@
-// The codec's entry points under another class name, for the faulty plug-ins to stand in front of.
+// The codec's entry points under another class name, for the fronts of the faulty plug-ins.
 #include "codec/ostrovia_notifications2_codec.hpp"
 #include "plugin/entry_points.hpp"
 

@@ -21,7 +21,7 @@ class ConfigurationTest : public Program {
     folder_.write("c.yaml", yaml);
     return run({"--config", "c.yaml", "--check-config"});
   }
-  // The one event that comes of an event under a configuration.
+  // The event of a notification under a configuration.
   std::string eventWith(const std::string& yaml, std::vector<std::string> options = {}) {
     folder_.write("c.yaml", yaml);
     input_ = eventLine("1");
@@ -114,7 +114,7 @@ TEST_F(ConfigurationTest, WhatIsSilentlyIgnoredIsPointedOut) {
       "towardsHostChannelPrefix: [p]\n");
   EXPECT_EQ(result.status, 4);
   EXPECT_EQ(result.out, "");
-  // The codec itself writes a line past the log when it meets the wrong kind.
+  // The codec itself writes a line past the log when it reads the wrong kind.
   EXPECT_EQ(result.diagnostics.substr(0, result.diagnostics.find("GetVisitor<")),
             "c.yaml:3: unknown key 'tenantID' is ignored, did you mean 'tenantId'?\n"
             "c.yaml:4: unknown key 'towardHostChannelPrefix' is ignored, did you mean "

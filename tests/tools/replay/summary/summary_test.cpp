@@ -14,7 +14,7 @@ namespace {
 
 class SummaryTest : public Program {
  protected:
-  // What the tool says, without its log lines and with T for each figure of time.
+  // The tool's diagnostics, without log lines and with T for each figure of time.
   std::string summaryOf(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {"--log-level", "2"});
     static const Pattern TIME(R"([0-9.]+ (messages/s|µs))");

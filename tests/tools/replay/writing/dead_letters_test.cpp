@@ -15,7 +15,7 @@ namespace {
 
 class DeadLettersTest : public Program {
  protected:
-  // The lines of a text, without line ends.
+  // The lines of a string, without line ends.
   static std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;
     for (std::size_t begin = 0; begin < text.size(); begin = text.find('\n', begin) + 1) {

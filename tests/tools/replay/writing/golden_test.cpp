@@ -17,13 +17,13 @@ const char* const READ_2 =
 
 class GoldenTest : public Program {
  protected:
-  // A golden file of `input`, which is then what is read.
+  // Makes a golden file of `input`, which the next run reads again.
   void record(const std::string& input) {
     input_ = input;
     ASSERT_NE(run({"--record", golden_}).status, 7);
   }
   result_t expect() { return run({"--quiet", "--expect", golden_}); }
-  // What comes of a golden file in which `from` is `to`.
+  // The result of a golden file with `to` in the place of `from`.
   result_t expectWith(const std::string& from, const std::string& to) {
     std::string content = folder_.read("golden");
     content.replace(content.find(from), from.size(), to);
@@ -153,7 +153,7 @@ TEST_F(GoldenTest, DifferencesFit80ColumnsAndEndWhenThereAreMany) {
       EXPECT_NE(line.find('b'), std::string::npos) << line;
     }
     if (!line.starts_with("ostrovia-replay")) {
-      EXPECT_LE(line.size(), 83u) << line; // of which two ellipses have 3 bytes each
+      EXPECT_LE(line.size(), 83u) << line; // two ellipses of these have 3 bytes each
     }
   }
   EXPECT_EQ(differences, 50);
