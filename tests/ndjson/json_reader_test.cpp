@@ -182,7 +182,7 @@ TEST_F(JsonReaderTest, BadNumbersAreRefused) {
   }
 }
 
-TEST_F(JsonReaderTest, BadTextsAreRefused) {
+TEST_F(JsonReaderTest, MalformedValuesAreRefused) {
   const char* const escape = "bad escape in a text";
   const char* const encoding = "text that is not UTF-8";
   expectErrors({{R"("\x")", escape},
@@ -201,7 +201,7 @@ TEST_F(JsonReaderTest, BadTextsAreRefused) {
                 {R"({"a": 1, "\ud83d": 2})", escape}});
 }
 
-TEST_F(JsonReaderTest, TextWithAnEmbeddedNulIsRefused) {
+TEST_F(JsonReaderTest, StringWithAnEmbeddedNulIsRefused) {
   expectErrors({{R"("a\u0000b")", "text with an embedded NUL"},
                 {R"("\u0000")", "text with an embedded NUL"},
                 {R"({"a\u0000": 1})", "text with an embedded NUL"}});
@@ -315,7 +315,7 @@ TEST_F(JsonReaderTest, ReaderIsUsableAfterAnError) {
   EXPECT_EQ(reader_.parseValue("[1]"), list_of(whole(1)));
 }
 
-TEST_F(JsonReaderTest, ShortTextAfterALongOneIsReadAlone) {
+TEST_F(JsonReaderTest, ShortLineAfterALongOneIsAlone) {
   const std::string content(100000, 'x');
   EXPECT_EQ(reader_.parseValue('"' + content + '"'), text(content.c_str()));
   EXPECT_EQ(reader_.parseValue("1"), whole(1));

@@ -8,7 +8,7 @@
 
 namespace com::velanto::connectivity::test {
 
-TEST(JsonText, TextsAreEscaped) {
+TEST(JsonText, StringsAreEscaped) {
   const std::vector<std::pair<std::string, std::string>> rows = {
       {"", R"("")"},
       {"a\"b\\c", R"("a\"b\\c")"},

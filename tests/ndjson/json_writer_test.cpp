@@ -55,7 +55,7 @@ TEST_F(JsonWriterTest, ScalarsAreWrittenByKind) {
                {null_text(), R"("")"}});
 }
 
-TEST_F(JsonWriterTest, BorrowedStringIsWrittenAsText) {
+TEST_F(JsonWriterTest, BorrowedStringIsWrittenAsAString) {
   EXPECT_EQ(json_of(borrowed("a")), R"("a")");
   EXPECT_EQ(json_of(tagged(VLT_TAG_BORROWED_STRING)), R"("")");
 }
@@ -84,7 +84,7 @@ TEST_F(JsonWriterTest, DoublesReadBackAsTheSameBits) {
   }
 }
 
-TEST_F(JsonWriterTest, NumbersThatAreNotFiniteBecomeTexts) {
+TEST_F(JsonWriterTest, NumbersThatAreNotFiniteBecomeStrings) {
   const double infinity = std::numeric_limits<double>::infinity();
   EXPECT_EQ(json_of(list_of(real(infinity), real(-infinity), real(std::nan("")))),
             R"(["inf","-inf","nan"])");
@@ -106,14 +106,14 @@ TEST_F(JsonWriterTest, DeletedEntriesAreLeftOut) {
   EXPECT_EQ(json_of(std::move(map)), R"({"b":2})");
 }
 
-TEST_F(JsonWriterTest, KindsWithoutJsonBecomeTheHostsText) {
+TEST_F(JsonWriterTest, KindsWithoutJsonBecomeTheHostsString) {
   expect_rows({{decimal(5), "\"decimal(0x0000000000000005)\""},
                {bytes("abc"), "\"buffer(3 bytes)\""},
                {custom(), R"("custom")"},
                {tagged(11, 1), "\"unknown(11)\""}});
 }
 
-TEST_F(JsonWriterTest, KeysThatAreNoStringsAreNamedByTheHostsText) {
+TEST_F(JsonWriterTest, OtherKeysHaveTheHostsNames) {
   expect_rows({{map_of(whole(1), whole(2)), R"({"1":2})"},
                {map_of(truth(true), whole(2)), R"({"true":2})"},
                {map_of(list_of(text("a")), whole(2)), R"({"[\"a\"]":2})"},

@@ -75,7 +75,7 @@ TEST_F(OstroviaCheckPluginTest, SeedIsAnotherEachTimeAndPrinted) {
   EXPECT_NE(first, second);
 }
 
-TEST_F(OstroviaCheckPluginTest, FailureShowsWhatWasExpectedAndWhatCame) {
+TEST_F(OstroviaCheckPluginTest, FailureShowsExpectedAndActualValues) {
   const run_t run =
       program_.run("--seed 1 --only versions.interface " + faultyPlugin("wrong_interface_version"));
   EXPECT_EQ(run.status, 1);
@@ -88,7 +88,7 @@ TEST_F(OstroviaCheckPluginTest, FailureShowsWhatWasExpectedAndWhatCame) {
                 ": 1 checks, 0 ok, 1 failed, 0 crashed, 0 hung, 0 skipped; seed 1\n");
 }
 
-TEST_F(OstroviaCheckPluginTest, CrashAndHangAreToldApart) {
+TEST_F(OstroviaCheckPluginTest, CrashAndHangDiffer) {
   const run_t crash = program_.run("--only nulls.plugin " + faultyPlugin("crashes_on_null"));
   EXPECT_EQ(crash.status, 1);
   const strings_t crashed = linesOf(crash.out);
@@ -260,7 +260,7 @@ TEST_F(OstroviaCheckPluginTest, DocumentListsTheChecks) {
   EXPECT_EQ(documented, listed);
 }
 
-// As FailureShowsWhatWasExpectedAndWhatCame has it.
+// As FailureShowsExpectedAndActualValues has it.
 TEST_F(OstroviaCheckPluginTest, DocumentShowsAFailure) {
   const strings_t failure = linesOf(
       program_.run("--only versions.interface " + faultyPlugin("wrong_interface_version")).out);

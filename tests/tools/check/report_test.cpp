@@ -30,7 +30,7 @@ TEST(ReportTest, ColourIsAroundTheMark) {
   EXPECT_EQ(textOf({}, true), "\x1b[32mok   \x1b[0m" + NAME_AND_CLAIM + "\n");
 }
 
-TEST(ReportTest, DetailsAreIndentedAndLongOnesBelowEachOther) {
+TEST(ReportTest, DetailsAreIndentedAndLongOnesStacked) {
   const std::string line(60, 'x');
   const verdict_t verdict = {
       Ending::failed, "", {{"here", "4", "3"}, {"there", line, line}, {"log", "a", "b\nc"}}, ""};
@@ -63,7 +63,7 @@ TEST(ReportTest, BytesThatAreNoTextAreReplaced) {
             "FAIL " + NAME_AND_CLAIM + "\n        here: expected \xc3\xa9, came ??[0m\n");
 }
 
-TEST(ReportTest, JsonHasWhatTheLineHas) {
+TEST(ReportTest, JsonHasTheContentOfTheLine) {
   std::ostringstream out;
   JsonReport report(out, {"li\"b.so", 7, false});
   report.add({&CHECK, {Ending::skipped, "no \xff such", {}, ""}, std::chrono::milliseconds(5)});

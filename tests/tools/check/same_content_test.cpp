@@ -28,13 +28,13 @@ TEST(SameContent, BitsOfNumbersCount) {
   }
 }
 
-TEST(SameContent, BitsOfWhatIsNoNumberCountWhenAskedFor) {
+TEST(SameContent, BitsOfNanCountOnRequest) {
   EXPECT_TRUE(sameContent(notANumber(1), notANumber(1), NotANumber::sameBits));
   EXPECT_FALSE(sameContent(notANumber(1), notANumber(2), NotANumber::sameBits));
   EXPECT_TRUE(sameContent(notANumber(1), notANumber(2), NotANumber::anyBits));
 }
 
-TEST(SameContent, MissingTextIsNotTheEmptyOne) {
+TEST(SameContent, NullStringIsNotTheEmptyOne) {
   const data_t missing = null_text();
   EXPECT_TRUE(sameContent(missing, missing, NotANumber::sameBits));
   EXPECT_FALSE(sameContent(missing, text(""), NotANumber::sameBits));

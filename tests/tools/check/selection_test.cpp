@@ -45,7 +45,7 @@ TEST(SelectionTest, PatternThatMatchesNothingIsAnError) {
   EXPECT_EQ(error_of([] { selected({"a.*"}, {"a.*"}); }), "no check is left to run");
 }
 
-TEST(SelectionTest, EveryCheckHasANameOfItsOwnAndAClaim) {
+TEST(SelectionTest, ChecksHaveDifferentNamesAndClaims) {
   std::set<std::string> names;
   for (const check_t& check : tools::check::allChecks()) {
     EXPECT_TRUE(Pattern("[a-z]+\\.[a-z0-9-]+").isAllOf(check.name)) << check.name;

@@ -42,7 +42,7 @@ tools::step_t elementAt(std::size_t index) { return {"", index, true}; }
 
 } // namespace
 
-TEST_F(ChangeTest, ValuesAreReplacedWhereTheyStand) {
+TEST_F(ChangeTest, ValuesAreReplacedInPlace) {
   const std::string line = R"({"metadata":{"p":"a"},"payload":{"l":[1,{"x":2}]}})";
   EXPECT_EQ(changed(line, {METADATA, {"p"}}, "7"),
             R"({"metadata":{"p":7},"payload":{"l":[1,{"x":2}]}})");
@@ -96,7 +96,7 @@ TEST_F(ChangeTest, EveryKindHasOtherValues) {
   EXPECT_EQ(changesOf("{\"a\":1}"), "");
 }
 
-TEST_F(ChangeTest, TextsKeepTheirForm) {
+TEST_F(ChangeTest, StringsKeepTheirForm) {
   EXPECT_EQ(changesOf("\"2023-04-05T06:07:08.999Z\""),
             "\"3023-04-05T06:07:08.999Z\" \"2023-04-05T06:07:08.998Z\" "
             "\"2023-04-05U06:07:08.999Z\" \"2023-04-05T06:07:08.999Y\" "

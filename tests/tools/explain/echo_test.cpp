@@ -4,7 +4,7 @@
 
 namespace com::velanto::connectivity::test {
 
-TEST(EchoTest, AnotherValueInTheSameWordsIsAnEcho) {
+TEST(EchoTest, NewValueInOldWordsIsAnEcho) {
   EXPECT_TRUE(tools::isEcho("no time 'a' in a", "no time 'b' in b", "a", "b"));
   EXPECT_TRUE(
       tools::isEcho("kind 'inventory'", "kind 'inventorz'", "t/inventory/7", "t/inventorz/7"));

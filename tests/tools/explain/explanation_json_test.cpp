@@ -63,7 +63,7 @@ TEST_F(ExplanationJsonTest, DroppedMessagesHaveFaultsOrSuspects) {
       << suspected;
 }
 
-TEST_F(ExplanationJsonTest, LostFieldsTellWhatComesWithoutThem) {
+TEST_F(ExplanationJsonTest, LostFieldsTellTheResultWithoutThem) {
   const std::string shown = told(R"({"payload":{"needed":"n"}})", onPayload([](map_t& payload) {
                                    if (taken(payload, "needed").empty()) {
                                      throw std::runtime_error("no");

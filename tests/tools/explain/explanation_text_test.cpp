@@ -56,7 +56,7 @@ TEST_F(ExplanationTextTest, EveryFateHasItsForm) {
             "  lost       gone.a, idle\n");
 }
 
-TEST_F(ExplanationTextTest, WhatGoesTheSameWayIsToldTogether) {
+TEST_F(ExplanationTextTest, FieldsWithTheSameWayShareAnEntry) {
   EXPECT_EQ(told(R"({"f":{"a":1,"b":2,"c":"x"},"g":{"a":{"v":1},"b":{"v":2}}})",
                  onPayload([](map_t& payload) {
                    data_t f = taken(payload, "f");
@@ -89,7 +89,7 @@ TEST_F(ExplanationTextTest, DroppedMessagesShowLogFaultAndFields) {
             "  lost       a, b\n");
 }
 
-TEST_F(ExplanationTextTest, SuspectsAreToldWhenNothingIsProven) {
+TEST_F(ExplanationTextTest, SuspectsAppearWithoutAProvenFault) {
   const codec_t codec = onPayload([](map_t& payload) {
     throw std::runtime_error(std::string("bad ") + at(payload, "a").get<const char*>());
   });
@@ -117,7 +117,7 @@ TEST_F(ExplanationTextTest, ColoursTellFates) {
             "  \x1B[31mlost\x1B[0m       b\n");
 }
 
-TEST_F(ExplanationTextTest, NoLineIsWiderThan79ColumnsAndNumbersAreWhole) {
+TEST_F(ExplanationTextTest, LinesFit79ColumnsWithWholeNumbers) {
   const std::string name(100, 'n');
   const std::string text_of_100 = "\"" + std::string(100, 't') + "\"";
   std::string payload = "{\"in\":{";

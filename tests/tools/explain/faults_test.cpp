@@ -70,7 +70,7 @@ TEST_F(FaultsTest, AMissingNameIsProvenByAddingIt) {
             "s.id missing → \"x\"\n");
 }
 
-TEST_F(FaultsTest, AValueOfAnotherKindIsProvenByTheSameInTheRightOne) {
+TEST_F(FaultsTest, RightKindProvesAWrongOne) {
   EXPECT_EQ(faults(R"({"id":"7","count":"4"})", checking([](map_t& payload) {
                      require(at(payload, "count").type_tag() == VLT_TAG_INTEGER, "'count' is none");
                    })),
@@ -85,7 +85,7 @@ TEST_F(FaultsTest, AWordIsProvenByItsLetters) {
             "severity \"Warning\" → \"WARNING\"\n");
 }
 
-TEST_F(FaultsTest, AFormIsProvenByAValueThatHasIt) {
+TEST_F(FaultsTest, ValueWithTheFormProvesIt) {
   EXPECT_EQ(faults(R"({"id":"7","made":"08:00Z","time":"08:00"})", checking([](map_t& payload) {
                      const std::string time = textOf(payload, "time");
                      require(time.ends_with('Z'), "cannot read " + time);
@@ -100,7 +100,7 @@ TEST_F(FaultsTest, AMisleadingNameDoesNotHideTheField) {
             "name 12 → \"12\"\n");
 }
 
-TEST_F(FaultsTest, SeveralFaultsAreToldInTheOrderInWhichTheyAreMet) {
+TEST_F(FaultsTest, SeveralFaultsComeInOrderOfDiscovery) {
   EXPECT_EQ(faults(R"({"id":"7","b":3})", checking([](map_t& payload) {
                      require(has(payload, "a"), "no key 'a'");
                      require(isText(payload, "b"), "key 'b' is no text");
@@ -109,7 +109,7 @@ TEST_F(FaultsTest, SeveralFaultsAreToldInTheOrderInWhichTheyAreMet) {
             "a missing → {}\nb 3 → \"3\"\n");
 }
 
-TEST_F(FaultsTest, WhatCannotBeMendedIsASuspect) {
+TEST_F(FaultsTest, FieldThatNothingMendsIsASuspect) {
   EXPECT_EQ(faults(R"({"id":"7","kind":"a/inventory/7","x":"y"})", checking([](map_t& payload) {
                      const std::string kind = textOf(payload, "kind");
                      const std::string word = kind.substr(2, kind.rfind('/') - 2);

@@ -10,7 +10,7 @@ using LinksTest = ExplainFixture;
 
 } // namespace
 
-TEST_F(LinksTest, TheSameBlockIsTheSameText) {
+TEST_F(LinksTest, SameBlockIsTheSameString) {
   EXPECT_EQ(fates(R"({"a":"x","b":"x"})", onPayload([](map_t& payload) {
                     payload[text("c")] = taken(payload, "b");
                     taken(payload, "a");
@@ -18,7 +18,7 @@ TEST_F(LinksTest, TheSameBlockIsTheSameText) {
             "renamed b → c\nlost a\n");
 }
 
-TEST_F(LinksTest, EqualNumbersAreToldApartByChangingThem) {
+TEST_F(LinksTest, ChangesTellEqualNumbersApart) {
   EXPECT_EQ(fates(R"({"a":7,"b":7,"c":true,"d":true,"e":null,"f":null,"g":0.5,"h":0.5})",
                   onPayload([](map_t& payload) {
                     for (const char* const name : {"b", "d", "f", "h"}) {
@@ -30,7 +30,7 @@ TEST_F(LinksTest, EqualNumbersAreToldApartByChangingThem) {
             "lost a\nlost c\nlost e\nlost g\n");
 }
 
-TEST_F(LinksTest, ACopiedTextIsFollowedAndSaidToBeOne) {
+TEST_F(LinksTest, CopiedStringIsFollowedAndMarked) {
   EXPECT_EQ(fates(R"({"a":"x"})", onPayload([](map_t& payload) {
                     const data_t a = taken(payload, "a");
                     payload[text("b")] = data_t(a); // made while the other is still there
@@ -39,7 +39,7 @@ TEST_F(LinksTest, ACopiedTextIsFollowedAndSaidToBeOne) {
 }
 
 // The allocator hands the block freed last to the next string of its size.
-TEST_F(LinksTest, ABlockThatIsUsedAgainIsNotTakenForTheTextThatItHeld) {
+TEST_F(LinksTest, ReusedBlockIsNotItsOldString) {
   EXPECT_EQ(fates(R"({"a":"tenant","b":1})", onPayload([](map_t& payload) {
                     taken(payload, "a");
                     payload[text("c")] = text("tenant");
@@ -54,7 +54,7 @@ TEST_F(LinksTest, ListsAndMapsMoveAsAWhole) {
             "unchanged l\ngathered m → k.in\n");
 }
 
-TEST_F(LinksTest, OfAMapThatIsNotWhatItWasEachEntryIsFollowed) {
+TEST_F(LinksTest, EntriesOfAChangedMapAreFollowed) {
   EXPECT_EQ(fates(R"({"m":{"a":"1","b":2,"c":"3"}})", onPayload([](map_t& payload) {
                     auto& inner = at(payload, "m").get<map_t>();
                     taken(inner, "c");
@@ -83,7 +83,7 @@ TEST_F(LinksTest, AValueMadeFromAnotherIsConverted) {
             "converted a → last\nconverted n\n");
 }
 
-TEST_F(LinksTest, AValueThatOnlyHappensToBeEqualIsConverted) {
+TEST_F(LinksTest, ValueEqualByChanceIsConverted) {
   EXPECT_EQ(fates(R"({"a":1})", onPayload([](map_t& payload) {
                     const auto a = taken(payload, "a").get<std::int64_t>();
                     payload[text("square")] = whole(a * a);
@@ -91,7 +91,7 @@ TEST_F(LinksTest, AValueThatOnlyHappensToBeEqualIsConverted) {
             "converted a → square\n");
 }
 
-TEST_F(LinksTest, EachPartOfATextIsFollowed) {
+TEST_F(LinksTest, EachPartOfAStringIsFollowed) {
   const codec_t split = onPayload([](map_t& payload) {
     const std::string all = at(payload, "a").get<const char*>();
     payload[text("hours")] = text(all.substr(0, 2).c_str());
@@ -108,7 +108,7 @@ TEST_F(LinksTest, EachPartOfATextIsFollowed) {
             "converted a → hours, minutes\n");
 }
 
-TEST_F(LinksTest, AValueMadeFromSeveralHasAllOfThem) {
+TEST_F(LinksTest, ValueMadeFromSeveralHasThemAll) {
   EXPECT_EQ(fates(R"({"a":1,"b":2,"c":3})", onPayload([](map_t& payload) {
                     const auto sum = taken(payload, "a").get<std::int64_t>() +
                                      taken(payload, "b").get<std::int64_t>();
@@ -117,7 +117,7 @@ TEST_F(LinksTest, AValueMadeFromSeveralHasAllOfThem) {
             "unchanged c\nconverted a, b → sum\n");
 }
 
-TEST_F(LinksTest, AValueMadeFromAMovedOneRefersToIt) {
+TEST_F(LinksTest, ValueMadeFromAMovedOneNamesIt) {
   EXPECT_EQ(fates(R"({"a":"abc","l":[1,2]})", onPayload([](map_t& payload) {
                     payload[text("length")] = whole(static_cast<std::int64_t>(
                         std::strlen(at(payload, "a").get<const char*>())));
@@ -137,7 +137,7 @@ TEST_F(LinksTest, ASecondCopyRefersToTheFirst) {
             "unchanged a\nunchanged n\ncopied → a2 ⇐ a\ncopied → n2 ⇐ n\n");
 }
 
-TEST_F(LinksTest, EmptyListsAndMapsFollowWhatIsLeftOut) {
+TEST_F(LinksTest, RemovalShowsEmptyListsAndMaps) {
   EXPECT_EQ(fates(R"({"l":[],"m":{},"x":[],"y":{}})", onPayload([](map_t& payload) {
                     if (has(payload, "l")) payload[text("l2")] = taken(payload, "l");
                     taken(payload, "y");
@@ -146,7 +146,7 @@ TEST_F(LinksTest, EmptyListsAndMapsFollowWhatIsLeftOut) {
             "unchanged m\nunchanged x\nrenamed l → l2\nadded z\nlost y\n");
 }
 
-TEST_F(LinksTest, WhatIsInTheWayIsNamed) {
+TEST_F(LinksTest, ValueInTheWayIsNamed) {
   EXPECT_EQ(fates(R"({"name":"a","source":"b","time":1,"first":2})", onPayload([](map_t& payload) {
                     data_t name = taken(payload, "name");
                     if (!has(payload, "source")) payload[text("source")] = std::move(name);
@@ -158,7 +158,7 @@ TEST_F(LinksTest, WhatIsInTheWayIsNamed) {
             "unchanged first\nunchanged source\nreplaced name ⇐ source\nreplaced time ⇐ first\n");
 }
 
-TEST_F(LinksTest, WhatHasAnothersPlaceReplacesIt) {
+TEST_F(LinksTest, ValueInTheSamePlaceReplacesIt) {
   EXPECT_EQ(fates(R"({"tenant":"t9","name":"a","source":"b"})", onPayload([](map_t& payload) {
                     payload[text("tenant")] = text("t1");
                     payload[text("source")] = taken(payload, "name");
@@ -166,7 +166,7 @@ TEST_F(LinksTest, WhatHasAnothersPlaceReplacesIt) {
             "renamed name → source\nreplaced source ⇐ name\nreplaced tenant\n");
 }
 
-TEST_F(LinksTest, WhatComesOfTheMessageWithoutALostFieldIsTold) {
+TEST_F(LinksTest, LostFieldsHaveTheResultWithoutThem) {
   const codec_t codec = [](Message& message) {
     auto& payload = message.getPayload().get<map_t>();
     if (!has(payload, "path")) return true;

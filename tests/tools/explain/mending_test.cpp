@@ -25,14 +25,14 @@ class MendingTest : public HostFixture {
 
 } // namespace
 
-TEST_F(MendingTest, TextsBecomeOtherKindsAndOtherLetters) {
+TEST_F(MendingTest, StringsBecomeOtherKindsAndOtherLetters) {
   EXPECT_EQ(mended("\"Warning\""), R"("WARNING" "warning" {})");
   EXPECT_EQ(mended("\" a\""), R"("a" "A" {})");
   EXPECT_EQ(mended("\"15\""), "15 15.0 {}");
   EXPECT_EQ(mended("\"1.5\""), "1.5 {}");
 }
 
-TEST_F(MendingTest, NumbersBecomeTexts) {
+TEST_F(MendingTest, NumbersBecomeStrings) {
   EXPECT_EQ(mended("15"), R"("15" "x" 1 {})");
   EXPECT_EQ(mended("15.0"), R"(15 "15.0")");
   EXPECT_EQ(mended("1e300"), R"("1e+300")"); // more than an integer holds

@@ -24,7 +24,7 @@ const char* const FIGURES =
 
 } // namespace
 
-TEST_F(ExplainProgramTest, ExplanationsStandInPlaceOfTheEvents) {
+TEST_F(ExplainProgramTest, ExplanationsReplaceTheEvents) {
   input_ = eventLine("1");
   const result_t result = run({"--explain", "--tenant-id", "t1"});
   EXPECT_EQ(result.status, 0);
@@ -130,13 +130,13 @@ TEST_F(ExplainProgramTest, OtherPluginsAreExplainedJustTheSame) {
             "  unknown    when asked again, the plug-in gives something else\n");
 }
 
-TEST_F(ExplainProgramTest, WhatOnlyTheRunsMoreSaidIsNotHeard) {
+TEST_F(ExplainProgramTest, OutputOfFurtherRunsIsHidden) {
   input_ = passingLine("{\"a\":1,\"b\":[]}");
   EXPECT_EQ(run({"--plugin", VLT_ODD_PLUGIN_PATH, "--tenant-id", "noise", "--explain"}).diagnostics,
             std::string("noise\n") + FIGURES);
 }
 
-TEST_F(ExplainProgramTest, FiguresAreThoseOfTheRunAlone) {
+TEST_F(ExplainProgramTest, FiguresBelongToTheRunAlone) {
   input_ = passingLine("{\"a\":1}") + passingLine("{\"a\":[2]}");
   environment_ = {"ASAN_OPTIONS=detect_leaks=0"}; // the leak is the subject
   const result_t result =
@@ -147,7 +147,7 @@ TEST_F(ExplainProgramTest, FiguresAreThoseOfTheRunAlone) {
 }
 
 // Explaining takes a hundred times as long as the run.
-TEST_F(ExplainProgramTest, TimesAreThoseOfTheRunAlone) {
+TEST_F(ExplainProgramTest, TimesBelongToTheRunAlone) {
   for (int i = 0; i < 300; ++i) input_ += eventLine("1");
   const auto start = std::chrono::steady_clock::now();
   const std::string figures = run({"--explain", "--summary=json"}).diagnostics;

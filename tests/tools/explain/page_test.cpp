@@ -38,7 +38,7 @@ TEST(PageTest, PartsGoOnIn79Columns) {
                                         of(15, ' ') + "ee\n");
 }
 
-TEST(PageTest, TextsBreakBetweenWordsOrWithinThem) {
+TEST(PageTest, StringsBreakBetweenWordsOrWithinThem) {
   Page page(false);
   page.text("logged", Colour::none, of(50, 'a') + " " + of(20, 'b') + " " + of(70, 'c'));
   EXPECT_EQ(std::move(page).take(), "  logged     " + of(50, 'a') + "\n" + of(15, ' ') +

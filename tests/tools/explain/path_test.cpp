@@ -49,7 +49,7 @@ TEST(PathTest, PeopleAndProgramsReadIt) {
   }
 }
 
-TEST(PathTest, APathIsWithinItselfAndWhatIsAboveIt) {
+TEST(PathTest, PathIsWithinItselfAndItsAncestors) {
   const tools::path_t list = {key("payload"), key("list")};
   const tools::path_t second = {key("payload"), key("list"), element(1)};
   EXPECT_TRUE(tools::isWithin(list, list));

@@ -32,7 +32,7 @@ TEST(PhrasesTest, NeighboursAreOnePhrase) {
   EXPECT_EQ(tools::pathPhrasesOf({}), phrases_t{});
 }
 
-TEST(PhrasesTest, TooManyNeighboursStandAlone) {
+TEST(PhrasesTest, TooManyNeighboursAreSeparate) {
   paths_t paths;
   for (int i = 10; i < 40; ++i) paths.push_back(path({"a", ("k" + std::to_string(i)).c_str()}));
   const phrases_t phrases = tools::pathPhrasesOf(paths);
@@ -40,7 +40,7 @@ TEST(PhrasesTest, TooManyNeighboursStandAlone) {
   EXPECT_EQ(phrases.front(), "a.k10");
 }
 
-TEST(PhrasesTest, TextsAreCutAtTheirEndPathsAtTheirBeginning) {
+TEST(PhrasesTest, StringsLoseTheirEndPathsTheirBeginning) {
   const std::string text(100, 't');
   const std::string name(100, 'n');
   EXPECT_EQ(tools::phraseOf({path({"a"}), "\"" + text + "\""}), "a \"" + text.substr(0, 57) + "…");

@@ -22,7 +22,7 @@ std::string payloadOf(const tools::Trace& trace) {
 
 } // namespace
 
-TEST_F(ProbeTest, AnswersTellWhatWentInAndWhatCameOut) {
+TEST_F(ProbeTest, AnswersHaveInputAndOutcome) {
   const Message message(whole(5));
   const tools::answer_t answer = probeOf(message, [](Message& changed) {
                                    changed.getPayload() = text("five");
@@ -59,7 +59,7 @@ TEST_F(ProbeTest, FailuresAreLoggedTracesAreNot) {
   EXPECT_EQ(answer.log, "failed\ntwice\n");
 }
 
-TEST_F(ProbeTest, WhatIsLookedAtIsBounded) {
+TEST_F(ProbeTest, ABoundLimitsValues) {
   map_t many;
   for (int i = 0; i < 20000; ++i) many[text(std::to_string(i).c_str())] = data_t();
   const Message message{data_t(std::move(many))};

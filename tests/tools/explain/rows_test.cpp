@@ -14,7 +14,7 @@ using RowsTest = ExplainFixture;
 
 } // namespace
 
-TEST_F(RowsTest, ValuesStandInThem) {
+TEST_F(RowsTest, RowsHaveValues) {
   const tools::explanation_t told =
       explained(R"({"n":9007199254740993,"l":[1],"t":"é"})", onPayload([](map_t& payload) {
                   payload[text("m")] = taken(payload, "n");
@@ -27,7 +27,7 @@ TEST_F(RowsTest, ValuesStandInThem) {
   EXPECT_EQ(told.rows[3].to.front().json, "0.1");
 }
 
-TEST_F(RowsTest, OfWhatIsLostTheWholeIsTold) {
+TEST_F(RowsTest, LostMapIsOneRow) {
   EXPECT_EQ(
       fates(R"({"a":{"b":{"c":1,"d":2},"e":"x"},"f":{"g":1,"h":2}})", onPayload([](map_t& payload) {
               taken(payload, "a");
@@ -36,7 +36,7 @@ TEST_F(RowsTest, OfWhatIsLostTheWholeIsTold) {
       "unchanged f.h\nlost a\nlost f.g\n");
 }
 
-TEST_F(RowsTest, GatheredIsWhatComesIntoAMapOfTheCodec) {
+TEST_F(RowsTest, FieldsInACodecsMapAreGathered) {
   EXPECT_EQ(fates(R"({"f":{"T":{"value":1,"units":"C"}},"s":{"id":"1"},"p":{"x":1}})",
                   onPayload([](map_t& payload) {
                     data_t fragment = taken(payload, "f");
@@ -52,7 +52,7 @@ TEST_F(RowsTest, GatheredIsWhatComesIntoAMapOfTheCodec) {
             "gathered f.T.value → all.T.value\nadded all.T.params\n");
 }
 
-TEST_F(RowsTest, FieldsWithACommonOutcomeAreToldTogether) {
+TEST_F(RowsTest, FieldsWithACommonOutcomeShareARow) {
   EXPECT_EQ(fates(R"({"a":1,"b":2,"c":3,"d":4})", onPayload([](map_t& payload) {
                     const auto number = [&](const char* name) {
                       return taken(payload, name).get<std::int64_t>();
@@ -68,7 +68,7 @@ TEST_F(RowsTest, FieldsWithACommonOutcomeAreToldTogether) {
 }
 
 // The larger of two equal numbers is both of them.
-TEST_F(RowsTest, WhatCouldBeEitherIsMadeFromBoth) {
+TEST_F(RowsTest, AmbiguousValueIsMadeFromBoth) {
   EXPECT_EQ(fates(R"({"a":5,"b":5})", onPayload([](map_t& payload) {
                     payload[text("most")] =
                         whole(std::max(taken(payload, "a").get<std::int64_t>(),
@@ -86,7 +86,7 @@ TEST_F(RowsTest, OfADroppedMessageEveryFieldIsLost) {
   EXPECT_EQ(textOf(explained("[7,8]", [](Message&) { return false; }).rows), "lost payload\n");
 }
 
-TEST_F(RowsTest, WhatIsNotFollowedIsUnknown) {
+TEST_F(RowsTest, FieldsNotFollowedAreUnknown) {
   most_values_ = 100'000;
   std::string payload = "{\"out\":1,";
   for (int i = 0; i < 1000; ++i)
@@ -100,7 +100,7 @@ TEST_F(RowsTest, WhatIsNotFollowedIsUnknown) {
   EXPECT_EQ(told.rows.size() - 1 + told.rows.back().from.size(), 1001u);
 }
 
-TEST_F(RowsTest, OfALargeMessageTheTopIsFollowedFirst) {
+TEST_F(RowsTest, TopOfALargeMessageComesFirst) {
   most_values_ = 100'000;
   std::string payload = "{\"deep\":{";
   for (int i = 0; i < 1000; ++i)
@@ -121,7 +121,7 @@ TEST_F(RowsTest, OfALargeMessageTheTopIsFollowedFirst) {
 }
 
 // Random codecs of known moves, copies, removals and conversions.
-TEST_F(RowsTest, WhatIsToldIsWhatWasDone) {
+TEST_F(RowsTest, RowsTellTheKnownChanges) {
   std::uint32_t seed = 1;
   const auto dice = [&seed](std::uint32_t sides) {
     seed = seed * 1664525 + 1013904223;

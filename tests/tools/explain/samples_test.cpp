@@ -49,7 +49,7 @@ class SamplesTest : public HostFixture {
 
 } // namespace
 
-TEST_F(SamplesTest, EveryLeafIsToldOfOnce) {
+TEST_F(SamplesTest, EveryLeafAppearsOnce) {
   for (const sample_t& sample : readSamples()) {
     const tools::explanation_t told = explained(sample.message);
     EXPECT_TRUE(told.stable) << sample.place;
@@ -65,7 +65,7 @@ TEST_F(SamplesTest, EveryLeafIsToldOfOnce) {
 
 // The fields at fault in samples/failing.ndjson: with them mended, the message comes out. Messages
 // that come out as they are have no fault, which the test above shows.
-TEST_F(SamplesTest, WhatIsAtFaultIsAtFault) {
+TEST_F(SamplesTest, MendingEachFaultHelps) {
   std::size_t proven = 0;
   for (const sample_t& sample : readSamples()) {
     if (comesOut(sample.message)) continue;

@@ -7,7 +7,7 @@
 
 namespace com::velanto::connectivity::test {
 
-TEST(SilenceTest, StandardErrorIsHeardAgainBehindIt) {
+TEST(SilenceTest, StandardErrorWorksAgainAfterwards) {
   ::testing::internal::CaptureStderr();
   std::fputs("a", stderr);
   {

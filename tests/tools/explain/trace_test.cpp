@@ -40,7 +40,7 @@ TEST_F(TraceTest, EveryValueIsThereSortedByItsPath) {
             "z = 5\n");
 }
 
-TEST_F(TraceTest, WhatIsAbsentIsNoLeaf) {
+TEST_F(TraceTest, AbsentValueIsNoLeaf) {
   EXPECT_EQ(leavesOf(tools::Trace(Message())), "");
   EXPECT_EQ(leavesOf(tools::Trace(messageOf(map_of()))), "payload = {}\n");
 }

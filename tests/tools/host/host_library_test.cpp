@@ -14,7 +14,7 @@ class HostLibraryTest : public HostFixture {};
 
 } // namespace
 
-TEST_F(HostLibraryTest, LiveBlocksAreTheStandIns) {
+TEST_F(HostLibraryTest, LiveBlocksComeFromTheStandIn) {
   const std::int64_t before = tools::liveBlocks().value();
   EXPECT_EQ(before, standin_live_blocks_total());
   const data_t one = text("a");

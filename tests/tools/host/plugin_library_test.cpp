@@ -25,7 +25,7 @@ TEST(PluginLibraryTest, FunctionsAreThePlugIns) {
   EXPECT_EQ(library.start(nullptr), 1);
 }
 
-TEST(PluginLibraryTest, DefaultLiesBesideTheProgram) {
+TEST(PluginLibraryTest, DefaultIsBesideTheProgram) {
   EXPECT_TRUE(std::filesystem::equivalent(tools::PluginLibrary::defaultPath(), VLT_PLUGIN_PATH));
 }
 
@@ -35,7 +35,7 @@ TEST(PluginLibraryTest, MissingLibraryIsRefused) {
             "directory");
 }
 
-TEST(PluginLibraryTest, PathWithoutSlashIsAFileOfTheCurrentDirectory) {
+TEST(PluginLibraryTest, PathWithoutSlashIsInTheCurrentDirectory) {
   EXPECT_EQ(load_error("nosuchplugin.so"),
             "cannot load ./nosuchplugin.so: cannot open shared object file: No such file or "
             "directory");

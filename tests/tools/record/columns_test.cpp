@@ -11,7 +11,7 @@ TEST(Columns, CharactersAreCountedNotBytes) {
   EXPECT_EQ(tools::padded("abcd", 3), "abcd");
 }
 
-TEST(Columns, CutTextsHaveTheWidthAskedFor) {
+TEST(Columns, CutStringsHaveTheWidthAskedFor) {
   EXPECT_EQ(tools::cutBehind("abcd", 4), "abcd");
   EXPECT_EQ(tools::cutBehind("abcde", 4), "abc…");
   EXPECT_EQ(tools::cutBehind("ééééé", 4), "ééé…");

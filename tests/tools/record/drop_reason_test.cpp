@@ -21,7 +21,7 @@ const std::string BEGIN = "<connectivity.p.c> Error when transforming message to
 
 } // namespace
 
-TEST(DropReason, TextsHaveStableCodes) {
+TEST(DropReason, LogTextsHaveStableCodes) {
   const std::vector<reason_row_t> rows = {
       {"Required key 'text' missing from message payload", "missing-key", "text"},
       {"Required key 'id' missing from source", "missing-key", "source.id"},

@@ -14,7 +14,7 @@ using tools::Kind;
 
 using KindTest = HostFixture;
 
-TEST_F(KindTest, SegmentBehindTheSecondSlashDecides) {
+TEST_F(KindTest, SegmentAfterTheSecondSlashDecides) {
   const std::vector<std::pair<const char*, Kind>> rows = {
       {"t/s/alarms/1", Kind::alarms},
       {"t/s/events", Kind::events},
@@ -29,14 +29,14 @@ TEST_F(KindTest, SegmentBehindTheSecondSlashDecides) {
   for (const auto& [path, kind] : rows) EXPECT_EQ(tools::kindOfPath(path), kind) << path;
 }
 
-TEST_F(KindTest, MessageWithoutATextAsPathHasNoKind) {
+TEST_F(KindTest, PathThatIsNoStringHasNoKind) {
   const tools::MetadataReader reader;
   EXPECT_EQ(reader.kindOf(notification("t/s/alarms/1", map_of())), Kind::alarms);
   EXPECT_EQ(reader.kindOf(Message(whole(1))), Kind::none);
   EXPECT_EQ(reader.kindOf(Message(whole(1), map_of("pulsarPath", whole(1)))), Kind::none);
 }
 
-TEST_F(KindTest, ChannelIsATextOrNothing) {
+TEST_F(KindTest, ChannelIsAStringOrNothing) {
   const tools::MetadataReader reader;
   EXPECT_EQ(reader.channelOf(Message(whole(1), map_of("vlt.channel", text("c")))), "c");
   EXPECT_EQ(reader.channelOf(Message(whole(1), map_of("vlt.channel", whole(1)))), "");

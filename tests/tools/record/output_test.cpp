@@ -34,7 +34,7 @@ TEST(Output, FullDeviceIsReportedWithItsReason) {
   EXPECT_EQ(error_of([&] { output.flush(); }), "cannot write the report: No space left on device");
 }
 
-TEST(Output, StreamWithoutAReasonIsReportedAllTheSame) {
+TEST(Output, StreamWithoutAReasonIsReportedToo) {
   std::ostringstream stream;
   stream.setstate(std::ios::badbit);
   tools::Output output(stream, "cannot write");

@@ -74,7 +74,7 @@ TEST_F(LongRunsTest, CompressedInputMayBeLarge) {
   }
 }
 
-TEST_F(LongRunsTest, CompressedInputThatIsBrokenIsAnErrorAfterWhatWasRead) {
+TEST_F(LongRunsTest, BrokenCompressionIsAnErrorAfterItsLines) {
   const std::string text = manyLines();
   const std::string gzip = gzipped(text);
   const std::string zstd = zstandard(text);
@@ -96,7 +96,7 @@ TEST_F(LongRunsTest, CompressedInputThatIsBrokenIsAnErrorAfterWhatWasRead) {
   EXPECT_EQ(complaintAbout(damaged), "ostrovia-replay: <stdin>: the Zstandard data is damaged\n");
 }
 
-TEST_F(LongRunsTest, LineThatOnlyBeginsLikeCompressedInputIsMalformed) {
+TEST_F(LongRunsTest, LineWithACompressionMarkIsMalformed) {
   input_ = "(x\n" + passingLine("1") + passingLine("2");
   const result_t result = run({});
   EXPECT_EQ(result.status, 3);
@@ -144,7 +144,7 @@ TEST_F(LongRunsTest, EveryThreadHasAChainOfItsOwn) {
   EXPECT_NE(result.diagnostics.find("reached the host 3,"), std::string::npos); // one of each
 }
 
-TEST_F(LongRunsTest, FailureToReadEndsThreadsAfterWhatWasRead) {
+TEST_F(LongRunsTest, FailureToReadEndsThreadsAfterEarlierLines) {
   std::string text;
   for (int i = 0; i < 3000; ++i) text += passingLine("1");
   const std::string good = folder_.write("good", text);

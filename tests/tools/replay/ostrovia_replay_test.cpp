@@ -44,7 +44,7 @@ TEST_F(OstroviaReplayTest, PluginsLogGoesToStandardError) {
             "read 1, reached the host 0, dropped 1, malformed 0, T ms, 0 blocks live\n");
 }
 
-TEST_F(OstroviaReplayTest, FilesAreReadInOrderAndMalformedLinesNamed) {
+TEST_F(OstroviaReplayTest, FilesKeepOrderAndMalformedLinesAreNamed) {
   const std::string first = folder_.write("first", "{\"payload\":1}\nx\n");
   input_ = "{\"payload\":2}\n{}x";
   const result_t result = run({first, "-"});
@@ -94,7 +94,7 @@ TEST_F(OstroviaReplayTest, LeakIsStatus6) {
             "read 2, reached the host 2, dropped 0, malformed 0, T ms, 2 blocks live\n");
 }
 
-TEST_F(OstroviaReplayTest, WhatCannotBeReadIsStatus7) {
+TEST_F(OstroviaReplayTest, UnreadableInputIsStatus7) {
   const result_t missing = run({"/nowhere/in"});
   EXPECT_EQ(missing.status, 7);
   EXPECT_EQ(missing.out, "");
@@ -131,7 +131,7 @@ TEST_F(OstroviaReplayTest, ReaderThatGoesAwayIsNoError) {
             "read 1, reached the host 1, dropped 0, malformed 0, T ms, 0 blocks live\n");
 }
 
-TEST_F(OstroviaReplayTest, NothingMoreIsReadForAReaderThatIsGone) {
+TEST_F(OstroviaReplayTest, ReadingStopsWhenTheReaderIsGone) {
   input_ = eventLine("1");
   for (int i = 0; i < 14; ++i) input_ += input_;
   const result_t result = runShell("ostrovia-replay | head -1");
@@ -139,7 +139,7 @@ TEST_F(OstroviaReplayTest, NothingMoreIsReadForAReaderThatIsGone) {
   EXPECT_EQ(result.diagnostics.find("read 16384,"), std::string::npos) << result.diagnostics;
 }
 
-TEST_F(OstroviaReplayTest, MessagesAreNotHeldBackWhileTheInputPauses) {
+TEST_F(OstroviaReplayTest, MessagesComeOutWhileTheInputPauses) {
   int in[2] = {};
   int out[2] = {};
   ASSERT_EQ(pipe2(in, O_CLOEXEC), 0);
@@ -165,7 +165,7 @@ TEST_F(OstroviaReplayTest, NumbersSurviveUnchanged) {
   EXPECT_EQ(run({}).out, "{\"metadata\":{},\"payload\":" + numbers + "}\n");
 }
 
-TEST_F(OstroviaReplayTest, WhatCannotBeKeptIsReportedWithItsPlace) {
+TEST_F(OstroviaReplayTest, MalformedLineIsReportedWithItsPlace) {
   input_ =
       "{\"payload\":9223372036854775808}\n{\"payload\":{\"a\":1,\"a\":2}}\n"
       "{\"payload\":\"\xff\"}\n";
@@ -178,7 +178,7 @@ TEST_F(OstroviaReplayTest, WhatCannotBeKeptIsReportedWithItsPlace) {
             "read 3, reached the host 0, dropped 0, malformed 3, T ms, 0 blocks live\n");
 }
 
-TEST_F(OstroviaReplayTest, QuietRunsStillSayWhatIsWrong) {
+TEST_F(OstroviaReplayTest, QuietRunsStillReportFailures) {
   input_ = textlessLine("1") + "x\n" + eventLine("2");
   EXPECT_EQ(run({"--quiet"}).diagnostics, "<stdin>:2:1: not well-formed JSON\n");
   EXPECT_EQ(run({"--quiet", "--log-level", "3"}).diagnostics,

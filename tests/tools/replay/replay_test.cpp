@@ -86,7 +86,7 @@ class ReplayTest : public HostFixture {
 
 } // namespace
 
-TEST_F(ReplayTest, EventsComeOutInOrderAndDroppedOnesAreCounted) {
+TEST_F(ReplayTest, EventsKeepOrderAndDroppedOnesCount) {
   EXPECT_EQ(replay(R"({"payload": 1})"
                    "\n" +
                    bad("2") + R"({"payload": {"a": 3.0}, "metadata": {"m": null}})" + "\n"),
@@ -139,7 +139,7 @@ TEST_F(ReplayTest, MalformedLinesAreReportedAndSkipped) {
             "read 4, reached the host 2, dropped 0, malformed 2, T ms, 0 blocks live\n");
 }
 
-TEST_F(ReplayTest, BlankLinesAndLineEndsOfOtherSystemsAreFine) {
+TEST_F(ReplayTest, BlankLinesAndForeignLineEndsAreFine) {
   EXPECT_EQ(replay("\n  \t\n{\"payload\":1}\r\n\r\n{\"payload\":2}"), 0);
   EXPECT_EQ(events(), "{\"metadata\":{},\"payload\":1}\n{\"metadata\":{},\"payload\":2}\n");
   EXPECT_EQ(diagnostics(),
@@ -262,7 +262,7 @@ TEST_F(ReplayTest, MessageThatNobodyHasSentBreaksTheLaw) {
             "read 1, reached the host 2, dropped 0, malformed 0, T ms, 0 blocks live\n");
 }
 
-TEST_F(ReplayTest, MessageThatDependsOnItsNeighboursBreaksTheLaw) {
+TEST_F(ReplayTest, DependenceOnNeighboursBreaksTheLaw) {
   options_.batch_size = 2;
   EXPECT_EQ(replayFaulty("greed", "{\"payload\":1}\n{\"payload\":2}\n{\"payload\":3}\n"),
             tools::EXIT_LAW);
@@ -291,7 +291,7 @@ TEST_F(ReplayTest, InputThatBreaksIsAFailure) {
   EXPECT_EQ(diagnostics(), "ostrovia-replay: disk: cannot be read to its end\n");
 }
 
-TEST_F(ReplayTest, WhatWasReadBeforeAFailureIsDealtWith) {
+TEST_F(ReplayTest, LinesBeforeAFailureAreHandled) {
   const input_t broken = {"disk", [] { return std::make_unique<BrokenStream>(); }};
   options_.batch_size = 100;
   EXPECT_EQ(replay({input("a", "{\"payload\":1}\n"), broken}), tools::EXIT_IO);

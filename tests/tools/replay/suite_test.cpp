@@ -25,7 +25,7 @@ class SuiteTest : public Program {
 
 } // namespace
 
-TEST_F(SuiteTest, UpdateMakesWhatTheNextRunExpects) {
+TEST_F(SuiteTest, UpdateMakesTheFilesForTheNextRun) {
   const result_t made = run({"--suite", "suite", "--update"});
   EXPECT_EQ(made.status, 0);
   EXPECT_EQ(made.diagnostics, "made    a\nmade    b\n2 cases, 0 failed\n");
@@ -64,7 +64,7 @@ TEST_F(SuiteTest, CaseWithoutAGoldenFileFails) {
             "2 cases, 2 failed\n");
 }
 
-TEST_F(SuiteTest, ReportIsWhatJUnitWrites) {
+TEST_F(SuiteTest, ReportHasTheFormOfJUnit) {
   run({"--suite", "suite", "--update"});
   folder_.write("suite/b.ndjson", passingLine("\"<&>\\u0001\""));
   EXPECT_EQ(run({"--suite", "suite", "--junit", "report.xml"}).status, 5);
@@ -83,7 +83,7 @@ TEST_F(SuiteTest, ReportIsWhatJUnitWrites) {
   EXPECT_NE(report.find("</failure>\n  </testcase>\n</testsuite>\n"), std::string::npos);
 }
 
-TEST_F(SuiteTest, CaseThatCannotBeRunIsAnErrorOfTheReport) {
+TEST_F(SuiteTest, CaseThatCannotRunIsAnError) {
   run({"--suite", "suite", "--update"});
   EXPECT_EQ(run({"--suite", "suite", "--junit", "r", "--plugin", "/nowhere.so"}).status, 4);
   EXPECT_NE(folder_.read("r").find("failures=\"0\" errors=\"2\""), std::string::npos);

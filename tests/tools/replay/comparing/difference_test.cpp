@@ -39,7 +39,7 @@ TEST_F(DifferenceTest, PathsLeadToTheField) {
   EXPECT_EQ(shown("1", "1.0"), "@ \n- 1\n+ 1.0\n");
 }
 
-TEST_F(DifferenceTest, FieldsOfOneSideAreShownWhole) {
+TEST_F(DifferenceTest, FieldsOfOneSideAppearWhole) {
   EXPECT_EQ(shown(R"({"a":{"b":1}})", "{}"), "@ a\n- {\"b\":1}\n");
   EXPECT_EQ(shown("[1]", "[1,2]"), "@ [1]\n+ 2\n");
   EXPECT_EQ(shown("null", "[]"), "@ \n- null\n+ []\n");

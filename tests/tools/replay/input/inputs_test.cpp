@@ -45,7 +45,7 @@ TEST(InputsTest, DashAndNothingAreStandardInput) {
   EXPECT_NE(inputs[0].open(), nullptr);
 }
 
-TEST(InputsTest, WhatCannotBeReadIsRefusedBeforeAnythingIsOpened) {
+TEST(InputsTest, UnreadableInputIsRefusedBeforeAnyOpens) {
   const TemporaryFolder folder;
   const std::string file = folder.write("file", "");
   const std::string missing = folder.path("missing");
@@ -54,7 +54,7 @@ TEST(InputsTest, WhatCannotBeReadIsRefusedBeforeAnythingIsOpened) {
   EXPECT_EQ(error_from({""}), ": No such file or directory");
 }
 
-TEST(InputsTest, FileThatVanishesIsRefusedWhenItsTurnComes) {
+TEST(InputsTest, VanishedFileIsRefusedAtItsTurn) {
   const TemporaryFolder folder;
   const std::string file = folder.write("file", "");
   const std::vector<input_t> inputs = inputsFrom({file});

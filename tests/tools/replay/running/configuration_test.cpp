@@ -68,14 +68,14 @@ TEST_F(ConfigurationTest, ValuesKeepTheirKinds) {
   }
 }
 
-TEST_F(ConfigurationTest, WithoutATenantAFileIsRefusedAsAHostRefusesIt) {
+TEST_F(ConfigurationTest, FileWithoutATenantIsRefused) {
   folder_.write("c.yaml", "towardsHostChannelPrefix: p.\n");
   const result_t result = run({"--config", "c.yaml"});
   EXPECT_EQ(result.status, 4);
   EXPECT_TRUE(result.diagnostics.ends_with(REFUSED)) << result.diagnostics;
 }
 
-TEST_F(ConfigurationTest, FilesThatAreNoConfigurationAreRefusedWithTheirLine) {
+TEST_F(ConfigurationTest, OtherFilesAreRefusedWithTheirLine) {
   const std::vector<std::pair<std::string, std::string>> rows = {
       {"- a\n", "c.yaml:1: not a mapping of keys to values"},
       {"tenantId: a\n\ntenantId: b\n", "c.yaml:3: repeated key 'tenantId'"},
@@ -103,7 +103,7 @@ TEST_F(ConfigurationTest, GoodConfigurationIsFine) {
   EXPECT_EQ(result.diagnostics, "");
 }
 
-TEST_F(ConfigurationTest, WhatIsSilentlyIgnoredIsPointedOut) {
+TEST_F(ConfigurationTest, SilentlyIgnoredEntriesAreReported) {
   const result_t result = check(
       "# codec\n"
       "tenantId: t1\n"
@@ -139,7 +139,7 @@ TEST_F(ConfigurationTest, EmptyTenantIsPointedOutAndFine) {
   EXPECT_EQ(result.diagnostics, "c.yaml:1: 'tenantId' is empty: events get no tenant\n");
 }
 
-TEST_F(ConfigurationTest, WhatTheCodecRefusesIsNeverFine) {
+TEST_F(ConfigurationTest, RefusedConfigurationIsNeverFine) {
   const std::vector<std::pair<std::string, std::string>> rows = {
       {"", "Key '\"tenantId\"' not found in Notifications2Codec"},
       {"tenantId:\n", "Key '\"tenantId\"' has an empty value in Notifications2Codec"},

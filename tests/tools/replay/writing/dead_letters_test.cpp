@@ -36,7 +36,7 @@ class DeadLettersTest : public Program {
 
 } // namespace
 
-TEST_F(DeadLettersTest, LineSaysWhereItComesFromAndWhyItVanished) {
+TEST_F(DeadLettersTest, LineHasItsPlaceAndReason) {
   input_ = eventLine("1") + textlessLine("2");
   EXPECT_EQ(run({"--dropped", dropped_}).status, 0);
   std::string expected = textlessLine("2");
@@ -98,7 +98,7 @@ TEST_F(DeadLettersTest, RemarkOfAnEmptyObjectNeedsNoComma) {
             "\"text\":\"\"}} ");
 }
 
-TEST_F(DeadLettersTest, RemarkMayStandAnywhere) {
+TEST_F(DeadLettersTest, RemarkMayBeAnywhere) {
   const std::string message = textlessLine("1").substr(1);
   input_ = R"({"dropped": 1 , )" + message;
   run({"--dropped", dropped_});
@@ -106,7 +106,7 @@ TEST_F(DeadLettersTest, RemarkMayStandAnywhere) {
             0u);
 }
 
-TEST_F(DeadLettersTest, WhatReachesTheHostOrIsNoMessageIsNotWritten) {
+TEST_F(DeadLettersTest, OnlyDroppedMessagesAreWritten) {
   input_ = eventLine("1") + "x\n" + passingLine("1");
   EXPECT_EQ(run({"--dropped", dropped_}).status, 3);
   EXPECT_EQ(folder_.read("dropped.ndjson"), "");

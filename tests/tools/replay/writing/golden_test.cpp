@@ -136,7 +136,7 @@ TEST_F(GoldenTest, MessagesMissingOnEitherSideAreShown) {
       std::string::npos);
 }
 
-TEST_F(GoldenTest, DifferencesFit80ColumnsAndEndWhenThereAreMany) {
+TEST_F(GoldenTest, DifferencesFit80ColumnsAndAreLimited) {
   std::string other;
   for (int i = 0; i < 60; ++i) {
     input_ += passingLine("\"" + std::string(500, 'a') + "\"");
@@ -161,7 +161,7 @@ TEST_F(GoldenTest, DifferencesFit80ColumnsAndEndWhenThereAreMany) {
             std::string::npos);
 }
 
-TEST_F(GoldenTest, WhatIsLoggedWithoutAMessageIsPartOfTheRun) {
+TEST_F(GoldenTest, LinesWithoutAMessageBelongToTheRun) {
   input_ = passingLine("1");
   run({"--plugin", VLT_FAULTY_PLUGIN_PATH, "--tenant-id", "shutdown", "--record", golden_});
   EXPECT_NE(folder_.read("golden").find(
@@ -208,7 +208,7 @@ TEST_F(GoldenTest, DifferencesOfAnotherBuildAreShown) {
             std::string::npos);
 }
 
-TEST_F(GoldenTest, WhatTheBuildsLogAtTheirEndIsCompared) {
+TEST_F(GoldenTest, LogLinesAtTheEndAreCompared) {
   input_ = passingLine("1");
   const result_t result = run({"--quiet", "--plugin", VLT_FAULTY_PLUGIN_PATH, "--tenant-id",
                                "shutdown", "--against", VLT_PLUGIN_PATH});
@@ -218,7 +218,7 @@ TEST_F(GoldenTest, WhatTheBuildsLogAtTheirEndIsCompared) {
             std::string::npos);
 }
 
-TEST_F(GoldenTest, OtherBuildThatCannotBeUsedIsAnError) {
+TEST_F(GoldenTest, UnusableOtherBuildIsAnError) {
   EXPECT_EQ(run({"--against", "/nowhere/next.so"}).status, 4);
 }
 

@@ -17,7 +17,7 @@ TEST(ProgressLine, WithoutAnEndThereIsNoShare) {
   EXPECT_EQ(tools::progressLine(512, seconds_t(2), {}), "512 messages, 256 messages/s");
 }
 
-TEST(TerminalTest, StatusLineGivesWayToWhatIsWritten) {
+TEST(TerminalTest, StatusLineGivesWayToOutput) {
   std::stringbuf screen;
   {
     tools::Terminal terminal(screen);
