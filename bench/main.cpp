@@ -91,7 +91,7 @@ int parseAndRun(int argc, char** argv) {
   std::string results;
   app.add_option("--plugin", options.plugin, "the plug-in library (default: beside this program)");
   app.add_option("--against", options.against, "the plug-in library of another revision");
-  app.add_option("--against-name", options.against_name, "what the tables call it");
+  app.add_option("--against-name", options.against_name, "its name in the tables");
   app.add_option("--rounds", options.rounds, "rounds of each race")
       ->capture_default_str()
       ->check(CLI::PositiveNumber);

@@ -67,12 +67,12 @@ template <class Read>
 void check(const Read& read, std::string_view text) {
   const auto first = readIfWellFormed(read, text);
   if (!first) return;
-  fuzz::require(isJson(std::string(text)), "what is accepted is JSON");
+  fuzz::require(isJson(std::string(text)), "an accepted line is JSON");
   std::string written;
   writeJson(written, *first);
   const auto second = readIfWellFormed(read, written);
-  fuzz::require(second.has_value(), "what was written can be read");
-  fuzz::require(equal(*first, *second), "what was written reads as what it was");
+  fuzz::require(second.has_value(), "a written message can be read");
+  fuzz::require(equal(*first, *second), "a written message reads the same");
   std::string again;
   writeJson(again, *second);
   fuzz::require(sorted(written) == sorted(again), "the same is written again");

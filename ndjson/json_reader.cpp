@@ -24,13 +24,13 @@ const char* reasonOf(simdjson::error_code error) noexcept {
     case simdjson::EMPTY:
       return "no JSON value";
     case simdjson::UTF8_ERROR:
-      return "text that is not UTF-8";
+      return "bytes that are not UTF-8";
     case simdjson::UNESCAPED_CHARS:
-      return "control character in a text, not escaped";
+      return "control character in a string, not escaped";
     case simdjson::UNCLOSED_STRING:
-      return "text without a closing quote";
+      return "string without a closing quote";
     case simdjson::STRING_ERROR:
-      return "bad escape in a text";
+      return "bad escape in a string";
     case simdjson::NUMBER_ERROR:
     case simdjson::NUMBER_OUT_OF_RANGE:
       return "bad number, or one beyond the range of doubles";
@@ -335,7 +335,7 @@ std::string_view JsonReader::Parser::unescaped(simdjson::simdjson_result<std::st
 
 data_t JsonReader::Parser::readText(std::string_view text, const char* place) {
   if (text.find('\0') != std::string_view::npos) {
-    throw MalformedJson("text with an embedded NUL", columnOf(place));
+    throw MalformedJson("string with an embedded NUL", columnOf(place));
   }
   text_.assign(text);
   return data_t(text_.c_str());

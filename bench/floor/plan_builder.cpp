@@ -98,7 +98,7 @@ void PlanBuilder::drop(const taken_t& value) {
   if (value.value->tag == VLT_TAG_STRING) {
     spare_values_[value.value->value.string].push_back(value);
   } else if (value.value->tag > VLT_TAG_STRING) {
-    throw std::logic_error("a floor drops texts and numbers only");
+    throw std::logic_error("a floor drops strings and numbers only");
   }
 }
 
@@ -120,7 +120,7 @@ origin_t PlanBuilder::constant(double value) {
 void PlanBuilder::dropOrigin(origin_t value) {
   if (value.way() == origin_t::way_t::constant) return;
   if (value.way() != origin_t::way_t::moved) {
-    throw std::logic_error("a floor replaces only what the notification brought");
+    throw std::logic_error("a floor replaces only values of the notification");
   }
   drop({value.index(), value.slot(), &slotAt(value.index(), value.slot()).value});
 }

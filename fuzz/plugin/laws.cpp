@@ -44,7 +44,7 @@ const kind_t* kindOf(const model::value_t& path) {
 
 void requireText(const model::table_t& table, const char* key, const std::string& expected) {
   const model::value_t* const value = find(table, key);
-  require(value != nullptr && value->tag == VLT_TAG_STRING, "an event has its texts");
+  require(value != nullptr && value->tag == VLT_TAG_STRING, "an event has its strings");
   if (value->text != expected) {
     reportFinding(std::string(key) + " is '" + value->text + "', not '" + expected + "'");
   }
@@ -172,12 +172,13 @@ bool mustBeRefused(const scenario_t& scenario) {
 
 verdict_t judge(const scenario_t& scenario, const message_t& before,
                 const vlt_underlying_message_t& after, const outcome_t& outcome) {
-  require(outcome.result == 0, "a batch succeeds whatever becomes of its messages");
+  require(outcome.result == 0, "a batch succeeds, also with dropped messages");
   require(outcome.kept.has_value(), "a batch is passed on, even an empty one");
   const model::value_t* const path = find(before.metadata, "pulsarPath");
   if (before.payload.tag == VLT_TAG_EMPTY || path == nullptr) {
-    require(outcome.kept == 1 && outcome.lines.empty(), "what is no notification passes silently");
-    requireNone(difference(after, before), "what is no notification passes unchanged");
+    require(outcome.kept == 1 && outcome.lines.empty(),
+            "a message that is no notification passes silently");
+    requireNone(difference(after, before), "a message that is no notification passes unchanged");
     return {fate_t::PASSED, nullptr};
   }
   require(linesAt(TRACE_LEVEL, outcome.lines) == (scenario.level >= TRACE_LEVEL ? 1U : 0U),
@@ -189,7 +190,7 @@ verdict_t judge(const scenario_t& scenario, const message_t& before,
     return {fate_t::DROPPED, nullptr};
   }
   const kind_t* const kind = kindOf(*path);
-  require(kind != nullptr, "what has a path to none of the kinds is dropped");
+  require(kind != nullptr, "a notification of an unknown kind is dropped");
   judgeEvent(scenario, *kind, after);
   judgeCarriedOver(*kind, before, after);
   return {fate_t::CONVERTED, kind};

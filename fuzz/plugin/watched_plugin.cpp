@@ -114,7 +114,7 @@ void WatchedPlugin::pass(void* chain, vlt_underlying_message_t* start,
   require(!self.passed_, "a batch is passed on once");
   require(self.under_way_ != nullptr, "nothing is passed on but batches");
   require(reinterpret_cast<Message*>(start) == self.under_way_->begin(),
-          "what is passed on is the front of the batch");
+          "a range for the next link is the front of the batch");
   self.passed_ = static_cast<std::size_t>(end - start);
   require(*self.passed_ <= self.under_way_->size(), "no more is passed on than there is");
 }

@@ -183,8 +183,8 @@ TEST_F(JsonReaderTest, BadNumbersAreRefused) {
 }
 
 TEST_F(JsonReaderTest, MalformedValuesAreRefused) {
-  const char* const escape = "bad escape in a text";
-  const char* const encoding = "text that is not UTF-8";
+  const char* const escape = "bad escape in a string";
+  const char* const encoding = "bytes that are not UTF-8";
   expectErrors({{R"("\x")", escape},
                 {R"("\u12")", escape},
                 {R"("\u12G4")", escape},
@@ -195,16 +195,16 @@ TEST_F(JsonReaderTest, MalformedValuesAreRefused) {
                 {"\"\xc3\"", encoding},
                 {"\"\xed\xa0\x80\"", encoding}, // a surrogate, encoded
                 {"\"\xc0\xaf\"", encoding},     // longer than necessary
-                {"\"a\tb\"", "control character in a text, not escaped"},
-                {std::string("\"a\0b\"", 5), "control character in a text, not escaped"},
-                {"\"abc", "text without a closing quote"},
+                {"\"a\tb\"", "control character in a string, not escaped"},
+                {std::string("\"a\0b\"", 5), "control character in a string, not escaped"},
+                {"\"abc", "string without a closing quote"},
                 {R"({"a": 1, "\ud83d": 2})", escape}});
 }
 
 TEST_F(JsonReaderTest, StringWithAnEmbeddedNulIsRefused) {
-  expectErrors({{R"("a\u0000b")", "text with an embedded NUL"},
-                {R"("\u0000")", "text with an embedded NUL"},
-                {R"({"a\u0000": 1})", "text with an embedded NUL"}});
+  expectErrors({{R"("a\u0000b")", "string with an embedded NUL"},
+                {R"("\u0000")", "string with an embedded NUL"},
+                {R"({"a\u0000": 1})", "string with an embedded NUL"}});
 }
 
 TEST_F(JsonReaderTest, BadLiteralsAreRefused) {
@@ -311,7 +311,7 @@ TEST_F(JsonReaderTest, LineThatIsNoMessageIsRefused) {
 
 TEST_F(JsonReaderTest, ReaderIsUsableAfterAnError) {
   EXPECT_THROW(static_cast<void>(reader_.parseMessage("{")), MalformedJson);
-  EXPECT_EQ(valueError(R"({"a": [1, {"b": "\x"}]})"), "bad escape in a text");
+  EXPECT_EQ(valueError(R"({"a": [1, {"b": "\x"}]})"), "bad escape in a string");
   EXPECT_EQ(reader_.parseValue("[1]"), list_of(whole(1)));
 }
 

@@ -11,10 +11,10 @@ std::uint64_t mixed(std::uint64_t digest, std::string_view text) noexcept {
 
 std::string figures_t::imbalance() const {
   if (sent_towards_host != reached_host + dropped) {
-    return "towards the host, what was sent is not what arrived and what was logged as dropped";
+    return "towards the host, arrivals and logged drops do not add up to the messages sent";
   }
   if (sent_towards_transport != reached_transport) {
-    return "towards the transport, what was sent is not what arrived";
+    return "towards the transport, the messages that arrived are not those sent";
   }
   return {};
 }

@@ -64,7 +64,7 @@ void Watch::judgeFigures(const figures_t& figures) {
     // The trace adds lines and changes nothing else.
     if (quiet_) expected->traced = quiet_->traced;
     if (quiet_ && *expected != *quiet_) {
-      throw std::runtime_error(where + "the trace changes what comes out: " + describe(figures));
+      throw std::runtime_error(where + "the trace changes the results: " + describe(figures));
     }
     expected->traced = figures.traced;
   }

@@ -15,7 +15,7 @@ namespace com::velanto::connectivity::tools::check {
 namespace {
 
 [[noreturn]] void failBeyondTheEnd(const char* what) {
-  throw MalformedElf(std::string(what) + " lies beyond the file's end");
+  throw MalformedElf(std::string(what) + " is beyond the file's end");
 }
 
 // `address` + `by`, which a damaged file may have past the end of all addresses.
@@ -217,7 +217,7 @@ std::uint64_t Reader::offsetOf(std::uint64_t address, const char* what) const {
 
 std::string Reader::name(std::uint64_t offset) const {
   if (!strings_) throw MalformedElf("no table of names");
-  if (offset >= strings_size_) throw MalformedElf("a name lies beyond the table of names");
+  if (offset >= strings_size_) throw MalformedElf("a name is beyond the table of names");
   const std::uint64_t start = offsetOf(shifted(*strings_, offset, "a name"), "a name");
   const std::uint64_t room = std::min<std::uint64_t>(strings_size_ - offset, file_.size() - start);
   const auto* const text = reinterpret_cast<const char*>(file_.data() + start);

@@ -107,7 +107,7 @@ TEST_F(ElfFileTest, RunPathIsRead) {
 
 TEST_F(ElfFileTest, OtherFilesAreRefused) {
   EXPECT_EQ(error_of([] { static_cast<void>(readElf({})); }),
-            "the header lies beyond the file's end");
+            "the header is beyond the file's end");
   const bytes_t text(100, std::byte{'x'});
   EXPECT_EQ(error_of([&] { static_cast<void>(readElf(text)); }), "no ELF file");
   EXPECT_EQ(error_of([] { static_cast<void>(tools::check::readElfFile("/nowhere")); }),

@@ -116,7 +116,7 @@ const planted_t PLANTED[] = {
      FAILED,
      {"batches.*", "nulls.empty-range", "passing.*"}},
     {"spares_empty_ranges", "batches.empty", FAILED, {"batches.all-dropped", "nulls.empty-range"}},
-    {"empties_dropped", "batches.dropped-hold-ids", FAILED, {"batches.dropped-behind"}},
+    {"empties_dropped", "batches.dropped-hold-ids", FAILED, {"batches.dropped-last"}},
     {"ignores_handle",
      "transport.own-handle",
      FAILED,

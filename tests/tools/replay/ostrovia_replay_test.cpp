@@ -174,7 +174,7 @@ TEST_F(OstroviaReplayTest, MalformedLineIsReportedWithItsPlace) {
   EXPECT_EQ(result.diagnostics,
             "<stdin>:1:12: integer beyond 64 bits\n"
             "<stdin>:2:19: repeated key \"a\"\n"
-            "<stdin>:3:13: text that is not UTF-8\n"
+            "<stdin>:3:13: bytes that are not UTF-8\n"
             "read 3, reached the host 0, dropped 0, malformed 3, T ms, 0 blocks live\n");
 }
 

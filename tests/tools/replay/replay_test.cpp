@@ -135,7 +135,7 @@ TEST_F(ReplayTest, MalformedLinesAreReportedAndSkipped) {
   EXPECT_EQ(events(), "{\"metadata\":{},\"payload\":1}\n{\"metadata\":{},\"payload\":2}\n");
   EXPECT_EQ(diagnostics(),
             "a:2:1: not well-formed JSON\n"
-            "b:2:12: text with an embedded NUL\n"
+            "b:2:12: string with an embedded NUL\n"
             "read 4, reached the host 2, dropped 0, malformed 2, T ms, 0 blocks live\n");
 }
 
@@ -267,7 +267,7 @@ TEST_F(ReplayTest, DependenceOnNeighboursBreaksTheLaw) {
   EXPECT_EQ(replayFaulty("greed", "{\"payload\":1}\n{\"payload\":2}\n{\"payload\":3}\n"),
             tools::EXIT_LAW);
   EXPECT_EQ(diagnostics(),
-            "ostrovia-replay: in:1: what comes of the messages depends on their batch, of 2\n"
+            "ostrovia-replay: in:1: the results of the messages depend on their batch, of 2\n"
             "read 3, reached the host 3, dropped 0, malformed 0, T ms, 0 blocks live\n");
 }
 

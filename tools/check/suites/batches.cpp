@@ -133,7 +133,7 @@ void droppedBehind(Trial& trial) {
       if (textAt(batch[i].getPayload(), "id") == id) left += id;
     }
   }
-  trial.equal("ids behind, sorted", "136", left);
+  trial.equal("ids of the dropped, sorted", "136", left);
 }
 
 void droppedHoldIds(Trial& trial) {
@@ -193,12 +193,12 @@ constexpr check_t BATCHES_CHECKS[] = {
     {"batches.one", "a batch of one is converted", one},
     {"batches.all-dropped", "with every message dropped, the link gets an empty range", allDropped},
     {"batches.many", "of 5000 messages every good one arrives, in order", many},
-    {"batches.order", "what is kept keeps its order, what is dropped is reported in order", order},
+    {"batches.order", "kept messages keep their order, dropped ones are reported in theirs", order},
     {"batches.link-once", "the link is called once a batch, with the front of the caller's array",
      linkOnce},
-    {"batches.dropped-behind", "dropped messages lie behind the kept ones", droppedBehind},
-    {"batches.dropped-hold-ids", "a dropped message holds its id and nothing else, as documented",
-     droppedHoldIds},
+    {"batches.dropped-last", "dropped messages come after the kept ones", droppedBehind},
+    {"batches.dropped-hold-ids",
+     "a dropped message holds its id and nothing else (docs/architecture.md)", droppedHoldIds},
     {"batches.forbidden-calls", "a batch asks for no log level and sets no user status",
      forbiddenCalls},
     {"batches.throwing-link", "a link that throws is reported, and the codec stays usable",

@@ -94,9 +94,10 @@ constexpr check_t LIBRARY_CHECKS[] = {
      Use::read},
     {"library.needs-no-others", "beyond the client library, only common runtimes are needed",
      needsNothingUnusual, Use::read},
-    {"library.has-no-run-path", "no path of a build machine decides what is loaded", noRunPath,
-     Use::read},
-    {"library.asks-the-host-only", "of the host, only its fourteen documented functions are used",
+    {"library.has-no-run-path", "no path of a build machine decides which libraries are loaded",
+     noRunPath, Use::read},
+    {"library.asks-the-host-only",
+     "of the host, only the fourteen functions of docs/host-interface.md are used",
      callsHostFunctionsOnly, Use::read},
 };
 

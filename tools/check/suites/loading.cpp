@@ -69,7 +69,7 @@ void thousandTimes(Trial& trial) {
 }
 
 void heapStaysLevelOverLoads(Trial& trial) {
-  if (!countsHeap()) trial.skip("the sanitizer's heap does not tell what is in use");
+  if (!countsHeap()) trial.skip("the sanitizer's heap does not count blocks in use");
   const std::string path = pathOf(trial);
   for (int i = 0; i < 20; ++i) loadAndUnload(path);
   const std::size_t before = mallinfo2().uordblks;
@@ -97,7 +97,7 @@ constexpr check_t LOADING_CHECKS[] = {
      "a thousand loads and unloads leave blocks and mappings as they were", thousandTimes},
     {"loading.heap-stays-level", "loading and unloading leak nothing of the C library's heap",
      heapStaysLevelOverLoads},
-    {"loading.lives-again", "a codec of a library that was loaded anew works and leaves nothing",
+    {"loading.lives-again", "a codec of a library loaded again works and leaves nothing",
      livesAgain},
 };
 

@@ -84,7 +84,7 @@ void traceCosts(Trial& trial) {
   Chain chain(trial, CONFIGURATION, TRACE);
   standin_reset_calls();
   chain.send(plainEvent("1"));
-  trial.equal("texts rendered for one notification", 2, standin_calls(STANDIN_DATA_TO_STRING));
+  trial.equal("strings rendered for one notification", 2, standin_calls(STANDIN_DATA_TO_STRING));
 }
 
 void noTraceBelow(Trial& trial) {
@@ -94,7 +94,7 @@ void noTraceBelow(Trial& trial) {
   batch.push_back(plainEvent("1"));
   batch.push_back(unknown("2"));
   chain.send(std::move(batch));
-  trial.equal("texts rendered", 0, standin_calls(STANDIN_DATA_TO_STRING));
+  trial.equal("strings rendered", 0, standin_calls(STANDIN_DATA_TO_STRING));
   chain.expectLog("at level 5", {unknownLine("2")});
 }
 

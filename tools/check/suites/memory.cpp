@@ -163,17 +163,16 @@ void passing(Trial& trial) {
 }
 
 constexpr check_t MEMORY_CHECKS[] = {
-    {"memory.creation", "create fails cleanly at whichever allocation memory ends", creation},
+    {"memory.creation", "create fails cleanly at any refused allocation", creation},
     {"memory.conversions",
-     "a conversion fails cleanly at whichever allocation memory ends, for all five kinds",
-     conversions},
+     "a conversion fails cleanly at any refused allocation, for all five kinds", conversions},
     {"memory.batch-goes-on", "memory that ends once costs one message of a batch", theBatchGoesOn},
     {"memory.dropping", "a message is dropped even when there is no memory to report it", dropping},
     {"memory.none-at-all", "without any memory a batch is dropped, and the codec stays usable",
      noneAtAll},
     {"memory.from-then-on", "memory that ends for good leaves nothing owned twice or by nobody",
      fromThenOn},
-    {"memory.passing", "what only passes needs no memory", passing},
+    {"memory.passing", "messages that only pass need no memory", passing},
 };
 
 } // namespace

@@ -146,7 +146,7 @@ void texts(Trial& trial) {
   set(batch[3].getPayload(), "id", bare(VLT_TAG_STRING));
   const std::vector<Message> kept = chain.send(std::move(batch));
   trial.equal("messages at the host", 1, kept.size());
-  chain.expectLog("texts that are null",
+  chain.expectLog("null strings",
                   {dropped(" ('id' = '2'): Error parsing timestamp '' in key 'time'"),
                    dropped(" ('id' = '3'): Unrecognised Pulsar message type: ''"),
                    dropped(" ('id' = ''): Unrecognised Pulsar message type: 'inventory'")});
@@ -161,9 +161,9 @@ constexpr check_t NULLS_CHECKS[] = {
      batchFunction},
     {"nulls.empty-range", "an empty range of null pointers reaches the link", emptyRange},
     {"nulls.link-handle", "a null handle is handed to the link like any other", linkHandle},
-    {"nulls.host-handles", "the host's two handles are never looked into", hostHandles},
+    {"nulls.host-handles", "the host's two handles are never read", hostHandles},
     {"nulls.tables", "maps, lists and buffers without a block are empty ones", tables},
-    {"nulls.texts", "texts that are null read as empty ones", texts},
+    {"nulls.texts", "null strings read as empty ones", texts},
 };
 
 } // namespace

@@ -125,7 +125,7 @@ void containersAreMoved(Trial& trial) {
 
 // Memory of the C library's heap, which the host cannot count.
 void heapStaysLevel(Trial& trial) {
-  if (!countsHeap()) trial.skip("the sanitizer's heap does not tell what is in use");
+  if (!countsHeap()) trial.skip("the sanitizer's heap does not count blocks in use");
   constexpr std::size_t BATCHES = 400;
   Chain chain(trial);
   const auto run = [&] {

@@ -22,7 +22,7 @@ void productVersionIsStatic(Trial& trial) {
   const PluginLibrary library = load(trial);
   const char* const before = library.productVersion();
   { const Codec codec(trial, library, value(R"({"tenantId": ""})")); }
-  trial.holds(before == library.productVersion(), "product version", "the same text each time",
+  trial.holds(before == library.productVersion(), "product version", "the same string each time",
               "another address");
   trial.equal("product version after a codec's life", "10.15.4.1", before);
 }
@@ -40,7 +40,7 @@ constexpr check_t VERSIONS_CHECKS[] = {
     {"versions.interface", "the interface version is 4, before any codec is made", apiVersion},
     {"versions.product", "the product version is 10.15.4.1, before any codec is made",
      productVersion},
-    {"versions.product-text-stays", "the text of the product version is static",
+    {"versions.product-text-stays", "the string of the product version is static",
      productVersionIsStatic},
     {"versions.call-no-host", "versions and codec mark call no host function", markDoesNothing},
 };

@@ -47,7 +47,7 @@ class Converter {
   }
   data_t textOf(const YAML::Node& node) const {
     if (node.Scalar().find('\0') != std::string::npos) {
-      refuse(node.Mark(), "text with an embedded NUL");
+      refuse(node.Mark(), "string with an embedded NUL");
     }
     return data_t(node.Scalar().c_str());
   }
@@ -70,7 +70,7 @@ data_t Converter::convert(const YAML::Node& node, int depth) {
   if (!node.IsMap()) return {};
   map_t map;
   for (const auto& entry : node) {
-    if (!entry.first.IsScalar()) refuse(entry.first.Mark(), "a key that is no text");
+    if (!entry.first.IsScalar()) refuse(entry.first.Mark(), "a key that is no string");
     map[textOf(entry.first)] = convert(entry.second, depth + 1);
   }
   return map;
@@ -121,7 +121,7 @@ std::vector<configuration_entry_t> readConfiguration(const std::string& path) {
     if (!root.IsMap()) converter.refuse(root.Mark(), "not a mapping of keys to values");
     for (const auto& entry : root) {
       const YAML::Mark mark = entry.first.Mark();
-      if (!entry.first.IsScalar()) converter.refuse(mark, "a key that is no text");
+      if (!entry.first.IsScalar()) converter.refuse(mark, "a key that is no string");
       const std::string key = entry.first.Scalar();
       const bool repeated = std::any_of(entries.begin(), entries.end(),
                                         [&key](const auto& known) { return known.key == key; });

@@ -118,7 +118,7 @@ void Worker::separate(const call_result_t& whole, std::span<record_t> records) {
       whole.failed || (sameMessages(whole.outputs, together.outputs) && whole.log == together.log);
   if (!same) {
     incidents_.broken_laws.push_back(records.front().place() +
-                                     ": what comes of the messages depends on their batch, of " +
+                                     ": the results of the messages depend on their batch, of " +
                                      std::to_string(typed_before.size()));
   }
   auto output = together.outputs.begin();

@@ -80,8 +80,8 @@ TEST_F(ConfigurationTest, OtherFilesAreRefusedWithTheirLine) {
       {"- a\n", "c.yaml:1: not a mapping of keys to values"},
       {"tenantId: a\n\ntenantId: b\n", "c.yaml:3: repeated key 'tenantId'"},
       {"tenantId: t\nx: 9223372036854775808\n", "c.yaml:2: integer beyond 64 bits"},
-      {"tenantId: t\n[1]: x\n", "c.yaml:2: a key that is no text"},
-      {"tenantId: \"a\\0b\"\n", "c.yaml:1: text with an embedded NUL"},
+      {"tenantId: t\n[1]: x\n", "c.yaml:2: a key that is no string"},
+      {"tenantId: \"a\\0b\"\n", "c.yaml:1: string with an embedded NUL"},
       {"a: 1\nb: [1\n", "c.yaml:3: end of sequence flow not found"},
       {"tenantId: t\nx: &a [*a]\n", "c.yaml:2: too much, or too deep"}};
   for (const auto& [yaml, complaint] : rows) {
