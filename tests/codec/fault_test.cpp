@@ -3,20 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-
-#include "tests/support/values.hpp"
-
 namespace com::velanto::connectivity::plugins::pulsar {
 namespace {
 
-using namespace connectivity::test;
-
 TEST(Fault, IsNoneAtFirst) {
-  Fault fault;
+  const Fault fault;
   EXPECT_FALSE(fault);
-  EXPECT_EQ(fault.orThrow(7), 7);
-  EXPECT_EQ(*fault.orThrow(std::make_unique<int>(8)), 8);
 }
 
 TEST(Fault, FirstOneThatIsNotedStays) {
@@ -25,24 +17,6 @@ TEST(Fault, FirstOneThatIsNotedStays) {
   fault.note(std::runtime_error("second"));
   ASSERT_TRUE(fault);
   EXPECT_STREQ(fault.what(), "first");
-}
-
-TEST(Fault, IsThrownOnceWithItsText) {
-  Fault fault;
-  fault.note(std::runtime_error("first"));
-  EXPECT_EQ(error_of([&] { (void)fault.orThrow(7); }), "first");
-  EXPECT_FALSE(fault) << "it is thrown once";
-  EXPECT_EQ(fault.orThrow(7), 7);
-}
-
-TEST(Fault, CopyKeepsItsTextWithoutTheOriginal) {
-  Fault copy;
-  {
-    Fault fault;
-    fault.note(std::runtime_error("first"));
-    copy = fault;
-  }
-  EXPECT_STREQ(copy.what(), "first");
 }
 
 } // namespace

@@ -1,10 +1,12 @@
-// What is left in a message whose conversion failed.
+// The text of an id, kept for the report.
 #include "codec/id_for_report.hpp"
 
 #include <gtest/gtest.h>
 
+#include <new>
 #include <string>
 
+#include "tests/support/allocations.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"
 
@@ -15,80 +17,34 @@ using namespace connectivity::test;
 
 using IdForReportTest = HostFixture;
 
-TEST_F(IdForReportTest, FailureLeavesAMapWithACopyOfTheIdAlone) {
-  // Around the length up to which a text is kept without the host.
+TEST_F(IdForReportTest, TextOutlivesThePayloadWithoutTheHost) {
+  // Around the length up to which a text takes no memory.
   for (const std::size_t length : {0U, 1U, 62U, 63U, 64U, 65U, 1000U}) {
-    Message message;
-    {
-      const std::string name(length, 'x');
-      const data_t id = text(name.c_str());
-      const IdForReport report(&id, message);
-    }
-    EXPECT_EQ(message.getPayload(), data_t(map_of("id", text(std::string(length, 'x').c_str()))));
-    EXPECT_EQ(message.getMetadataMap().table(), nullptr);
+    const std::string name(length, 'x');
+    map_t payload = map_of("id", text(name.c_str()));
+    standin_reset_calls();
+    const std::int64_t before = allocationsMade();
+    const IdForReport id(payload);
+    EXPECT_EQ(allocationsMade() - before, length < 64 ? 0 : 1) << length;
+    EXPECT_EQ(standin_calls_total(), 0);
+    payload = map_t();
+    EXPECT_EQ(id.text(), name);
   }
 }
 
-TEST_F(IdForReportTest, BorrowedIdIsLeftAsAnOwnedOne) {
-  Message message;
-  {
-    const data_t id = borrowed("4711");
-    const IdForReport report(&id, message);
-  }
-  EXPECT_EQ(message.getPayload(), data_t(map_of("id", text("4711"))));
+TEST_F(IdForReportTest, NullTextReadsAsTheEmptyOne) {
+  EXPECT_STREQ(IdForReport(map_of("id", null_text())).text(), "");
 }
 
-TEST_F(IdForReportTest, NullTextStaysOne) {
-  Message message;
-  {
-    const data_t id = null_text();
-    const IdForReport report(&id, message);
-  }
-  const data_t& id = at(message.getPayload().get<map_t>(), "id");
-  EXPECT_EQ(id.type_tag(), VLT_TAG_STRING);
-  EXPECT_EQ(id.get<const char*>(), nullptr);
+TEST_F(IdForReportTest, OtherKindsAreNoId) {
+  EXPECT_EQ(IdForReport(map_of("id", whole(4711))).text(), nullptr);
+  EXPECT_EQ(IdForReport(map_of("name", text("id"))).text(), nullptr);
 }
 
-TEST_F(IdForReportTest, NothingIsLeftWithoutAnId) {
-  Message message;
-  { const IdForReport report(nullptr, message); }
-  EXPECT_TRUE(message.getPayload().empty());
-}
-
-TEST_F(IdForReportTest, MessageThatWasConvertedIsLeftAlone) {
-  Message message(text("event"));
-  for (const std::size_t length : {1U, 100U}) {
-    const data_t id = text(std::string(length, 'x').c_str());
-    IdForReport report(&id, message);
-    report.converted();
-  }
-  EXPECT_EQ(message.getPayload(), text("event"));
-}
-
-TEST_F(IdForReportTest, UsualIdCostsNoCallOfTheHost) {
-  Message message;
-  const data_t id = text("4711");
-  standin_reset_calls();
-  {
-    IdForReport report(&id, message);
-    report.converted();
-  }
-  EXPECT_EQ(standin_calls_total(), 0);
-}
-
-TEST_F(IdForReportTest, WithoutMemoryTheMessageIsLeftEmpty) {
-  // The map's table, its key and the text.
-  for (const std::uint64_t n : {1U, 2U, 3U}) {
-    Message message;
-    const data_t id = text("4711");
-    {
-      const IdForReport report(&id, message);
-      standin_fail_allocation(n);
-    }
-    EXPECT_EQ(standin_failed_allocations(), 1U) << n;
-    standin_fail_allocation(0);
-    EXPECT_TRUE(message.getPayload().empty()) << n;
-  }
+TEST_F(IdForReportTest, LongTextWithoutMemoryIsBadAlloc) {
+  const map_t payload = map_of("id", text(std::string(1000, 'x').c_str()));
+  const NoMemory none;
+  EXPECT_THROW(IdForReport{payload}, std::bad_alloc);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // the batch.
 #include <gmock/gmock.h>
 
+#include <cstring>
 #include <new>
 #include <stdexcept>
 
@@ -102,16 +103,57 @@ TEST_F(Failures, MemoryThatStaysExhaustedDropsEveryMessageWithOneReportEach) {
   EXPECT_THAT(takeLog(), ElementsAre(report, report));
 }
 
-TEST_F(Failures, ReportThatFindsNoMemoryIsLostAndTheMessageIsDroppedAllTheSame) {
+// Where reports go that are written without memory of the plug-in's own.
+struct noted_t {
+  char text[2048];
+};
+void note(void* context, const char*, vlt_log_level_t, const char* text) {
+  std::strncpy(static_cast<noted_t*>(context)->text, text, sizeof(noted_t) - 1);
+}
+
+TEST_F(Failures, UnusuallyLongReportIsCutWithoutMemory) {
   const auto codec = CodecFixture::codec();
-  Message message = inventory(text("4711"));
+  const std::string id(1000, 'x');
+  Message message = inventory(text(id.c_str()));
+  noted_t noted{};
+  standin_set_log_sink(note, &noted);
   try {
     throw std::runtime_error("boom");
   } catch (const std::exception&) {
     const NoMemory none;
     EXPECT_FALSE(codec->handleException(message, false));
   }
-  EXPECT_THAT(takeLog(), IsEmpty());
+  const std::string whole = dropped(" ('id' = '" + id + "'): boom").text;
+  const std::string label = std::string("<") + CATEGORY + "> ";
+  EXPECT_EQ(noted.text, whole.substr(0, label.size() + 511));
+  reportInFlight(*codec, message, false, std::runtime_error("boom"));
+  EXPECT_EQ(noted.text, whole);
+  standin_set_log_sink(nullptr, nullptr);
+}
+
+TEST_F(Failures, WithoutMemoryTheFaultIsStillReported) {
+  for (const bool has_id : {true, false}) {
+    const auto codec = CodecFixture::codec();
+    Message message = notification("a/b/alarms/1", has_id ? map_of("id", text("1")) : map_of());
+    standin_fail_allocations_from(1);
+    codec->sendBatchTowardsHost(&message, &message + 1);
+    standin_fail_allocation(0);
+    EXPECT_THAT(takeLog(), ElementsAre(dropped(std::string(has_id ? " ('id' = '1')" : "") +
+                                               ": Required key 'source' missing from message "
+                                               "payload")));
+    EXPECT_EQ(message.getPayload(), has_id ? data_t(map_of("id", text("1"))) : data_t());
+    EXPECT_EQ(message.getMetadataMap().table(), nullptr);
+  }
+}
+
+TEST_F(Failures, IdThatTheBuilderTookIsLostWithoutMemory) {
+  const auto codec = CodecFixture::codec();
+  Message message = alarm();
+  standin_fail_allocations_from(2); // the first one is the event's type
+  codec->sendBatchTowardsHost(&message, &message + 1);
+  standin_fail_allocation(0);
+  EXPECT_THAT(takeLog(), ElementsAre(dropped(" ('id' = '1'): std::bad_alloc")));
+  EXPECT_TRUE(message.getPayload().empty());
 }
 
 } // namespace

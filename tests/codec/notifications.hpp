@@ -16,6 +16,7 @@
 namespace com::velanto::connectivity::test {
 
 using plugins::pulsar::PulsarMessageDisassembler;
+using plugins::pulsar::SpareParts;
 using plugins::pulsar::TivraMessageBuilder;
 
 using Conversion = std::unique_ptr<TivraMessageBuilder>(PulsarMessageDisassembler&);
@@ -23,8 +24,9 @@ using Conversion = std::unique_ptr<TivraMessageBuilder>(PulsarMessageDisassemble
 // A builder of no particular kind.
 class PlainBuilder final : public TivraMessageBuilder {
  public:
-  explicit PlainBuilder(data_t&& id = text("42"), data_t&& type = text("a.b.Type"))
-      : TivraMessageBuilder(std::move(id), std::move(type)) {}
+  explicit PlainBuilder(data_t&& id = text("42"), data_t&& type = text("a.b.Type"),
+                        SpareParts&& spares = SpareParts())
+      : TivraMessageBuilder(std::move(id), std::move(type), spares) {}
 };
 
 // The payload wrapped, as the conversions get it.
@@ -42,10 +44,6 @@ inline Message converted(Conversion* convert, map_t&& payload) {
 inline map_t fields_of(Conversion* convert, map_t&& payload) {
   Message message = converted(convert, std::move(payload));
   return std::move(message.getPayload().get<map_t>());
-}
-
-inline std::string conversion_error(Conversion* convert, map_t&& payload) {
-  return error_of([&] { converted(convert, std::move(payload)); });
 }
 
 inline void remove(map_t& map, const char* key) { map.erase(map.find(data_t(key))); }

@@ -1,6 +1,8 @@
-// The wrapped notification: where the type segment starts, and how the payload is handed out.
+// The wrapped notification: where the type segment starts, how the payload is handed out, and what a
+// dropped notification leaves.
 #include "codec/pulsar_message_disassembler.hpp"
 
+#include "codec/payload_fields.hpp"
 #include "tests/codec/notifications.hpp"
 #include "tests/support/stderr_capture.hpp"
 
@@ -15,6 +17,7 @@ class Disassembler : public HostFixture {
     return PulsarMessageDisassembler(Message(map_of(), map_of("pulsarPath", std::move(path))));
   }
 };
+class OnlyId : public HostFixture {};
 
 TEST_F(Disassembler, TypePointsIntoTheStoredPath) {
   const char* const path = "a/b/alarms/1";
@@ -26,38 +29,76 @@ TEST_F(Disassembler, TypePointsIntoTheStoredPath) {
 }
 
 TEST_F(Disassembler, MissingPathIsReported) {
-  const PulsarMessageDisassembler none;
+  const PulsarMessageDisassembler none = wrapped(map_of());
   EXPECT_EQ(error_of([&] { (void)none.getStartCharOfMessageType(); }), "No Pulsar path found");
-  const PulsarMessageDisassembler other(Message(map_of(), map_of("pulsarpath", text("a/b/c"))));
-  EXPECT_EQ(error_of([&] { (void)other.getStartCharOfMessageType(); }), "No Pulsar path found");
 }
 
-TEST_F(Disassembler, RemainingPayloadIsMovedOutAndAnEmptyMapStays) {
+TEST_F(Disassembler, RemainingPayloadIsMovedOutOnce) {
   data_t payload = map_of("a", whole(1));
   const std::uint64_t table = block_of(payload);
   PulsarMessageDisassembler notification = wrapped(std::move(payload));
   const map_t remaining = notification.extractRemainingPayload();
   EXPECT_EQ(block_of(remaining), table);
-  EXPECT_EQ(block_of(notification.getPayloadMap()), 0U);
   EXPECT_TRUE(notification.extractRemainingPayload().empty());
 }
 
-TEST_F(Disassembler, PayloadThatIsNoMapIsTheTypedGetsError) {
+TEST_F(Disassembler, PayloadThatIsNoMapIsReported) {
   PulsarMessageDisassembler string = wrapped(text("a"));
   std::string error;
   stderr_of([&] { error = error_of([&] { (void)string.extractRemainingPayload(); }); });
   EXPECT_EQ(error, "Incorrect type in get (you asked for map but it's actually string)");
-  stderr_of([&] { error = error_of([&] { (void)string.getPayloadMap(); }); });
-  EXPECT_EQ(error, "Incorrect type in get (you asked for map but it's actually string)");
-  PulsarMessageDisassembler nothing;
-  EXPECT_EQ(error_of([&] { (void)nothing.extractRemainingPayload(); }), "Get from empty");
 }
 
-TEST_F(Disassembler, MoveAssignmentTakesTheNotificationOver) {
-  PulsarMessageDisassembler notification;
-  notification = at_path(text("a/b/events/1"));
-  EXPECT_STREQ(notification.getStartCharOfMessageType(), "events/1");
-  EXPECT_TRUE(notification.getPayloadMap().empty());
+// ---- what a dropped notification leaves
+
+TEST_F(OnlyId, IsMadeOfTheNotificationsOwnBlocks) {
+  for (const bool extracted : {false, true}) {
+    map_t payload = map_of("a", list_of(whole(1)), "id", text("4711"), "b", text("x"));
+    const std::uint64_t id = block_of(at(payload, "id"));
+    const std::uint64_t key = key_block_of(payload, text("id"));
+    const std::uint64_t table = block_of(payload);
+    PulsarMessageDisassembler notification = wrapped(std::move(payload));
+    if (extracted) (void)notification.holdId(extractField(notification, DATA_T_id));
+    standin_fail_allocations_from(1);
+    data_t left = notification.reduceToId("4711");
+    standin_fail_allocation(0);
+    ASSERT_TRUE(same(left, map_of("id", text("4711"))));
+    auto& only_id = left.get<map_t>();
+    EXPECT_EQ(block_of(only_id), table);
+    EXPECT_EQ(key_block_of(only_id, text("id")), key);
+    EXPECT_EQ(block_of(at(only_id, "id")), id);
+    EXPECT_EQ(only_id.table()->deleted, 0);
+  }
+}
+
+TEST_F(OnlyId, NothingIsLeftWithoutAnId) {
+  PulsarMessageDisassembler notification = wrapped(map_of("id", whole(4711)));
+  EXPECT_TRUE(notification.reduceToId(nullptr).empty());
+}
+
+TEST_F(OnlyId, BorrowedIdIsLeftAsAnOwnedOne) {
+  PulsarMessageDisassembler notification = wrapped(map_of("id", borrowed("4711")));
+  EXPECT_TRUE(same(notification.reduceToId("4711"), map_of("id", text("4711"))));
+}
+
+TEST_F(OnlyId, NullTextStaysOne) {
+  PulsarMessageDisassembler notification = wrapped(map_of("id", null_text()));
+  data_t left = notification.reduceToId("");
+  const data_t& id = at(left.get<map_t>(), "id");
+  EXPECT_EQ(id.type_tag(), VLT_TAG_STRING);
+  EXPECT_EQ(id.get<const char*>(), nullptr);
+}
+
+TEST_F(OnlyId, IdThatTheEventTookIsMadeAgain) {
+  // The text of the id, its key and the table.
+  for (const std::uint64_t n : {0U, 1U, 2U, 3U}) {
+    PulsarMessageDisassembler notification = wrapped(map_t());
+    standin_fail_allocation(n);
+    const data_t left = notification.reduceToId("4711");
+    EXPECT_EQ(standin_failed_allocations(), n == 0 ? 0U : 1U);
+    standin_fail_allocation(0);
+    EXPECT_EQ(left, n == 0 ? data_t(map_of("id", text("4711"))) : data_t()) << n;
+  }
 }
 
 } // namespace

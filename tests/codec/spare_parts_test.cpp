@@ -5,9 +5,7 @@
 
 #include <array>
 #include <set>
-#include <utility>
 
-#include "codec/constants.hpp"
 #include "tests/codec/notifications.hpp"
 #include "tests/support/failing_allocations.hpp"
 #include "tests/value/tables.hpp"
@@ -193,80 +191,6 @@ TEST_F(SparePartsTest, TableOfAnEmptiedMapIsKept) {
   const map_t taken = spares.takeMap();
   ASSERT_EQ(block_of(taken), block);
   EXPECT_EQ(counts_of(taken), (counts_t{0, 8, 0}));
-}
-
-// ---- whole collections
-
-TEST_F(SparePartsTest, MovingTakesAllPartsAlong) {
-  SpareParts source;
-  const std::uint64_t first = keepCopy(source, DATA_T_);
-  const std::uint64_t last = keepCopy(source, OPERATION_TYPE_DATA_T);
-  const std::uint64_t table = keepTable(source);
-  standin_reset_calls();
-  SpareParts target(std::move(source));
-  const data_t first_taken = target.take(DATA_T_);
-  const data_t last_taken = target.take(OPERATION_TYPE_DATA_T);
-  const map_t map = target.takeMap();
-  EXPECT_EQ(source.takeMap().table(), nullptr);
-  EXPECT_EQ(standin_calls_total(), 0);
-  EXPECT_EQ(block_of(first_taken), first);
-  EXPECT_EQ(block_of(last_taken), last);
-  EXPECT_EQ(block_of(map), table);
-}
-
-TEST_F(SparePartsTest, WhatWasMovedFromIsEmptyAndCanBeUsedOn) {
-  SpareParts source;
-  const std::uint64_t moved = keepCopy(source, DATA_T_id);
-  for (int i = 0; i < 4; ++i) keepTable(source);
-  const SpareParts target(std::move(source));
-  EXPECT_NE(block_of(source.take(DATA_T_id)), moved);
-  const std::uint64_t copy = keepCopy(source, DATA_T_id);
-  const std::uint64_t table = keepTable(source);
-  standin_reset_calls();
-  const data_t copy_taken = source.take(DATA_T_id);
-  const map_t map = source.takeMap();
-  EXPECT_EQ(standin_calls_total(), 0);
-  EXPECT_EQ(block_of(copy_taken), copy);
-  EXPECT_EQ(block_of(map), table);
-}
-
-TEST_F(SparePartsTest, AssignmentFreesWhatTheTargetHad) {
-  SpareParts target;
-  keepCopy(target, DATA_T_id);
-  keepCopy(target, DATA_T_time);
-  for (int i = 0; i < 2; ++i) keepTable(target);
-  SpareParts source;
-  const std::uint64_t copy = keepCopy(source, DATA_T_time);
-  const std::uint64_t table = keepTable(source);
-  const std::int64_t before = standin_live_blocks_total();
-  target = std::move(source);
-  EXPECT_EQ(standin_live_blocks_total(), before - 4);
-  EXPECT_EQ(block_of(target.take(DATA_T_time)), copy);
-  EXPECT_EQ(block_of(target.takeMap()), table);
-  EXPECT_EQ(target.takeMap().table(), nullptr);
-  EXPECT_TRUE(same(target.take(DATA_T_id), text("id")));
-}
-
-TEST_F(SparePartsTest, AssignmentToItselfKeepsThem) {
-  SpareParts spares;
-  const std::uint64_t copy = keepCopy(spares, DATA_T_id);
-  const std::uint64_t table = keepTable(spares);
-  SpareParts& alias = spares;
-  standin_reset_calls();
-  spares = std::move(alias);
-  const data_t copy_taken = spares.take(DATA_T_id);
-  const map_t map = spares.takeMap();
-  EXPECT_EQ(standin_calls_total(), 0) << "freed and made again";
-  EXPECT_EQ(block_of(copy_taken), copy);
-  EXPECT_EQ(block_of(map), table);
-}
-
-TEST_F(SparePartsTest, LendingLeavesWhatTheCalleeDoesNotTake) {
-  SpareParts spares;
-  keepCopy(spares, DATA_T_id);
-  const std::uint64_t time = keepCopy(spares, DATA_T_time);
-  [](SpareParts&& lent) { static_cast<void>(lent.take(DATA_T_id)); }(spares.lend());
-  EXPECT_EQ(block_of(spares.take(DATA_T_time)), time);
 }
 
 } // namespace

@@ -70,14 +70,11 @@ TEST_F(LoggerTest, EnabledIsUpToTheLevelOfItsOwnCategory) {
 TEST_F(LoggerTest, NothingIsDoneBelowTheLevel) {
   standin_set_log_level("c", 2);
   const Logger logger("c");
-  const std::string costly(1000, 'x');
   standin_reset_calls();
-  const std::int64_t before = allocationsMade();
-  logger.log(3, costly.c_str(), "a");
-  logger.log(3, costly.c_str(), "a", "b");
-  logger.log<3>(costly.c_str(), "a");
-  logger.log<6>(costly.c_str(), "a");
-  EXPECT_EQ(allocationsMade(), before);
+  logger.log(3, "%s", "a");
+  logger.log(3, "%s %s", "a", "b");
+  logger.log<3>("%s", "a");
+  logger.log<6>("%s", "a");
   EXPECT_EQ(standin_calls_total(), 0);
 }
 
@@ -152,18 +149,20 @@ TEST_F(LoggerTest, ReportBelowTheLevelIsNotWritten) {
   EXPECT_EQ(takeLog(), lines_t{});
 }
 
-TEST_F(LoggerTest, FailureInsideTheReportLosesTheReportOnly) {
+TEST_F(LoggerTest, ReportTakesNoMemoryOfThePluginsOwn) {
   const Logger logger("c");
+  int lines = 0;
+  standin_set_log_sink([](void* context, const char*, vlt_log_level_t,
+                          const char*) { ++*static_cast<int*>(context); },
+                       &lines);
   try {
     throw std::runtime_error("boom");
-  } catch (const std::exception& e) {
-    {
-      const NoMemory memory;
-      handleException(logger, 2, "start");
-    }
-    EXPECT_STREQ(e.what(), "boom");
+  } catch (const std::exception&) {
+    const NoMemory memory;
+    handleException(logger, 2, "start");
   }
-  EXPECT_EQ(takeLog(), lines_t{});
+  standin_set_log_sink(nullptr, nullptr);
+  EXPECT_EQ(lines, 1);
 }
 
 } // namespace

@@ -17,8 +17,8 @@ class BarePlugin : public Plugin {
  public:
   BarePlugin()
       : Plugin(PluginConstructorParameters("codec", "chain", map_t(), firstHandle, secondHandle)) {}
-  using Plugin::getFirstHandle;
-  using Plugin::getSecondHandle;
+  using Plugin::handle1;
+  using Plugin::handle2;
   using Plugin::userStatusReporter;
 };
 
@@ -87,8 +87,8 @@ TEST_F(PluginTest, LevelIsAskedForOnce) {
 
 TEST_F(PluginTest, HandlesAreKeptUnread) {
   const BarePlugin plugin;
-  EXPECT_EQ(plugin.getFirstHandle(), firstHandle);
-  EXPECT_EQ(plugin.getSecondHandle(), secondHandle);
+  EXPECT_EQ(plugin.handle1, firstHandle);
+  EXPECT_EQ(plugin.handle2, secondHandle);
 }
 
 TEST_F(PluginTest, HasNoStatusReporterUntilItMakesOne) {

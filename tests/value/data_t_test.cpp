@@ -67,13 +67,6 @@ TEST_F(DataT, NullTextIsRefused) {
             "Cannot use a null char* as a data_t value (consider using an empty data_t() instead)");
 }
 
-TEST_F(DataT, RequiredTextIsItselfOrRefused) {
-  const char* const given = "id";
-  EXPECT_EQ(requireText(given), given);
-  EXPECT_EQ(error_of([] { requireText(nullptr); }),
-            "Cannot use a null char* as a data_t value (consider using an empty data_t() instead)");
-}
-
 TEST_F(DataT, TextThatFindsNoMemoryIsBadAlloc) {
   EXPECT_EQ(fail_each_allocation([] { data_t("text"); }, [] {}), 1u);
 }

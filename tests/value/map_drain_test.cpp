@@ -123,97 +123,6 @@ TEST_F(MapDrain, IntoAMapThatCannotGrowFreesTheRest) {
   EXPECT_EQ(fail_each_allocation(attempt, verify), 21u) << "19 copied, 2 tables of the target";
 }
 
-// ---- extract_if
-
-using MapExtractIf = PlacedKeys;
-
-TEST_F(MapExtractIf, AsksForAllEntriesInTheOrderOfIterationAndRemovesTheChosen) {
-  map_t map = with_keys("6", "2", "14", "0", "22", "5");
-  map.erase(map.find(text("0")));
-  std::vector<std::uint64_t> asked;
-  data_t taken;
-  map.extract_if([&](map_entry_t&& entry) {
-    asked.push_back(entry.hash);
-    if (entry.hash == 2) taken = std::move(entry.value);
-    return entry.hash == 2 || entry.hash == 14;
-  });
-  EXPECT_EQ(asked, (std::vector<std::uint64_t>{22, 2, 5, 6, 14}));
-  EXPECT_EQ(taken, text("2"));
-  EXPECT_EQ(counts_of(map), (counts_t{3, 8, 3}));
-  for (const std::int64_t slot : {2, 7}) {
-    EXPECT_TRUE(slot_at(map, slot).is_deleted()) << slot;
-    EXPECT_TRUE(is_zeroed(slot_at(map, slot).key)) << slot;
-    EXPECT_TRUE(is_zeroed(slot_at(map, slot).value)) << slot;
-  }
-  for (const char* key : {"6", "22", "5"}) EXPECT_EQ(at(map, key), text(key));
-}
-
-TEST_F(MapExtractIf, NothingChosenChangesNothing) {
-  map_t map = with_keys("6", "2", "14");
-  const map_t before = map.copy();
-  map.extract_if([](map_entry_t&&) { return false; });
-  expect_same_slots(map, before);
-}
-
-TEST_F(MapExtractIf, NothingIsAskedOfMapsWithoutEntries) {
-  const auto never = [](map_entry_t&&) {
-    ADD_FAILURE();
-    return true;
-  };
-  map_t none;
-  map_t no_slots = table_of(0);
-  map_t no_entries = with_keys("3");
-  EXPECT_TRUE(no_entries.extract(text("3")));
-  for (map_t* map : {&none, &no_slots, &no_entries}) map->extract_if(never);
-  EXPECT_EQ(none.table(), nullptr);
-  EXPECT_EQ(counts_of(no_entries), (counts_t{0, 8, 1}));
-}
-
-TEST_F(MapExtractIf, ExceptionKeepsTheEntryAndThoseBehindIt) {
-  map_t map = with_keys("1", "3", "5", "7");
-  const auto throwing = [](map_entry_t&& entry) {
-    if (entry.hash == 3) throw std::runtime_error("enough");
-    return true;
-  };
-  EXPECT_EQ(error_of([&] { map.extract_if(throwing); }), "enough");
-  EXPECT_EQ(counts_of(map), (counts_t{3, 8, 1}));
-  EXPECT_FALSE(has(map, "1"));
-  for (const char* key : {"3", "5", "7"}) EXPECT_EQ(at(map, key), text(key));
-}
-
-// ---- all_entries
-
-using MapAllEntries = PlacedKeys;
-
-TEST_F(MapAllEntries, AreAskedInTheOrderOfIterationUpToTheFirstThatDoesNotHold) {
-  map_t map = with_keys("6", "2", "14", "0", "22", "5");
-  map.erase(map.find(text("0")));
-  std::vector<std::uint64_t> asked;
-  const auto up_to = [&](std::uint64_t last) {
-    asked.clear();
-    return map.all_entries([&](const map_entry_t& entry) {
-      asked.push_back(entry.hash);
-      return entry.hash != last;
-    });
-  };
-  EXPECT_TRUE(up_to(99));
-  EXPECT_EQ(asked, (std::vector<std::uint64_t>{22, 2, 5, 6, 14}));
-  EXPECT_FALSE(up_to(5));
-  EXPECT_EQ(asked, (std::vector<std::uint64_t>{22, 2, 5}));
-  EXPECT_FALSE(up_to(14));
-  EXPECT_EQ(counts_of(map), (counts_t{5, 8, 1}));
-}
-
-TEST_F(MapAllEntries, HoldForMapsThatHaveNone) {
-  const auto never = [](const map_entry_t&) { return false; };
-  map_t emptied = with_keys("3");
-  EXPECT_FALSE(emptied.all_entries(never));
-  EXPECT_TRUE(emptied.extract(text("3")));
-  EXPECT_TRUE(emptied.all_entries(never));
-  EXPECT_TRUE(map_t().all_entries(never));
-  EXPECT_TRUE(table_of(0).all_entries(never));
-}
-
 // ---- clear
 
 using MapClear = PlacedKeys;
@@ -280,6 +189,18 @@ TEST_F(MapClear, ValueOfASlotWithoutAnEntryIsNobodys) {
   EXPECT_EQ(counts_of(map), (counts_t{0, 8, 0}));
   expect_free_slots(map);
   EXPECT_STREQ(elsewhere.get<const char*>(), "v");
+}
+
+TEST_F(MapClear, FreesEntriesBeyondTheCountOfTheHead) {
+  const std::int64_t before = standin_live_blocks_total();
+  {
+    map_t map = with_keys("1", "3", "5");
+    head_of(map).live = 1;
+    map.clear();
+    EXPECT_EQ(standin_live_blocks_total(), before + 1) << "the table";
+    EXPECT_EQ(counts_of(map), (counts_t{0, 8, 0}));
+  }
+  EXPECT_EQ(standin_live_blocks_total(), before);
 }
 
 TEST_F(MapClear, TableIsThenUsedAsAFreshOne) {

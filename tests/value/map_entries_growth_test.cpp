@@ -78,7 +78,9 @@ class MapEntryTwins : public HostFixture {
 
 void insert_entry(map_t& map, map_entry_t&& entry) { map.insert(std::move(entry)); }
 void assign_entry(map_t& map, map_entry_t&& entry) { map.assign(std::move(entry)); }
-void add_entry(map_t& map, map_entry_t&& entry) { map.add(std::move(entry)); }
+void add_entry(map_t& map, map_entry_t&& entry) {
+  map.add(entry.hash, std::move(entry.key), std::move(entry.value));
+}
 
 TEST_F(MapEntryTwins, Insert) { expect_twins(insert_entry); }
 TEST_F(MapEntryTwins, Assign) { expect_twins(assign_entry); }

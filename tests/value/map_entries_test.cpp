@@ -23,17 +23,16 @@ constexpr way_t INSERT{"insert",
                        [](map_t& map, map_entry_t&& entry) { map.insert(std::move(entry)); }};
 constexpr way_t ASSIGN{"assign",
                        [](map_t& map, map_entry_t&& entry) { map.assign(std::move(entry)); }};
-constexpr way_t ADD{"add", [](map_t& map, map_entry_t&& entry) { map.add(std::move(entry)); }};
-constexpr way_t ADD_PARTS{"add_parts", [](map_t& map, map_entry_t&& entry) {
-                            map.add(entry.hash, std::move(entry.key), std::move(entry.value));
-                          }};
+constexpr way_t ADD{"add", [](map_t& map, map_entry_t&& entry) {
+                      map.add(entry.hash, std::move(entry.key), std::move(entry.value));
+                    }};
 
 class MapEntryAbsent : public PlacedKeys, public ::testing::WithParamInterface<way_t> {
  protected:
   static void put(map_t& map, map_entry_t&& entry) { GetParam().put(map, std::move(entry)); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Ways, MapEntryAbsent, ::testing::Values(INSERT, ASSIGN, ADD, ADD_PARTS),
+INSTANTIATE_TEST_SUITE_P(Ways, MapEntryAbsent, ::testing::Values(INSERT, ASSIGN, ADD),
                          [](const auto& named) { return named.param.name; });
 
 TEST_P(MapEntryAbsent, IsMovedIntoItsSlot) {
@@ -101,52 +100,6 @@ TEST_P(MapEntryAbsent, MayHaveHashZeroOrOne) {
   EXPECT_EQ(slot_of(map, "0 again"), 2);
   EXPECT_EQ(slot_of(map, "1 again"), 3);
   for (const char* key : {"0", "1", "0 again", "1 again"}) EXPECT_EQ(at(map, key), text(key));
-}
-
-// ---- a first table
-
-using MapFirstTable = PlacedKeys;
-
-TEST_F(MapFirstTable, IsEmptyAndTheOneThatAnInsertionMakes) {
-  standin_reset_calls();
-  const map_t map = map_t::with_first_table();
-  ASSERT_NE(map.table(), nullptr);
-  EXPECT_EQ(standin_calls(STANDIN_ALLOCATE_MAP), 1);
-  EXPECT_EQ(standin_calls_total(), 1);
-  EXPECT_EQ(counts_of(map), (counts_t{0, map_t::FIRST_CAPACITY, 0}));
-}
-
-TEST_F(MapFirstTable, IsFilledAsByAdding) {
-  map_t map = map_t::with_first_table();
-  map_t added;
-  for (const char* key : {"6", "14", "22", "0", "3", "1", "7"}) { // four wrap or are displaced
-    map.add_to_first_table(std::strtoull(key, nullptr, 10), text(key), text(key));
-    added.add(entry_of(key, text(key)));
-    expect_same_slots(map, added);
-  }
-}
-
-TEST_F(MapFirstTable, TombstonesAreReusedAndStillCounted) {
-  map_t map = with_keys("3", "11", "19");
-  EXPECT_TRUE(map.extract(text("11")));
-  map.add_to_first_table(27, text("27"), whole(27));
-  EXPECT_EQ(slot_of(map, "27"), 4);
-  EXPECT_EQ(counts_of(map), (counts_t{3, 8, 1}));
-}
-
-TEST_F(MapFirstTable, KeyAndValueAreMovedWithoutTheHost) {
-  map_t map = map_t::with_first_table();
-  data_t key = text("3");
-  data_t value = list_of(text("v"));
-  const std::uint64_t key_block = content_bits(key);
-  const std::uint64_t value_block = content_bits(value);
-  standin_reset_calls();
-  map.add_to_first_table(3, std::move(key), std::move(value));
-  EXPECT_EQ(standin_calls_total(), 0);
-  EXPECT_EQ(content_bits(slot_at(map, 3).key), key_block);
-  EXPECT_EQ(content_bits(slot_at(map, 3).value), value_block);
-  EXPECT_TRUE(is_zeroed(key));
-  EXPECT_TRUE(is_zeroed(value));
 }
 
 // ---- a present key

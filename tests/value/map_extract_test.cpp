@@ -51,15 +51,6 @@ TEST_F(MapFind, SearchesPastTombstonesAndEndsInATableWithoutFreeSlots) {
   EXPECT_EQ(map.find_value(text("6")), nullptr);
 }
 
-TEST_F(MapFind, EntryIsTheWholeSlot) {
-  const map_t map = with_keys("3", "11", "7", "15");
-  for (const char* key : {"3", "11", "7", "15"}) {
-    EXPECT_EQ(map.find_entry(text(key)), &slot_at(map, slot_of(map, key))) << key;
-  }
-  EXPECT_EQ(map.find_entry(text("19")), nullptr);
-  EXPECT_EQ(map_t().find_entry(text("3")), nullptr);
-}
-
 TEST_F(MapFind, CustomKeyIsRefused) {
   const map_t map = with_keys("3");
   const data_t key = list_of(custom(1));
@@ -137,32 +128,6 @@ TEST_F(MapExtract, InPlaceAsksNothingForAnAbsentKey) {
 TEST_F(MapExtract, ExceptionInPlaceKeepsTheEntry) {
   map_t map = with_keys("3", "11");
   EXPECT_THROW(map.extract(text("3"), [](map_entry_t&&) { throw 1; }), int);
-  EXPECT_EQ(at(map, "3"), text("3"));
-  EXPECT_EQ(counts_of(map), (counts_t{2, 8, 0}));
-}
-
-TEST_F(MapExtract, FoundEntryIsTakenOutWithoutAnotherLookup) {
-  map_t map = with_keys("3", "11", "19");
-  const map_entry_t* const found = map.find_entry(text("11"));
-  const std::uint64_t value_block = content_bits(found->value);
-  data_t value;
-  standin_reset_calls();
-  map.extract(*found, [&](map_entry_t&& entry) {
-    EXPECT_EQ(&entry, found);
-    EXPECT_EQ(entry.hash, 11u);
-    value = std::move(entry.value);
-  });
-  EXPECT_EQ(standin_calls(STANDIN_FREE_STRING), 1) << "the key, which was left";
-  EXPECT_EQ(standin_calls_total(), 1);
-  EXPECT_EQ(content_bits(value), value_block);
-  EXPECT_TRUE(slot_at(map, 4).is_deleted());
-  EXPECT_EQ(counts_of(map), (counts_t{2, 8, 1}));
-  EXPECT_EQ(at(map, "19"), text("19"));
-}
-
-TEST_F(MapExtract, FoundEntryStaysWhenItsUseThrows) {
-  map_t map = with_keys("3", "11");
-  EXPECT_THROW(map.extract(*map.find_entry(text("3")), [](map_entry_t&&) { throw 1; }), int);
   EXPECT_EQ(at(map, "3"), text("3"));
   EXPECT_EQ(counts_of(map), (counts_t{2, 8, 0}));
 }

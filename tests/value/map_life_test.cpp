@@ -164,6 +164,26 @@ TEST_F(MapCopy, CopiedValueKeepsTheTombstonesOfItsMap) {
   EXPECT_EQ(at(copy.get<map_t>(), "11"), text("11"));
 }
 
+TEST_F(MapCopy, StaleValuesOfVacantSlotsAreNotCopied) {
+  const map_t map = with_keys("3", "11");
+  put_tombstone(map, 0);
+  const data_t stale = text("freed elsewhere");
+  for (const std::int64_t vacant : {0, 1}) {
+    std::memcpy(static_cast<void*>(&slot_at(map, vacant).value), &stale, sizeof stale);
+  }
+  const std::int64_t before = standin_live_blocks_total();
+  {
+    const map_t copy = map.copy();
+    for (const std::int64_t vacant : {0, 1}) EXPECT_TRUE(is_zeroed(slot_at(copy, vacant).value));
+    EXPECT_TRUE(slot_at(copy, 0).is_deleted());
+    EXPECT_EQ(copy, map);
+  }
+  EXPECT_EQ(standin_live_blocks_total(), before);
+  for (const std::int64_t vacant : {0, 1}) {
+    std::memset(static_cast<void*>(&slot_at(map, vacant).value), 0, sizeof stale);
+  }
+}
+
 TEST_F(MapCopy, HashesOfZeroAndOneStayLive) {
   map_t copy = with_keys("0", "1").copy();
   EXPECT_EQ(at(copy, "0"), text("0"));

@@ -88,13 +88,6 @@ TEST_F(MapMemory, InsertIntoATableWithoutSlots) {
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 0}));
 }
 
-TEST_F(MapMemory, FirstTable) {
-  map_t map;
-  EXPECT_EQ(fail_each_allocation([&] { map = map_t::with_first_table(); }, [] {}), 1u);
-  ASSERT_NE(map.table(), nullptr);
-  EXPECT_EQ(counts_of(map), (counts_t{0, 8, 0}));
-}
-
 TEST_F(MapMemory, AddOfKeyAndValue) {
   data_t key = key_;
   data_t value = value_;

@@ -41,16 +41,17 @@ TEST_F(ManagedObjectConversion, ManyFieldsLieAsSingleAssignmentsLeaveThem) {
 }
 
 TEST_F(ManagedObjectBuilding, ListOfStringsIsStoredAnyOtherIsHandedBack) {
-  ManagedObjectBuilder builder(text("1"), text("n"), text("t"));
+  SpareParts spares;
+  ManagedObjectBuilder builder(text("1"), text("n"), spares);
   data_t clean = list_of(text("a"), borrowed("b"), null_text());
   data_t mixed = list_of(text("a"), data_t());
   const std::uint64_t mixed_block = block_of(mixed);
-  EXPECT_FALSE(builder.tryAddSupported(std::move(clean.get<list_t>()), text("ops")).has_value());
-  auto rest = builder.tryAddSupported(std::move(mixed.get<list_t>()), text("more"));
+  EXPECT_FALSE(builder.tryAddSupported(std::move(clean.get<list_t>()), DATA_T_supportedOperations).has_value());
+  auto rest = builder.tryAddSupported(std::move(mixed.get<list_t>()), DATA_T_supportedMeasurements);
   ASSERT_TRUE(rest.has_value());
   EXPECT_EQ(block_of(data_t(std::move(*rest))), mixed_block);
-  EXPECT_TRUE(same(at(builder.fields, "ops"), list_of(text("a"), borrowed("b"), null_text())));
-  EXPECT_FALSE(has(builder.fields, "more"));
+  EXPECT_TRUE(same(at(builder.fields, "supportedOperations"), list_of(text("a"), borrowed("b"), null_text())));
+  EXPECT_FALSE(has(builder.fields, "supportedMeasurements"));
 }
 
 } // namespace

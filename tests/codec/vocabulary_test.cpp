@@ -1,5 +1,5 @@
 // Every constant holds the text that its name tells, as a string of its own.
-#include "codec/constants.hpp"
+#include "codec/vocabulary.hpp"
 
 #include <gtest/gtest.h>
 
@@ -12,14 +12,16 @@ namespace com::velanto::connectivity::plugins::pulsar {
 namespace {
 
 struct constant_row_t {
-  const data_t& constant;
+  const constant_t& constant;
   const char* text;
 };
 
 void expectTexts(const std::vector<constant_row_t>& rows) {
   for (const constant_row_t& row : rows) {
-    EXPECT_EQ(row.constant.type_tag(), VLT_TAG_STRING) << row.text;
-    EXPECT_STREQ(row.constant.get<const char*>(), row.text);
+    const data_t& key = row.constant;
+    EXPECT_EQ(key.type_tag(), VLT_TAG_STRING) << row.text;
+    EXPECT_STREQ(key.get<const char*>(), row.text);
+    EXPECT_STREQ(row.constant.text(), row.text);
   }
 }
 
