@@ -51,6 +51,7 @@ class Replay {
   Terminal* terminal_; // null: there is no progress to be shown
   Direction direction_;
   std::ostream& diagnostics_;
+  std::optional<Progress> progress_; // outlives the consumers, which point at it
   const LogCapture capture_;
   std::optional<PluginLibrary> library_; // while the plug-in lives
   Consumers consumers_;
@@ -113,15 +114,14 @@ void Replay::drive(const std::vector<input_t>& inputs) {
 
 void Replay::replayAll(const std::vector<input_t>& inputs, ChainPool& pool) {
   LineReader reader(inputs, options_.repeat);
-  std::optional<Progress> progress;
   if (terminal_ != nullptr) {
-    consumers_.add(progress.emplace(*terminal_, [&reader] { return reader.fractionRead(); }));
+    consumers_.add(progress_.emplace(*terminal_, [&reader] { return reader.fractionRead(); }));
   }
   pool.run(reader, {[this](const record_t& record) { consumers_.take(record); },
                     [this](incidents_t& incidents) { reportIncidents(incidents); },
                     [this] { return consumers_.closed(); }, [this] { consumers_.pause(); }});
   if (isInterrupted()) worsen(EXIT_INTERRUPTED);
-  if (progress) consumers_.remove(*progress);
+  if (progress_) consumers_.remove(*progress_);
 }
 
 void Replay::reportIncidents(incidents_t& incidents) {

@@ -189,7 +189,8 @@ TEST_F(OstroviaReplayTest, QuietRunsStillReportFailures) {
 TEST_F(OstroviaReplayTest, ExamplesOfTheHelpWork) {
   folder_.write("recorded.ndjson", eventLine("1"));
   std::filesystem::copy(VLT_PLUGIN_PATH, folder_.path("next.so"));
-  for (const tools::example_row_t& example : tools::exampleTable()) {
+  tools::ReplayOptions options;
+  for (const tools::example_row_t& example : tools::replayTool(options).examples) {
     const result_t result = runShell(example.command);
     EXPECT_EQ(result.status, 0) << example.command << '\n' << result.diagnostics;
     EXPECT_NE(result.diagnostics.find("read 1, reached the host 1, "), std::string::npos)
