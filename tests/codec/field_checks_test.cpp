@@ -1,5 +1,5 @@
-// What counts as a number where the locale decides; all else is told by the lines of
-// tests/conformance/.
+// What counts as a number where the locale decides; all else is in the lines of
+// tools/check/conformance/.
 #include "codec/field_checks.hpp"
 
 #include <clocale>

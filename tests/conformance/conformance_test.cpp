@@ -1,83 +1,87 @@
-// Runs the data files beside this source: each line is a test of its own, named FILE.NAME, and a
-// line that cannot be read ends the program before any test runs.
-//
-//   (1) parse and check every file  (2) register its cases  (3) run what the filter selects
-#include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <memory>
-#include <set>
+// Runs the conformance files: each line is a test of its own, named FILE.NAME, and a line that
+// cannot be read ends the program before any test runs.
+#include <gtest/gtest.h>
+#include <unistd.h>
 
-#include "ndjson/json_reader.hpp"
-#include "tests/conformance/case_runner.hpp"
+#include <iostream>
+#include <set>
+#include <string>
+
+#include "tools/check/check.hpp"
+#include "tools/check/conformance/player.hpp"
+#include "tools/check/shared_file.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {
 
-struct line_t {
-  std::string name;
-  place_t place;
-  data_t json;
+using namespace tools::check;
+using tools::PluginLibrary;
+
+// Sends standard error to a file while it lives.
+class Redirected {
+ public:
+  explicit Redirected(int file) : before_(dup(STDERR_FILENO)) { dup2(file, STDERR_FILENO); }
+  Redirected(const Redirected&) = delete;
+  Redirected& operator=(const Redirected&) = delete;
+  ~Redirected() {
+    dup2(before_, STDERR_FILENO);
+    close(before_);
+  }
+
+ private:
+  int before_;
 };
 
-struct file_t {
-  std::string suite; // the file's name without its ending
+class Case : public ::testing::Test {
+ public:
+  Case(const PluginLibrary& library, const line_t& line) : library_(library), line_(line) {}
+
+ private:
+  void TestBody() override {
+    const SharedFile records;
+    const SharedFile printed;
+    Trial trial(VLT_PLUGIN_PATH, 0, records.descriptor(), printed.descriptor());
+    {
+      const Redirected redirected(printed.descriptor());
+      play(trial, library_, line_, Demand::advised);
+    }
+    EXPECT_EQ(trial.differences(), 0) << readWhole(records.descriptor());
+  }
+
+  const PluginLibrary& library_;
+  const line_t& line_;
+};
+
+std::vector<line_t> allLines() {
+  std::set<std::string_view> files;
   std::vector<line_t> lines;
-};
+  for (const embedded_t& embedded : embeddedLines()) {
+    if (!files.insert(embedded.file).second) continue;
+    for (line_t& line : readLines(embedded.file)) lines.push_back(std::move(line));
+  }
+  return lines;
+}
 
-line_t readLine(JsonReader& reader, const std::string& text, const place_t& place) {
-  try {
-    data_t json = reader.parseValue(text);
-    return {readCase(json).name, place, std::move(json)};
-  } catch (const std::exception& e) {
-    throw BadCase(place.file + ":" + std::to_string(place.line) + ": " + e.what());
+// `library` and `lines` outlive the tests.
+void registerTests(const PluginLibrary& library, const std::vector<line_t>& lines) {
+  for (const line_t& line : lines) {
+    const std::string file = line.file + ".ndjson";
+    ::testing::RegisterTest(line.file.c_str(), line.name.c_str(), nullptr, nullptr, file.c_str(),
+                            line.number, [&library, &line] { return new Case(library, line); });
   }
 }
 
-file_t readFile(const std::filesystem::path& path) {
-  std::ifstream input(path);
-  JsonReader reader;
-  file_t file{path.stem().string(), {}};
-  std::set<std::string> names;
-  std::string text;
-  for (place_t place{path.string(), 1}; std::getline(input, text); ++place.line) {
-    file.lines.push_back(readLine(reader, text, place));
-    if (names.insert(file.lines.back().name).second) continue;
-    throw BadCase(place.file + ":" + std::to_string(place.line) + ": repeated name " +
-                  file.lines.back().name);
-  }
-  if (!input.eof()) throw BadCase(path.string() + ": cannot be read");
-  if (file.lines.empty()) throw BadCase(path.string() + ": no case in it");
-  return file;
+TEST(HarnessFiles, HoldAtLeast1800Cases) {
+  EXPECT_GE(embeddedLines().size(), 1800U) << "cases have been lost";
 }
 
-std::vector<file_t> readFiles(const std::filesystem::path& folder) {
-  std::set<std::filesystem::path> paths;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    if (entry.path().extension() == ".ndjson") paths.insert(entry.path());
-  }
-  std::vector<file_t> files;
-  files.reserve(paths.size());
-  for (const auto& path : paths) files.push_back(readFile(path));
-  return files;
-}
-
-TEST(Harness, FilesHoldAtLeast250Cases) {
-  std::size_t count = 0;
-  for (const file_t& file : readFiles(VLT_CONFORMANCE_DATA)) count += file.lines.size();
-  EXPECT_GE(count, 250U) << "cases have been lost";
-}
-
-void registerTest(const PluginLibrary& library, const std::string& suite, const line_t& line) {
-  ::testing::RegisterTest(
-      suite.c_str(), line.name.c_str(), nullptr, nullptr, line.place.file.c_str(), line.place.line,
-      [&library, &line]() { return new CaseRunner(library, line.json, line.place); });
-}
-
-// `library` and `files` outlive the tests.
-void registerTests(const PluginLibrary& library, const std::vector<file_t>& files) {
-  for (const file_t& file : files) {
-    for (const line_t& line : file.lines) registerTest(library, file.suite, line);
+TEST(HarnessFiles, AreAllChecked) {
+  std::set<std::string> checks;
+  for (const check_t& check : allChecks()) checks.insert(check.name);
+  for (const embedded_t& embedded : embeddedLines()) {
+    std::string name = "conformance." + std::string(embedded.file);
+    std::replace(name.begin(), name.end(), '_', '-');
+    ASSERT_TRUE(checks.contains(name)) << name;
   }
 }
 
@@ -96,9 +100,9 @@ int main(int argc, char** argv) {
   using namespace com::velanto::connectivity::test;
   ::testing::InitGoogleTest(&argc, argv);
   try {
-    const PluginLibrary library(VLT_PLUGIN_PATH);
-    const std::vector<file_t> files = readFiles(VLT_CONFORMANCE_DATA);
-    registerTests(library, files);
+    const PluginLibrary library(VLT_PLUGIN_PATH, PluginLibrary::Version::any);
+    const std::vector<line_t> lines = allLines();
+    registerTests(library, lines);
     return runSelected();
   } catch (const std::exception& e) {
     std::cerr << e.what() << '\n';

@@ -3,21 +3,31 @@
 #include <gtest/gtest.h>
 
 #include "ndjson/json_reader.hpp"
-#include "tests/conformance/case.hpp"
-#include "tests/conformance/comparison.hpp"
 #include "tests/support/values.hpp"
+#include "tools/check/comparison.hpp"
+#include "tools/check/conformance/case.hpp"
 #include "value/hashes.hpp"
 #include "value/map_slot.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {
 
+using tools::check::case_t;
+using tools::check::readCase;
+using tools::check::ValueDecoder;
+
 data_t json(const char* written) { return JsonReader().parseValue(written); }
 
+template <class Value>
+std::string told(const Value& expected, const Value& came, const char* where = "it") {
+  const auto found = tools::check::difference(expected, came, where);
+  return found ? found->where + ": " + found->expected + " / " + found->came : "";
+}
+
 // The difference between two values that are written as in a data file.
-std::string between(const char* expected, const char* actual) {
+std::string between(const char* expected, const char* came) {
   ValueDecoder decoder;
-  return difference(decoder.decode(json(expected)), decoder.decode(json(actual)), "it");
+  return told(decoder.decode(json(expected)), decoder.decode(json(came)));
 }
 
 std::string faultOf(const char* line) {
@@ -59,39 +69,39 @@ TEST(HarnessComparison, TellsKindsAndContentsApart) {
     const char* actual;
     const char* told;
   } rows[] = {
-      {"5", "5.0", "it: expected integer 5, is double 5.0"},
-      {"5", "6", "it: expected integer 5, is integer 6"},
-      {"0.0", "-0.0", "it: expected double 0.0, is double -0.0"},
-      {"true", "false", "it: expected boolean true, is boolean false"},
-      {"\"\"", "null", "it: expected string \"\", is nothing"},
-      {"\"a\"", "\"b\"", "it: expected string \"a\", is string \"b\""},
-      {"\"a\"", R"({"$borrowed": "a"})", "it: expected string \"a\", is borrowed string \"a\""},
-      {"\"\"", R"({"$null_text": 5})", "it: expected string \"\", is string without a text"},
+      {"5", "5.0", "it: integer 5 / double 5.0"},
+      {"5", "6", "it: integer 5 / integer 6"},
+      {"0.0", "-0.0", "it: double 0.0 / double -0.0"},
+      {"true", "false", "it: boolean true / boolean false"},
+      {"\"\"", "null", "it: string \"\" / an empty value"},
+      {"\"a\"", "\"b\"", "it: string \"a\" / string \"b\""},
+      {"\"a\"", R"({"$borrowed": "a"})", "it: string \"a\" / borrowed string \"a\""},
+      {"\"\"", R"({"$null_text": 5})", "it: string \"\" / string without a text"},
       {R"({"$decimal": 1})", R"({"$decimal": 2})",
-       "it: expected decimal decimal(0x0000000000000001), is decimal decimal(0x0000000000000002)"},
-      {R"({"$custom": 1})", R"({"$custom": 2})", "it: expected custom custom, is custom custom"},
+       "it: decimal \"decimal(0x0000000000000001)\" / decimal \"decimal(0x0000000000000002)\""},
+      {R"({"$custom": 1})", R"({"$custom": 2})", "it: custom \"custom\" / custom \"custom\""},
       {R"({"$buffer": "a"})", R"({"$buffer": "b"})",
-       "it: expected buffer buffer(1 bytes), is buffer buffer(1 bytes)"},
+       "it: buffer \"buffer(1 bytes)\" / buffer \"buffer(1 bytes)\""},
       {R"({"$tag": 11})", R"({"$tag": 12})",
-       "it: expected Unknown unknown(11), is Unknown unknown(12)"},
-      {"[1]", "[1, 2]", "it: expected 1 elements, has 2"},
-      {"[1, 2]", "[1, 3]", "it[1]: expected integer 2, is integer 3"},
+       "it: Unknown \"unknown(11)\" / Unknown \"unknown(12)\""},
+      {"[1]", "[1, 2]", "it: 1 elements / 2 elements"},
+      {"[1, 2]", "[1, 3]", "it[1]: integer 2 / integer 3"},
   };
   for (const auto& row : rows) EXPECT_EQ(between(row.expected, row.actual), row.told);
 }
 
 TEST(HarnessComparison, TellsMissingAndExtraEntries) {
   EXPECT_EQ(between(R"({"a": {"b": 1}})", R"({"a": {}})"),
-            "it.\"a\".\"b\": missing, expected integer 1");
+            "it.\"a\".\"b\": integer 1 / no such entry");
   EXPECT_EQ(between(R"({"a": {}})", R"({"a": {"b": 1}})"),
-            "it.\"a\".\"b\": expected no such entry, is integer 1");
+            "it.\"a\".\"b\": no such entry / integer 1");
   EXPECT_EQ(between(R"({"$map": [[1, 2]]})", R"({"$map": [["1", 2]]})"),
-            "it.1: missing, expected integer 2");
+            "it.1: integer 2 / no such entry");
 }
 
 TEST(HarnessComparison, MapWithoutATableIsOneWithoutEntriesButNotTheReverse) {
   EXPECT_EQ(between("{}", R"({"$null_map": true})"), "");
-  EXPECT_EQ(between(R"({"$null_map": true})", "{}"), "it: expected no table, has {}");
+  EXPECT_EQ(between(R"({"$null_map": true})", "{}"), "it: no table / a table of 0");
 }
 
 TEST(HarnessComparison, TellsAKeyThatALookupDoesNotFind) {
@@ -102,18 +112,18 @@ TEST(HarnessComparison, TellsAKeyThatALookupDoesNotFind) {
   slot.key = text("a");
   slot.hash = hashes::key_hash(slot.key);
   table->live = 1;
-  EXPECT_EQ(difference(map, map, "it"), "it: string \"a\" is not where a lookup finds it");
+  EXPECT_EQ(told(map, map), "it.\"a\": an entry that a lookup finds / an entry in another place");
   table->live = 2;
-  EXPECT_EQ(difference(map, map, "it"), "it: counts other entries than it has");
+  EXPECT_EQ(told(map, map), "it, entries that the table counts: 1 / 2");
   table->live = 1;
 }
 
 TEST(HarnessComparison, MessagesDifferInMetadataToo) {
   const Message expected(text("x"), map_of("a", whole(1)));
-  EXPECT_EQ(difference(expected, Message(text("x"), map_of("a", whole(2))), "out 1"),
-            "out 1 metadata.\"a\": expected integer 1, is integer 2");
-  EXPECT_EQ(difference(expected, Message(text("y"), map_of("a", whole(1))), "out 1"),
-            "out 1 payload: expected string \"x\", is string \"y\"");
+  EXPECT_EQ(told(expected, Message(text("x"), map_of("a", whole(2)))),
+            "it metadata.\"a\": integer 1 / integer 2");
+  EXPECT_EQ(told(expected, Message(text("y"), map_of("a", whole(1)))),
+            "it payload: string \"x\" / string \"y\"");
 }
 
 TEST(HarnessFormat, MarkersGiveTheValuesTheyName) {
@@ -174,9 +184,16 @@ TEST(HarnessFormat, MistakesInALineAreNamed) {
 TEST(HarnessFormat, LogLinesGetTheLabelOfThePlugin) {
   const case_t read =
       readCase(json(R"({"name": "a", "in": [], "out": [], "log": ["3 a text", "-1 b"]})"));
-  const std::string category = "connectivity.codec.conformance";
-  EXPECT_EQ(read.log, (std::vector<log_line_t>{{category, 3, "<" + category + "> a text"},
-                                               {category, -1, "<" + category + "> b"}}));
+  const std::string category = "connectivity.codec.chain";
+  EXPECT_EQ(read.log, (tools::check::lines_t{"3 " + category + " <" + category + "> a text",
+                                             "-1 " + category + " <" + category + "> b"}));
+}
+
+TEST(HarnessFormat, MessagesThatAreExpectedAsTheyWereSentPass) {
+  EXPECT_TRUE(
+      readCase(json(R"({"name": "a", "in": [{"payload": 1}], "out": [{"payload": 1}]})")).passes);
+  EXPECT_FALSE(
+      readCase(json(R"({"name": "a", "in": [{"payload": 1}], "out": [{"payload": 2}]})")).passes);
 }
 
 } // namespace

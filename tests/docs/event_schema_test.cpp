@@ -9,12 +9,12 @@
 #include <set>
 
 #include "ndjson/json_reader.hpp"
-#include "tests/conformance/case.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/docs/replay_codec.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/stderr_capture.hpp"
 #include "tests/support/values.hpp"
+#include "tools/check/conformance/case.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -136,14 +136,11 @@ TEST_F(EventSchemaTest, EveryEventOfTheSamplesIsAccepted) {
 
 TEST_F(EventSchemaTest, EveryEventOfTheConformanceCasesIsAccepted) {
   const std::string direct = stderr_of([&] {
-    for (const std::string& name : ndjsonIn("tests/conformance")) {
-      for (const std::string& line : readDocument(name).lines) {
-        case_t played = readCase(reader_.parseValue(line));
-        if (!played.created || played.towards_transport) continue;
-        ReplayCodec codec(played.configuration);
-        expectAccepted(codec.hostGets(notificationsIn(std::move(played.in))),
-                       name + " " + played.name);
-      }
+    for (const auto& [file, line] : tools::check::embeddedLines()) {
+      tools::check::case_t played = tools::check::readCase(reader_.parseValue(line));
+      if (!played.created || played.towards_transport) continue;
+      ReplayCodec codec(played.configuration);
+      expectAccepted(codec.hostGets(notificationsIn(std::move(played.in))), played.name);
     }
   });
   EXPECT_EQ(seen_, ALL_TYPES);

@@ -5,16 +5,15 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <map>
 #include <optional>
 #include <set>
 
 #include "ndjson/json_reader.hpp"
-#include "tests/conformance/case.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/end_to_end/loaded_codec.hpp"
 #include "tests/support/pattern.hpp"
+#include "tools/check/conformance/case.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -24,6 +23,7 @@ constexpr const char* HOST_INTERFACE = "docs/host-interface.md";
 constexpr const char* PROGRAM = "tests/end_to_end/minimal_host.c";
 
 using names_t = std::set<std::string>;
+using tools::check::case_t;
 
 // In the order of standin_function_t.
 const std::array<std::string, STANDIN_FUNCTIONS> HOST_FUNCTIONS = {
@@ -181,14 +181,9 @@ TEST_F(HostInterface, VersionsAreThoseOfTheLibrary) {
 
 TEST_F(HostInterface, HostFunctionsHaveThePhasesOfTheTable) {
   static_cast<void>(stderr_of([&] {
-    for (const auto& file :
-         std::filesystem::directory_iterator(VLT_PROJECT_ROOT "/tests/conformance")) {
-      if (file.path().extension() != ".ndjson") continue;
-      const std::string name = "tests/conformance/" + file.path().filename().string();
-      for (const std::string& line : readDocument(name).lines) {
-        case_t played = readCase(reader_.parseValue(line));
-        play(played);
-      }
+    for (const auto& [file, line] : tools::check::embeddedLines()) {
+      case_t played = tools::check::readCase(reader_.parseValue(line));
+      play(played);
     }
   }));
   for (const auto& row : readTable(readDocument(HOST_INTERFACE), "Host function")) {

@@ -85,7 +85,7 @@ std::vector<std::string> ndjsonIn(const std::string& folder) {
 
 std::vector<std::string> documentNames() {
   std::vector<std::string> names;
-  for (const char* const folder : {"", "docs/", "samples/", "tests/conformance/"}) {
+  for (const char* const folder : {"", "docs/", "samples/", "tools/check/conformance/"}) {
     for (const auto& file :
          std::filesystem::directory_iterator(VLT_PROJECT_ROOT + std::string("/") + folder)) {
       if (file.path().extension() != ".md") continue;

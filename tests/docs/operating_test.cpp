@@ -9,10 +9,10 @@
 #include <string_view>
 
 #include "ndjson/json_reader.hpp"
-#include "tests/conformance/case.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/end_to_end/loaded_codec.hpp"
 #include "tests/support/allocations.hpp"
+#include "tools/check/conformance/case.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -132,16 +132,14 @@ class Operating : public HostFixture {
   }
 
   void playCases() {
-    for (const std::string& name : ndjsonIn("tests/conformance")) {
-      for (const std::string& line : readDocument(name).lines) {
-        case_t played = readCase(reader_.parseValue(line));
-        watch(name + " " + played.name, [&] { play(played); });
-      }
+    for (const auto& [file, line] : tools::check::embeddedLines()) {
+      tools::check::case_t played = tools::check::readCase(reader_.parseValue(line));
+      watch(std::string(file) + " " + played.name, [&] { play(played); });
     }
   }
 
   // In a chain of the default level unless the case has another.
-  void play(case_t& played) {
+  void play(tools::check::case_t& played) {
     standin_set_default_log_level(played.log_level);
     void* const codec =
         library_.create("codec", "chain", played.configuration.underlying(), nullptr, nullptr);

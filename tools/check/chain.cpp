@@ -97,11 +97,11 @@ PluginLibrary load(const Trial& trial) {
   return PluginLibrary(trial.path(), PluginLibrary::Version::any);
 }
 
-Codec::Codec(Trial& trial, const PluginLibrary& library, const data_t& configuration,
+Codec::Codec(Trial& trial, const PluginLibrary& library, const vlt_underlying_data_t* configuration,
              const char* name, const char* chain)
     : trial_(trial), library_(library) {
   guarded("create", [&] {
-    plugin_ = library.create(name, chain, configuration.underlying(), nullptr, nullptr);
+    plugin_ = library.create(name, chain, configuration, nullptr, nullptr);
     return 0;
   });
 }

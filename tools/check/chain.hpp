@@ -75,8 +75,11 @@ class Link {
 // difference, and the result then is -1.
 class Codec {
  public:
-  Codec(Trial& trial, const PluginLibrary& library, const data_t& configuration,
+  Codec(Trial& trial, const PluginLibrary& library, const vlt_underlying_data_t* configuration,
         const char* name = PLUGIN_NAME, const char* chain = CHAIN_NAME);
+  Codec(Trial& trial, const PluginLibrary& library, const data_t& configuration,
+        const char* name = PLUGIN_NAME, const char* chain = CHAIN_NAME)
+      : Codec(trial, library, configuration.underlying(), name, chain) {}
   Codec(const Codec&) = delete;
   Codec& operator=(const Codec&) = delete;
   ~Codec() { destroy(); }

@@ -8,7 +8,8 @@
 #include "ndjson/json_reader.hpp"
 #include "ndjson/json_writer.hpp"
 #include "standin/standin.h"
-#include "tools/check/same_content.hpp"
+#include "tools/check/comparison.hpp"
+#include "tools/check/conformance/value_decoder.hpp"
 #include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity::tools::check {
@@ -20,21 +21,6 @@ data_t adopted(std::uint32_t tag, vlt_underlying_content_t content) {
   raw.value = content;
   raw.tag = tag;
   return data_t::adopt(raw);
-}
-
-bool sameLists(Trial& trial, const std::string& where, const list_t& expected, const list_t& came) {
-  if (!trial.equal(where + ", elements", expected.size(), came.size())) return false;
-  for (std::size_t i = 0; i < expected.size(); ++i) {
-    if (!same(trial, where + "[" + std::to_string(i) + "]", expected[i], came[i])) return false;
-  }
-  return true;
-}
-
-// The kind, when JSON does not show it.
-std::string shownWithKind(const data_t& value) {
-  std::string kind = kind_name(value.type_tag());
-  if (value.type_tag() == VLT_TAG_BORROWED_STRING) kind = "borrowed string";
-  return value.empty() ? "an empty value" : kind + " " + shown(value);
 }
 
 // The tables and lists of a value are few and flat: recursion will do.
@@ -65,7 +51,7 @@ void appendBytes(std::string& bytes, const vlt_underlying_data_t& value) {
 
 data_t value(std::string_view json) {
   thread_local JsonReader reader;
-  return reader.parseValue(json);
+  return ValueDecoder().decode(reader.parseValue(json));
 }
 
 Message notification(const char* path, data_t&& payload) {
@@ -135,35 +121,8 @@ std::string shown(const Message& message) {
 }
 
 bool same(Trial& trial, const std::string& where, const data_t& expected, const data_t& came) {
-  if (expected.type_tag() == came.type_tag()) {
-    if (expected.type_tag() == VLT_TAG_MAP) {
-      return same(trial, where, expected.get<map_t>(), came.get<map_t>());
-    }
-    if (expected.type_tag() == VLT_TAG_LIST) {
-      return sameLists(trial, where, expected.get<list_t>(), came.get<list_t>());
-    }
-    if (sameContent(expected, came, NotANumber::sameBits)) return true;
-  }
-  return trial.holds(false, where, shownWithKind(expected), shownWithKind(came));
-}
-
-bool same(Trial& trial, const std::string& where, const map_t& expected, const map_t& came) {
-  for (const auto& [key, content] : expected) {
-    const std::string place = where + "." + shown(key);
-    const data_t* const found = came.find_value(key);
-    if (found == nullptr) {
-      return trial.holds(false, place, shownWithKind(content), "no such entry");
-    }
-    if (!same(trial, place, content, *found)) return false;
-  }
-  std::size_t entries = 0;
-  for (const auto& [key, content] : came) {
-    ++entries;
-    if (expected.find_value(key) == nullptr) {
-      return trial.holds(false, where + "." + shown(key), "no such entry", shownWithKind(content));
-    }
-  }
-  return trial.equal(where + ", entries that the table counts", entries, came.size());
+  const auto found = difference(expected, came, where);
+  return !found || trial.holds(false, found->where, found->expected, found->came);
 }
 
 std::string bytesOf(const data_t& value) {
@@ -172,15 +131,12 @@ std::string bytesOf(const data_t& value) {
   return bytes;
 }
 
-std::string bytesOf(const std::vector<Message>& messages) {
-  std::string bytes;
-  for (const Message& message : messages) {
-    appendBytes(bytes, *message.getPayload().underlying());
-    vlt_underlying_data_t metadata{};
-    metadata.tag = VLT_TAG_MAP;
-    metadata.value.map = const_cast<vlt_underlying_map_table_t*>(message.getMetadataMap().table());
-    appendBytes(bytes, metadata);
-  }
+std::string bytesOf(const Message& message) {
+  std::string bytes = bytesOf(message.getPayload());
+  vlt_underlying_data_t metadata{};
+  metadata.tag = VLT_TAG_MAP;
+  metadata.value.map = const_cast<vlt_underlying_map_table_t*>(message.getMetadataMap().table());
+  appendBytes(bytes, metadata);
   return bytes;
 }
 

@@ -1,5 +1,5 @@
 // What an event takes over from its notification is moved: each value and key is the same block as
-// before. What it becomes is told by the lines of tests/conformance/.
+// before. What it becomes is in the lines of tools/check/conformance/.
 #include <algorithm>
 #include <string_view>
 #include <vector>

@@ -1,5 +1,4 @@
-// The log: its lines, their categories and levels; and the events without a line.
-#include <algorithm>
+// The log: levels, categories and the cost of a trace. Its lines are in the conformance files.
 #include <string>
 #include <vector>
 
@@ -16,68 +15,12 @@ namespace {
 constexpr const char* CONFIGURATION = R"({"tenantId": "t1"})";
 constexpr vlt_log_level_t TRACE = 6;
 
-// The trace of a message whose payload the host renders as `payload`.
-std::string traceOf(const std::string& payload) {
-  return line(TRACE, R"(Processing message: Message<metadata={"pulsarPath": "a/b/inventory"}, )"
-                     "payload=" +
-                         payload + ">");
-}
-
 Message unknown(const std::string& id) {
   return notification("a/b/inventory", std::string_view(R"({"id": ")" + id + R"("})"));
 }
 
 std::string unknownLine(const std::string& id) {
   return dropped(" ('id' = '" + id + "'): Unrecognised Pulsar message type: 'inventory'");
-}
-
-// Both the stand-in and the checks know how the stand-in renders {"id": "…"}.
-std::string rendered(const std::string& id) { return R"({"id": ")" + id + R"("})"; }
-
-void trace(Trial& trial) {
-  Chain chain(trial, CONFIGURATION, TRACE);
-  std::vector<Message> batch;
-  batch.push_back(unknown("1"));
-  batch.push_back(unknown("2"));
-  batch.emplace_back(value("7"));
-  chain.send(std::move(batch));
-  chain.expectLog(
-      "two notifications and a plain message",
-      {traceOf(rendered("1")), unknownLine("1"), traceOf(rendered("2")), unknownLine("2")});
-}
-
-void traceOfGood(Trial& trial) {
-  Chain chain(trial, CONFIGURATION, 9);
-  chain.send(plainEvent("1"));
-  const lines_t lines = chain.log.take();
-  if (!trial.equal("lines", 1, lines.size())) return;
-  const std::string beginning =
-      line(TRACE, R"(Processing message: Message<metadata={"pulsarPath": )" + std::string("\"") +
-                      EVENT_PATH + R"("}, payload={)");
-  trial.equal("line", beginning, lines[0].substr(0, beginning.size()));
-}
-
-void traceIsCut(Trial& trial) {
-  Chain chain(trial, CONFIGURATION, TRACE);
-  const std::size_t around = rendered("").size();
-  const std::string fits(200 - around, 'x');
-  chain.send(unknown(fits));
-  chain.expectLog("a payload of 200 bytes", {traceOf(rendered(fits)), unknownLine(fits)});
-  const std::string longer = fits + "x";
-  chain.send(unknown(longer));
-  chain.expectLog("a payload of 201 bytes",
-                  {traceOf(rendered(longer).substr(0, 196) + " ..."), unknownLine(longer)});
-}
-
-void traceIsOneLine(Trial& trial) {
-  Chain chain(trial, CONFIGURATION, TRACE);
-  Message message = unknown("1");
-  message.getPayload() = value(R"("a\nb\r\nc")");
-  chain.send(std::move(message));
-  const lines_t lines = chain.log.take();
-  if (!trial.equal("lines", 2, lines.size())) return;
-  trial.holds(lines[0].find('\n') == std::string::npos && lines[0].find('\r') == std::string::npos,
-              "trace", "no line break", lines[0]);
 }
 
 void traceCosts(Trial& trial) {
@@ -149,7 +92,7 @@ void silentWhenGood(Trial& trial) {
   chain.codec.start();
   chain.codec.hostReady();
   std::vector<Message> batch;
-  for (const example_t& example : workedExamples()) batch.push_back(notificationOf(example));
+  for (const line_t& example : exampleLines()) batch.push_back(notificationOf(example));
   chain.send(std::move(batch));
   chain.codec.shutdown();
   chain.codec.destroy();
@@ -157,27 +100,7 @@ void silentWhenGood(Trial& trial) {
   trial.equal("standard output and error", "", trial.printed());
 }
 
-// A typed read of the wrong kind leaves a line on standard error; nothing else ever does.
-void wrongKindLine(Trial& trial) {
-  Chain chain(trial);
-  std::vector<Message> batch;
-  batch.push_back(unknown("1"));
-  batch.push_back(notification(EVENT_PATH, std::string_view(R"({"id": 5})")));
-  chain.send(std::move(batch));
-  trial.equal("standard error after other faults", "", trial.printed());
-  chain.send(notification(EVENT_PATH, std::string_view("5")));
-  const std::string printed = trial.printed();
-  trial.equal("lines on standard error for a payload that is no map", 1,
-              std::count(printed.begin(), printed.end(), '\n'));
-  trial.equal("standard error", "GetVisitor<", printed.substr(0, 11));
-}
-
 constexpr check_t LOG_CHECKS[] = {
-    {"log.trace", "at level 6 each notification is shown before it is touched, in one line", trace},
-    {"log.trace-of-good", "notifications that convert are traced as well, at higher levels too",
-     traceOfGood},
-    {"log.trace-is-cut", "a payload of more than 200 bytes is cut to 200", traceIsCut},
-    {"log.trace-is-one-line", "line breaks in a payload do not break the trace", traceIsOneLine},
     {"log.trace-costs", "a trace renders payload and metadata once each", traceCosts},
     {"log.no-trace-below", "below level 6 nothing is rendered and nothing traced", noTraceBelow},
     {"log.no-drops-below", "below level 3 dropped messages are not logged, failures of calls are",
@@ -188,8 +111,6 @@ constexpr check_t LOG_CHECKS[] = {
      levelOfCreation},
     {"log.silent-when-good", "without faults nothing is logged below 6 and nothing printed",
      silentWhenGood},
-    {"log.wrong-kind-line", "a read of a wrong kind prints one line, other faults none",
-     wrongKindLine},
 };
 
 } // namespace

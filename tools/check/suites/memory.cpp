@@ -60,10 +60,10 @@ bool isReport(const std::string& came, const std::string& id) {
 
 // Before or after the message's turn: its own is the only one that may be lost.
 void conversions(Trial& trial) {
-  for (const example_t& example : workedExamples()) {
+  for (const line_t& example : exampleLines()) {
     Chain chain(trial);
     withEachRefused(trial, [&](std::uint64_t n) {
-      const std::string where = std::string(example.shows) + ", " + nth(n);
+      const std::string where = example.place() + ", " + nth(n);
       const Books books;
       std::vector<Message> batch;
       batch.push_back(notificationOf(example));
@@ -135,10 +135,11 @@ void noneAtAll(Trial& trial) {
 
 void fromThenOn(Trial& trial) {
   Chain chain(trial);
+  const std::vector<line_t> examples = exampleLines();
   for (std::uint64_t n = 1; n <= 60; ++n) {
     const Books books;
     std::vector<Message> batch;
-    for (const example_t& example : workedExamples()) batch.push_back(notificationOf(example));
+    for (const line_t& example : examples) batch.push_back(notificationOf(example));
     standin_fail_allocations_from(n);
     const int result = chain.codec.towardsHost(batch);
     standin_fail_allocation(0);

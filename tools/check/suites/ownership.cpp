@@ -19,22 +19,23 @@ namespace {
 
 void eventsOwnTheirBlocks(Trial& trial) {
   Chain chain(trial);
-  for (const example_t& example : workedExamples()) {
+  for (const line_t& example : exampleLines()) {
     const Books books;
     const std::vector<Message> converted = chain.send(notificationOf(example));
-    expectOwnership(trial, example.shows, books.before(), converted);
+    expectOwnership(trial, example.place(), books.before(), converted);
   }
 }
 
 void aBatchOfEvents(Trial& trial) {
   Chain chain(trial);
+  const std::vector<line_t> examples = exampleLines();
   const Books books;
   std::vector<Message> batch;
   for (int i = 0; i < 3; ++i) {
-    for (const example_t& example : workedExamples()) batch.push_back(notificationOf(example));
+    for (const line_t& example : examples) batch.push_back(notificationOf(example));
   }
   std::vector<Message> converted = chain.send(std::move(batch));
-  trial.equal("events", 3 * workedExamples().size(), converted.size());
+  trial.equal("events", 3 * examples.size(), converted.size());
   expectOwnership(trial, "the events of a batch", books.before(), converted);
   converted.clear();
   books.expectBack(trial, "after freeing the events");

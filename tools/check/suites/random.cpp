@@ -83,8 +83,7 @@ void damage(Dice& dice, Message& message) {
   if (dice.below(12) == 0) payload = value(one(dice, VALUES));
 }
 
-Message dealt(Dice& dice, std::size_t number) {
-  const std::span<const example_t> examples = workedExamples();
+Message dealt(Dice& dice, const std::vector<line_t>& examples, std::size_t number) {
   Message message = notificationOf(examples[dice.below(examples.size())]);
   set(message.getPayload(), "id", data_t(std::to_string(number).c_str()));
   if (dice.below(2) == 0) damage(dice, message);
@@ -101,13 +100,14 @@ results_t sendAll(Trial& trial, std::size_t count, std::size_t largest) {
   Dice messages(trial.seed());
   Dice sizes(trial.seed() + 1);
   Chain chain(trial);
+  const std::vector<line_t> examples = exampleLines();
   results_t results;
   for (std::size_t number = 0; number < count;) {
     const Books books;
     std::vector<Message> batch;
     const std::size_t size = 1 + sizes.below(largest);
     for (; batch.size() < size && number < count; ++number) {
-      batch.push_back(dealt(messages, number));
+      batch.push_back(dealt(messages, examples, number));
     }
     trial.equal("result", 0, chain.codec.towardsHost(batch));
     for (const Message& event : chain.codec.host.messages) results.events.push_back(shown(event));

@@ -18,10 +18,7 @@ using suite_t = std::span<const check_t>;
 [[nodiscard]] suite_t lifecycleChecks();
 [[nodiscard]] suite_t nullsChecks();
 [[nodiscard]] suite_t batchesChecks();
-[[nodiscard]] suite_t conversionChecks();
-[[nodiscard]] suite_t errorsChecks();
-[[nodiscard]] suite_t passingChecks();
-[[nodiscard]] suite_t transportChecks();
+[[nodiscard]] suite_t conformanceChecks();
 [[nodiscard]] suite_t logChecks();
 [[nodiscard]] suite_t ownershipChecks();
 [[nodiscard]] suite_t memoryChecks();
@@ -29,11 +26,11 @@ using suite_t = std::span<const check_t>;
 [[nodiscard]] suite_t randomChecks();
 
 // In the order in which they run.
-[[nodiscard]] inline std::array<suite_t, 16> suites() {
-  return {libraryChecks(),   loadingChecks(), versionsChecks(),  configurationChecks(),
-          lifecycleChecks(), nullsChecks(),   batchesChecks(),   conversionChecks(),
-          errorsChecks(),    passingChecks(), transportChecks(), logChecks(),
-          ownershipChecks(), memoryChecks(),  threadsChecks(),   randomChecks()};
+[[nodiscard]] inline std::array<suite_t, 13> suites() {
+  return {libraryChecks(),   loadingChecks(),   versionsChecks(), configurationChecks(),
+          lifecycleChecks(), nullsChecks(),     batchesChecks(),  conformanceChecks(),
+          logChecks(),       ownershipChecks(), memoryChecks(),   threadsChecks(),
+          randomChecks()};
 }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -36,7 +36,8 @@ void __wrap_vlt_log_at(const char* category, vlt_log_level_t level, const char* 
   std::vsnprintf(text.data(), text.size(), format, arguments);
   va_end(arguments);
   if (has(Fault::logs_at_wrong_level) && level == 3) level = 4;
-  if (has(Fault::misses_traces) && level == 6 && std::strstr(text.data(), "tenant/")) return;
+  if (has(Fault::misses_traces) && level == 6 && std::strstr(text.data(), "managedobjects/"))
+    return;
   if (has(Fault::renders_twice) && level == 6) renderOnce();
   if (has(Fault::breaks_lines) && level == 6) {
     if (char* const escape = std::strstr(text.data(), "\\n")) escape[0] = escape[1] = '\n';

@@ -1,15 +1,17 @@
-#include "tests/conformance/case.hpp"
+#include "tools/check/conformance/case.hpp"
 
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <initializer_list>
-#include <string_view>
+#include <set>
 #include <typeinfo>
 
-#include "tests/support/values.hpp"
+#include "ndjson/json_reader.hpp"
+#include "tools/check/chain.hpp"
+#include "tools/check/values.hpp"
 
-namespace com::velanto::connectivity::test {
+namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
@@ -32,6 +34,12 @@ void refuseMember(const map_t& object, const char* name, const char* beside) {
   throw BadCase(std::string("\"") + name + "\" makes no sense beside " + beside);
 }
 
+map_t mapOf(std::initializer_list<std::pair<const char*, const char*>> texts) {
+  map_t map;
+  for (const auto& [key, text] : texts) map[data_t(key)] = data_t(text);
+  return map;
+}
+
 // (1) "metadata" as it is, or "path", or "event" with "channel"  (2) "payload"
 map_t readMetadata(const map_t& message, ValueDecoder& decoder) {
   if (const data_t* const metadata = findMember(message, "metadata")) {
@@ -40,12 +48,12 @@ map_t readMetadata(const map_t& message, ValueDecoder& decoder) {
   }
   if (const data_t* const path = findMember(message, "path")) {
     for (const char* name : {"event", "channel"}) refuseMember(message, name, "path");
-    return map_of("pulsarPath", text(requireText(*path, "path")));
+    return mapOf({{"pulsarPath", requireText(*path, "path")}});
   }
   if (const data_t* const event = findMember(message, "event")) {
     const std::string type = std::string("com.tivra.ostrovia.") + requireText(*event, "event");
     const char* const channel = requireText(requireMember(message, "channel"), "channel");
-    return map_of("vlt.type", text(type.c_str()), "vlt.channel", text(channel));
+    return mapOf({{"vlt.type", type.c_str()}, {"vlt.channel", channel}});
   }
   refuseMember(message, "channel", "no event");
   return {};
@@ -78,13 +86,12 @@ std::string readName(const map_t& line) {
 }
 
 // "LEVEL TEXT", without the label that every line of the plug-in has.
-log_line_t readLogLine(const data_t& json) {
-  const char* const line = requireText(json, "a log line");
+std::string readLogLine(const data_t& json) {
+  const char* const written = requireText(json, "a log line");
   char* text = nullptr;
-  const long level = std::strtol(line, &text, 10);
-  if (text == line || *text != ' ') throw BadCase("a log line is a level, a blank and a text");
-  const std::string category = std::string("connectivity.") + CASE_PLUGIN + "." + CASE_CHAIN;
-  return {category, static_cast<vlt_log_level_t>(level), "<" + category + "> " + (text + 1)};
+  const long level = std::strtol(written, &text, 10);
+  if (text == written || *text != ' ') throw BadCase("a log line is a level, a blank and a text");
+  return line(static_cast<vlt_log_level_t>(level), text + 1);
 }
 
 // What a typed get writes when it is asked for `kind` and the value is of another.
@@ -94,13 +101,13 @@ std::string wrongGet(const std::string& kind) {
   if (kind == "string") type = typeid(const char*).name();
   if (kind == "integer") type = typeid(std::int64_t).name();
   if (type == nullptr) throw BadCase("\"stderr\" takes map, string or integer, not " + kind);
-  return std::string("GetVisitor<") + type + ">.operator()(" + type + ")\n";
+  return std::string("GetVisitor<") + type + ">.operator()(" + type + ")";
 }
 
 void readConfiguration(const map_t& line, case_t& result) {
   const data_t* const config = findMember(line, "config");
   if (config == nullptr) {
-    result.configuration = map_of("tenantId", text(""));
+    result.configuration = data_t(mapOf({{"tenantId", ""}}));
     return;
   }
   if (config->type_tag() == VLT_TAG_MAP && findMember(config->get<map_t>(), "$null_pointer")) {
@@ -125,20 +132,47 @@ void readExpectedOutput(const map_t& line, case_t& result) {
   }
   if (const data_t* const written = findMember(line, "stderr")) {
     for (const data_t& kind : requireList(*written, "stderr")) {
-      result.standard_error += wrongGet(requireText(kind, "stderr"));
+      result.standard_error.push_back(wrongGet(requireText(kind, "stderr")));
     }
   }
 }
 
 } // namespace
 
+std::string line_t::place() const {
+  return file + ".ndjson:" + std::to_string(number) + " " + name;
+}
+
+std::vector<line_t> readLines(std::string_view file) {
+  JsonReader reader;
+  std::vector<line_t> lines;
+  std::set<std::string> names;
+  for (const embedded_t& embedded : embeddedLines()) {
+    if (embedded.file != file) continue;
+    line_t line{std::string(file), static_cast<int>(lines.size()) + 1, "", data_t()};
+    try {
+      line.json = reader.parseValue(embedded.text);
+      line.name = readCase(line.json).name;
+      if (!names.insert(line.name).second) throw BadCase("the name is taken");
+    } catch (const std::exception& e) {
+      throw BadCase(line.place() + ": " + e.what());
+    }
+    lines.push_back(std::move(line));
+  }
+  if (lines.empty()) throw BadCase("there is no file " + std::string(file) + ".ndjson");
+  return lines;
+}
+
 case_t readCase(const data_t& line) {
   const map_t& members = requireMap(line, "a case");
-  checkMembers(members, {"name", "note", "config", "created", "direction", "logLevel", "in", "out",
-                         "dropped", "log", "stderr"});
+  checkMembers(members, {"name", "note", "advised", "config", "created", "direction", "logLevel",
+                         "in", "out", "dropped", "log", "stderr"});
   case_t result;
   result.name = readName(members);
   if (const data_t* const note = findMember(members, "note")) (void)requireText(*note, "note");
+  if (const data_t* const advised = findMember(members, "advised")) {
+    result.advised = requireTruth(*advised, "advised");
+  }
   readConfiguration(members, result);
   if (const data_t* const level = findMember(members, "logLevel")) {
     result.log_level = static_cast<vlt_log_level_t>(requireInteger(*level, "logLevel"));
@@ -156,10 +190,11 @@ case_t readCase(const data_t& line) {
   readDirection(members, result);
   result.in = readMessages(members, "in", result.decoder);
   result.out = readMessages(members, "out", result.decoder);
+  result.passes = *findMember(members, "in") == *findMember(members, "out");
   if (findMember(members, "dropped") != nullptr) {
     result.dropped = readMessages(members, "dropped", result.decoder);
   }
   return result;
 }
 
-} // namespace com::velanto::connectivity::test
+} // namespace com::velanto::connectivity::tools::check

@@ -1,22 +1,23 @@
-#include "tests/conformance/value_decoder.hpp"
+#include "tools/check/conformance/value_decoder.hpp"
 
 #include <limits>
 #include <new>
 #include <vector>
 
 #include "ndjson/make_list.hpp"
-#include "tests/support/values.hpp"
+#include "tools/check/values.hpp"
+#include "value/get_visitor.hpp"
 #include "value/hashes.hpp"
 #include "value/map_slot.hpp"
 
-namespace com::velanto::connectivity::test {
+namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
 template <class T>
 const T& require(const data_t& json, std::uint32_t tag, const std::string& what) {
   if (json.type_tag() != tag) {
-    throw BadCase(what + " must be a " + kind_name(tag) + ", not " + to_string(json));
+    throw BadCase(what + " must be a " + kind_name(tag) + ", not " + shown(json));
   }
   return json.get<T>();
 }
@@ -28,15 +29,15 @@ map_t emptyTable(std::int64_t capacity) {
 }
 
 data_t special(const std::string& name) {
-  if (name == "nan") return real(std::numeric_limits<double>::quiet_NaN());
-  if (name == "inf") return real(std::numeric_limits<double>::infinity());
-  if (name == "-inf") return real(-std::numeric_limits<double>::infinity());
+  if (name == "nan") return data_t(std::numeric_limits<double>::quiet_NaN());
+  if (name == "inf") return data_t(std::numeric_limits<double>::infinity());
+  if (name == "-inf") return data_t(-std::numeric_limits<double>::infinity());
   throw BadCase("$double takes nan, inf or -inf, not " + name);
 }
 
 data_t nullOf(std::uint32_t tag, const data_t& argument) {
   if (!requireTruth(argument, "the argument of a null marker")) throw BadCase("only true has one");
-  return tagged(tag);
+  return bare(tag);
 }
 
 } // namespace
@@ -95,20 +96,20 @@ data_t ValueDecoder::decodeMarker(const std::string& marker, const data_t& argum
     if (tag != VLT_TAG_STRING && tag != VLT_TAG_BORROWED_STRING) {
       throw BadCase("$null_text takes the tag of a string, 5 or 10");
     }
-    return tagged(static_cast<std::uint32_t>(tag));
+    return bare(static_cast<std::uint32_t>(tag));
   }
   if (marker == "$double") return special(requireText(argument, marker));
   if (marker == "$decimal") {
     return decimal(static_cast<std::uint64_t>(requireInteger(argument, marker)));
   }
-  if (marker == "$buffer") return bytes(requireText(argument, marker));
+  if (marker == "$buffer") return buffer(requireText(argument, marker));
   if (marker == "$custom") {
     return custom(static_cast<std::uint64_t>(requireInteger(argument, marker)));
   }
   if (marker == "$tag") {
     const std::int64_t tag = requireInteger(argument, marker);
     if (tag <= VLT_TAG_BORROWED_STRING) throw BadCase("$tag takes a tag above the known ones");
-    return tagged(static_cast<std::uint32_t>(tag));
+    return bare(static_cast<std::uint32_t>(tag));
   }
   if (marker == "$null_list") return nullOf(VLT_TAG_LIST, argument);
   if (marker == "$null_map") return nullOf(VLT_TAG_MAP, argument);
@@ -130,7 +131,7 @@ map_t ValueDecoder::insertedMap(const list_t& pairs) {
     const list_t& pair = requireList(entry, "an entry");
     if (pair.size() != 2) throw BadCase("an entry is a key and a value");
     if (!map.insert(decode(pair[0]), decode(pair[1])).second) {
-      throw BadCase("repeated key " + to_string(pair[0]));
+      throw BadCase("repeated key " + shown(pair[0]));
     }
   }
   return map;
@@ -156,4 +157,4 @@ map_t ValueDecoder::orderedMap(const list_t& pairs) {
   return map;
 }
 
-} // namespace com::velanto::connectivity::test
+} // namespace com::velanto::connectivity::tools::check

@@ -13,8 +13,8 @@
 //
 // Every other object is a map with a table, {} included, so that "no table" can be told from "no
 // entries".
-#ifndef VLT_TESTS_CONFORMANCE_VALUE_DECODER_HPP
-#define VLT_TESTS_CONFORMANCE_VALUE_DECODER_HPP
+#ifndef VLT_TOOLS_CHECK_CONFORMANCE_VALUE_DECODER_HPP
+#define VLT_TOOLS_CHECK_CONFORMANCE_VALUE_DECODER_HPP
 
 #include <deque>
 #include <stdexcept>
@@ -22,7 +22,7 @@
 
 #include "value/data_t.hpp"
 
-namespace com::velanto::connectivity::test {
+namespace com::velanto::connectivity::tools::check {
 
 // A case that is not written as the format wants it; what() is the reason.
 class BadCase : public std::runtime_error {
@@ -58,6 +58,6 @@ class ValueDecoder {
   std::deque<std::string> texts_;
 };
 
-} // namespace com::velanto::connectivity::test
+} // namespace com::velanto::connectivity::tools::check
 
 #endif

@@ -1,0 +1,21 @@
+// Plays the cases of the conformance files against a plug-in library.
+#ifndef VLT_TOOLS_CHECK_CONFORMANCE_PLAYER_HPP
+#define VLT_TOOLS_CHECK_CONFORMANCE_PLAYER_HPP
+
+#include "tools/check/conformance/case.hpp"
+#include "tools/check/trial.hpp"
+#include "tools/host/plugin_library.hpp"
+
+namespace com::velanto::connectivity::tools::check {
+
+// What is expected of a build: the required is what any build must keep; advised are the rest of
+// this project's own decisions: cases marked as advised, and the wording on standard error.
+enum class Demand { required, advised };
+
+// Plays one case from create to destroy, as the only user of the host's log, and expects of it what
+// README.md lists.
+void play(Trial& trial, const PluginLibrary& library, const line_t& line, Demand demand);
+
+} // namespace com::velanto::connectivity::tools::check
+
+#endif
