@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/check/outcome.hpp"
+#include "tools/check/verdict.hpp"
 #include "value/message.hpp"
 
 namespace com::velanto::connectivity::tools::check {

@@ -22,7 +22,7 @@ inline constexpr const char* UNKNOWN_PATH = "tenant/subscription/inventory/1";
 // A notification of an event with the least that its kind requires; on the other path it fails.
 [[nodiscard]] Message plainEvent(const std::string& id, const char* path = EVENT_PATH);
 [[nodiscard]] Message plainMeasurement(const std::string& id);
-// What becomes of it, but for "tenantId".
+// Its event, without "tenantId".
 [[nodiscard]] data_t plainEventPayload(const std::string& id);
 
 } // namespace com::velanto::connectivity::tools::check

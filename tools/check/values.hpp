@@ -1,5 +1,5 @@
-// The words in which checks write values down: JSON for what JSON can say, makers for the rest; and
-// the comparison of two values, as trees.
+// The words of checks for values: JSON where it suffices, makers for the rest; and the comparison
+// of two values, as trees.
 #ifndef VLT_TOOLS_CHECK_VALUES_HPP
 #define VLT_TOOLS_CHECK_VALUES_HPP
 
@@ -21,20 +21,20 @@ namespace com::velanto::connectivity::tools::check {
 [[nodiscard]] Message notification(const char* path, data_t&& payload);
 [[nodiscard]] Message notification(const char* path, std::string_view payload);
 
-// A string that does not own its text, which must outlive it.
+// A string that does not own its bytes, which must outlive it.
 [[nodiscard]] data_t borrowed(const char* text);
-// A value of any tag without a block or text behind it.
+// A value of any tag without a block.
 [[nodiscard]] data_t bare(std::uint32_t tag);
 // An integer's 8 bytes as a decimal.
 [[nodiscard]] data_t decimal(std::uint64_t bits);
 [[nodiscard]] data_t buffer(std::string_view bytes);
 [[nodiscard]] data_t custom(std::uint64_t label);
 
-// Sets an entry; replaces what stands under the key.
+// Sets an entry; replaces the value under the key.
 void set(data_t& map, const char* key, data_t&& content);
-// The value under the key, or null; null for what is no map as well.
+// The value under the key, or null; null for a value that is no map as well.
 [[nodiscard]] const data_t* find(const data_t& map, const char* key);
-// Its text; empty when there is none.
+// Its string; empty when there is none.
 [[nodiscard]] std::string textAt(const data_t& map, const char* key);
 [[nodiscard]] std::string textAt(const map_t& map, const char* key);
 

@@ -40,7 +40,7 @@ void mayVanish(Trial& trial) {
   std::string name = PLUGIN_NAME;
   std::string chain = CHAIN_NAME;
   Codec codec(trial, library, settings, name.c_str(), chain.c_str());
-  settings = bare(77); // frees the table; what stands in its place is no map
+  settings = bare(77); // frees the table; its place holds no map
   name.assign(name.size(), '?');
   chain.assign(chain.size(), '?');
   codec.link();
