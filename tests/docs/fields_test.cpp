@@ -73,7 +73,7 @@ TEST_F(Fields, EveryKindHasAnExampleThatSucceeds) {
   EXPECT_EQ(types, expected);
 }
 
-TEST_F(Fields, TimesBecomeWhatTheTableSays) {
+TEST_F(Fields, TimesBecomeTheValuesOfTheTable) {
   ReplayCodec codec(reader_.parseValue(R"({"tenantId": ""})"));
   const auto rows = readTable(readDocument(FIELDS), "Time");
   ASSERT_FALSE(rows.empty());

@@ -57,7 +57,7 @@ TEST(ReportTest, CrashShowsReasonAndOutput) {
                 "        no\n");
 }
 
-TEST(ReportTest, BytesThatAreNoTextAreReplaced) {
+TEST(ReportTest, BytesOutsideUtf8AreReplaced) {
   const verdict_t verdict = {Ending::failed, "", {{"here", "\xc3\xa9", "\xff\x1b[0m"}}, ""};
   EXPECT_EQ(textOf(verdict),
             "FAIL " + NAME_AND_CLAIM + "\n        here: expected \xc3\xa9, came ??[0m\n");

@@ -45,7 +45,7 @@ TEST(VerdictTest, SkippedKeepsItsReason) {
   EXPECT_EQ(verdict.reason, "not here");
 }
 
-TEST(VerdictTest, SignalIsACrashAndKeepsWhatWasFoundBefore) {
+TEST(VerdictTest, SignalIsACrashAndKeepsEarlierRecords) {
   const auto verdict = tools::check::judge({false, SIGSEGV, records("F|here|4|3|"), ""});
   EXPECT_EQ(verdict.ending, Ending::crashed);
   EXPECT_EQ(verdict.reason, "SIGSEGV, Segmentation fault");
@@ -61,7 +61,7 @@ TEST(VerdictTest, ExitBeforeTheEndIsACrash) {
   }
 }
 
-TEST(VerdictTest, StoppedIsHungWhateverElse) {
+TEST(VerdictTest, StoppedIsAlwaysHung) {
   const auto verdict = tools::check::judge({true, SIGKILL, records("E|"), ""});
   EXPECT_EQ(verdict.ending, Ending::hung);
   EXPECT_EQ(verdict.reason, "did not end in time");
