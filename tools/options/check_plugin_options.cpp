@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::array EXAMPLES = {
     example_row_t{"ostrovia-check-plugin ./next.so", "Is this build fit for production?"},
-    example_row_t{"ostrovia-check-plugin --list", "What is checked?"},
+    example_row_t{"ostrovia-check-plugin --list", "Which checks are there?"},
     example_row_t{"ostrovia-check-plugin --only 'memory.*' --only 'ownership.*' ./next.so",
                   "Two suites of it alone"},
     example_row_t{"ostrovia-check-plugin --skip 'loading.thousand*' --timeout 60 ./next.so",
@@ -20,13 +20,13 @@ constexpr std::array EXAMPLES = {
 constexpr std::array STATUSES = {
     status_row_t{STATUS_ALL_PASSED, "all checks passed, or were skipped for a reason"},
     status_row_t{STATUS_SOME_FAILED, "some failed, crashed or hung"},
-    status_row_t{STATUS_NOT_CHECKED, "wrong use, or a library that cannot be loaded"},
+    status_row_t{STATUS_NOT_CHECKED, "wrong use, or a library that does not load"},
 };
 
 constexpr const char* INTRODUCTION =
     "\n"
     "Checks a build of the plug-in before it goes into production: loads it as a host does, each\n"
-    "check in a process of its own, and says what does not hold.\n"
+    "check in a process of its own, and reports broken promises.\n"
     "\n"
     "Usage: ostrovia-check-plugin [OPTIONS] [LIBRARY]\n";
 
@@ -41,15 +41,15 @@ tool_t checkPluginTool(command_t& command) {
       &command.path,
       {{"The checks",
         {{"--only", "PATTERN",
-          "run the checks whose names match: * any text, ? a character; may be repeated",
+          "run the checks whose names match: * any string, ? a character; may be repeated",
           &command.only},
          {"--skip", "PATTERN", "leave these checks out; may be repeated", &command.skip},
          {"--timeout", "SECONDS", "time limit of a check; default: 10", &command.timeout_seconds},
          {"--seed", "N",
-          "seed of the randomised checks, to repeat them; default: another each time",
+          "seed of the randomised checks, to repeat them; default: a new one each time",
           &command.seed},
          {"--json", "", "write one JSON document instead of lines", &command.json},
-         {"--list", "", "list the checks, or those selected, and run none", &command.list}}},
+         {"--list", "", "list the checks, or the selected ones, and run none", &command.list}}},
        ABOUT_THE_TOOL},
       "Exit status",
       STATUSES};

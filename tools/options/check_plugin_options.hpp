@@ -26,7 +26,7 @@ struct command_t {
 enum Status : int {
   STATUS_ALL_PASSED = 0,
   STATUS_SOME_FAILED = 1, // or crashed, or hung
-  STATUS_NOT_CHECKED = 2, // wrong use, or a library that cannot be loaded
+  STATUS_NOT_CHECKED = 2, // wrong use, or a library that does not load
 };
 
 // The tool, whose options set `command`.

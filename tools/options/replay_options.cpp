@@ -9,7 +9,7 @@ namespace com::velanto::connectivity::tools {
 namespace {
 
 constexpr std::array EXAMPLES = {
-    example_row_t{"ostrovia-replay recorded.ndjson", "What will my rules see?"},
+    example_row_t{"ostrovia-replay recorded.ndjson", "Which events will my rules get?"},
     example_row_t{"ostrovia-replay --strict recorded.ndjson > events.ndjson",
                   "Fail when a message is dropped"},
     example_row_t{"gzip -c recorded.ndjson | ostrovia-replay --tenant-id t1 --log-level 6 -",
@@ -23,14 +23,14 @@ constexpr std::array EXAMPLES = {
 
 constexpr const char* INTRODUCTION =
     "\n"
-    "Sends recorded messages through the plug-in and prints what reaches the host.\n"
-    "Both are lines of JSON:\n"
+    "Sends recorded messages through the plug-in and prints the ones that reach the\n"
+    "host. Both are lines of JSON:\n"
     "\n"
     "  {\"metadata\": {\"pulsarPath\": \"t1/sub/events/7\"}, \"payload\": {...}}\n"
     "\n"
     "Usage: ostrovia-replay [OPTIONS] [FILES...]\n"
     "\n"
-    "Without FILES, or for -, standard input is read.\n";
+    "Without FILES, or for -, it reads standard input.\n";
 
 option_group_t pluginOptions(ReplayOptions& options) {
   return {
@@ -41,7 +41,7 @@ option_group_t pluginOptions(ReplayOptions& options) {
         "configuration of the codec as YAML; the options below replace single keys of it",
         &options.config},
        {"--check-config", "",
-        "create the codec with --config as a host would and say what is wrong or doubtful",
+        "create the codec with --config as a host would and name wrong and doubtful entries",
         &options.check_config},
        {"--tenant-id", "TEXT", "tenant in every event; default: none", &options.tenant_id},
        {"--channel-prefix", "TEXT", "prefix of the channel of all events but measurements",
@@ -53,54 +53,55 @@ option_group_t runOptions(ReplayOptions& options) {
   return {
       "The run",
       {{"--batch-size", "COUNT",
-        "messages that the plug-in gets in one call; default: 1, so that what is logged belongs "
-        "to its message",
+        "messages that the plug-in gets in one call; default: 1, so that each log line belongs to "
+        "its message",
         &options.batch_size},
        {"--repeat", "COUNT", "read all input so many times; default: 1", &options.repeat},
        {"--threads", "COUNT",
-        "chains, each with a codec and a thread of its own; what is written stays in the order of "
-        "the input; default: 1",
+        "chains, each with a codec and a thread of its own; the output keeps the order of the "
+        "input; default: 1",
         &options.threads},
-       {"--direction", "host|transport", "side that messages are sent to; default: host",
+       {"--direction", "host|transport", "side that gets the messages; default: host",
         &options.direction},
        {"--log-level", "LEVEL",
-        "log shown on standard error: 2 failures of the plug-in, 3 also dropped messages, 6 also "
+        "log on standard error: 2 failures of the plug-in, 3 also dropped messages, 6 also "
         "every message; default: 3",
         &options.log_level},
        {"--strict", "", "exit with status 1 when a message was dropped", &options.strict}}};
 }
 
 option_group_t outputOptions(ReplayOptions& options) {
-  return {
-      "What is shown and written",
-      {{"--summary", "[=text|json]",
-        "at the end, on standard error: kinds and what became of them, reasons of drops, "
-        "channels, times",
-        &options.summary},
-       {"--explain", "[=text|json]",
-        "instead of the events: what became of every field, message by message", &options.explain},
-       {"--dropped", "FILE",
-        "write the messages that did not reach the host to FILE, as lines that can be corrected "
-        "and read again",
-        &options.dropped},
-       {"--quiet", "",
-        "neither progress nor the closing line, and --log-level 2 unless another is given",
-        &options.quiet}}};
+  return {"Output",
+          {{"--summary", "[=text|json]",
+            "at the end, on standard error: kinds and their outcomes, reasons of drops, channels, "
+            "times",
+            &options.summary},
+           {"--explain", "[=text|json]",
+            "instead of the events: the fate of every field, message by message", &options.explain},
+           {"--dropped", "FILE",
+            "write the messages that did not reach the host to FILE, as lines to correct and read "
+            "again",
+            &options.dropped},
+           {"--quiet", "",
+            "neither progress nor the closing line, and --log-level 2 unless another is given",
+            &options.quiet}}};
 }
 
 option_group_t comparingOptions(ReplayOptions& options) {
-  return {"Comparing runs",
-          {{"--record", "FILE", "write all that came of each message to FILE, a golden file",
-            &options.record},
-           {"--expect", "FILE", "compare the run with a golden file and show the differences",
-            &options.expect},
-           {"--against", "PATH",
-            "run another build of the plug-in beside this one and show the differences",
-            &options.against},
-           {"--suite", "FOLDER", "run every NAME.ndjson in FOLDER against its NAME.golden",
-            &options.suite},
-           {"--update", "", "with --suite: make the golden files anew instead", &options.update},
-           {"--junit", "FILE", "with --suite: write a report as JUnit does", &options.junit}}};
+  return {
+      "Comparing runs",
+      {{"--record", "FILE", "write the results of each message to FILE, a golden file",
+        &options.record},
+       {"--expect", "FILE", "compare the run with a golden file and show the differences",
+        &options.expect},
+       {"--against", "PATH",
+        "run another build of the plug-in next to this one and show each message whose results "
+        "differ",
+        &options.against},
+       {"--suite", "FOLDER", "run every NAME.ndjson in FOLDER against its NAME.golden",
+        &options.suite},
+       {"--update", "", "with --suite: make the golden files again instead", &options.update},
+       {"--junit", "FILE", "with --suite: write a report in the form of JUnit", &options.junit}}};
 }
 
 } // namespace

@@ -45,7 +45,7 @@ void checkTogether(const ReplayOptions& options) {
       options.paths.empty() ||
       std::find(options.paths.begin(), options.paths.end(), "-") != options.paths.end();
   if (options.repeat > 1 && reads_standard_input && !options.suite && !options.check_config) {
-    throw ReplayError(EXIT_USAGE, "standard input cannot be read again, which --repeat asks for");
+    throw ReplayError(EXIT_USAGE, "--repeat cannot read standard input again");
   }
   if (options.check_config && (!options.config || !options.paths.empty())) {
     throw ReplayError(EXIT_USAGE, "--check-config needs --config and takes no FILES");
