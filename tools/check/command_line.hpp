@@ -1,4 +1,4 @@
-// The tool as it is called: a library, and which checks to run on it how.
+// The command line of the tool: a library, and the selection of checks.
 #ifndef VLT_TOOLS_CHECK_COMMAND_LINE_HPP
 #define VLT_TOOLS_CHECK_COMMAND_LINE_HPP
 
@@ -6,9 +6,9 @@
 
 namespace com::velanto::connectivity::tools::check {
 
-// Does what the arguments, those of main, ask for and returns the exit status. Results, lists and
-// help go to `out`, which is coloured when `may_colour`; what is wrong with the arguments goes to
-// `diagnostics`. Must be called by the only thread of its process. Does not throw.
+// Does what main's `arguments` ask for and returns the exit status. Results, lists and help go to
+// `out`, in colours when `may_colour`; faults of the arguments go to `diagnostics`. Only for the
+// only thread of its process. Does not throw.
 int runCheckPlugin(int count, const char* const* arguments, bool may_colour, std::ostream& out,
                    std::ostream& diagnostics) noexcept;
 

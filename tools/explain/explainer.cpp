@@ -38,7 +38,7 @@ void Explainer::take(const record_t& record) {
   const auto start = std::chrono::steady_clock::now();
   const explanation_t explanation = explanationOf(record);
   if (record.outcome != Outcome::malformed) groups_.add(record, explanation);
-  // Texts are set apart by an empty line.
+  // An empty line separates explanations.
   const bool first = std::exchange(first_, false);
   if (!first && form_ != ExplanationForm::json && record.outcome != Outcome::malformed)
     out_.write("\n");
@@ -62,7 +62,7 @@ exit_status_t Explainer::finish() {
   const BlockCount count(lost_blocks_);
   const Silence silence;
   chain_->shutdown();
-  chain_.reset(); // with what came out unasked
+  chain_.reset(); // with messages that came out unasked
   return EXIT_FINE;
 }
 

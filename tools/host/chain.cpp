@@ -9,7 +9,7 @@ namespace {
 constexpr const char* PLUGIN_NAME = "OstroviaNotifications2Codec";
 constexpr const char* CHAIN_NAME = "replay";
 
-// The link of the direction in which nothing is sent.
+// The link of the direction without messages.
 void ignore(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) noexcept {}
 
 } // namespace
@@ -40,7 +40,7 @@ call_result_t& Chain::shutdown() {
 
 template <class Call>
 call_result_t& Chain::record(const Call& call) {
-  // Not made anew: the vectors keep their room.
+  // Cleared and not replaced: the vectors keep their room.
   received_.messages.clear();
   result_.outputs.clear();
   result_.log.clear();

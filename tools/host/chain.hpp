@@ -1,5 +1,5 @@
-// A plug-in in a chain of its own, seen from both ends: what is sent in, and of each call what came
-// out and what was logged.
+// A plug-in in a chain of its own, seen from both ends: the messages for it, and the messages and
+// log lines of each call.
 #ifndef VLT_TOOLS_HOST_CHAIN_HPP
 #define VLT_TOOLS_HOST_CHAIN_HPP
 
@@ -15,7 +15,7 @@
 
 namespace com::velanto::connectivity::tools {
 
-// The result of one call. The messages belong to whoever takes them.
+// The result of one call. The caller may take the messages.
 struct call_result_t {
   bool failed = false; // the plug-in reported failure
   std::vector<Message> outputs;
@@ -33,11 +33,11 @@ class Chain {
   Chain& operator=(const Chain&) = delete;
   ~Chain() = default;
 
-  // The result is valid until the next call; `messages` are left as the plug-in likes. Throws
-  // std::bad_alloc when there is no room for what came out.
+  // The result is valid until the next call; `messages` are in any state after it. Throws
+  // std::bad_alloc without memory for the result.
   call_result_t& send(std::span<Message> messages);
 
-  // The last call; also tells what came out without having been asked for.
+  // The last call; its result also has messages that came out unasked.
   call_result_t& shutdown();
 
  private:

@@ -1,6 +1,6 @@
-// What the tools use of the host's library beyond its interface: counts of blocks and the log. The
-// stand-in alone offers these, so they are looked up by name at run time; a tool that linked them could
-// not be built against a real library.
+// The functions that the tools use of the host's library beyond its interface: counts of blocks and
+// the log. The stand-in alone has these, so the tools look them up by name at run time; a tool that
+// linked them could not be built against a real library.
 #ifndef VLT_TOOLS_HOST_HOST_LIBRARY_HPP
 #define VLT_TOOLS_HOST_HOST_LIBRARY_HPP
 
@@ -18,8 +18,8 @@ namespace com::velanto::connectivity::tools {
 // changed.
 bool setLogLevel(vlt_log_level_t level) noexcept;
 
-// Takes one line of the log, without a line end; the texts are valid during the call only. May be
-// called on several threads at once and must not throw.
+// Takes one line of the log, without a line end; the strings are valid during the call only.
+// Several threads may call it at once; it must not throw.
 using log_sink_t = void (*)(void* context, const char* category, vlt_log_level_t level,
                             const char* text);
 

@@ -20,8 +20,8 @@ namespace com::velanto::connectivity::tools {
 
 enum class Direction { towardsHost, towardsTransport };
 
-// Where the plug-in is to send what goes in one direction. Neither may be null; `function` must not
-// throw. Both must live as long as the plug-in.
+// The link of one direction. Neither may be null; `function` must not throw. Both must live as long
+// as the plug-in.
 struct link_t {
   void* handle;
   vlt_batch_function function;
@@ -29,8 +29,8 @@ struct link_t {
 
 class HostedPlugin {
  public:
-  // Creates the plug-in with no host handles. `library` must outlive it; the texts and the
-  // configuration are only read. Throws PluginError when the plug-in refuses.
+  // Creates the plug-in with no host handles. `library` must outlive it; it only reads the strings
+  // and the configuration. Throws PluginError when the plug-in refuses.
   HostedPlugin(const PluginLibrary& library, const char* name, const char* chain,
                const data_t& configuration);
   HostedPlugin(const HostedPlugin&) = delete;
@@ -42,7 +42,7 @@ class HostedPlugin {
   void start();
 
   // False: the plug-in reported failure. The messages stay the caller's, changed as the plug-in
-  // likes, whatever the result.
+  // likes, in either case.
   [[nodiscard]] bool send(Direction direction, std::span<Message> messages) noexcept;
   [[nodiscard]] bool shutdown() noexcept;
 

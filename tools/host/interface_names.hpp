@@ -1,5 +1,5 @@
-// The names by which host and plug-in find each other's functions, for who looks at files: twelve that
-// a plug-in exports, fourteen that it may ask of the host.
+// The names by which host and plug-in find each other's functions, for readers of files: twelve
+// that a plug-in exports, fourteen that it may ask of the host.
 #ifndef VLT_TOOLS_HOST_INTERFACE_NAMES_HPP
 #define VLT_TOOLS_HOST_INTERFACE_NAMES_HPP
 

@@ -1,6 +1,6 @@
-// Which call of the plug-in a log line belongs to: while a capture exists, what is logged on a
-// thread is filed with the list that the thread has named. A host library that keeps its log to
-// itself cannot be captured; it writes the lines itself.
+// Assigns log lines to calls of the plug-in: while a capture exists, the lines of a thread go to
+// the list that the thread has named. It cannot capture the log of a host library without a sink;
+// that library writes its lines itself.
 #ifndef VLT_TOOLS_HOST_LOG_CAPTURE_HPP
 #define VLT_TOOLS_HOST_LOG_CAPTURE_HPP
 
@@ -11,7 +11,7 @@
 
 namespace com::velanto::connectivity::tools {
 
-// Of the line that says why a message was dropped. Failures have lower levels, traces higher ones.
+// The level of the line with the reason of a drop. Failures have lower levels, traces higher ones.
 inline constexpr vlt_log_level_t DROPPED_LEVEL = 3;
 
 struct log_line_t {
@@ -23,7 +23,7 @@ struct log_line_t {
 // One at a time in a process.
 class LogCapture {
  public:
-  // What becomes of the lines of a thread without a list: they go to standard error or nowhere.
+  // The target of the lines of a thread without a list: standard error or nothing.
   enum class Unclaimed { printed, dropped };
 
   explicit LogCapture(Unclaimed unclaimed = Unclaimed::printed) noexcept;
@@ -38,7 +38,7 @@ class LogCapture {
   bool works_;
 };
 
-// While it exists, the lines of this thread are added to `lines`.
+// While it exists, it adds the lines of this thread to `lines`.
 class LogScope {
  public:
   explicit LogScope(std::vector<log_line_t>& lines) noexcept;

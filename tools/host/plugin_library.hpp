@@ -1,6 +1,5 @@
-// A plug-in library as a host sees it: loaded at run time, known by its twelve C functions, which
-// stand here in the order in which a host calls them. What each of them promises:
-// plugin/entry_points.hpp.
+// A plug-in library as a host sees it: loaded at run time, known by its twelve C functions, here in
+// the order of a host's calls. plugin/entry_points.hpp has their contracts.
 #ifndef VLT_TOOLS_HOST_PLUGIN_LIBRARY_HPP
 #define VLT_TOOLS_HOST_PLUGIN_LIBRARY_HPP
 
@@ -21,21 +20,22 @@ class PluginError : public std::runtime_error {
 
 class PluginLibrary {
  public:
-  // Which interface version the library may have: that of these functions, or, for whoever looks at
-  // it himself, any.
+  // The accepted interface versions: the one of these functions, or, for callers that check it
+  // themselves, any.
   enum class Version { ours, any };
 
   static constexpr const char* CLASS_NAME = "OstroviaNotifications2Codec";
 
-  // Loads the library at `path`; a path without a slash is a file of the current directory, not
-  // looked for among the system's libraries. Its functions are named after `class_name`. Throws PluginError when it cannot be loaded,
-  // lacks a function or has another interface version. The host's client library must be loaded.
+  // Loads the library at `path`; a path without a slash is a file of the current directory, not one
+  // of the system's libraries. `class_name` is in the names of its functions. Throws PluginError
+  // when it does not load, lacks a function or has another interface version. The host's client
+  // library must be loaded.
   explicit PluginLibrary(const std::string& path, Version accepted = Version::ours,
                          const std::string& class_name = CLASS_NAME);
 
-  // The plug-in that came with the running program: beside it, where a build leaves both, otherwise
-  // where an installation has it, found from the program's place; it may not exist. Throws
-  // std::filesystem::filesystem_error when the system does not tell where the program lies.
+  // The plug-in of the running program: beside it, where a build leaves both, otherwise at its
+  // place in an installation, found from the program's. It may not exist. Throws
+  // std::filesystem::filesystem_error when the system does not tell the place of the program.
   static std::string defaultPath();
 
   std::uint64_t (*apiVersion)() = nullptr;

@@ -1,4 +1,4 @@
-// A next link that keeps what it is sent: moves each message out of the batch.
+// A next link that keeps its messages: moves each one out of the batch.
 #ifndef VLT_TOOLS_HOST_RECEIVED_HPP
 #define VLT_TOOLS_HOST_RECEIVED_HPP
 

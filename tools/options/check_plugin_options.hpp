@@ -1,4 +1,4 @@
-// What can be asked of ostrovia-check-plugin, and its exit statuses.
+// The options of ostrovia-check-plugin, and its exit statuses.
 #ifndef VLT_TOOLS_OPTIONS_CHECK_PLUGIN_OPTIONS_HPP
 #define VLT_TOOLS_OPTIONS_CHECK_PLUGIN_OPTIONS_HPP
 
@@ -29,7 +29,7 @@ enum Status : int {
   STATUS_NOT_CHECKED = 2, // wrong use, or a library that does not load
 };
 
-// The tool, whose options set `command`.
+// The tool; its options set `command`.
 [[nodiscard]] tool_t checkPluginTool(command_t& command);
 
 } // namespace com::velanto::connectivity::tools::check

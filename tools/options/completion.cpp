@@ -10,8 +10,8 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-// What completes an argument: commands of the script. Without any, nothing does: a number or a free
-// text has no completion, and names of files would be wrong.
+// Commands of the script for the values of an argument. Without any there is no completion: it
+// cannot guess a number or a free string, and names of files would be wrong.
 struct argument_row_t {
   std::string_view name;
   std::string_view commands;
@@ -48,7 +48,7 @@ std::string commandsFor(const option_row_t& option) {
   return std::string(row->commands);
 }
 
-// Options that ask for the same stand in one branch.
+// Options with the same argument share a branch.
 std::string branches(const std::map<std::string, std::string>& options_by_commands) {
   std::string text;
   for (const auto& [commands, options] : options_by_commands) {

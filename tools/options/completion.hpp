@@ -9,7 +9,7 @@
 namespace com::velanto::connectivity::tools {
 
 // The script, which bash reads once and asks from then on. Throws std::invalid_argument for an
-// argument of which it is not known what completes it, see ARGUMENTS in completion.cpp.
+// argument without an entry in ARGUMENTS of completion.cpp.
 [[nodiscard]] std::string bashCompletion(const tool_t& tool);
 
 } // namespace com::velanto::connectivity::tools

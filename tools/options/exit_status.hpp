@@ -1,5 +1,5 @@
-// What the exit status of ostrovia-replay tells: the one table of them, from which --help is made.
-// The larger a status, the less the rest of a run can be trusted, so the largest that applies wins.
+// The exit statuses of ostrovia-replay: the one table of them, also for --help. The larger a
+// status, the less reliable the rest of a run, so the largest that applies wins.
 #ifndef VLT_TOOLS_OPTIONS_EXIT_STATUS_HPP
 #define VLT_TOOLS_OPTIONS_EXIT_STATUS_HPP
 
@@ -46,7 +46,7 @@ class ReplayError : public std::runtime_error {
   exit_status_t status_;
 };
 
-// Calls `body` and gives whatever it throws as a plain error the status `status`.
+// Calls `body` and gives its plain exceptions the status `status`.
 template <class Body>
 auto failingWith(exit_status_t status, const Body& body) {
   try {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t COLUMNS = 79;
 
-// Appends `head` and behind it, from column `indent` on, the words of `text`.
+// Appends `head` and after it, from column `indent` on, the words of `text`.
 void appendEntry(std::string& out, std::string_view head, std::string_view text,
                  std::size_t indent) {
   std::string line(head);

@@ -1,4 +1,4 @@
-// What --help prints; at most 80 columns.
+// The output of --help; at most 80 columns.
 #ifndef VLT_TOOLS_OPTIONS_HELP_HPP
 #define VLT_TOOLS_OPTIONS_HELP_HPP
 

@@ -26,7 +26,7 @@ std::string contentsOf(const std::string& path) {
   return text;
 }
 
-// The tool of that name, whose options set nothing that counts.
+// The tool of that name; its options set unused variables.
 com::velanto::connectivity::tools::tool_t toolNamed(const std::string& name) {
   using namespace com::velanto::connectivity::tools;
   static ReplayOptions replay;

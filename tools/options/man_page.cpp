@@ -11,7 +11,7 @@ namespace {
 std::string bold(const std::string& text) { return "\\fB" + roff(text) + "\\fP"; }
 std::string italic(const std::string& text) { return "\\fI" + roff(text) + "\\fP"; }
 
-// "a|b", words to be typed as they are.
+// "a|b", words to type as they are.
 std::string choicesText(const std::string& choices) {
   std::string text;
   std::size_t start = 0;
@@ -23,7 +23,7 @@ std::string choicesText(const std::string& choices) {
   return text;
 }
 
-// What is to be replaced, "FILE", stands in italics.
+// Placeholders, such as "FILE", in italics.
 std::string headOf(const option_row_t& option) {
   std::string name = bold(option.name);
   const std::string argument = option.argument;
@@ -69,7 +69,7 @@ void replaceAll(std::string& text, const std::string& name, const std::string& b
   }
 }
 
-// The first "@NAME@" in `text`, or the empty text.
+// The first "@NAME@" in `text`, or the empty string.
 std::string placeholderIn(const std::string& text) {
   for (std::size_t at = text.find('@'); at != std::string::npos; at = text.find('@', at + 1)) {
     const std::size_t end = text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ_", at + 1);

@@ -1,5 +1,5 @@
-// What there is to know of a tool's command line. The parser, the help, the man page and the
-// completion are all made from it.
+// The description of a tool's command line. The parser, the help, the man page and the completion
+// come from it.
 #ifndef VLT_TOOLS_OPTIONS_OPTIONS_HPP
 #define VLT_TOOLS_OPTIONS_OPTIONS_HPP
 
@@ -15,16 +15,16 @@
 
 namespace com::velanto::connectivity::tools {
 
-// What an option sets: a count is at least 1, a double a time limit in seconds, a vector takes every
-// use of a repeated option. Nothing: the parser itself obeys the option.
+// The target of an option: a count is at least 1, a double a time limit in seconds, a vector takes
+// every use of a repeated option. Nothing: the parser itself obeys the option.
 using target_t = std::variant<std::monostate, bool*, std::string*, std::optional<std::string>*,
                               std::vector<std::string>*, std::size_t*, double*,
                               std::optional<std::uint64_t>*, std::optional<vlt_log_level_t>*>;
 
 struct option_row_t {
   const char* name; // with its dashes
-  // As help shows it; "a|b|…" are the only ones allowed; empty: none is taken. "[=a|b]" may be left
-  // out, which is the same as the first.
+  // As help shows it; "a|b|…" are the only values allowed; empty: no argument. "[=a|b]" is
+  // optional; without it, the first applies.
   const char* argument;
   const char* help;
   target_t target;
@@ -48,9 +48,9 @@ struct status_row_t {
 // The targets must outlive it.
 struct tool_t {
   const char* name;
-  std::span<const example_row_t> examples; // what --help begins with
+  std::span<const example_row_t> examples; // the beginning of --help
   const char* introduction;
-  const char* operands; // what is no option, and where it goes
+  const char* operands; // the arguments that are no options, and their target
   target_t operands_target;
   std::vector<option_group_t> groups; // the last one: help and version
   const char* title_of_statuses;

@@ -26,7 +26,7 @@ std::optional<Number> numberIn(const std::string& text) {
   return number;
 }
 
-// The checks return nothing, or what is wrong with `text`.
+// The checks return nothing, or the fault of `text`.
 std::string checkCount(const std::string& text) {
   if (numberIn<std::size_t>(text).value_or(0) > 0) return "";
   return "'" + text + "' is not a number of at least 1";

@@ -8,8 +8,8 @@
 
 namespace com::velanto::connectivity::tools {
 
-// Sets the targets; `arguments` are those of main. False: help or version is all that was asked for,
-// and is in `out`. Throws std::runtime_error, which says what is wrong with the arguments.
+// Sets the targets from main's `arguments`. False: they ask for help or version alone, which is in
+// `out`. Throws std::runtime_error, which names the fault of the arguments.
 [[nodiscard]] bool parse(const tool_t& tool, int count, const char* const* arguments,
                          std::ostream& out);
 

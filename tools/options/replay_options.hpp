@@ -1,4 +1,4 @@
-// What can be asked of ostrovia-replay.
+// The options of ostrovia-replay.
 #ifndef VLT_TOOLS_OPTIONS_REPLAY_OPTIONS_HPP
 #define VLT_TOOLS_OPTIONS_REPLAY_OPTIONS_HPP
 
@@ -27,7 +27,7 @@ struct ReplayOptions {
   std::optional<std::string> measurement_channel; // the same
 
   std::size_t batch_size = 1;               // messages, at least 1
-  std::size_t repeat = 1;                   // how often the input is read, at least 1
+  std::size_t repeat = 1;                   // number of readings of the input, at least 1
   std::size_t threads = 1;                  // chains, each with a thread, at least 1
   std::string direction = "host";           // or "transport"
   std::optional<vlt_log_level_t> log_level; // without it one of the two above
@@ -38,22 +38,22 @@ struct ReplayOptions {
   std::optional<std::string> dropped; // path of the file of dead letters
   bool quiet = false;                 // no progress, no closing line, QUIET_LOG_LEVEL
 
-  std::optional<std::string> record;  // path of the golden file to be made,
+  std::optional<std::string> record;  // path of the golden file to write,
   std::optional<std::string> expect;  // and of the one to compare with
   std::optional<std::string> against; // path of another plug-in library
   std::optional<std::string> suite;   // path of a folder of cases
-  bool update = false;                // make the suite's golden files anew
+  bool update = false;                // make the suite's golden files again
   std::optional<std::string> junit;   // path of the suite's report
 };
 
-// Log lines of a larger level are not shown on standard error. An explanation has those of its
-// message itself.
+// The largest level of log lines on standard error. An explanation has the lines of its message
+// itself.
 [[nodiscard]] inline vlt_log_level_t shownLogLevel(const ReplayOptions& options) {
   return options.log_level.value_or(options.quiet || options.explain ? QUIET_LOG_LEVEL
                                                                      : DEFAULT_LOG_LEVEL);
 }
 
-// The tool, whose options set `options`.
+// The tool; its options set `options`.
 [[nodiscard]] tool_t replayTool(ReplayOptions& options);
 
 } // namespace com::velanto::connectivity::tools

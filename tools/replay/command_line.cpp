@@ -33,7 +33,7 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-// What no option can tell by itself.
+// The rules between options.
 void checkTogether(const ReplayOptions& options) {
   for (const std::optional<std::string>& output :
        {options.dropped, options.record, options.junit}) {

@@ -1,4 +1,4 @@
-// The tool as it is called: options and files from the command line.
+// The command line of the tool: options and files.
 #ifndef VLT_TOOLS_REPLAY_COMMAND_LINE_HPP
 #define VLT_TOOLS_REPLAY_COMMAND_LINE_HPP
 
@@ -6,15 +6,14 @@
 
 namespace com::velanto::connectivity::tools {
 
-// How the streams are looked at.
+// The readers of the streams.
 struct display_t {
   bool progress = false; // `diagnostics` leads to a terminal that shows nothing else meanwhile
   bool colour = false;   // `out` leads to one that may show colours
 };
 
-// Does what the arguments ask for and returns the exit status: replays, or writes help or version
-// to `out`, or says on `diagnostics` what is wrong with them (status 2). `arguments` are those of
-// main. Does not throw.
+// Does what main's `arguments` ask for and returns the exit status: replays, or writes help or
+// version to `out`, or names a fault of the arguments on `diagnostics` (status 2). Does not throw.
 int runReplay(int count, const char* const* arguments, std::ostream& out, std::ostream& diagnostics,
               const display_t& display = {}) noexcept;
 

@@ -14,7 +14,7 @@ Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::os
       diagnostics_(diagnostics, shownLogLevel(options)) {
   all_ = {&figures_};
   if (!options.explain) all_.push_back(&events_);
-  // What is malformed is part of a case, and its golden file tells of it.
+  // Malformed lines are part of a case, and its golden file has them.
   if (!options.suite) all_.push_back(&diagnostics_);
   if (options.summary) all_.push_back(&summary_.emplace());
   if (options.dropped) all_.push_back(&dead_letters_.emplace(*options.dropped));

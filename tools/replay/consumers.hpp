@@ -22,8 +22,8 @@ namespace com::velanto::connectivity::tools {
 
 class Consumers final : public Consumer {
  public:
-  // The options and streams must outlive it; explanations may be in colours. Throws ReplayError with
-  // EXIT_IO when a file cannot be made.
+  // The options and streams must outlive it; explanations may be in colours. Throws ReplayError
+  // with EXIT_IO for a file that it cannot create.
   Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics,
             bool colour);
 
@@ -50,7 +50,7 @@ class Consumers final : public Consumer {
   void add(Consumer& consumer) { all_.push_back(&consumer); }
   void remove(Consumer& consumer) { std::erase(all_, &consumer); }
 
-  // Nobody reads what is written any more.
+  // The output has no reader any more.
   [[nodiscard]] bool closed() const noexcept {
     return events_.closed() || (explainer_ && explainer_->closed());
   }
@@ -62,7 +62,7 @@ class Consumers final : public Consumer {
   [[nodiscard]] std::int64_t lostBlocks() const noexcept {
     return explainer_ ? explainer_->lostBlocks() : 0;
   }
-  // The summary that was asked for.
+  // The summary, if the options ask for one.
   [[nodiscard]] std::string summaryOf(const run_figures_t& run) const;
 
  private:

@@ -9,13 +9,13 @@
 #include "tools/replay/input/interruption.hpp"
 
 int main(int argc, char** argv) {
-  // A reader that goes away is then an error of the write, which is reported.
+  // Closing the reader is then an error of the write, which the tool reports.
   std::signal(SIGPIPE, SIG_IGN);
   com::velanto::connectivity::tools::catchInterruption();
   std::ios::sync_with_stdio(false);
   const bool shows_out = isatty(STDOUT_FILENO) == 1;
   const char* const no_colour = std::getenv("NO_COLOR"); // NOLINT(concurrency-mt-unsafe)
-  // A status line would stand in the midst of what goes to the same terminal.
+  // A status line would break into the output on the same terminal.
   const com::velanto::connectivity::tools::display_t display = {
       isatty(STDERR_FILENO) == 1 && !shows_out,
       shows_out && (no_colour == nullptr || *no_colour == '\0')};

@@ -48,7 +48,7 @@ class Replay {
   void writeFigures(std::optional<std::int64_t> blocks);
 
   const ReplayOptions& options_;
-  Terminal* terminal_; // null: there is no progress to be shown
+  Terminal* terminal_; // null: no progress
   Direction direction_;
   std::ostream& diagnostics_;
   std::optional<Progress> progress_; // outlives the consumers, which point at it

@@ -19,11 +19,11 @@
 
 namespace com::velanto::connectivity::tools {
 
-// Writes to `events` one line for each message that reaches the link in the chosen direction, and
-// to `diagnostics` lines about what went wrong, the plug-in's log lines and, unless the run was
-// broken off, one line with the figures. `terminal`, if there is one, is what `diagnostics` writes to
-// and shows the progress. Returns one of EXIT_STATUSES. Does not throw.
-// `colour`: explanations, which take the place of the events, may be in colours.
+// Writes to `events` one line for each message that reaches the link in the chosen direction.
+// Writes to `diagnostics` problems, the plug-in's log lines and, at the end of a whole run, one
+// line with the figures. `terminal`, if there is one, is the target of `diagnostics` and shows the
+// progress. Returns one of EXIT_STATUSES. Does not throw. `colour`: explanations, which take the
+// place of the events, may be in colours.
 int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std::ostream& events,
            std::ostream& diagnostics, Terminal* terminal = nullptr, bool colour = false) noexcept;
 

@@ -9,9 +9,9 @@
 namespace com::velanto::connectivity::tools {
 
 // Runs the cases of options.suite in the order of their names, each in a chain of its own with the
-// other options, and reports on each of them to `diagnostics`. Malformed lines are part of a case.
-// Returns the largest exit status of a case. Throws ReplayError when there are no cases or the
-// report cannot be written.
+// other options, and reports each to `diagnostics`. Malformed lines are part of a case. Returns the
+// largest exit status of a case. Throws ReplayError when there are no cases, or for a report that
+// it cannot write.
 int runSuite(const ReplayOptions& options, std::ostream& diagnostics);
 
 } // namespace com::velanto::connectivity::tools

@@ -38,7 +38,7 @@ exit_status_t Comparer::report() const {
   return EXIT_DIFFERENT;
 }
 
-// The differing fields as text; empty when there are none.
+// The differing fields, written out; empty when there are none.
 std::string Comparer::fieldsOf(const std::string& before, const std::string& after) {
   // The content alone is an object again with a brace for its first comma.
   const auto valueOf = [this](const std::string& line) {

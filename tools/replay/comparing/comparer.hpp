@@ -25,7 +25,7 @@ class Comparer {
   // It shows so many messages that differ, and only counts the rest.
   static constexpr std::uint64_t SHOWN = 50;
 
-  // `from` is what the lines before come from: the name of a file.
+  // `from` is the source of the lines before: the name of a file.
   Comparer(std::ostream& out, std::string from) : out_(out), from_(std::move(from)) {}
 
   // At least one side has a line.

@@ -20,7 +20,7 @@ class Expectation final : public Consumer {
   void take(const record_t& record) override;
   void takeLog(std::span<const log_line_t> lines) override;
 
-  // The run is over: what the file has beyond it is missing.
+  // The run is over: reports the rest of the file as missing.
   exit_status_t finish() override;
 
  private:

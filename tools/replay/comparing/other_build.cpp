@@ -21,7 +21,7 @@ void OtherBuild::take(const record_t& record) {
     comparer_.compare({record.place(), goldenLineOf(record)},
                       {record.place() + ", the other build", goldenLineOf(other)});
   });
-  build_->worker.incidents() = {}; // of batches; what they did to the message is compared
+  build_->worker.incidents() = {}; // of batches; their effects on the message are compared
 }
 
 void OtherBuild::takeLog(std::span<const log_line_t> lines) {

@@ -1,6 +1,6 @@
-// Runs another build of the plug-in beside the first: each line goes through both, and what comes of
-// it is compared. Both are loaded into this process, since a plug-in exports nothing that another
-// one could be bound to.
+// Runs another build of the plug-in next to the first: each line goes through both, and it compares
+// the results. Both are in this process, since a plug-in exports nothing that another one could be
+// bound to.
 #ifndef VLT_TOOLS_REPLAY_COMPARING_OTHER_BUILD_HPP
 #define VLT_TOOLS_REPLAY_COMPARING_OTHER_BUILD_HPP
 

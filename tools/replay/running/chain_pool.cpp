@@ -19,7 +19,7 @@ namespace {
 constexpr std::size_t BLOCK = 256; // lines, if the batches are not larger
 constexpr std::size_t AHEAD = 4;   // blocks that each chain may have
 
-// A thread that does what it is given, in order.
+// A thread that does its tasks in order.
 class TaskThread {
  public:
   TaskThread() : thread_([this] { serve(); }) {}

@@ -1,10 +1,10 @@
 // The chains of a run and the threads that serve them.
 //
 //   one chain     everything happens on the caller's thread
-//   N chains      blocks of lines are dealt to the chains in turn, the first to the first; each has
-//                 a thread of its own. The caller reads ahead, and publishes in the order of the
-//                 input, so what is published does not depend on N. Where taking a record must not
-//                 be disturbed, a block is published before the next one is served
+//   N chains      deals blocks of lines to the chains in turn, the first to the first; each has a
+//                 thread of its own. The caller reads ahead, and publishes in the order of the
+//                 input, so the output does not depend on N. Where the chains must be idle while a
+//                 record is published, it publishes a block before the next one begins
 #ifndef VLT_TOOLS_REPLAY_RUNNING_CHAIN_POOL_HPP
 #define VLT_TOOLS_REPLAY_RUNNING_CHAIN_POOL_HPP
 
@@ -19,7 +19,7 @@
 
 namespace com::velanto::connectivity::tools {
 
-// What the pool tells its caller, on the caller's thread.
+// The pool's messages to its caller, on the caller's thread.
 struct pool_listener_t {
   std::function<void(record_t&)> take;      // each record, in order
   std::function<void(incidents_t&)> report; // after each block
@@ -39,8 +39,8 @@ class ChainPool {
             const worker_options_t& options, const pool_options_t& pool,
             std::vector<log_line_t>& log);
 
-  // Takes all lines of `reader` through the chains. A failure to read is thrown once the lines
-  // before it are published.
+  // Takes all lines of `reader` through the chains. Throws a failed read after publishing the lines
+  // before it.
   void run(LineReader& reader, const pool_listener_t& listener);
 
   // Ends every chain; the results in their order.
