@@ -1,5 +1,5 @@
-// Contenders that work at the same time, each on a thread of its own that makes its inputs itself, so
-// that each has its own part of the heap.
+// Contenders that work at the same time, each on a thread of its own. The thread makes its inputs
+// itself, so each has its own part of the heap.
 #ifndef VLT_BENCH_SUITES_PARALLEL_CONTENDERS_HPP
 #define VLT_BENCH_SUITES_PARALLEL_CONTENDERS_HPP
 

@@ -1,6 +1,6 @@
 // Keeps docs/event.schema.json true. (1) It accepts every event of the samples and the conformance
-// cases. (2) It refuses an event that lacks a required field, or has one of a wrong kind, (3) and
-// an event whose measurements have another shape.
+// cases. (2) It refuses an event that lacks a required field, or has one of a wrong kind. (3) It
+// refuses other shapes of measurements.
 #include "tests/docs/event_schema.hpp"
 
 #include <gtest/gtest.h>

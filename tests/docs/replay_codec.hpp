@@ -1,5 +1,5 @@
-// The built plug-in as ostrovia-replay loads it: that tool printed what stands in the documents, and
-// log lines begin with the names that it gives.
+// The built plug-in as ostrovia-replay loads it: the documents show that tool's output, and log
+// lines begin with the names that it gives.
 #ifndef VLT_TESTS_DOCS_REPLAY_CODEC_HPP
 #define VLT_TESTS_DOCS_REPLAY_CODEC_HPP
 

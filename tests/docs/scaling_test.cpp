@@ -27,7 +27,7 @@ class ScalingDocument : public Console {
     }
   }
 
-  // What the script takes for `name` unless it is told otherwise.
+  // The script's default for `name`.
   std::string defaultOf(const std::string& name) const {
     const auto found = Pattern("\\{" + name + ":=([0-9.]+)\\}").allIn(script_);
     return found.empty() ? "not in the script" : found.front()[1];

@@ -1,9 +1,9 @@
-// Mixed traffic through a plug-in, in rounds. A round sends every message that was read
+// Mixed traffic through a plug-in, in rounds. A round sends every message of the input
 //
 //   in both directions, in batches of 1, 7, 64 and 256, each time as fresh copies
 //
-// and adds up what the links and the log got. What changes from round to round, by its number, must
-// change nothing of that:
+// and adds up the results of links and log. Rounds differ by their number, and these differences
+// must not change the results:
 //
 //   every 5th    destroys the codec and creates another one
 //   every 10th   creates the codec at the trace level, which adds lines and nothing else

@@ -43,7 +43,7 @@ class Watch {
   std::int64_t rounds_ = 0;
   std::int64_t messages_ = 0;
   std::optional<figures_t> quiet_;  // the figures that rounds without trace must have
-  std::optional<figures_t> traced_; // those with
+  std::optional<figures_t> traced_; // rounds with
   std::int64_t blocks_ = 0;         // live after the warm-up
   std::int64_t resident_ = 0;       // bytes, after the warm-up
 };

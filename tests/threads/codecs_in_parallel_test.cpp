@@ -1,5 +1,5 @@
-// Codecs that live and die on their own threads: each decodes the same as alone, no matter what the
-// others are doing.
+// Codecs that live and die on their own threads: each decodes the same as alone, regardless of the
+// others.
 #include <gtest/gtest.h>
 
 #include <atomic>
