@@ -157,7 +157,7 @@ TEST_F(HostInterface, TablesHaveEveryFunction) {
   EXPECT_EQ(exported, namesIn(textOf("codec/exported_names.map"), "\n +([a-zA-Z0-9_]+);"));
 }
 
-TEST_F(HostInterface, TagsAreThoseOfTheHeader) {
+TEST_F(HostInterface, TagsAgreeWithTheHeader) {
   names_t documented;
   for (const auto& row : readTable(readDocument(HOST_INTERFACE), "Tag")) {
     std::string name = row[1];
@@ -170,7 +170,7 @@ TEST_F(HostInterface, TagsAreThoseOfTheHeader) {
   EXPECT_EQ(documented, namesIn(textOf("host/types.h"), "(VLT_TAG_[A-Z_]+ = [0-9]+)"));
 }
 
-TEST_F(HostInterface, VersionsAreThoseOfTheLibrary) {
+TEST_F(HostInterface, VersionsAgreeWithTheLibrary) {
   const PluginLibrary library(VLT_PLUGIN_PATH);
   const std::string text = textOf(HOST_INTERFACE);
   const std::string interface = std::to_string(library.apiVersion());

@@ -239,7 +239,7 @@ TEST_F(Operating, EveryBlockIsRun) {
   }
 }
 
-TEST(Patterns, EllipsisStandsForAnyText) {
+TEST(Patterns, EllipsisMatchesAnyText) {
   EXPECT_TRUE(matches("a", "a"));
   EXPECT_FALSE(matches("a", "ab"));
   EXPECT_TRUE(matches("a '…': b", "a '': b"));

@@ -66,7 +66,7 @@ TEST(CompletionTest, FixedValuesAreOffered) {
   EXPECT_THAT(offered({"ostrovia-replay", "--log-level", ""}), ElementsAre("2", "3", "6"));
 }
 
-TEST(CompletionTest, ValueThatMayBeLeftOutIsOfferedBehindTheEqualsSignOnly) {
+TEST(CompletionTest, OptionalValueComesAfterTheEqualsSign) {
   EXPECT_THAT(offered({"ostrovia-replay", "--summary", "="}), ElementsAre("text", "json"));
   EXPECT_THAT(offered({"ostrovia-replay", "--summary", "=", "j"}), ElementsAre("json"));
   EXPECT_THAT(offered({"ostrovia-replay", "--summary", ""}), ElementsAre(FILES));
@@ -81,7 +81,7 @@ TEST(CompletionTest, FilesAreOfferedWhereFilesBelong) {
   EXPECT_THAT(offered({"ostrovia-check-plugin", "--json", ""}), ElementsAre(FILES));
 }
 
-TEST(CompletionTest, ChecksAreThoseOfTheTool) {
+TEST(CompletionTest, ChecksComeFromTheTool) {
   EXPECT_THAT(offered({"ostrovia-check-plugin", "--only", "versions.p"}),
               ElementsAre("versions.product", "versions.product-text-stays"));
   EXPECT_THAT(offered({"ostrovia-check-plugin", "--skip", ""}), Contains("memory.creation"));

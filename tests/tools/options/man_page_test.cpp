@@ -56,7 +56,7 @@ class BuiltPage : public ::testing::TestWithParam<const char*> {
 
 } // namespace
 
-TEST(ManPageTest, TextIsShownAsItStands) {
+TEST(ManPageTest, TextShowsUnchanged) {
   EXPECT_EQ(tools::roff("a-b 'c' d\\e"), "a\\-b \\(aqc\\(aq d\\ee");
   EXPECT_EQ(tools::roff(".golden"), "\\&.golden");
 }

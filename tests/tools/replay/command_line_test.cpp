@@ -41,7 +41,7 @@ class CommandLineTest : public HostFixture {
 
 } // namespace
 
-TEST_F(CommandLineTest, HelpBeginsWithTheExamplesAndNamesEveryOption) {
+TEST_F(CommandLineTest, HelpHasTheExamplesAndEveryOption) {
   EXPECT_EQ(run({"--help"}), 0);
   std::string examples = "Examples:\n";
   tools::ReplayOptions options;
@@ -102,7 +102,7 @@ TEST_F(CommandLineTest, WrongArgumentsAreNamed) {
   }
 }
 
-TEST_F(CommandLineTest, BatchSizeMustBeAWholeNumberFrom1On) {
+TEST_F(CommandLineTest, BatchSizeIsAWholeNumberFrom1) {
   for (const std::string size : {"0", "-1", "1x", "0.5", "99999999999999999999", ""}) {
     EXPECT_EQ(run({"--batch-size", size.c_str(), events_.c_str()}), tools::EXIT_USAGE) << size;
     EXPECT_EQ(diagnostics(),
@@ -117,7 +117,7 @@ TEST_F(CommandLineTest, MissingFileIsNamed) {
   EXPECT_EQ(out(), "");
 }
 
-TEST_F(CommandLineTest, DefaultsAreNoTenantAndThePluginBesideTheProgram) {
+TEST_F(CommandLineTest, DefaultsAreNoTenantAndTheOwnPlugin) {
   EXPECT_EQ(run({events_.c_str()}), 0);
   EXPECT_EQ(out().find("tenantId"), std::string::npos);
   EXPECT_NE(out().find(R"("vlt.channel":"ostrovia.devices")"), std::string::npos);
