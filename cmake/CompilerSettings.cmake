@@ -9,8 +9,8 @@ if(VLT_SANITIZE)
   add_link_options(-fsanitize=${VLT_SANITIZE})
 endif()
 
-# vlt_compile_quickly(SOURCE…): for code that runs once and takes long to optimise, which a command
-# line's parser does. Elsewhere the build type says how code is compiled.
+# vlt_compile_quickly(SOURCE…): for code that runs once and takes long to optimise, such as the
+# parser of a command line. The build type applies to all other code.
 function(vlt_compile_quickly)
   if(VLT_SANITIZE)
     set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O0)

@@ -1,5 +1,5 @@
-# What all code gets that a fuzz target drives: counters that tell the fuzzer where an input went.
-# The targets themselves add the fuzzer's own main when they are linked (fuzz/CMakeLists.txt).
+# Flags for all code that a fuzz target drives: counters that show the fuzzer the way of an input.
+# The targets themselves add the fuzzer's own main at their link (fuzz/CMakeLists.txt).
 if(VLT_BUILD_FUZZ)
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     message(FATAL_ERROR "VLT_BUILD_FUZZ: libFuzzer comes with clang; see the preset `fuzz`")

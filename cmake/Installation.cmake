@@ -1,4 +1,4 @@
-# What `cmake --install` puts where, below the prefix:
+# The places of the files of `cmake --install`, below the prefix:
 #
 #   bin/                                  the tools
 #   lib/ostrovia-notifications/plugin/    the plug-in, which a host loads by its path
@@ -7,9 +7,8 @@
 #   share/doc/ostrovia-notifications/     documents and samples, laid out as in the sources
 #
 # No linker searches the two folders in lib/. They are two because the stand-in bears the name of
-# the host's client library: a host that is pointed at the plug-in's folder, by whatever means, must
-# not find it there. The tools find both by where they lie themselves, so what is installed can be
-# moved as a whole.
+# the host's client library: a host that searches the plug-in's folder must not find it there. The
+# tools find both from their own place, so the whole installation can move.
 include(GNUInstallDirs)
 set(VLT_PACKAGE_NAME ostrovia-notifications)
 set(VLT_LIBRARY_FOLDER ${CMAKE_INSTALL_LIBDIR}/${VLT_PACKAGE_NAME})
@@ -17,7 +16,7 @@ set(VLT_DOCUMENT_FOLDER ${CMAKE_INSTALL_DATAROOTDIR}/doc/${VLT_PACKAGE_NAME})
 file(RELATIVE_PATH VLT_LIBRARIES_FROM_TOOLS ${CMAKE_INSTALL_FULL_BINDIR}
      ${CMAKE_INSTALL_FULL_LIBDIR}/${VLT_PACKAGE_NAME})
 
-# The stand-in's folder; for a real client library, the one that it was linked from.
+# The stand-in's folder; for a real client library, its folder at the link.
 function(vlt_install_tool tool)
   install(TARGETS ${tool})
   if(TARGET standin)
@@ -37,7 +36,7 @@ function(vlt_install_programs)
   endif()
 endfunction()
 
-# The man page and the completion of a tool, which lie in `folder`.
+# The man page and the completion of a tool, both in `folder`.
 function(vlt_install_manual tool folder)
   install(FILES ${folder}/${tool}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES ${folder}/${tool}.bash RENAME ${tool}

@@ -1,13 +1,14 @@
-# The plug-in is optimised as a whole when it is linked, which lets the small functions of the value
-# layer vanish into the conversions: a few percent of the time of a message. Release builds with
-# g++ only: clang would need a linker plug-in that Debian packages apart.
+# Optimises the plug-in as a whole at its link, so that the small functions of the value layer
+# vanish into the conversions: a few percent of the time of a message. Release builds with g++ only:
+# clang would need a linker plug-in from a Debian package of its own.
 #
-# The objects are ordinary ones as well, which those of CMake's own property for this are not: nm and
-# a debugger can read them. Whatever else links them (tests, tools) optimises its part of them, too.
+# The objects are ordinary ones as well, unlike with CMake's own property for this, so nm and a
+# debugger can read them. Other programs that link them (tests, tools) optimise their part of them,
+# too.
 #
-# More is inlined than -O3 would take by itself, so that lookups and moves of entries become part of
-# the conversions: a message takes a fifth fewer instructions of the plug-in's own. Host functions are
-# called through their addresses, bound when the library is loaded, without a jump in between.
+# Inlines more than -O3 by itself, so that lookups and moves of entries become part of the
+# conversions: a message takes a fifth fewer instructions of the plug-in's own. Calls of host
+# functions go through their addresses, bound at the load of the library, without a jump in between.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_BUILD_TYPE STREQUAL "Release")
   set(VLT_LINK_TIME_OPTIMISATION ON)
   add_link_options(-flto=auto) # in parallel

@@ -1,13 +1,13 @@
-# The packages that `./dev package` makes with CPack of what `cmake --install` installs: a .deb for
-# Debian 12, and a .tar.gz that works unpacked anywhere. Stripped, and the same bytes whenever the
-# same commit is packaged (scripts/package.sh).
+# The packages that `./dev package` makes with CPack from the files of `cmake --install`: a .deb for
+# Debian 12, and a .tar.gz that works unpacked anywhere. Stripped, and the same bytes for the same
+# commit (scripts/package.sh).
 #
-# Nothing but a host provides libtvclient.so.10.15, so the package depends on no package with it.
-# For dpkg-shlibdeps, which would otherwise stop there, the stand-in is a private library, of which
-# no dependency comes.
+# Only a host provides libtvclient.so.10.15, so the package depends on no package with it. For
+# dpkg-shlibdeps, which would otherwise stop there, the stand-in is a private library without
+# dependencies.
 #
 # A build against a host's own library is for its machine alone, since its tools name the folder of
-# that library: no package is made of it.
+# that library: there is no package of it.
 if(NOT TARGET standin)
   return()
 endif()
@@ -34,7 +34,7 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 file(READ packaging/description.txt CPACK_DEBIAN_PACKAGE_DESCRIPTION)
 
-# For packaging/debian_files.cmake: CPack hands on what begins with its name.
+# For packaging/debian_files.cmake: CPack hands on variables that begin with its name.
 set(CPACK_VLT_FILES ${PROJECT_SOURCE_DIR}/packaging)
 set(CPACK_VLT_DOCUMENT_FOLDER ${VLT_DOCUMENT_FOLDER})
 set(CPACK_VLT_MAN_FOLDER ${CMAKE_INSTALL_MANDIR})

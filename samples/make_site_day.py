@@ -37,7 +37,7 @@ NAMES = {
     "1111": "M1 cement silo",
     "1112": "M1 mixer",
 }
-# Owner: what it lists under which of the platform's reference fields.
+# Owner: its children, under the platform's reference fields.
 REFERENCES = {
     "1000": {"childAssets": ["1001", "1002", "1010"], "childDevices": ["1030", "1040"]},
     "1001": {"childDevices": ["1101", "1102"], "assetParents": ["1000"]},
@@ -155,7 +155,7 @@ def pump(day, _):
 
 
 def silo(_, minutes):
-    # This probe sends its figures as text.
+    # This probe sends its figures as strings.
     left = 92 - 80 * (minutes - SHIFT_START) / (SHIFT_END - SHIFT_START)
     return {"site_Level": {"silo": series(f"{left:.1f}", "%")}}
 
@@ -185,7 +185,7 @@ def add_readings(day):
             day.measurement(at, device, kind, reading(day, minutes))
 
 
-# ---- (3) what happens
+# ---- (3) events of the day
 
 
 def add_inventory(day):
@@ -238,7 +238,7 @@ def add_events(day):
         day.event(SHIFT_START + 40 + 160 * place, "1030", "site_SetUp", f"Set up at axis {axis}")
 
 
-# Device, type, text, severity, minutes after midnight at which the alarm is raised.
+# Device, type, text, severity, minutes after midnight of the alarm.
 ALARMS = [
     ("1021", "site_DryRunning", "Runs without water", "CRITICAL", 7 * 60 + 12),
     ("1112", "site_DrumBlocked", "Drum draws too much current", "MAJOR", 9 * 60 + 3),
@@ -267,7 +267,7 @@ def add_alarms(day):
                 "lastUpdated": utc(at)})
 
 
-# Device, what it is told, minutes after midnight, the states that follow PENDING.
+# Device, operation, minutes after midnight, the states that follow PENDING.
 OPERATIONS = [
     ("1040", "Stop P2: dry running", {"site_SetPump": {"pump": "1021", "run": False}},
      7 * 60 + 14, ["EXECUTING", "SUCCESSFUL"]),
@@ -300,7 +300,7 @@ def add_operations(day):
 
 # ---- (4) order and damage
 
-# Kind, which of its notifications in the order of time, what to do to its payload.
+# Kind, number of the notification in the order of time, change of its payload.
 DAMAGE = [
     ("measurements", 57, lambda payload: payload.pop("time")),
     ("measurements", 190, lambda payload: payload.update(source=payload["source"]["id"])),
