@@ -1,6 +1,5 @@
 #include "codec/dispatch.hpp"
 
-#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -30,22 +29,16 @@ constexpr kind_t KINDS[] = {
     {STR_operations, Channel::DEVICES, convertOperation},
 };
 
-bool isOfKind(const char* typeSegment, const kind_t& kind) noexcept {
-  // The first character tells most kinds apart without a call.
-  return *typeSegment == kind.word.front() &&
-         std::strncmp(typeSegment, kind.word.data(), kind.word.size()) == 0;
-}
-
 } // namespace
 
 converted_t convertPulsarToTivraMessage(PulsarMessageDisassembler& notification) {
-  const char* const typeSegment = notification.getStartCharOfMessageType();
+  const std::string_view rest = notification.getStartCharOfMessageType();
   for (const kind_t& kind : KINDS) {
-    if (!isOfKind(typeSegment, kind)) continue;
+    if (!rest.starts_with(kind.word)) continue;
     notification.discardMetadata(); // and with it the path
     return {kind.convert(notification), kind.channel};
   }
-  const std::string segment(typeSegment, std::strcspn(typeSegment, "/"));
+  const std::string segment(rest.substr(0, rest.find('/')));
   notification.getFault().note(
       std::runtime_error("Unrecognised Pulsar message type: '" + segment + "'"));
   return {};

@@ -8,7 +8,6 @@
 #include <new>
 #include <string>
 
-#include "codec/id_for_report.hpp"
 #include "plugin/map_extractor.hpp"
 #include "value/get_visitor.hpp"
 #include "value/to_string.hpp"
@@ -28,6 +27,12 @@ const char* readMeasurementChannel(const MapExtractor& settings) {
   } catch (const std::exception&) {
     return STR_ostroviaDOTmeasurements;
   }
+}
+
+// The text of the notification's "id", or null unless that is of a string kind.
+const char* idOf(const map_t& payload) {
+  const data_t* const id = payload.find_value(DATA_T_id);
+  return id != nullptr && id->is_string() ? text_or_empty(id->get<const char*>()) : nullptr;
 }
 
 } // namespace
@@ -61,16 +66,20 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
     return false;
   }
 
-  const IdForReport id(*fields);
+  // The report can name the id whatever becomes of the notification, without memory of the host's.
+  std::string id_text;
+  const char* id = idOf(*fields);
+  if (id != nullptr) id = (id_text = id).c_str();
+
   PulsarMessageDisassembler notification(std::move(message));
   try {
     message = processPulsarMessage(notification);
     if (!notification.getFault()) return true;
-    reportDropped(id.text(), false, notification.getFault().what());
+    reportDropped(id, false, notification.getFault().what());
   } catch (...) {
-    reportExceptionInFlight(id.text(), false);
+    reportExceptionInFlight(id, false);
   }
-  message.getPayload() = notification.reduceToId(id.text());
+  message.getPayload() = notification.reduceToId(id);
   return false;
 }
 

@@ -1,5 +1,7 @@
 #include "codec/payload_fields.hpp"
 
+#include <cstdlib>
+#include <cstring>
 #include <stdexcept>
 #include <string>
 
@@ -28,6 +30,33 @@ std::runtime_error missing(constant_t const& key, char const* where) {
 }
 
 } // namespace
+
+std::runtime_error problemWithKey(char const* key, const std::runtime_error& error) {
+  return std::runtime_error("Problem with key '" + std::string(key) + "': " + error.what());
+}
+
+void noteNotAString(char const* key, Fault& fault) {
+  if (fault) return;
+  fault.note(std::runtime_error("Value for key '" + std::string(key) + "' is not a string."));
+}
+
+bool dataTConvertableToFloat(data_t const& value) {
+  switch (value.type_tag()) {
+    case VLT_TAG_DOUBLE:
+    case VLT_TAG_INTEGER:
+    case VLT_TAG_DECIMAL:
+      return true;
+    case VLT_TAG_STRING:
+    case VLT_TAG_BORROWED_STRING:
+      break;
+    default:
+      return false;
+  }
+  const char* const text = text_or_empty(value.get<char const*>());
+  char* end = nullptr;
+  std::strtod(text, &end);
+  return end != text && std::strpbrk(text, "xX") == nullptr;
+}
 
 data_t extractField(PulsarMessageDisassembler& notification, constant_t const& key) {
   if (notification.getFault()) return {};

@@ -39,8 +39,8 @@ data_t PulsarMessageDisassembler::reduceToId(const char* text) noexcept {
       spares_.keep(DATA_T_id, std::move(entry.key));
       if (id_.empty()) id_ = std::move(entry.value);
     });
-    // A borrowed text may not outlive the notification.
-    data_t id = id_.type_tag() == VLT_TAG_STRING ? std::move(id_) : data_t(text);
+    data_t id = id_.empty() ? data_t(text) : std::move(id_);
+    if (id.type_tag() == VLT_TAG_BORROWED_STRING) id = data_t(id); // its owner may be gone soon
     payload.clear();
     payload.add(DATA_T_id.hash(), spares_.take(DATA_T_id), std::move(id));
     return payload;

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <string>
 
-#include "codec/field_checks.hpp"
+#include "codec/payload_fields.hpp"
 #include "fuzz/finding.hpp"
 
 using com::velanto::connectivity::data_t;

@@ -17,8 +17,7 @@ class EventMessageBuilder final : public TivraMessageBuilder {
                       SpareParts& spares);
 };
 
-// Consumes the notification. Null for a faulty one: the fault is the first field that is missing or
-// wrong, in the order of the steps.
+// Consumes the notification. Null for a faulty one, which notes its first fault in the steps' order.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertEvent(
     PulsarMessageDisassembler& notification);
 

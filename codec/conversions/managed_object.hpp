@@ -23,8 +23,8 @@ class ManagedObjectBuilder final : public TivraMessageBuilder {
   [[nodiscard]] map_t tryAddPositionComponents(map_t&& position);
 };
 
-// Consumes the notification. Null for a faulty one: the fault is the first field that is missing or
-// wrong, in the order of the steps; malformed optional fragments are never faults.
+// Consumes the notification. Null for a faulty one, which notes its first fault in the steps' order;
+// malformed optional fragments are never faults.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertManagedObject(
     PulsarMessageDisassembler& notification);
 

@@ -53,8 +53,7 @@ class MeasurementValueBuilder {
 // series' own table. Throws std::runtime_error "'value' key missing from measurement value".
 [[nodiscard]] map_t createMeasurementValue(map_t&& series, SpareParts& spares);
 
-// Consumes the notification. Null for a faulty one: the fault is the first field that is missing or
-// wrong, in the order of the steps.
+// Consumes the notification. Null for a faulty one, which notes its first fault in the steps' order.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertMeasurement(
     PulsarMessageDisassembler& notification);
 

@@ -22,8 +22,7 @@ class OperationMessageBuilder final : public TivraMessageBuilder {
   OperationMessageBuilder(data_t&& id, data_t&& source, OperationStatus status, SpareParts& spares);
 };
 
-// Consumes the notification. Null for a faulty one: the fault is the first field that is missing or
-// wrong, in the order of the steps.
+// Consumes the notification. Null for a faulty one, which notes its first fault in the steps' order.
 [[nodiscard]] std::unique_ptr<TivraMessageBuilder> convertOperation(
     PulsarMessageDisassembler& notification);
 

@@ -17,7 +17,8 @@ class Texts : public HostFixture {};
 
 // The texts of an enumeration in the order of its values, and the refusal of any other value.
 template <class Enumeration>
-void expectTexts(constant_t const& (*toText)(Enumeration), std::initializer_list<const char*> texts) {
+void expectTexts(constant_t const& (*toText)(Enumeration),
+                 std::initializer_list<const char*> texts) {
   int value = 0;
   for (const char* const expected : texts) {
     EXPECT_STREQ(toText(static_cast<Enumeration>(value++)).text(), expected);

@@ -46,11 +46,13 @@ TEST_F(ManagedObjectBuilding, ListOfStringsIsStoredAnyOtherIsHandedBack) {
   data_t clean = list_of(text("a"), borrowed("b"), null_text());
   data_t mixed = list_of(text("a"), data_t());
   const std::uint64_t mixed_block = block_of(mixed);
-  EXPECT_FALSE(builder.tryAddSupported(std::move(clean.get<list_t>()), DATA_T_supportedOperations).has_value());
+  EXPECT_FALSE(builder.tryAddSupported(std::move(clean.get<list_t>()), DATA_T_supportedOperations)
+                   .has_value());
   auto rest = builder.tryAddSupported(std::move(mixed.get<list_t>()), DATA_T_supportedMeasurements);
   ASSERT_TRUE(rest.has_value());
   EXPECT_EQ(block_of(data_t(std::move(*rest))), mixed_block);
-  EXPECT_TRUE(same(at(builder.fields, "supportedOperations"), list_of(text("a"), borrowed("b"), null_text())));
+  EXPECT_TRUE(same(at(builder.fields, "supportedOperations"),
+                   list_of(text("a"), borrowed("b"), null_text())));
   EXPECT_FALSE(has(builder.fields, "supportedMeasurements"));
 }
 

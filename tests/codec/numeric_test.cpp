@@ -1,6 +1,6 @@
 // What counts as a number where the locale decides; all else is in the lines of
 // tools/check/conformance/.
-#include "codec/field_checks.hpp"
+#include "codec/payload_fields.hpp"
 
 #include <clocale>
 #include <string>
