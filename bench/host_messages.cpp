@@ -4,7 +4,6 @@
 #include <new>
 
 #include "ndjson/json_reader.hpp"
-#include "ndjson/json_writer.hpp"
 
 namespace com::velanto::connectivity::bench {
 
@@ -92,12 +91,6 @@ void copyMessages(const messages_t& prototypes, const order_t& order, messages_t
 
 void releaseMessages(messages_t& messages, std::size_t first, std::size_t end) noexcept {
   for (std::size_t i = first; i < end; ++i) messages[i] = Message();
-}
-
-std::string renderMessage(const Message& message) {
-  std::string text;
-  writeJson(text, message);
-  return text;
 }
 
 } // namespace com::velanto::connectivity::bench

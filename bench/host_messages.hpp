@@ -29,8 +29,6 @@ void copyMessages(const messages_t& prototypes, const order_t& order, messages_t
 // Frees the contents of the messages from `first` up to `end`, as the owner of the array does.
 void releaseMessages(messages_t& messages, std::size_t first, std::size_t end) noexcept;
 
-[[nodiscard]] std::string renderMessage(const Message& message);
-
 } // namespace com::velanto::connectivity::bench
 
 #endif

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "bench/settings.hpp"
+#include "ndjson/json_writer.hpp"
 
 namespace com::velanto::connectivity::bench {
 
@@ -43,7 +44,7 @@ void PluginContender::convert(std::size_t first, std::size_t end) {
 
 lines_t PluginContender::render() {
   lines_t lines;
-  for (std::size_t i = 0; i < passed_on_; ++i) lines.push_back(renderMessage(messages_[i]));
+  for (std::size_t i = 0; i < passed_on_; ++i) lines.push_back(toJson(messages_[i]));
   return lines;
 }
 

@@ -155,11 +155,17 @@ void ValueWriter::writeDouble(double content) {
 } // namespace
 
 void writeJson(std::string& out, const data_t& value) { ValueWriter(out).write(value); }
+void writeJson(std::string& out, const Message& message) { ValueWriter(out).write(message); }
+
 std::string toJson(const data_t& value) {
   std::string json;
   writeJson(json, value);
   return json;
 }
-void writeJson(std::string& out, const Message& message) { ValueWriter(out).write(message); }
+std::string toJson(const Message& message) {
+  std::string json;
+  writeJson(json, message);
+  return json;
+}
 
 } // namespace com::velanto::connectivity

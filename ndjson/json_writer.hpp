@@ -25,11 +25,12 @@ namespace com::velanto::connectivity {
 // the nesting of the value. Throw std::bad_alloc, and std::logic_error when the host yields no
 // display text; `out` may then end in the middle.
 void writeJson(std::string& out, const data_t& value);
-// The same as a string of its own.
-[[nodiscard]] std::string toJson(const data_t& value);
-
 // {"metadata":{…},"payload":…}; an empty payload is left out, as a line without one reads.
 void writeJson(std::string& out, const Message& message);
+
+// The same as strings of their own.
+[[nodiscard]] std::string toJson(const data_t& value);
+[[nodiscard]] std::string toJson(const Message& message);
 
 } // namespace com::velanto::connectivity
 

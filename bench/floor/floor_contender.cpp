@@ -3,6 +3,7 @@
 // (4) build the event's tables          (5) tombstones         (6) free the rest of the notification
 // (7) free the stand-by copy
 #include "bench/floor/floor_contender.hpp"
+#include "ndjson/json_writer.hpp"
 
 namespace com::velanto::connectivity::bench::floor {
 
@@ -55,7 +56,7 @@ void FloorContender::convert(std::size_t first, std::size_t end) {
 
 lines_t FloorContender::render() {
   lines_t lines;
-  for (const Message& message : messages_) lines.push_back(renderMessage(message));
+  for (const Message& message : messages_) lines.push_back(toJson(message));
   return lines;
 }
 

@@ -9,6 +9,7 @@
 #include <set>
 
 #include "ndjson/json_reader.hpp"
+#include "ndjson/json_writer.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/docs/replay_codec.hpp"
 #include "tests/support/host_fixture.hpp"
@@ -78,7 +79,7 @@ class EventSchemaTest : public HostFixture {
       const std::string type = typeOf(message);
       if (type.empty() || !hasPlainKeys(message)) continue;
       seen_.insert(type);
-      EXPECT_EQ(schema_.complaint(json(message)), "") << place << ": " << json(message);
+      EXPECT_EQ(schema_.complaint(toJson(message)), "") << place << ": " << toJson(message);
     }
   }
 
@@ -99,7 +100,7 @@ class EventSchemaTest : public HostFixture {
 
   static map_t& fieldsOf(Message& event) { return event.getPayload().get<map_t>(); }
 
-  bool accepted(const Message& event) const { return schema_.complaint(json(event)).empty(); }
+  bool accepted(const Message& event) const { return schema_.complaint(toJson(event)).empty(); }
   // A measurement event with `measurements` in place of its own.
   bool acceptedWith(const char* measurements) {
     Message event = sampleOf("Measurement");

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "ndjson/json_reader.hpp"
+#include "ndjson/json_writer.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/docs/replay_codec.hpp"
 #include "tests/support/host_fixture.hpp"
@@ -24,7 +25,7 @@ const std::string CATEGORY = "connectivity.OstroviaNotifications2Codec.replay";
     return ::testing::AssertionSuccess();
   }
   return ::testing::AssertionFailure()
-         << "documented: " << json(expected) << "\nactual:     " << json(actual);
+         << "documented: " << toJson(expected) << "\nactual:     " << toJson(actual);
 }
 
 class Fields : public HostFixture {

@@ -3,19 +3,9 @@
 #ifndef VLT_TESTS_DOCS_REPLAY_CODEC_HPP
 #define VLT_TESTS_DOCS_REPLAY_CODEC_HPP
 
-#include <string>
-
-#include "ndjson/json_writer.hpp"
 #include "tests/end_to_end/loaded_codec.hpp"
 
 namespace com::velanto::connectivity::test {
-
-// A message as the tool prints it.
-inline std::string json(const Message& message) {
-  std::string text;
-  writeJson(text, message);
-  return text;
-}
 
 class ReplayCodec : private LibraryHolder, public LoadedCodec {
  public:

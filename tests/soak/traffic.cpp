@@ -70,9 +70,7 @@ void Traffic::send(tools::Direction direction, std::size_t batch_size) {
 
 void Traffic::add(const Message* start, const Message* end, std::int64_t& reached) {
   for (const Message* message = start; message != end; ++message) {
-    text_.clear();
-    writeJson(text_, *message);
-    figures_.digest = mixed(figures_.digest, text_);
+    figures_.digest = mixed(figures_.digest, toJson(*message));
     ++reached;
   }
 }

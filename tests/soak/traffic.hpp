@@ -57,7 +57,6 @@ class Traffic {
   const tools::LogScope scope_{lines_};
   std::optional<tools::HostedPlugin> codec_;
   bool codec_traces_ = false;
-  std::string text_; // of the message at hand
   figures_t figures_;
 };
 

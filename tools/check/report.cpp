@@ -1,13 +1,11 @@
 #include "tools/check/report.hpp"
 
-#include <simdjson.h>
-
 #include <algorithm>
 #include <numeric>
 #include <string_view>
 #include <utility>
 
-#include "ndjson/json_writer.hpp"
+#include "ndjson/json_text.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 
@@ -39,7 +37,7 @@ style_t styleOf(Ending ending) {
 
 // The output of a faulty library may be any bytes.
 std::string printable(std::string text) {
-  const bool is_text = simdjson::validate_utf8(text.data(), text.size());
+  const bool is_text = findInvalidUtf8(text) == std::string::npos;
   for (char& c : text) {
     const auto byte = static_cast<unsigned char>(c);
     if ((byte < 0x20 && c != '\n') || byte == 0x7f || (byte >= 0x80 && !is_text)) c = '?';
@@ -72,9 +70,8 @@ void writeDifference(std::ostream& out, const difference_t& difference) {
 }
 
 std::string quoted(const std::string& text) {
-  const std::string clean = printable(text);
   std::string json;
-  writeJson(json, data_t(clean.c_str()));
+  appendJsonText(json, printable(text));
   return json;
 }
 

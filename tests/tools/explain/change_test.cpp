@@ -19,15 +19,13 @@ class ChangeTest : public HostFixture {
     tools::change_t change = tools::change_t::removal(path);
     if (*value != '\0') change.value = reader_.parseValue(value);
     tools::apply(message, change);
-    std::string json;
-    writeJson(json, message);
-    return json;
+    return toJson(message);
   }
   std::string changesOf(const std::string& json) {
     std::string text;
     for (const data_t& value : tools::changedValues(reader_.parseValue(json))) {
       if (!text.empty()) text += ' ';
-      writeJson(text, value);
+      text += toJson(value);
     }
     return text;
   }

@@ -15,7 +15,7 @@ class MendingTest : public HostFixture {
     std::string text;
     for (const data_t& value : tools::mendedValues(reader_.parseValue(json))) {
       if (!text.empty()) text += ' ';
-      writeJson(text, value);
+      text += toJson(value);
     }
     return text;
   }

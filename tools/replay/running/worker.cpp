@@ -13,11 +13,7 @@ namespace {
 bool sameMessages(std::span<const Message> one, std::span<const Message> other) {
   return std::equal(
       one.begin(), one.end(), other.begin(), other.end(), [](const Message& a, const Message& b) {
-        std::string text_of_a;
-        std::string text_of_b;
-        writeJson(text_of_a, a);
-        writeJson(text_of_b, b);
-        return text_of_a == text_of_b ||
+        return toJson(a) == toJson(b) ||
                (a.getPayload() == b.getPayload() && a.getMetadataMap() == b.getMetadataMap());
       });
 }
