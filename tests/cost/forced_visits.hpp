@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "value/map_slot.hpp"
+#include "value/table_rules.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -19,7 +20,7 @@ constexpr std::int64_t grownFrom(std::int64_t capacity) { return 2 * (3 * capaci
 
 // The capacity at which a table that grows by insertions alone has at least that many slots.
 constexpr std::int64_t capacityFor(std::int64_t slots) {
-  std::int64_t capacity = map_t::FIRST_CAPACITY;
+  std::int64_t capacity = table_rules::FIRST_CAPACITY;
   while (capacity < slots) capacity = grownFrom(capacity);
   return capacity;
 }
@@ -67,7 +68,7 @@ class VisitCounter {
     slots_ = std::move(grown);
   }
 
-  slots_t slots_ = slots_t(map_t::FIRST_CAPACITY);
+  slots_t slots_ = slots_t(table_rules::FIRST_CAPACITY);
   std::size_t live_ = 0;
   std::uint64_t visits_ = 0;
 };

@@ -1,5 +1,5 @@
 // Keeps docs/fields.md true. (1) It runs each example through the built plug-in and compares it
-// value by value, or its log line whole, (2) and so each row of the table of times.
+// value by value, or its log line whole. (2) It does the same with each row of the table of times.
 #include <gtest/gtest.h>
 
 #include <set>

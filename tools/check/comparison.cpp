@@ -35,7 +35,7 @@ bool sameBuffer(const buffer_t& left, const buffer_t& right) {
   return left.size() == 0 || std::memcmp(left.data(), right.data(), left.size()) == 0;
 }
 
-// The 8 bytes of the content, whatever they mean.
+// The 8 bytes of the content, of any meaning.
 std::uint64_t bitsOf(const data_t& value) {
   std::uint64_t bits = 0;
   std::memcpy(&bits, &value.underlying()->value, sizeof bits);
@@ -82,7 +82,7 @@ entries_t entriesOf(const map_t& map) {
   return entries;
 }
 
-// Counts and places that a host relies on when it looks up a text key.
+// Counts and places that a host relies on when it looks up a string key.
 found_t tableFault(const map_t& map, const entries_t& entries, const std::string& where) {
   if (entries.size() != map.size()) {
     return difference_t{where + ", entries that the table counts", std::to_string(entries.size()),
@@ -119,8 +119,8 @@ found_t difference(const map_t& expected, const map_t& came, const std::string& 
   if (found_t fault = tableFault(came, left, where)) return fault;
   for (const auto& [key, value] : expected) {
     const std::string place = where + "." + shown(key);
-    const data_t& wanted = key; // a binding cannot be captured by every compiler
-    // Keys of an unknown kind may occur more than once: each is matched with one of its like.
+    const data_t& wanted = key; // not every compiler can capture a binding
+    // Keys of an unknown kind may occur more than once: matches each with an equal one.
     const auto match = std::find_if(left.begin(), left.end(), [&wanted](const auto& entry) {
       return !difference(wanted, *entry.first, "");
     });

@@ -75,7 +75,7 @@ std::vector<Message> readMessages(const map_t& line, const char* name, ValueDeco
   return messages;
 }
 
-// gtest takes any name; the format wants ones that can be typed into a filter.
+// gtest takes any name; the format wants names that fit a filter.
 std::string readName(const map_t& line) {
   std::string name = requireText(requireMember(line, "name"), "name");
   const auto allowed = [](unsigned char c) { return c < 0x80 && std::isalnum(c) != 0; };
@@ -85,7 +85,7 @@ std::string readName(const map_t& line) {
   return name;
 }
 
-// "LEVEL TEXT", without the label that every line of the plug-in has.
+// "LEVEL TEXT", without the label of every line of the plug-in.
 std::string readLogLine(const data_t& json) {
   const char* const written = requireText(json, "a log line");
   char* text = nullptr;
@@ -94,7 +94,7 @@ std::string readLogLine(const data_t& json) {
   return line(static_cast<vlt_log_level_t>(level), text + 1);
 }
 
-// What a typed get writes when it is asked for `kind` and the value is of another.
+// The line of a typed get for `kind` on a value of another.
 std::string wrongGet(const std::string& kind) {
   const char* type = nullptr;
   if (kind == "map") type = typeid(map_t).name();

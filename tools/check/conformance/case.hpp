@@ -1,5 +1,5 @@
-// The conformance files, read and checked: for each line what the codec is given and what must come
-// of it. README.md explains the members of a line.
+// The conformance files, read and checked: for each line the input of the codec and the expected
+// result. README.md explains the members of a line.
 #ifndef VLT_TOOLS_CHECK_CONFORMANCE_CASE_HPP
 #define VLT_TOOLS_CHECK_CONFORMANCE_CASE_HPP
 
@@ -40,18 +40,18 @@ struct line_t {
 [[nodiscard]] std::vector<line_t> readLines(std::string_view file);
 
 struct case_t {
-  ValueDecoder decoder; // owns the texts of borrowed strings below
+  ValueDecoder decoder; // owns the bytes of borrowed strings below
   std::string name;
   bool advised = false;
-  bool null_configuration = false; // create is given a null pointer
+  bool null_configuration = false; // create gets a null pointer
   data_t configuration;
   bool created = true;
   bool towards_transport = false;
   vlt_log_level_t log_level = 3;
   std::vector<Message> in;
   std::vector<Message> out;
-  bool passes = false;                         // `out` is written as `in` is
-  std::optional<std::vector<Message>> dropped; // in any order; unset: not looked at
+  bool passes = false;                         // `out` has the form of `in`
+  std::optional<std::vector<Message>> dropped; // in any order; unset: not compared
   lines_t log;                                 // as check::line makes them
   lines_t standard_error;
 };

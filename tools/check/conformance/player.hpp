@@ -8,11 +8,11 @@
 
 namespace com::velanto::connectivity::tools::check {
 
-// What is expected of a build: the required is what any build must keep; advised are the rest of
-// this project's own decisions: cases marked as advised, and the wording on standard error.
+// The expectations of a build. Required: of any build. Advised: also this project's own decisions,
+// which are cases marked as advised, and the wording on standard error.
 enum class Demand { required, advised };
 
-// Plays one case from create to destroy, as the only user of the host's log, and expects of it what
+// Plays one case from create to destroy, as the only user of the host's log, and checks all that
 // README.md lists.
 void play(Trial& trial, const PluginLibrary& library, const line_t& line, Demand demand);
 

@@ -1,4 +1,4 @@
-// The conformance files, one check a file: each line is played from create to destroy.
+// The conformance files, one check a file: plays each line from create to destroy.
 #include <string>
 
 #include "tools/check/chain.hpp"
@@ -38,7 +38,8 @@ constexpr check_t CONFORMANCE_CHECKS[] = {
      playAll<BATCHES_FILE>},
     {"conformance.configuration", "settings are used or refused as docs/operating.md says",
      playAll<CONFIGURATION_FILE>},
-    {"conformance.events", "events become their events, faulty ones are reported and dropped",
+    {"conformance.events",
+     "notifications of events become host events, faulty ones are reported and dropped",
      playAll<EVENTS_FILE>},
     {"conformance.fields", "fields that no conversion knows are carried over, under any name",
      playAll<FIELDS_FILE>},
