@@ -4,10 +4,10 @@
 #   bench                the tables; results.json and chart.svg in build/bench/results
 #   bench_instructions   instructions per message, counted by callgrind
 #   bench --replay       ostrovia-replay against jq, by scripts/replay_speed.sh
-#   bench_against REV    the plug-in of another revision, built aside; prints its path
+#   bench_against REV    builds the plug-in of another revision; prints its path
 
 # The headers of the Boost that has Boost.JSON, unpacked into build/boost-1.81: the package itself
-# cannot be installed beside the one of the Boost that the codec is built with.
+# conflicts with the one of the codec's Boost.
 unpack_boost_json() {
   local folder=build/boost-1.81
   [[ -f $folder/usr/include/boost/json/src.hpp ]] && return
@@ -29,7 +29,7 @@ build_bench() {
   build bench ostrovia-bench OstroviaNotifications2Codec
 }
 
-# bench_against REV: the sources in a work tree of their own, built as those here are.
+# bench_against REV: its sources in a work tree of their own, built in the same way.
 bench_against() {
   local -a own_tree=(git -c "safe.directory=$PWD")
   local commit
@@ -54,8 +54,8 @@ bench_instructions() {
   note "counting instructions; callgrind takes its time"
   valgrind --quiet --tool=callgrind --collect-atstart=no \
     --callgrind-out-file="$folder/counts" build/bench/bin/ostrovia-bench --instructions "$@" >&2
-  # Each dump names what it counted: "desc: Trigger: Client Request: KIND;CONTENDER;MESSAGES".
-  # Dumps are numbered, and awk is to see them in that order.
+  # Each dump names its measurement: "desc: Trigger: Client Request: KIND;CONTENDER;MESSAGES". Dumps
+  # have numbers, and awk has to read them in that order.
   # shellcheck disable=SC2016 # the dollars are awk's
   find "$folder" -name 'counts.*' | sort --version-sort | xargs awk '
     /^desc: Trigger: Client Request: / {

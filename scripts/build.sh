@@ -11,7 +11,7 @@ configure() {
   cmake --preset "$1" --log-level=NOTICE >&2
 }
 
-# build PRESET [TARGET…]: all targets when none is named.
+# build PRESET [TARGET…]: all targets without a name.
 build() {
   local preset=$1
   shift
@@ -28,7 +28,7 @@ is_current() {
   ninja -C "build/$preset" -n "$@" 2>/dev/null | grep --quiet '^ninja: no work to do'
 }
 
-# build_and_test PRESET [CTEST ARGS…]: what ctest prints is the only output on stdout.
+# build_and_test PRESET [CTEST ARGS…]: stdout has the output of ctest alone.
 build_and_test() {
   local preset=$1
   shift

@@ -33,7 +33,7 @@ def sessions(document, info):
 
 
 def pattern(lines):
-    """The regular expression for what a command shows."""
+    """The regular expression for the output of a command."""
     text = ""
     for line in lines:
         line = TIME.sub("T ms", line)

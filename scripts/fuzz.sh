@@ -3,14 +3,14 @@
 #
 #   fuzz_all SECONDS             every target, as many at a time as there are processors
 #   fuzz_target TARGET SECONDS   one of them
-#   fuzz_file TARGET FILE        one input, once: what a finding does today
+#   fuzz_file TARGET FILE        one input, once: the effect of a finding today
 #
 # In build/fuzz, for each target:
 #
-#   seeds/TARGET      made anew from the samples by each run
-#   corpus/TARGET     inputs that reached something new, from this and earlier runs, which go on
-#                     from there
+#   seeds/TARGET      made from the samples by each run
+#   corpus/TARGET     inputs that reached something new; later runs go on from there
 #   findings/TARGET   inputs that broke a check, crashed, leaked or took too long
+#   log/TARGET        the last run's output
 #   log/TARGET        the last run's output
 
 fuzz_targets=(plugin map replay time number)
@@ -50,7 +50,7 @@ fuzz_run() {
   local log=build/fuzz/log/$target
   mkdir -p "$corpus" "$findings" build/fuzz/log
   touch "$log.begun"
-  # What the code under test writes to standard error, line by line, would fill the log.
+  # Without the standard error of the code under test, which would fill the log line by line.
   fuzz_program "$target" -max_total_time="$seconds" -close_fd_mask=2 -print_final_stats=1 \
     -artifact_prefix="$findings/" "$corpus" "build/fuzz/seeds/$target" >"$log" 2>&1 || status=$?
   local -a found
@@ -62,7 +62,7 @@ fuzz_run() {
     echo "  $file; again: ./dev fuzz $target $file"
   done
   if ((status != 0 || ${#found[@]} > 0)); then
-    # The input may be in the text, whatever its bytes are.
+    # The input may be in the output, with any bytes.
     grep --text -E 'FINDING|runtime error:|^SUMMARY|^==[0-9]+==ERROR' "$log" |
       cat --show-nonprinting | sed 's/^/  /' || true
     echo "  all of it: $log"

@@ -4,8 +4,8 @@
 #   package            a .deb and a .tar.gz in build/package; prints their names
 #   package_into DIR   the same, into a folder, without building
 
-# commit_time: seconds since 1970 of what is packaged: the last commit, for an unpacked archive its
-# newest file. Whoever sets SOURCE_DATE_EPOCH knows better.
+# commit_time: seconds since 1970 of the packaged sources: of the last commit, or of the newest file
+# of an unpacked archive. SOURCE_DATE_EPOCH overrides it.
 commit_time() {
   local -a own_tree=(git -c "safe.directory=$PWD")
   if [[ -n ${SOURCE_DATE_EPOCH:-} ]]; then
@@ -20,18 +20,18 @@ commit_time() {
 package_into() {
   local output
   rm -rf "$1"
-  # Folders get the permissions that are usual, not those that the caller gives his own.
+  # Folders get the usual permissions, not the caller's own.
   output=$(umask 022 && SOURCE_DATE_EPOCH=$(commit_time) LC_ALL=C.UTF-8 \
     cpack --config build/release/CPackConfig.cmake -B "$1" 2>&1) ||
     fail "cpack failed:"$'\n'"$output"
   rm -rf "$1/_CPack_Packages"
 }
 
-# build_for_packages: all that is installed.
+# build_for_packages: all installed targets.
 build_for_packages() {
   configure release
   grep --quiet '^VLT_CLIENT_LIBRARY:[A-Z]*=$' build/release/CMakeCache.txt ||
-    fail "build/release is configured with VLT_CLIENT_LIBRARY, of which no package is made"
+    fail "build/release is configured with VLT_CLIENT_LIBRARY: there is no package of that"
   build release OstroviaNotifications2Codec ostrovia-replay ostrovia-check-plugin manual_files
 }
 

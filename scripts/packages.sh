@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# The one table of what the project needs of its operating system, Debian 12, and the function that
-# installs what is missing. Sourced by ./dev.
+# The one table of the project's needs of its operating system, Debian 12, and the function that
+# installs missing packages. Sourced by ./dev.
 #
 #   group     needed by
 #   build     compiling with g++ 12 and running the tests
@@ -14,12 +14,12 @@
 #   bench     ./dev bench; besides, scripts/bench.sh unpacks libboost1.81-dev, which conflicts with
 #             libboost-dev
 #
-# Each package is listed with what the project needs of it: a command (cmake), a C or C++ header
-# (zlib.h), or a file (a pattern that begins with /). A package is installed only when that is
-# missing, so another version of a library, wherever it comes from, will do.
+# Each package has the reason why the project needs it: a command (cmake), a C or C++ header
+# (zlib.h), or a file (a pattern that begins with /). Only without that does the function install
+# the package, so another version of a library, from any source, will do.
 #
-# Only what is named here is installed: recommended packages are left out, so a name that is missing
-# shows on a fresh machine and not on the machine of whoever forgot it.
+# The function installs only the packages in this table, without recommended ones. So a missing name
+# shows on a fresh machine.
 
 declare -A package_groups=(
   [build]="
@@ -71,7 +71,7 @@ is_present() {
   esac
 }
 
-# set_up GROUP…: installs what is missing of the groups; silent when nothing is.
+# set_up GROUP…: installs missing packages of the groups; silent when there are none.
 set_up() {
   local group row
   local -a rows=() missing=() as_root=()
@@ -93,7 +93,7 @@ set_up() {
   apt_get "${as_root[@]}" -- install --yes --no-install-recommends --no-remove "${missing[@]}"
 }
 
-# apt_get [PREFIX…] -- ARGS…: apt-get without questions; what it and dpkg say is shown when they fail.
+# apt_get [PREFIX…] -- ARGS…: apt-get without questions; shows its output and dpkg's when they fail.
 # The variable comes after the prefix because sudo drops the caller's environment. With --quiet=2
 # apt-get would not say which packages are in each other's way.
 apt_get() {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Times ostrovia-replay against jq on the mapping of alarms: the same file, in the same run, taking
-# turns. The file is made here, of LINES alarms (default 200000). Prints the best of ROUNDS (default
-# 3) of each and the ratio; fails when ostrovia-replay is not at least six times as fast.
+# turns. Makes the file from LINES alarms (default 200000). Prints the best of ROUNDS (default 3) of
+# each and the ratio; fails when ostrovia-replay is not at least six times as fast.
 #
 #   scripts/replay_speed.sh TOOL [LINES [ROUNDS]]
 set -euo pipefail
@@ -13,8 +13,8 @@ rounds=${3:-3}
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 
-# What the codec makes of an alarm, as far as jq can tell it: times become seconds, the source its
-# id, the metadata type and channel.
+# The codec's event of an alarm, as far as jq can make it: times become seconds, the source its id,
+# the metadata type and channel.
 readonly mapping='
   def seconds: (.[0:19] + "Z" | fromdateiso8601) + (.[20:23] | tonumber) / 1000
     - (if .[23:24] == "Z" then 0

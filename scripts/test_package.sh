@@ -1,17 +1,17 @@
 # shellcheck shell=bash
-# Installing, running, upgrading and purging the packages in a clean Debian 12, and nothing but what
-# they name. Sourced by ./dev, which runs in the project's root.
+# Installing, running, upgrading and purging the packages in a clean Debian 12 with their
+# dependencies and nothing else. Sourced by ./dev, which runs in the project's root.
 #
-#   test_package   makes the packages and the clean root, runs every check_… below in the order of
-#                  package_checks, prints a line for each and at the end how many held
+#   test_package   makes the packages and the clean root, and runs every check_… below in the order of
+#                  package_checks. Prints a line for each, and at the end how many held
 #
 # In build/package-test:
 #
 #   base.tar    the root as debootstrap made it, for the next run; remove it for a newer one
-#   root        the root of this run; the packages lie in its folder /srv/packages
+#   root        the root of this run; the packages are in its folder /srv/packages
 #   again       the packages, made a second time
 #
-# What is run in the root has mounts and processes of its own, which end with it.
+# Commands in the root have mounts and processes of their own, which end with them.
 
 package_suite=bookworm # Debian 12
 package_name=ostrovia-notifications
@@ -75,8 +75,8 @@ make_root() {
   files_of_root >"$package_folder/files.before"
 }
 
-# files_of_root: every path but those that change with whatever is installed: caches, logs and the
-# package manager's own lists.
+# files_of_root: every path but the ones that any installation changes: caches, logs and the package
+# manager's own lists.
 files_of_root() {
   (cd "$package_root" && find . -xdev \( -path ./proc -o -path ./run -o -path ./srv -o -path ./tmp \
     -o -path ./var/cache -o -path ./var/log -o -path ./var/lib/apt -o -path ./var/lib/dpkg \) \
@@ -93,7 +93,8 @@ older_package() {
   dpkg-deb --root-owner-group --build "$content" "$1"
 }
 
-# No check asks `grep --quiet` behind a pipe: it leaves early, and what is before it may then fail.
+# No check puts `grep --quiet` after a pipe: it leaves early, and the command before it may then
+# fail.
 
 # expect_same EXPECTED CAME
 expect_same() {
@@ -139,7 +140,7 @@ check_man_pages() {
 }
 
 check_completion() {
-  # shellcheck disable=SC2016 # the dollars are those of the bash in the root
+  # shellcheck disable=SC2016 # the bash in the root expands these dollars
   expect_same "--summary" "$("${in_root[@]}" bash -c '
     source /usr/share/bash-completion/bash_completion
     _completion_loader ostrovia-replay
@@ -184,11 +185,11 @@ check_nothing_left() {
 }
 
 package_checks=(
-  "same_bytes     packaging a second time gives the same bytes, whatever the umask"
+  "same_bytes     packaging a second time gives the same bytes, with any umask"
   "two_commands   the .deb installs with its dependencies and converts, as docs/operating.md shows"
-  "same_events    the installed ostrovia-replay makes of every sample what the build makes of it"
+  "same_events    the installed ostrovia-replay makes the same of every sample as the build"
   "plugin         the installed plug-in passes ostrovia-check-plugin"
-  "files          the installed files are those of the package"
+  "files          the installed files are the package's"
   "man_pages      man finds and shows both pages"
   "completion     bash loads the completion and completes an option"
   "linker_path    the linker's path knows neither the stand-in nor the plug-in"
@@ -198,8 +199,8 @@ package_checks=(
   "nothing_left   the root is as it was before"
 )
 
-# run_check NAME TEXT: in a shell of its own that ends with the first command that fails. That would
-# not be so if it stood in a condition.
+# run_check NAME TEXT: in a shell of its own that ends with the first command that fails; a
+# condition would not end there.
 run_check() {
   local status
   set +e
