@@ -7,26 +7,26 @@
 
 namespace standin {
 
-constinit thread_local thread_counters_t threadCounters;
+constinit thread_local thread_counters_t thread_counters;
 
 namespace {
 
 std::mutex counts_lock; // guards all that follows in this namespace
-thread_counters_t* runningThreads = nullptr;
-std::array<int64_t, counterCount> endedTotals{};
-std::array<int64_t, counterCount> callsAtReset{};
+thread_counters_t* running_threads = nullptr;
+std::array<int64_t, COUNTER_COUNT> ended_totals{};
+std::array<int64_t, COUNTER_COUNT> calls_at_reset{};
 
 // A destructor of a pthread key and not of a C++ object: it runs after the destructors of all C++
 // thread-local objects, which may still free values.
 void endThread(void* ended) {
   auto& thread = *static_cast<thread_counters_t*>(ended);
   const std::lock_guard guard(counts_lock);
-  for (std::size_t i = 0; i < counterCount; ++i) {
-    endedTotals[i] += thread.counters[i].load(std::memory_order_relaxed);
+  for (std::size_t i = 0; i < COUNTER_COUNT; ++i) {
+    ended_totals[i] += thread.counters[i].load(std::memory_order_relaxed);
   }
-  (thread.previous != nullptr ? thread.previous->next : runningThreads) = thread.next;
+  (thread.previous != nullptr ? thread.previous->next : running_threads) = thread.next;
   if (thread.next != nullptr) thread.next->previous = thread.previous;
-  thread.state = thread_state_t::ended;
+  thread.state = thread_state_t::ENDED;
 }
 
 struct end_key_t {
@@ -36,21 +36,22 @@ struct end_key_t {
 
 // Only a thread with a destructor for its end may enter the list: its counters vanish with it.
 bool enterThread() noexcept {
-  static const end_key_t end;
-  thread_counters_t& own = threadCounters;
-  if (!end.made || pthread_setspecific(end.key, &own) != 0) return false;
+  static const end_key_t END;
+  thread_counters_t& own = thread_counters;
+  if (!END.made || pthread_setspecific(END.key, &own) != 0) return false;
   const std::lock_guard guard(counts_lock);
-  own.next = runningThreads;
-  if (runningThreads != nullptr) runningThreads->previous = &own;
-  runningThreads = &own;
-  own.state = thread_state_t::running;
+  own.next = running_threads;
+  if (running_threads != nullptr) running_threads->previous = &own;
+  running_threads = &own;
+  own.state = thread_state_t::RUNNING;
   return true;
 }
 
 // The caller holds the lock.
 int64_t sum(std::size_t counter) noexcept {
-  int64_t total = endedTotals[counter];
-  for (const thread_counters_t* thread = runningThreads; thread != nullptr; thread = thread->next) {
+  int64_t total = ended_totals[counter];
+  for (const thread_counters_t* thread = running_threads; thread != nullptr;
+       thread = thread->next) {
     total += thread->counters[counter].load(std::memory_order_relaxed);
   }
   return total;
@@ -59,9 +60,9 @@ int64_t sum(std::size_t counter) noexcept {
 } // namespace
 
 void addSlowly(std::size_t counter, int64_t change) noexcept {
-  if (threadCounters.state == thread_state_t::fresh && enterThread()) return add(counter, change);
+  if (thread_counters.state == thread_state_t::FRESH && enterThread()) return add(counter, change);
   const std::lock_guard guard(counts_lock);
-  endedTotals[counter] += change;
+  ended_totals[counter] += change;
 }
 
 } // namespace standin
@@ -85,14 +86,14 @@ int64_t standin_calls(standin_function_t function) {
   if (function >= STANDIN_FUNCTIONS) return 0;
   const std::lock_guard guard(counts_lock);
   const std::size_t counter = std::size_t{STANDIN_BLOCK_KINDS} + function;
-  return sum(counter) - callsAtReset[counter];
+  return sum(counter) - calls_at_reset[counter];
 }
 
 int64_t standin_calls_total(void) {
   const std::lock_guard guard(counts_lock);
   int64_t total = 0;
-  for (std::size_t i = STANDIN_BLOCK_KINDS; i < counterCount; ++i) {
-    total += sum(i) - callsAtReset[i];
+  for (std::size_t i = STANDIN_BLOCK_KINDS; i < COUNTER_COUNT; ++i) {
+    total += sum(i) - calls_at_reset[i];
   }
   return total;
 }
@@ -100,5 +101,5 @@ int64_t standin_calls_total(void) {
 // Remembers the sums instead of clearing the counters, which only their own threads may write.
 void standin_reset_calls(void) {
   const std::lock_guard guard(counts_lock);
-  for (std::size_t i = STANDIN_BLOCK_KINDS; i < counterCount; ++i) callsAtReset[i] = sum(i);
+  for (std::size_t i = STANDIN_BLOCK_KINDS; i < COUNTER_COUNT; ++i) calls_at_reset[i] = sum(i);
 }

@@ -18,30 +18,30 @@
 namespace standin {
 
 // Blocks by kind, then calls by function.
-inline constexpr std::size_t counterCount = std::size_t{STANDIN_BLOCK_KINDS} + STANDIN_FUNCTIONS;
+inline constexpr std::size_t COUNTER_COUNT = std::size_t{STANDIN_BLOCK_KINDS} + STANDIN_FUNCTIONS;
 
-using counters_t = std::array<std::atomic<int64_t>, counterCount>;
+using counters_t = std::array<std::atomic<int64_t>, COUNTER_COUNT>;
 
 // A thread without counters still counts, slowly: destructors of other libraries may call late.
-enum class thread_state_t { fresh, running, ended };
+enum class thread_state_t { FRESH, RUNNING, ENDED };
 
 struct thread_counters_t {
   counters_t counters{};
-  thread_state_t state = thread_state_t::fresh;
+  thread_state_t state = thread_state_t::FRESH;
   thread_counters_t* previous = nullptr;
   thread_counters_t* next = nullptr;
 };
 
 // The model spares each call a function call to find the thread's storage; 19 counters fit the
 // space that the loader reserves for libraries loaded late.
-extern constinit thread_local thread_counters_t threadCounters [[gnu::tls_model("initial-exec")]];
+extern constinit thread_local thread_counters_t thread_counters [[gnu::tls_model("initial-exec")]];
 
 // Enters the thread into the list on its first call, counts in the totals after its last.
 void addSlowly(std::size_t counter, int64_t change) noexcept;
 
 inline void add(std::size_t counter, int64_t change) noexcept {
-  thread_counters_t& own = threadCounters;
-  if (own.state != thread_state_t::running) return addSlowly(counter, change);
+  thread_counters_t& own = thread_counters;
+  if (own.state != thread_state_t::RUNNING) return addSlowly(counter, change);
   // One writer per counter: a plain addition, atomic only towards the readers.
   std::atomic<int64_t>& value = own.counters[counter];
   value.store(value.load(std::memory_order_relaxed) + change, std::memory_order_relaxed);

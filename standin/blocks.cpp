@@ -14,20 +14,20 @@ namespace {
 
 // The largest size in the cache that the C library's heap has for each thread; its calloc goes past
 // that cache, at least up to glibc 2.36.
-constexpr std::size_t cachedSize = 1032;
+constexpr std::size_t CACHED_SIZE = 1032;
 
 // Out of line, or else the compiler turns malloc and memset into calloc again.
 [[gnu::noinline]] void* zeroed(void* block, std::size_t size) noexcept {
   return block == nullptr ? nullptr : std::memset(block, 0, size);
 }
 
-// Zeroed memory for a head and `count` items of `itemSize` bytes after it.
+// Zeroed memory for a head and `count` items of `item_size` bytes after it.
 void* makeZeroed(standin_block_t kind, std::size_t head, int64_t count,
-                 std::size_t itemSize) noexcept {
-  if (count < 0 || static_cast<uint64_t>(count) > (PTRDIFF_MAX - head) / itemSize) return nullptr;
+                 std::size_t item_size) noexcept {
+  if (count < 0 || static_cast<uint64_t>(count) > (PTRDIFF_MAX - head) / item_size) return nullptr;
   if (allocationRefused()) return nullptr;
-  const std::size_t size = head + static_cast<std::size_t>(count) * itemSize;
-  void* block = size <= cachedSize ? zeroed(std::malloc(size), size) : std::calloc(1, size);
+  const std::size_t size = head + static_cast<std::size_t>(count) * item_size;
+  void* block = size <= CACHED_SIZE ? zeroed(std::malloc(size), size) : std::calloc(1, size);
   if (block != nullptr) countMade(kind);
   return block;
 }

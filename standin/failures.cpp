@@ -8,36 +8,36 @@
 
 namespace standin {
 
-constinit std::atomic<bool> refusalRequested{false};
+constinit std::atomic<bool> refusal_requested{false};
 
 namespace {
 
-std::mutex failures_lock;     // guards all that follows in this namespace
-uint64_t allocationsLeft = 0; // up to and including the one to refuse; 0: no request
-bool refusesAllAfter = false;
+std::mutex failures_lock;      // guards all that follows in this namespace
+uint64_t allocations_left = 0; // up to and including the one to refuse; 0: no request
+bool refuses_all_after = false;
 uint64_t refused = 0;
 
-void request(uint64_t n, bool allAfter) noexcept {
+void request(uint64_t n, bool all_after) noexcept {
   const std::lock_guard guard(failures_lock);
-  allocationsLeft = n;
-  refusesAllAfter = allAfter;
+  allocations_left = n;
+  refuses_all_after = all_after;
   if (n > 0) refused = 0;
-  refusalRequested.store(n > 0, std::memory_order_relaxed);
+  refusal_requested.store(n > 0, std::memory_order_relaxed);
 }
 
 } // namespace
 
 bool countAndRefuse() noexcept {
   const std::lock_guard guard(failures_lock);
-  if (allocationsLeft == 0) return false; // switched off since the caller looked
-  if (allocationsLeft > 1) {
-    --allocationsLeft;
+  if (allocations_left == 0) return false; // switched off since the caller looked
+  if (allocations_left > 1) {
+    --allocations_left;
     return false;
   }
   ++refused;
-  if (!refusesAllAfter) {
-    allocationsLeft = 0;
-    refusalRequested.store(false, std::memory_order_relaxed);
+  if (!refuses_all_after) {
+    allocations_left = 0;
+    refusal_requested.store(false, std::memory_order_relaxed);
   }
   return true;
 }

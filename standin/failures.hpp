@@ -7,13 +7,13 @@
 
 namespace standin {
 
-extern constinit std::atomic<bool> refusalRequested;
+extern constinit std::atomic<bool> refusal_requested;
 
 bool countAndRefuse() noexcept;
 
 // True: the coming allocation has to fail. Called once per allocation.
 inline bool allocationRefused() noexcept {
-  return refusalRequested.load(std::memory_order_relaxed) && countAndRefuse();
+  return refusal_requested.load(std::memory_order_relaxed) && countAndRefuse();
 }
 
 } // namespace standin

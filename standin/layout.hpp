@@ -37,15 +37,15 @@ inline const unsigned char* bytesOf(const vlt_underlying_buffer_t* buffer) noexc
   return reinterpret_cast<const unsigned char*>(buffer + 1);
 }
 
-inline constexpr uint64_t freeHash = 0;
-inline constexpr uint64_t deletedHash = 1;
+inline constexpr uint64_t FREE_HASH = 0;
+inline constexpr uint64_t DELETED_HASH = 1;
 
 inline bool isLive(const slot_t& slot) noexcept {
-  return slot.key.tag != VLT_TAG_EMPTY || slot.hash > deletedHash;
+  return slot.key.tag != VLT_TAG_EMPTY || slot.hash > DELETED_HASH;
 }
 
 inline bool isDeleted(const slot_t& slot) noexcept {
-  return slot.key.tag == VLT_TAG_EMPTY && slot.hash == deletedHash;
+  return slot.key.tag == VLT_TAG_EMPTY && slot.hash == DELETED_HASH;
 }
 
 } // namespace standin

@@ -29,12 +29,12 @@ struct log_sink_t {
   void* context;
 };
 
-constexpr vlt_log_level_t initialLevel = 3;
+constexpr vlt_log_level_t INITIAL_LEVEL = 3;
 
 std::mutex log_lock; // guards all that follows up to the functions
 category_t* categories = nullptr;
-vlt_log_level_t defaultLevel = initialLevel;
-log_sink_t currentLogSink{};
+vlt_log_level_t default_level = INITIAL_LEVEL;
+log_sink_t current_log_sink{};
 
 // The caller holds the lock. Null: no level of its own. A plain list: a process has few categories,
 // and a plug-in asks once for each.
@@ -46,7 +46,7 @@ category_t* findCategory(const char* name) noexcept {
 
 log_sink_t logSinkInUse() noexcept {
   const std::lock_guard guard(log_lock);
-  return currentLogSink;
+  return current_log_sink;
 }
 
 void deliver(const char* category, vlt_log_level_t level, char* text, std::size_t length) noexcept {
@@ -65,21 +65,21 @@ void formatAndDeliver(const char* category, vlt_log_level_t level, const char* f
                       va_list arguments) noexcept {
   va_list again;
   va_copy(again, arguments);
-  std::array<char, 1024> shortText;
+  std::array<char, 1024> short_text;
   // The caller has started the list; the analyzer loses sight of that across the call.
   // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
-  const int result = std::vsnprintf(shortText.data(), shortText.size(), format, arguments);
+  const int result = std::vsnprintf(short_text.data(), short_text.size(), format, arguments);
   const std::size_t length = result < 0 ? 0 : static_cast<std::size_t>(result);
-  if (length < shortText.size()) {
-    shortText[length] = '\0'; // after an error the contents are anyone's guess
-    deliver(category, level, shortText.data(), length);
+  if (length < short_text.size()) {
+    short_text[length] = '\0'; // after an error the contents are anyone's guess
+    deliver(category, level, short_text.data(), length);
   } else {
-    const std::unique_ptr<char, free_t> longText(static_cast<char*>(std::malloc(length + 1)));
-    if (longText != nullptr) {
-      std::vsnprintf(longText.get(), length + 1, format, again);
-      deliver(category, level, longText.get(), length);
+    const std::unique_ptr<char, free_t> long_text(static_cast<char*>(std::malloc(length + 1)));
+    if (long_text != nullptr) {
+      std::vsnprintf(long_text.get(), length + 1, format, again);
+      deliver(category, level, long_text.get(), length);
     } else {
-      deliver(category, level, shortText.data(), shortText.size() - 1);
+      deliver(category, level, short_text.data(), short_text.size() - 1);
     }
   }
   va_end(again);
@@ -95,7 +95,7 @@ vlt_log_level_t vlt_get_log_level(const char* category) {
   countCall(STANDIN_GET_LOG_LEVEL);
   const std::lock_guard guard(log_lock);
   const category_t* found = findCategory(category == nullptr ? "" : category);
-  return found == nullptr ? defaultLevel : found->level;
+  return found == nullptr ? default_level : found->level;
 }
 
 void vlt_log_at(const char* category, vlt_log_level_t level, const char* format, ...) {
@@ -123,17 +123,17 @@ bool standin_set_log_level(const char* category, vlt_log_level_t level) {
 
 void standin_set_default_log_level(vlt_log_level_t level) {
   const std::lock_guard guard(log_lock);
-  defaultLevel = level;
+  default_level = level;
 }
 
 void standin_set_log_sink(standin_log_sink_t sink, void* context) {
   const std::lock_guard guard(log_lock);
-  currentLogSink = {sink, context};
+  current_log_sink = {sink, context};
 }
 
 void standin_reset_logging(void) {
   const std::lock_guard guard(log_lock);
   while (categories != nullptr) std::free(std::exchange(categories, categories->next));
-  defaultLevel = initialLevel;
-  currentLogSink = {};
+  default_level = INITIAL_LEVEL;
+  current_log_sink = {};
 }

@@ -21,15 +21,15 @@ class Container {
  public:
   Container() = default;
   explicit Container(vlt_underlying_vector_t* list) noexcept : block_(list) {}
-  explicit Container(vlt_underlying_map_table_t* table) noexcept : block_(table), isMap_(true) {}
+  explicit Container(vlt_underlying_map_table_t* table) noexcept : block_(table), is_map_(true) {}
 
   bool null() const noexcept { return block_ == nullptr; }
-  bool isMap() const noexcept { return isMap_; }
+  bool isMap() const noexcept { return is_map_; }
   void* block() const noexcept { return block_; }
 
  private:
   void* block_ = nullptr;
-  bool isMap_ = false;
+  bool is_map_ = false;
 };
 
 // Last in, first out. The blocks are not owned.
@@ -66,20 +66,20 @@ class PendingBlocks {
   static_assert(sizeof(waiting_t) == sizeof(vlt_underlying_vector_t),
                 "a list block of no elements has no room for more");
 
-  static constexpr std::uintptr_t mapMark = 1;
-  static_assert(alignof(vlt_underlying_vector_t) > mapMark &&
-                    alignof(vlt_underlying_map_table_t) > mapMark,
+  static constexpr std::uintptr_t MAP_MARK = 1;
+  static_assert(alignof(vlt_underlying_vector_t) > MAP_MARK &&
+                    alignof(vlt_underlying_map_table_t) > MAP_MARK,
                 "the mark needs a bit that is 0 in every address");
 
   static char* marked(Container container) noexcept {
-    return static_cast<char*>(container.block()) + (container.isMap() ? mapMark : 0);
+    return static_cast<char*>(container.block()) + (container.isMap() ? MAP_MARK : 0);
   }
 
   static Container unmarked(char* address) noexcept {
-    if ((reinterpret_cast<std::uintptr_t>(address) & mapMark) == 0) {
+    if ((reinterpret_cast<std::uintptr_t>(address) & MAP_MARK) == 0) {
       return Container(reinterpret_cast<vlt_underlying_vector_t*>(address));
     }
-    return Container(reinterpret_cast<vlt_underlying_map_table_t*>(address - mapMark));
+    return Container(reinterpret_cast<vlt_underlying_map_table_t*>(address - MAP_MARK));
   }
 
   Container top_;

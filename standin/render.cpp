@@ -27,9 +27,9 @@ using std::string_view;
 struct open_container_t {
   const vlt_underlying_vector_t* list; // null: a map
   const vlt_underlying_map_table_t* map;
-  int64_t next;     // element or slot
-  bool first;       // nothing rendered yet
-  bool keyRendered; // the slot's value is what follows
+  int64_t next;      // element or slot
+  bool first;        // nothing rendered yet
+  bool key_rendered; // the slot's value is what follows
 };
 
 // Remembers exhaustion as TextBuilder does.
@@ -204,15 +204,15 @@ class Renderer {
   void appendSlot() noexcept {
     open_container_t& top = open_.top();
     const slot_t* slots = slotsOf(top.map);
-    if (top.keyRendered) {
+    if (top.key_rendered) {
       text_.append(": ");
-      top.keyRendered = false;
+      top.key_rendered = false;
       return append(slots[top.next++].value);
     }
     while (top.next < top.map->capacity && !isLive(slots[top.next])) ++top.next;
     if (top.next >= top.map->capacity) return close("}");
     separate(top);
-    top.keyRendered = true;
+    top.key_rendered = true;
     append(slots[top.next].key);
   }
 

@@ -19,11 +19,11 @@ struct status_sink_t {
 };
 
 std::mutex status_lock; // guards the sink; not held while it runs
-status_sink_t currentStatusSink{};
+status_sink_t current_status_sink{};
 
 status_sink_t statusSinkInUse() noexcept {
   const std::lock_guard guard(status_lock);
-  return currentStatusSink;
+  return current_status_sink;
 }
 
 // Renders the table in place, without a copy. Without memory the line is lost.
@@ -58,5 +58,5 @@ void vlt_set_user_status_map(void* handle, const vlt_underlying_map_table_t* tab
 
 void standin_set_status_sink(standin_status_sink_t sink, void* context) {
   const std::lock_guard guard(status_lock);
-  currentStatusSink = {sink, context};
+  current_status_sink = {sink, context};
 }

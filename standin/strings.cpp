@@ -28,17 +28,17 @@ char* copyText(const char* text) noexcept {
 namespace {
 
 // Odd, and so bijective factors, with about half of their bits set in no pattern.
-constexpr uint64_t wordFactor = 0x9e3779b97f4a7c15;
-constexpr uint64_t stateFactor = 0xd6e8feb86659fd93;
-constexpr uint64_t lengthFactor = 0xa0761d6478bd642f;
+constexpr uint64_t WORD_FACTOR = 0x9e3779b97f4a7c15;
+constexpr uint64_t STATE_FACTOR = 0xd6e8feb86659fd93;
+constexpr uint64_t LENGTH_FACTOR = 0xa0761d6478bd642f;
 
 constexpr uint64_t mixIn(uint64_t state, uint64_t word) noexcept {
-  return std::rotl(state ^ (word * wordFactor), 29) * stateFactor;
+  return std::rotl(state ^ (word * WORD_FACTOR), 29) * STATE_FACTOR;
 }
 
 constexpr uint64_t finish(uint64_t state) noexcept {
-  state = (state ^ (state >> 32)) * wordFactor;
-  state = (state ^ (state >> 29)) * stateFactor;
+  state = (state ^ (state >> 32)) * WORD_FACTOR;
+  state = (state ^ (state >> 29)) * STATE_FACTOR;
   return state ^ (state >> 32);
 }
 
@@ -50,7 +50,7 @@ uint64_t readWord(const char* bytes, std::size_t count) noexcept {
 
 uint64_t ownHash(const char* text, uint64_t seed) {
   std::size_t left = std::strlen(text);
-  uint64_t state = seed ^ (left * lengthFactor);
+  uint64_t state = seed ^ (left * LENGTH_FACTOR);
   for (; left >= sizeof(uint64_t); left -= sizeof(uint64_t), text += sizeof(uint64_t)) {
     state = mixIn(state, readWord(text, sizeof(uint64_t)));
   }
@@ -58,7 +58,7 @@ uint64_t ownHash(const char* text, uint64_t seed) {
   return finish(state);
 }
 
-constinit std::atomic<standin_string_hash_t> stringHash{ownHash};
+constinit std::atomic<standin_string_hash_t> string_hash{ownHash};
 
 } // namespace
 
@@ -73,9 +73,9 @@ char* vlt_copy_string(const char* text) {
 
 uint64_t vlt_hash_string(const char* text, uint64_t seed) {
   countCall(STANDIN_HASH_STRING);
-  return stringHash.load(std::memory_order_relaxed)(text == nullptr ? "" : text, seed);
+  return string_hash.load(std::memory_order_relaxed)(text == nullptr ? "" : text, seed);
 }
 
 void standin_set_string_hash(standin_string_hash_t hash) {
-  stringHash.store(hash == nullptr ? ownHash : hash, std::memory_order_relaxed);
+  string_hash.store(hash == nullptr ? ownHash : hash, std::memory_order_relaxed);
 }

@@ -15,7 +15,7 @@ namespace {
 
 using Accounting = Blocks;
 
-int64_t liveDuring(standin_block_t kind, const data& value) {
+int64_t liveDuring(standin_block_t kind, const data_t& value) {
   const int64_t live = standin_live_blocks(kind);
   freeData(value);
   return live - standin_live_blocks(kind);
@@ -42,7 +42,7 @@ TEST_F(Accounting, UnknownKindCountsNothing) {
 
 TEST_F(Accounting, ReallocatedTableIsStillOneBlock) {
   const int64_t before = standin_live_blocks(STANDIN_BLOCK_MAP);
-  table* grown = vlt_reallocate_map(vlt_allocate_map(8), 16);
+  table_t* grown = vlt_reallocate_map(vlt_allocate_map(8), 16);
   EXPECT_EQ(standin_live_blocks(STANDIN_BLOCK_MAP) - before, 1);
   vlt_free_map(grown);
 }
@@ -63,7 +63,7 @@ TEST_F(Accounting, BlockOutlivesTheThreadThatMadeIt) {
 }
 
 TEST_F(Accounting, ThreadsAtWorkTogetherLoseNoCount) {
-  constexpr int perThread = 20000;
+  constexpr int PER_THREAD = 20000;
   standin_reset_calls();
   const int64_t before = standin_live_blocks(STANDIN_BLOCK_STRING);
   std::vector<std::vector<char*>> made(4);
@@ -71,12 +71,12 @@ TEST_F(Accounting, ThreadsAtWorkTogetherLoseNoCount) {
   threads.reserve(made.size());
   for (auto& own : made) {
     threads.emplace_back([&own] {
-      for (int i = 0; i < perThread; ++i) own.push_back(vlt_copy_string("a"));
+      for (int i = 0; i < PER_THREAD; ++i) own.push_back(vlt_copy_string("a"));
     });
   }
   for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(standin_live_blocks(STANDIN_BLOCK_STRING) - before, 4 * perThread);
-  EXPECT_EQ(standin_calls(STANDIN_COPY_STRING), 4 * perThread);
+  EXPECT_EQ(standin_live_blocks(STANDIN_BLOCK_STRING) - before, 4 * PER_THREAD);
+  EXPECT_EQ(standin_calls(STANDIN_COPY_STRING), 4 * PER_THREAD);
   for (const auto& own : made) {
     for (char* text : own) vlt_free_string(text);
   }
@@ -137,14 +137,14 @@ TEST_F(Accounting, EachFunctionHasItsOwnCount) {
   standin_set_log_sink(ignoreLine, nullptr);
   standin_set_status_sink(ignoreStatus, nullptr);
   standin_reset_calls();
-  const data source = integer(1);
+  const data_t source = integer(1);
   vlt_free_map(vlt_reallocate_map(vlt_allocate_map(1), 2));
   vlt_copy_data(&source);
   vlt_free_string(vlt_copy_string("a"));
   vlt_free_vector(nullptr);
   vlt_free_buffer(nullptr);
   vlt_free_custom({nullptr});
-  const data text = vlt_data_to_string(&source);
+  const data_t text = vlt_data_to_string(&source);
   vlt_hash_string("a", 1);
   vlt_get_log_level("a");
   vlt_log_at("a", 1, "a");

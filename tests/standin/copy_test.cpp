@@ -8,7 +8,7 @@ namespace {
 
 using Copy = Blocks;
 
-uint64_t bitsOf(const data& value) {
+uint64_t bitsOf(const data_t& value) {
   uint64_t bits = 0;
   std::memcpy(&bits, &value.value, sizeof bits);
   return bits;
@@ -16,8 +16,8 @@ uint64_t bitsOf(const data& value) {
 
 TEST_F(Copy, ValuesWithoutBlocksAreCopiedBitForBit) {
   for (const uint32_t tag : {0U, 1U, 2U, 3U, 4U, 11U, 0xffffffffU}) {
-    const data source = tagged(tag, 0x7ff4000000000123);
-    const data copy = vlt_copy_data(&source);
+    const data_t source = tagged(tag, 0x7ff4000000000123);
+    const data_t copy = vlt_copy_data(&source);
     EXPECT_EQ(copy.tag, tag);
     EXPECT_EQ(bitsOf(copy), bitsOf(source)) << "tag " << tag;
   }
@@ -26,8 +26,8 @@ TEST_F(Copy, ValuesWithoutBlocksAreCopiedBitForBit) {
 TEST_F(Copy, NullBlocksStayNullAndKeepTheirKind) {
   for (const uint32_t tag :
        {VLT_TAG_STRING, VLT_TAG_LIST, VLT_TAG_MAP, VLT_TAG_BUFFER, VLT_TAG_CUSTOM}) {
-    const data source = tagged(tag);
-    const data copy = vlt_copy_data(&source);
+    const data_t source = tagged(tag);
+    const data_t copy = vlt_copy_data(&source);
     EXPECT_EQ(copy.tag, tag);
     EXPECT_EQ(bitsOf(copy), 0U) << "tag " << tag;
   }
@@ -46,7 +46,7 @@ TEST_F(Copy, StringIsANewEqualBlock) {
 }
 
 TEST_F(Copy, BorrowedStringBecomesOwned) {
-  const data source = borrowed("text");
+  const data_t source = borrowed("text");
   const Held copy(vlt_copy_data(&source));
   EXPECT_EQ(copy.value.tag, uint32_t{VLT_TAG_STRING});
   EXPECT_STREQ(copy.value.value.string, "text");
@@ -54,8 +54,8 @@ TEST_F(Copy, BorrowedStringBecomesOwned) {
 }
 
 TEST_F(Copy, BorrowedNullStringBecomesAnOwnedOne) {
-  const data source = borrowed(nullptr);
-  const data copy = vlt_copy_data(&source);
+  const data_t source = borrowed(nullptr);
+  const data_t copy = vlt_copy_data(&source);
   EXPECT_EQ(copy.tag, uint32_t{VLT_TAG_STRING});
   EXPECT_EQ(copy.value.string, nullptr);
 }
@@ -85,7 +85,7 @@ TEST_F(Copy, ListIsCopiedWithItsElementsInOrder) {
 }
 
 TEST_F(Copy, ListCopyHasRoomForItsElementsOnly) {
-  data source = tagged(VLT_TAG_LIST);
+  data_t source = tagged(VLT_TAG_LIST);
   source.value.list = standin_make_list(2, 10);
   const Held held(source);
   const Held copy(vlt_copy_data(&source));
@@ -94,12 +94,12 @@ TEST_F(Copy, ListCopyHasRoomForItsElementsOnly) {
 }
 
 TEST_F(Copy, MapKeepsCapacitySlotsHashesAndCounts) {
-  table* original = tableOf(5, {{1, 6, string("a"), integer(1)}, {3, 11, string("b"), list({})}});
+  table_t* original = tableOf(5, {{1, 6, string("a"), integer(1)}, {3, 11, string("b"), list({})}});
   markDeleted(original, 2);
   original->deleted = 4; // counts deletions since the last rebuild, not tombstones
   const Held source(map(original));
   const Held copy(vlt_copy_data(&source.value));
-  const table* copied = copy.value.value.map;
+  const table_t* copied = copy.value.value.map;
   EXPECT_EQ(copied->capacity, 5);
   EXPECT_EQ(copied->live, 2);
   EXPECT_EQ(copied->deleted, 4);

@@ -11,23 +11,23 @@ namespace {
 
 using com::velanto::connectivity::test::run_on_small_stack;
 
-constexpr int depth = 1'000'000;
+constexpr int DEPTH = 1'000'000;
 
-data listOf(const data& inner) { return list({inner}); }
-data valueOf(const data& inner) { return map(tableOf(1, {{0, 5, integer(1), inner}})); }
-data keyOf(const data& inner) { return map(tableOf(1, {{0, 5, inner, integer(1)}})); }
+data_t listOf(const data_t& inner) { return list({inner}); }
+data_t valueOf(const data_t& inner) { return map(tableOf(1, {{0, 5, integer(1), inner}})); }
+data_t keyOf(const data_t& inner) { return map(tableOf(1, {{0, 5, inner, integer(1)}})); }
 
 // One level of nesting, and the text around its content.
 struct nesting_t {
   const char* name;
-  data (*around)(const data& inner);
+  data_t (*around)(const data_t& inner);
   const char* before;
   const char* after;
 };
 
-constexpr nesting_t lists{"lists", listOf, "[", "]"};
-constexpr nesting_t values{"values", valueOf, "{1: ", "}"};
-constexpr nesting_t keys{"keys", keyOf, "{", ": 1}"};
+constexpr nesting_t LISTS{"lists", listOf, "[", "]"};
+constexpr nesting_t VALUES{"values", valueOf, "{1: ", "}"};
+constexpr nesting_t KEYS{"keys", keyOf, "{", ": 1}"};
 
 // The three kinds of level in turn, or one of them only.
 struct case_t {
@@ -38,7 +38,7 @@ struct case_t {
 class DeepNesting : public testing::TestWithParam<case_t> {
  protected:
   void SetUp() override {
-    for (int i = 0; i < depth; ++i) value_ = GetParam().levels[i % 3].around(value_);
+    for (int i = 0; i < DEPTH; ++i) value_ = GetParam().levels[i % 3].around(value_);
   }
 
   void TearDown() override { EXPECT_EQ(standin_live_blocks_total(), before_); }
@@ -46,15 +46,15 @@ class DeepNesting : public testing::TestWithParam<case_t> {
   std::string text() const {
     std::string before;
     std::string after;
-    for (int i = 0; i < depth; ++i) {
-      before += GetParam().levels[(depth - 1 - i) % 3].before;
+    for (int i = 0; i < DEPTH; ++i) {
+      before += GetParam().levels[(DEPTH - 1 - i) % 3].before;
       after += GetParam().levels[i % 3].after;
     }
     return before + "7" + after;
   }
 
   const int64_t before_ = standin_live_blocks_total();
-  data value_ = integer(7);
+  data_t value_ = integer(7);
 };
 
 TEST_P(DeepNesting, IsFreedOnASmallStack) {
@@ -62,26 +62,26 @@ TEST_P(DeepNesting, IsFreedOnASmallStack) {
 }
 
 TEST_P(DeepNesting, IsCopiedOnASmallStack) {
-  data copy = empty();
+  data_t copy = empty();
   run_on_small_stack([&] { copy = vlt_copy_data(&value_); });
-  EXPECT_EQ(standin_live_blocks_total() - before_, 2 * depth);
+  EXPECT_EQ(standin_live_blocks_total() - before_, 2 * DEPTH);
   freeData(value_);
   EXPECT_TRUE(rendered(copy) == text()) << "the copy differs";
   freeData(copy);
 }
 
 TEST_P(DeepNesting, PartialCopyIsFreedOnASmallStack) {
-  data copy = integer(1);
-  standin_fail_allocation(depth);
+  data_t copy = integer(1);
+  standin_fail_allocation(DEPTH);
   run_on_small_stack([&] { copy = vlt_copy_data(&value_); });
   EXPECT_EQ(standin_failed_allocations(), 1U);
   EXPECT_EQ(copy.tag, uint32_t{VLT_TAG_EMPTY});
-  EXPECT_EQ(standin_live_blocks_total() - before_, depth);
+  EXPECT_EQ(standin_live_blocks_total() - before_, DEPTH);
   freeData(value_);
 }
 
 TEST_P(DeepNesting, IsRenderedOnASmallStack) {
-  data rendering = empty();
+  data_t rendering = empty();
   run_on_small_stack([&] { rendering = vlt_data_to_string(&value_); });
   EXPECT_TRUE(rendering.value.string == text()) << "the text differs";
   freeData(rendering);
@@ -89,10 +89,10 @@ TEST_P(DeepNesting, IsRenderedOnASmallStack) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, DeepNesting,
-                         testing::Values(case_t{"Lists", {lists, lists, lists}},
-                                         case_t{"MapValues", {values, values, values}},
-                                         case_t{"MapKeys", {keys, keys, keys}},
-                                         case_t{"Mixed", {lists, values, keys}}),
+                         testing::Values(case_t{"Lists", {LISTS, LISTS, LISTS}},
+                                         case_t{"MapValues", {VALUES, VALUES, VALUES}},
+                                         case_t{"MapKeys", {KEYS, KEYS, KEYS}},
+                                         case_t{"Mixed", {LISTS, VALUES, KEYS}}),
                          [](const auto& named) { return named.param.name; });
 
 } // namespace

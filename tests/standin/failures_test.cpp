@@ -64,7 +64,7 @@ TEST_F(Failures, AllocationsOfAllThreadsCount) {
 }
 
 TEST_F(Failures, EveryMakerOfBlocksCanBeRefused) {
-  const data text = borrowed("a");
+  const data_t text = borrowed("a");
   standin_fail_allocations_from(1);
   EXPECT_EQ(vlt_allocate_map(8), nullptr);
   EXPECT_EQ(vlt_reallocate_map(nullptr, 8), nullptr);

@@ -29,7 +29,7 @@ TEST_F(Free, MapTakesKeysAndValuesAlong) {
 }
 
 TEST_F(Free, ListIsFreedUpToItsCountOnly) {
-  data value = tagged(VLT_TAG_LIST);
+  data_t value = tagged(VLT_TAG_LIST);
   value.value.list = standin_make_list(1, 2);
   const Held unused(string("beyond the count"));
   elementsOf(value.value.list)[1] = unused.value;
@@ -39,7 +39,7 @@ TEST_F(Free, ListIsFreedUpToItsCountOnly) {
 
 TEST_F(Free, FreeAndDeletedSlotsOwnNothing) {
   const Held stale(string("stale"));
-  table* freed = tableOf(2, {});
+  table_t* freed = tableOf(2, {});
   markDeleted(freed, 1);
   slotsOf(freed)[0].value = stale.value;
   slotsOf(freed)[1].value = stale.value;
@@ -53,14 +53,14 @@ TEST_F(Free, EmptyKeyWithOtherHashIsLive) {
 
 TEST_F(Free, BorrowedStringsAndUnknownKindsAreLeftAlone) {
   const Held text(string("kept"));
-  data unknown = text.value;
+  data_t unknown = text.value;
   unknown.tag = 11;
   freeData(list({borrowed(text.value.value.string), unknown}));
   EXPECT_STREQ(text.value.value.string, "kept");
 }
 
 TEST_F(Free, NullBlocksInsideContainersAreSkipped) {
-  const data key = tagged(VLT_TAG_STRING);
+  const data_t key = tagged(VLT_TAG_STRING);
   freeData(map(tableOf(1, {{0, 5, key,
                             list({tagged(VLT_TAG_STRING), tagged(VLT_TAG_LIST), tagged(VLT_TAG_MAP),
                                   tagged(VLT_TAG_BUFFER), tagged(VLT_TAG_CUSTOM),
@@ -68,7 +68,7 @@ TEST_F(Free, NullBlocksInsideContainersAreSkipped) {
 }
 
 TEST_F(Free, NeedsNoMemory) {
-  const data value = list({map(tableOf(1, {{0, 5, string("a"), list({list({})})}}))});
+  const data_t value = list({map(tableOf(1, {{0, 5, string("a"), list({list({})})}}))});
   standin_fail_allocations_from(1);
   freeData(value);
   EXPECT_EQ(standin_failed_allocations(), 0U);

@@ -21,7 +21,7 @@ TEST(Layout, SlotStateFollowsHashAndKey) {
   const struct {
     const char* state;
     uint64_t hash;
-    uint32_t keyTag;
+    uint32_t key_tag;
     bool live;
     bool deleted;
   } rows[] = {
@@ -36,7 +36,7 @@ TEST(Layout, SlotStateFollowsHashAndKey) {
   for (const auto& row : rows) {
     slot_t slot{};
     slot.hash = row.hash;
-    slot.key.tag = row.keyTag;
+    slot.key.tag = row.key_tag;
     EXPECT_EQ(isLive(slot), row.live) << row.state;
     EXPECT_EQ(isDeleted(slot), row.deleted) << row.state;
   }

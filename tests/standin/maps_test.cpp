@@ -15,13 +15,13 @@ namespace {
 using Maps = Blocks;
 
 // The integer key in a slot; -1: free, -2: deleted.
-int64_t keyIn(const table* read, int64_t slot) {
+int64_t keyIn(const table_t* read, int64_t slot) {
   const slot_t& found = slotsOf(read)[slot];
   if (isDeleted(found)) return -2;
   return isLive(found) ? found.key.value.integer : -1;
 }
 
-std::vector<int64_t> keysOf(const table* read) {
+std::vector<int64_t> keysOf(const table_t* read) {
   std::vector<int64_t> keys;
   for (int64_t i = 0; i < read->capacity; ++i) keys.push_back(keyIn(read, i));
   return keys;
@@ -31,15 +31,15 @@ placed_t entry(int64_t slot, uint64_t hash, int64_t key) {
   return {slot, hash, integer(key), empty()};
 }
 
-std::vector<int64_t> keysAfterReallocation(table* old, int64_t capacity) {
-  table* made = vlt_reallocate_map(old, capacity);
+std::vector<int64_t> keysAfterReallocation(table_t* old, int64_t capacity) {
+  table_t* made = vlt_reallocate_map(old, capacity);
   auto keys = keysOf(made);
   vlt_free_map(made);
   return keys;
 }
 
 TEST_F(Maps, AllocatedTableIsZeroButForItsCapacity) {
-  table* made = vlt_allocate_map(8);
+  table_t* made = vlt_allocate_map(8);
   ASSERT_NE(made, nullptr);
   EXPECT_EQ(made->live, 0);
   EXPECT_EQ(made->deleted, 0);
@@ -50,7 +50,7 @@ TEST_F(Maps, AllocatedTableIsZeroButForItsCapacity) {
 }
 
 TEST_F(Maps, TableWithoutSlotsIsATable) {
-  table* made = vlt_allocate_map(0);
+  table_t* made = vlt_allocate_map(0);
   ASSERT_NE(made, nullptr);
   EXPECT_EQ(made->capacity, 0);
   vlt_free_map(made);
@@ -63,30 +63,30 @@ TEST_F(Maps, ImpossibleCapacityIsExhaustion) {
 }
 
 TEST_F(Maps, EntriesMoveToTheirHomeSlots) {
-  table* old = tableOf(2, {entry(0, 6, 60), entry(1, 13, 130)});
+  table_t* old = tableOf(2, {entry(0, 6, 60), entry(1, 13, 130)});
   EXPECT_EQ(keysAfterReallocation(old, 8), (std::vector<int64_t>{-1, -1, -1, -1, -1, 130, 60, -1}));
 }
 
 TEST_F(Maps, CollidingEntriesProbeUpwardsInOldSlotOrder) {
-  table* old = tableOf(3, {entry(0, 9, 1), entry(1, 5, 2), entry(2, 13, 3)});
+  table_t* old = tableOf(3, {entry(0, 9, 1), entry(1, 5, 2), entry(2, 13, 3)});
   EXPECT_EQ(keysAfterReallocation(old, 4), (std::vector<int64_t>{-1, 1, 2, 3}));
 }
 
 TEST_F(Maps, ProbingWrapsToTheFirstSlot) {
-  table* old = tableOf(2, {entry(0, 3, 1), entry(1, 7, 2)});
+  table_t* old = tableOf(2, {entry(0, 3, 1), entry(1, 7, 2)});
   EXPECT_EQ(keysAfterReallocation(old, 4), (std::vector<int64_t>{2, -1, -1, 1}));
 }
 
 TEST_F(Maps, HashesWithTheHighestBitAreUnsigned) {
-  table* old = tableOf(1, {entry(0, 0xffffffffffffffff, 1)});
+  table_t* old = tableOf(1, {entry(0, 0xffffffffffffffff, 1)});
   EXPECT_EQ(keysAfterReallocation(old, 10),
             (std::vector<int64_t>{-1, -1, -1, -1, -1, 1, -1, -1, -1, -1}));
 }
 
 TEST_F(Maps, TombstonesAreDropped) {
-  table* old = tableOf(4, {entry(0, 4, 1), entry(2, 4, 2)});
+  table_t* old = tableOf(4, {entry(0, 4, 1), entry(2, 4, 2)});
   markDeleted(old, 1);
-  table* made = vlt_reallocate_map(old, 4);
+  table_t* made = vlt_reallocate_map(old, 4);
   EXPECT_EQ(keysOf(made), (std::vector<int64_t>{1, 2, -1, -1}));
   EXPECT_EQ(made->live, 2);
   EXPECT_EQ(made->deleted, 0);
@@ -94,14 +94,14 @@ TEST_F(Maps, TombstonesAreDropped) {
 }
 
 TEST_F(Maps, LiveEntriesMayHashToZeroOrOne) {
-  table* old = tableOf(2, {entry(0, 0, 10), entry(1, 1, 11)});
+  table_t* old = tableOf(2, {entry(0, 0, 10), entry(1, 1, 11)});
   EXPECT_EQ(keysAfterReallocation(old, 3), (std::vector<int64_t>{10, 11, -1}));
 }
 
 TEST_F(Maps, EntriesKeepHashKeyAndValueBlocks) {
-  table* old = tableOf(1, {{0, 77, string("key"), string("value")}});
+  table_t* old = tableOf(1, {{0, 77, string("key"), string("value")}});
   const slot_t before = slotsOf(old)[0];
-  table* made = vlt_reallocate_map(old, 8);
+  table_t* made = vlt_reallocate_map(old, 8);
   const slot_t after = slotsOf(made)[77 % 8];
   EXPECT_EQ(after.hash, 77U);
   EXPECT_EQ(after.key.value.string, before.key.value.string);
@@ -110,12 +110,12 @@ TEST_F(Maps, EntriesKeepHashKeyAndValueBlocks) {
 }
 
 TEST_F(Maps, TableMayShrinkToItsLiveCount) {
-  table* old = tableOf(8, {entry(5, 5, 1), entry(7, 7, 2)});
+  table_t* old = tableOf(8, {entry(5, 5, 1), entry(7, 7, 2)});
   EXPECT_EQ(keysAfterReallocation(old, 2), (std::vector<int64_t>{2, 1}));
 }
 
 TEST_F(Maps, TooFewSlotsLeaveTheTableAlone) {
-  table* old = tableOf(2, {entry(0, 2, 1), entry(1, 3, 2)});
+  table_t* old = tableOf(2, {entry(0, 2, 1), entry(1, 3, 2)});
   EXPECT_EQ(vlt_reallocate_map(old, 1), nullptr);
   EXPECT_EQ(vlt_reallocate_map(old, -1), nullptr);
   EXPECT_EQ(keysOf(old), (std::vector<int64_t>{1, 2}));
@@ -123,7 +123,7 @@ TEST_F(Maps, TooFewSlotsLeaveTheTableAlone) {
 }
 
 TEST_F(Maps, ExhaustionLeavesTheOldTableUntouched) {
-  table* old = tableOf(3, {entry(0, 3, 1), entry(2, 4, 2)});
+  table_t* old = tableOf(3, {entry(0, 3, 1), entry(2, 4, 2)});
   markDeleted(old, 1);
   standin_fail_allocation(1);
   EXPECT_EQ(vlt_reallocate_map(old, 8), nullptr);
@@ -134,13 +134,13 @@ TEST_F(Maps, ExhaustionLeavesTheOldTableUntouched) {
 }
 
 TEST_F(Maps, NoTableReallocatesToANewOne) {
-  table* made = vlt_reallocate_map(nullptr, 2);
+  table_t* made = vlt_reallocate_map(nullptr, 2);
   EXPECT_EQ(keysOf(made), (std::vector<int64_t>{-1, -1}));
   vlt_free_map(made);
 }
 
 // Found as a reader finds it: from the home slot on, up to the first free slot.
-bool found(const table* read, uint64_t hash, int64_t key) {
+bool found(const table_t* read, uint64_t hash, int64_t key) {
   const auto capacity = static_cast<uint64_t>(read->capacity);
   for (uint64_t i = hash % capacity, left = capacity; left > 0; i = (i + 1) % capacity, --left) {
     const auto slot = static_cast<int64_t>(i);
@@ -152,7 +152,7 @@ bool found(const table* read, uint64_t hash, int64_t key) {
 
 TEST_F(Maps, ReallocationKeepsEveryEntryOfARandomTable) {
   std::mt19937_64 random(7);
-  table* old = vlt_allocate_map(500);
+  table_t* old = vlt_allocate_map(500);
   std::map<int64_t, uint64_t> hashes;
   for (int64_t i = 0; i < 500; ++i) {
     const uint64_t hash = random() % 40;
@@ -163,7 +163,7 @@ TEST_F(Maps, ReallocationKeepsEveryEntryOfARandomTable) {
       hashes[i] = hash;
     }
   }
-  table* made = vlt_reallocate_map(old, 350);
+  table_t* made = vlt_reallocate_map(old, 350);
   EXPECT_EQ(made->live, static_cast<int64_t>(hashes.size()));
   for (const auto& [key, hash] : hashes) EXPECT_TRUE(found(made, hash, key)) << "key " << key;
   vlt_free_map(made);

@@ -11,7 +11,7 @@ namespace {
 using Render = Blocks;
 
 TEST_F(Render, ResultIsAnOwnedString) {
-  const data value = integer(1);
+  const data_t value = integer(1);
   const Held text(vlt_data_to_string(&value));
   EXPECT_EQ(text.value.tag, uint32_t{VLT_TAG_STRING});
   EXPECT_STREQ(text.value.value.string, "1");
@@ -70,15 +70,15 @@ TEST_F(Render, ListsAreInBrackets) {
 }
 
 TEST_F(Render, MapsShowLiveEntriesInSlotOrder) {
-  table* shown = tableOf(6, {{5, 1, borrowed("b"), list({boolean(true), real(2.5)})},
-                             {1, 0, borrowed("a"), integer(1)},
-                             {3, 9, list({}), map(tableOf(2, {}))}});
+  table_t* shown = tableOf(6, {{5, 1, borrowed("b"), list({boolean(true), real(2.5)})},
+                               {1, 0, borrowed("a"), integer(1)},
+                               {3, 9, list({}), map(tableOf(2, {}))}});
   markDeleted(shown, 2);
   EXPECT_EQ(renderedAndFreed(map(shown)), R"({"a": 1, []: {}, "b": [true, 2.5]})");
 }
 
 TEST_F(Render, MapAsKeyIsShownLikeAnyValue) {
-  const data key = map(tableOf(1, {{0, 2, integer(1), integer(2)}}));
+  const data_t key = map(tableOf(1, {{0, 2, integer(1), integer(2)}}));
   EXPECT_EQ(renderedAndFreed(map(tableOf(1, {{0, 5, key, list({integer(3)})}}))), "{{1: 2}: [3]}");
 }
 
@@ -115,7 +115,7 @@ TEST_F(Render, StringsOfAnyLengthAreWhole) {
 
 // 20 levels outgrow the first stack of open containers, 100 bytes the first string.
 TEST_F(Render, ExhaustionAnywhereGivesNullAndLeaksNothing) {
-  data value = borrowed("sixty bytes and more, so that the text has to grow once on its way");
+  data_t value = borrowed("sixty bytes and more, so that the text has to grow once on its way");
   for (int i = 0; i < 20; ++i) value = list({value});
   const Held held(value);
   const int allocations = failEach([&value] {

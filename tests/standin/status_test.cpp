@@ -12,11 +12,11 @@ namespace {
 
 struct report_t {
   void* handle = nullptr;
-  const table* shown = nullptr;
+  const table_t* shown = nullptr;
   int count = 0;
 };
 
-void keepReport(void* context, void* handle, const table* shown) {
+void keepReport(void* context, void* handle, const table_t* shown) {
   auto& report = *static_cast<report_t*>(context);
   report = {handle, shown, report.count + 1};
 }

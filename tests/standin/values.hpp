@@ -16,60 +16,60 @@
 
 namespace standin::test {
 
-using data = vlt_underlying_data_t;
-using table = vlt_underlying_map_table_t;
+using data_t = vlt_underlying_data_t;
+using table_t = vlt_underlying_map_table_t;
 
-inline data tagged(uint32_t tag, uint64_t bits = 0) {
-  data value{};
+inline data_t tagged(uint32_t tag, uint64_t bits = 0) {
+  data_t value{};
   std::memcpy(&value.value, &bits, sizeof bits);
   value.tag = tag;
   return value;
 }
 
-inline data empty() { return tagged(VLT_TAG_EMPTY); }
-inline data boolean(bool content) { return tagged(VLT_TAG_BOOLEAN, content ? 1 : 0); }
-inline data decimal(uint64_t bits) { return tagged(VLT_TAG_DECIMAL, bits); }
+inline data_t empty() { return tagged(VLT_TAG_EMPTY); }
+inline data_t boolean(bool content) { return tagged(VLT_TAG_BOOLEAN, content ? 1 : 0); }
+inline data_t decimal(uint64_t bits) { return tagged(VLT_TAG_DECIMAL, bits); }
 
-inline data integer(int64_t content) {
+inline data_t integer(int64_t content) {
   return tagged(VLT_TAG_INTEGER, static_cast<uint64_t>(content));
 }
 
-inline data real(double content) {
-  data value = tagged(VLT_TAG_DOUBLE);
+inline data_t real(double content) {
+  data_t value = tagged(VLT_TAG_DOUBLE);
   value.value.real = content;
   return value;
 }
 
-inline data borrowed(const char* text) {
-  data value = tagged(VLT_TAG_BORROWED_STRING);
+inline data_t borrowed(const char* text) {
+  data_t value = tagged(VLT_TAG_BORROWED_STRING);
   value.value.string = text;
   return value;
 }
 
-inline data string(const char* text) {
-  data value = tagged(VLT_TAG_STRING);
+inline data_t string(const char* text) {
+  data_t value = tagged(VLT_TAG_STRING);
   value.value.string = vlt_copy_string(text);
   return value;
 }
 
-inline data list(std::initializer_list<data> elements) {
+inline data_t list(std::initializer_list<data_t> elements) {
   const auto count = static_cast<int64_t>(elements.size());
-  data value = tagged(VLT_TAG_LIST);
+  data_t value = tagged(VLT_TAG_LIST);
   value.value.list = standin_make_list(count, count);
   int64_t i = 0;
-  for (const data& element : elements) elementsOf(value.value.list)[i++] = element;
+  for (const data_t& element : elements) elementsOf(value.value.list)[i++] = element;
   return value;
 }
 
-inline data buffer(std::string_view bytes) {
-  data value = tagged(VLT_TAG_BUFFER);
+inline data_t buffer(std::string_view bytes) {
+  data_t value = tagged(VLT_TAG_BUFFER);
   value.value.buffer = standin_make_buffer(static_cast<uint32_t>(bytes.size()));
   std::memcpy(bytesOf(value.value.buffer), bytes.data(), bytes.size());
   return value;
 }
 
-inline data custom(uint64_t label) {
-  data value = tagged(VLT_TAG_CUSTOM);
+inline data_t custom(uint64_t label) {
+  data_t value = tagged(VLT_TAG_CUSTOM);
   value.value.custom = standin_make_custom(label);
   return value;
 }
@@ -78,12 +78,12 @@ inline data custom(uint64_t label) {
 struct placed_t {
   int64_t slot;
   uint64_t hash;
-  data key;
-  data value;
+  data_t key;
+  data_t value;
 };
 
-inline table* tableOf(int64_t capacity, std::initializer_list<placed_t> entries) {
-  table* made = vlt_allocate_map(capacity);
+inline table_t* tableOf(int64_t capacity, std::initializer_list<placed_t> entries) {
+  table_t* made = vlt_allocate_map(capacity);
   for (const placed_t& entry : entries) {
     slotsOf(made)[entry.slot] = {entry.hash, entry.key, entry.value};
     ++made->live;
@@ -92,18 +92,18 @@ inline table* tableOf(int64_t capacity, std::initializer_list<placed_t> entries)
 }
 
 // A tombstone, as erasing leaves it.
-inline void markDeleted(table* changed, int64_t slot) {
-  slotsOf(changed)[slot] = {deletedHash, empty(), empty()};
+inline void markDeleted(table_t* changed, int64_t slot) {
+  slotsOf(changed)[slot] = {DELETED_HASH, empty(), empty()};
   ++changed->deleted;
 }
 
-inline data map(table* content) {
-  data value = tagged(VLT_TAG_MAP);
+inline data_t map(table_t* content) {
+  data_t value = tagged(VLT_TAG_MAP);
   value.value.map = content;
   return value;
 }
 
-inline void freeData(const data& value) {
+inline void freeData(const data_t& value) {
   switch (value.tag) {
     case VLT_TAG_STRING:
       return vlt_free_string(const_cast<char*>(value.value.string));
@@ -122,20 +122,20 @@ inline void freeData(const data& value) {
 
 // Frees its value at the end of the scope.
 struct Held {
-  explicit Held(const data& held) : value(held) {}
+  explicit Held(const data_t& held) : value(held) {}
   Held(const Held&) = delete;
   Held& operator=(const Held&) = delete;
   ~Held() { freeData(value); }
 
-  data value;
+  data_t value;
 };
 
-inline std::string rendered(const data& value) {
+inline std::string rendered(const data_t& value) {
   const Held text(vlt_data_to_string(&value));
   return text.value.value.string == nullptr ? "(null text)" : text.value.value.string;
 }
 
-inline std::string renderedAndFreed(const data& value) {
+inline std::string renderedAndFreed(const data_t& value) {
   const Held held(value);
   return rendered(value);
 }
