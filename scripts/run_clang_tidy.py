@@ -35,9 +35,10 @@ BATCH_SIZE = 40
 # What only a batch would draw: it includes sources, and names of one hide those of another.
 NOT_IN_BATCHES = "-bugprone-suspicious-include"
 WITHOUT_ANALYSIS = "-clang-analyzer-*"
+WITHOUT_NAMES = "-readability-identifier-naming" # whose rules are those of C++
 # The analysis begins with functions of included files, too: in a batch those are all there are.
 ANALYSE_INCLUDED = ["--extra-arg=-Xclang", "--extra-arg=-analyzer-opt-analyze-headers"]
-SOURCES_OF_BATCHES = "/(codec|fuzz|plugin|standin|tests|tools|value)/([^/]+/)*[^/]+\\.[ch]pp$"
+SOURCES_OF_BATCHES = "/(codec|fuzz|ndjson|plugin|standin|tests|tools|value)/([^/]+/)*[^/]+\\.[ch]pp$"
 
 
 class Batch:
@@ -53,12 +54,11 @@ class Batch:
         """Headers from outside the project are taken to change only together with the tool."""
         commands = [entry["command"] for entry in self.entries]
         digest = hashlib.sha256("\0".join([version, *commands]).encode())
-        files = {ROOT / ".clang-tidy", ROOT / self.layer / ".clang-tidy"}
-        for name in self.names:
-            files.update(ROOT / file for file in graph.closure(name))
+        files = {ROOT / file for name in self.names for file in graph.closure(name)}
+        files |= {folder / ".clang-tidy" for file in files for folder in file.parents}
         for path in sorted(file for file in files if file.is_file()):
             content = path.read_bytes()
-            digest.update(f"\0{path.relative_to(ROOT)}\0{len(content)}\0".encode())
+            digest.update(f"\0{path}\0{len(content)}\0".encode())
             digest.update(content)
         return digest.hexdigest()
 
@@ -92,8 +92,9 @@ def run(arguments):
 
 
 def run_alone(work, batch):
-    checks = [] if batch.layer in ANALYSED_LAYERS else [f"--checks={WITHOUT_ANALYSIS}"]
-    return run(["-p", str(work), *checks, batch.names[0]])
+    checks = [] if batch.layer in ANALYSED_LAYERS else [WITHOUT_ANALYSIS]
+    checks += [WITHOUT_NAMES] if batch.names[0].endswith(".c") else []
+    return run(["-p", str(work), f"--checks={','.join(checks)}", batch.names[0]])
 
 
 def run_together(work, batch):
