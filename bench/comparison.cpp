@@ -48,7 +48,7 @@ void requireSame(const std::string& what, Contender& reference, const std::strin
                  Contender& other, sameness_t sameness) {
   outcome_t expected = outcomeOf(reference);
   outcome_t actual = outcomeOf(other);
-  if (sameness == sameness_t::content) {
+  if (sameness == sameness_t::CONTENT) {
     for (std::string& message : expected.messages) message = canonical(message);
     for (std::string& message : actual.messages) message = canonical(message);
   }

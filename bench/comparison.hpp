@@ -11,8 +11,8 @@ namespace com::velanto::connectivity::bench {
 
 // Which of a contender's results have to be the reference's.
 enum class sameness_t {
-  content, // the messages as JSON values, and the log
-  slots,   // in addition, the order of the entries in every table
+  CONTENT, // the messages as JSON values, and the log
+  SLOTS,   // in addition, the order of the entries in every table
 };
 
 // Throws std::runtime_error with `what`, `name` and the first difference.

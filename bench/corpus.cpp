@@ -13,10 +13,10 @@ namespace {
 
 using std::to_string;
 
-enum class fault_t { none, missing_key, bad_content, no_string, wrong_kind };
+enum class fault_t { NONE, MISSING_KEY, BAD_CONTENT, NO_STRING, WRONG_KIND };
 
-constexpr std::array COMMON_FAULTS = {fault_t::missing_key, fault_t::bad_content,
-                                      fault_t::no_string};
+constexpr std::array COMMON_FAULTS = {fault_t::MISSING_KEY, fault_t::BAD_CONTENT,
+                                      fault_t::NO_STRING};
 
 // The standard distributions differ between libraries; a remainder does not.
 class Dice {
@@ -55,14 +55,14 @@ class Maker {
   std::string passingLine(kind_t kind) {
     ++number_;
     return whole(JsonObject().text("origin", std::string("gateway-") + id()),
-                 payload(kind, fault_t::none));
+                 payload(kind, fault_t::NONE));
   }
   // The common fields of all notifications of a kind.
   JsonObject opening(kind_t kind, fault_t fault) {
     JsonObject object;
     object.text("id", id()).text("self", std::string(SITE) + nameOf(kind) + '/' + id());
-    if (kind == kind_t::managedobjects) return object;
-    if (fault == fault_t::wrong_kind && kind != kind_t::alarms) return object.text("source", "G1");
+    if (kind == kind_t::MANAGEDOBJECTS) return object;
+    if (fault == fault_t::WRONG_KIND && kind != kind_t::ALARMS) return object.text("source", "G1");
     const std::string device = to_string(1000 + dice_.below(500));
     JsonObject source;
     source.text("id", device);
@@ -104,13 +104,13 @@ class Maker {
 
   JsonObject payload(kind_t kind, fault_t fault) {
     switch (kind) {
-      case kind_t::alarms:
+      case kind_t::ALARMS:
         return alarm(fault);
-      case kind_t::events:
+      case kind_t::EVENTS:
         return event(fault);
-      case kind_t::measurements:
+      case kind_t::MEASUREMENTS:
         return measurement(fault);
-      case kind_t::managedobjects:
+      case kind_t::MANAGEDOBJECTS:
         return managedObject(fault);
       default:
         return operation(fault);
@@ -119,14 +119,14 @@ class Maker {
 
   void addType(JsonObject& object, fault_t fault) {
     static constexpr std::array TYPES = {"site_Pump", "site_Wind", "site_Hoist", "site_Gate"};
-    if (fault == fault_t::no_string) {
+    if (fault == fault_t::NO_STRING) {
       object.member("type", "17");
-    } else if (fault != fault_t::missing_key) {
+    } else if (fault != fault_t::MISSING_KEY) {
       object.text("type", dice_.of(TYPES));
     }
   }
   void addTime(JsonObject& object, fault_t fault) {
-    object.text("time", fault == fault_t::bad_content ? "yesterday at ten, more or less" : time());
+    object.text("time", fault == fault_t::BAD_CONTENT ? "yesterday at ten, more or less" : time());
   }
   void addDates(JsonObject& object, std::size_t chances) {
     if (!dice_.oneIn(chances)) object.text("creationTime", time());
@@ -141,14 +141,14 @@ class Maker {
   JsonObject alarm(fault_t fault) {
     static constexpr std::array SEVERITIES = {"CRITICAL", "MAJOR", "MINOR", "WARNING"};
     static constexpr std::array STATES = {"ACTIVE", "ACKNOWLEDGED", "CLEARED"};
-    JsonObject object = opening(kind_t::alarms, fault);
+    JsonObject object = opening(kind_t::ALARMS, fault);
     addType(object, fault);
     object.text("text", std::string("Gusts above ") + number() + " m/s at the jib");
-    object.text("severity", fault == fault_t::bad_content ? "Severe" : dice_.of(SEVERITIES));
+    object.text("severity", fault == fault_t::BAD_CONTENT ? "Severe" : dice_.of(SEVERITIES));
     object.text("status", dice_.of(STATES));
     object.member("count",
-                  fault == fault_t::wrong_kind ? quoted("three") : to_string(dice_.between(1, 40)));
-    addTime(object, fault_t::none);
+                  fault == fault_t::WRONG_KIND ? quoted("three") : to_string(dice_.between(1, 40)));
+    addTime(object, fault_t::NONE);
     object.text("creationTime", time()).text("firstOccurrenceTime", time());
     if (dice_.oneIn(2)) object.text("lastUpdated", time());
     if (dice_.oneIn(2)) object.member("site_Gust", fragment());
@@ -156,7 +156,7 @@ class Maker {
   }
 
   JsonObject event(fault_t fault) {
-    JsonObject object = opening(kind_t::events, fault);
+    JsonObject object = opening(kind_t::EVENTS, fault);
     addType(object, fault);
     object.text("text", 'P' + to_string(dice_.below(9)) + " started on high level");
     addTime(object, fault);
@@ -173,7 +173,7 @@ class Maker {
     // walk, and the peers have another order.
     static constexpr std::array NAMES = {"speed", "gust", "direction", "chill", "p",    "pMax",
                                          "T",     "leak", "q",         "total", "load", "v"};
-    JsonObject object = opening(kind_t::measurements, fault);
+    JsonObject object = opening(kind_t::MEASUREMENTS, fault);
     addType(object, fault);
     addTime(object, fault);
     addDates(object, 4);
@@ -191,11 +191,11 @@ class Maker {
     static constexpr std::array REFERENCES = {"childDevices",  "childAssets",  "childAdditions",
                                               "deviceParents", "assetParents", "additionParents"};
     const std::size_t fields = dice_.between(15, 40);
-    JsonObject object = fault == fault_t::bad_content ? JsonObject().member("id", "4711")
-                                                      : opening(kind_t::managedobjects, fault);
-    if (fault != fault_t::missing_key) object.text("name", std::string("Tower crane K") + id());
-    if (fault == fault_t::no_string || !dice_.oneIn(5)) {
-      addType(object, fault == fault_t::no_string ? fault : fault_t::none);
+    JsonObject object = fault == fault_t::BAD_CONTENT ? JsonObject().member("id", "4711")
+                                                      : opening(kind_t::MANAGEDOBJECTS, fault);
+    if (fault != fault_t::MISSING_KEY) object.text("name", std::string("Tower crane K") + id());
+    if (fault == fault_t::NO_STRING || !dice_.oneIn(5)) {
+      addType(object, fault == fault_t::NO_STRING ? fault : fault_t::NONE);
     }
     object.text("owner", "site-office").text("creationTime", time()).text("lastUpdated", time());
     object.member("o6a_Position", dice_.oneIn(3)
@@ -228,11 +228,11 @@ class Maker {
 
   JsonObject operation(fault_t fault) {
     static constexpr std::array STATES = {"SUCCESSFUL", "FAILED", "EXECUTING", "PENDING"};
-    JsonObject object = opening(kind_t::operations, fault);
+    JsonObject object = opening(kind_t::OPERATIONS, fault);
     const std::string device = to_string(1000 + dice_.below(500));
-    object.member("deviceId", fault == fault_t::no_string ? "1040" : quoted(device));
-    if (fault != fault_t::missing_key) {
-      object.text("status", fault == fault_t::bad_content ? "DONE" : dice_.of(STATES));
+    object.member("deviceId", fault == fault_t::NO_STRING ? "1040" : quoted(device));
+    if (fault != fault_t::MISSING_KEY) {
+      object.text("status", fault == fault_t::BAD_CONTENT ? "DONE" : dice_.of(STATES));
     }
     addDates(object, 5);
     object.text("description", "Stop P2: dry running");
@@ -278,14 +278,14 @@ const char* nameOf(kind_t kind) noexcept {
 lines_t notifications(kind_t kind, std::size_t count) {
   Maker maker(2);
   lines_t lines;
-  for (std::size_t i = 0; i < count; ++i) lines.push_back(maker.line(kind, fault_t::none));
+  for (std::size_t i = 0; i < count; ++i) lines.push_back(maker.line(kind, fault_t::NONE));
   return lines;
 }
 
 lines_t mixedNotifications(std::size_t count) {
   Maker maker(1);
   lines_t lines;
-  for (const kind_t kind : mix(count)) lines.push_back(maker.line(kind, fault_t::none));
+  for (const kind_t kind : mix(count)) lines.push_back(maker.line(kind, fault_t::NONE));
   return lines;
 }
 
@@ -299,19 +299,19 @@ lines_t passingMessages(std::size_t count) {
 lines_t droppedNotifications(kind_t kind, std::size_t count) { return faulty(kind, count); }
 
 lines_t wronglyTypedNotifications(std::size_t count) {
-  constexpr std::array KINDS = {kind_t::alarms, kind_t::events, kind_t::measurements,
-                                kind_t::operations};
+  constexpr std::array KINDS = {kind_t::ALARMS, kind_t::EVENTS, kind_t::MEASUREMENTS,
+                                kind_t::OPERATIONS};
   Maker maker(4);
   lines_t lines;
   for (std::size_t i = 0; i < count; ++i) {
-    lines.push_back(maker.line(KINDS[i % KINDS.size()], fault_t::wrong_kind));
+    lines.push_back(maker.line(KINDS[i % KINDS.size()], fault_t::WRONG_KIND));
   }
   return lines;
 }
 
 lines_t eventWithFields(std::size_t fields) {
   Maker maker(5);
-  JsonObject payload = maker.opening(kind_t::events, fault_t::none);
+  JsonObject payload = maker.opening(kind_t::EVENTS, fault_t::NONE);
   payload.text("type", "site_Pump").text("text", "many fields").text("time", maker.time());
   for (std::size_t i = 0; i < fields; ++i) {
     payload.member(std::string("site_Property") + to_string(i), maker.number());
@@ -321,7 +321,7 @@ lines_t eventWithFields(std::size_t fields) {
 
 lines_t measurementWithSeries(std::size_t series) {
   Maker maker(6);
-  JsonObject payload = maker.opening(kind_t::measurements, fault_t::none);
+  JsonObject payload = maker.opening(kind_t::MEASUREMENTS, fault_t::NONE);
   payload.text("type", "site_Pump").text("time", maker.time());
   JsonObject fragment;
   for (std::size_t i = 0; i < series; ++i) fragment.member('s' + to_string(i), maker.series());
@@ -331,7 +331,7 @@ lines_t measurementWithSeries(std::size_t series) {
 
 lines_t managedObjectWithPosition(std::size_t components) {
   Maker maker(7);
-  JsonObject payload = maker.opening(kind_t::managedobjects, fault_t::none);
+  JsonObject payload = maker.opening(kind_t::MANAGEDOBJECTS, fault_t::NONE);
   payload.text("name", "Tower crane").text("type", "site_Crane");
   JsonObject position;
   for (std::size_t i = 0; i < components; ++i) {

@@ -10,10 +10,10 @@
 
 namespace com::velanto::connectivity::bench {
 
-enum class kind_t { alarms, events, measurements, managedobjects, operations };
+enum class kind_t { ALARMS, EVENTS, MEASUREMENTS, MANAGEDOBJECTS, OPERATIONS };
 
-inline constexpr std::array ALL_KINDS = {kind_t::alarms, kind_t::events, kind_t::measurements,
-                                         kind_t::managedobjects, kind_t::operations};
+inline constexpr std::array ALL_KINDS = {kind_t::ALARMS, kind_t::EVENTS, kind_t::MEASUREMENTS,
+                                         kind_t::MANAGEDOBJECTS, kind_t::OPERATIONS};
 
 // The word for the kind in a path.
 [[nodiscard]] const char* nameOf(kind_t kind) noexcept;

@@ -13,7 +13,7 @@ vlt_underlying_message_t& underlying(Message& message) noexcept {
   return reinterpret_cast<vlt_underlying_message_t&>(message);
 }
 
-// The capacity of `tables_t::worst` for that many entries: of the capacities that tables grow
+// The capacity of `tables_t::WORST` for that many entries: of the capacities that tables grow
 // through, twice the one that comes out nearest to three fifths full.
 std::int64_t worstCapacity(std::int64_t live) noexcept {
   constexpr double WORST_LOAD = 0.6;
@@ -35,7 +35,7 @@ class Rebuilder {
   void rebuild(vlt_underlying_map_table_t*& table) {
     if (table == nullptr) return;
     const std::int64_t capacity =
-        tables_ == tables_t::worst ? worstCapacity(table->live) : nextCapacity(table->live);
+        tables_ == tables_t::WORST ? worstCapacity(table->live) : nextCapacity(table->live);
     table = vlt_reallocate_map(table, capacity);
     if (table == nullptr) throw std::bad_alloc();
     auto* const slots = reinterpret_cast<vlt_underlying_map_table_entry_t*>(table + 1);
@@ -73,7 +73,7 @@ messages_t readMessages(const lines_t& lines, tables_t tables) {
   messages.reserve(lines.size());
   for (const std::string& line : lines) {
     messages.push_back(reader.parseMessage(line));
-    if (tables == tables_t::grown) continue;
+    if (tables == tables_t::GROWN) continue;
     vlt_underlying_message_t& raw = underlying(messages.back());
     rebuilder.rebuild(raw.payload.value.map);
     rebuilder.rebuild(raw.metadata);

@@ -14,9 +14,9 @@ using messages_t = std::vector<Message>;
 
 // How full the tables of the inputs are.
 enum class tables_t {
-  grown,  // as insertion by insertion leaves them: 8, 16, 2 × live + 2 … slots
-  others, // rebuilt with anything between live + 1 and 4 × live slots, changing from table to table
-  worst,  // with twice the slots that a table which takes their entries in has on the way, three
+  GROWN,  // as insertion by insertion leaves them: 8, 16, 2 × live + 2 … slots
+  OTHERS, // rebuilt with anything between live + 1 and 4 × live slots, changing from table to table
+  WORST,  // with twice the slots that a table which takes their entries in has on the way, three
           // fifths full: taken in the order of slots, the second half runs into the first
 };
 

@@ -125,20 +125,20 @@ void FloorContender::buildOutputs(const plan_t& plan) {
 void FloorContender::place(const plan_t& plan, table_t* table, const entry_t& entry) {
   slot_t& slot = slotAt(table, entry.slot);
   slot.hash = entry.hash;
-  slot.key = entry.key.way() == way_t::copied
+  slot.key = entry.key.way() == way_t::COPIED
                  ? vlt_copy_data(&texts_.value(entry.key.index()))
                  : taken(slotAt(inputs_[entry.key.index()], entry.key.slot()).key);
   switch (entry.value.way()) {
-    case way_t::moved:
+    case way_t::MOVED:
       slot.value = taken(slotAt(inputs_[entry.value.index()], entry.value.slot()).value);
       break;
-    case way_t::copied:
+    case way_t::COPIED:
       slot.value = vlt_copy_data(&texts_.value(entry.value.index()));
       break;
-    case way_t::constant:
+    case way_t::CONSTANT:
       slot.value = plan.constants[entry.value.index()];
       break;
-    case way_t::table:
+    case way_t::TABLE:
       slot.value.value.map = outputs_[entry.value.index()];
       slot.value.tag = VLT_TAG_MAP;
       break;

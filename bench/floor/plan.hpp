@@ -25,10 +25,10 @@ namespace com::velanto::connectivity::bench::floor {
 class origin_t {
  public:
   enum class way_t : std::uint32_t {
-    moved,    // the key, or the value, of a slot of an input table
-    copied,   // a deep copy of a constant string
-    constant, // 16 bytes that own nothing: a time, a count
-    table,    // an output table
+    MOVED,    // the key, or the value, of a slot of an input table
+    COPIED,   // a deep copy of a constant string
+    CONSTANT, // 16 bytes that own nothing: a time, a count
+    TABLE,    // an output table
   };
 
   origin_t() noexcept = default;

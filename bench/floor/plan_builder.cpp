@@ -106,7 +106,7 @@ void PlanBuilder::drop(const taken_t& value) {
 
 origin_t PlanBuilder::constant(const vlt_underlying_data_t& value) {
   plan_.constants.push_back(value);
-  return {origin_t::way_t::constant, static_cast<std::uint32_t>(plan_.constants.size() - 1)};
+  return {origin_t::way_t::CONSTANT, static_cast<std::uint32_t>(plan_.constants.size() - 1)};
 }
 
 origin_t PlanBuilder::constant(double value) {
@@ -118,8 +118,8 @@ origin_t PlanBuilder::constant(double value) {
 
 // The value of a field that is set again.
 void PlanBuilder::dropOrigin(origin_t value) {
-  if (value.way() == origin_t::way_t::constant) return;
-  if (value.way() != origin_t::way_t::moved) {
+  if (value.way() == origin_t::way_t::CONSTANT) return;
+  if (value.way() != origin_t::way_t::MOVED) {
     throw std::logic_error("a floor replaces only values of the notification");
   }
   drop({value.index(), value.slot(), &slotAt(value.index(), value.slot()).value});
@@ -138,7 +138,7 @@ void PlanBuilder::put(OutputModel& output, const char* key, origin_t value) {
 
 void PlanBuilder::putEntry(OutputModel& output, std::uint32_t table, std::uint32_t slot) {
   const auto& from = slotAt(table, slot);
-  const origin_t origin(origin_t::way_t::moved, table, slot);
+  const origin_t origin(origin_t::way_t::MOVED, table, slot);
   if (entry_t* const entry = output.find(from.key.value.string)) {
     spare_keys_[from.key.value.string].push_back({table, slot, &from.key});
     dropOrigin(entry->value);
@@ -152,7 +152,7 @@ bool PlanBuilder::insertUnder(OutputModel& output, std::uint32_t table, std::uin
                               origin_t value) const {
   const auto& from = slotAt(table, slot);
   if (output.find(from.key.value.string) != nullptr) return false;
-  output.add(from.key.value.string, from.hash, {origin_t::way_t::moved, table, slot}, value);
+  output.add(from.key.value.string, from.hash, {origin_t::way_t::MOVED, table, slot}, value);
   return true;
 }
 
@@ -176,7 +176,7 @@ void PlanBuilder::makeTransient(const TableModel& model) {
 }
 
 std::optional<PlanBuilder::taken_t> PlanBuilder::reuse(spares_t& spares, std::uint32_t text) {
-  if (variant_ == variant_t::plain) return std::nullopt;
+  if (variant_ == variant_t::PLAIN) return std::nullopt;
   const auto found = spares.find(texts_.text(text));
   if (found == spares.end() || found->second.empty()) return std::nullopt;
   const taken_t spare = found->second.back();
@@ -185,14 +185,14 @@ std::optional<PlanBuilder::taken_t> PlanBuilder::reuse(spares_t& spares, std::ui
 }
 
 origin_t PlanBuilder::withReuse(origin_t origin, spares_t& spares) {
-  if (origin.way() != origin_t::way_t::copied) return origin;
+  if (origin.way() != origin_t::way_t::COPIED) return origin;
   const auto spare = reuse(spares, origin.index());
   return spare ? moved(*spare) : origin;
 }
 
 origin_t PlanBuilder::finish(const OutputModel& output) {
   const TableModel& table = output.table();
-  const bool is_sized = variant_ == variant_t::sized;
+  const bool is_sized = variant_ == variant_t::SIZED;
   const std::vector<std::uint32_t> slots = table.finalSlots();
   for (std::size_t i = 0; i < output.entries().size(); ++i) {
     entry_t entry = output.entries()[i];
@@ -207,7 +207,7 @@ origin_t PlanBuilder::finish(const OutputModel& output) {
   plan_.outputs.push_back({is_sized ? table.capacity() : FIRST_CAPACITY,
                            static_cast<std::uint32_t>(output.entries().size()),
                            static_cast<std::uint32_t>(growths)});
-  return {origin_t::way_t::table, static_cast<std::uint32_t>(plan_.outputs.size() - 1)};
+  return {origin_t::way_t::TABLE, static_cast<std::uint32_t>(plan_.outputs.size() - 1)};
 }
 
 plan_t PlanBuilder::result() {

@@ -19,9 +19,9 @@
 namespace com::velanto::connectivity::bench::floor {
 
 enum class variant_t {
-  plain, // the calls of the steps to the letter
-  reuse, // the same, but blocks with the same content move
-  sized, // in addition, makes every output table at its final capacity
+  PLAIN, // the calls of the steps to the letter
+  REUSE, // the same, but blocks with the same content move
+  SIZED, // in addition, makes every output table at its final capacity
 };
 
 class PlanBuilder {
@@ -62,10 +62,10 @@ class PlanBuilder {
   // ---- output
 
   [[nodiscard]] static origin_t moved(const taken_t& value) {
-    return {origin_t::way_t::moved, value.table, value.slot};
+    return {origin_t::way_t::MOVED, value.table, value.slot};
   }
   [[nodiscard]] origin_t copied(const char* text) {
-    return {origin_t::way_t::copied, texts_.of(text)};
+    return {origin_t::way_t::COPIED, texts_.of(text)};
   }
   [[nodiscard]] origin_t constant(const vlt_underlying_data_t& value);
   [[nodiscard]] origin_t constant(double value);

@@ -9,77 +9,77 @@ namespace com::velanto::connectivity::bench::peers {
 
 namespace {
 
-using json = nlohmann::json;
-using object_t = json::object_t;
+using Json = nlohmann::json;
+using object_t = Json::object_t;
 
-object_t& objectOf(json& value) { return value.get_ref<object_t&>(); }
-const object_t& objectOf(const json& value) { return value.get_ref<const object_t&>(); }
+object_t& objectOf(Json& value) { return value.get_ref<object_t&>(); }
+const object_t& objectOf(const Json& value) { return value.get_ref<const object_t&>(); }
 
 struct NlohmannTree {
-  using value_t = json;
+  using value_t = Json;
 
-  static const json* find(const json& object, std::string_view key) {
+  static const Json* find(const Json& object, std::string_view key) {
     const auto found = objectOf(object).find(key);
     return found == objectOf(object).end() ? nullptr : &found->second;
   }
-  static std::optional<json> take(json& object, std::string_view key) {
+  static std::optional<Json> take(Json& object, std::string_view key) {
     const auto found = objectOf(object).find(key);
     if (found == objectOf(object).end()) return std::nullopt;
-    std::optional<json> value(std::move(found->second));
+    std::optional<Json> value(std::move(found->second));
     objectOf(object).erase(found);
     return value;
   }
-  static bool isObject(const json& value) { return value.is_object(); }
-  static bool isText(const json& value) { return value.is_string(); }
-  static bool isInteger(const json& value) { return value.is_number_integer(); }
-  static bool isNumber(const json& value) { return value.is_number(); }
-  static std::string_view text(const json& value) { return value.get_ref<const std::string&>(); }
-  static const char* kindName(const json& value) {
+  static bool isObject(const Json& value) { return value.is_object(); }
+  static bool isText(const Json& value) { return value.is_string(); }
+  static bool isInteger(const Json& value) { return value.is_number_integer(); }
+  static bool isNumber(const Json& value) { return value.is_number(); }
+  static std::string_view text(const Json& value) { return value.get_ref<const std::string&>(); }
+  static const char* kindName(const Json& value) {
     switch (value.type()) {
-      case json::value_t::object:
+      case Json::value_t::object:
         return "map";
-      case json::value_t::array:
+      case Json::value_t::array:
         return "list";
-      case json::value_t::string:
+      case Json::value_t::string:
         return "string";
-      case json::value_t::boolean:
+      case Json::value_t::boolean:
         return "boolean";
-      case json::value_t::number_float:
+      case Json::value_t::number_float:
         return "double";
-      case json::value_t::null:
+      case Json::value_t::null:
         return nullptr;
       default:
         return "integer";
     }
   }
-  static json object(std::size_t) { return json::object(); }
-  static json number(double value) { return value; }
-  static json copyOf(std::string_view text) { return text; }
-  static void add(json& object, const char* key, json&& value) {
+  static Json object(std::size_t) { return Json::object(); }
+  static Json number(double value) { return value; }
+  static Json copyOf(std::string_view text) { return text; }
+  static void add(Json& object, const char* key, Json&& value) {
     objectOf(object).emplace(key, std::move(value));
   }
-  static void put(json& object, const char* key, json&& value) {
+  static void put(Json& object, const char* key, Json&& value) {
     objectOf(object).insert_or_assign(key, std::move(value));
   }
-  static std::size_t size(const json& object) { return objectOf(object).size(); }
+  static std::size_t size(const Json& object) { return objectOf(object).size(); }
 
   using entry_t = object_t::node_type;
   template <class Visit>
-  static void drain(json& object, const Visit& visit) {
+  static void drain(Json& object, const Visit& visit) {
     object_t& entries = objectOf(object);
     while (!entries.empty()) visit(entries.extract(entries.begin()));
   }
-  static json& valueOf(entry_t& entry) { return entry.mapped(); }
-  static void putEntry(json& object, entry_t&& entry) {
+  static Json& valueOf(entry_t& entry) { return entry.mapped(); }
+  static void putEntry(Json& object, entry_t&& entry) {
     auto inserted = objectOf(object).insert(std::move(entry));
     if (!inserted.inserted) inserted.position->second = std::move(inserted.node.mapped());
   }
-  static void insertEntry(json& object, entry_t&& entry, json&& value) {
+  static void insertEntry(Json& object, entry_t&& entry, Json&& value) {
     entry.mapped() = std::move(value);
     objectOf(object).insert(std::move(entry));
   }
   template <class Test>
-  static bool every(const json& object, const Test& test) {
+  static bool every(const Json& object, const Test& test) {
     for (const auto& [key, value] : objectOf(object)) {
       if (!test(value)) return false;
     }
@@ -90,18 +90,18 @@ struct NlohmannTree {
 struct NlohmannStorage {
   using tree_t = NlohmannTree;
   struct message_t {
-    json payload;
-    json metadata;
+    Json payload;
+    Json metadata;
   };
   using prototype_t = message_t;
 
   static prototype_t parse(const std::string& line) {
-    json message = json::parse(line);
+    Json message = Json::parse(line);
     return {std::move(message["payload"]), std::move(message["metadata"])};
   }
   static message_t copy(const prototype_t& prototype) { return prototype; }
   static tree_t tree(message_t&) { return {}; }
-  static std::string write(const json& value) { return value.dump(); }
+  static std::string write(const Json& value) { return value.dump(); }
 };
 
 } // namespace

@@ -7,15 +7,15 @@ namespace com::velanto::connectivity::bench {
 
 namespace {
 
-using json = nlohmann::ordered_json;
+using Json = nlohmann::ordered_json;
 
 double quantile(samples_t samples, double share) {
   std::sort(samples.begin(), samples.end());
   return samples[static_cast<std::size_t>(share * static_cast<double>(samples.size() - 1))];
 }
 
-json describe(const group_t& group) {
-  json contenders = json::array();
+Json describe(const group_t& group) {
+  Json contenders = Json::array();
   for (const result_t& result : group.results) {
     contenders.push_back(
         {{"name", result.name},
@@ -30,11 +30,11 @@ json describe(const group_t& group) {
 } // namespace
 
 std::string jsonReport(const environment_t& environment, const std::vector<suite_t>& suites) {
-  json report;
+  Json report;
   for (const auto& [name, value] : environment) report["environment"][name] = value;
-  report["suites"] = json::array();
+  report["suites"] = Json::array();
   for (const suite_t& suite : suites) {
-    json groups = json::array();
+    Json groups = Json::array();
     for (const group_t& group : suite.groups) groups.push_back(describe(group));
     report["suites"].push_back(
         {{"name", suite.name}, {"unit", suite.unit}, {"groups", std::move(groups)}});

@@ -40,7 +40,7 @@ group_t measure(const options_t& options, const char* name, lines_t dropped,
   Heat heat(options, name, std::move(dropped));
   heat.withPlugin().withOther(
       CONVERTED,
-      std::make_shared<PluginContender>(options.plugin, converted, LARGE_BATCH, tables_t::grown));
+      std::make_shared<PluginContender>(options.plugin, converted, LARGE_BATCH, tables_t::GROWN));
   return heat.withPeers().run(options.rounds);
 }
 

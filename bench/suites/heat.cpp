@@ -20,29 +20,29 @@ Heat& Heat::withPlugin() {
   const auto make = [this](const std::string& library) {
     return std::make_shared<PluginContender>(library, lines_, batch_, tables_);
   };
-  enter("plug-in", make(options_.plugin), sameness_t::slots);
-  if (options_.against) enter(options_.against_name, make(*options_.against), sameness_t::slots);
+  enter("plug-in", make(options_.plugin), sameness_t::SLOTS);
+  if (options_.against) enter(options_.against_name, make(*options_.against), sameness_t::SLOTS);
   return *this;
 }
 
 Heat& Heat::withFloor(const std::string& name, floor::variant_t variant) {
   enter(name, std::make_shared<floor::FloorContender>(lines_, batch_, variant, tables_),
-        sameness_t::slots);
+        sameness_t::SLOTS);
   return *this;
 }
 
 Heat& Heat::withFloors() {
-  withFloor("floor", floor::variant_t::plain);
-  withFloor("floor-reuse", floor::variant_t::reuse);
-  return withFloor("floor-sized", floor::variant_t::sized);
+  withFloor("floor", floor::variant_t::PLAIN);
+  withFloor("floor-reuse", floor::variant_t::REUSE);
+  return withFloor("floor-sized", floor::variant_t::SIZED);
 }
 
 Heat& Heat::withPeers() {
-  enter("nlohmann::json", peers::makeNlohmann(lines_, batch_), sameness_t::content);
-  enter("RapidJSON", peers::makeRapidJson(lines_, batch_), sameness_t::content);
-  enter("Boost.JSON", peers::makeBoostJson(lines_, batch_), sameness_t::content);
+  enter("nlohmann::json", peers::makeNlohmann(lines_, batch_), sameness_t::CONTENT);
+  enter("RapidJSON", peers::makeRapidJson(lines_, batch_), sameness_t::CONTENT);
+  enter("Boost.JSON", peers::makeBoostJson(lines_, batch_), sameness_t::CONTENT);
   enter("Boost.JSON, monotonic", peers::makeBoostJsonMonotonic(lines_, batch_),
-        sameness_t::content);
+        sameness_t::CONTENT);
   return *this;
 }
 

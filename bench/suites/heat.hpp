@@ -44,7 +44,7 @@ struct entrant_t {
 class Heat {
  public:
   // `options` must outlive the heat.
-  Heat(const options_t& options, std::string name, lines_t lines, tables_t tables = tables_t::grown)
+  Heat(const options_t& options, std::string name, lines_t lines, tables_t tables = tables_t::GROWN)
       : options_(options), name_(std::move(name)), lines_(std::move(lines)), tables_(tables) {}
 
   // All contenders that enter after this convert so many messages before they release them; before

@@ -27,18 +27,18 @@ void dumpRun(const std::string& corpus, const std::string& name, Contender& cont
 
 void dumpAll(const options_t& options, const std::string& corpus, const lines_t& lines) {
   const auto plugin = [&](const std::string& name, const std::string& library) {
-    PluginContender contender(library, lines, LARGE_BATCH, tables_t::grown);
+    PluginContender contender(library, lines, LARGE_BATCH, tables_t::GROWN);
     dumpRun(corpus, name, contender);
   };
   const auto floor = [&](const std::string& name, floor::variant_t variant) {
-    floor::FloorContender contender(lines, LARGE_BATCH, variant, tables_t::grown);
+    floor::FloorContender contender(lines, LARGE_BATCH, variant, tables_t::GROWN);
     dumpRun(corpus, name, contender);
   };
   plugin("plug-in", options.plugin);
   if (options.against) plugin(options.against_name, *options.against);
-  floor("floor", floor::variant_t::plain);
-  floor("floor-reuse", floor::variant_t::reuse);
-  floor("floor-sized", floor::variant_t::sized);
+  floor("floor", floor::variant_t::PLAIN);
+  floor("floor-reuse", floor::variant_t::REUSE);
+  floor("floor-sized", floor::variant_t::SIZED);
 }
 
 } // namespace

@@ -19,7 +19,7 @@ suite_t measureKinds(const options_t& options, std::size_t batch) {
 suite_t measureCapacities(const options_t& options) {
   suite_t suite{"capacities", "ns per message", {}};
   const auto add = [&](const char* name, lines_t lines) {
-    Heat heat(options, name, std::move(lines), tables_t::others);
+    Heat heat(options, name, std::move(lines), tables_t::OTHERS);
     suite.groups.push_back(heat.withPlugin().withFloors().run(options.rounds));
   };
   add("mix", mixedNotifications(LARGE_BATCH));

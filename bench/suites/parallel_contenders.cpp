@@ -26,9 +26,9 @@ void ParallelContenders::work(std::size_t member) {
     if (ending_) return;
     members_[member]->fill(orderOfRound(members_[member]->size(), round_));
     run_.arrive_and_wait();
-    spans_[member].start = clock::now();
+    spans_[member].start = Clock::now();
     members_[member]->run();
-    spans_[member].end = clock::now();
+    spans_[member].end = Clock::now();
     done_.arrive_and_wait();
   }
 }
@@ -37,8 +37,8 @@ double ParallelContenders::sample(std::size_t round) {
   round_ = round;
   begin_.arrive_and_wait();
   done_.arrive_and_wait();
-  clock::time_point start = spans_.front().start;
-  clock::time_point end = spans_.front().end;
+  Clock::time_point start = spans_.front().start;
+  Clock::time_point end = spans_.front().end;
   for (const span_t& span : spans_) {
     start = std::min(start, span.start);
     end = std::max(end, span.end);

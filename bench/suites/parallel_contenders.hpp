@@ -24,10 +24,10 @@ class ParallelContenders {
   [[nodiscard]] double sample(std::size_t round);
 
  private:
-  using clock = std::chrono::steady_clock;
+  using Clock = std::chrono::steady_clock;
   struct span_t {
-    clock::time_point start;
-    clock::time_point end;
+    Clock::time_point start;
+    Clock::time_point end;
   };
 
   void work(std::size_t member);

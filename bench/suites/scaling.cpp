@@ -25,10 +25,10 @@ group_t measure(const options_t& options, const shape_t& shape, std::size_t coun
   const std::size_t copies = std::clamp<std::size_t>(PARTS_PER_RUN / count, 1, LARGE_BATCH);
   for (std::size_t i = 0; i < copies; ++i) lines.push_back(message.front());
   std::string name = std::to_string(count) + ' ' + shape.part;
-  if (tables == tables_t::worst) name += ", worst tables";
+  if (tables == tables_t::WORST) name += ", worst tables";
   Heat heat(options, std::move(name), std::move(lines), tables);
-  heat.withPlugin().withFloor("floor", floor::variant_t::plain);
-  const std::size_t rounds = options.rounds / (tables == tables_t::worst ? 15 : 3);
+  heat.withPlugin().withFloor("floor", floor::variant_t::PLAIN);
+  const std::size_t rounds = options.rounds / (tables == tables_t::WORST ? 15 : 3);
   return heat.run(std::max<std::size_t>(rounds, 1), static_cast<double>(count));
 }
 
@@ -38,10 +38,10 @@ suite_t measureScaling(const options_t& options) {
   suite_t suite{"scaling", "ns per part", {}};
   for (const shape_t& shape : SHAPES) {
     for (const std::size_t count : {10u, 100u, 1'000u, 10'000u, 100'000u}) {
-      suite.groups.push_back(measure(options, shape, count, tables_t::grown));
+      suite.groups.push_back(measure(options, shape, count, tables_t::GROWN));
     }
     for (const std::size_t count : {1'000u, 10'000u, 100'000u}) {
-      suite.groups.push_back(measure(options, shape, count, tables_t::worst));
+      suite.groups.push_back(measure(options, shape, count, tables_t::WORST));
     }
   }
   return suite;

@@ -28,11 +28,11 @@ suite_t measureThreads(const options_t& options) {
   const lines_t lines = mixedNotifications(2 * LARGE_BATCH);
   std::vector<lane_t> lanes;
   addThreadLanes(lanes, "plug-in", [&] {
-    return std::make_unique<PluginContender>(options.plugin, lines, LARGE_BATCH, tables_t::grown);
+    return std::make_unique<PluginContender>(options.plugin, lines, LARGE_BATCH, tables_t::GROWN);
   });
   addThreadLanes(lanes, "floor", [&] {
-    return std::make_unique<floor::FloorContender>(lines, LARGE_BATCH, floor::variant_t::plain,
-                                                   tables_t::grown);
+    return std::make_unique<floor::FloorContender>(lines, LARGE_BATCH, floor::variant_t::PLAIN,
+                                                   tables_t::GROWN);
   });
   suite.groups.push_back({"mix", race(lanes, options.rounds)});
   return suite;

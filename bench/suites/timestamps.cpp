@@ -88,7 +88,7 @@ suite_t measureTimestamps(const options_t& options) {
   for (const lines_t& texts : {usualTexts(), oddTexts()}) {
     LiteralReader literal(texts);
     CodecReader codec(texts);
-    requireSame("timestamps", literal, "the codec's reader", codec, sameness_t::slots);
+    requireSame("timestamps", literal, "the codec's reader", codec, sameness_t::SLOTS);
   }
   if (options.only_check) return suite;
   lines_t texts;

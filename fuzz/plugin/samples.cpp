@@ -70,8 +70,8 @@ samples_t read() {
 } // namespace
 
 const samples_t& samples() {
-  static const samples_t result = read();
-  return result;
+  static const samples_t SAMPLES = read();
+  return SAMPLES;
 }
 
 } // namespace com::velanto::connectivity::fuzz
