@@ -75,6 +75,7 @@ void playBatch(Trial& trial, const std::string& place, Codec& codec, case_t& pla
 
   std::vector<Message>& batch = played.in;
   std::vector<std::string> before;
+  before.reserve(batch.size());
   for (const Message& message : batch) before.push_back(bytesOf(message));
   trial.equal(place + ", send", 0,
               played.towards_transport ? codec.towardsTransport(batch) : codec.towardsHost(batch));
