@@ -18,8 +18,8 @@ namespace com::velanto::connectivity::tools::check {
 
 // A line of the file NAME.ndjson beside this source, as it was when the program was built.
 struct embedded_t {
-  std::string_view file;
-  std::string_view text;
+  const char* file;
+  const char* text;
 };
 
 // File by file, in their order.
