@@ -1,7 +1,7 @@
 // Loading and unloading the plug-in: nothing of it stays behind, neither blocks nor memory, and the
 // library really goes.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <fstream>
 
