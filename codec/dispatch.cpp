@@ -15,12 +15,12 @@ namespace com::velanto::connectivity::plugins::pulsar {
 namespace {
 
 struct kind_t {
-  std::string_view word; // that its type segments begin with: alarmsX is accepted as alarms
+  std::string_view word; // that its type segments begin with: alarmsX is a path of alarms
   Channel channel;
   std::unique_ptr<TivraMessageBuilder> (*convert)(PulsarMessageDisassembler&);
 };
 
-// In the order in which they are tried.
+// In the order of the comparisons.
 constexpr kind_t KINDS[] = {
     {STR_alarms, Channel::DEVICES, convertAlarm},
     {STR_events, Channel::DEVICES, convertEvent},

@@ -16,9 +16,9 @@ struct converted_t {
   Channel channel;                              // of the event
 };
 
-// The event made from the notification, which is consumed, and its channel. A path of no known kind
-// is a fault, "Unrecognised Pulsar message type: 'SEGMENT'". Throws what
-// getStartCharOfMessageType throws, and std::bad_alloc.
+// Consumes the notification; returns its event and the channel for it. A path of no known kind is a
+// fault, "Unrecognised Pulsar message type: 'SEGMENT'". Throws the exceptions of
+// getStartCharOfMessageType, and std::bad_alloc.
 [[nodiscard]] converted_t convertPulsarToTivraMessage(PulsarMessageDisassembler& notification);
 
 } // namespace com::velanto::connectivity::plugins::pulsar

@@ -14,7 +14,7 @@ class Fault {
   // Whether there is one.
   explicit operator bool() const noexcept { return error_.has_value(); }
 
-  // Its text, for the report. There must be one.
+  // Its message, for the report. There must be one.
   [[nodiscard]] const char* what() const noexcept { return error_->what(); }
 
   // Notes `error`, unless there is a fault already.

@@ -19,7 +19,7 @@ namespace {
 constexpr vlt_log_level_t DROPPED_LEVEL = 3;
 constexpr vlt_log_level_t TRACE_LEVEL = 6;
 
-// The configured text, which may be null, or the default when the setting is absent or no text.
+// The configured string, which may be null, or the default when the setting is absent or no string.
 const char* readMeasurementChannel(const MapExtractor& settings) {
   const data_t key(STR_measurementSplittingChannel); // no memory for it is no reason for a default
   try {

@@ -1,5 +1,5 @@
-// The codec: replaces each notification on its way to the host by a typed host event, drops and
-// reports what it cannot decode, and lets everything else pass.
+// The codec: replaces each notification on its way to the host by a typed host event. Reports and
+// drops every notification that it cannot decode, and lets all other messages pass.
 //
 //   metadata has no "pulsarPath"   →  passes untouched, not even traced
 //   conversion succeeds            →  replaced by the event
@@ -18,19 +18,20 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
  public:
-  // Throws std::runtime_error when "tenantId" is missing, empty of any value or not a string, and
-  // std::bad_alloc, also when there was no memory for the constants while the library was loaded.
+  // Throws std::runtime_error when "tenantId" is missing, empty of any value or not a string.
+  // Throws std::bad_alloc, also when there was no memory for the constants at the load of the
+  // library.
   explicit OstroviaNotifications2Codec(
       const PluginConstructorParameters::CodecConstructorParameters& params);
 
-  // Returns true for an event, and for a message without a path, which is left as it is. Reports any
-  // other notification, drops it and returns false. A dropped notification leaves its "id" alone, if
-  // that is a string and there is memory for it; one whose payload is no map is left untouched.
-  // Throws, with the message untouched, when the trace fails or there is no memory for a long id.
+  // Returns true for an event, and for a message without a path, which stays as it is. Reports any
+  // other notification, drops it and returns false. A dropped notification keeps its "id" alone, if
+  // that is a string and there is memory for it; one whose payload is no map stays whole. Throws,
+  // with the message whole, when the trace fails or there is no memory for a long id.
   bool transformMessageTowardsHost(Message& message) override;
   // Returns true and changes nothing.
   bool transformMessageTowardsTransport(Message& message) override;
-  // Reports the exception in flight at level 3. Returns false: the message is dropped.
+  // Reports the exception in flight at level 3. Returns false, which drops the message.
   bool handleException(Message& message, bool towardsTransport) override;
 
  private:
@@ -39,12 +40,12 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
   [[nodiscard]] Message processPulsarMessage(PulsarMessageDisassembler& notification) const;
   [[nodiscard]] const data_t& channelFor(Channel channel) const noexcept;
   // Write the line about a dropped message, if the level asks for it. `id` is null for a message
-  // without one, `what` for a failure without a text. Only a line of unusual length takes memory; it
-  // is cut when there is none.
+  // without one, `what` for a failure without a message. Only a line of unusual length takes
+  // memory; without memory it is cut.
   void reportDropped(const char* id, bool towardsTransport, const char* what) const noexcept;
   void reportExceptionInFlight(const char* id, bool towardsTransport) const noexcept;
 
-  ConstantsUser constantsUser;        // before the members that are made with constants
+  ConstantsUser constantsUser;        // before the members made with constants
   data_t measurementSplittingChannel; // for events made from measurements
   data_t devicesChannel;              // for all others, prefix included
   boost::optional<data_t> tenantId;   // written into every event when set

@@ -1,11 +1,11 @@
 // The vocabulary of the conversions: extract fields from a notification's payload, convert them, and
 // put them into the event under construction.
 //
-// Extracting a field removes it. The fields that a conversion has not extracted when it finishes are
-// copied over whole, so no field is ever both converted and copied. A missing field, one of the
-// wrong kind and an unreadable time are faults whose text names the key. The first one is noted in
-// the notification; the functions that extract required fields do nothing after that, and their
-// results mean nothing.
+// Extracting a field removes it. The last step of a conversion moves all other fields to the event,
+// so no field is both converted and copied. A missing field, one of the wrong kind and an
+// unreadable time are faults whose message names the key. The notification notes the first one;
+// after that, the functions that extract required fields do nothing, and their results mean
+// nothing.
 #ifndef VLT_CODEC_PAYLOAD_FIELDS_HPP
 #define VLT_CODEC_PAYLOAD_FIELDS_HPP
 
@@ -57,8 +57,8 @@ inline void ensureValueDataTIsString(char const* key, data_t const& value, Fault
 // missing field: "Required key 'KEY' missing from message payload".
 [[nodiscard]] data_t extractField(PulsarMessageDisassembler& notification, constant_t const& key);
 
-// Extracts "time": seconds since the epoch. The fault of an unreadable text: "Error parsing timestamp
-// 'TEXT' in key 'time'".
+// Extracts "time": seconds since the epoch. The fault of an unreadable string: "Error parsing
+// timestamp 'TEXT' in key 'time'".
 [[nodiscard]] double extractTimeTimestamp(PulsarMessageDisassembler& notification);
 
 // Extracts the id from the map that `source` must be. Frees the rest of the map; key and table become
@@ -77,8 +77,7 @@ void remapPayloadElement(constant_t const& from, constant_t const& to,
 void convertDateTimePayloadElement(constant_t const& key, PulsarMessageDisassembler& notification,
                                    TivraMessageBuilder& builder);
 
-// Moves everything that is left in the payload into the event's fields, over those of the same
-// names.
+// Moves all remaining fields of the payload into the event's fields, over fields of the same names.
 void copyOverRemainingPayloadElements(PulsarMessageDisassembler& notification,
                                       TivraMessageBuilder& builder);
 

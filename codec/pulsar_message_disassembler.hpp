@@ -1,5 +1,5 @@
-// Owns one notification while it is taken apart: tells the resource kind from the path under which
-// it was delivered, and hands out the payload map from which the conversions remove what they use.
+// Owns one notification while a conversion takes it apart. Tells the resource kind from its path,
+// and hands out the payload map for the conversions to remove their fields from.
 //
 //   pulsarPath   tenantA / sub1 / alarms / 4711
 //                                 ^ the type segment: from the second '/' to the next, or the end
@@ -20,9 +20,9 @@ class PulsarMessageDisassembler {
   PulsarMessageDisassembler& operator=(const PulsarMessageDisassembler&) = delete;
   ~PulsarMessageDisassembler() = default;
 
-  // The first character of the type segment, inside the stored path: valid until the metadata is
-  // discarded. The terminating NUL when the path has fewer than two '/'. Throws std::runtime_error
-  // "No Pulsar path found", or the typed get's error for a path that is no string.
+  // The first character of the type segment, inside the stored path: valid as long as the metadata.
+  // The terminating NUL when the path has fewer than two '/'. Throws std::runtime_error "No Pulsar
+  // path found", or the typed get's error for a path that is no string.
   [[nodiscard]] const char* getStartCharOfMessageType() const;
 
   // Frees the metadata, once the resource kind is known. There is no path after this.
@@ -37,15 +37,15 @@ class PulsarMessageDisassembler {
   // Holds the "id" that a conversion has extracted, until the event takes it from here.
   [[nodiscard]] data_t& holdId(data_t&& id) noexcept { return id_ = std::move(id); }
 
-  // What a dropped notification leaves: a map with only its "id", of which `text` is the text, or an
-  // empty value for null. The map is made of the notification's own id, key and table, as far as
-  // they are still here, and of the host's memory otherwise; an empty value when there is none.
+  // The payload of a dropped notification: a map with its "id" alone, which reads `text`, or an
+  // empty value for null. Made of the notification's own id, key and table, as far as they are
+  // still here, and of the host's memory otherwise; an empty value without memory.
   [[nodiscard]] data_t reduceToId(const char* text) noexcept;
 
-  // What is wrong with the notification.
+  // The fault of the notification.
   [[nodiscard]] Fault& getFault() noexcept { return fault_; }
 
-  // What the notification has lost and the event can use.
+  // Parts that the notification has lost and the event can use.
   [[nodiscard]] SpareParts& getSpareParts() noexcept { return spares_; }
 
  private:

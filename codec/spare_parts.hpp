@@ -1,11 +1,9 @@
-// What a notification brings along and its event can use, instead of it being freed and the same
-// being made again:
+// Parts of a notification that its event can use, instead of freeing them and making the same
+// again:
 //
-//   copies of constants   a field that is taken out of the payload leaves its key behind, and the
-//                         event mostly has a field of that name; a text may be one of an
-//                         enumeration's
-//   tables                of the maps that are emptied on the way, those that have the capacity
-//                         that new tables have
+//   copies of constants   a field taken out of the payload leaves its key, and the event mostly has a
+//                         field of that name; a string may be a word of an enumeration
+//   tables                of maps that a conversion empties, if they have the capacity of new tables
 #ifndef VLT_CODEC_SPARE_PARTS_HPP
 #define VLT_CODEC_SPARE_PARTS_HPP
 
@@ -28,8 +26,8 @@ class SpareParts {
     for (; kept_ != 0; kept_ &= kept_ - 1) slots_[std::countr_zero(kept_)].copy.~data_t();
   }
 
-  // Keeps `copy`, a string of the constant's text, unless it is borrowed or there is one already;
-  // `copy` is left empty in any case.
+  // Keeps `copy`, a string equal to the constant, unless it is borrowed or there is one already;
+  // leaves `copy` empty in any case.
   void keep(const constant_t& constant, data_t&& copy) noexcept {
     if (copy.type_tag() != VLT_TAG_STRING || isKept(constant)) {
       const data_t freed = std::move(copy);
@@ -39,14 +37,14 @@ class SpareParts {
     kept_ |= bitOf(constant);
   }
 
-  // The copy that was kept, or else a new one. Throws std::bad_alloc.
+  // The kept copy, or else a new one. Throws std::bad_alloc.
   [[nodiscard]] data_t take(const constant_t& constant) {
     if (!isKept(constant)) return constant.copy();
     kept_ &= ~bitOf(constant);
     return std::move(slots_[constant.number()].copy);
   }
 
-  // Keeps the table of `map`, whose entries are freed, or frees that as well.
+  // Frees the entries of `map` and keeps its table, or frees that as well.
   void keep(map_t&& map) noexcept {
     map_t table = std::move(map);
     if (table.capacity() != table_rules::FIRST_CAPACITY || kept_tables_ == tables_.size()) return;
@@ -54,13 +52,13 @@ class SpareParts {
     tables_[kept_tables_++] = std::move(table);
   }
 
-  // A map without entries, for one that is about to get some: with a table, if one was kept.
+  // A map without entries, for one that is about to get some: with a table, if there is one.
   [[nodiscard]] map_t takeMap() noexcept {
     return kept_tables_ == 0 ? map_t() : std::move(tables_[--kept_tables_]);
   }
 
  private:
-  // Left as it is until something is kept in it: there are many and few are used.
+  // Uninitialised until it keeps something: there are many and few are used.
   union slot_t {
     slot_t() noexcept {} // NOLINT(modernize-use-equals-default): a defaulted one would be deleted
     slot_t(const slot_t&) = delete;

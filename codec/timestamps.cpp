@@ -1,6 +1,6 @@
-// Two readers: the usual forms, with every character where it belongs, are read off their fixed
-// positions; any other text goes through the literal steps, which decide what becomes of the odd
-// ones. The first gives what the second would, in a fraction of the time.
+// Two readers. One reads the usual forms, with every character where it belongs, off their fixed
+// positions. The other takes any string through the literal steps, which decide the results of the
+// odd ones. The first gives the same results in a fraction of the time.
 //
 // Both count the seconds as timegm does, but without the lock that all threads of a process share
 // there.
@@ -29,7 +29,7 @@ constexpr std::size_t ZONE_LENGTH = 6;
 constexpr double SECONDS_PER_HOUR = 3600.0;
 constexpr double SECONDS_PER_MINUTE = 60.0;
 
-// Seconds since the epoch, in UTC. `month` counts from 1; a day behind the end of its month counts
+// Seconds since the epoch, in UTC. `month` counts from 1; a day after the end of its month counts
 // on into the next.
 double secondsSinceEpoch(int year, int month, int day, int hour, int minute, int second) noexcept {
   namespace chrono = std::chrono;
@@ -42,7 +42,7 @@ double secondsSinceEpoch(int year, int month, int day, int hour, int minute, int
 
 // ---- the usual forms: YYYY-MM-DDThh:mm:ss, with or without .mmm, then Z at the end or ±hh:mm
 
-// Digits are read eight characters at once, each a byte of a word:
+// Reads digits eight characters at once, each a byte of a word:
 //
 //   characters   Y Y Y Y - M M -   D D T h h : m m   . . . . . s s .
 //   from         0                 8                 12
@@ -51,19 +51,19 @@ double secondsSinceEpoch(int year, int month, int day, int hour, int minute, int
 //   from         16                18 or 22
 class EightCharacters {
  public:
-  // `digits` has FF for every character that is to be a digit, 00 for those that are not looked at.
+  // `digits` has FF for every character that must be a digit, 00 for all others.
   EightCharacters(const char* text, std::uint64_t digits) noexcept {
     std::uint64_t word = 0;
     std::memcpy(&word, text, sizeof word);
     if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
     word = (word ^ 0x3030303030303030) & digits; // a digit is its value now
-    // A byte up to 9 stays below 80 when 76 is added; one from 80 on is none, whatever carries on.
+    // A byte up to 9 stays below 80 with 76 added; one from 80 on is none, with any carry.
     valid_ = (((word + 0x7676767676767676) | word) & 0x8080808080808080) == 0;
     digits_ = word;
     pairs_ = word * 10 + (word >> 8);
   }
 
-  // The number whose two digits begin with character `i`. Of no meaning unless valid.
+  // The number of the two digits from character `i` on. Of no meaning unless valid.
   [[nodiscard]] int pairAt(int i) const noexcept {
     return static_cast<int>(pairs_ >> (8 * i) & 0xFF);
   }
@@ -131,7 +131,7 @@ boost::optional<double> readUsualForm(std::string_view text) noexcept {
 
 // ---- the literal steps
 
-// std::stoi decides what a number is; its exceptions end the parsing.
+// std::stoi decides where a number ends; its exceptions end the parsing.
 int number(std::string_view digits) { return std::stoi(std::string(digits)); }
 
 // The marks between the numbers; whether the numbers are some is strptime's to say.
@@ -139,7 +139,7 @@ bool hasMarks(std::string_view text) {
   return text[4] == '-' && text[7] == '-' && text[10] == 'T' && text[13] == ':' && text[16] == ':';
 }
 
-// Thousandths behind '.', as a fraction of a second. The leading 1 keeps leading zeros.
+// Thousandths after '.', as a fraction of a second. The leading 1 keeps leading zeros.
 double readFraction(std::string_view text) {
   std::string digits = "1";
   digits += text.substr(FRACTION_AT, FRACTION_LENGTH);

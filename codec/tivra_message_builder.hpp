@@ -1,6 +1,6 @@
 // Assembles one host event message:
 //
-//   payload    id, the fields of the kind, what was left of the notification, "measurements"
+//   payload    id, the fields of the kind, the remaining fields of the notification, "measurements"
 //   metadata   vlt.type, and vlt.channel, which the codec adds
 //
 // Each kind derives a builder that does all its work in its constructor and adds no members; it
@@ -31,7 +31,7 @@ class TivraMessageBuilder {
   [[nodiscard]] static Message getResult(std::unique_ptr<TivraMessageBuilder>&& builder);
 
  protected:
-  // `id` must be a string; `type` names the host event. Keys of fields are taken from `spares`.
+  // `id` must be a string; `type` names the host event. Takes keys of fields from `spares`.
   TivraMessageBuilder(data_t&& id, data_t&& type, SpareParts& spares);
 
   // Adds a field of a name that no field has so far.

@@ -1,10 +1,10 @@
-// The words of the notifications and of the host events, as values that can be used as map keys. A
-// name tells its text, with DOT for a full stop.
+// The words of the notifications and of the host events, as values for map keys. A name spells its
+// word, with DOT for a full stop.
 //
-// Each constant carries its hash, and a number by which copies of it are told apart
-// (codec/spare_parts.hpp). Constants are made once, when the library is loaded, and only read
-// afterwards, so that codecs share them without a lock. Nobody could catch an exception there: a
-// constant that finds no memory stays empty, and creating a codec fails then.
+// Each constant carries its hash, and a number that tells copies of it apart
+// (codec/spare_parts.hpp). The load of the library makes the constants, and nothing writes them
+// later, so codecs share them without a lock. Nobody could catch an exception there: a constant
+// without memory stays empty, and creating a codec then fails.
 //
 // Constants live as long as the library and every codec. When a process ends, the library's
 // destructors run while threads still convert, and before destructors of the host. So the last user
@@ -24,7 +24,7 @@ class constant_t {
  public:
   static constexpr unsigned MOST = 64;
 
-  // To be called while the library is loaded only, at most MOST times, with a literal.
+  // Only while the library is loading, at most MOST times, with a literal.
   explicit constant_t(const char* text) noexcept
       : text_(text), key_(copyOrNothing(text)), number_(made_++) {
     all_[number_] = this;
@@ -78,7 +78,7 @@ class constant_t {
 class ConstantsUser {
  public:
   // Throws std::bad_alloc when there was no memory for one of the constants, or when the last user
-  // has freed them: the library is then of no use until it is loaded again.
+  // has freed them: the library is then of no use until the host loads it again.
   ConstantsUser() {
     unsigned users = constant_t::users_;
     do {
@@ -158,7 +158,7 @@ inline const constant_t MANAGEDOBJECT_TYPE_DATA_T("com.tivra.ostrovia.ManagedObj
 inline const constant_t MEASUREMENT_TYPE_DATA_T("com.tivra.ostrovia.Measurement");
 inline const constant_t OPERATION_TYPE_DATA_T("com.tivra.ostrovia.Operation");
 
-// The same for words that are needed as plain texts only.
+// The same for words that are needed as plain strings only.
 inline constexpr char STR_Notifications2Codec[] = "Notifications2Codec";
 inline constexpr char STR_measurementSplittingChannel[] = "measurementSplittingChannel";
 inline constexpr char STR_ostroviaDOTmeasurements[] = "ostrovia.measurements";

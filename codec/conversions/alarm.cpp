@@ -1,6 +1,6 @@
 // Alarm: (1) source, id  (2) count  (3) severity  (4) the source's id  (5) status
-//        (6) text, time, type  (7) builder  (8) optional dates  (9) all that is left
-// The order is behaviour: the first field that is missing or wrong is the one reported.
+//        (6) text, time, type  (7) builder  (8) optional dates  (9) all remaining fields
+// The order is behaviour: the report names the first field that is missing or wrong.
 #include "codec/conversions/alarm.hpp"
 
 #include "codec/conversions/enum_texts.hpp"

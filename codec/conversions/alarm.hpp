@@ -13,12 +13,13 @@ namespace com::velanto::connectivity::plugins::pulsar {
 enum class AlarmSeverity { CRITICAL, MAJOR, MINOR, WARNING };
 enum class AlarmStatus { ACTIVE, ACKNOWLEDGED, CLEARED };
 
-// The comparison is case-sensitive. Any other text is a fault, "Unrecognized alarm severity: TEXT".
+// The comparison is case-sensitive. Any other string is a fault, "Unrecognized alarm severity:
+// TEXT".
 [[nodiscard]] AlarmSeverity alarmSeverityFromString(char const* text, Fault& fault);
-// The same for a status, "Unrecognized alarm status: TEXT"; a null text is the fault of a string
-// value without a text.
+// The same for a status, "Unrecognized alarm status: TEXT"; a null string is the fault of a string
+// value with a null pointer.
 [[nodiscard]] AlarmStatus alarmStatusFromString(char const* text, Fault& fault);
-// The constant texts. Throw std::runtime_error "Unrecognized enum value.".
+// The constant words. Throw std::runtime_error "Unrecognized enum value.".
 [[nodiscard]] constant_t const& alarmSeverityToDataTString(AlarmSeverity severity);
 [[nodiscard]] constant_t const& alarmStatusToDataTString(AlarmStatus status);
 

@@ -1,4 +1,4 @@
-// The texts of an enumeration whose values count from 0: one row a value, in the order of the
+// The words of an enumeration whose values count from 0: one row a value, in the order of the
 // values, each a constant that events copy.
 #ifndef VLT_CODEC_CONVERSIONS_ENUM_TEXTS_HPP
 #define VLT_CODEC_CONVERSIONS_ENUM_TEXTS_HPP
@@ -18,7 +18,7 @@ template <class Enum, std::size_t ROWS>
 struct EnumTexts {
   std::array<constant_t const*, ROWS> texts;
 
-  // The value whose text equals `text` (not null), case included. Any other text is a fault,
+  // The value of the word equal to `text` (not null), case included. Any other string is a fault,
   // "Unrecognized WHAT: TEXT". With a fault the result means nothing.
   [[nodiscard]] Enum fromString(char const* text, char const* what, Fault& fault) const {
     if (fault) return Enum();
@@ -29,7 +29,7 @@ struct EnumTexts {
     return Enum();
   }
 
-  // The text of `value`. Throws std::runtime_error "Unrecognized enum value.".
+  // The word of `value`. Throws std::runtime_error "Unrecognized enum value.".
   [[nodiscard]] constant_t const& toDataTString(Enum value) const {
     const auto row = static_cast<std::size_t>(value);
     if (row >= ROWS) throw std::runtime_error("Unrecognized enum value.");

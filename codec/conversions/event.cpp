@@ -1,6 +1,6 @@
 // Event: (1) source, id  (2) the source's id  (3) text, time, type  (4) builder
-//        (5) optional dates  (6) all that is left
-// The order is behaviour: the first field that is missing or wrong is the one reported.
+//        (5) optional dates  (6) all remaining fields
+// The order is behaviour: the report names the first field that is missing or wrong.
 #include "codec/conversions/event.hpp"
 
 #include "codec/payload_fields.hpp"

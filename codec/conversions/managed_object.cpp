@@ -1,6 +1,6 @@
 // Managed object: (1) id, name, type  (2) builder  (3) supported operations and measurements
-//                 (4) position  (5) references  (6) optional dates  (7) all that is left
-// The order is behaviour: the first field that is missing or wrong is the one reported, and of two
+//                 (4) position  (5) references  (6) optional dates  (7) all remaining fields
+// The order is behaviour: the report names the first field that is missing or wrong, and of two
 // fields that end up under one name the later step's stays.
 #include "codec/conversions/managed_object.hpp"
 
@@ -11,7 +11,7 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 namespace {
 
-// Stores what the payload has under `from`, of whatever kind, as field `to`.
+// Stores the payload's value under `from`, of any kind, as field `to`.
 void addSupported(constant_t const& from, constant_t const& to,
                   PulsarMessageDisassembler& notification, ManagedObjectBuilder& builder) {
   boost::optional<data_t> value = extractFromMapIfPresent(notification.getPayloadMap(), from);
@@ -21,7 +21,8 @@ void addSupported(constant_t const& from, constant_t const& to,
   if (value) builder.fields.assign(to.with(std::move(*value)));
 }
 
-// Numeric components become "position", the others fields of their own; what is no map vanishes.
+// Numeric components become "position", the others fields of their own; a value that is no map
+// vanishes.
 void addPosition(PulsarMessageDisassembler& notification, ManagedObjectBuilder& builder) {
   boost::optional<data_t> position =
       extractFromMapIfPresent(notification.getPayloadMap(), DATA_T_o6a_Position);

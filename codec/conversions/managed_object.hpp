@@ -10,8 +10,8 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-// The host event of type "com.tivra.ostrovia.ManagedObject". `id` and `name` must be strings. The name
-// becomes the field "source", and there is no field "type": both are what the host's rules expect.
+// The host event of type "com.tivra.ostrovia.ManagedObject". `id` and `name` must be strings. The
+// host's rules expect the name as the field "source", and no field "type".
 class ManagedObjectBuilder final : public TivraMessageBuilder {
  public:
   ManagedObjectBuilder(data_t&& id, data_t&& name, SpareParts& spares);

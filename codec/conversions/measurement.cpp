@@ -1,6 +1,6 @@
 // Measurement: (1) source, id  (2) the source's id  (3) time, type  (4) builder
-//              (5) optional dates  (6) of all that is left, fragments gathered, the rest copied
-// The order is behaviour: the first field that is missing or wrong is the one reported.
+//              (5) optional dates  (6) all remaining fields: gather fragments, move the rest
+// The order is behaviour: the report names the first field that is missing or wrong.
 #include "codec/conversions/measurement.hpp"
 
 #include <stdexcept>
@@ -25,7 +25,7 @@ std::unique_ptr<TivraMessageBuilder> convertMeasurement(PulsarMessageDisassemble
 
   auto builder = std::make_unique<MeasurementMessageBuilder>(std::move(id), std::move(sourceId),
                                                              time, std::move(type), spares);
-  // Not "firstOccurrenceTime": it has no meaning for measurements and is copied over as it is.
+  // Not "firstOccurrenceTime": it has no meaning for measurements and stays as it is.
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
   convertDateTimePayloadElement(DATA_T_lastUpdated, notification, *builder);
   notification.extractRemainingPayload().drain([&](map_entry_t&& entry) {

@@ -28,7 +28,7 @@ class MeasurementMessageBuilder final : public TivraMessageBuilder {
 
   // Whether every entry is a map that is a valid series value. True for no entries at all.
   [[nodiscard]] static bool isValidFragment(map_t const& fragment);
-  // Whether there is a numeric "value"; nothing else is looked at.
+  // Whether there is a numeric "value"; other entries do not matter.
   [[nodiscard]] static bool isValidSeriesValue(map_t const& series);
 };
 

@@ -1,8 +1,7 @@
 // Operation: (1) source, deviceId  (2) the source's id  (3) status  (4) builder
-//            (5) optional dates  (6) all that is left
-// The order is behaviour: the first field that is missing or wrong is the one reported, and since
-// the payload's own "id" is among what is left, it replaces the "id" that the deviceId was stored
-// under.
+//            (5) optional dates  (6) all remaining fields
+// The order is behaviour: the report names the first field that is missing or wrong. The payload's
+// own "id" is a remaining field, so it replaces the "id" made from the deviceId.
 #include "codec/conversions/operation.hpp"
 
 #include "codec/conversions/enum_texts.hpp"

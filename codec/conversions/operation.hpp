@@ -11,9 +11,10 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 enum class OperationStatus { SUCCESSFUL, FAILED, EXECUTING, PENDING };
 
-// The comparison is case-sensitive. Any other text is a fault, "Unrecognized operation status: TEXT".
+// The comparison is case-sensitive. Any other string is a fault, "Unrecognized operation status:
+// TEXT".
 [[nodiscard]] OperationStatus operationStatusFromString(char const* text, Fault& fault);
-// The constant text of the status. Throws std::runtime_error "Unrecognized enum value.".
+// The constant word of the status. Throws std::runtime_error "Unrecognized enum value.".
 [[nodiscard]] constant_t const& operationStatusToDataTString(OperationStatus status);
 
 // The host event of type "com.tivra.ostrovia.Operation". `id` and `source` must be strings.
