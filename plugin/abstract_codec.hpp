@@ -14,7 +14,7 @@ class AbstractCodec : public Plugin, public HostSide, public TransportSide {
   explicit AbstractCodec(const PluginConstructorParameters::CodecConstructorParameters& params)
       : Plugin(params) {}
 
-  // Take the new link; the previous one is destroyed. Not to be called within a batch.
+  // Take the new link and destroy the previous one. Not within a batch.
   virtual void setNextTowardsHost(std::unique_ptr<HostSide>&& next) { hostSide = std::move(next); }
   virtual void setNextTowardsTransport(std::unique_ptr<TransportSide>&& next) {
     transportSide = std::move(next);

@@ -6,8 +6,8 @@ namespace com::velanto::connectivity {
 
 namespace {
 
-// Calls `keep` for each message and moves those for which it returns true to the front, in order.
-// Returns the end of the kept ones.
+// Calls `keep` for each message and moves the messages for which it returns true to the front, in
+// order. Returns the end of the kept ones.
 template <class Keep>
 Message* keepInFront(Message* start, Message* end, const Keep& keep) {
   Message* out = start;

@@ -1,7 +1,7 @@
 // Turns a batch call into one call per message. A hook that returns true keeps its message, one
-// that returns false or throws drops it; the kept ones move to the front of the range in their
-// order and go to the next link in one call. The dropped ones stay, in no particular order, behind
-// them: the caller owns the whole range.
+// that returns false or throws drops it. The kept ones move to the front of the range in their
+// order and go to the next link in one call. The dropped ones come after them, in no particular
+// order: the caller owns the whole range.
 #ifndef VLT_PLUGIN_ABSTRACT_SIMPLE_CODEC_HPP
 #define VLT_PLUGIN_ABSTRACT_SIMPLE_CODEC_HPP
 
@@ -13,8 +13,8 @@ class AbstractSimpleCodec : public AbstractCodec {
  public:
   using AbstractCodec::AbstractCodec;
 
-  // The next link is called exactly once, with an empty range too; without a link the batch goes
-  // nowhere. What handleException or the next link throws leaves these calls.
+  // Calls the next link exactly once, with an empty range too; without a link the batch goes
+  // nowhere. Exceptions of handleException and the next link leave these calls.
   void sendBatchTowardsHost(Message* start, Message* end) override;
   void sendBatchTowardsTransport(Message* start, Message* end) override;
 

@@ -44,7 +44,7 @@ void* create(const char* plugin_name, const char* chain_id,
   try {
     const data_t nothing;
     const data_t& settings = configuration == nullptr ? nothing : data_t::view(*configuration);
-    // The codec's memory is allocated before the configuration is looked at.
+    // Allocates the codec's memory before it reads the configuration.
     return new Codec(PluginConstructorParameters(text_or_empty(plugin_name),
                                                  text_or_empty(chain_id), settings.get<map_t>(),
                                                  handle1, handle2));
@@ -60,7 +60,7 @@ int destroy(void* plugin) noexcept {
   return 0;
 }
 
-// The one guard of all other entry points: runs `operation` on the codec behind `plugin`.
+// The one guard of all other entry points: runs `operation` on the codec that `plugin` points to.
 template <class Codec, class Operation>
 int guarded(void* plugin, vlt_log_level_t level, const char* name,
             const Operation& operation) noexcept {
@@ -120,7 +120,7 @@ int shutdown(void* plugin) noexcept {
 
 #define VLT_EXPORT extern "C" __attribute__((visibility("default")))
 
-// Defines the entry points of the codec class X, which must be visible where the macro stands.
+// Defines the entry points of the codec class X, which must be visible at the macro.
 #define VLT_EXPORT_CODEC(X)                                                                        \
   VLT_EXPORT std::uint64_t vlt_plugin_api_version_##X() noexcept {                                 \
     return ::com::velanto::connectivity::entry_points::API_VERSION;                                \

@@ -1,7 +1,7 @@
 // Writes log lines through the host, and turns the exception in flight into one.
 //
-// Every line reads "<PREFIX> TEXT". The host formats: a call passes "<%s> " followed by its own
-// format, the prefix as first argument and then its texts, so text from messages is never a format.
+// Every line reads "<PREFIX> TEXT". The host formats: a call passes "<%s> " and its own format, the
+// prefix as first argument and then its strings. So a string from a message is never a format.
 //
 //   level  2  creation and lifecycle failures
 //          3  batch failures and dropped messages
@@ -23,11 +23,11 @@ class Logger {
   // later is not seen.
   explicit Logger(const std::string& name);
 
-  // True when a line of `level` would be written. For callers whose text is costly to build.
+  // True when the log takes a line of `level`. For callers with costly strings.
   [[nodiscard]] bool enabled(vlt_log_level_t level) const noexcept { return level <= level_; }
 
   // Writes one line, or does nothing at all below the level. `format` is a printf format for the
-  // texts (one or two, none of them null); it is a literal, so the line takes no memory.
+  // strings (one or two, none of them null); it is a literal, so the line takes no memory.
   template <std::size_t SIZE, class... Texts>
   void log(vlt_log_level_t level, const char (&format)[SIZE],
            const Texts*... texts) const noexcept {
@@ -43,7 +43,7 @@ class Logger {
   }
 
  private:
-  // The calls that reach the host: one text or two.
+  // The calls that reach the host: one string or two.
   void emit(vlt_log_level_t level, const char* line_format, const char* text) const noexcept;
   void emit(vlt_log_level_t level, const char* line_format, const char* first,
             const char* second) const noexcept;
@@ -58,7 +58,7 @@ class Logger {
                                          const std::string& chain_id);
 
 // Logs the exception in flight: "Exception from WHERE: WHAT", or "Unknown exception from WHERE" for
-// anything that is no std::exception. To be called inside a catch clause.
+// anything that is no std::exception. Only inside a catch clause.
 void handleException(const Logger& logger, vlt_log_level_t level, const char* where) noexcept;
 
 } // namespace com::velanto::connectivity

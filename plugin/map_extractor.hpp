@@ -18,8 +18,8 @@ class MapExtractor {
   // has an empty value in NAME".
   [[nodiscard]] const data_t& doGet(const data_t& key) const;
 
-  // The value under `key` converted to T, or the default when it is absent, empty or cannot be
-  // converted, for whatever reason, lack of memory included. Defined for std::string.
+  // The value under `key` converted to T, or the default. The latter for a value that is absent,
+  // empty or not convertible, for any reason, lack of memory included. Defined for std::string.
   template <class T>
   [[nodiscard]] T get(const data_t& key, const T& defaultValue) const;
 

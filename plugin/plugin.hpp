@@ -1,4 +1,4 @@
-// The base of every plug-in: who it is, its logger, and the lifecycle hooks that the host drives in
+// The base of every plug-in: its names, its logger, and the lifecycle hooks that the host drives in
 // the order start, hostReady, shutdown, destruction.
 #ifndef VLT_PLUGIN_PLUGIN_HPP
 #define VLT_PLUGIN_PLUGIN_HPP
@@ -12,7 +12,7 @@
 
 namespace com::velanto::connectivity {
 
-// Status entries that wait to be handed to the host under its handle.
+// Status entries for the host, under its handle.
 struct UserStatusReporter {
   void* handle;
   map_t pending;

@@ -1,5 +1,5 @@
-// What a plug-in is constructed from: copies of everything that the host passed to create, since
-// the names and the configuration belong to the caller and may change or vanish after the call.
+// The arguments of a plug-in's constructor: copies of everything that the host passed to create.
+// The names and the configuration belong to the caller and may change or vanish after the call.
 #ifndef VLT_PLUGIN_PLUGIN_CONSTRUCTOR_PARAMETERS_HPP
 #define VLT_PLUGIN_PLUGIN_CONSTRUCTOR_PARAMETERS_HPP
 
@@ -14,7 +14,7 @@ class PluginConstructorParameters {
   // The view of the parameters that a codec's constructor takes.
   using CodecConstructorParameters = PluginConstructorParameters;
 
-  // Copies `configuration`. The handles are kept and never dereferenced. Throws std::bad_alloc.
+  // Copies `configuration`. Keeps the handles and never dereferences them. Throws std::bad_alloc.
   PluginConstructorParameters(std::string plugin_name, std::string chain_id,
                               const map_t& configuration, void* handle1, void* handle2)
       : plugin_name_(std::move(plugin_name)),

@@ -1,5 +1,5 @@
-// The two directions in which a batch can be passed on. A chain element is linked to its neighbours
-// through these interfaces; a codec is itself one, so that it can be its neighbour's next link.
+// The two directions of a batch. These interfaces link a chain element to its neighbours; a codec
+// is itself one, so that it can be its neighbour's next link.
 #ifndef VLT_PLUGIN_SIDES_HPP
 #define VLT_PLUGIN_SIDES_HPP
 
