@@ -1,5 +1,5 @@
-// A byte buffer behind one pointer, as the host lays it out: 0 length (4), 4 padding (4), 8 bytes.
-// A null pointer is a valid empty buffer. The host makes buffers; here they are read and moved.
+// A byte buffer as the host lays it out: 0 length (4), 4 padding (4), 8 bytes. A null pointer is a
+// valid empty buffer. The host makes buffers; this layer reads and moves them.
 #ifndef VLT_VALUE_BUFFER_T_HPP
 #define VLT_VALUE_BUFFER_T_HPP
 

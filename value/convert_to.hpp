@@ -1,5 +1,5 @@
 // Reads a value as another type, for settings that people write in more than one way: a number or a
-// boolean where a text is wanted.
+// boolean in the place of a string.
 #ifndef VLT_VALUE_CONVERT_TO_HPP
 #define VLT_VALUE_CONVERT_TO_HPP
 
@@ -14,9 +14,9 @@ namespace convert_to_details {
 template <class T>
 class _get_or_convert;
 
-// Visitor: the content as text, or an error that names the value's kind.
+// Visitor: the content as a string, or an error that names the value's kind.
 //   boolean "true" "false"   double %g   integer %lld   string as it is   all others refused
-// A decimal is refused on purpose: its bits are the host's.
+// It refuses a decimal on purpose: its bits are the host's.
 template <>
 class _get_or_convert<std::string> {
  public:

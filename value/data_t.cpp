@@ -47,13 +47,13 @@ void data_t::copy_text(const char* text) {
 }
 
 data_t::data_t(const data_t& other) : tag_(VLT_TAG_EMPTY) {
-  // Nearly every copy is one of a text; asked first.
+  // Nearly every copy is one of a string, so that comes first.
   if (other.is_string() && other.content_.string != nullptr) {
     copy_text(other.content_.string);
     return;
   }
   const bool has_block = other.owns_block() && other.content_.string != nullptr;
-  if (!has_block) { // Nothing behind the pointer or no pointer at all: the bits are the value.
+  if (!has_block) { // No block, or no pointer at all: the bits are the value.
     std::memcpy(static_cast<void*>(this), static_cast<const void*>(&other), sizeof *this);
     if (is_string()) tag_ = VLT_TAG_STRING;
     return;
@@ -82,7 +82,7 @@ void data_t::free_block() noexcept {
     case VLT_TAG_BUFFER:
       content_.buffer.~buffer_t();
       break;
-    default: { // VLT_TAG_CUSTOM; the pointer is cleared first, as the containers do.
+    default: { // VLT_TAG_CUSTOM; clears the pointer first, as the containers do.
       const vlt_underlying_custom_t custom =
           std::exchange(content_.custom, vlt_underlying_custom_t{nullptr});
       if (custom.object != nullptr) vlt_free_custom(custom);

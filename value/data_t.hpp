@@ -5,12 +5,12 @@
 //   tag  0 empty   1 boolean   2 double   3 integer   4 decimal   5 string   6 list   7 map
 //        8 buffer  9 custom   10 borrowed string (reads as a string; the text is not owned)
 //
-// A value owns the block behind tags 5 to 9 and frees it through the host. The containers are
-// members of the union, so that a typed get is a reference into the value itself, never a copy. A
-// tag above 10 comes from a newer host: it is not empty, owns nothing, equals nothing and is moved
-// along unread.
+// A value owns the block of tags 5 to 9 and frees it through the host. The containers are members
+// of the union, so a typed get is a reference into the value itself, never a copy. A tag above 10
+// comes from a newer host: it is not empty, owns nothing and equals nothing, and moves along
+// unread.
 //
-// A null text (tags 5 and 10) reads as the empty text, in comparisons and hashes too.
+// A null string (tags 5 and 10) reads as the empty string, in comparisons and hashes too.
 #ifndef VLT_VALUE_DATA_T_HPP
 #define VLT_VALUE_DATA_T_HPP
 
@@ -30,7 +30,7 @@ namespace com::velanto::connectivity {
 // The kind's name as messages use it; "Unknown" for a tag above 10.
 [[nodiscard]] const char* kind_name(std::uint32_t tag) noexcept;
 
-// The text itself, or the empty text for null.
+// The string itself, or the empty string for null.
 [[nodiscard]] inline const char* text_or_empty(const char* text) noexcept {
   return text == nullptr ? "" : text;
 }
@@ -40,7 +40,7 @@ namespace com::velanto::connectivity {
   return reinterpret_cast<const unsigned char&>(content) != 0;
 }
 
-// The error of a null text where one is needed: "Cannot use a null char* as a data_t value (consider
+// The error of a null that should be a string: "Cannot use a null char* as a data_t value (consider
 // using an empty data_t() instead)".
 [[nodiscard]] std::runtime_error null_text_error();
 
@@ -56,7 +56,7 @@ class data_t {
   explicit data_t(vlt_underlying_decimal_t content) noexcept : tag_(VLT_TAG_DECIMAL) {
     content_.decimal = content;
   }
-  // Copies the text. Throws std::runtime_error for null, std::bad_alloc.
+  // Copies the string. Throws std::runtime_error for null, std::bad_alloc.
   explicit data_t(const char* text);
   // Take over the container's block; the source is left holding null. Implicit, since a container
   // is a value already, only without its tag.
@@ -72,13 +72,13 @@ class data_t {
   // A pointer of any other type would otherwise become a boolean.
   explicit data_t(const void*) = delete;
 
-  // Deep copies; a borrowed string is copied into an owned one. Throw std::bad_alloc; the target of
+  // Deep copies; the copy of a borrowed string is an owned one. Throw std::bad_alloc; the target of
   // an assignment then keeps its content.
   data_t(const data_t& other);
   data_t& operator=(const data_t& other);
 
-  // Take over the 16 bytes; the source is left empty. The host is not called but to free what the
-  // target of an assignment held.
+  // Take over the 16 bytes and leave the source empty. Call the host only to free the previous
+  // content of an assignment's target.
   data_t(data_t&& other) noexcept : content_(not_set) { take(other); }
   data_t& operator=(data_t&& other) noexcept {
     if (this != &other) {
@@ -116,8 +116,8 @@ class data_t {
   }
 
   // Same kind and same content; no conversion between kinds, so a borrowed string never equals an
-  // owned one. A NaN and a custom value differ from everything, themselves included. Containers in
-  // containers need memory to be compared: throws std::bad_alloc.
+  // owned one. A NaN and a custom value differ from everything, themselves included. Comparing
+  // containers in containers takes memory: throws std::bad_alloc.
   bool operator==(const data_t& other) const {
     if (tag_ != other.tag_) return false;
     // Nearly every comparison is one of keys.
@@ -128,16 +128,16 @@ class data_t {
   }
 
   // The content in place, as T: bool, double, int64_t, vlt_underlying_decimal_t, const char* (which
-  // may be null), list_t, map_t, buffer_t or vlt_underlying_custom_t. Valid until the value is
-  // destroyed, moved from or assigned to. Throws std::runtime_error "Get from empty" (also for a
-  // tag above 10), or "Incorrect type in get (you asked for … but it's actually …)" after a line on
-  // standard error. Defined in value/get_visitor.hpp.
+  // may be null), list_t, map_t, buffer_t or vlt_underlying_custom_t. Valid until the value ends,
+  // moves or changes. Throws std::runtime_error "Get from empty" (also for a tag above 10), or
+  // "Incorrect type in get (you asked for … but it's actually …)" after a line on standard error.
+  // Defined in value/get_visitor.hpp.
   template <class T>
   [[nodiscard]] T& get();
   template <class T>
   [[nodiscard]] const T& get() const;
-  // The same, but null for content of another kind, and what get would then throw (after the line,
-  // if there is one to write): for who does not want it thrown, or has something to add to it.
+  // The first is null for content of another kind. The second is the exception of get for it, after
+  // its line on standard error if there is one, for callers that note it or add to it.
   template <class T>
   [[nodiscard]] T* get_if() noexcept;
   template <class T>
@@ -145,8 +145,8 @@ class data_t {
   template <class T>
   [[nodiscard]] std::runtime_error report_mismatch() const;
 
-  // Calls `visitor` with a reference to the content, whose type tells the kind, or `on_nothing`
-  // with no argument when there is none to be read: an empty value or a tag above 10.
+  // Calls `visitor` with a reference to the content, whose type tells the kind. Calls `on_nothing`
+  // with no argument for an empty value or a tag above 10.
   template <class Visitor, class OnNothing>
   decltype(auto) apply_visitor(const Visitor& visitor, const OnNothing& on_nothing) {
     return visit(*this, visitor, on_nothing);
@@ -162,7 +162,7 @@ class data_t {
   } not_set{};
   union content_t {
     content_t() noexcept : integer(0) {}
-    explicit content_t(not_set_t) noexcept {} // for who sets it at once
+    explicit content_t(not_set_t) noexcept {} // for callers that set it at once
     content_t(const content_t&) = delete;
     content_t& operator=(const content_t&) = delete;
     ~content_t() {} // NOLINT(modernize-use-equals-default): a defaulted one would be deleted
@@ -180,8 +180,8 @@ class data_t {
   [[nodiscard]] bool owns_block() const noexcept {
     return tag_ >= VLT_TAG_STRING && tag_ <= VLT_TAG_CUSTOM;
   }
-  // Moves content and tag of `other` here, over whatever stands here, and leaves `other` empty. In
-  // two pieces, as they were written: one load of 16 bytes would have to wait for both writes.
+  // Moves content and tag of `other` here, over the present ones, and leaves `other` empty. In two
+  // pieces, as they were written: one load of 16 bytes would have to wait for both writes.
   void take(data_t& other) noexcept {
     std::memcpy(static_cast<void*>(&content_), static_cast<const void*>(&other.content_),
                 sizeof content_);

@@ -11,7 +11,7 @@
 
 namespace com::velanto::connectivity {
 
-// The tag of the kind whose content is a T; of the two string kinds, the owned one.
+// The tag of the kind with content T; of the two string kinds, the owned one.
 template <class T>
 inline constexpr std::uint32_t TAG_OF = VLT_TAG_EMPTY;
 template <>
@@ -33,9 +33,9 @@ inline constexpr std::uint32_t TAG_OF<buffer_t> = VLT_TAG_BUFFER;
 template <>
 inline constexpr std::uint32_t TAG_OF<vlt_underlying_custom_t> = VLT_TAG_CUSTOM;
 
-// The error of a typed get that found `value`: "Get from empty", or the "Incorrect type in get" one,
-// for which a line "GetVisitor<T>.operator()(T)" is written to standard error, both with the
-// run-time name of the type asked for; no setting suppresses it.
+// The error of a typed get on `value`: "Get from empty", or the "Incorrect type in get" one. For
+// the latter it writes a line "GetVisitor<T>.operator()(T)" to standard error, with the run-time
+// name of the type asked for; no setting suppresses it.
 [[nodiscard]] std::runtime_error write_mismatch(const data_t& value,
                                                 const std::type_info& requested,
                                                 std::uint32_t requested_tag);

@@ -1,5 +1,5 @@
-// A key known beforehand, hashed once when it is made, so that neither a lookup under it nor an
-// entry made of it costs any hashing.
+// A key known beforehand, hashed once when it is made. So neither a lookup under it nor an entry
+// made of it costs any hashing.
 #ifndef VLT_VALUE_HASHED_KEY_HPP
 #define VLT_VALUE_HASHED_KEY_HPP
 
@@ -13,7 +13,7 @@ namespace com::velanto::connectivity {
 
 class hashed_key_t : public data_t {
  public:
-  // Copies the text. Throws std::runtime_error for null, std::bad_alloc.
+  // Copies the string. Throws std::runtime_error for null, std::bad_alloc.
   explicit hashed_key_t(const char* text) : data_t(text), hash_(hashes::key_hash(*this)) {}
 
   // Takes over `key`, which must be neither custom nor hold a custom value.

@@ -13,8 +13,8 @@ namespace com::velanto::connectivity::hashes {
 
 namespace {
 
-// The hash of a container so far. Both kinds hand out the values in it one after the other, null at
-// the end, and take the hash of each, made with seed(), before the next.
+// The hash of a container so far. Both kinds hand out their values one after the other, null at the
+// end. They take the hash of each, made with seed(), before the next.
 
 class ListFold {
  public:

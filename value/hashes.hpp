@@ -1,5 +1,5 @@
 // The hash of every kind of value, bit for bit the host's: the host looks entries up in tables that
-// are filled here.
+// this plug-in fills.
 //
 //   empty, unknown     the seed
 //   boolean            true: the seed;  false: its complement
@@ -11,8 +11,8 @@
 //   buffer             the bytes, from BASE
 //   custom             refused
 //
-// Lists, maps and buffers start over from BASE whatever seed they are given, so the seed varies only
-// inside a list; the asymmetry is the host's and is kept.
+// Lists, maps and buffers start over from BASE with any seed, so the seed varies only inside a
+// list; the interface defines this asymmetry.
 //
 // However deep a value is, its hash takes the same stack. Containers in containers take memory
 // instead: throws std::bad_alloc.
@@ -48,10 +48,10 @@ class calculate_hash {
   std::uint64_t seed_;
 };
 
-// The hash of a map: equal maps hash equally, whatever their order. Throws for custom entries.
+// The hash of a map: equal maps hash equally, in any order. Throws for custom entries.
 [[nodiscard]] std::uint64_t hash(const map_t& map);
 
-// The hash under which a key is stored in a table.
+// The hash that a table stores for a key.
 [[nodiscard]] inline std::uint64_t key_hash(const data_t& key) {
   return calculate_hash(BASE).of(key);
 }

@@ -1,12 +1,12 @@
-// A sequence of values behind one pointer, as the host lays it out:
+// A sequence of values, as the host lays it out:
 //
 //   0 count (8)   8 capacity (8)   16 elements (16 each)
 //
-// A null pointer is a valid empty list. The host makes and grows lists; here they are read, moved
-// and, through the value that holds them, copied.
+// A null pointer is a valid empty list. The host makes and grows lists; this layer reads and moves
+// them and, through the value that holds them, copies them.
 //
-// An iterator remembers the block and its count when it is made. Whoever advances or compares it
-// after the list lost its block or changed its count gets "Iterator invalidated by modifying list".
+// A new iterator remembers the block and its count. Advancing or comparing it after the list lost
+// its block or changed its count throws "Iterator invalidated by modifying list".
 #ifndef VLT_VALUE_LIST_T_HPP
 #define VLT_VALUE_LIST_T_HPP
 
@@ -82,15 +82,15 @@ class list_t::_iterator {
   using pointer = std::conditional_t<Const, const data_t*, data_t*>;
   using list_pointer = std::conditional_t<Const, const list_t*, list_t*>;
 
-  // Of no list: equals its like, and is as good as one whose list lost its block. Must not be
-  // dereferenced.
+  // Of no list: equals another one like it, and an iterator of a list that lost its block. Do not
+  // dereference it.
   _iterator() noexcept = default;
   // Points at element `index` of `list`, which must outlive the iterator.
   _iterator(list_pointer list, std::size_t index) noexcept;
 
   reference operator*() const noexcept;
   pointer operator->() const noexcept;
-  // Throws when the list was modified.
+  // Throws after a change of the list.
   _iterator& operator++();
   _iterator operator++(int);
   bool operator==(const _iterator& other) const;

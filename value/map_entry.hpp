@@ -1,5 +1,5 @@
-// One entry on its way between tables, with the hash under which tables store it: an entry that
-// moves from one to another need not be hashed again. An empty key is no entry.
+// One entry on its way between tables, with the hash under which tables store it, so that it needs
+// no new hash. An empty key is no entry.
 #ifndef VLT_VALUE_MAP_ENTRY_HPP
 #define VLT_VALUE_MAP_ENTRY_HPP
 

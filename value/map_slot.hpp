@@ -1,5 +1,5 @@
-// One slot of a map table with its three states, as drawn at the head of value/map_t.hpp. A slot that
-// is live is an entry, so that entries can be handed on from where they lie.
+// One slot of a map table with its three states, as drawn at the head of value/map_t.hpp. A live
+// slot is an entry, so that callers can hand entries on in place.
 #ifndef VLT_VALUE_MAP_SLOT_HPP
 #define VLT_VALUE_MAP_SLOT_HPP
 
@@ -24,7 +24,7 @@ struct map_slot_t : map_entry_t {
   // Whether an entry could go here.
   [[nodiscard]] bool is_vacant() const noexcept { return hash <= DELETED && key.empty(); }
 
-  // Free what the slot holds.
+  // Free the content of the slot.
   void make_free() noexcept { make_vacant(FREE); }
   void make_deleted() noexcept { make_vacant(DELETED); }
 
@@ -51,7 +51,7 @@ inline map_slot_t* map_t::slots() const noexcept {
   return const_cast<map_slot_t*>(slots_of(table_).data());
 }
 
-// Moves an entry into a vacant slot, which holds nothing that would have to be freed.
+// Moves an entry into a vacant slot, which holds nothing to free.
 inline void map_t::put(std::int64_t vacant, std::uint64_t hash, data_t& key,
                        data_t& value) noexcept {
   map_slot_t& slot = slots()[vacant];
@@ -61,7 +61,7 @@ inline void map_t::put(std::int64_t vacant, std::uint64_t hash, data_t& key,
   ++table_->live;
 }
 
-// Frees what the slot holds and leaves a tombstone.
+// Frees the content of the slot and leaves a tombstone.
 inline void map_t::vacate(map_slot_t& slot) noexcept {
   --table_->live;
   ++table_->deleted;

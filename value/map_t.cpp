@@ -19,8 +19,8 @@ void require_key(const data_t& key) {
   if (key.empty()) throw std::runtime_error("Cannot have a null key");
 }
 
-// Refuses the keys of entries that an insertion would refuse if it had to hash them: those that
-// are, or hold, a custom value.
+// Refuses keys that an insertion would refuse if it had to hash them: a custom value, or a
+// container with one.
 void require_key_of(const map_entry_t& entry) {
   if (entry.key.type_tag() == VLT_TAG_STRING) return;
   require_key(entry.key);
@@ -49,7 +49,7 @@ map_t map_t::copy() const {
     map_slot_t& to = result.slots()[i];
     to.hash = from.hash;
     if (!from.is_live()) continue; // the bytes of its value mean nothing
-    // The key first: a slot whose key is set counts as live and is freed with the table.
+    // The key first: a slot with a key counts as live and is freed with the table.
     to.key = from.key;
     to.value = from.value;
   }
@@ -60,8 +60,8 @@ map_t map_t::copy() const {
 
 // ---- lookup
 
-// Apart from find_for_insert, which also has to remember where an entry could go: lookups are what
-// a conversion does most.
+// Apart from find_for_insert, which also has to remember a place for a new entry: lookups are most
+// of a conversion's work.
 map_slot_t* map_t::find_slot(key_ref key) const {
   const std::int64_t slot_count = capacity();
   if (slot_count == 0) return nullptr;
@@ -96,7 +96,7 @@ map_t::probe_t map_t::find_for_insert(key_ref key) const {
 }
 
 // The same from a slot on that holds an entry of the hash. Apart, since comparing keys takes calls,
-// and most of what is inserted meets no other of its hash.
+// and most insertions pass no other entry of their hash.
 map_t::probe_t map_t::find_among_equal_hashes(key_ref key, probe_t at) const {
   const std::int64_t slot_count = capacity();
   const map_slot_t* const slot = slots();
@@ -180,7 +180,7 @@ std::pair<map_t::iterator, bool> map_t::maybe_insert(const const_pair& entry) {
   const key_ref key = entry.first;
   const probe_t probe = find_for_insert(key);
   if (probe.found != NONE) return {iterator(this, probe.found), false};
-  // Both copies before the table is touched: a copy that fails leaves it as it was.
+  // Both copies before any change of the table: a copy that fails leaves it as it was.
   data_t copied_key = entry.first;
   data_t copied_value = entry.second;
   const std::int64_t slot = place(key.hash, probe.vacant, copied_key, copied_value);
@@ -196,9 +196,9 @@ std::pair<map_t::iterator, bool> map_t::maybe_insert(pair&& entry) {
   return {iterator(this, slot), true};
 }
 
-// Moves an absent key and its value into the slot that the lookup found, or, after growing, into
-// the first vacant one on its way. No second lookup: the key may have become equal to another one
-// by being copied, when a borrowed string was copied into an owned one. Returns the slot.
+// Moves an absent key and its value into the slot of the lookup, or, after growing, into the first
+// vacant one on its way. No second lookup: the copy of a borrowed string is an owned one, which may
+// equal another key. Returns the slot.
 std::int64_t map_t::place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value) {
   if (must_grow() || vacant == NONE) {
     grow();

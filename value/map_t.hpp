@@ -1,18 +1,18 @@
 // The host's hash map from values to values: open addressing with linear probing, in a table that
-// the host allocates and reads in place. Where an entry lies is part of the interface.
+// the host allocates and reads in place. The place of an entry is part of the interface.
 //
 //   table   0 host    8 live   16 capacity   24 deleted   32 slots
 //   slot    0 hash    8 key    24 value                   (40 bytes)
 //
 //   state     hash   key         a probe
 //   free      0      empty       ends here
-//   deleted   1      empty       goes on; the first one met is where an insertion goes
+//   deleted   1      empty       goes on; an insertion takes the first one on its way
 //   live      any    not empty   compares the hash, then the key
 //
 // (A live entry may hash to 0 or 1: its key tells it apart.)
 //
-// Lookup starts at slot hash mod capacity and probes upwards, wrapping at the end, until it finds
-// the key, meets a free slot or is back where it started.
+// Lookup starts at slot hash mod capacity and probes upwards, wrapping at the end. It stops at the
+// key, at a free slot, or back at its start.
 //
 // Insertion of a key that is not there into a map without a table allocates 8 slots. Otherwise it
 // first grows the table when it has no slots at all or capacity × 0.75 < live + deleted, to
@@ -22,7 +22,7 @@
 // leaves the deleted count alone: it counts deletions since the last rebuild, so that frequent
 // erasing brings the next rebuild forward.
 //
-// Erasing leaves a tombstone, since entries that were displaced past the slot must stay reachable.
+// Erasing leaves a tombstone, since lookups must still reach entries displaced past the slot.
 //
 // An iterator remembers the slot array, the capacity and the live count; it is valid while the map
 // still has them. Use after that throws "Iterator invalidated by modifying map".
@@ -45,8 +45,8 @@ class hashed_key_t;
 struct map_entry_t;
 struct map_slot_t;
 
-// A key with its hash, for the length of a call. A constant (value/hashed_key.hpp) and an entry know
-// their hash; any other value is hashed, and a custom one refused with std::runtime_error.
+// A key with its hash, for the length of a call. A constant (value/hashed_key.hpp) and an entry
+// know their hash; it hashes any other value, and refuses a custom one with std::runtime_error.
 struct key_ref {
   key_ref(const data_t& any);
   key_ref(const hashed_key_t& constant) noexcept;
@@ -88,8 +88,8 @@ class map_t {
   }
   [[nodiscard]] bool empty() const noexcept { return size() == 0; }
 
-  // Lookups throw std::bad_alloc when keys with containers in containers have to be compared and
-  // there is no memory for that; looking for any other key never throws.
+  // Lookups throw std::bad_alloc without memory to compare keys with containers in containers;
+  // looking for any other key never throws.
 
   // The entry under `key`, or end().
   [[nodiscard]] iterator find(key_ref key);
@@ -97,19 +97,19 @@ class map_t {
   // Its value, or null. Valid until the map is next modified.
   [[nodiscard]] const data_t* find_value(key_ref key) const;
 
-  // The value under `key`, inserted empty when absent; the key is consumed either way. The
-  // reference lives until the map is next modified. Throws as insert does.
+  // The value under `key`, inserted empty when absent; consumes the key in either case. The
+  // reference lives until the next change of the map. Throws as insert does.
   data_t& operator[](data_t&& key);
 
   // Inserts, taking over key and value, when the key is absent; otherwise changes neither the map
-  // nor the arguments. Returns the entry, and whether it was inserted. Throws std::runtime_error
-  // for an empty or a custom key, std::bad_alloc; the entries are then what they were.
+  // nor the arguments. Returns the entry, and whether it is new. Throws std::runtime_error for an
+  // empty or a custom key, std::bad_alloc; the entries then stay as they were.
   std::pair<iterator, bool> insert(data_t&& key, data_t&& value);
   std::pair<iterator, bool> insert(std::pair<data_t, data_t>&& entry);
 
-  // The same for an entry with its hash. What is not moved into the map stays in the entry.
+  // The same for an entry with its hash. Parts that do not move into the map stay in the entry.
   void insert(map_entry_t&& entry);
-  // As insert, but an entry whose key is there already replaces the value, not the key.
+  // As insert, but an entry with a present key replaces the value, not the key.
   void assign(map_entry_t&& entry);
   // As insert, without looking whether the key is there: it must not be, nor may it be empty.
   void add(std::uint64_t hash, data_t&& key, data_t&& value);
@@ -125,19 +125,19 @@ class map_t {
 
   // Removes the entry under `key` and returns it; no entry when there is none.
   [[nodiscard]] map_entry_t extract(key_ref key);
-  // The same, but hands the entry to `use` as map_entry_t&& where it lies, which saves moving it
-  // twice, and returns whether there was one. `use` must leave this map alone. The map frees what
-  // `use` leaves of the entry; an entry for which `use` throws stays. Defined in value/map_slot.hpp.
+  // The same, but hands the entry in its slot to `use` as map_entry_t&&, which saves moving it
+  // twice, and returns whether there was one. `use` must leave this map alone. The map frees the
+  // parts that `use` leaves; an entry for which `use` throws stays. Defined in value/map_slot.hpp.
   template <class Use>
   bool extract(key_ref key, const Use& use);
 
   // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the
-  // emptied map. What `use` throws ends it, and frees the rest. Defined in value/map_slot.hpp.
+  // emptied map. An exception of `use` ends it, and frees the rest. Defined in value/map_slot.hpp.
   template <class Use>
   map_t drain(const Use& use) &&;
 
-  // Frees all entries; a table is then as the host makes it, without tombstones. The host's own
-  // word in its head stays what it is.
+  // Frees all entries; the table is then as the host makes it, without tombstones, but keeps the
+  // host's own word in its head.
   void clear() noexcept;
 
   [[nodiscard]] iterator begin();
@@ -145,7 +145,7 @@ class map_t {
   [[nodiscard]] const_iterator begin() const;
   [[nodiscard]] const_iterator end() const;
 
-  // Same entries, whatever their order, capacity and history. Throws std::bad_alloc.
+  // Same entries, in any order, with any capacity and history. Throws std::bad_alloc.
   bool operator==(const map_t& other) const;
 
   // Number of slots; 0 without a table.
@@ -156,8 +156,8 @@ class map_t {
   [[nodiscard]] const vlt_underlying_map_table_t* table() const noexcept { return table_; }
 
  private:
-  // Where a lookup ended: the slot of the key, or NONE, and the slot where it would be inserted, or
-  // NONE when no slot is left.
+  // The end of a lookup: the slot of the key, or NONE, and the slot for its insertion, or NONE when
+  // no slot is left.
   struct probe_t {
     std::int64_t found;
     std::int64_t vacant;
@@ -202,7 +202,7 @@ class map_t::_iterator {
   // Of no map: equals its like, and is never valid.
   _iterator() noexcept = default;
 
-  // Throw std::runtime_error when the map was modified, or, for the comparison, when the iterators
+  // Throw std::runtime_error after a change of the map, or, for the comparison, when the iterators
   // belong to different maps.
   reference operator*() const;
   arrow operator->() const { return {**this}; }

@@ -1,5 +1,5 @@
-// The unit that travels along a chain: a payload and, beside it, the metadata entries. Messages lie
-// in arrays of the host, 24 bytes apart, and are transformed there.
+// The unit that travels along a chain: a payload and the metadata entries. Messages are in arrays
+// of the host, 24 bytes apart, and the codec transforms them there.
 #ifndef VLT_VALUE_MESSAGE_HPP
 #define VLT_VALUE_MESSAGE_HPP
 
@@ -14,7 +14,7 @@ class Message {
   Message() noexcept = default;
   explicit Message(data_t&& payload, map_t&& metadata = map_t()) noexcept
       : payload_(std::move(payload)), metadata_(std::move(metadata)) {}
-  // A moved-from message has an empty payload and no metadata, and can be used on.
+  // A moved-from message has an empty payload and no metadata, and stays usable.
   Message(Message&&) noexcept = default;
   Message& operator=(Message&&) noexcept = default;
   Message(const Message&) = delete;

@@ -1,5 +1,5 @@
-// MurmurHash64A, the mixing function of the host's tables. The blocks are read little-endian, as
-// the host does on the only platform that it runs on.
+// MurmurHash64A, the mixing function of the host's tables. Reads the blocks little-endian, as the
+// host does on its only platform.
 //
 //   h = seed ^ (length × m)
 //   per 8 bytes:  k ×= m;  k ^= k >> 47;  k ×= m;  h ^= k;  h ×= m

@@ -11,7 +11,7 @@ namespace com::velanto::connectivity {
 
 namespace {
 
-// What a comparison does next: it has its outcome, or needs that of two values first.
+// The next step of a comparison: it has its outcome, or needs that of two values first.
 struct step_t {
   bool is_outcome;
   bool equal;
@@ -72,7 +72,7 @@ class MapComparison {
     return next_candidate();
   }
 
-  // The next slot whose key may be the entry's.
+  // The next slot with a key that may be the entry's.
   step_t next_candidate() noexcept {
     const map_slot_t& entry = left_.front();
     while (probed_ < right_.size()) {
@@ -92,7 +92,7 @@ class MapComparison {
 
   bool same_size_;
   bool at_value_ = false;
-  std::span<const map_slot_t> left_; // from the entry that is being looked up
+  std::span<const map_slot_t> left_; // from the entry to look up
   std::span<const map_slot_t> right_;
   std::size_t probed_ = 0;
   const map_slot_t* candidate_ = nullptr; // null before the first entry

@@ -11,7 +11,7 @@ namespace com::velanto::connectivity {
 // Same count and pairwise equal elements, in order. Throws std::bad_alloc.
 [[nodiscard]] bool are_equal(const list_t& left, const list_t& right);
 
-// Same entries, whatever their order, capacity and history. Throws std::bad_alloc.
+// Same entries, in any order, with any capacity and history. Throws std::bad_alloc.
 [[nodiscard]] bool are_equal(const map_t& left, const map_t& right);
 
 } // namespace com::velanto::connectivity

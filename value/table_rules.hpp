@@ -1,5 +1,5 @@
-// The rules of a table that do not depend on what its entries are: where the probing for a key
-// begins, when the table grows, and to what size. They are explained in value/map_t.hpp.
+// The rules of a table that do not depend on its entries: the first slot of a probing, the moment
+// of growth, and the new size. value/map_t.hpp explains them.
 #ifndef VLT_VALUE_TABLE_RULES_HPP
 #define VLT_VALUE_TABLE_RULES_HPP
 

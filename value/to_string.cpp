@@ -12,7 +12,7 @@ constexpr std::size_t ELLIPSIS_LENGTH = 4;
 
 std::string render(const vlt_underlying_data_t& value) {
   const data_t text = data_t::adopt(vlt_data_to_string(&value));
-  return text.get<const char*>(); // a null text is the library's std::logic_error
+  return text.get<const char*>(); // a null string is the library's std::logic_error
 }
 
 void replace_all(std::string& text, char what, const char* with) {

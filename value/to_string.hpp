@@ -1,4 +1,4 @@
-// Display texts for log lines. How a value looks is the host's; nothing parses these texts.
+// Display texts for log lines. The host decides their form; nothing parses them.
 #ifndef VLT_VALUE_TO_STRING_HPP
 #define VLT_VALUE_TO_STRING_HPP
 
@@ -8,13 +8,13 @@
 
 namespace com::velanto::connectivity {
 
-// Throw std::logic_error when the host yields no text, as it does when memory is exhausted.
+// Throw std::logic_error when the host yields no text, as without memory.
 [[nodiscard]] std::string to_string(const data_t& value);
 [[nodiscard]] std::string to_string(const map_t& map);
 
-// "Message<metadata=…, payload=…>". The payload's text is cut to 200 bytes when `truncate` is set
-// (196 and " ..."), then its line breaks are escaped, so that a log line stays one line; escaping
-// can take it beyond 200 again. The metadata stands as the host renders it.
+// "Message<metadata=…, payload=…>". With `truncate`, cuts the payload's text to 200 bytes (196 and
+// " ..."). Then escapes its line breaks, so that a log line stays one line; that can take it beyond
+// 200 again. The metadata is as the host renders it.
 [[nodiscard]] std::string to_string(const Message& message, bool truncate);
 
 } // namespace com::velanto::connectivity
