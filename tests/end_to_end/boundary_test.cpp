@@ -13,7 +13,7 @@ using BoundaryTest = EndToEnd;
 
 // A C++ library of the plug-in's own would count apart what it catches, and leave the host's count
 // of exceptions under way one too high.
-TEST_F(BoundaryTest, ExceptionOfANextLinkIsOverForTheHostToo) {
+TEST_F(BoundaryTest, LinksExceptionEndsForTheHostToo) {
   LoadedCodec codec(library_, map_of("tenantId", text("")));
   library_.setNextTowardsHost(codec.plugin(), nullptr,
                               [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {

@@ -169,7 +169,7 @@ TEST_F(BuiltLibraryTest, BindsAllItsAddressesWhenItIsLoaded) {
   EXPECT_THAT(dynamicEntries("FLAGS"), ElementsAre(HasSubstr("BIND_NOW")));
 }
 
-TEST_F(BuiltLibraryTest, MakesTheAddressesOfFunctionsReadOnlyOnceTheyAreBound) {
+TEST_F(BuiltLibraryTest, MakesBoundAddressesOfFunctionsReadOnly) {
   const std::vector<segment_t> read_only = segments("GNU_RELRO");
   ASSERT_THAT(read_only, SizeIs(1));
   std::size_t addresses = 0;
@@ -189,7 +189,7 @@ TEST_F(BuiltLibraryTest, AsksForAStackThatIsNotExecutable) {
   EXPECT_THAT(stack[0].flags, Not(HasSubstr("E")));
 }
 
-TEST_F(BuiltLibraryTest, HasNoMemoryThatIsBothWritableAndExecutable) {
+TEST_F(BuiltLibraryTest, HasNoWritableExecutableMemory) {
   EXPECT_THAT(segments("LOAD"), SizeIs(::testing::Ge(2)));
   for (const segment_t& segment : segments("LOAD")) EXPECT_NE(segment.flags, "RWE");
   EXPECT_THAT(dynamicEntries("TEXTREL"), IsEmpty());
@@ -211,11 +211,11 @@ TEST_F(BuiltLibraryTest, UsesTheCheckedFunctionsOfTheCLibrary) {
 
 // ---- what it runs on; see docs/reliability.md
 
-TEST_F(BuiltLibraryTest, RunsOnTheCLibraryFromVersion214On) {
+TEST_F(BuiltLibraryTest, RunsOnTheCLibraryFrom214) {
   EXPECT_LE(highest("GLIBC_").first, (std::vector{2, 14}));
 }
 
-TEST_F(BuiltLibraryTest, RunsOnTheCppLibraryOfGcc5AndLater) {
+TEST_F(BuiltLibraryTest, RunsOnTheCppLibraryFromGcc5) {
   EXPECT_LE(highest("GLIBCXX_").first, (std::vector{3, 4, 21}));
   EXPECT_LE(highest("CXXABI_").first, (std::vector{1, 3, 9}));
 }

@@ -43,7 +43,7 @@ class ReloadTest : public HostFixture {
   const std::int64_t blocks_ = standin_live_blocks_total();
 };
 
-TEST_F(ReloadTest, LibraryIsGoneAfterItsCodecHasCaughtExceptions) {
+TEST_F(ReloadTest, LibraryIsGoneAfterCaughtExceptions) {
   {
     const PluginLibrary library(VLT_PLUGIN_PATH);
     LoadedCodec codec(library, map_of("tenantId", text("t1")));
@@ -53,7 +53,7 @@ TEST_F(ReloadTest, LibraryIsGoneAfterItsCodecHasCaughtExceptions) {
   EXPECT_FALSE(isLoaded());
 }
 
-TEST_F(ReloadTest, CodecsThatConvertAndDropInBetweenLeaveNothingBehind) {
+TEST_F(ReloadTest, WorkingCodecsInBetweenLeakNothing) {
   live([this] {
     {
       const PluginLibrary library(VLT_PLUGIN_PATH);

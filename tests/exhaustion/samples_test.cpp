@@ -99,7 +99,7 @@ class ExhaustedSamples
   arrived_t arrived_;
 };
 
-TEST_P(ExhaustedSamples, LoseWhatIsHitAndNothingElse) {
+TEST_P(ExhaustedSamples, LoseTheMessageAtHandAlone) {
   for (const sample_t& sample : samples_) {
     SCOPED_TRACE(sample.place);
     const batch_outcome_t reference = send(sample.message, 0);

@@ -73,7 +73,7 @@ TEST_F(AbstractCodecTest, LinkCanBeTakenAway) {
   EXPECT_FALSE(codec.linkedTowardsHost());
 }
 
-TEST_F(AbstractCodecTest, DestructionReleasesTheTransportSideBeforeTheHostSide) {
+TEST_F(AbstractCodecTest, DestructionReleasesTheTransportSideFirst) {
   {
     Passage codec;
     codec.setNextTowardsHost(link("h"));
@@ -82,7 +82,7 @@ TEST_F(AbstractCodecTest, DestructionReleasesTheTransportSideBeforeTheHostSide) 
   EXPECT_EQ(journal_.entries, (entries_t{"~t", "~h"}));
 }
 
-TEST_F(AbstractCodecTest, DestructionReleasesTheLinksBeforeTheStatusIsHandedOver) {
+TEST_F(AbstractCodecTest, DestructionReleasesLinksBeforeTheStatus) {
   standin_set_status_sink(
       [](void* journal, void*, const vlt_underlying_map_table_t*) {
         static_cast<journal_t*>(journal)->entries.emplace_back("status");
@@ -108,7 +108,7 @@ TEST_F(AbstractCodecTest, CodecIsTheNextLinkOfANeighbour) {
   EXPECT_EQ(journal_.entries, entries_t{"h towards host: 1 2"});
 }
 
-TEST_F(AbstractCodecTest, CodecIsTheNextLinkTowardsTheTransportToo) {
+TEST_F(AbstractCodecTest, CodecIsALinkTowardsTheTransportToo) {
   auto neighbour = std::make_unique<Passage>();
   neighbour->setNextTowardsTransport(link("t"));
   Passage codec;

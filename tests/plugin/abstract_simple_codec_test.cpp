@@ -104,7 +104,7 @@ TEST_P(BatchTest, RefusedMessagesAreDropped) {
   EXPECT_EQ(leftFrom(2), (texts_t{"drop a", "drop c", "drop d"}));
 }
 
-TEST_P(BatchTest, WithEveryMessageDroppedTheLinkGetsAnEmptyRange) {
+TEST_P(BatchTest, LinkGetsAnEmptyRangeWithoutKeptMessages) {
   send({"drop a", "fail b", "throw c"});
   EXPECT_EQ(journal_.entries, forwarded({}));
   EXPECT_EQ(journal_.start, batch_.data());
@@ -142,7 +142,7 @@ TEST_P(BatchTest, AnythingThrownReachesTheHookInFlight) {
   EXPECT_EQ(codec_.calls, inDirection({"throw a", "throw a failed with 42"}));
 }
 
-TEST_P(BatchTest, FailedMessageIsKeptWhenTheHookSaysSo) {
+TEST_P(BatchTest, HookMayKeepAFailedMessage) {
   codec_.keepsFailed = true;
   send({"fail a", "drop b", "throw c"});
   EXPECT_EQ(journal_.entries, forwarded({"fail a", "throw c"}));
@@ -174,21 +174,21 @@ TEST_P(BatchTest, EmptyPayloadPassesUnchangedByDefault) {
   EXPECT_EQ(batch_[0].getMetadataMap(), map_of("of", text("null")));
 }
 
-TEST_P(BatchTest, EmptyPayloadIsDroppedWhenItsHookSaysSo) {
+TEST_P(BatchTest, HookMayDropAnEmptyPayload) {
   codec_.nullVerb = "drop";
   send({"null", "keep a"});
   EXPECT_EQ(journal_.entries, forwarded({"keep a"}));
   EXPECT_EQ(leftFrom(1), texts_t{"null"});
 }
 
-TEST_P(BatchTest, FailureOnAnEmptyPayloadIsHandledLikeAnyOther) {
+TEST_P(BatchTest, FailureOnAnEmptyPayloadIsHandledToo) {
   codec_.nullVerb = "fail";
   send({"null", "keep a"});
   EXPECT_EQ(codec_.calls, inDirection({"null", "null failed with boom", "keep a"}));
   EXPECT_EQ(journal_.entries, forwarded({"keep a"}));
 }
 
-TEST_P(BatchTest, ValueOfAnUnknownKindIsNoEmptyPayload) {
+TEST_P(BatchTest, UnknownKindIsNoEmptyPayload) {
   standin_set_default_log_level(0);
   batch_.emplace_back(tagged(11));
   EXPECT_EQ(error_of([&] { send(); }), "Get from empty") << "the scripted codec reads the payload";

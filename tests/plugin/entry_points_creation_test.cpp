@@ -83,7 +83,7 @@ TEST_F(CreationTest, ConfigurationMustBeAMap) {
   }
 }
 
-TEST_F(CreationTest, ConfigurationWithNothingToReadIsRefusedWithoutAStderrLine) {
+TEST_F(CreationTest, EmptyConfigurationIsRefusedWithoutAStderrLine) {
   EXPECT_EQ(stderr_of([&] {
               EXPECT_EQ(create(data_t()), nullptr);
               EXPECT_EQ(create(tagged(11)), nullptr);
@@ -104,7 +104,7 @@ TEST_F(CreationTest, NullNamesReadAsEmptyOnes) {
   library_.destroy(plugin);
 }
 
-TEST_F(CreationTest, FailureUnderNullNamesIsLoggedUnderEmptyOnes) {
+TEST_F(CreationTest, NullNamesAreLoggedAsEmptyOnes) {
   EXPECT_EQ(library_.create(nullptr, "chain", nullptr, nullptr, nullptr), nullptr);
   EXPECT_EQ(library_.create("codec", nullptr, nullptr, nullptr, nullptr), nullptr);
   EXPECT_EQ(takeLog(), (lines_t{{"connectivity..chain", 2,
@@ -151,7 +151,7 @@ TEST_F(CreationTest, ExhaustedHostMemoryIsReportedAndLeavesNothing) {
   library_.destroy(plugin);
 }
 
-TEST_F(CreationTest, WithoutMemoryEvenForTheReportTheResultIsNull) {
+TEST_F(CreationTest, WithoutMemoryForTheReportGivesNull) {
   const data_t settings = map_t();
   const auto createWithoutMemory = [&] {
     const NoMemory memory;

@@ -58,7 +58,7 @@ TEST_P(OperationTest, SuccessIsZeroAndSilent) {
   library_.destroy(plugin);
 }
 
-TEST_P(OperationTest, ExceptionIsLoggedWithItsText) {
+TEST_P(OperationTest, ExceptionIsLoggedWithItsMessage) {
   EXPECT_EQ(callFailing("runtime_error"), 1);
   EXPECT_EQ(takeLog(), (lines_t{line(GetParam().level, std::string("Exception from ") +
                                                            GetParam().name + ": boom")}));
@@ -108,7 +108,7 @@ TEST_P(OperationTest, PluginStaysUsableAfterAFailure) {
   library_.destroy(plugin);
 }
 
-TEST_P(OperationTest, FailureLeavesNoMemoryBehind) {
+TEST_P(OperationTest, FailureLeaksNoMemory) {
   standin_set_default_log_level(0);
   void* const plugin = create(map_of(GetParam().name, text("runtime_error")));
   const std::int64_t before = allocationsHeld();
@@ -168,7 +168,7 @@ TEST_F(EntryPointsTest, DestroyOfNullIsZero) {
   EXPECT_EQ(standin_calls_total(), 0);
 }
 
-TEST_F(EntryPointsTest, NullBatchFunctionIsRefusedAndThePreviousLinkStays) {
+TEST_F(EntryPointsTest, NullBatchFunctionKeepsThePreviousLink) {
   Received host;
   Received transport;
   void* const plugin = create(map_t());
@@ -217,7 +217,7 @@ TEST_F(EntryPointsTest, NewLinkReplacesThePreviousOne) {
   library_.destroy(plugin);
 }
 
-TEST_F(EntryPointsTest, ThrowingNextLinkIsCaughtAtTheEntryPoint) {
+TEST_F(EntryPointsTest, EntryPointCatchesAThrowingLink) {
   const auto jam = [](void* handle, vlt_underlying_message_t*, vlt_underlying_message_t*) {
     if (handle == nullptr) throw std::runtime_error("jam");
     throw 42;

@@ -29,7 +29,7 @@ TEST_F(LoggerTest, NameIsCopied) {
   EXPECT_EQ(takeLog(), (lines_t{{copied, 2, "<" + copied + "> text"}}));
 }
 
-TEST_F(LoggerTest, FormatTakesOneOrTwoTexts) {
+TEST_F(LoggerTest, FormatTakesOneOrTwoStrings) {
   const Logger logger("c");
   logger.log(1, "one: %s.", "a");
   logger.log(2, "two: %s, %s.", "a", "b");
@@ -44,7 +44,7 @@ TEST_F(LoggerTest, LevelMayBeATemplateArgument) {
   EXPECT_EQ(takeLog(), (lines_t{{"c", 3, "<c> dropped"}, {"c", 6, "<c> trace"}}));
 }
 
-TEST_F(LoggerTest, TextsArePercentProof) {
+TEST_F(LoggerTest, StringsArePercentProof) {
   const Logger logger("c%s%n");
   logger.log(3, "%s at 100%%", "%s%n%d");
   EXPECT_EQ(takeLog(), (lines_t{{"c%s%n", 3, "<c%s%n> %s%n%d at 100%"}}));
@@ -58,7 +58,7 @@ TEST_F(LoggerTest, LevelThreePassesThreeAndStopsSix) {
   EXPECT_EQ(takeLog(), (lines_t{{"c", 3, "<c> dropped"}}));
 }
 
-TEST_F(LoggerTest, EnabledIsUpToTheLevelOfItsOwnCategory) {
+TEST_F(LoggerTest, EnabledUpToTheLevelOfItsCategory) {
   standin_set_default_log_level(6);
   standin_set_log_level("c", 2);
   const Logger logger("c");
@@ -98,7 +98,7 @@ TEST_F(LoggerTest, LevelIsReadOnceAtConstruction) {
   EXPECT_EQ(standin_calls(STANDIN_GET_LOG_LEVEL), 1);
 }
 
-TEST_F(LoggerTest, CategoryOfAPluginNamesItAndItsChain) {
+TEST_F(LoggerTest, CategoryNamesPluginAndChain) {
   EXPECT_EQ(loggerCategory("codec", "chain"), "connectivity.codec.chain");
   EXPECT_EQ(loggerCategory("", ""), "connectivity..");
 }

@@ -53,7 +53,7 @@ TEST_F(MapExtractorTest, AbsentKeyIsNamedWithItsSection) {
             "Key '8' not found in Section");
 }
 
-TEST_F(MapExtractorTest, AbsentKeyInAMapWithoutATableIsNamedToo) {
+TEST_F(MapExtractorTest, AbsentKeyWithoutATableIsNamedToo) {
   const map_t none;
   const MapExtractor extractor(none, "Section");
   EXPECT_EQ(error_of([&] { static_cast<void>(extractor.doGet(text("k"))); }),
@@ -87,7 +87,7 @@ TEST_F(MapExtractorTest, AbsentAndEmptyGiveTheDefault) {
   EXPECT_EQ(extractor_.get<std::string>(text("absent"), ""), "");
 }
 
-TEST_F(MapExtractorTest, EachKindIsConvertedOrGivesTheDefaultInSilence) {
+TEST_F(MapExtractorTest, EachKindConvertsOrSilentlyGivesTheDefault) {
   struct row_t {
     const char* name;
     data_t value;
@@ -124,7 +124,7 @@ TEST_F(MapExtractorTest, KeyTextIsTheHostsRendering) {
   EXPECT_EQ(MapExtractor::stringifyKey(data_t()), "null");
 }
 
-TEST_F(MapExtractorTest, TextWithoutMemoryForItGivesTheDefault) {
+TEST_F(MapExtractorTest, StringWithoutMemoryGivesTheDefault) {
   settings_[text("long")] = text("longer than a std::string keeps inside");
   const data_t key = text("long");
   const std::string short_default = "d";

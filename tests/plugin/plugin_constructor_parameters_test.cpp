@@ -50,7 +50,7 @@ TEST_F(ParametersTest, ConfigurationWithoutATableStaysOne) {
   EXPECT_TRUE(params.getConfiguration().empty());
 }
 
-TEST_F(ParametersTest, BorrowedTextsAreOwnedInTheCopy) {
+TEST_F(ParametersTest, BorrowedStringsAreOwnedInTheCopy) {
   std::string key = "key";
   std::string value = "value";
   const map_t settings = map_of(borrowed(key.c_str()), borrowed(value.c_str()));
@@ -60,7 +60,7 @@ TEST_F(ParametersTest, BorrowedTextsAreOwnedInTheCopy) {
   EXPECT_EQ(params.getConfiguration(), map_of("key", text("value")));
 }
 
-TEST_F(ParametersTest, ExhaustedMemoryLeavesNothingBehind) {
+TEST_F(ParametersTest, ExhaustedMemoryLeaksNothing) {
   const map_t settings = map_of("a", text("1"), "b", list_of(text("2"), map_of("c", text("3"))));
   std::uint64_t n = 0;
   for (bool made = false; !made;) {

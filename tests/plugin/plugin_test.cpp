@@ -119,7 +119,7 @@ TEST_F(PluginTest, StatusWithoutEntriesIsNotHandedOver) {
   EXPECT_TRUE(statuses_.handles.empty());
 }
 
-TEST_F(PluginTest, StatusWhoseEntriesWereErasedIsNotHandedOver) {
+TEST_F(PluginTest, ErasedStatusIsNotHandedOver) {
   auto plugin = std::make_unique<BarePlugin>();
   map_t emptied = map_of("state", text("up"));
   emptied.erase(emptied.begin());

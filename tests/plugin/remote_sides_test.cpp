@@ -86,7 +86,7 @@ TYPED_TEST(RemoteSidesTest, NullFunctionIsRefused) {
             "Cannot use a null batch function as a link");
 }
 
-TYPED_TEST(RemoteSidesTest, WhatTheFunctionThrowsPassesThrough) {
+TYPED_TEST(RemoteSidesTest, ExceptionsOfTheFunctionPassThrough) {
   typename TypeParam::Side side(nullptr, fail);
   EXPECT_EQ(error_of([&] { TypeParam::send(side, nullptr, nullptr); }), "boom");
 }

@@ -15,7 +15,7 @@ using ConvertTo = HostFixture;
 
 std::string converted(const data_t& value) { return convert_to<std::string>(value); }
 
-TEST_F(ConvertTo, ScalarsAndStringsBecomeText) {
+TEST_F(ConvertTo, ScalarsAndStringsBecomeStrings) {
   EXPECT_EQ(converted(truth(true)), "true");
   EXPECT_EQ(converted(truth(false)), "false");
   EXPECT_EQ(converted(whole(-5)), "-5");
@@ -37,12 +37,12 @@ TEST_F(ConvertTo, DoublesTakeTheShortGeneralForm) {
   EXPECT_EQ(converted(real(std::numeric_limits<double>::infinity())), "inf");
 }
 
-TEST_F(ConvertTo, LongTextIsNotCut) {
+TEST_F(ConvertTo, LongStringIsNotCut) {
   const std::string text(5000, 'x');
   EXPECT_EQ(converted(data_t(text.c_str())), text);
 }
 
-TEST_F(ConvertTo, NullTextReadsAsTheEmptyText) {
+TEST_F(ConvertTo, NullReadsAsTheEmptyString) {
   EXPECT_EQ(converted(null_text()), "");
   EXPECT_EQ(converted(tagged(10)), "");
 }

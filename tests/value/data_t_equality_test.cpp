@@ -64,7 +64,7 @@ TEST_F(DataTEquality, IntegersAndDecimalsAreComparedByAllBytes) {
   EXPECT_NE(decimal(7), decimal(7 + (std::uint64_t{1} << 56)));
 }
 
-TEST_F(DataTEquality, TextsAreComparedByContent) {
+TEST_F(DataTEquality, StringsAreComparedByContent) {
   EXPECT_EQ(text("id"), text("id"));
   EXPECT_NE(text("id"), text("ID"));
   EXPECT_NE(text("id"), text("idx"));
@@ -72,7 +72,7 @@ TEST_F(DataTEquality, TextsAreComparedByContent) {
   EXPECT_NE(borrowed("id"), borrowed("i"));
 }
 
-TEST_F(DataTEquality, NullTextEqualsNullTextAndTheEmptyText) {
+TEST_F(DataTEquality, NullEqualsNullAndTheEmptyString) {
   EXPECT_EQ(null_text(), null_text());
   EXPECT_EQ(null_text(), text(""));
   EXPECT_EQ(text(""), null_text());

@@ -43,7 +43,7 @@ TEST_F(DataT, ScalarsCarryTheirTagAndBits) {
   EXPECT_EQ(content_bits(decimal(0x0123456789abcdef)), 0x0123456789abcdefu);
 }
 
-TEST_F(DataT, TextIsCopiedOnceAndOwned) {
+TEST_F(DataT, StringIsCopiedOnceAndOwned) {
   char original[] = "Tenant";
   standin_reset_calls();
   const data_t value(static_cast<const char*>(original));
@@ -54,20 +54,20 @@ TEST_F(DataT, TextIsCopiedOnceAndOwned) {
   EXPECT_STREQ(value.get<const char*>(), "Tenant");
 }
 
-TEST_F(DataT, EmptyTextIsAStringNotAnEmptyValue) {
+TEST_F(DataT, EmptyStringIsNoEmptyValue) {
   const data_t value("");
   EXPECT_FALSE(value.empty());
   EXPECT_EQ(value.type_tag(), 5u);
   EXPECT_STREQ(value.get<const char*>(), "");
 }
 
-TEST_F(DataT, NullTextIsRefused) {
+TEST_F(DataT, NullStringIsRefused) {
   EXPECT_THROW(data_t(static_cast<const char*>(nullptr)), std::runtime_error);
   EXPECT_EQ(error_of([] { data_t(static_cast<const char*>(nullptr)); }),
             "Cannot use a null char* as a data_t value (consider using an empty data_t() instead)");
 }
 
-TEST_F(DataT, TextThatFindsNoMemoryIsBadAlloc) {
+TEST_F(DataT, StringWithoutMemoryIsBadAlloc) {
   EXPECT_EQ(fail_each_allocation([] { data_t("text"); }, [] {}), 1u);
 }
 
@@ -108,14 +108,14 @@ TEST_F(DataT, KindNamesFollowTheTags) {
   EXPECT_STREQ(kind_name(std::numeric_limits<std::uint32_t>::max()), "Unknown");
 }
 
-TEST_F(DataT, NullTextReadsAsTheEmptyText) {
+TEST_F(DataT, NullReadsAsTheEmptyString) {
   EXPECT_STREQ(text_or_empty(nullptr), "");
   EXPECT_STREQ(text_or_empty("a"), "a");
 }
 
 // ---- copying
 
-TEST_F(DataT, CopyHasTheSameContentInABlockOfItsOwn) {
+TEST_F(DataT, CopyHasTheContentInAnotherBlock) {
   for (const kind_t& kind : KINDS) {
     SCOPED_TRACE(kind.name);
     const data_t source = kind.make();
@@ -155,7 +155,7 @@ TEST_F(DataT, NullBlocksStayNullInCopies) {
   }
 }
 
-TEST_F(DataT, CopyAssignmentFreesWhatTheTargetHeld) {
+TEST_F(DataT, CopyAssignmentFreesTheOldContent) {
   const data_t source = text("new");
   data_t target = list_of(text("old"), text("older"));
   const std::int64_t before = standin_live_blocks_total();
@@ -180,7 +180,7 @@ TEST_F(DataT, CopyAssignmentFromItsOwnElement) {
   EXPECT_EQ(value, list_of(text("deep")));
 }
 
-TEST_F(DataT, CopyWithoutMemoryLeavesNothingBehind) {
+TEST_F(DataT, CopyWithoutMemoryLeaksNothing) {
   const data_t source = list_of(text("a"), map_of("b", bytes("c")), custom(4));
   const std::int64_t before = standin_live_blocks_total();
   const auto copy = [&] { const data_t copied(source); };
@@ -203,7 +203,7 @@ TEST_F(DataT, AssignmentWithoutMemoryKeepsTheTarget) {
 
 // ---- moving
 
-TEST_F(DataT, MoveTakesTheBytesAndLeavesTheSourceZeroed) {
+TEST_F(DataT, MoveTakesTheBytesAndZeroesTheSource) {
   for (const kind_t& kind : KINDS) {
     SCOPED_TRACE(kind.name);
     data_t source = kind.make();
@@ -217,7 +217,7 @@ TEST_F(DataT, MoveTakesTheBytesAndLeavesTheSourceZeroed) {
   }
 }
 
-TEST_F(DataT, MoveAssignmentOntoAnEmptyValueCallsNoHostFunction) {
+TEST_F(DataT, MoveOntoAnEmptyValueCallsNoHost) {
   for (const kind_t& kind : KINDS) {
     SCOPED_TRACE(kind.name);
     data_t source = kind.make();
@@ -232,7 +232,7 @@ TEST_F(DataT, MoveAssignmentOntoAnEmptyValueCallsNoHostFunction) {
   }
 }
 
-TEST_F(DataT, MoveAssignmentFreesWhatTheTargetHeld) {
+TEST_F(DataT, MoveAssignmentFreesTheOldContent) {
   data_t source = text("new");
   data_t target = list_of(text("old"));
   const std::int64_t before = standin_live_blocks_total();
@@ -266,7 +266,7 @@ TEST_F(DataT, MovedFromValueCanBeUsedOn) {
 
 // ---- destruction
 
-TEST_F(DataT, DestructionCallsTheFunctionOfTheKindOnceOrNone) {
+TEST_F(DataT, DestructionCallsTheKindsFunctionOnceOrNone) {
   constexpr int none = STANDIN_FUNCTIONS;
   constexpr int freed_by[] = {none,
                               none,
@@ -301,7 +301,7 @@ TEST_F(DataT, NullBlocksAreDestroyed) {
   }
 }
 
-TEST_F(DataT, BorrowedTextIsNeverFreed) {
+TEST_F(DataT, BorrowedStringIsNeverFreed) {
   char owner[] = "mine";
   {
     data_t value = borrowed(owner);

@@ -73,9 +73,7 @@ TEST_F(GetVisitorTest, IntegerOfEveryKind) { check_gets<std::int64_t>("integer",
 TEST_F(GetVisitorTest, DecimalOfEveryKind) {
   check_gets<vlt_underlying_decimal_t>("decimal", 4, 4);
 }
-TEST_F(GetVisitorTest, TextOfEveryKindSuitsBothStrings) {
-  check_gets<const char*>("string", 5, 10);
-}
+TEST_F(GetVisitorTest, StringOfEitherKindSuitsBoth) { check_gets<const char*>("string", 5, 10); }
 TEST_F(GetVisitorTest, ListOfEveryKind) { check_gets<list_t>("list", 6, 6); }
 TEST_F(GetVisitorTest, MapOfEveryKind) { check_gets<map_t>("map", 7, 7); }
 TEST_F(GetVisitorTest, BufferOfEveryKind) { check_gets<buffer_t>("buffer", 8, 8); }
@@ -106,7 +104,7 @@ TEST_F(GetVisitorTest, ContentChangesInPlace) {
   EXPECT_EQ(value, data_t(map_of("k", truth(true))));
 }
 
-TEST_F(GetVisitorTest, ContainerTakenOutOfAValueLeavesItNull) {
+TEST_F(GetVisitorTest, TakenContainerLeavesTheValueNull) {
   data_t value = list_of(whole(1));
   const list_t taken = std::move(value.get<list_t>());
   EXPECT_EQ(taken.size(), 1u);
@@ -114,7 +112,7 @@ TEST_F(GetVisitorTest, ContainerTakenOutOfAValueLeavesItNull) {
   EXPECT_EQ(content_bits(value), 0u);
 }
 
-TEST_F(GetVisitorTest, NullBlocksAndTextsAreGot) {
+TEST_F(GetVisitorTest, NullBlocksAndStringsAreGot) {
   EXPECT_EQ(null_text().get<const char*>(), nullptr);
   EXPECT_EQ(tagged(10).get<const char*>(), nullptr);
   EXPECT_EQ(tagged(6).get<list_t>().size(), 0u);

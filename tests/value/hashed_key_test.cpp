@@ -14,7 +14,7 @@ namespace {
 
 using HashedKey = HostFixture;
 
-TEST_F(HashedKey, IsAStringWithTheHashOfItsText) {
+TEST_F(HashedKey, IsAStringWithItsHash) {
   for (const char* content : {"", "a", "source", "a key that is longer than eight bytes"}) {
     SCOPED_TRACE(content);
     const hashed_key_t key(content);
@@ -69,7 +69,7 @@ TEST_F(HashedKey, EntryTakesTheValueUnderACopy) {
   EXPECT_TRUE(is_zeroed(value));
 }
 
-TEST_F(HashedKey, ValueStaysWhereItIsWhenTheKeyCannotBeCopied) {
+TEST_F(HashedKey, ValueStaysWithoutMemoryForTheKey) {
   const hashed_key_t key("a");
   data_t value = list_of(text("v"));
   map_entry_t entry;

@@ -80,7 +80,7 @@ TEST_F(Hashes, DecimalsArePinned) {
   EXPECT_EQ(hash_of(decimal(0x8000000000000000)), 0x06cc54986edb0700); // no zero with a sign here
 }
 
-TEST_F(Hashes, TextsHashAsTheHostSays) {
+TEST_F(Hashes, StringsHashAsTheHostSays) {
   EXPECT_EQ(hash_of(text("id")), 0xca80dca9f40c0ac4);
   EXPECT_EQ(hash_of(text("source")), 0x13d3ec208a45884c);
   EXPECT_EQ(hash_of(text("Gr\xc3\xbc\xc3\x9f"
@@ -91,7 +91,7 @@ TEST_F(Hashes, TextsHashAsTheHostSays) {
   EXPECT_EQ(hash_of(borrowed("id"), 7), 0x01757800013cff4a);
 }
 
-TEST_F(Hashes, NullTextHashesAsTheEmptyText) {
+TEST_F(Hashes, NullHashesAsTheEmptyString) {
   EXPECT_EQ(hash_of(text("")), 0x243fcaf1u); // what FNV-1a makes of no bytes
   EXPECT_EQ(hash_of(null_text()), hash_of(text("")));
   EXPECT_EQ(hash_of(tagged(10)), hash_of(text("")));
@@ -115,7 +115,7 @@ TEST_F(Hashes, ListsWithoutElementsAreTheFixedSeed) {
   EXPECT_EQ(hash_of(tagged(6)), 0x243fcaf1u);
 }
 
-TEST_F(Hashes, ContainersInAListForgetWhatCameBefore) {
+TEST_F(Hashes, ContainersInAListForgetEarlierElements) {
   EXPECT_EQ(hash_of(list_of(whole(1), list_of(whole(2)))), 0xe424f1e45621ddf2);
   EXPECT_EQ(hash_of(list_of(list_of(whole(2)))), 0xe424f1e45621ddf2);
   EXPECT_EQ(hash_of(list_of(whole(1), map_t())), 0x243fcaf1u);
@@ -149,7 +149,7 @@ TEST_F(Hashes, MapsWithoutEntriesAreTheFixedSeed) {
   EXPECT_EQ(hashes::hash(erased), 0x243fcaf1u);
 }
 
-TEST_F(Hashes, MapsHashEquallyWhateverTheirOrderAndCapacity) {
+TEST_F(Hashes, MapsHashEquallyInAnyOrderAndCapacity) {
   const map_t forwards = map_of("a", whole(1), "b", whole(2), "c", whole(3));
   const map_t backwards = map_of("c", whole(3), "b", whole(2), "a", whole(1));
   map_t large = table_of(100);
@@ -167,7 +167,7 @@ TEST_F(Hashes, BuffersArePinned) {
   EXPECT_EQ(hash_of(bytes("\xff\xff\xff\xff\xff")), 0xe1e71af48038fca6);
 }
 
-TEST_F(Hashes, CustomValuesAreRefusedWhereverTheyStand) {
+TEST_F(Hashes, CustomValuesAreRefusedEverywhere) {
   const data_t values[] = {custom(1), tagged(9), list_of(whole(1), custom(1)),
                            map_of("k", custom(1)), list_of(map_of("k", list_of(custom(1))))};
   for (const data_t& value : values) {

@@ -9,12 +9,12 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-TEST(IteratorChecks, FaultIsThrownWithItsText) {
+TEST(IteratorChecks, FaultIsThrownWithItsMessage) {
   EXPECT_THROW(iterator_checks::report("text"), std::runtime_error);
   EXPECT_EQ(error_of([] { iterator_checks::report("text"); }), "text");
 }
 
-TEST(IteratorChecks, TextsNameTheContainer) {
+TEST(IteratorChecks, MessagesNameTheContainer) {
   EXPECT_STREQ(iterator_checks::MAP_MODIFIED, "Iterator invalidated by modifying map");
   EXPECT_STREQ(iterator_checks::LIST_MODIFIED, "Iterator invalidated by modifying list");
   EXPECT_STREQ(iterator_checks::DIFFERENT_MAPS,

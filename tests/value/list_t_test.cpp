@@ -114,7 +114,7 @@ TEST_F(ListT, ChangedCountStopsAComparison) {
   EXPECT_EQ(error_of([&] { static_cast<void>(it != end); }), LIST_MODIFIED);
 }
 
-TEST_F(ListT, StaleIteratorIsNoticedOnEitherSideOfAComparison) {
+TEST_F(ListT, ComparisonNoticesAStaleIteratorOnEitherSide) {
   const auto stale = list_.begin();
   block_->count = 2;
   const auto fresh = list_.begin();
@@ -149,7 +149,7 @@ TEST_F(ListT, FaultsAreRuntimeErrors) {
   EXPECT_THROW(++it, std::runtime_error);
 }
 
-TEST_F(ListT, IteratorOfNoListEqualsItsLikeAndIsOtherwiseAFault) {
+TEST_F(ListT, IteratorOfNoListEqualsItsLikeAlone) {
   list_t::iterator none;
   EXPECT_TRUE(none == list_t::iterator());
   EXPECT_EQ(error_of([&] { ++none; }), LIST_MODIFIED);
@@ -175,7 +175,7 @@ TEST_F(ListT, SkippedChecksLetTheOperationGoOn) {
   EXPECT_FALSE(it == end);
 }
 
-TEST_F(ListT, SwitchIsReadAtTheMomentOfTheFault) {
+TEST_F(ListT, SwitchCountsAtTheMomentOfAFault) {
   auto it = list_.begin();
   block_->count = 2;
   {

@@ -27,7 +27,7 @@ void expect_free_slots(const map_t& map) {
 
 using MapDrain = PlacedKeys;
 
-TEST_F(MapDrain, HandsOutAllEntriesInTheOrderOfIteration) {
+TEST_F(MapDrain, HandsOutAllEntriesInOrder) {
   map_t map = with_keys("6", "2", "14", "0", "22", "5");
   map.erase(map.find(text("0")));
   std::vector<std::string> expected;
@@ -42,7 +42,7 @@ TEST_F(MapDrain, HandsOutAllEntriesInTheOrderOfIteration) {
   EXPECT_EQ(drained, expected);
 }
 
-TEST_F(MapDrain, HandsOutTheStoredHashAndTheSameBlocks) {
+TEST_F(MapDrain, HandsOutStoredHashesAndTheBlocks) {
   map_t map = table_of(8);
   put(map, 3, 99, text("5"), list_of(text("v")));
   const std::uint64_t key_block = content_bits(slot_at(map, 3).key);
@@ -92,7 +92,7 @@ TEST_F(MapDrain, NothingToDrain) {
   EXPECT_EQ(counts_of(drained), (counts_t{0, 8, 0}));
 }
 
-TEST_F(MapDrain, WhatIsThrownEndsItAndFreesTheRest) {
+TEST_F(MapDrain, ExceptionEndsItAndFreesTheRest) {
   const std::int64_t before = standin_live_blocks_total();
   map_t map = map_of("1", text("1"), "3", list_of(text("v")), "5", text("5"), "7", bytes("7"));
   std::vector<std::uint64_t> seen;
@@ -106,7 +106,7 @@ TEST_F(MapDrain, WhatIsThrownEndsItAndFreesTheRest) {
   EXPECT_EQ(standin_live_blocks_total(), before);
 }
 
-TEST_F(MapDrain, IntoAMapThatCannotGrowFreesTheRest) {
+TEST_F(MapDrain, FailureToGrowFreesTheRest) {
   const map_t original = with_keys("0", "1", "2", "3", "4", "5", "6", "7", "8");
   const std::int64_t before = standin_live_blocks_total();
   map_t target;
@@ -180,7 +180,7 @@ TEST_F(MapClear, FreesTheEntryOfAnEmptyKey) {
   expect_free_slots(map);
 }
 
-TEST_F(MapClear, ValueOfASlotWithoutAnEntryIsNobodys) {
+TEST_F(MapClear, ValueWithoutAnEntryIsNobodys) {
   map_t map = with_keys("3", "11");
   map.erase(map.find(text("3")));
   const data_t elsewhere = text("v");

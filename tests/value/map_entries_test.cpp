@@ -49,7 +49,7 @@ TEST_P(MapEntryAbsent, IsMovedIntoItsSlot) {
   EXPECT_TRUE(is_zeroed(entry.value));
 }
 
-TEST_P(MapEntryAbsent, TakesTheFirstTableAndNothingElseFromTheHost) {
+TEST_P(MapEntryAbsent, TakesOnlyTheFirstTableFromTheHost) {
   map_t map;
   map_entry_t first = entry_of("3", text("v"));
   map_entry_t second = entry_of("11", text("w"));
@@ -60,7 +60,7 @@ TEST_P(MapEntryAbsent, TakesTheFirstTableAndNothingElseFromTheHost) {
   EXPECT_EQ(standin_calls_total(), 1);
 }
 
-TEST_P(MapEntryAbsent, LiesByTheHashThatItBrings) {
+TEST_P(MapEntryAbsent, HasThePlaceOfItsOwnHash) {
   map_t map;
   put(map, {5, text("3"), whole(1)});
   EXPECT_EQ(slot_of(map, "3"), 5);
@@ -157,7 +157,7 @@ TEST_F(MapEntryPresent, NeverGrowsTheTable) {
   EXPECT_EQ(at(map, "5"), whole(2));
 }
 
-TEST_F(MapEntryPresent, BehindATombstoneIsFound) {
+TEST_F(MapEntryPresent, AfterATombstoneIsFound) {
   map_t map = with_keys("3", "11", "19");
   map.erase(map.find(text("3")));
   map.insert(entry_of("11", whole(1)));
@@ -168,7 +168,7 @@ TEST_F(MapEntryPresent, BehindATombstoneIsFound) {
   EXPECT_EQ(slot_at(map, 3).hash, 1u);
 }
 
-TEST_F(MapEntryPresent, EqualHashesAreToldApartByTheKey) {
+TEST_F(MapEntryPresent, KeysTellEqualHashesApart) {
   map_t map = with_keys("3");
   map.insert(entry_of("3 other", whole(1)));
   map.assign(entry_of("3 third", whole(2)));

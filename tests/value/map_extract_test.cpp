@@ -42,7 +42,7 @@ TEST_F(MapFind, KeyWithAnotherHashIsAnotherKey) {
   EXPECT_EQ(map.find_value(same), &slot_at(map, 3).value);
 }
 
-TEST_F(MapFind, SearchesPastTombstonesAndEndsInATableWithoutFreeSlots) {
+TEST_F(MapFind, PassesTombstonesAndEndsWithoutFreeSlots) {
   const map_t map = table_of(3);
   put_tombstone(map, 0);
   put(map, 1, 0, text("0"), whole(0));
@@ -76,7 +76,7 @@ TEST_F(MapExtract, AbsentKeyGivesNoEntry) {
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 0}));
 }
 
-TEST_F(MapExtract, PresentKeyGivesItsEntryAndLeavesATombstone) {
+TEST_F(MapExtract, PresentKeyGivesItsEntryAndATombstone) {
   map_t map = with_keys("3", "11", "19");
   const std::uint64_t key_block = content_bits(slot_at(map, 4).key);
   const std::uint64_t value_block = content_bits(slot_at(map, 4).value);
@@ -101,7 +101,7 @@ TEST_F(MapExtract, EntriesDisplacedPastTheSlotStayReachable) {
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 2}));
 }
 
-TEST_F(MapExtract, InPlaceHandsOverTheEntryAndFreesWhatIsLeftOfIt) {
+TEST_F(MapExtract, InPlaceHandsOverTheEntryFreesRemains) {
   map_t map = with_keys("3", "11");
   data_t value;
   const bool found = map.extract(text("3"), [&](map_entry_t&& entry) {
@@ -132,7 +132,7 @@ TEST_F(MapExtract, ExceptionInPlaceKeepsTheEntry) {
   EXPECT_EQ(counts_of(map), (counts_t{2, 8, 0}));
 }
 
-TEST_F(MapExtract, AsksNothingOfTheHostWhenTheHashIsKnown) {
+TEST_F(MapExtract, KnownHashNeedsNoHost) {
   map_t map = with_keys("3", "11");
   const hashed_key_t present("11");
   const hashed_key_t absent("19");

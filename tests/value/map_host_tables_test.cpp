@@ -39,7 +39,7 @@ TEST_F(HostTables, TableWithoutSlotsGrowsBeforeTheFirstInsertion) {
   EXPECT_EQ(counts_of(copied_into), (counts_t{1, 8, 0}));
 }
 
-TEST_F(HostTables, TableOfOneSlotTakesOneKeyThenGrows) {
+TEST_F(HostTables, TableOfOneSlotGrowsAfterOneKey) {
   map_t map = table_of(1);
   map[text("5")] = whole(1);
   EXPECT_EQ(counts_of(map), (counts_t{1, 1, 0}));
@@ -71,7 +71,7 @@ TEST_F(HostTables, TombstonesInEverySlotEndTheSearch) {
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 0}));
 }
 
-TEST_F(HostTables, UncountedTombstonesAreReusedFromTheStartOfTheProbe) {
+TEST_F(HostTables, UncountedTombstonesAreReusedInProbeOrder) {
   map_t map = table_of(4);
   for (std::int64_t i = 0; i < 4; ++i) put_tombstone(map, i);
   head_of(map).deleted = 0;
@@ -80,7 +80,7 @@ TEST_F(HostTables, UncountedTombstonesAreReusedFromTheStartOfTheProbe) {
   EXPECT_EQ(slot_of(map, "6"), 2);
 }
 
-TEST_F(HostTables, SlotsWithoutAVacancyGrowWhateverTheCountsSay) {
+TEST_F(HostTables, FullTableGrowsWithAnyCounts) {
   map_t map = full_table(4);
   head_of(map).live = 2; // too few: three quarters of 4 seem free
   map[text("7")] = whole(7);
@@ -96,7 +96,7 @@ TEST_F(HostTables, OddCapacitiesReduceTheHash) {
   EXPECT_EQ(slot_of(map, "27"), 0);
 }
 
-TEST_F(HostTables, KeyUnderAnotherHashIsNotTheOneSought) {
+TEST_F(HostTables, KeyUnderAnotherHashIsNotFound) {
   map_t map = table_of(8);
   put(map, 3, 11, text("3"), whole(1));
   EXPECT_FALSE(has(map, "3"));
@@ -125,7 +125,7 @@ TEST_F(HostTables, HostsWordIsNeitherReadNorWritten) {
   EXPECT_EQ(head_of(map).host, 0xfedcba9876543210);
 }
 
-TEST_F(HostTables, TableThatWasTakenOverIsFreedByTheMap) {
+TEST_F(HostTables, MapFreesATableItTookOver) {
   standin_reset_calls();
   { const map_t map(vlt_allocate_map(8)); }
   EXPECT_EQ(standin_calls(STANDIN_FREE_MAP), 1);

@@ -189,7 +189,7 @@ TEST_F(MapIterator, ChangingAValueInvalidatesNothing) {
   EXPECT_EQ(it->first, text("3"));
 }
 
-TEST_F(MapIterator, ComparisonLooksAtTheMapNotAtItsModification) {
+TEST_F(MapIterator, ComparisonIgnoresModifications) {
   map_t map = with_keys("3");
   const auto it = map.begin();
   map[text("5")] = whole(1);
@@ -252,7 +252,7 @@ TEST_F(MapIterator, SkippedChecksEraseAtAnotherMapsIterator) {
   EXPECT_TRUE(slot_at(other, 3).key.empty());
 }
 
-TEST_F(MapIterator, SkippedChecksEraseNothingWhereTheTableIsLost) {
+TEST_F(MapIterator, SkippedChecksEraseNothingWithoutATable) {
   map_t map = with_keys("3");
   const map_t::iterator first = map.begin();
   const map_t taken(std::move(map));
@@ -261,7 +261,7 @@ TEST_F(MapIterator, SkippedChecksEraseNothingWhereTheTableIsLost) {
   EXPECT_EQ(counts_of(taken), (counts_t{1, 8, 0}));
 }
 
-TEST_F(MapIterator, SwitchIsReadAtTheMomentOfTheFault) {
+TEST_F(MapIterator, SwitchCountsAtTheMomentOfAFault) {
   map_t map = with_keys("3");
   map_t other = with_keys("3");
   auto it = map.begin();

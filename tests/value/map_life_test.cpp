@@ -69,7 +69,7 @@ TEST_F(MapErase, FirstAndLastSlot) {
   EXPECT_EQ(map.begin()->first, text("4"));
 }
 
-TEST_F(MapErase, InsertedAgainReusesTheTombstoneAndKeepsTheCount) {
+TEST_F(MapErase, InsertedAgainReusesTheTombstone) {
   map_t map = with_keys("3");
   map.erase(map.find(text("3")));
   map.insert(text("3"), whole(2));
@@ -86,7 +86,7 @@ TEST_F(MapErase, FirstOfSeveralTombstonesIsReused) {
   EXPECT_EQ(slot_at(map, 4).hash, 1u);
 }
 
-TEST_F(MapErase, KeyBehindATombstoneIsFoundNotInsertedTwice) {
+TEST_F(MapErase, KeyAfterATombstoneIsFound) {
   map_t map = with_keys("3", "11");
   map.erase(map.find(text("3")));
   EXPECT_FALSE(map.insert(text("11"), whole(1)).second);
@@ -94,7 +94,7 @@ TEST_F(MapErase, KeyBehindATombstoneIsFoundNotInsertedTwice) {
   EXPECT_EQ(slot_at(map, 3).hash, 1u);
 }
 
-TEST_F(MapErase, CyclesOfEraseAndInsertBringTheRebuildForward) {
+TEST_F(MapErase, EraseAndInsertBringTheRebuildForward) {
   map_t map = with_keys("3");
   standin_reset_calls();
   for (int i = 0; i < 6; ++i) {

@@ -53,7 +53,7 @@ TEST_F(MapModel, AgreesUnderFourHashes) {
   });
 }
 
-TEST_F(MapModel, AgreesUnderHashesAtTheTopOfTheRange) {
+TEST_F(MapModel, AgreesUnderTheHighestHashes) {
   run(3000, 200'000, [](const char* text, std::uint64_t) {
     return UINT64_MAX - static_cast<unsigned char>(text[*text == '\0' ? 0 : 1]) % 7;
   });

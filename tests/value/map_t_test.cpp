@@ -65,7 +65,7 @@ TEST_F(MapT, GrowthFollowsTheLiveCountNotTheCapacity) {
   EXPECT_EQ(seen, 4u);
 }
 
-TEST_F(MapT, TombstonesCountTowardsGrowthAndAreDroppedByIt) {
+TEST_F(MapT, TombstonesCountTowardsGrowthThatDropsThem) {
   map_t map = with_keys("0", "1", "2", "3", "4", "5", "6");
   for (const char* key : {"1", "2", "3", "4", "5", "6"}) map.erase(map.find(text(key)));
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 6}));
@@ -119,7 +119,7 @@ TEST_F(MapT, CollidingKeysTakeTheNextSlots) {
   EXPECT_FALSE(has(map, "27"));
 }
 
-TEST_F(MapT, ProbingWrapsFromTheLastSlotToTheFirst) {
+TEST_F(MapT, ProbingWrapsToTheFirstSlot) {
   map_t map = with_keys("7", "15", "23");
   EXPECT_EQ(slot_of(map, "7"), 7);
   EXPECT_EQ(slot_of(map, "15"), 0);
@@ -133,14 +133,14 @@ TEST_F(MapT, HashIsReducedUnsigned) {
   EXPECT_TRUE(has(map, "18446744073709551615"));
 }
 
-TEST_F(MapT, EqualHashesAreToldApartByTheKey) {
+TEST_F(MapT, KeysTellEqualHashesApart) {
   map_t map = with_keys("3", "3 other");
   EXPECT_EQ(map.size(), 2u);
   EXPECT_EQ(at(map, "3 other"), text("3 other"));
   EXPECT_FALSE(has(map, "3 third"));
 }
 
-TEST_F(MapT, HashesZeroAndOneAreLiveWithTheirKeys) {
+TEST_F(MapT, HashesZeroAndOneAreLive) {
   map_t map = with_keys("0", "1", "0 again", "1 again");
   EXPECT_EQ(map.size(), 4u);
   EXPECT_EQ(slot_of(map, "0 again"), 2);
@@ -198,7 +198,7 @@ TEST_F(MapT, SubscriptInsertsAnEmptyValue) {
   EXPECT_EQ(map.size(), 1u);
 }
 
-TEST_F(MapT, SubscriptOfAPresentKeyReachesItsValueAndConsumesTheKey) {
+TEST_F(MapT, SubscriptReachesTheValueAndConsumesTheKey) {
   map_t map = with_keys("3");
   data_t key = text("3");
   map[std::move(key)] = whole(5);
@@ -231,7 +231,7 @@ TEST_F(MapT, CopyingInsertOfAPresentKeyCopiesNothing) {
 
 // The borrowed key is not found, so it is inserted, and its owned copy is equal to a key that is
 // there already: the slot must be found without meeting that one.
-TEST_F(MapT, CopyingInsertOfABorrowedKeyGrowsBesideItsOwnedTwin) {
+TEST_F(MapT, CopiedBorrowedKeyGrowsBesideItsTwin) {
   map_t map = with_keys("0", "1", "2", "3", "4", "5", "6");
   const data_t key = borrowed("6");
   const data_t value = whole(1);
@@ -275,7 +275,7 @@ TEST_F(MapT, EmptyKeyIsRefusedByTheMovingInserts) {
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 0}));
 }
 
-TEST_F(MapT, CopyingInsertMakesNoCheckForAnEmptyKey) {
+TEST_F(MapT, CopyingInsertTakesAnEmptyKey) {
   map_t map;
   const data_t key;
   const data_t value = whole(1);
@@ -318,7 +318,7 @@ TEST_F(MapT, UnknownKeysAreAcceptedAndNeverFound) {
   EXPECT_TRUE(map.find(tagged(11, 5)) == map.end());
 }
 
-TEST_F(MapT, NullTextKeyIsTheEmptyText) {
+TEST_F(MapT, NullKeyIsTheEmptyString) {
   map_t map = map_of(null_text(), whole(1));
   EXPECT_EQ(at(map, ""), whole(1));
   EXPECT_FALSE(map.insert(text(""), whole(2)).second);

@@ -87,7 +87,7 @@ TEST_F(MessageTest, MovedFromMessageCanBeUsedOn) {
   EXPECT_TRUE(source.getMetadataMap() == map_of("k", whole(2)));
 }
 
-TEST_F(MessageTest, MoveAssignmentFreesWhatTheTargetHeld) {
+TEST_F(MessageTest, MoveAssignmentFreesTheOldContent) {
   Message source = sample();
   Message target(list_of(whole(1)), map_of("old", whole(2)));
   standin_reset_calls();

@@ -41,7 +41,7 @@ TEST(TableRules, HomeSlotIsTheRemainderOfTheHash) {
   }
 }
 
-TEST(TableRules, TableIsDueToGrowWhenMoreThanThreeQuartersAreInUse) {
+TEST(TableRules, TableGrowsBeyondThreeQuarters) {
   for (std::int64_t capacity = 1; capacity <= 2000; ++capacity) {
     const std::int64_t quarters = 3 * capacity / 4;
     for (const std::int64_t count :
@@ -57,7 +57,7 @@ TEST(TableRules, TableWithoutSlotsIsAlwaysDueToGrow) {
   EXPECT_TRUE(is_due_to_grow(0, 1));
 }
 
-TEST(TableRules, GrownTableHasTwoSlotsForEachEntryAndTwoMoreButAtLeastEight) {
+TEST(TableRules, GrownTableHasTwiceItsEntriesPlusTwo) {
   EXPECT_EQ(table_rules::FIRST_CAPACITY, 8);
   for (const std::int64_t live : {0, 1, 2, 3}) EXPECT_EQ(grown_capacity(live), 8) << live;
   for (std::int64_t live = 4; live < 300; ++live) EXPECT_EQ(grown_capacity(live), live + live + 2);

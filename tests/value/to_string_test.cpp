@@ -55,14 +55,14 @@ TEST_F(ToString, MapIsViewedNotCopied) {
   EXPECT_EQ(to_string(map_t()), "{}");
 }
 
-TEST_F(ToString, NullTextFromTheHostIsALogicError) {
+TEST_F(ToString, NullFromTheHostIsALogicError) {
   const Rendering none(nullptr);
   EXPECT_THROW(static_cast<void>(to_string(whole(1))), std::logic_error);
   EXPECT_THROW(static_cast<void>(to_string(map_t())), std::logic_error);
   EXPECT_THROW(static_cast<void>(to_string(Message(), true)), std::logic_error);
 }
 
-TEST_F(ToString, ExhaustedMemoryIsALogicErrorAndLeaksNothing) {
+TEST_F(ToString, ExhaustedMemoryIsALogicError) {
   const data_t value = text("a");
   standin_fail_allocations_from(1);
   EXPECT_THROW(static_cast<void>(to_string(value)), std::logic_error);
@@ -82,7 +82,7 @@ TEST_F(ToString, PayloadOfTwoHundredBytesStaysWhole) {
             "Message<metadata={}, payload=\"" + std::string(198, 'x') + "\">");
 }
 
-TEST_F(ToString, PayloadOfTwoHundredAndOneBytesIsCutTo196AndDots) {
+TEST_F(ToString, LongPayloadIsCutTo196Bytes) {
   const Message message(text_rendered_in(201));
   EXPECT_EQ(to_string(message, true),
             "Message<metadata={}, payload=\"" + std::string(195, 'x') + " ...>");
