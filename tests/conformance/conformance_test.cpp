@@ -1,5 +1,5 @@
-// Runs the conformance files: each line is a test of its own, named FILE.NAME, and a line that
-// cannot be read ends the program before any test runs.
+// Runs the conformance files: each line is a test of its own, named FILE.NAME, and a malformed line
+// ends the program before any test runs.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -85,7 +85,7 @@ TEST(HarnessFiles, AreAllChecked) {
   }
 }
 
-// A filter that selects nothing, because a file was renamed say, must not pass for success.
+// A filter that selects nothing, because a file has another name say, must not pass for success.
 int runSelected() {
   const int result = RUN_ALL_TESTS();
   if (::testing::UnitTest::GetInstance()->test_to_run_count() > 0) return result;

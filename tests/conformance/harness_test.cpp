@@ -24,7 +24,7 @@ std::string told(const Value& expected, const Value& came, const char* where = "
   return found ? found->where + ": " + found->expected + " / " + found->came : "";
 }
 
-// The difference between two values that are written as in a data file.
+// The difference between two values in the form of a data file.
 std::string between(const char* expected, const char* came) {
   ValueDecoder decoder;
   return told(decoder.decode(json(expected)), decoder.decode(json(came)));

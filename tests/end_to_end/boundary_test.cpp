@@ -1,5 +1,5 @@
-// What is left of an exception that crosses the C interface of the built library. What a host may
-// do differently or wrong is checked by ostrovia-check-plugin and in tests/misuse/.
+// The effects of an exception that crosses the C interface of the built library.
+// ostrovia-check-plugin and tests/misuse/ check mistakes and freedoms of a host.
 #include <gtest/gtest.h>
 
 #include <exception>
@@ -11,8 +11,8 @@ namespace {
 
 using BoundaryTest = EndToEnd;
 
-// A C++ library of the plug-in's own would count apart what it catches, and leave the host's count
-// of exceptions under way one too high.
+// A C++ library of the plug-in's own would count its caught exceptions apart, and leave the host's
+// count of exceptions under way one too high.
 TEST_F(BoundaryTest, LinksExceptionEndsForTheHostToo) {
   LoadedCodec codec(library_, map_of("tenantId", text("")));
   library_.setNextTowardsHost(codec.plugin(), nullptr,

@@ -1,5 +1,5 @@
-// The plug-in as the loader sees it: what it offers, what it asks for, and that it is hardened. Reads
-// the built file and loads nothing.
+// The plug-in as the loader sees it: its exports, its needs, and its hardening. Reads the built
+// file and loads nothing.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ using tools::ENTRY_POINTS;
 using tools::HOST_FUNCTIONS;
 using tools::names_t;
 
-// What readelf prints about the library.
+// The output of readelf about the library.
 std::string readelf(const std::string& options) {
   const std::string command = "LC_ALL=C readelf --wide " + options + " '" VLT_PLUGIN_PATH "'";
   // NOLINTNEXTLINE(cert-env33-c): a command of this test's own
@@ -116,7 +116,7 @@ class BuiltLibraryTest : public ::testing::Test {
   std::vector<symbol_t> symbols_;
 };
 
-// ---- what it offers and asks for
+// ---- exports and needs
 
 TEST_F(BuiltLibraryTest, IsNamedAfterItsCodec) {
   EXPECT_THAT(dynamicEntries("SONAME"), ElementsAre("libOstroviaNotifications2Codec.so"));
@@ -132,8 +132,8 @@ TEST_F(BuiltLibraryTest, HasNoRunPath) {
   EXPECT_THAT(dynamicEntries("RUNPATH"), IsEmpty());
 }
 
-// Nothing of the C++ library either: whatever is defined here is out of the host's way, and the
-// host's definitions cannot take its place.
+// No name of the C++ library either: a definition here would not be the host's, and the host's
+// could not replace it.
 TEST_F(BuiltLibraryTest, ExportsTheTwelveEntryPointsAndNothingElse) {
   EXPECT_THAT(namesOf([](const auto& symbol) { return symbol.defined; }),
               UnorderedElementsAreArray(ENTRY_POINTS));
@@ -146,8 +146,8 @@ TEST_F(BuiltLibraryTest, AsksTheHostForItsFunctionsOnly) {
   EXPECT_THAT(asked, IsSubsetOf(HOST_FUNCTIONS));
 }
 
-// What no batch writes needs no lock; see docs/scaling.md. Guards of static variables are another
-// matter: clang makes the constants behind them, while the library is loaded.
+// Data that no batch writes needs no lock; see docs/scaling.md. Guards of static variables are
+// another matter: clang makes constants with them, while the library is loading.
 TEST_F(BuiltLibraryTest, AsksForNoLockAndNoThread) {
   const names_t asked = namesOf([](const auto& symbol) {
     static const Pattern WAITS("pthread|thrd_|mtx_|cnd_|sem_|call_once|condition_variable");
@@ -156,7 +156,7 @@ TEST_F(BuiltLibraryTest, AsksForNoLockAndNoThread) {
   EXPECT_THAT(asked, IsEmpty());
 }
 
-// ---- what stays loaded
+// ---- loaded for good
 
 TEST_F(BuiltLibraryTest, CanBeUnloaded) {
   EXPECT_THAT(dynamicEntries("FLAGS_1"), Not(Contains(HasSubstr("NODELETE"))));
@@ -200,7 +200,7 @@ TEST_F(BuiltLibraryTest, GuardsArraysOnTheStack) {
 }
 
 #ifdef VLT_FORTIFIED
-// Functions of the C library that write into memory whose size the compiler knows.
+// Functions of the C library that write into memory of a size that the compiler knows.
 TEST_F(BuiltLibraryTest, UsesTheCheckedFunctionsOfTheCLibrary) {
   const names_t names = namesOf([](const auto&) { return true; });
   EXPECT_THAT(names, Contains(AnyOf("__snprintf_chk", "__memcpy_chk")));
@@ -209,7 +209,7 @@ TEST_F(BuiltLibraryTest, UsesTheCheckedFunctionsOfTheCLibrary) {
 #endif
 }
 
-// ---- what it runs on; see docs/reliability.md
+// ---- systems that it runs on; see docs/reliability.md
 
 TEST_F(BuiltLibraryTest, RunsOnTheCLibraryFrom214) {
   EXPECT_LE(highest("GLIBC_").first, (std::vector{2, 14}));

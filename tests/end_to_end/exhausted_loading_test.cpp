@@ -1,5 +1,5 @@
-// Memory that is exhausted while the library is loaded, one allocation later each time: loading
-// succeeds, and the codec that cannot be made without its constants is refused with a log line.
+// No memory while the library is loading, one allocation later each time: loading succeeds, but
+// there is no codec without constants, and a log line says so.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -26,7 +26,7 @@ class ExhaustedLoadingTest : public HostFixture {
     library.destroy(codec);
     return codec != nullptr;
   }
-  // For each n up to the last allocation: no codec is made, also not the second time.
+  // For each n up to the last allocation: create gives no codec, also not the second time.
   void expectRefusals(refuse_t refuse) {
     const lines_t refusal = {{"connectivity.codec.chain", 2,
                               "<connectivity.codec.chain> Exception from create: std::bad_alloc"}};

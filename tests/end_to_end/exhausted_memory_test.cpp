@@ -1,5 +1,5 @@
-// A trace without memory: what is logged and what is left of the message. That nothing else is
-// lost, whichever allocation is refused, is tested in tests/exhaustion/.
+// A trace without memory: its log line and the remains of the message. tests/exhaustion/ proves
+// that nothing else is lost, for any refused allocation.
 #include <gtest/gtest.h>
 
 #include "tests/end_to_end/loaded_codec.hpp"
@@ -16,7 +16,7 @@ TEST_F(ExhaustedMemoryTest, FailingTraceLeavesTheMessageUntouched) {
   standin_fail_allocation(1);
   EXPECT_EQ(codec.sendTowardsHost(message), 0);
   EXPECT_EQ(standin_failed_allocations(), 1U);
-  // A text that the host could not render is a null pointer to the standard library.
+  // A failed rendering of the host is a null pointer to the standard library.
   const char* volatile unrendered = nullptr;
   const std::string why = error_of([&] { const std::string text(unrendered); });
   EXPECT_EQ(takeLog(), (lines_t{dropped(" ('id' = '4711'): " + why)}));

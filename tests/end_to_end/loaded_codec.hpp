@@ -1,5 +1,5 @@
-// The vocabulary of the tests that drive the built library: a codec with a link on both sides, the
-// notifications that it is sent, and the lines that it writes.
+// The vocabulary of the tests that drive the built library: a codec with a link on both sides, its
+// notifications, and its log lines.
 #ifndef VLT_TESTS_END_TO_END_LOADED_CODEC_HPP
 #define VLT_TESTS_END_TO_END_LOADED_CODEC_HPP
 
@@ -46,17 +46,17 @@ class LoadedCodec {
   int sendTowardsHost(std::span<Message> batch) {
     return plugin_.send(tools::Direction::towardsHost, batch) ? 0 : 1;
   }
-  // One message; what the link does not take out of `message` stays there.
+  // One message; parts that the link does not take stay in `message`.
   int sendTowardsHost(Message& message) { return sendTowardsHost(std::span(&message, 1)); }
   int sendTowardsTransport(std::span<Message> batch) {
     return plugin_.send(tools::Direction::towardsTransport, batch) ? 0 : 1;
   }
-  // What the host gets of `batch`; fails by exception when the batch fails.
+  // The messages of `batch` that reach the host; fails by exception when the batch fails.
   std::vector<Message> hostGets(std::vector<Message>&& batch) {
     if (sendTowardsHost(batch) != 0) throw std::runtime_error("the batch failed");
     return std::exchange(host.messages, {});
   }
-  // The event that a notification becomes; fails by exception when it is dropped.
+  // The event of a notification; fails by exception when the codec drops it.
   Message converted(Message&& notification) {
     sendTowardsHost(notification);
     if (host.messages.empty()) throw std::runtime_error("the notification was dropped");
@@ -73,7 +73,8 @@ class LoadedCodec {
   tools::HostedPlugin plugin_;
 };
 
-// Loads the library before the host's blocks are counted, since its constants are such blocks.
+// Loads the library before it counts the host's blocks, since the library's constants are such
+// blocks.
 class LibraryHolder {
  protected:
   PluginLibrary library_{VLT_PLUGIN_PATH};

@@ -1,6 +1,6 @@
-// Batches write nothing into the memory that the library and the codec have for themselves: what
-// is only read needs no lock, however many chains and threads there are, and cannot tell one
-// message of another.
+// Batches write nothing into the memory that the library and the codec have for themselves. Data
+// that is only read needs no lock, with any number of chains and threads, and cannot carry anything
+// from one message to another.
 #include <gtest/gtest.h>
 #include <link.h>
 #include <malloc.h>
@@ -18,7 +18,7 @@ namespace {
 struct range_t {
   const std::uint8_t* begin;
   std::size_t size;
-  // Byte by byte and unwatched: AddressSanitizer forbids what it has put between variables.
+  // Byte by byte and unwatched: AddressSanitizer forbids its own bytes between variables.
   [[nodiscard, gnu::no_sanitize_address]] std::vector<std::uint8_t> content() const {
     std::vector<std::uint8_t> bytes(size);
     const volatile std::uint8_t* const from = begin;
@@ -58,7 +58,7 @@ int collect(dl_phdr_info* library, std::size_t, void* context) {
 
 class OwnMemory : public EndToEnd {
  protected:
-  // Where the library's variables lie.
+  // The places of the library's variables.
   [[nodiscard]] std::vector<range_t> variables() const {
     search_t search{reinterpret_cast<std::uintptr_t>(library_.create), {}};
     dl_iterate_phdr(collect, &search);
@@ -99,7 +99,7 @@ TEST_F(OwnMemory, NoBatchWritesThere) {
   EXPECT_GT(takeLog().size(), 70U) << "dropped messages, too";
 }
 
-// That the bytes looked at are the right ones: links and constants lie there.
+// Proves that these are the right bytes: they contain links and constants.
 TEST_F(OwnMemory, IsWhereLinksAndConstantsLie) {
   LoadedCodec codec(library_, map_of("tenantId", text("t4100")));
   const range_t fields = fieldsOf(codec);

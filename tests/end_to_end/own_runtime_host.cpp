@@ -1,5 +1,5 @@
-// A C++ host that has a C++ library of its own inside, beside the shared one that the plug-in brings:
-// exceptions of the plug-in are caught in the plug-in, and those of the host's links too.
+// A C++ host with a C++ library of its own inside, in addition to the shared one that the plug-in
+// brings. The plug-in catches its own exceptions, and those of the host's links too.
 //
 // Exit status 0, or 1 after a line on standard error that names the check that failed.
 #include <cstdlib>

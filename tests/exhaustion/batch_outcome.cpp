@@ -54,8 +54,8 @@ bool isLeftOver(const Message& left, const Message& sent) {
          (id != nullptr && left.getPayload() == data_t(map_of("id", data_t(*id))));
 }
 
-// The reason that a report gives: its text without label, beginning and id, which it must have.
-// Empty for the report of another message.
+// The reason in a report: its line without label, beginning and id, which it must have. Empty for
+// the report of another message.
 std::string reasonOf(const log_line_t& report, const std::string& label, const data_t* id) {
   std::string beginning = label + "Error when transforming message towards host";
   if (id != nullptr) {
@@ -65,7 +65,7 @@ std::string reasonOf(const log_line_t& report, const std::string& label, const d
 }
 
 bool isOfNoMemory(const std::string& reason) {
-  // Some failures are put into another's text, which names the place: the last reason counts.
+  // Some failures become part of another's message, which names the place: the last reason counts.
   return reason.ends_with(": " + NO_MEMORY) || reason == ": " + NO_TEXT;
 }
 

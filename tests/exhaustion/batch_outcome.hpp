@@ -1,11 +1,11 @@
-// What became of a batch of a sample and its two neighbours, and the rules that it must keep when
-// memory ran out on the way:
+// The outcome of a batch of a sample and its two neighbours. It must keep these rules when memory
+// ran out on the way:
 //
-//   kept      what arrives with memory, less what was hit, in order
+//   kept      the messages that arrive with memory, in order, without the one at hand
 //   dropped   untouched, or nothing but the id, or nothing
 //   reports   one for each dropped message, with its own reason or that there was no memory; the
 //             plug-in's own memory may be missing for the report itself
-//   traces    those that come with memory, less those of dropped messages
+//   traces    as with memory, without those of dropped messages
 #ifndef VLT_TESTS_EXHAUSTION_BATCH_OUTCOME_HPP
 #define VLT_TESTS_EXHAUSTION_BATCH_OUTCOME_HPP
 
@@ -28,11 +28,11 @@ struct batch_outcome_t {
   std::vector<log_line_t> traces;
 };
 
-// The same messages arrived and the same was logged.
+// The same messages arrived, with the same log lines.
 [[nodiscard]] bool isSame(const batch_outcome_t& left, const batch_outcome_t& right);
 
-// Checks the rules for `outcome`. `sent` is the batch as it was sent, `reference` what becomes of
-// it with memory: the neighbours arrive. `label` begins each line of the codec.
+// Checks the rules for `outcome`. `sent` is the batch before, `reference` its outcome with memory:
+// the neighbours arrive. `label` begins each line of the codec.
 void expectLossReported(const exhaustion_t& how, const std::vector<Message>& sent,
                         const batch_outcome_t& reference, const batch_outcome_t& outcome,
                         const std::string& label);

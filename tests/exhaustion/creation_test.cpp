@@ -1,5 +1,4 @@
-// Creation while memory runs out: no codec and a line that says so, or else the codec that was
-// asked for.
+// Creation while memory runs out: no codec and a line that says so, or else the right codec.
 #include <gtest/gtest.h>
 
 #include "tests/exhaustion/exhaustion_fixture.hpp"
@@ -39,7 +38,7 @@ const configuration_t CONFIGURATIONS[] = {
 class ExhaustedCreation : public ExhaustionFixture,
                           public ::testing::WithParamInterface<exhaustion_t> {
  protected:
-  // What tells the codec's settings: a measurement and an event of it.
+  // Facts that tell the codec's settings: a measurement and an event of it.
   std::vector<std::string> eventsOf(void* codec) {
     std::vector<Message> batch;
     batch.push_back(notification(MEASUREMENT_PATH, measurementPayload()));
@@ -62,7 +61,7 @@ class ExhaustedCreation : public ExhaustionFixture,
     }
   }
 
-  // Fails the first allocation, then the second, … until creation does what it does with memory.
+  // Fails the first allocation, then the second, … until creation works as with memory.
   void exhaust(const configuration_t& configuration) {
     const data_t settings = configuration.settings();
     void* codec = create(settings);

@@ -14,8 +14,8 @@
 
 namespace com::velanto::connectivity::test {
 
-// What reports give as the reason: that there was no memory, or that the host, without memory for a
-// text, handed out a null one, which is the standard library's error.
+// The reasons in reports: no memory; or the standard library's error, when the host had no memory
+// for a string and handed out a null one.
 inline const std::string NO_MEMORY = "std::bad_alloc";
 inline const std::string NO_TEXT = error_of([] {
   const char* volatile unrendered = nullptr;
@@ -27,7 +27,7 @@ enum class memory_t { HOSTS, OWN };
 struct exhaustion_t {
   const char* name;
   memory_t memory;
-  bool for_good; // every allocation from the n-th on is refused, not the n-th alone
+  bool for_good; // refuses every allocation from the n-th on, not the n-th alone
 };
 
 inline std::ostream& operator<<(std::ostream& out, const exhaustion_t& how) {
@@ -41,7 +41,7 @@ inline constexpr std::array EXHAUSTIONS = {
     exhaustion_t{"ItsOwnForGood", memory_t::OWN, true},
 };
 
-// While it lives, the n-th allocation on this thread is refused; 0: none is.
+// While it lives, it refuses the n-th allocation on this thread; 0: none.
 class Exhausted {
  public:
   Exhausted(const exhaustion_t& how, std::uint64_t n) noexcept {

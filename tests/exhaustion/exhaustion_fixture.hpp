@@ -12,7 +12,7 @@
 
 namespace com::velanto::connectivity::test {
 
-// Longer than what a string keeps without memory.
+// Longer than a std::string without memory.
 inline const char* const PLUGIN_NAME = "a-codec-with-a-long-name";
 inline const char* const CHAIN = "a-chain-with-a-long-name";
 
@@ -25,7 +25,7 @@ class ExhaustionFixture : private LibraryHolder, public HostFixture {
   // The lines since the last call.
   std::vector<log_line_t> takeLines() { return std::exchange(noted_, {}); }
 
-  // What one of the codec's lines begins with.
+  // The beginning of the codec's lines.
   static std::string label() {
     return std::string("<connectivity.") + PLUGIN_NAME + "." + CHAIN + "> ";
   }
@@ -43,7 +43,7 @@ class ExhaustionFixture : private LibraryHolder, public HostFixture {
   std::vector<log_line_t> noted_;
 };
 
-// What the host's storage and the plug-in's own memory hold. Equal before and after: no leak.
+// The sizes of the host's storage and of the plug-in's own memory. Equal before and after: no leak.
 struct held_t {
   std::int64_t blocks = standin_live_blocks_total();
   std::int64_t allocations = allocationsHeld();

@@ -1,6 +1,6 @@
-// Every sample between two neighbours, while memory runs out one allocation later each time: what
-// is hit is dropped and reported once, everything else arrives, nothing leaks, and the next batch
-// is as ever.
+// Every sample between two neighbours, while memory runs out one allocation later each time. The
+// codec drops the message at hand and reports it once, everything else arrives, nothing leaks, and
+// the next batch is as ever.
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -61,7 +61,7 @@ class ExhaustedSamples
     return outcome;
   }
 
-  // Returns whether an allocation was refused.
+  // Returns whether there was a refused allocation.
   bool exhaust(const Message& sample, const batch_outcome_t& reference, std::uint64_t n) {
     const held_t before;
     bool refused = false;

@@ -12,7 +12,7 @@ namespace {
 
 using entries_t = std::vector<std::string>;
 
-// Passes every batch on to whatever link there is.
+// Passes every batch on to any link.
 class Passage : public AbstractCodec {
  public:
   Passage()

@@ -27,7 +27,7 @@ class BatchTest : public HostFixture, public ::testing::WithParamInterface<direc
     codec_.setNextTowardsTransport(std::make_unique<RecordingLink>(journal_, "next"));
   }
 
-  // Messages with these payloads, each with a metadata entry of the same text; "null" is an empty
+  // Messages with these payloads, each with a metadata entry of the same string; "null" is an empty
   // payload.
   void fillBatch(const texts_t& payloads) {
     for (const std::string& payload : payloads) {
@@ -41,12 +41,12 @@ class BatchTest : public HostFixture, public ::testing::WithParamInterface<direc
     send();
   }
 
-  // "DIRECTION: " in front of each text.
+  // "DIRECTION: " in front of each string.
   static texts_t inDirection(texts_t texts) {
     for (std::string& text : texts) text.insert(0, ": ").insert(0, GetParam().name);
     return texts;
   }
-  // What the link writes down for a range with these payloads.
+  // The link's notes for a range with these payloads.
   static texts_t forwarded(const texts_t& payloads) {
     std::string entry = std::string("next towards ") + GetParam().name + ":";
     for (const std::string& payload : payloads) {
@@ -55,7 +55,7 @@ class BatchTest : public HostFixture, public ::testing::WithParamInterface<direc
     }
     return {entry};
   }
-  // The texts of the batch from message `first` on, told by their metadata, sorted.
+  // The strings of the batch from message `first` on, told by their metadata, sorted.
   [[nodiscard]] texts_t leftFrom(std::size_t first) {
     texts_t texts;
     for (std::size_t i = first; i < batch_.size(); ++i) {

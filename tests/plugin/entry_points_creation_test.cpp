@@ -1,4 +1,4 @@
-// Creation through the C interface: what is borrowed, what null means, and every way it can fail.
+// Creation through the C interface: borrowed arguments, nulls, and every way to fail.
 #include "plugin/entry_points.hpp"
 
 #include <cstring>

@@ -39,7 +39,7 @@ const std::vector<operation_t> operations = {
 
 class OperationTest : public FailingLibrary, public ::testing::WithParamInterface<operation_t> {
  protected:
-  // The operation, on a codec whose operation of that name throws `failure`.
+  // The operation, on a codec with an operation of that name that throws `failure`.
   int callFailing(const char* failure) {
     void* const plugin = create(map_of(GetParam().name, text(failure)));
     const int result = GetParam().call(library_, plugin);
@@ -125,8 +125,8 @@ TEST_P(OperationTest, NullPluginGivesOneInSilence) {
 // All twelve entry points, each in a process of its own that ends with 0 once the call has returned.
 class EntryPointsInAProcess : public FailingLibrary {
  protected:
-  // Ends the process: with 1 when an exception leaves `call`, which gets a codec whose operation of
-  // that name throws.
+  // Ends the process: with 1 when an exception leaves `call`, which gets a codec with an operation
+  // of that name that throws.
   template <class Call>
   [[noreturn]] void run(const char* operation, const Call& call) const {
     const data_t settings = map_of(operation, text("integer"));
@@ -154,7 +154,7 @@ TEST_F(EntryPointsInAProcess, NoExceptionLeavesAnyOfThem) {
   EXPECT_EXIT(run("none", [&](void*, const data_t&) { library_.checkIsCodec(); }), returned, "");
 }
 
-// A destructor that throws is no failure to be reported, in any C++ program.
+// A destructor that throws ends any C++ program, so there is nothing to report.
 TEST_F(EntryPointsInAProcess, ThrowingDestructorEndsTheProcess) {
   EXPECT_EXIT(run("destroy", [&](void* codec, const data_t&) { library_.destroy(codec); }),
               ::testing::KilledBySignal(SIGABRT), "");

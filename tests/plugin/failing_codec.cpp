@@ -1,5 +1,5 @@
-// A plug-in that fails on demand, behind the real entry points. Its configuration maps the name of
-// an operation to what the operation throws: "runtime_error", "integer" or "bad_alloc".
+// A plug-in that fails on demand, with the real entry points. Its configuration maps the name of an
+// operation to its exception: "runtime_error", "integer" or "bad_alloc".
 #include <functional>
 #include <map>
 #include <new>
@@ -34,7 +34,7 @@ class FailingCodec final : public FailingOperations {
     throw 42;
   }
 
-  // Looked up by plain texts, without memory for a key.
+  // Looked up by plain strings, without memory for a key.
   std::map<std::string, std::string, std::less<>> failures_;
 };
 

@@ -1,4 +1,4 @@
-// The library with the failing codec, loaded, and what all tests of the entry points share.
+// The library with the failing codec, loaded, and common parts of all tests of the entry points.
 #ifndef VLT_TESTS_PLUGIN_FAILING_LIBRARY_HPP
 #define VLT_TESTS_PLUGIN_FAILING_LIBRARY_HPP
 

@@ -1,4 +1,4 @@
-// A link that writes down what it is sent and when it is destroyed, for the tests of the codec bases.
+// A link that notes its batches and its destruction, for the tests of the codec bases.
 #ifndef VLT_TESTS_PLUGIN_LINKS_HPP
 #define VLT_TESTS_PLUGIN_LINKS_HPP
 
@@ -10,7 +10,7 @@
 
 namespace com::velanto::connectivity::test {
 
-// What one or more links report, in the order of the events.
+// The notes of one or more links, in the order of the events.
 struct journal_t {
   std::vector<std::string> entries;
   Message* start = nullptr; // of the latest batch

@@ -1,4 +1,4 @@
-// Levels, the form of a line, and what becomes of the exception in flight.
+// Levels, the form of a line, and the report of the exception in flight.
 #include "plugin/logger.hpp"
 
 #include <new>

@@ -1,4 +1,4 @@
-// Settings by key: what is returned for each kind, and every error text.
+// Settings by key: the result for each kind, and every error message.
 #include "plugin/map_extractor.hpp"
 
 #include <memory>

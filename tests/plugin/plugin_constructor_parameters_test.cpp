@@ -1,4 +1,4 @@
-// Whatever the host passed to create may change or vanish afterwards.
+// All arguments of create may change or vanish after the call.
 #include "plugin/plugin_constructor_parameters.hpp"
 
 #include <new>

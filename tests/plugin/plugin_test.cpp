@@ -1,4 +1,4 @@
-// The base of every plug-in: hooks, logger, handles, and the status that is handed over at the end.
+// The base of every plug-in: hooks, logger, handles, and the status for the host at the end.
 #include "plugin/plugin.hpp"
 
 #include <memory>
@@ -22,7 +22,7 @@ class BarePlugin : public Plugin {
   using Plugin::userStatusReporter;
 };
 
-// Writes down what the host is told.
+// Notes the calls of the host.
 struct statuses_t {
   std::vector<void*> handles;
   std::vector<std::string> texts;

@@ -1,4 +1,4 @@
-// A codec that does with each message what the message says, and writes down each call:
+// A codec that treats each message as the message says, and notes each call:
 //
 //   payload    "keep …" "drop …" "fail …" "throw …"      the last throws an integer
 //   empty      the hook's default, or nullVerb when set
@@ -43,7 +43,7 @@ class ScriptedCodec final : public AbstractSimpleCodec {
 
   std::vector<std::string> calls; // "DIRECTION: PAYLOAD" and "DIRECTION: PAYLOAD failed with WHAT"
   std::string nullVerb;
-  bool keepsFailed = false; // what handleException returns
+  bool keepsFailed = false; // the result of handleException
   bool reportFails = false; // it throws instead
 
  private:
@@ -51,7 +51,7 @@ class ScriptedCodec final : public AbstractSimpleCodec {
     return message.getPayload().empty() ? "null" : message.getPayload().get<const char*>();
   }
 
-  // What is thrown is told by rethrowing, which works only while the exception is in flight.
+  // Rethrows the exception to tell it, which works only while the exception is in flight.
   static std::string inFlight() {
     try {
       throw;

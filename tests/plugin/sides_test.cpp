@@ -1,4 +1,4 @@
-// The two link interfaces on their own: what holds for every link, whatever it leads to.
+// The two link interfaces on their own: rules for every link.
 #include "plugin/sides.hpp"
 
 #include <gtest/gtest.h>
@@ -9,7 +9,7 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-// An element with a neighbour on both sides. Tells when it is destroyed.
+// An element with a neighbour on both sides. Notes its destruction.
 class Element final : public HostSide, public TransportSide {
  public:
   explicit Element(int& destroyed) : destroyed_(destroyed) {}

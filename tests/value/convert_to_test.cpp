@@ -1,4 +1,4 @@
-// Values read as text: scalars and strings are, everything else is refused by name.
+// Values read as strings: scalars and strings convert, everything else is refused by its kind.
 #include "value/convert_to.hpp"
 
 #include <gtest/gtest.h>

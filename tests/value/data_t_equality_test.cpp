@@ -39,7 +39,7 @@ TEST_F(DataTEquality, EmptyValueEqualsOnlyEmptyValues) {
   EXPECT_NE(data_t(), text(""));
   EXPECT_NE(data_t(), data_t(map_t()));
   EXPECT_NE(data_t(), data_t(list_t()));
-  EXPECT_EQ(tagged(0, 5), data_t()); // whatever the content holds
+  EXPECT_EQ(tagged(0, 5), data_t()); // with any content
 }
 
 TEST_F(DataTEquality, BooleansAreComparedByTheirByte) {

@@ -1,5 +1,5 @@
-// The life of a value: what it is made from, and what copying, moving and destroying it does to the
-// block behind it.
+// The life of a value: its constructions, and the effects of copying, moving and destroying it on
+// its block.
 #include "value/data_t.hpp"
 
 #include <gtest/gtest.h>

@@ -13,7 +13,7 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-// What a typed get did: the error's text, and what it wrote to standard error.
+// The result of a typed get: the error's message, and its output on standard error.
 struct outcome_t {
   std::string error;
   std::string written;
@@ -128,7 +128,7 @@ TEST_F(GetVisitorTest, NeitherGetNorVisitCallsTheHost) {
   EXPECT_EQ(standin_calls_total(), 0);
 }
 
-// Tells the type that it is called with.
+// Tells the type of its argument.
 struct TypeTeller {
   const char* operator()(const bool&) const { return "bool"; }
   const char* operator()(const double&) const { return "double"; }

@@ -1,4 +1,4 @@
-// A key hashed when it is made costs no hashing when it is used.
+// A key with a hash from its construction costs no hashing in use.
 #include "value/hashed_key.hpp"
 
 #include <gtest/gtest.h>

@@ -92,7 +92,7 @@ TEST_F(Hashes, StringsHashAsTheHostSays) {
 }
 
 TEST_F(Hashes, NullHashesAsTheEmptyString) {
-  EXPECT_EQ(hash_of(text("")), 0x243fcaf1u); // what FNV-1a makes of no bytes
+  EXPECT_EQ(hash_of(text("")), 0x243fcaf1u); // FNV-1a of no bytes
   EXPECT_EQ(hash_of(null_text()), hash_of(text("")));
   EXPECT_EQ(hash_of(tagged(10)), hash_of(text("")));
   standin_set_string_hash(

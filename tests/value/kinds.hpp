@@ -34,7 +34,7 @@ inline constexpr std::array KINDS = {
     kind_t{"unknown 4294967295", 4294967295, [] { return tagged(4294967295, 1); }},
 };
 
-// The 8 bytes of the content, whatever they mean.
+// The 8 bytes of the content, of any meaning.
 inline std::uint64_t content_bits(const data_t& value) {
   std::uint64_t bits = 0;
   std::memcpy(&bits, value.underlying(), sizeof bits);

@@ -1,5 +1,5 @@
-// Emptying a map: all entries handed out in turn, or freed where they are. Text keys hash to the
-// number that they start with.
+// Emptying a map: all entries handed out in turn, or freed in place. String keys hash to the number
+// at their start.
 #include <gtest/gtest.h>
 
 #include <stdexcept>

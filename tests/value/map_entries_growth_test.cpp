@@ -13,7 +13,7 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-// Every entry lies on the way that a probe for its hash takes, which ends at the first free slot.
+// Every entry is on the way of a probe for its hash, which ends at the first free slot.
 void expect_reachable_entries(const map_t& map) {
   const auto slot_count = static_cast<std::uint64_t>(map.capacity());
   for (std::uint64_t i = 0; i < slot_count; ++i) {
@@ -29,7 +29,7 @@ std::string nth_key(std::int64_t n) { return std::to_string(n * n * 7919 % 10000
 
 using Put = void(map_t& map, map_entry_t&& entry);
 
-// Texts hash as the host hashes them, not to their numbers.
+// Strings hash as the host hashes them, not to their numbers.
 class MapEntryTwins : public HostFixture {
  protected:
   static constexpr std::int64_t KEYS = 120;
@@ -106,8 +106,8 @@ TEST_F(MapEntryTwins, AssignOfPresentKeys) {
 class MapEntryMemory : public HostFixture {
  protected:
   // Puts an entry into a map of `keys` others with its first allocation refused, then its second,
-  // until it succeeds. Map and entry must be what they were after each failure. Returns how many
-  // allocations it took.
+  // until it succeeds. Each failure must leave map and entry as they were. Returns the number of
+  // allocations.
   static std::uint64_t failing(std::int64_t keys, Put* put) {
     map_t map;
     for (std::int64_t i = 0; i < keys; ++i) map.insert(whole(i), text("v"));

@@ -1,5 +1,5 @@
-// Entries that bring their hash: how a map takes them in, and which it refuses. Text keys hash to
-// the number that they start with.
+// Entries that bring their hash: how a map takes them in, and which it refuses. String keys hash to
+// the number at their start.
 #include "value/map_entry.hpp"
 
 #include <gtest/gtest.h>
@@ -179,12 +179,12 @@ TEST_F(MapEntryPresent, KeysTellEqualHashesApart) {
   EXPECT_EQ(at(map, borrowed("3")), whole(3));
 }
 
-// ---- keys that are refused
+// ---- refused keys
 
 class MapEntryRefused : public PlacedKeys {
  protected:
-  // `key` is refused with `error` by a map without a table and by one with an entry; neither they
-  // nor the entry change.
+  // A map without a table and one with an entry refuse `key` with `error`; neither they nor the
+  // entry change.
   static void expect_refused(const data_t& key, const char* error) {
     for (const way_t& way : {INSERT, ASSIGN}) {
       SCOPED_TRACE(way.name);

@@ -1,5 +1,4 @@
-// Looking an entry up and taking it out of a map. Text keys hash to the number that they start
-// with.
+// Looking an entry up and taking it out of a map. String keys hash to the number at their start.
 #include <gtest/gtest.h>
 
 #include <utility>

@@ -1,5 +1,5 @@
 // Tables that this side never builds but a host may hand over: without slots, full, crowded with
-// tombstones, of odd capacities. Text keys hash to the number that they start with.
+// tombstones, of odd capacities. String keys hash to the number at their start.
 #include <gtest/gtest.h>
 
 #include "tests/value/tables.hpp"

@@ -1,5 +1,5 @@
-// Iteration over a map, and every fault that an iterator reports: the map was modified, or is
-// another one. Text keys hash to the number that they start with.
+// Iteration over a map, and every fault that an iterator reports: a change of the map, or another
+// map. String keys hash to the number at their start.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,5 +1,4 @@
-// Whole maps: copying, moving, comparing, erasing. Text keys hash to the number that they start
-// with.
+// Whole maps: copying, moving, comparing, erasing. String keys hash to the number at their start.
 #include <gtest/gtest.h>
 
 #include "tests/value/kinds.hpp"

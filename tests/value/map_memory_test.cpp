@@ -1,5 +1,5 @@
 // Maps when memory runs out: each operation with its first allocation refused, then its second, and
-// so on. What fails leaves the map as it was and leaks nothing.
+// so on. A failure leaves the map as it was and leaks nothing.
 #include <gtest/gtest.h>
 
 #include "tests/support/failing_allocations.hpp"

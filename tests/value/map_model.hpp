@@ -1,10 +1,10 @@
-// A second, plain description of map tables to hold the real ones against: slots in vectors, values
-// as records, each rule once and none of them clever. It shares nothing with the value layer but
-// the layouts that the host fixes; values are turned into blocks and compared byte by byte.
+// A second, plain description of map tables to compare the real ones with: slots in vectors, values
+// as records, each rule once and none of them clever. It shares only the host's layouts with the
+// value layer; tests turn values into blocks and compare them byte by byte.
 //
-//   value_t    what a value is           table_t    what a map holds, slot by slot
+//   value_t    a value                   table_t    the content of a map, slot by slot
 //   hash_of    the hash of any kind      equal      the equality of any kind
-//   insert, erase, copied               what operations do to a table
+//   insert, erase, copied               the effects of operations on a table
 #ifndef VLT_TESTS_VALUE_MAP_MODEL_HPP
 #define VLT_TESTS_VALUE_MAP_MODEL_HPP
 
@@ -266,7 +266,7 @@ inline table_t copied(table_t table) {
   return table;
 }
 
-// A copy owns all its texts.
+// A copy owns all its strings.
 inline value_t copied(value_t value) {
   if (value.tag == VLT_TAG_BORROWED_STRING) value.tag = VLT_TAG_STRING;
   for (value_t& element : value.elements) element = copied(std::move(element));

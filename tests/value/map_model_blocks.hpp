@@ -1,5 +1,5 @@
-// The model's values as the host's blocks: made from scratch, and compared with what the value
-// layer left, byte for byte, without a call into that layer.
+// The model's values as the host's blocks: made from scratch, and compared with the value layer's
+// results, byte for byte, without a call into that layer.
 #ifndef VLT_TESTS_VALUE_MAP_MODEL_BLOCKS_HPP
 #define VLT_TESTS_VALUE_MAP_MODEL_BLOCKS_HPP
 
@@ -11,14 +11,14 @@
 
 namespace com::velanto::connectivity::test::model {
 
-// The texts that borrowed strings borrow. Whoever makes many of them clears the set when no value is
-// left that borrows one.
+// The strings that borrowed values borrow. A program that makes many of them clears the set when no
+// value is left that borrows one.
 inline std::set<std::string>& lasting_texts() {
   static std::set<std::string> texts;
   return texts;
 }
 
-// A text that outlives every value that borrows it.
+// A string that outlives every value that borrows it.
 inline const char* lasting(const std::string& text) {
   return lasting_texts().insert(text).first->c_str();
 }

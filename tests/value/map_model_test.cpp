@@ -29,7 +29,7 @@ class MapModel : public HostFixture {
   ~MapModel() override { standin_set_string_hash(nullptr); }
 
  protected:
-  // Runs random programs from `first_seed` on until so many operations have been compared.
+  // Runs random programs from `first_seed` on, up to this number of compared operations.
   static void run(std::uint64_t first_seed, std::size_t operations,
                   standin_string_hash_t string_hash) {
     standin_set_string_hash(string_hash);

@@ -1,14 +1,14 @@
 // Reads bytes as a program of map operations and runs it on real maps and on their models side by
 // side. A random test and a fuzzer can drive it alike: any sequence of bytes is a program.
 //
-//   program     byte: how many different keys; then operations until the bytes end
-//   operation   byte: which one (see OPERATIONS); byte: on which map; then what it needs
+//   program     byte: number of different keys; then operations until the bytes end
+//   operation   byte: which one (see OPERATIONS); byte: on which map; then its arguments
 //
-// What an operation returns is compared after each one; the table that it worked on as well, at
-// every operation while it is small, now and then when it is large, and all tables at the end. A
-// key or a value that was given away must be empty, one that was not must be what it was.
+// Compares the result of each operation. Compares its table as well, at every operation while it is
+// small, now and then when it is large, and all tables at the end. A key or a value that was given
+// away must be empty, all others must stay as they were.
 //
-// Needs the development host: allocations are refused, and blocks made, on its terms.
+// Needs the development host, which refuses allocations and makes blocks.
 #ifndef VLT_TESTS_VALUE_MAP_OPERATIONS_HPP
 #define VLT_TESTS_VALUE_MAP_OPERATIONS_HPP
 
@@ -49,7 +49,7 @@ class MapOperations {
     return {};
   }
 
-  // How many operations were run.
+  // The number of operations so far.
   [[nodiscard]] std::size_t done() const { return done_; }
 
  private:
@@ -101,8 +101,8 @@ class MapOperations {
     return reinterpret_cast<const vlt_underlying_map_table_entry_t*>(head + 1)[index];
   }
 
-  // Calls `action` on the real map, refusing an allocation if that is its turn. Returns the text of
-  // the exception that it ends with.
+  // Calls `action` on the real map, refusing an allocation if that is its turn. Returns the message
+  // of its exception.
   template <class Action>
   std::string errorOf(const Action& action) {
     standin_fail_allocation(1); // forgets the refusals of an earlier request
@@ -125,7 +125,7 @@ class MapOperations {
     return "the error is \"" + actual + "\" instead of \"" + expected + '"';
   }
 
-  // What runs out of memory says so and changes nothing.
+  // An operation without memory says so and changes nothing.
   difference_t compareAfterRefusal(const std::string& error) const {
     const difference_t d = differingError(error, std::bad_alloc().what());
     return d.empty() ? compare(*map_) : d;
@@ -135,7 +135,7 @@ class MapOperations {
 
   enum class way_t { INSERT, INSERT_PAIR, MOVE, COPY, SUBSCRIPT };
 
-  // What is inserted, and what a real insertion returned.
+  // An entry to insert, and the result of the real insertion.
   struct insertion_request_t {
     way_t way;
     value_t key;
@@ -199,8 +199,8 @@ class MapOperations {
   difference_t compareInsertion(const insertion_request_t& request) {
     const bool copies = request.way == way_t::COPY;
     const bool is_subscript = request.way == way_t::SUBSCRIPT;
-    // The given key is what is looked up, a copy of it what is stored: a borrowed key does not find
-    // an owned one of the same text, and its copy then stands beside that.
+    // Looks up the given key, but stores a copy of it: a borrowed key does not find an owned one of
+    // the same content, and its copy is then a second entry.
     const std::uint64_t hash = *hash_of(request.key, FIXED_SEED);
     const insertion_t made = insert(map_->model, hash, request.key, request.value);
     slot_t& slot = map_->model.slots[made.slot];
@@ -355,7 +355,7 @@ class MapOperations {
   MapProgram input_;
   std::array<pair_t, 3> maps_;
   pair_t* map_ = maps_.data(); // the one that the operation works on
-  std::uint64_t armed_ = 0;    // the allocation of the next operation to be refused; 0: none
+  std::uint64_t armed_ = 0;    // the allocation of the next operation to refuse; 0: none
   std::size_t done_ = 0;
 };
 

@@ -1,8 +1,8 @@
-// Bytes read as numbers, keys and values: any sequence of bytes is a valid input, and after its end
-// there are zeros. Values are the model's, so that whoever reads knows what the real ones must be.
+// Bytes read as numbers, keys and values: any sequence of bytes is a valid input, with zeros after
+// its end. Values are the model's, so their reader knows the real ones.
 //
-//   key     byte: mostly a text or an integer out of a chosen number of different ones, so that
-//           keys meet again; otherwise any value
+//   key     byte: mostly a string or an integer out of a chosen number of different ones, so that
+//           keys come up again; otherwise any value
 //   value   byte: kind, and whether its block is null; then the content; containers hold few values
 #ifndef VLT_TESTS_VALUE_MAP_PROGRAM_HPP
 #define VLT_TESTS_VALUE_MAP_PROGRAM_HPP
@@ -71,7 +71,7 @@ class MapProgram {
     return (high * 256 + byte()) % key_count_;
   }
 
-  // One, another, a zero of each sign, a NaN and large ones: bits that are told apart by kind.
+  // One, another, a zero of each sign, a NaN and large ones: bits that differ in meaning by kind.
   std::uint64_t bits() {
     static constexpr std::array<std::uint64_t, 8> BITS = {
         0,          1,          0x8000000000000000, 0x3ff0000000000000, 0x7ff8000000000000,
@@ -119,7 +119,7 @@ class MapProgram {
     return result;
   }
 
-  // A map with a table unless null; one of its entries may have been erased again.
+  // A map with a table unless null; one of its entries may be erased again.
   value_t map(unsigned count, int depth, bool is_null) {
     value_t result;
     result.tag = VLT_TAG_MAP;

@@ -1,5 +1,5 @@
-// What a map holds after insertions, look-ups, copies and moves, slot by slot. Text keys hash to
-// the number that they start with.
+// The content of a map after insertions, look-ups, copies and moves, slot by slot. String keys hash
+// to the number at their start.
 #include "value/map_t.hpp"
 
 #include <gtest/gtest.h>
@@ -229,8 +229,8 @@ TEST_F(MapT, CopyingInsertOfAPresentKeyCopiesNothing) {
   EXPECT_EQ(standin_calls(STANDIN_COPY_DATA), 0);
 }
 
-// The borrowed key is not found, so it is inserted, and its owned copy is equal to a key that is
-// there already: the slot must be found without meeting that one.
+// The lookup does not find the borrowed key, so it is inserted. Its owned copy equals a present
+// key: the search for a slot must not compare it with that one.
 TEST_F(MapT, CopiedBorrowedKeyGrowsBesideItsTwin) {
   map_t map = with_keys("0", "1", "2", "3", "4", "5", "6");
   const data_t key = borrowed("6");
@@ -253,7 +253,7 @@ TEST_F(MapT, MovingInsertLeavesBorrowedStringsBorrowed) {
   EXPECT_EQ(slot_at(map, 3).value.type_tag(), 10u);
 }
 
-// ---- keys that are refused or odd
+// ---- refused and odd keys
 
 // Offers `key` by every way that moves it in; each must fail with `error` and change nothing.
 void expect_refused(const data_t& key, const char* error, map_t& map) {

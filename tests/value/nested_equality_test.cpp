@@ -192,7 +192,7 @@ TEST_F(NestedEquality, DeepKeyIsInsertedAndFoundAgain) {
   });
 }
 
-// ---- memory for what waits
+// ---- memory for waiting values
 
 TEST_F(NestedEquality, FlatContainersNeedNoMemory) {
   const data_t list = list_of(whole(1), text("a"));

@@ -1,4 +1,4 @@
-// The rules by which entries are placed, against the plain arithmetic that they stand for.
+// The rules for the places of entries, against plain arithmetic.
 #include "value/table_rules.hpp"
 
 #include <gtest/gtest.h>

@@ -88,7 +88,7 @@ inline map_entry_t entry_of(const char* key, data_t&& value) {
   return entry_of(text(key), std::move(value));
 }
 
-// Text keys hash to the number that they start with, so that a test says where an entry lies: in a
+// String keys hash to the number at their start, so that a test says the place of an entry: in a
 // table of 8 slots "3", "11" and "19" all start at slot 3.
 class PlacedKeys : public HostFixture {
  public:

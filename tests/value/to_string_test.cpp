@@ -1,4 +1,4 @@
-// Display texts: the host renders values; a message's text is cut and kept on one line.
+// Display texts: the host renders values; to_string cuts a message's text and keeps it on one line.
 #include "value/to_string.hpp"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@ namespace {
 
 using ToString = HostFixture;
 
-// The host's rendering of a text is two quotes longer than the text.
+// The host's rendering of a string is two quotes longer.
 data_t text_rendered_in(std::size_t length, char filling = 'x') {
   return data_t(std::string(length - 2, filling).c_str());
 }
@@ -41,7 +41,7 @@ TEST_F(ToString, RenderingIsFreed) {
   standin_reset_calls();
   EXPECT_EQ(to_string(value), "[\"a\"]");
   EXPECT_EQ(standin_calls(STANDIN_DATA_TO_STRING), 1);
-  EXPECT_EQ(standin_calls_total(), 2); // and the text's release
+  EXPECT_EQ(standin_calls_total(), 2); // and the release of the rendering
   EXPECT_EQ(standin_live_blocks_total(), before);
 }
 
