@@ -29,7 +29,7 @@ const char* readMeasurementChannel(const MapExtractor& settings) {
   }
 }
 
-// The text of the notification's "id", or null unless that is of a string kind.
+// The string "id" of the notification, or null when it has none of a string kind.
 const char* idOf(const map_t& payload) {
   const data_t* const id = payload.find_value(DATA_T_id);
   return id != nullptr && id->is_string() ? text_or_empty(id->get<const char*>()) : nullptr;
@@ -66,7 +66,7 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
     return false;
   }
 
-  // The report can name the id whatever becomes of the notification, without memory of the host's.
+  // Every report can name the id, without memory of the host's.
   std::string id_text;
   const char* id = idOf(*fields);
   if (id != nullptr) id = (id_text = id).c_str();

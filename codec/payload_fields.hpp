@@ -19,7 +19,7 @@
 
 namespace com::velanto::connectivity::plugins::pulsar {
 
-// The fault "Problem with key 'KEY': " followed by the text of `error`.
+// The fault "Problem with key 'KEY': ", then the message of `error`.
 [[nodiscard]] std::runtime_error problemWithKey(char const* key, const std::runtime_error& error);
 
 // The content of `value` as T: char const* (which may be null), long long, or map_t* (which points
@@ -49,8 +49,8 @@ inline void ensureValueDataTIsString(char const* key, data_t const& value, Fault
   if (!value.is_string()) noteNotAString(key, fault);
 }
 
-// Whether the value is a number, or a text that strtod can begin to read and that has no 'x' in it:
-// 12abc is numeric, 0x10 is refused on purpose.
+// Whether the value is a number, or a string that strtod can begin to read and that has no 'x' in
+// it: 12abc is numeric, 0x10 is not, on purpose.
 [[nodiscard]] bool dataTConvertableToFloat(data_t const& value);
 
 // Removes a required field and returns its value; its key becomes a spare part. The fault of a

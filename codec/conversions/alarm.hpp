@@ -13,8 +13,7 @@ namespace com::velanto::connectivity::plugins::pulsar {
 enum class AlarmSeverity { CRITICAL, MAJOR, MINOR, WARNING };
 enum class AlarmStatus { ACTIVE, ACKNOWLEDGED, CLEARED };
 
-// The comparison is case-sensitive. Any other string is a fault, "Unrecognized alarm severity:
-// TEXT".
+// Case-sensitive. Any other string is a fault, "Unrecognized alarm severity: TEXT".
 [[nodiscard]] AlarmSeverity alarmSeverityFromString(char const* text, Fault& fault);
 // The same for a status, "Unrecognized alarm status: TEXT"; a null string is the fault of a string
 // value with a null pointer.

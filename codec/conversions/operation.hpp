@@ -11,8 +11,7 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 enum class OperationStatus { SUCCESSFUL, FAILED, EXECUTING, PENDING };
 
-// The comparison is case-sensitive. Any other string is a fault, "Unrecognized operation status:
-// TEXT".
+// Case-sensitive. Any other string is a fault, "Unrecognized operation status: TEXT".
 [[nodiscard]] OperationStatus operationStatusFromString(char const* text, Fault& fault);
 // The constant word of the status. Throws std::runtime_error "Unrecognized enum value.".
 [[nodiscard]] constant_t const& operationStatusToDataTString(OperationStatus status);
