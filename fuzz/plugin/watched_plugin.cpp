@@ -13,8 +13,8 @@ namespace com::velanto::connectivity::fuzz {
 namespace {
 
 const tools::PluginLibrary& library() {
-  static const tools::PluginLibrary result(VLT_FUZZ_PLUGIN);
-  return result;
+  static const tools::PluginLibrary LIBRARY(VLT_FUZZ_PLUGIN);
+  return LIBRARY;
 }
 
 void refuse(std::uint64_t allocation, bool from_there_on) {
