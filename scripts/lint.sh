@@ -6,6 +6,7 @@
 #   lint_scripts  the scripts that have tests pass them
 #   lint_layers   includes point down, no cycles, files stay short
 #   lint_calls    no function of the library is there for tests alone
+#   lint_headers  every header is self-contained
 #   lint_tidy     clang-tidy is content with every source
 #
 # The cheap checks come first.
@@ -59,6 +60,8 @@ lint_calls() {
   python3 scripts/check_unreferenced.py build/lint
 }
 
+lint_headers() { build release headers; }
+
 lint_tidy() {
   list_sources
   python3 scripts/run_clang_tidy.py build/lint
@@ -66,7 +69,7 @@ lint_tidy() {
 
 lint() {
   local step
-  for step in format shell scripts layers calls tidy; do
+  for step in format shell scripts layers calls headers tidy; do
     note "lint: $step"
     "lint_$step" >&2
   done
