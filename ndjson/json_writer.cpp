@@ -134,7 +134,8 @@ void ValueWriter::proceed(open_map_t& top) {
     open_.pop_back();
     return;
   }
-  const map_t::const_pair entry = *top.next++;
+  const map_t::const_pair entry = *top.next;
+  ++top.next;
   writeName(entry.first);
   begin(entry.second);
 }

@@ -35,10 +35,14 @@ USERS = ("ndjson", "standin", "tools")
 NAMESPACE = "com::velanto::connectivity"
 
 # Functions that only tests call, as a report names them, each with its reason.
-EXCEPTIONS = {}
+EXCEPTIONS = {
+    "data_t::data_t(buffer_t &&) noexcept": "the value layer takes over every kind of container",
+    "map_t::insert(std::pair<data_t, data_t> &&)": "the form of insertion for pairs",
+    "map_t::maybe_insert(const const_pair &)": "the copying worker beside the moving one",
+    "map_t::begin()": "values can be changed in place while a map is walked",
+    "map_t::end()": "the end of that walk",
+}
 MOST_EXCEPTIONS = 5
-# Findings that do not fail the check yet; the number only falls.
-TOLERATED = 51
 
 # Of LLVM's text form.
 SYMBOL = re.compile(r'@("[^"]+"|[\w.$]+)')
@@ -268,8 +272,8 @@ def main():
     findings = findings_in(root, entries, EXCEPTIONS)
     for line in findings:
         print(line)
-    if len(findings) > TOLERATED:
-        sys.exit(f"check_unreferenced.py: {len(findings)} findings, at most {TOLERATED}")
+    if findings:
+        sys.exit(1)
     mark.write_text(key, encoding="utf-8")
 
 

@@ -4,25 +4,15 @@
 #define VLT_VALUE_BUFFER_T_HPP
 
 #include <cstdint>
-#include <utility>
 
 #include "host/storage.h"
+#include "value/owned_block.hpp"
 
 namespace com::velanto::connectivity {
 
-class buffer_t {
+class buffer_t : public owned_block_t<vlt_underlying_buffer_t, vlt_free_buffer> {
  public:
-  buffer_t() noexcept = default;
-  // Takes over `block`, which the host allocated.
-  explicit buffer_t(vlt_underlying_buffer_t* block) noexcept : block_(block) {}
-  buffer_t(buffer_t&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
-  buffer_t& operator=(buffer_t&& other) noexcept {
-    if (this != &other) reset(std::exchange(other.block_, nullptr));
-    return *this;
-  }
-  buffer_t(const buffer_t&) = delete;
-  buffer_t& operator=(const buffer_t&) = delete;
-  ~buffer_t() { reset(nullptr); }
+  using owned_block_t::owned_block_t;
 
   // Number of bytes; 0 for a null block.
   [[nodiscard]] std::uint32_t size() const noexcept {
@@ -32,14 +22,6 @@ class buffer_t {
   [[nodiscard]] const unsigned char* data() const noexcept {
     return block_ == nullptr ? nullptr : reinterpret_cast<const unsigned char*>(block_ + 1);
   }
-
- private:
-  void reset(vlt_underlying_buffer_t* block) noexcept {
-    vlt_underlying_buffer_t* const old = std::exchange(block_, block);
-    if (old != nullptr) vlt_free_buffer(old);
-  }
-
-  vlt_underlying_buffer_t* block_ = nullptr;
 };
 
 static_assert(sizeof(buffer_t) == sizeof(void*), "a value is viewed in place as its buffer");

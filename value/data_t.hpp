@@ -49,10 +49,12 @@ class data_t {
   data_t() noexcept : tag_(VLT_TAG_EMPTY) {}
   explicit data_t(bool content) noexcept : tag_(VLT_TAG_BOOLEAN) { content_.boolean = content; }
   explicit data_t(double content) noexcept : tag_(VLT_TAG_DOUBLE) { content_.real = content; }
-  explicit data_t(std::int64_t content) noexcept : tag_(VLT_TAG_INTEGER) {
+  template <class Integer>
+  requires(std::is_same_v<Integer, std::int64_t> ||
+           std::is_same_v<Integer, long long>) explicit data_t(Integer content) noexcept
+      : tag_(VLT_TAG_INTEGER) {
     content_.integer = content;
   }
-  explicit data_t(long long content) noexcept : data_t(static_cast<std::int64_t>(content)) {}
   explicit data_t(vlt_underlying_decimal_t content) noexcept : tag_(VLT_TAG_DECIMAL) {
     content_.decimal = content;
   }

@@ -43,22 +43,10 @@ auto list_t::_iterator<Const>::operator*() const noexcept -> reference {
 }
 
 template <bool Const>
-auto list_t::_iterator<Const>::operator->() const noexcept -> pointer {
-  return &(*list_)[index_];
-}
-
-template <bool Const>
 auto list_t::_iterator<Const>::operator++() -> _iterator& {
   check();
   ++index_;
   return *this;
-}
-
-template <bool Const>
-auto list_t::_iterator<Const>::operator++(int) -> _iterator {
-  _iterator before = *this;
-  ++*this;
-  return before;
 }
 
 template <bool Const>

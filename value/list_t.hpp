@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "host/storage.h"
+#include "value/owned_block.hpp"
 
 namespace com::velanto::connectivity {
 
@@ -26,24 +27,14 @@ class data_t;
 // The elements of a list block; none for a null one.
 [[nodiscard]] std::span<const data_t> elements_of(const vlt_underlying_vector_t* block) noexcept;
 
-class list_t {
+class list_t : public owned_block_t<vlt_underlying_vector_t, vlt_free_vector> {
  public:
   template <bool Const>
   class _iterator;
   using iterator = _iterator<false>;
   using const_iterator = _iterator<true>;
 
-  list_t() noexcept = default;
-  // Takes over `block`, which the host allocated.
-  explicit list_t(vlt_underlying_vector_t* block) noexcept : block_(block) {}
-  list_t(list_t&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
-  list_t& operator=(list_t&& other) noexcept {
-    if (this != &other) reset(std::exchange(other.block_, nullptr));
-    return *this;
-  }
-  list_t(const list_t&) = delete;
-  list_t& operator=(const list_t&) = delete;
-  ~list_t() { reset(nullptr); }
+  using owned_block_t::owned_block_t;
 
   // Number of elements; 0 for a null block.
   [[nodiscard]] std::size_t size() const noexcept {
@@ -63,13 +54,6 @@ class list_t {
 
   // The block, still owned by the list; null when there is none.
   [[nodiscard]] const vlt_underlying_vector_t* block() const noexcept { return block_; }
-
- private:
-  void reset(vlt_underlying_vector_t* block) noexcept {
-    vlt_underlying_vector_t* const old = std::exchange(block_, block);
-    if (old != nullptr) vlt_free_vector(old);
-  }
-  vlt_underlying_vector_t* block_ = nullptr;
 };
 
 template <bool Const>
@@ -89,10 +73,8 @@ class list_t::_iterator {
   _iterator(list_pointer list, std::size_t index) noexcept;
 
   reference operator*() const noexcept;
-  pointer operator->() const noexcept;
   // Throws after a change of the list.
   _iterator& operator++();
-  _iterator operator++(int);
   bool operator==(const _iterator& other) const;
 
  private:

@@ -18,7 +18,6 @@ struct map_slot_t : map_entry_t {
   static constexpr std::uint64_t DELETED = 1;
 
   [[nodiscard]] bool is_free() const noexcept { return hash == FREE && key.empty(); }
-  [[nodiscard]] bool is_deleted() const noexcept { return hash == DELETED && key.empty(); }
   [[nodiscard]] bool is_live() const noexcept { return !is_vacant(); }
 
   // Whether an entry could go here.
@@ -48,7 +47,7 @@ static_assert(sizeof(map_slot_t) == sizeof(vlt_underlying_map_table_entry_t),
 }
 
 inline map_slot_t* map_t::slots() const noexcept {
-  return const_cast<map_slot_t*>(slots_of(table_).data());
+  return const_cast<map_slot_t*>(slots_of(block_).data());
 }
 
 // Moves an entry into a vacant slot, which holds nothing to free.
@@ -58,13 +57,13 @@ inline void map_t::put(std::int64_t vacant, std::uint64_t hash, data_t& key,
   slot.hash = hash;
   new (&slot.key) data_t(std::move(key));
   new (&slot.value) data_t(std::move(value));
-  ++table_->live;
+  ++block_->live;
 }
 
 // Frees the content of the slot and leaves a tombstone.
 inline void map_t::vacate(map_slot_t& slot) noexcept {
-  --table_->live;
-  ++table_->deleted;
+  --block_->live;
+  ++block_->deleted;
   slot.make_deleted();
 }
 
@@ -84,7 +83,7 @@ map_t map_t::drain(const Use& use) && {
   map_slot_t* const end = drained.slots() + drained.capacity();
   for (map_slot_t* slot = drained.slots(); slot != end; ++slot) {
     if (!slot->is_live()) continue;
-    --drained.table_->live;
+    --drained.block_->live;
     const std::unique_ptr<map_slot_t, decltype(make_free)> emptied(slot, make_free);
     use(std::move(static_cast<map_entry_t&>(*slot)));
   }

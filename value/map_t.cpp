@@ -41,10 +41,10 @@ key_ref::key_ref(const data_t& any) : key(any), hash(hashes::key_hash(any)) {}
 key_ref::key_ref(const map_entry_t& entry) noexcept : key(entry.key), hash(entry.hash) {}
 
 map_t map_t::copy() const {
-  if (table_ == nullptr) return {};
-  map_t result(vlt_allocate_map(table_->capacity));
-  if (result.table_ == nullptr) throw std::bad_alloc();
-  for (std::int64_t i = 0; i < table_->capacity; ++i) {
+  if (block_ == nullptr) return {};
+  map_t result(vlt_allocate_map(block_->capacity));
+  if (result.block_ == nullptr) throw std::bad_alloc();
+  for (std::int64_t i = 0; i < block_->capacity; ++i) {
     const map_slot_t& from = slots()[i];
     map_slot_t& to = result.slots()[i];
     to.hash = from.hash;
@@ -53,8 +53,8 @@ map_t map_t::copy() const {
     to.key = from.key;
     to.value = from.value;
   }
-  result.table_->live = table_->live;
-  result.table_->deleted = table_->deleted;
+  result.block_->live = block_->live;
+  result.block_->deleted = block_->deleted;
   return result;
 }
 
@@ -209,16 +209,16 @@ std::int64_t map_t::place(std::uint64_t hash, std::int64_t vacant, data_t& key, 
 }
 
 bool map_t::must_grow() const noexcept {
-  return table_ == nullptr ||
-         table_rules::is_due_to_grow(table_->capacity, table_->live + table_->deleted);
+  return block_ == nullptr ||
+         table_rules::is_due_to_grow(block_->capacity, block_->live + block_->deleted);
 }
 
 void map_t::grow() {
   vlt_underlying_map_table_t* const grown =
-      table_ == nullptr ? vlt_allocate_map(table_rules::FIRST_CAPACITY)
-                        : vlt_reallocate_map(table_, table_rules::grown_capacity(table_->live));
+      block_ == nullptr ? vlt_allocate_map(table_rules::FIRST_CAPACITY)
+                        : vlt_reallocate_map(block_, table_rules::grown_capacity(block_->live));
   if (grown == nullptr) throw std::bad_alloc();
-  table_ = grown;
+  block_ = grown;
 }
 
 // ---- erasing
@@ -227,7 +227,7 @@ void map_t::erase(const iterator& position) {
   if (position.map_ != this) iterator_checks::report(iterator_checks::DIFFERENT_MAPS);
   if (position.at_end()) return;
   position.check();
-  if (table_ == nullptr) return;
+  if (block_ == nullptr) return;
   vacate(position.slots_[position.index_]);
 }
 
@@ -238,16 +238,16 @@ map_entry_t map_t::extract(key_ref key) {
 }
 
 void map_t::clear() noexcept {
-  if (table_ == nullptr) return;
-  const auto slot_count = static_cast<std::size_t>(table_->capacity);
+  if (block_ == nullptr) return;
+  const auto slot_count = static_cast<std::size_t>(block_->capacity);
   map_slot_t* const first = slots();
   // Every slot, since the head may claim fewer entries than there are.
   for (map_slot_t* slot = first; slot != first + slot_count; ++slot) {
     if (slot->is_live()) std::destroy_at(slot);
   }
   std::memset(static_cast<void*>(first), 0, slot_count * sizeof(map_slot_t));
-  table_->live = 0;
-  table_->deleted = 0;
+  block_->live = 0;
+  block_->deleted = 0;
 }
 
 // ---- iteration and equality
@@ -301,13 +301,6 @@ auto map_t::_iterator<Const>::operator++() -> _iterator& {
   ++index_;
   skip_to_live();
   return *this;
-}
-
-template <bool Const>
-auto map_t::_iterator<Const>::operator++(int) -> _iterator {
-  _iterator before = *this;
-  ++*this;
-  return before;
 }
 
 template <bool Const>

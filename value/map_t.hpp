@@ -36,6 +36,7 @@
 #include <utility>
 
 #include "host/storage.h"
+#include "value/owned_block.hpp"
 #include "value/table_rules.hpp"
 
 namespace com::velanto::connectivity {
@@ -56,7 +57,7 @@ struct key_ref {
   std::uint64_t hash;
 };
 
-class map_t {
+class map_t : public owned_block_t<vlt_underlying_map_table_t, vlt_free_map> {
  public:
   // References into a slot: the key and the value of one entry.
   using pair = std::pair<data_t&, data_t&>;
@@ -66,25 +67,14 @@ class map_t {
   using iterator = _iterator<false>;
   using const_iterator = _iterator<true>;
 
-  // No table: a valid empty map.
-  map_t() noexcept = default;
-  // Takes over `table`, which the host allocated.
-  explicit map_t(vlt_underlying_map_table_t* table) noexcept : table_(table) {}
-  map_t(map_t&& other) noexcept : table_(std::exchange(other.table_, nullptr)) {}
-  map_t& operator=(map_t&& other) noexcept {
-    if (this != &other) reset(std::exchange(other.table_, nullptr));
-    return *this;
-  }
-  map_t(const map_t&) = delete;
-  map_t& operator=(const map_t&) = delete;
-  ~map_t() { reset(nullptr); }
+  using owned_block_t::owned_block_t;
 
   // A deep copy, slot by slot: same capacity, positions, hashes, tombstones and counts.
   // Throws std::bad_alloc; nothing leaks then.
   [[nodiscard]] map_t copy() const;
 
   [[nodiscard]] std::size_t size() const noexcept {
-    return table_ == nullptr ? 0 : static_cast<std::size_t>(table_->live);
+    return block_ == nullptr ? 0 : static_cast<std::size_t>(block_->live);
   }
   [[nodiscard]] bool empty() const noexcept { return size() == 0; }
 
@@ -150,10 +140,10 @@ class map_t {
 
   // Number of slots; 0 without a table.
   [[nodiscard]] std::int64_t capacity() const noexcept {
-    return table_ == nullptr ? 0 : table_->capacity;
+    return block_ == nullptr ? 0 : block_->capacity;
   }
   // The table, still owned by the map; null when there is none.
-  [[nodiscard]] const vlt_underlying_map_table_t* table() const noexcept { return table_; }
+  [[nodiscard]] const vlt_underlying_map_table_t* table() const noexcept { return block_; }
 
  private:
   // The end of a lookup: the slot of the key, or NONE, and the slot for its insertion, or NONE when
@@ -164,10 +154,6 @@ class map_t {
   };
   static constexpr std::int64_t NONE = -1;
 
-  void reset(vlt_underlying_map_table_t* table) noexcept {
-    vlt_underlying_map_table_t* const old = std::exchange(table_, table);
-    if (old != nullptr) vlt_free_map(old);
-  }
   [[nodiscard]] map_slot_t* slots() const noexcept;
   [[nodiscard]] map_slot_t* find_slot(key_ref key) const;
   [[nodiscard]] std::int64_t index_of(key_ref key) const;
@@ -179,8 +165,6 @@ class map_t {
   std::int64_t place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value);
   void vacate(map_slot_t& slot) noexcept;
   void put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept;
-
-  vlt_underlying_map_table_t* table_ = nullptr;
 };
 
 template <bool Const>
@@ -190,14 +174,8 @@ class map_t::_iterator {
   using value_type = std::pair<data_t, data_t>;
   using difference_type = std::ptrdiff_t;
   using reference = std::conditional_t<Const, const_pair, pair>;
+  using pointer = void; // there is no pair in the table to point to
   using map_pointer = std::conditional_t<Const, const map_t*, map_t*>;
-
-  // Lets `it->first` reach through the pair of references that a dereference makes.
-  struct arrow {
-    reference entry;
-    const reference* operator->() const noexcept { return &entry; }
-  };
-  using pointer = arrow;
 
   // Of no map: equals its like, and is never valid.
   _iterator() noexcept = default;
@@ -205,9 +183,7 @@ class map_t::_iterator {
   // Throw std::runtime_error after a change of the map, or, for the comparison, when the iterators
   // belong to different maps.
   reference operator*() const;
-  arrow operator->() const { return {**this}; }
   _iterator& operator++();
-  _iterator operator++(int);
   bool operator==(const _iterator& other) const;
 
  private:

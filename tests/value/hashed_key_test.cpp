@@ -86,8 +86,8 @@ TEST_F(HashedKey, LookUpsUnderItHashNothing) {
   map_t map = map_of("a", whole(1), "b", whole(2));
   const map_t& constant = map;
   standin_reset_calls();
-  EXPECT_EQ(map.find(present)->second, whole(1));
-  EXPECT_EQ(constant.find(present)->second, whole(1));
+  EXPECT_EQ((*map.find(present)).second, whole(1));
+  EXPECT_EQ((*constant.find(present)).second, whole(1));
   EXPECT_EQ(*constant.find_value(present), whole(1));
   EXPECT_NE(map.find_value(present), nullptr);
   EXPECT_TRUE(map.find(absent) == map.end());

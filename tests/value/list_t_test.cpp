@@ -52,10 +52,10 @@ TEST_F(ListT, IteratorsVisitTheElementsInOrder) {
   EXPECT_EQ(list_[2], text("changed"));
 }
 
-TEST_F(ListT, IteratorStepsAndArrow) {
+TEST_F(ListT, IteratorStepsToTheEnd) {
   auto it = list_.begin();
-  EXPECT_EQ(&*it++, &list_[0]);
-  EXPECT_EQ(it->get<std::int64_t>(), 20);
+  EXPECT_EQ(&*it, &list_[0]);
+  EXPECT_EQ((*++it).get<std::int64_t>(), 20);
   EXPECT_EQ(&*++it, &list_[2]);
   EXPECT_TRUE(it != list_.end());
   EXPECT_TRUE(++it == list_.end());
@@ -102,8 +102,8 @@ TEST_F(ListT, ChangedCountStopsAnAdvance) {
   auto it = list_.begin();
   block_->count = 4;
   EXPECT_EQ(error_of([&] { ++it; }), LIST_MODIFIED);
-  EXPECT_EQ(error_of([&] { it++; }), LIST_MODIFIED);
-  EXPECT_EQ(it->get<std::int64_t>(), 10) << "a failing advance must not move";
+  EXPECT_EQ(error_of([&] { ++it; }), LIST_MODIFIED);
+  EXPECT_EQ((*it).get<std::int64_t>(), 10) << "a failing advance must not move";
 }
 
 TEST_F(ListT, ChangedCountStopsAComparison) {
@@ -153,7 +153,7 @@ TEST_F(ListT, IteratorOfNoListEqualsItsLikeAlone) {
   list_t::iterator none;
   EXPECT_TRUE(none == list_t::iterator());
   EXPECT_EQ(error_of([&] { ++none; }), LIST_MODIFIED);
-  EXPECT_EQ(error_of([&] { none++; }), LIST_MODIFIED);
+  EXPECT_EQ(error_of([&] { ++none; }), LIST_MODIFIED);
   EXPECT_EQ(error_of([&] { static_cast<void>(none == list_.begin()); }), LIST_MODIFIED);
   EXPECT_EQ(error_of([&] { static_cast<void>(list_.begin() == none); }), LIST_MODIFIED);
   const SkippedChecks skipped;
@@ -171,7 +171,7 @@ TEST_F(ListT, SkippedChecksLetTheOperationGoOn) {
   const auto end = list_.end();
   block_->count = 2;
   const SkippedChecks skipped;
-  EXPECT_EQ((++it)->get<std::int64_t>(), 20);
+  EXPECT_EQ((*++it).get<std::int64_t>(), 20);
   EXPECT_FALSE(it == end);
 }
 

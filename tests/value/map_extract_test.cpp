@@ -85,7 +85,7 @@ TEST_F(MapExtract, PresentKeyGivesItsEntryAndATombstone) {
   EXPECT_EQ(entry.key, text("11"));
   EXPECT_EQ(content_bits(entry.key), key_block);
   EXPECT_EQ(content_bits(entry.value), value_block);
-  EXPECT_TRUE(slot_at(map, 4).is_deleted());
+  EXPECT_TRUE(is_deleted(slot_at(map, 4)));
   EXPECT_TRUE(is_zeroed(slot_at(map, 4).key));
   EXPECT_TRUE(is_zeroed(slot_at(map, 4).value));
   EXPECT_EQ(counts_of(map), (counts_t{2, 8, 1}));
@@ -112,7 +112,7 @@ TEST_F(MapExtract, InPlaceHandsOverTheEntryFreesRemains) {
   EXPECT_TRUE(found);
   EXPECT_EQ(standin_calls(STANDIN_FREE_STRING), 1 + 1) << "the key in the slot and the one above";
   EXPECT_EQ(value, text("3"));
-  EXPECT_TRUE(slot_at(map, 3).is_deleted());
+  EXPECT_TRUE(is_deleted(slot_at(map, 3)));
   EXPECT_TRUE(is_zeroed(slot_at(map, 3).key));
   EXPECT_TRUE(is_zeroed(slot_at(map, 3).value));
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 1}));

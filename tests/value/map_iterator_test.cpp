@@ -21,7 +21,7 @@ std::string error_of_dereference(const Iterator& it) {
 }
 template <class Iterator>
 std::string error_of_arrow(const Iterator& it) {
-  return error_of([&] { static_cast<void>(it->first); });
+  return error_of([&] { static_cast<void>((*it).first); });
 }
 template <class Iterator>
 std::string error_of_advance(Iterator it) {
@@ -34,7 +34,7 @@ void expect_invalid(const Iterator& it) {
   EXPECT_EQ(error_of_arrow(it), MAP_MODIFIED);
   EXPECT_EQ(error_of_advance(it), MAP_MODIFIED);
   Iterator copy = it;
-  EXPECT_EQ(error_of([&] { copy++; }), MAP_MODIFIED);
+  EXPECT_EQ(error_of([&] { ++copy; }), MAP_MODIFIED);
 }
 
 using MapIterator = PlacedKeys;
@@ -68,17 +68,9 @@ TEST_F(MapIterator, RefersIntoTheSlot) {
   const map_t::pair entry = *map.begin();
   EXPECT_EQ(&entry.first, &slot_at(map, 3).key);
   EXPECT_EQ(&entry.second, &slot_at(map, 3).value);
-  map.begin()->second = whole(1);
+  (*map.begin()).second = whole(1);
   EXPECT_EQ(at(map, "3"), whole(1));
-  EXPECT_EQ(&static_cast<const map_t&>(map).begin()->second, &slot_at(map, 3).value);
-}
-
-TEST_F(MapIterator, StepsAfterwardsByCopy) {
-  map_t map = with_keys("3", "5");
-  auto it = map.begin();
-  EXPECT_EQ((*it++).first, text("3"));
-  EXPECT_EQ(it->first, text("5"));
-  EXPECT_TRUE(++it == map.end());
+  EXPECT_EQ(&(*static_cast<const map_t&>(map).begin()).second, &slot_at(map, 3).value);
 }
 
 TEST_F(MapIterator, EqualWhenAtTheSameSlot) {
@@ -186,7 +178,7 @@ TEST_F(MapIterator, ChangingAValueInvalidatesNothing) {
   const auto it = map.begin();
   map[text("5")] = whole(1);
   EXPECT_FALSE(map.insert(text("3"), whole(2)).second);
-  EXPECT_EQ(it->first, text("3"));
+  EXPECT_EQ((*it).first, text("3"));
 }
 
 TEST_F(MapIterator, ComparisonIgnoresModifications) {
@@ -228,7 +220,7 @@ TEST_F(MapIterator, SkippedChecksLetAModifiedMapBeUsed) {
   map[text("4")] = whole(4);
   const SkippedChecks skipped("");
   EXPECT_EQ((*it).first, text("3"));
-  EXPECT_EQ((++it)->first, text("4"));
+  EXPECT_EQ((*++it).first, text("4"));
   map.erase(it);
   EXPECT_EQ(counts_of(map), (counts_t{2, 8, 1}));
 }

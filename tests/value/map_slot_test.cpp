@@ -30,7 +30,7 @@ TEST_F(MapSlot, HashAndKeyTellTheStates) {
     SCOPED_TRACE(row.hash);
     const map_slot_t slot{row.hash, row.key, data_t()};
     EXPECT_EQ(slot.is_free(), std::string(row.state) == "free");
-    EXPECT_EQ(slot.is_deleted(), std::string(row.state) == "deleted");
+    EXPECT_EQ(is_deleted(slot), std::string(row.state) == "deleted");
     EXPECT_EQ(slot.is_live(), std::string(row.state) == "live");
   }
 }

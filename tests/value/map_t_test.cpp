@@ -157,8 +157,8 @@ TEST_F(MapT, InsertTakesKeyAndValueOver) {
   const void* const block = value.underlying()->value.list;
   const auto [entry, inserted] = map.insert(std::move(key), std::move(value));
   EXPECT_TRUE(inserted);
-  EXPECT_EQ(&entry->first, &slot_at(map, 3).key);
-  EXPECT_EQ(entry->second.underlying()->value.list, block);
+  EXPECT_EQ(&(*entry).first, &slot_at(map, 3).key);
+  EXPECT_EQ((*entry).second.underlying()->value.list, block);
   EXPECT_TRUE(key.empty());
   EXPECT_TRUE(value.empty());
 }
@@ -169,7 +169,7 @@ TEST_F(MapT, InsertingAPresentKeyChangesNothing) {
   data_t value = whole(4);
   const auto [entry, inserted] = map.insert(std::move(key), std::move(value));
   EXPECT_FALSE(inserted);
-  EXPECT_EQ(&entry->second, &slot_at(map, 3).value);
+  EXPECT_EQ(&(*entry).second, &slot_at(map, 3).value);
   EXPECT_EQ(at(map, "3"), text("3"));
   EXPECT_EQ(key, text("3"));
   EXPECT_EQ(value, whole(4));
@@ -225,7 +225,7 @@ TEST_F(MapT, CopyingInsertOfAPresentKeyCopiesNothing) {
   standin_reset_calls();
   const auto [entry, inserted] = map.maybe_insert(map_t::const_pair(key, value));
   EXPECT_FALSE(inserted);
-  EXPECT_EQ(entry->second, text("3"));
+  EXPECT_EQ((*entry).second, text("3"));
   EXPECT_EQ(standin_calls(STANDIN_COPY_DATA), 0);
 }
 
@@ -240,7 +240,7 @@ TEST_F(MapT, CopiedBorrowedKeyGrowsBesideItsTwin) {
   EXPECT_TRUE(inserted);
   EXPECT_EQ(slot_at(map, 6).value, text("6"));
   EXPECT_EQ(slot_at(map, 7).key, text("6"));
-  EXPECT_EQ(entry->second, whole(1));
+  EXPECT_EQ((*entry).second, whole(1));
 }
 
 TEST_F(MapT, MovingInsertLeavesBorrowedStringsBorrowed) {
@@ -283,7 +283,7 @@ TEST_F(MapT, CopyingInsertTakesAnEmptyKey) {
   EXPECT_FALSE(map.maybe_insert(map_t::const_pair(key, value)).second);
   EXPECT_EQ(map.size(), 1u);
   EXPECT_EQ(slot_at(map, 0x243FCAF1 % 8).hash, 0x243FCAF1u);
-  EXPECT_EQ(map.find(data_t())->second, whole(1));
+  EXPECT_EQ((*map.find(data_t())).second, whole(1));
 }
 
 TEST_F(MapT, CustomKeyIsRefusedByEveryFunction) {
@@ -304,7 +304,7 @@ TEST_F(MapT, BorrowedKeysAreAKindOfTheirOwn) {
   map_t map;
   map.insert(borrowed("3"), whole(1));
   EXPECT_FALSE(has(map, "3"));
-  EXPECT_EQ(map.find(borrowed("3"))->second, whole(1));
+  EXPECT_EQ((*map.find(borrowed("3"))).second, whole(1));
   map.insert(text("3"), whole(2));
   EXPECT_EQ(map.size(), 2u);
 }
@@ -326,7 +326,7 @@ TEST_F(MapT, NullKeyIsTheEmptyString) {
 
 TEST_F(MapT, ConstantMapsAreSearchedToo) {
   const map_t map = with_keys("3", "11");
-  EXPECT_EQ(map.find(text("11"))->second, text("11"));
+  EXPECT_EQ((*map.find(text("11"))).second, text("11"));
   EXPECT_TRUE(map.find(text("19")) == map.end());
 }
 
