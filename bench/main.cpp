@@ -65,7 +65,7 @@ void measureAll(const options_t& options, const std::filesystem::path& results) 
 
 int run(const options_t& options, bool instructions, const std::string& results) {
   using com::velanto::connectivity::tools::LogCapture;
-  const LogCapture unheard(LogCapture::Unclaimed::dropped);
+  const LogCapture unheard(LogCapture::Unclaimed::DROPPED);
   if (options.only_check) {
     compareAll(options);
     return 0;

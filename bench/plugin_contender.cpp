@@ -36,7 +36,7 @@ void PluginContender::take(void* context, vlt_underlying_message_t* start,
 }
 
 void PluginContender::convert(std::size_t first, std::size_t end) {
-  if (!plugin_.send(tools::Direction::towardsHost,
+  if (!plugin_.send(tools::Direction::TOWARDS_HOST,
                     std::span(messages_).subspan(first, end - first))) {
     throw std::runtime_error("the plug-in failed with a batch");
   }

@@ -98,32 +98,32 @@ const data_t& OstroviaNotifications2Codec::channelFor(Channel channel) const noe
 
 bool OstroviaNotifications2Codec::transformMessageTowardsTransport(Message&) { return true; }
 
-bool OstroviaNotifications2Codec::handleException(Message& message, bool towardsTransport) {
+bool OstroviaNotifications2Codec::handleException(Message& message, bool towards_transport) {
   // Not std::current_exception: it would ask for the C++ library of g++ 11, and count references.
   if (abi::__cxa_current_exception_type() == nullptr) return false;
   const auto* const fields = message.getPayload().get_if<map_t>();
-  reportExceptionInFlight(fields == nullptr ? nullptr : idOf(*fields), towardsTransport);
+  reportExceptionInFlight(fields == nullptr ? nullptr : idOf(*fields), towards_transport);
   return false;
 }
 
 void OstroviaNotifications2Codec::reportExceptionInFlight(const char* id,
-                                                          bool towardsTransport) const noexcept {
+                                                          bool towards_transport) const noexcept {
   try {
     throw;
   } catch (const std::exception& e) {
-    reportDropped(id, towardsTransport, e.what());
+    reportDropped(id, towards_transport, e.what());
   } catch (...) {
-    reportDropped(id, towardsTransport, nullptr);
+    reportDropped(id, towards_transport, nullptr);
   }
 }
 
-void OstroviaNotifications2Codec::reportDropped(const char* id, bool towardsTransport,
+void OstroviaNotifications2Codec::reportDropped(const char* id, bool towards_transport,
                                                 const char* what) const noexcept {
   if (!getLogger().enabled(DROPPED_LEVEL)) return;
   const auto describe = [=](char* text, std::size_t size) noexcept {
     const int length =
         std::snprintf(text, size, "Error when transforming message towards %s%s%s%s%s%s",
-                      towardsTransport ? "transport" : "host", id == nullptr ? "" : " ('id' = '",
+                      towards_transport ? "transport" : "host", id == nullptr ? "" : " ('id' = '",
                       text_or_empty(id), id == nullptr ? "" : "')", what == nullptr ? "" : ": ",
                       text_or_empty(what));
     return static_cast<std::size_t>(length) + 1;

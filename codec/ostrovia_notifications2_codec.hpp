@@ -32,7 +32,7 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
   // Returns true and changes nothing.
   bool transformMessageTowardsTransport(Message& message) override;
   // Reports the exception in flight at level 3. Returns false, which drops the message.
-  bool handleException(Message& message, bool towardsTransport) override;
+  bool handleException(Message& message, bool towards_transport) override;
 
  private:
   // The event, or an empty message for a notification with a fault. A custom value in a field's key,
@@ -42,10 +42,10 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
   // Write the line about a dropped message, if the level asks for it. `id` is null for a message
   // without one, `what` for a failure without a message. Only a line of unusual length takes
   // memory; without memory it is cut.
-  void reportDropped(const char* id, bool towardsTransport, const char* what) const noexcept;
-  void reportExceptionInFlight(const char* id, bool towardsTransport) const noexcept;
+  void reportDropped(const char* id, bool towards_transport, const char* what) const noexcept;
+  void reportExceptionInFlight(const char* id, bool towards_transport) const noexcept;
 
-  ConstantsUser constantsUser;        // before the members made with constants
+  ConstantsUser constants_user_;      // before the members made with constants
   data_t measurementSplittingChannel; // for events made from measurements
   data_t devicesChannel;              // for all others, prefix included
   boost::optional<data_t> tenantId;   // written into every event when set

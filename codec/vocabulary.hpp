@@ -38,7 +38,7 @@ class constant_t {
   // Below MOST, and different for every constant.
   [[nodiscard]] unsigned number() const noexcept { return number_; }
 
-  operator key_ref() const noexcept { return key_; }
+  operator key_ref_t() const noexcept { return key_; }
   operator const data_t&() const noexcept { return key_; }
   // A value of its own. Throws std::bad_alloc.
   [[nodiscard]] data_t copy() const { return key_.copy(); }

@@ -10,7 +10,7 @@
 
 using com::velanto::connectivity::fuzz::reportFinding;
 using com::velanto::connectivity::plugins::pulsar::tryParseTime;
-using com::velanto::connectivity::test::reference_time;
+using com::velanto::connectivity::test::referenceTime;
 
 namespace {
 
@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto* const bytes = reinterpret_cast<const char*>(data);
   const std::string text(bytes, strnlen(bytes, size)); // ends at a NUL, as the host's strings do
   const std::string actual = described(tryParseTime(text.c_str()));
-  const std::string expected = described(reference_time(text.c_str()));
+  const std::string expected = described(referenceTime(text.c_str()));
   if (actual == expected) return 0;
   reportFinding("'" + text + "' reads as " + actual + ", not as " + expected);
 }

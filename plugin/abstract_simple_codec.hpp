@@ -26,7 +26,7 @@ class AbstractSimpleCodec : public AbstractCodec {
   virtual bool transformNullPayloadTowardsTransport(Message&) { return true; }
   // Called inside the catch clause of a transformation that threw, so that it can inspect the
   // exception in flight. Returns true to keep the message all the same.
-  virtual bool handleException(Message& message, bool towardsTransport) = 0;
+  virtual bool handleException(Message& message, bool towards_transport) = 0;
 };
 
 } // namespace com::velanto::connectivity

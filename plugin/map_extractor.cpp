@@ -9,31 +9,31 @@
 
 namespace com::velanto::connectivity {
 
-MapExtractor::MapExtractor(const map_t& map, std::string displayName)
-    : map_(map), displayName_(std::move(displayName)) {
-  if (displayName_.empty()) throw std::runtime_error("displayName cannot be empty");
+MapExtractor::MapExtractor(const map_t& map, std::string display_name)
+    : map_(map), display_name_(std::move(display_name)) {
+  if (display_name_.empty()) throw std::runtime_error("display_name cannot be empty");
 }
 
 const data_t& MapExtractor::doGet(const data_t& key) const {
   const map_t::const_iterator entry = map_.find(key);
   if (entry == map_.end()) {
-    throw std::runtime_error("Key '" + stringifyKey(key) + "' not found in " + displayName_);
+    throw std::runtime_error("Key '" + stringifyKey(key) + "' not found in " + display_name_);
   }
   const data_t& value = (*entry).second;
   if (value.empty()) {
     throw std::runtime_error("Key '" + stringifyKey(key) + "' has an empty value in " +
-                             displayName_);
+                             display_name_);
   }
   return value;
 }
 
 template <>
 std::string MapExtractor::get<std::string>(const data_t& key,
-                                           const std::string& defaultValue) const {
+                                           const std::string& default_value) const {
   try {
     return convert_to<std::string>(doGet(key));
   } catch (const std::exception&) {
-    return defaultValue;
+    return default_value;
   }
 }
 

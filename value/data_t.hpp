@@ -81,7 +81,7 @@ class data_t {
 
   // Take over the 16 bytes and leave the source empty. Call the host only to free the previous
   // content of an assignment's target.
-  data_t(data_t&& other) noexcept : content_(not_set) { take(other); }
+  data_t(data_t&& other) noexcept : content_(NOT_SET) { take(other); }
   data_t& operator=(data_t&& other) noexcept {
     if (this != &other) {
       data_t old;
@@ -161,7 +161,7 @@ class data_t {
  private:
   // The containers' own destructors are never run through the union: free_block() decides by tag.
   static constexpr struct not_set_t {
-  } not_set{};
+  } NOT_SET{};
   union content_t {
     content_t() noexcept : integer(0) {}
     explicit content_t(not_set_t) noexcept {} // for callers that set it at once

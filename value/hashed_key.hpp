@@ -33,7 +33,7 @@ class hashed_key_t : public data_t {
   std::uint64_t hash_;
 };
 
-inline key_ref::key_ref(const hashed_key_t& constant) noexcept
+inline key_ref_t::key_ref_t(const hashed_key_t& constant) noexcept
     : key(constant), hash(constant.hash()) {}
 
 } // namespace com::velanto::connectivity

@@ -25,32 +25,32 @@ list_t::const_iterator list_t::end() const noexcept { return {this, size()}; }
 
 bool list_t::operator==(const list_t& other) const { return are_equal(*this, other); }
 
-template <bool Const>
-list_t::_iterator<Const>::_iterator(list_pointer list, std::size_t index) noexcept
+template <bool IS_CONST>
+list_t::_iterator<IS_CONST>::_iterator(list_pointer list, std::size_t index) noexcept
     : list_(list), block_(list->block_), count_(list->size()), index_(index) {}
 
-template <bool Const>
-void list_t::_iterator<Const>::check() const {
+template <bool IS_CONST>
+void list_t::_iterator<IS_CONST>::check() const {
   const bool lost_block = list_ == nullptr || (block_ != nullptr && list_->block_ == nullptr);
   if (lost_block || list_->size() != count_) {
     iterator_checks::report(iterator_checks::LIST_MODIFIED);
   }
 }
 
-template <bool Const>
-auto list_t::_iterator<Const>::operator*() const noexcept -> reference {
+template <bool IS_CONST>
+auto list_t::_iterator<IS_CONST>::operator*() const noexcept -> reference {
   return (*list_)[index_];
 }
 
-template <bool Const>
-auto list_t::_iterator<Const>::operator++() -> _iterator& {
+template <bool IS_CONST>
+auto list_t::_iterator<IS_CONST>::operator++() -> _iterator& {
   check();
   ++index_;
   return *this;
 }
 
-template <bool Const>
-bool list_t::_iterator<Const>::operator==(const _iterator& other) const {
+template <bool IS_CONST>
+bool list_t::_iterator<IS_CONST>::operator==(const _iterator& other) const {
   if (list_ != nullptr || other.list_ != nullptr) {
     check();
     other.check();

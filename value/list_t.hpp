@@ -29,7 +29,7 @@ class data_t;
 
 class list_t : public owned_block_t<vlt_underlying_vector_t, vlt_free_vector> {
  public:
-  template <bool Const>
+  template <bool IS_CONST>
   class _iterator;
   using iterator = _iterator<false>;
   using const_iterator = _iterator<true>;
@@ -56,15 +56,15 @@ class list_t : public owned_block_t<vlt_underlying_vector_t, vlt_free_vector> {
   [[nodiscard]] const vlt_underlying_vector_t* block() const noexcept { return block_; }
 };
 
-template <bool Const>
+template <bool IS_CONST>
 class list_t::_iterator {
  public:
   using iterator_category = std::forward_iterator_tag;
   using value_type = data_t;
   using difference_type = std::ptrdiff_t;
-  using reference = std::conditional_t<Const, const data_t&, data_t&>;
-  using pointer = std::conditional_t<Const, const data_t*, data_t*>;
-  using list_pointer = std::conditional_t<Const, const list_t*, list_t*>;
+  using reference = std::conditional_t<IS_CONST, const data_t&, data_t&>;
+  using pointer = std::conditional_t<IS_CONST, const data_t*, data_t*>;
+  using list_pointer = std::conditional_t<IS_CONST, const list_t*, list_t*>;
 
   // Of no list: equals another one like it, and an iterator of a list that lost its block. Do not
   // dereference it.

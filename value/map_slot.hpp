@@ -68,7 +68,7 @@ inline void map_t::vacate(map_slot_t& slot) noexcept {
 }
 
 template <class Use>
-bool map_t::extract(key_ref key, const Use& use) {
+bool map_t::extract(key_ref_t key, const Use& use) {
   map_slot_t* const slot = find_slot(key);
   if (slot == nullptr) return false;
   use(static_cast<map_entry_t&&>(*slot));

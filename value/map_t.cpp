@@ -37,8 +37,8 @@ void require_key_of(const map_entry_t& entry) {
 
 } // namespace
 
-key_ref::key_ref(const data_t& any) : key(any), hash(hashes::key_hash(any)) {}
-key_ref::key_ref(const map_entry_t& entry) noexcept : key(entry.key), hash(entry.hash) {}
+key_ref_t::key_ref_t(const data_t& any) : key(any), hash(hashes::key_hash(any)) {}
+key_ref_t::key_ref_t(const map_entry_t& entry) noexcept : key(entry.key), hash(entry.hash) {}
 
 map_t map_t::copy() const {
   if (block_ == nullptr) return {};
@@ -62,7 +62,7 @@ map_t map_t::copy() const {
 
 // Apart from find_for_insert, which also has to remember a place for a new entry: lookups are most
 // of a conversion's work.
-map_slot_t* map_t::find_slot(key_ref key) const {
+map_slot_t* map_t::find_slot(key_ref_t key) const {
   const std::int64_t slot_count = capacity();
   if (slot_count == 0) return nullptr;
   map_slot_t* const slot = slots();
@@ -76,7 +76,7 @@ map_slot_t* map_t::find_slot(key_ref key) const {
   return nullptr;
 }
 
-map_t::probe_t map_t::find_for_insert(key_ref key) const {
+map_t::probe_t map_t::find_for_insert(key_ref_t key) const {
   const std::int64_t slot_count = capacity();
   if (slot_count == 0) return {NONE, NONE};
   const map_slot_t* const slot = slots();
@@ -97,7 +97,7 @@ map_t::probe_t map_t::find_for_insert(key_ref key) const {
 
 // The same from a slot on that holds an entry of the hash. Apart, since comparing keys takes calls,
 // and most insertions pass no other entry of their hash.
-map_t::probe_t map_t::find_among_equal_hashes(key_ref key, probe_t at) const {
+map_t::probe_t map_t::find_among_equal_hashes(key_ref_t key, probe_t at) const {
   const std::int64_t slot_count = capacity();
   const map_slot_t* const slot = slots();
   const std::int64_t start = table_rules::home_slot(key.hash, slot_count);
@@ -125,15 +125,15 @@ std::int64_t map_t::find_vacant(std::uint64_t hash) const noexcept {
   return i;
 }
 
-std::int64_t map_t::index_of(key_ref key) const {
+std::int64_t map_t::index_of(key_ref_t key) const {
   const map_slot_t* const found = find_slot(key);
   return found == nullptr ? capacity() : found - slots();
 }
 
-map_t::iterator map_t::find(key_ref key) { return {this, index_of(key)}; }
-map_t::const_iterator map_t::find(key_ref key) const { return {this, index_of(key)}; }
+map_t::iterator map_t::find(key_ref_t key) { return {this, index_of(key)}; }
+map_t::const_iterator map_t::find(key_ref_t key) const { return {this, index_of(key)}; }
 
-const data_t* map_t::find_value(key_ref key) const {
+const data_t* map_t::find_value(key_ref_t key) const {
   const map_slot_t* const found = find_slot(key);
   return found == nullptr ? nullptr : &found->value;
 }
@@ -177,7 +177,7 @@ void map_t::add(std::uint64_t hash, data_t&& key, data_t&& value) {
 }
 
 std::pair<map_t::iterator, bool> map_t::maybe_insert(const const_pair& entry) {
-  const key_ref key = entry.first;
+  const key_ref_t key = entry.first;
   const probe_t probe = find_for_insert(key);
   if (probe.found != NONE) return {iterator(this, probe.found), false};
   // Both copies before any change of the table: a copy that fails leaves it as it was.
@@ -189,7 +189,7 @@ std::pair<map_t::iterator, bool> map_t::maybe_insert(const const_pair& entry) {
 
 std::pair<map_t::iterator, bool> map_t::maybe_insert(pair&& entry) {
   require_key(entry.first);
-  const key_ref key = entry.first;
+  const key_ref_t key = entry.first;
   const probe_t probe = find_for_insert(key);
   if (probe.found != NONE) return {iterator(this, probe.found), false};
   const std::int64_t slot = place(key.hash, probe.vacant, entry.first, entry.second);
@@ -231,7 +231,7 @@ void map_t::erase(const iterator& position) {
   vacate(position.slots_[position.index_]);
 }
 
-map_entry_t map_t::extract(key_ref key) {
+map_entry_t map_t::extract(key_ref_t key) {
   map_entry_t extracted;
   extract(key, [&](map_entry_t&& entry) noexcept { extracted = std::move(entry); });
   return extracted;
@@ -269,42 +269,42 @@ map_t::const_iterator map_t::end() const { return {this, capacity()}; }
 
 bool map_t::operator==(const map_t& other) const { return are_equal(*this, other); }
 
-template <bool Const>
-map_t::_iterator<Const>::_iterator(map_pointer map, std::int64_t index) noexcept
+template <bool IS_CONST>
+map_t::_iterator<IS_CONST>::_iterator(map_pointer map, std::int64_t index) noexcept
     : map_(map),
       slots_(map->slots()),
       capacity_(map->capacity()),
       index_(index),
       live_(static_cast<std::int64_t>(map->size())) {}
 
-template <bool Const>
-void map_t::_iterator<Const>::check() const {
+template <bool IS_CONST>
+void map_t::_iterator<IS_CONST>::check() const {
   const bool valid = map_ != nullptr && map_->slots() == slots_ && map_->capacity() == capacity_ &&
                      static_cast<std::int64_t>(map_->size()) == live_;
   if (!valid) iterator_checks::report(iterator_checks::MAP_MODIFIED);
 }
 
-template <bool Const>
-void map_t::_iterator<Const>::skip_to_live() noexcept {
+template <bool IS_CONST>
+void map_t::_iterator<IS_CONST>::skip_to_live() noexcept {
   while (index_ < capacity_ && !slots_[index_].is_live()) ++index_;
 }
 
-template <bool Const>
-auto map_t::_iterator<Const>::operator*() const -> reference {
+template <bool IS_CONST>
+auto map_t::_iterator<IS_CONST>::operator*() const -> reference {
   check();
   return {slots_[index_].key, slots_[index_].value};
 }
 
-template <bool Const>
-auto map_t::_iterator<Const>::operator++() -> _iterator& {
+template <bool IS_CONST>
+auto map_t::_iterator<IS_CONST>::operator++() -> _iterator& {
   check();
   ++index_;
   skip_to_live();
   return *this;
 }
 
-template <bool Const>
-bool map_t::_iterator<Const>::operator==(const _iterator& other) const {
+template <bool IS_CONST>
+bool map_t::_iterator<IS_CONST>::operator==(const _iterator& other) const {
   if (map_ != other.map_) iterator_checks::report(iterator_checks::DIFFERENT_MAPS);
   return index_ == other.index_;
 }

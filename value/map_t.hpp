@@ -48,10 +48,10 @@ struct map_slot_t;
 
 // A key with its hash, for the length of a call. A constant (value/hashed_key.hpp) and an entry
 // know their hash; it hashes any other value, and refuses a custom one with std::runtime_error.
-struct key_ref {
-  key_ref(const data_t& any);
-  key_ref(const hashed_key_t& constant) noexcept;
-  key_ref(const map_entry_t& entry) noexcept;
+struct key_ref_t {
+  key_ref_t(const data_t& any);
+  key_ref_t(const hashed_key_t& constant) noexcept;
+  key_ref_t(const map_entry_t& entry) noexcept;
 
   const data_t& key;
   std::uint64_t hash;
@@ -62,7 +62,7 @@ class map_t : public owned_block_t<vlt_underlying_map_table_t, vlt_free_map> {
   // References into a slot: the key and the value of one entry.
   using pair = std::pair<data_t&, data_t&>;
   using const_pair = std::pair<const data_t&, const data_t&>;
-  template <bool Const>
+  template <bool IS_CONST>
   class _iterator;
   using iterator = _iterator<false>;
   using const_iterator = _iterator<true>;
@@ -82,10 +82,10 @@ class map_t : public owned_block_t<vlt_underlying_map_table_t, vlt_free_map> {
   // looking for any other key never throws.
 
   // The entry under `key`, or end().
-  [[nodiscard]] iterator find(key_ref key);
-  [[nodiscard]] const_iterator find(key_ref key) const;
+  [[nodiscard]] iterator find(key_ref_t key);
+  [[nodiscard]] const_iterator find(key_ref_t key) const;
   // Its value, or null. Valid until the map is next modified.
-  [[nodiscard]] const data_t* find_value(key_ref key) const;
+  [[nodiscard]] const data_t* find_value(key_ref_t key) const;
 
   // The value under `key`, inserted empty when absent; consumes the key in either case. The
   // reference lives until the next change of the map. Throws as insert does.
@@ -114,12 +114,12 @@ class map_t : public owned_block_t<vlt_underlying_map_table_t, vlt_free_map> {
   void erase(const iterator& position);
 
   // Removes the entry under `key` and returns it; no entry when there is none.
-  [[nodiscard]] map_entry_t extract(key_ref key);
+  [[nodiscard]] map_entry_t extract(key_ref_t key);
   // The same, but hands the entry in its slot to `use` as map_entry_t&&, which saves moving it
   // twice, and returns whether there was one. `use` must leave this map alone. The map frees the
   // parts that `use` leaves; an entry for which `use` throws stays. Defined in value/map_slot.hpp.
   template <class Use>
-  bool extract(key_ref key, const Use& use);
+  bool extract(key_ref_t key, const Use& use);
 
   // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the
   // emptied map. An exception of `use` ends it, and frees the rest. Defined in value/map_slot.hpp.
@@ -155,10 +155,10 @@ class map_t : public owned_block_t<vlt_underlying_map_table_t, vlt_free_map> {
   static constexpr std::int64_t NONE = -1;
 
   [[nodiscard]] map_slot_t* slots() const noexcept;
-  [[nodiscard]] map_slot_t* find_slot(key_ref key) const;
-  [[nodiscard]] std::int64_t index_of(key_ref key) const;
-  [[nodiscard]] probe_t find_for_insert(key_ref key) const;
-  [[nodiscard, gnu::noinline]] probe_t find_among_equal_hashes(key_ref key, probe_t at) const;
+  [[nodiscard]] map_slot_t* find_slot(key_ref_t key) const;
+  [[nodiscard]] std::int64_t index_of(key_ref_t key) const;
+  [[nodiscard]] probe_t find_for_insert(key_ref_t key) const;
+  [[nodiscard, gnu::noinline]] probe_t find_among_equal_hashes(key_ref_t key, probe_t at) const;
   [[nodiscard]] std::int64_t find_vacant(std::uint64_t hash) const noexcept;
   [[nodiscard]] bool must_grow() const noexcept;
   void grow();
@@ -167,15 +167,15 @@ class map_t : public owned_block_t<vlt_underlying_map_table_t, vlt_free_map> {
   void put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept;
 };
 
-template <bool Const>
+template <bool IS_CONST>
 class map_t::_iterator {
  public:
   using iterator_category = std::input_iterator_tag;
   using value_type = std::pair<data_t, data_t>;
   using difference_type = std::ptrdiff_t;
-  using reference = std::conditional_t<Const, const_pair, pair>;
+  using reference = std::conditional_t<IS_CONST, const_pair, pair>;
   using pointer = void; // there is no pair in the table to point to
-  using map_pointer = std::conditional_t<Const, const map_t*, map_t*>;
+  using map_pointer = std::conditional_t<IS_CONST, const map_t*, map_t*>;
 
   // Of no map: equals its like, and is never valid.
   _iterator() noexcept = default;

@@ -41,39 +41,39 @@ std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& not
   data_t source = extractField(notification, DATA_T_source);
   data_t& id = notification.holdId(extractField(notification, DATA_T_id));
   const data_t count = extractField(notification, DATA_T_count);
-  const auto countValue = getFromDataTReportingKey<long long>(count, "count", fault);
+  const auto count_value = getFromDataTReportingKey<long long>(count, "count", fault);
   data_t severity = extractField(notification, DATA_T_severity);
-  const AlarmSeverity severityValue = alarmSeverityFromString(
+  const AlarmSeverity severity_value = alarmSeverityFromString(
       getFromDataTReportingKey<char const*>(severity, "severity", fault), fault);
-  data_t sourceId = extractSourceId(std::move(source), notification);
+  data_t source_id = extractSourceId(std::move(source), notification);
   data_t status = extractField(notification, DATA_T_status);
-  const AlarmStatus statusValue =
+  const AlarmStatus status_value =
       alarmStatusFromString(getFromDataTReportingKey<char const*>(status, "status", fault), fault);
   data_t text = extractField(notification, DATA_T_text);
   const double time = extractTimeTimestamp(notification);
   data_t type = extractField(notification, DATA_T_type);
   ensureValueDataTIsString("id", id, fault);
-  ensureValueDataTIsString("id", sourceId, fault); // named like the alarm's own, on purpose
+  ensureValueDataTIsString("id", source_id, fault); // named like the alarm's own, on purpose
   ensureValueDataTIsString("text", text, fault);
   ensureValueDataTIsString("type", type, fault);
   if (fault) return nullptr;
 
-  spares.keep(alarmSeverityToDataTString(severityValue), std::move(severity));
-  spares.keep(alarmStatusToDataTString(statusValue), std::move(status));
+  spares.keep(alarmSeverityToDataTString(severity_value), std::move(severity));
+  spares.keep(alarmStatusToDataTString(status_value), std::move(status));
   auto builder = std::make_unique<AlarmMessageBuilder>(
-      std::move(id), countValue, severityValue, std::move(sourceId), statusValue, std::move(text),
-      time, std::move(type), spares);
+      std::move(id), count_value, severity_value, std::move(source_id), status_value,
+      std::move(text), time, std::move(type), spares);
   carryOverDatesAndRemaining(notification, *builder);
   return builder;
 }
 
 AlarmMessageBuilder::AlarmMessageBuilder(data_t&& id, std::int64_t count, AlarmSeverity severity,
-                                         data_t&& sourceId, AlarmStatus status, data_t&& text,
+                                         data_t&& source_id, AlarmStatus status, data_t&& text,
                                          double time, data_t&& type, SpareParts& spares)
     : TivraMessageBuilder(std::move(id), ALARM_TYPE_DATA_T.copy(), spares) {
   addField(DATA_T_count, data_t(count), spares);
   addField(DATA_T_severity, spares.take(alarmSeverityToDataTString(severity)), spares);
-  addField(DATA_T_source, std::move(sourceId), spares);
+  addField(DATA_T_source, std::move(source_id), spares);
   addField(DATA_T_status, spares.take(alarmStatusToDataTString(status)), spares);
   addField(DATA_T_text, std::move(text), spares);
   addField(DATA_T_time, data_t(time), spares);

@@ -22,11 +22,11 @@ enum class AlarmStatus { ACTIVE, ACKNOWLEDGED, CLEARED };
 [[nodiscard]] constant_t const& alarmSeverityToDataTString(AlarmSeverity severity);
 [[nodiscard]] constant_t const& alarmStatusToDataTString(AlarmStatus status);
 
-// The host event of type "com.tivra.ostrovia.Alarm". `id`, `sourceId`, `text` and `type` must be
+// The host event of type "com.tivra.ostrovia.Alarm". `id`, `source_id`, `text` and `type` must be
 // strings; `time` is in seconds since the epoch.
 class AlarmMessageBuilder final : public TivraMessageBuilder {
  public:
-  AlarmMessageBuilder(data_t&& id, std::int64_t count, AlarmSeverity severity, data_t&& sourceId,
+  AlarmMessageBuilder(data_t&& id, std::int64_t count, AlarmSeverity severity, data_t&& source_id,
                       AlarmStatus status, data_t&& text, double time, data_t&& type,
                       SpareParts& spares);
 };

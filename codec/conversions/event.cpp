@@ -11,18 +11,18 @@ std::unique_ptr<TivraMessageBuilder> convertEvent(PulsarMessageDisassembler& not
   Fault& fault = notification.getFault();
   data_t source = extractField(notification, DATA_T_source);
   data_t& id = notification.holdId(extractField(notification, DATA_T_id));
-  data_t sourceId = extractSourceId(std::move(source), notification);
+  data_t source_id = extractSourceId(std::move(source), notification);
   data_t text = extractField(notification, DATA_T_text);
   const double time = extractTimeTimestamp(notification);
   data_t type = extractField(notification, DATA_T_type);
   ensureValueDataTIsString("id", id, fault);
-  ensureValueDataTIsString("source", sourceId, fault);
+  ensureValueDataTIsString("source", source_id, fault);
   ensureValueDataTIsString("text", text, fault);
   ensureValueDataTIsString("type", type, fault);
   if (fault) return nullptr;
 
   auto builder =
-      std::make_unique<EventMessageBuilder>(std::move(id), std::move(sourceId), std::move(text),
+      std::make_unique<EventMessageBuilder>(std::move(id), std::move(source_id), std::move(text),
                                             time, std::move(type), notification.getSpareParts());
   carryOverDatesAndRemaining(notification, *builder);
   return builder;

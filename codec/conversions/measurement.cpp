@@ -15,15 +15,15 @@ std::unique_ptr<TivraMessageBuilder> convertMeasurement(PulsarMessageDisassemble
   SpareParts& spares = notification.getSpareParts();
   data_t source = extractField(notification, DATA_T_source);
   data_t& id = notification.holdId(extractField(notification, DATA_T_id));
-  data_t sourceId = extractSourceId(std::move(source), notification);
+  data_t source_id = extractSourceId(std::move(source), notification);
   const double time = extractTimeTimestamp(notification);
   data_t type = extractField(notification, DATA_T_type);
   ensureValueDataTIsString("id", id, fault);
-  ensureValueDataTIsString("source", sourceId, fault);
+  ensureValueDataTIsString("source", source_id, fault);
   ensureValueDataTIsString("type", type, fault);
   if (fault) return nullptr;
 
-  auto builder = std::make_unique<MeasurementMessageBuilder>(std::move(id), std::move(sourceId),
+  auto builder = std::make_unique<MeasurementMessageBuilder>(std::move(id), std::move(source_id),
                                                              time, std::move(type), spares);
   // Not "firstOccurrenceTime": it has no meaning for measurements and stays as it is.
   convertDateTimePayloadElement(DATA_T_creationTime, notification, *builder);
@@ -79,15 +79,15 @@ map_t createMeasurementValue(map_t&& series, SpareParts& spares) {
 }
 
 void MeasurementValueBuilder::setValue(map_entry_t&& value) {
-  measurementValue_.add(value.hash, std::move(value.key), std::move(value.value));
+  measurement_value_.add(value.hash, std::move(value.key), std::move(value.value));
 }
 
 void MeasurementValueBuilder::setUnits(map_entry_t&& units) {
-  measurementValue_.add(units.hash, std::move(units.key), std::move(units.value));
+  measurement_value_.add(units.hash, std::move(units.key), std::move(units.value));
 }
 
 void MeasurementValueBuilder::setParams(map_t&& params) {
-  measurementValue_.add(DATA_T_params.hash(), DATA_T_params.copy(), std::move(params));
+  measurement_value_.add(DATA_T_params.hash(), DATA_T_params.copy(), std::move(params));
 }
 
 } // namespace com::velanto::connectivity::plugins::pulsar

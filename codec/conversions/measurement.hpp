@@ -38,15 +38,15 @@ class MeasurementValueBuilder {
  public:
   // `emptied` is a map without entries.
   explicit MeasurementValueBuilder(map_t&& emptied) noexcept
-      : measurementValue_(std::move(emptied)) {}
+      : measurement_value_(std::move(emptied)) {}
   // Throw std::bad_alloc.
   void setValue(map_entry_t&& value);
   void setUnits(map_entry_t&& units);
   void setParams(map_t&& params);
-  [[nodiscard]] map_t getResult() && noexcept { return std::move(measurementValue_); }
+  [[nodiscard]] map_t getResult() && noexcept { return std::move(measurement_value_); }
 
  private:
-  map_t measurementValue_;
+  map_t measurement_value_;
 };
 
 // The measurement value of a series: every entry but "value" and "units" is in "params", which is the

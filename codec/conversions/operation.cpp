@@ -1,4 +1,4 @@
-// Operation: (1) source, deviceId  (2) the source's id  (3) status  (4) builder
+// Operation: (1) source, device_id  (2) the source's id  (3) status  (4) builder
 //            (5) optional dates  (6) all remaining fields
 // The order is behaviour: the report names the first field that is missing or wrong. The payload's
 // own "id" is a remaining field, so it replaces the "id" made from the deviceId.
@@ -28,18 +28,18 @@ std::unique_ptr<TivraMessageBuilder> convertOperation(PulsarMessageDisassembler&
   Fault& fault = notification.getFault();
   SpareParts& spares = notification.getSpareParts();
   data_t source = extractField(notification, DATA_T_source);
-  data_t deviceId = extractField(notification, DATA_T_deviceId);
-  data_t sourceId = extractSourceId(std::move(source), notification);
+  data_t device_id = extractField(notification, DATA_T_deviceId);
+  data_t source_id = extractSourceId(std::move(source), notification);
   data_t status = extractField(notification, DATA_T_status);
-  const OperationStatus statusValue = operationStatusFromString(
+  const OperationStatus status_value = operationStatusFromString(
       getFromDataTReportingKey<char const*>(status, "status", fault), fault);
-  ensureValueDataTIsString("id", deviceId, fault);
-  ensureValueDataTIsString("source", sourceId, fault);
+  ensureValueDataTIsString("id", device_id, fault);
+  ensureValueDataTIsString("source", source_id, fault);
   if (fault) return nullptr;
 
-  spares.keep(operationStatusToDataTString(statusValue), std::move(status));
-  auto builder = std::make_unique<OperationMessageBuilder>(std::move(deviceId), std::move(sourceId),
-                                                           statusValue, spares);
+  spares.keep(operationStatusToDataTString(status_value), std::move(status));
+  auto builder = std::make_unique<OperationMessageBuilder>(
+      std::move(device_id), std::move(source_id), status_value, spares);
   carryOverDatesAndRemaining(notification, *builder);
   return builder;
 }

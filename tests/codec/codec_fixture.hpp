@@ -17,12 +17,12 @@ inline constexpr const char* CATEGORY = "connectivity.plugin.chain";
 
 class CodecFixture : public HostFixture {
  protected:
-  static std::unique_ptr<OstroviaNotifications2Codec> codec_with(const map_t& configuration) {
+  static std::unique_ptr<OstroviaNotifications2Codec> codecWith(const map_t& configuration) {
     const PluginConstructorParameters params("plugin", "chain", configuration, nullptr, nullptr);
     return std::make_unique<OstroviaNotifications2Codec>(params);
   }
   static std::unique_ptr<OstroviaNotifications2Codec> codec() {
-    return codec_with(map_of("tenantId", text("")));
+    return codecWith(mapOf("tenantId", text("")));
   }
 
   // A notification of an example's kind.

@@ -23,9 +23,9 @@ std::vector<data_t> replacements() {
   std::vector<data_t> values(1);
   values.push_back(truth(true));
   values.push_back(whole(7));
-  values.push_back(null_text());
+  values.push_back(nullText());
   values.push_back(text("neither a time nor a state"));
-  values.emplace_back(map_of("name", text("without an id")));
+  values.emplace_back(mapOf("name", text("without an id")));
   return values;
 }
 
@@ -37,7 +37,7 @@ TEST_P(FaultyNotifications, AreDroppedWithoutAnException) {
   const auto codec = CodecFixture::codec();
   codec->setNextTowardsHost(std::make_unique<CountingLink>(sizes));
   std::ptrdiff_t sent = 0;
-  stderr_of([&] {
+  stderrOf([&] {
     for (const std::string& key : keysOf(EXAMPLES[GetParam()].payload())) {
       for (const data_t& value : replacements()) {
         Message message = example(GetParam());
@@ -63,10 +63,10 @@ INSTANTIATE_TEST_SUITE_P(Kinds, FaultyNotifications,
 
 TEST_F(CodecFixture, NotificationWithoutAKindOrFieldsIsDroppedWithoutAnException) {
   const auto codec = CodecFixture::codec();
-  Message messages[] = {notification("a/b/inventory/1", map_of("id", text("1"))),
-                        notification("a/b/alarms/1", list_of(text("1")))};
+  Message messages[] = {notification("a/b/inventory/1", mapOf("id", text("1"))),
+                        notification("a/b/alarms/1", listOf(text("1")))};
   const std::int64_t before = exceptionsThrown();
-  stderr_of([&] { codec->sendBatchTowardsHost(std::begin(messages), std::end(messages)); });
+  stderrOf([&] { codec->sendBatchTowardsHost(std::begin(messages), std::end(messages)); });
   EXPECT_EQ(exceptionsThrown() - before, 0);
   EXPECT_EQ(takeLog().size(), 2U);
 }

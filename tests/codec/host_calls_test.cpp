@@ -61,7 +61,7 @@ class HostCalls : public CodecFixture, public ::testing::WithParamInterface<std:
   // A codec that writes a tenant and has a link.
   static std::unique_ptr<OstroviaNotifications2Codec> linkedCodec(
       std::vector<std::ptrdiff_t>& sizes) {
-    auto codec = codec_with(map_of("tenantId", text("t1")));
+    auto codec = codecWith(mapOf("tenantId", text("t1")));
     codec->setNextTowardsHost(std::make_unique<CountingLink>(sizes));
     return codec;
   }
@@ -105,8 +105,8 @@ using HostCallsOfOthers = CodecFixture;
 
 TEST_F(HostCallsOfOthers, PassingMessageCostsNothing) {
   const auto codec = CodecFixture::codec();
-  Message messages[] = {Message(map_of("id", text("1")), map_of("other", text("a/b/alarms/1"))),
-                        Message(data_t(), map_of("pulsarPath", text("a/b/alarms/1")))};
+  Message messages[] = {Message(mapOf("id", text("1")), mapOf("other", text("a/b/alarms/1"))),
+                        Message(data_t(), mapOf("pulsarPath", text("a/b/alarms/1")))};
   const std::int64_t before = allocationsMade();
   standin_reset_calls();
   codec->sendBatchTowardsHost(std::begin(messages), std::end(messages));
@@ -132,7 +132,7 @@ TEST_F(HostCallsOfOthers, NothingIsFormattedForADroppedMessageBelowTheLevelOfRep
   for (const vlt_log_level_t level : {2, 3}) {
     standin_set_log_level(CATEGORY, level);
     const auto codec = CodecFixture::codec();
-    Message message = notification("a/b/inventory/1", map_of("id", text("1")));
+    Message message = notification("a/b/inventory/1", mapOf("id", text("1")));
     const std::int64_t before = allocationsMade();
     standin_reset_calls();
     codec->sendBatchTowardsHost(&message, &message + 1);

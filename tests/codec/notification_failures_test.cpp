@@ -20,12 +20,12 @@ using ::testing::IsEmpty;
 class Failures : public CodecFixture {
  protected:
   static Message inventory(data_t&& id) {
-    return notification("tenantA/sub1/inventory/7", map_of("id", std::move(id), "a", whole(1)));
+    return notification("tenantA/sub1/inventory/7", mapOf("id", std::move(id), "a", whole(1)));
   }
 };
 
 TEST_F(Failures, WithoutAnExceptionInFlightNothingIsReported) {
-  Message message(map_of("id", text("1")));
+  Message message(mapOf("id", text("1")));
   const auto codec = CodecFixture::codec();
   EXPECT_FALSE(codec->handleException(message, false));
   EXPECT_FALSE(codec->handleException(message, true));
@@ -33,18 +33,18 @@ TEST_F(Failures, WithoutAnExceptionInFlightNothingIsReported) {
 }
 
 template <class Exception>
-void reportInFlight(OstroviaNotifications2Codec& codec, Message& message, bool towardsTransport,
+void reportInFlight(OstroviaNotifications2Codec& codec, Message& message, bool towards_transport,
                     const Exception& exception) {
   try {
     throw exception;
   } catch (...) {
-    EXPECT_FALSE(codec.handleException(message, towardsTransport));
+    EXPECT_FALSE(codec.handleException(message, towards_transport));
   }
 }
 
 TEST_F(Failures, ReportNamesTheDirectionAndWhatIsKnownOfTheException) {
   const auto codec = CodecFixture::codec();
-  Message named(map_of("id", borrowed("1")));
+  Message named(mapOf("id", borrowed("1")));
   Message unnamed(text("id"));
   reportInFlight(*codec, named, true, std::runtime_error("boom"));
   reportInFlight(*codec, named, false, 42);
@@ -60,7 +60,7 @@ TEST_F(Failures, ReportNamesTheDirectionAndWhatIsKnownOfTheException) {
 
 // A message that failed is as it came, or holds its id and nothing else.
 bool isUntouchedOrOnlyItsId(const Message& message, map_t (*example)()) {
-  const bool only_id = message.getPayload() == map_of("id", text("1"));
+  const bool only_id = message.getPayload() == mapOf("id", text("1"));
   return only_id ? message.getMetadataMap().table() == nullptr
                  : message.getPayload() == example() && message.getMetadataMap().size() == 1;
 }
@@ -81,9 +81,9 @@ TEST_F(Failures, ExhaustedMemoryDropsOneMessageAndTheBatchGoesOn) {
     ASSERT_EQ(sizes.back(), refused ? 1 : 2);
     ASSERT_EQ(takeLog(), refused ? std::vector{report} : std::vector<log_line_t>{});
     if (!refused) break;
-    const bool alarm_dropped = batch[0].getPayload() == event_fields();
-    ASSERT_TRUE(alarm_dropped || batch[0].getPayload() == alarm_fields());
-    ASSERT_TRUE(isUntouchedOrOnlyItsId(batch[1], alarm_dropped ? alarm_example : event_example));
+    const bool alarm_dropped = batch[0].getPayload() == eventFields();
+    ASSERT_TRUE(alarm_dropped || batch[0].getPayload() == alarmFields());
+    ASSERT_TRUE(isUntouchedOrOnlyItsId(batch[1], alarm_dropped ? alarmExample : eventExample));
     ++(alarm_dropped ? dropped_alarms : dropped_events);
   }
   EXPECT_GT(dropped_alarms, 5);
@@ -134,14 +134,14 @@ TEST_F(Failures, UnusuallyLongReportIsCutWithoutMemory) {
 TEST_F(Failures, WithoutMemoryTheFaultIsStillReported) {
   for (const bool has_id : {true, false}) {
     const auto codec = CodecFixture::codec();
-    Message message = notification("a/b/alarms/1", has_id ? map_of("id", text("1")) : map_of());
+    Message message = notification("a/b/alarms/1", has_id ? mapOf("id", text("1")) : mapOf());
     standin_fail_allocations_from(1);
     codec->sendBatchTowardsHost(&message, &message + 1);
     standin_fail_allocation(0);
     EXPECT_THAT(takeLog(), ElementsAre(dropped(std::string(has_id ? " ('id' = '1')" : "") +
                                                ": Required key 'source' missing from message "
                                                "payload")));
-    EXPECT_EQ(message.getPayload(), has_id ? data_t(map_of("id", text("1"))) : data_t());
+    EXPECT_EQ(message.getPayload(), has_id ? data_t(mapOf("id", text("1"))) : data_t());
     EXPECT_EQ(message.getMetadataMap().table(), nullptr);
   }
 }

@@ -41,7 +41,7 @@ inline Message converted(Conversion* convert, map_t&& payload) {
 }
 
 // The fields of the event made of a payload.
-inline map_t fields_of(Conversion* convert, map_t&& payload) {
+inline map_t fieldsOf(Conversion* convert, map_t&& payload) {
   Message message = converted(convert, std::move(payload));
   return std::move(message.getPayload().get<map_t>());
 }
@@ -62,18 +62,18 @@ inline ::testing::AssertionResult same(const map_t& actual, const map_t& expecte
 }
 
 // The content's 8 bytes: for a kind with a block, which block it is.
-inline std::uint64_t block_of(const data_t& value) {
+inline std::uint64_t blockOf(const data_t& value) {
   std::uint64_t bits = 0;
   std::memcpy(&bits, &value.underlying()->value, sizeof bits);
   return bits;
 }
-inline std::uint64_t block_of(const map_t& map) {
+inline std::uint64_t blockOf(const map_t& map) {
   return reinterpret_cast<std::uintptr_t>(map.table());
 }
 // Which block the key of an entry is.
-inline std::uint64_t key_block_of(map_t& map, const data_t& key) {
+inline std::uint64_t keyBlockOf(map_t& map, const data_t& key) {
   (void)at(map, key); // there is one
-  return block_of((*map.find(key)).first);
+  return blockOf((*map.find(key)).first);
 }
 
 } // namespace com::velanto::connectivity::test

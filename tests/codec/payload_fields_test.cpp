@@ -17,44 +17,44 @@ class Extract : public HostFixture {};
 class Remaining : public HostFixture {};
 
 TEST_F(Extract, PresentEntryIsReturnedAndRemoved) {
-  map_t map = map_of("name", list_of(whole(1)), "b", whole(2));
-  const std::uint64_t list = block_of(at(map, "name"));
+  map_t map = mapOf("name", listOf(whole(1)), "b", whole(2));
+  const std::uint64_t list = blockOf(at(map, "name"));
   const boost::optional<data_t> value = extractFromMapIfPresent(map, DATA_T_name);
   ASSERT_TRUE(value.has_value());
-  EXPECT_EQ(block_of(*value), list);
-  EXPECT_TRUE(same(map, map_of("b", whole(2))));
+  EXPECT_EQ(blockOf(*value), list);
+  EXPECT_TRUE(same(map, mapOf("b", whole(2))));
   EXPECT_EQ(map.table()->deleted, 1);
   EXPECT_FALSE(extractFromMapIfPresent(map, DATA_T_name).has_value());
   EXPECT_EQ(map.size(), 1U);
 }
 
 TEST_F(Extract, SourceIdKeepsItsKeyAsASparePart) {
-  PulsarMessageDisassembler notification = wrapped(map_of());
-  data_t source = map_of("name", text("dev"), "id", text("7"));
-  const std::uint64_t key = key_block_of(source.get<map_t>(), text("id"));
+  PulsarMessageDisassembler notification = wrapped(mapOf());
+  data_t source = mapOf("name", text("dev"), "id", text("7"));
+  const std::uint64_t key = keyBlockOf(source.get<map_t>(), text("id"));
   EXPECT_TRUE(same(extractSourceId(std::move(source), notification), text("7")));
   EXPECT_FALSE(notification.getFault());
-  EXPECT_EQ(block_of(notification.getSpareParts().take(DATA_T_id)), key);
+  EXPECT_EQ(blockOf(notification.getSpareParts().take(DATA_T_id)), key);
 }
 
 TEST_F(Extract, FaultyNotificationIsLeftAlone) {
   PulsarMessageDisassembler notification =
-      wrapped(map_of("text", text("a"), "time", text("2023-04-05T06:07:08Z")));
+      wrapped(mapOf("text", text("a"), "time", text("2023-04-05T06:07:08Z")));
   notification.getFault().note(std::runtime_error("first"));
   EXPECT_TRUE(extractField(notification, DATA_T_text).empty());
   (void)extractTimeTimestamp(notification);
-  (void)extractSourceId(map_of("id", text("7")), notification);
+  (void)extractSourceId(mapOf("id", text("7")), notification);
   (void)extractField(notification, DATA_T_source);
   EXPECT_STREQ(notification.getFault().what(), "first");
   EXPECT_TRUE(same(notification.getPayloadMap(),
-                   map_of("text", text("a"), "time", text("2023-04-05T06:07:08Z"))));
+                   mapOf("text", text("a"), "time", text("2023-04-05T06:07:08Z"))));
 }
 
 TEST_F(Remaining, KeysAndValuesAreMovedNeverCopied) {
-  map_t payload = map_of("s", text("x"), "l", list_of(whole(1)), "m", map_of("a", whole(1)), "b",
-                         bytes("x"), "c", custom(), borrowed("lent"), borrowed("y"));
+  map_t payload = mapOf("s", text("x"), "l", listOf(whole(1)), "m", mapOf("a", whole(1)), "b",
+                        bytes("x"), "c", custom(), borrowed("lent"), borrowed("y"));
   std::vector<std::pair<std::uint64_t, std::uint64_t>> before;
-  for (const auto& [key, value] : payload) before.emplace_back(block_of(key), block_of(value));
+  for (const auto& [key, value] : payload) before.emplace_back(blockOf(key), blockOf(value));
   PulsarMessageDisassembler notification = wrapped(std::move(payload));
   PlainBuilder builder;
   remove(builder.fields, "id");
@@ -62,15 +62,14 @@ TEST_F(Remaining, KeysAndValuesAreMovedNeverCopied) {
   copyOverRemainingPayloadElements(notification, builder);
   EXPECT_EQ(standin_calls(STANDIN_COPY_DATA) + standin_calls(STANDIN_COPY_STRING), 0);
   std::vector<std::pair<std::uint64_t, std::uint64_t>> after;
-  for (const auto& [key, value] : builder.fields)
-    after.emplace_back(block_of(key), block_of(value));
+  for (const auto& [key, value] : builder.fields) after.emplace_back(blockOf(key), blockOf(value));
   EXPECT_THAT(after, ::testing::UnorderedElementsAreArray(before));
   EXPECT_TRUE(same(at(builder.fields, borrowed("lent")), borrowed("y")));
 }
 
 // An entry whose key the map itself would refuse, as a host's own table may hold one.
 map_t mapWithCustomKey() {
-  map_t map = map_of(whole(1), text("v"));
+  map_t map = mapOf(whole(1), text("v"));
   (*map.begin()).first = custom();
   return map;
 }
@@ -78,7 +77,7 @@ map_t mapWithCustomKey() {
 TEST_F(Remaining, CustomKeyIsRefused) {
   PulsarMessageDisassembler notification = wrapped(mapWithCustomKey());
   PlainBuilder builder;
-  EXPECT_EQ(error_of([&] { copyOverRemainingPayloadElements(notification, builder); }),
+  EXPECT_EQ(errorOf([&] { copyOverRemainingPayloadElements(notification, builder); }),
             "Cannot use custom values as a key");
 }
 

@@ -20,15 +20,15 @@ using SparePartsTest = HostFixture;
 // Keeps a copy of the constant; returns its block.
 std::uint64_t keepCopy(SpareParts& spares, const constant_t& constant) {
   data_t copy = constant.copy();
-  const std::uint64_t block = block_of(copy);
+  const std::uint64_t block = blockOf(copy);
   spares.keep(constant, std::move(copy));
   return block;
 }
 
 // Keeps a table of 8 slots; returns its block.
 std::uint64_t keepTable(SpareParts& spares) {
-  map_t map = map_of("a", text("1"));
-  const std::uint64_t block = block_of(map);
+  map_t map = mapOf("a", text("1"));
+  const std::uint64_t block = blockOf(map);
   spares.keep(std::move(map));
   return block;
 }
@@ -38,13 +38,13 @@ std::uint64_t keepTable(SpareParts& spares) {
 TEST_F(SparePartsTest, KeptCopyComesBackInItsBlock) {
   SpareParts spares;
   data_t copy = text("id");
-  const std::uint64_t block = block_of(copy);
+  const std::uint64_t block = blockOf(copy);
   standin_reset_calls();
   spares.keep(DATA_T_id, std::move(copy));
   EXPECT_TRUE(copy.empty());
   const data_t taken = spares.take(DATA_T_id);
   EXPECT_EQ(standin_calls_total(), 0);
-  EXPECT_EQ(block_of(taken), block);
+  EXPECT_EQ(blockOf(taken), block);
   EXPECT_TRUE(same(taken, text("id")));
 }
 
@@ -53,7 +53,7 @@ TEST_F(SparePartsTest, WithoutACopyANewOneIsMade) {
   const std::int64_t before = standin_live_blocks_total();
   const data_t taken = spares.take(DATA_T_id);
   EXPECT_TRUE(same(taken, text("id")));
-  EXPECT_NE(block_of(taken), block_of(DATA_T_id));
+  EXPECT_NE(blockOf(taken), blockOf(DATA_T_id));
   EXPECT_EQ(standin_live_blocks_total(), before + 1);
 }
 
@@ -62,8 +62,8 @@ TEST_F(SparePartsTest, CopyIsTakenOnceOnly) {
   const std::uint64_t block = keepCopy(spares, DATA_T_id);
   const data_t first = spares.take(DATA_T_id);
   const data_t second = spares.take(DATA_T_id);
-  EXPECT_EQ(block_of(first), block);
-  EXPECT_NE(block_of(second), block);
+  EXPECT_EQ(blockOf(first), block);
+  EXPECT_NE(blockOf(second), block);
   EXPECT_TRUE(same(second, text("id")));
 }
 
@@ -71,9 +71,9 @@ TEST_F(SparePartsTest, CopyCanBeKeptAgainAfterItWasTaken) {
   SpareParts spares;
   keepCopy(spares, DATA_T_id);
   data_t taken = spares.take(DATA_T_id);
-  const std::uint64_t block = block_of(taken);
+  const std::uint64_t block = blockOf(taken);
   spares.keep(DATA_T_id, std::move(taken));
-  EXPECT_EQ(block_of(spares.take(DATA_T_id)), block);
+  EXPECT_EQ(blockOf(spares.take(DATA_T_id)), block);
 }
 
 TEST_F(SparePartsTest, SecondCopyIsFreed) {
@@ -84,7 +84,7 @@ TEST_F(SparePartsTest, SecondCopyIsFreed) {
   spares.keep(DATA_T_id, std::move(second));
   EXPECT_TRUE(second.empty());
   EXPECT_EQ(standin_live_blocks_total(), before - 1);
-  EXPECT_EQ(block_of(spares.take(DATA_T_id)), block);
+  EXPECT_EQ(blockOf(spares.take(DATA_T_id)), block);
 }
 
 TEST_F(SparePartsTest, BorrowedStringIsNotKept) {
@@ -106,7 +106,7 @@ TEST_F(SparePartsTest, EveryConstantHasAPlaceOfItsOwn) {
   for (std::size_t i = 0; i < 6; ++i) blocks.at(i) = keepCopy(spares, *constants.at(i));
   for (std::size_t i = 0; i < 6; ++i) {
     const data_t taken = spares.take(*constants.at(i));
-    EXPECT_EQ(block_of(taken), blocks.at(i)) << i;
+    EXPECT_EQ(blockOf(taken), blocks.at(i)) << i;
     EXPECT_TRUE(same(taken, *constants.at(i)));
   }
 }
@@ -128,15 +128,15 @@ TEST_F(SparePartsTest, CopiesLeftOverAreFreed) {
 
 TEST_F(SparePartsTest, KeptTableComesBackEmptied) {
   SpareParts spares;
-  map_t map = map_of("a", text("1"), "b", list_of(text("2")), "c", text("3"));
+  map_t map = mapOf("a", text("1"), "b", listOf(text("2")), "c", text("3"));
   remove(map, "a");
-  const std::uint64_t block = block_of(map);
+  const std::uint64_t block = blockOf(map);
   const std::int64_t before = standin_live_blocks_total();
   spares.keep(std::move(map));
   EXPECT_EQ(map.table(), nullptr);
   EXPECT_EQ(standin_live_blocks_total(), before - 5) << "two keys, a list with a text, a text";
   const map_t taken = spares.takeMap();
-  ASSERT_EQ(block_of(taken), block);
+  ASSERT_EQ(blockOf(taken), block);
   EXPECT_EQ(counts_of(taken), (counts_t{0, 8, 0}));
   for (std::int64_t i = 0; i < 8; ++i) EXPECT_TRUE(slot_at(taken, i).is_free()) << i;
 }
@@ -176,7 +176,7 @@ TEST_F(SparePartsTest, FifthTableIsFreed) {
   std::set<std::uint64_t> blocks;
   for (map_t& map : taken) {
     map = spares.takeMap();
-    blocks.insert(block_of(map));
+    blocks.insert(blockOf(map));
   }
   EXPECT_EQ(blocks, kept);
   EXPECT_EQ(spares.takeMap().table(), nullptr);
@@ -184,12 +184,12 @@ TEST_F(SparePartsTest, FifthTableIsFreed) {
 
 TEST_F(SparePartsTest, TableOfAnEmptiedMapIsKept) {
   SpareParts spares;
-  map_t map = map_of("a", text("1"), "b", text("2"));
+  map_t map = mapOf("a", text("1"), "b", text("2"));
   remove(map, "a");
-  const std::uint64_t block = block_of(map);
+  const std::uint64_t block = blockOf(map);
   spares.keep(std::move(map).drain([](map_entry_t&&) {}));
   const map_t taken = spares.takeMap();
-  ASSERT_EQ(block_of(taken), block);
+  ASSERT_EQ(blockOf(taken), block);
   EXPECT_EQ(counts_of(taken), (counts_t{0, 8, 0}));
 }
 

@@ -14,7 +14,7 @@
 
 namespace com::velanto::connectivity::test {
 
-inline boost::optional<double> reference_offset(const std::string& zone) {
+inline boost::optional<double> referenceOffset(const std::string& zone) {
   std::string hours;
   std::string minutes;
   if (zone.find(':') != std::string::npos) {
@@ -33,7 +33,7 @@ inline boost::optional<double> reference_offset(const std::string& zone) {
   return h * 3600.0 + 0.0 + m * 60.0;
 }
 
-inline boost::optional<double> reference_steps(const std::string& text) {
+inline boost::optional<double> referenceSteps(const std::string& text) {
   if (text.size() < 20) return boost::none;
   if (text[4] != '-' || text[7] != '-' || text[10] != 'T') return boost::none;
   if (text[13] != ':' || text[16] != ':') return boost::none;
@@ -41,7 +41,7 @@ inline boost::optional<double> reference_steps(const std::string& text) {
   std::string thousandths = "1"; // keeps leading zeros
   if (dot) thousandths += text.substr(20, 3);
   const double fraction = dot ? (std::stoi(thousandths) - 1000) / 1000.0 : 0.0;
-  const auto offset = reference_offset(text.substr(dot ? 23 : 19, 6));
+  const auto offset = referenceOffset(text.substr(dot ? 23 : 19, 6));
   if (!offset) return boost::none;
   std::tm fields{};
   const std::string date_time = text.substr(0, 19);
@@ -49,17 +49,17 @@ inline boost::optional<double> reference_steps(const std::string& text) {
   return (fraction + static_cast<double>(timegm(&fields))) - *offset;
 }
 
-inline boost::optional<double> reference_time(const char* text) {
+inline boost::optional<double> referenceTime(const char* text) {
   if (text == nullptr) return boost::none;
   try {
-    return reference_steps(text);
+    return referenceSteps(text);
   } catch (const std::exception&) {
     return boost::none;
   }
 }
 
 // For comparisons in which -0.0 and the last digit count.
-inline std::uint64_t bits_of(const boost::optional<double>& seconds) {
+inline std::uint64_t bitsOf(const boost::optional<double>& seconds) {
   return seconds ? std::bit_cast<std::uint64_t>(*seconds) : 0;
 }
 

@@ -62,9 +62,9 @@ TEST(TryParseTimeMutations, AgreeWithThePlainReadingBitForBit) {
   for (int i = 0; i < TEXTS; ++i) {
     const std::string text = mutator.next();
     const auto actual = tryParseTime(text.c_str());
-    const auto expected = test::reference_time(text.c_str());
+    const auto expected = test::referenceTime(text.c_str());
     ASSERT_EQ(actual.has_value(), expected.has_value()) << text;
-    ASSERT_EQ(test::bits_of(actual), test::bits_of(expected)) << text;
+    ASSERT_EQ(test::bitsOf(actual), test::bitsOf(expected)) << text;
     if (actual) ++accepted;
   }
   // Otherwise the comparison would say little about one of the two outcomes.

@@ -43,7 +43,7 @@ class Case : public ::testing::Test {
     Trial trial(VLT_PLUGIN_PATH, 0, records.descriptor(), printed.descriptor());
     {
       const Redirected redirected(printed.descriptor());
-      play(trial, library_, line_, Demand::advised);
+      play(trial, library_, line_, Demand::ADVISED);
     }
     EXPECT_EQ(trial.differences(), 0) << readWhole(records.descriptor());
   }
@@ -100,7 +100,7 @@ int main(int argc, char** argv) {
   using namespace com::velanto::connectivity::test;
   ::testing::InitGoogleTest(&argc, argv);
   try {
-    const PluginLibrary library(VLT_PLUGIN_PATH, PluginLibrary::Version::any);
+    const PluginLibrary library(VLT_PLUGIN_PATH, PluginLibrary::Version::ANY);
     const std::vector<line_t> lines = allLines();
     registerTests(library, lines);
     return runSelected();

@@ -31,7 +31,7 @@ std::string between(const char* expected, const char* came) {
 }
 
 std::string faultOf(const char* line) {
-  return error_of([&] { (void)readCase(json(line)); });
+  return errorOf([&] { (void)readCase(json(line)); });
 }
 
 TEST(HarnessComparison, EqualValuesDoNotDiffer) {
@@ -119,10 +119,10 @@ TEST(HarnessComparison, TellsAKeyThatALookupDoesNotFind) {
 }
 
 TEST(HarnessComparison, MessagesDifferInMetadataToo) {
-  const Message expected(text("x"), map_of("a", whole(1)));
-  EXPECT_EQ(told(expected, Message(text("x"), map_of("a", whole(2)))),
+  const Message expected(text("x"), mapOf("a", whole(1)));
+  EXPECT_EQ(told(expected, Message(text("x"), mapOf("a", whole(2)))),
             "it metadata.\"a\": integer 1 / integer 2");
-  EXPECT_EQ(told(expected, Message(text("y"), map_of("a", whole(1)))),
+  EXPECT_EQ(told(expected, Message(text("y"), mapOf("a", whole(1)))),
             "it payload: string \"x\" / string \"y\"");
 }
 
@@ -133,7 +133,7 @@ TEST(HarnessFormat, MarkersGiveTheValuesTheyName) {
   EXPECT_EQ(decoder.decode(json(R"({"$buffer": "x"})")), bytes("x"));
   EXPECT_EQ(decoder.decode(json(R"({"$tag": 11})")).type_tag(), 11U);
   EXPECT_EQ(decoder.decode(json(R"({"$null_text": 10})")).type_tag(), VLT_TAG_BORROWED_STRING);
-  EXPECT_EQ(decoder.decode(json(R"({"$map": [[5, "x"]]})")), data_t(map_of(whole(5), text("x"))));
+  EXPECT_EQ(decoder.decode(json(R"({"$map": [[5, "x"]]})")), data_t(mapOf(whole(5), text("x"))));
 }
 
 TEST(HarnessFormat, OrderedEntriesLieInTheirOrderAndAreAllFound) {

@@ -37,23 +37,23 @@ map_t numbers(int count) {
 }
 
 map_t eventOfFields(int count) {
-  map_t payload = map_of("id", text("1"), "source", map_of("id", text("7")), "text", text("t"),
-                         "time", text("2023-04-05T06:07:08.000Z"), "type", text("site_Test"));
+  map_t payload = mapOf("id", text("1"), "source", mapOf("id", text("7")), "text", text("t"),
+                        "time", text("2023-04-05T06:07:08.000Z"), "type", text("site_Test"));
   for (int i = 0; i < count; ++i) payload[name(i)] = whole(i);
   return payload;
 }
 
 map_t measurementOfSeries(int count) {
   map_t fragment;
-  for (int i = 0; i < count; ++i) fragment[name(i)] = map_of("value", real(i));
-  return map_of("id", text("1"), "source", map_of("id", text("7")), "time",
-                text("2023-04-05T06:07:08.000Z"), "type", text("site_Test"), "fragment",
-                std::move(fragment));
+  for (int i = 0; i < count; ++i) fragment[name(i)] = mapOf("value", real(i));
+  return mapOf("id", text("1"), "source", mapOf("id", text("7")), "time",
+               text("2023-04-05T06:07:08.000Z"), "type", text("site_Test"), "fragment",
+               std::move(fragment));
 }
 
 map_t objectOfComponents(int count) {
-  return map_of("id", text("1"), "name", text("n"), "type", text("site_Test"), "o6a_Position",
-                numbers(count));
+  return mapOf("id", text("1"), "name", text("n"), "type", text("site_Test"), "o6a_Position",
+               numbers(count));
 }
 
 struct kind_t {

@@ -120,7 +120,7 @@ const std::set<std::string> ALL_TYPES = {
 } // namespace
 
 TEST_F(EventSchemaTest, EveryEventOfTheSamplesIsAccepted) {
-  const std::string direct = stderr_of([&] {
+  const std::string direct = stderrOf([&] {
     for (const char* tenant : {R"({"tenantId": ""})", R"({"tenantId": "t4100"})"}) {
       ReplayCodec codec(reader_.parseValue(tenant));
       for (const std::string& name : ndjsonIn("samples")) {
@@ -136,7 +136,7 @@ TEST_F(EventSchemaTest, EveryEventOfTheSamplesIsAccepted) {
 }
 
 TEST_F(EventSchemaTest, EveryEventOfTheConformanceCasesIsAccepted) {
-  const std::string direct = stderr_of([&] {
+  const std::string direct = stderrOf([&] {
     for (const auto& [file, line] : tools::check::embeddedLines()) {
       tools::check::case_t played = tools::check::readCase(reader_.parseValue(line));
       if (!played.created || played.towards_transport) continue;

@@ -83,7 +83,7 @@ TEST_F(Fields, TimesBecomeTheValuesOfTheTable) {
     std::vector<Message> batch;
     batch.push_back(notification(
         "t/s/managedobjects/1",
-        map_of("id", text("1"), "name", text("n"), "lastUpdated", text(row[0].c_str()))));
+        mapOf("id", text("1"), "name", text("n"), "lastUpdated", text(row[0].c_str()))));
     std::vector<Message> reached = codec.hostGets(std::move(batch));
     ASSERT_EQ(reached.size(), 1u);
     const data_t expected =

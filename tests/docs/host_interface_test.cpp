@@ -180,7 +180,7 @@ TEST_F(HostInterface, VersionsAgreeWithTheLibrary) {
 }
 
 TEST_F(HostInterface, HostFunctionsHaveThePhasesOfTheTable) {
-  static_cast<void>(stderr_of([&] {
+  static_cast<void>(stderrOf([&] {
     for (const auto& [file, line] : tools::check::embeddedLines()) {
       case_t played = tools::check::readCase(reader_.parseValue(line));
       play(played);

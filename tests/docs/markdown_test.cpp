@@ -15,7 +15,7 @@ std::string block(const std::string& info, const std::string& text) {
 }
 
 std::string errorOfExamples(const std::string& text) {
-  return error_of([&] { static_cast<void>(readExamples(documentOf(text))); });
+  return errorOf([&] { static_cast<void>(readExamples(documentOf(text))); });
 }
 
 } // namespace
@@ -69,7 +69,7 @@ TEST(NumberedSpans, SpansHaveTheOrderOfTheirNumbers) {
 
 TEST(NumberedSpans, WrongNumberAndMissingSpanAreRefused) {
   const auto error = [](const char* text) {
-    return error_of([&] { static_cast<void>(readNumberedSpans(documentOf(text))); });
+    return errorOf([&] { static_cast<void>(readNumberedSpans(documentOf(text))); });
   };
   EXPECT_EQ(error("2. a\\\n   `x`\n"), "text:1: number 1 is expected here");
   EXPECT_EQ(error("1. a\\\nx\n"), "text:1: the item has no code span on its next line");
@@ -90,9 +90,9 @@ TEST(Table, SingleSpanOfACellLosesItsMarks) {
 
 TEST(Table, MissingTableAndShortRowAreRefused) {
   const document_t document = documentOf("| A | B |\n|---|---|\n| x |");
-  EXPECT_EQ(error_of([&] { static_cast<void>(readTable(document, "C")); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(readTable(document, "C")); }),
             "text:3: there is no table 'C'");
-  EXPECT_EQ(error_of([&] { static_cast<void>(readTable(document, "A")); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(readTable(document, "A")); }),
             "text:3: the row is not as long as the head");
 }
 

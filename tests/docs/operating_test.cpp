@@ -115,14 +115,14 @@ class Operating : public HostFixture {
   // Runs `action` and expects all its lines in the document.
   template <class Action>
   void watch(const std::string& place, const Action& action) {
-    documented_.expectPrinted(stderr_of(action), place);
+    documented_.expectPrinted(stderrOf(action), place);
     for (const log_line_t& line : takeLog()) documented_.expectLogged(line, place);
   }
 
   void playSamples() {
     for (const std::string& name : ndjsonIn("samples")) {
       watch(name, [&] {
-        LoadedCodec codec(library_, map_of("tenantId", text("t4100")));
+        LoadedCodec codec(library_, mapOf("tenantId", text("t4100")));
         for (const std::string& line : readDocument(name).lines) {
           Message message = reader_.parseMessage(line);
           codec.sendTowardsHost(message);
@@ -155,7 +155,7 @@ class Operating : public HostFixture {
   }
 
   void misuseLinks() {
-    LoadedCodec codec(library_, map_of("tenantId", text("")));
+    LoadedCodec codec(library_, mapOf("tenantId", text("")));
     for (auto* const set : {library_.setNextTowardsHost, library_.setNextTowardsTransport}) {
       watch("a null link", [&] { set(codec.plugin(), nullptr, nullptr); });
       watch("no memory for a link", [&] {
@@ -177,7 +177,7 @@ class Operating : public HostFixture {
   void exhaust() {
     for (std::uint64_t n = 1; n < 40; ++n) {
       watch("no memory " + std::to_string(n), [&] {
-        const data_t settings = map_of("tenantId", text("t4100"));
+        const data_t settings = mapOf("tenantId", text("t4100"));
         standin_fail_allocation(n);
         library_.destroy(
             library_.create("codec", "chain", settings.underlying(), nullptr, nullptr));
@@ -210,13 +210,13 @@ TEST_F(Operating, SettingsFailAndDefaultAsTheTableSays) {
   const auto rows = readTable(readDocument(OPERATING), "Key");
   EXPECT_EQ(rows.size(), 3u);
   for (const std::vector<std::string>& row : rows) {
-    for (const data_t& wrong : {data_t(list_of()), data_t()}) {
-      map_t settings = map_of("tenantId", text("t4100"));
+    for (const data_t& wrong : {data_t(listOf()), data_t()}) {
+      map_t settings = mapOf("tenantId", text("t4100"));
       if (has(settings, row[0].c_str())) settings = map_t();
       settings.insert(text(row[0].c_str()), data_t(wrong));
       const data_t configuration(std::move(settings));
       void* codec = nullptr;
-      static_cast<void>(stderr_of([&] {
+      static_cast<void>(stderrOf([&] {
         codec = library_.create("codec", "chain", configuration.underlying(), nullptr, nullptr);
       }));
       EXPECT_EQ(codec != nullptr, row[2].starts_with("nothing.")) << row[0];
@@ -225,7 +225,7 @@ TEST_F(Operating, SettingsFailAndDefaultAsTheTableSays) {
   }
   takeLog();
   EXPECT_EQ(rows[1][0], "measurementSplittingChannel");
-  LoadedCodec codec(library_, map_of("tenantId", text("")));
+  LoadedCodec codec(library_, mapOf("tenantId", text("")));
   Message event = codec.converted(notification(MEASUREMENT_PATH, measurementPayload()));
   EXPECT_EQ(at(event.getMetadataMap(), "vlt.channel"), text(rows[1][1].c_str()));
 }

@@ -75,7 +75,7 @@ TEST_F(Samples, CountsAgreeWithTheTable) {
 
 TEST_F(Samples, FailingLinesAreLoggedAsDescribed) {
   std::vector<Message> reached;
-  const std::string direct = stderr_of([&] { reached = replay("failing.ndjson"); });
+  const std::string direct = stderrOf([&] { reached = replay("failing.ndjson"); });
   const std::vector<std::string> described = readNumberedSpans(readDocument("samples/failing.md"));
   EXPECT_EQ(textsOf(takeLog()), described);
   EXPECT_EQ(reached.size(), 0u);
@@ -88,8 +88,8 @@ TEST_F(Samples, MessageWithoutAPathPassesUnchanged) {
   const auto is_heartbeat = [](const Message& m) { return has(m.getMetadataMap(), "chain"); };
   const auto found = std::find_if(reached.begin(), reached.end(), is_heartbeat);
   ASSERT_NE(found, reached.end());
-  EXPECT_EQ(found->getMetadataMap(), map_of("chain", text("quay-north")));
-  EXPECT_EQ(found->getPayload(), data_t(map_of("heartbeat", whole(200), "connected", truth(true))));
+  EXPECT_EQ(found->getMetadataMap(), mapOf("chain", text("quay-north")));
+  EXPECT_EQ(found->getPayload(), data_t(mapOf("heartbeat", whole(200), "connected", truth(true))));
 }
 
 } // namespace com::velanto::connectivity::test

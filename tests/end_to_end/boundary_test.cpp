@@ -14,7 +14,7 @@ using BoundaryTest = EndToEnd;
 // A C++ library of the plug-in's own would count its caught exceptions apart, and leave the host's
 // count of exceptions under way one too high.
 TEST_F(BoundaryTest, LinksExceptionEndsForTheHostToo) {
-  LoadedCodec codec(library_, map_of("tenantId", text("")));
+  LoadedCodec codec(library_, mapOf("tenantId", text("")));
   library_.setNextTowardsHost(codec.plugin(), nullptr,
                               [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {
                                 throw std::runtime_error("jam");

@@ -33,16 +33,16 @@ class Chain {
     library_.setNextTowardsHost(codec_, &host_, Received::take);
   }
   [[nodiscard]] void* create() const {
-    const data_t settings = map_of("tenantId", text("t1"));
+    const data_t settings = mapOf("tenantId", text("t1"));
     return library_.create("codec", "chain", settings.underlying(), nullptr, nullptr);
   }
   // One notification that cannot be converted, then one that can.
   void send() {
     Message batch[2] = {
-        notification("tenant/subscription/inventory/1", map_of("id", text("1"))),
+        notification("tenant/subscription/inventory/1", mapOf("id", text("1"))),
         notification("tenant/subscription/events/1",
-                     map_of("id", text("2"), "source", map_of("id", text("7")), "text", text("t"),
-                            "time", text("2023-04-05T06:07:08.000Z"), "type", text("o6a_Test")))};
+                     mapOf("id", text("2"), "source", mapOf("id", text("7")), "text", text("t"),
+                           "time", text("2023-04-05T06:07:08.000Z"), "type", text("o6a_Test")))};
     require(library_.sendBatchTowardsHost(codec_, batch, batch + 2) == 0, "the batch succeeds");
     require(host_.messages.size() == 1, "one message is dropped, one is kept");
     require(has(host_.messages[0].getMetadataMap(), "vlt.type"), "the kept one is an event");
@@ -103,7 +103,7 @@ class LastUser {
     }
   }
 };
-const LastUser last_user;
+const LastUser LAST_USER;
 
 } // namespace
 } // namespace com::velanto::connectivity::test

@@ -21,7 +21,7 @@ class ExhaustedLoadingTest : public HostFixture {
     return library;
   }
   static bool creates(const PluginLibrary& library) {
-    const data_t settings = map_of("tenantId", text("t1"));
+    const data_t settings = mapOf("tenantId", text("t1"));
     void* const codec = library.create("codec", "chain", settings.underlying(), nullptr, nullptr);
     library.destroy(codec);
     return codec != nullptr;

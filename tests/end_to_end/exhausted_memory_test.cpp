@@ -11,17 +11,17 @@ using ExhaustedMemoryTest = EndToEnd;
 
 TEST_F(ExhaustedMemoryTest, FailingTraceLeavesTheMessageUntouched) {
   standin_set_log_level("connectivity.codec.chain", 6);
-  LoadedCodec codec(library_, map_of("tenantId", text("t1")));
+  LoadedCodec codec(library_, mapOf("tenantId", text("t1")));
   Message message = notification(EVENT_PATH, eventPayload("4711"));
   standin_fail_allocation(1);
   EXPECT_EQ(codec.sendTowardsHost(message), 0);
   EXPECT_EQ(standin_failed_allocations(), 1U);
   // A failed rendering of the host is a null pointer to the standard library.
   const char* volatile unrendered = nullptr;
-  const std::string why = error_of([&] { const std::string text(unrendered); });
+  const std::string why = errorOf([&] { const std::string text(unrendered); });
   EXPECT_EQ(takeLog(), (lines_t{dropped(" ('id' = '4711'): " + why)}));
   EXPECT_EQ(message.getPayload(), data_t(eventPayload("4711")));
-  EXPECT_EQ(message.getMetadataMap(), map_of("pulsarPath", text(EVENT_PATH)));
+  EXPECT_EQ(message.getMetadataMap(), mapOf("pulsarPath", text(EVENT_PATH)));
 }
 
 } // namespace

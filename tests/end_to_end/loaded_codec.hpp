@@ -26,12 +26,12 @@ inline const char* const UNKNOWN_PATH = "tenant/subscription/inventory/1";
 
 // The payload of a notification that converts, with the least that its kind requires.
 inline map_t eventPayload(const char* id = "1") {
-  return map_of("id", text(id), "source", map_of("id", text("7")), "text", text("t"), "time",
-                text("2023-04-05T06:07:08.000Z"), "type", text("o6a_Test"));
+  return mapOf("id", text(id), "source", mapOf("id", text("7")), "text", text("t"), "time",
+               text("2023-04-05T06:07:08.000Z"), "type", text("o6a_Test"));
 }
 inline map_t measurementPayload(const char* id = "1") {
-  return map_of("id", text(id), "source", map_of("id", text("7")), "time",
-                text("2023-04-05T06:07:08.000Z"), "type", text("o6a_Test"));
+  return mapOf("id", text(id), "source", mapOf("id", text("7")), "time",
+               text("2023-04-05T06:07:08.000Z"), "type", text("o6a_Test"));
 }
 
 // A codec of the loaded library with both links set. Destroys it at the end of its life.
@@ -44,12 +44,12 @@ class LoadedCodec {
   }
 
   int sendTowardsHost(std::span<Message> batch) {
-    return plugin_.send(tools::Direction::towardsHost, batch) ? 0 : 1;
+    return plugin_.send(tools::Direction::TOWARDS_HOST, batch) ? 0 : 1;
   }
   // One message; parts that the link does not take stay in `message`.
   int sendTowardsHost(Message& message) { return sendTowardsHost(std::span(&message, 1)); }
   int sendTowardsTransport(std::span<Message> batch) {
-    return plugin_.send(tools::Direction::towardsTransport, batch) ? 0 : 1;
+    return plugin_.send(tools::Direction::TOWARDS_TRANSPORT, batch) ? 0 : 1;
   }
   // The messages of `batch` that reach the host; fails by exception when the batch fails.
   std::vector<Message> hostGets(std::vector<Message>&& batch) {

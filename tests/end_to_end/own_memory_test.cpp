@@ -85,13 +85,13 @@ TEST_F(OwnMemory, NoBatchWritesThere) {
 #ifdef VLT_COUNTS_COVERAGE
   GTEST_SKIP() << "the counters of this build lie there";
 #endif
-  LoadedCodec codec(library_, map_of("tenantId", text("t4100")));
+  LoadedCodec codec(library_, mapOf("tenantId", text("t4100")));
   std::vector<range_t> places = variables();
   places.push_back(fieldsOf(codec));
   std::vector<std::vector<std::uint8_t>> before;
   before.reserve(places.size());
   for (const range_t& place : places) before.push_back(place.content());
-  static_cast<void>(stderr_of([&] { sendSamples(codec); }));
+  static_cast<void>(stderrOf([&] { sendSamples(codec); }));
   for (std::size_t i = 0; i < places.size(); ++i) {
     EXPECT_TRUE(places[i].content() == before[i]) << "range " << i << " of " << places.size();
   }
@@ -101,7 +101,7 @@ TEST_F(OwnMemory, NoBatchWritesThere) {
 
 // Proves that these are the right bytes: they contain links and constants.
 TEST_F(OwnMemory, IsWhereLinksAndConstantsLie) {
-  LoadedCodec codec(library_, map_of("tenantId", text("t4100")));
+  LoadedCodec codec(library_, mapOf("tenantId", text("t4100")));
   const range_t fields = fieldsOf(codec);
   const std::vector<std::uint8_t> before = fields.content();
   library_.setNextTowardsHost(codec.plugin(), nullptr, Received::take);

@@ -26,13 +26,13 @@ void jam(void* kind, vlt_underlying_message_t*, vlt_underlying_message_t*) {
 
 void run(const char* path) {
   const PluginLibrary library(path);
-  const data_t settings = map_of("tenantId", text("t1"));
+  const data_t settings = mapOf("tenantId", text("t1"));
   void* const codec = library.create("codec", "chain", settings.underlying(), nullptr, nullptr);
   require(codec != nullptr, "the codec is created");
 
   Received host;
   library.setNextTowardsHost(codec, &host, Received::take);
-  Message unknown = notification("tenant/subscription/inventory/1", map_of("id", text("1")));
+  Message unknown = notification("tenant/subscription/inventory/1", mapOf("id", text("1")));
   require(library.sendBatchTowardsHost(codec, &unknown, &unknown + 1) == 0, "the batch succeeds");
   require(host.calls == 1 && host.messages.empty(), "the message is dropped");
 

@@ -46,7 +46,7 @@ class ReloadTest : public HostFixture {
 TEST_F(ReloadTest, LibraryIsGoneAfterCaughtExceptions) {
   {
     const PluginLibrary library(VLT_PLUGIN_PATH);
-    LoadedCodec codec(library, map_of("tenantId", text("t1")));
+    LoadedCodec codec(library, mapOf("tenantId", text("t1")));
     Message message = notification(UNKNOWN_PATH, map_t());
     EXPECT_EQ(codec.sendTowardsHost(message), 0);
   }
@@ -57,7 +57,7 @@ TEST_F(ReloadTest, WorkingCodecsInBetweenLeakNothing) {
   live([this] {
     {
       const PluginLibrary library(VLT_PLUGIN_PATH);
-      LoadedCodec codec(library, map_of("tenantId", text("t1")));
+      LoadedCodec codec(library, mapOf("tenantId", text("t1")));
       static_cast<void>(codec.converted(notification(EVENT_PATH, eventPayload())));
       static_cast<void>(codec.converted(notification(MEASUREMENT_PATH, measurementPayload())));
       Message unknown = notification(UNKNOWN_PATH, map_t());

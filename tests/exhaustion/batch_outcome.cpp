@@ -51,7 +51,7 @@ bool isLeftOver(const Message& left, const Message& sent) {
   if (left.getMetadataMap().table() != nullptr) return false;
   const data_t* const id = idOf(sent);
   return left.getPayload().empty() ||
-         (id != nullptr && left.getPayload() == data_t(map_of("id", data_t(*id))));
+         (id != nullptr && left.getPayload() == data_t(mapOf("id", data_t(*id))));
 }
 
 // The reason in a report: its line without label, beginning and id, which it must have. Empty for

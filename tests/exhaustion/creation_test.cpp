@@ -16,22 +16,22 @@ struct configuration_t {
 const char* const LONG = "a text longer than what a string keeps";
 
 const configuration_t CONFIGURATIONS[] = {
-    {"tenant alone", []() -> data_t { return map_of("tenantId", text("")); }, true},
+    {"tenant alone", []() -> data_t { return mapOf("tenantId", text("")); }, true},
     {"all keys",
      []() -> data_t {
-       return map_of("tenantId", text(LONG), "towardsHostChannelPrefix", text("p."),
-                     "measurementSplittingChannel", text(LONG));
+       return mapOf("tenantId", text(LONG), "towardsHostChannelPrefix", text("p."),
+                    "measurementSplittingChannel", text(LONG));
      },
      true},
     {"defaults after a list and an integer",
      []() -> data_t {
-       return map_of("tenantId", text("t"), "towardsHostChannelPrefix", list_of(text("p")),
-                     "measurementSplittingChannel", data_t());
+       return mapOf("tenantId", text("t"), "towardsHostChannelPrefix", listOf(text("p")),
+                    "measurementSplittingChannel", data_t());
      },
      true},
     {"no tenant", []() -> data_t { return map_t(); }, false},
-    {"empty tenant", []() -> data_t { return map_of("tenantId", data_t()); }, false},
-    {"tenant of a newer host", []() -> data_t { return map_of("tenantId", tagged(11)); }, false},
+    {"empty tenant", []() -> data_t { return mapOf("tenantId", data_t()); }, false},
+    {"tenant of a newer host", []() -> data_t { return mapOf("tenantId", tagged(11)); }, false},
     {"no configuration", [] { return data_t(); }, false},
 };
 

@@ -17,7 +17,7 @@ namespace com::velanto::connectivity::test {
 // The reasons in reports: no memory; or the standard library's error, when the host had no memory
 // for a string and handed out a null one.
 inline const std::string NO_MEMORY = "std::bad_alloc";
-inline const std::string NO_TEXT = error_of([] {
+inline const std::string NO_TEXT = errorOf([] {
   const char* volatile unrendered = nullptr;
   const std::string text(unrendered);
 });

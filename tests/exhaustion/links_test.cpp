@@ -15,7 +15,7 @@ class ExhaustedLinks : public ExhaustionFixture {
 
  protected:
   ExhaustedLinks() {
-    codec_ = create(map_of("tenantId", text("t1")));
+    codec_ = create(mapOf("tenantId", text("t1")));
     library_.setNextTowardsHost(codec_, &previous_, count);
     library_.setNextTowardsTransport(codec_, &previous_, count);
   }

@@ -30,7 +30,7 @@ class ExhaustedSamples
  protected:
   ExhaustedSamples() {
     standin_set_default_log_level(std::get<1>(GetParam()));
-    codec_ = create(map_of("tenantId", text("t1")));
+    codec_ = create(mapOf("tenantId", text("t1")));
     library_.setNextTowardsHost(codec_, &arrived_, take);
   }
 

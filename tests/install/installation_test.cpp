@@ -85,7 +85,7 @@ class InstallationTest : public ::testing::Test {
                              command + "; } > out 2> diagnostics";
     const int status = std::system(line.c_str()); // NOLINT(cert-env33-c): a shell is the subject
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder_.read("out"),
-            without_elapsed(folder_.read("diagnostics"))};
+            withoutElapsed(folder_.read("diagnostics"))};
   }
 
   [[nodiscard]] std::string prefix() const { return folder_.path("an odd place"); }

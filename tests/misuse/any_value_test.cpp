@@ -65,7 +65,7 @@ class AnyValue : private SamplesHolder, public EndToEnd {
   // `alter(message, place)` changes the message at one of its places; false: it has no such place.
   // Sends each altered sample twice, since the result of a message depends on nothing else.
   void sweep(const std::function<bool(Message&, std::size_t)>& alter) {
-    LoadedCodec codec(library_, map_of("tenantId", text("t1")));
+    LoadedCodec codec(library_, mapOf("tenantId", text("t1")));
     for (const sample_t& sample : samples_) {
       for (std::size_t place = 0;; ++place) {
         const std::int64_t before = standin_live_blocks_total();
@@ -117,7 +117,7 @@ TEST_F(AnyValue, AsTheKeyOfAnAddedEntry) {
 }
 
 TEST_F(AnyValue, CustomKeyOfAFieldIsRefused) {
-  LoadedCodec codec(library_, map_of("tenantId", text("t1")));
+  LoadedCodec codec(library_, mapOf("tenantId", text("t1")));
   EXPECT_EQ(send(codec, notification(EVENT_PATH, rebuiltWith(eventPayload("4711"), custom()))),
             dropped(" ('id' = '4711'): Cannot use custom values as a key").text);
 }
@@ -125,13 +125,13 @@ TEST_F(AnyValue, CustomKeyOfAFieldIsRefused) {
 // Capacities that no table grows through, down to one without a free slot, and counts of deletions
 // that nothing in the table shows.
 TEST_F(AnyValue, TablesOfAnyCapacityAreRead) {
-  LoadedCodec codec(library_, map_of("tenantId", text("t1")));
+  LoadedCodec codec(library_, mapOf("tenantId", text("t1")));
   for (const std::int64_t capacity : {5, 6, 7, 9, 11, 13, 29, 101, 1000}) {
     for (const std::int64_t deleted : {0, 3, 5000}) {
       SCOPED_TRACE(std::to_string(capacity) + " slots, " + std::to_string(deleted) + " deleted");
       map_t payload = rebuilt(eventPayload("4711"), capacity);
       head_of(payload).deleted = deleted;
-      Message message(std::move(payload), rebuilt(map_of("pulsarPath", text(EVENT_PATH)), 1));
+      Message message(std::move(payload), rebuilt(mapOf("pulsarPath", text(EVENT_PATH)), 1));
       EXPECT_EQ(send(codec, std::move(message)), "");
     }
   }

@@ -21,7 +21,7 @@ inline const std::vector<odd_value_t> ODD_VALUES = [] {
   values.reserve(std::size(KINDS));
   for (const kind_t& kind : KINDS) values.push_back({kind.name, kind.make});
   const odd_value_t others[] = {
-      {"null text", [] { return null_text(); }},
+      {"null text", [] { return nullText(); }},
       {"null borrowed text", [] { return tagged(VLT_TAG_BORROWED_STRING); }},
       {"null list", [] { return tagged(VLT_TAG_LIST); }},
       {"null map", [] { return tagged(VLT_TAG_MAP); }},

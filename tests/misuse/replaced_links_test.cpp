@@ -46,7 +46,7 @@ class ReplacedLinks : public EndToEnd {
     return batch;
   }
 
-  LoadedCodec codec_{library_, map_of("tenantId", text("t1"))};
+  LoadedCodec codec_{library_, mapOf("tenantId", text("t1"))};
   Received next_;
 };
 

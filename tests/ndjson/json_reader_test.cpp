@@ -41,10 +41,10 @@ class JsonReaderTest : public HostFixture {
   }
   // The reason of a refusal, as a value or as a message.
   std::string valueError(const std::string& json) {
-    return error_of([&] { static_cast<void>(reader_.parseValue(json)); });
+    return errorOf([&] { static_cast<void>(reader_.parseValue(json)); });
   }
   std::string messageError(const std::string& line) {
-    return error_of([&] { static_cast<void>(reader_.parseMessage(line)); });
+    return errorOf([&] { static_cast<void>(reader_.parseMessage(line)); });
   }
   void expectErrors(const std::vector<error_row_t>& rows) {
     for (const error_row_t& row : rows) EXPECT_EQ(valueError(row.json), row.reason) << row.json;
@@ -87,12 +87,11 @@ TEST_F(JsonReaderTest, AllOtherNumbersAreDoubles) {
 }
 
 TEST_F(JsonReaderTest, ListsAndMapsNest) {
-  expectValues(
-      {{"[]", list_of()},
-       {"{}", map_of()},
-       {"[1, [true, null], {}]", list_of(whole(1), list_of(truth(true), data_t()), map_of())},
-       {R"({"a": {"b": [1.5]}, "": "x"})",
-        map_of("a", map_of("b", list_of(real(1.5))), "", text("x"))}});
+  expectValues({{"[]", listOf()},
+                {"{}", mapOf()},
+                {"[1, [true, null], {}]", listOf(whole(1), listOf(truth(true), data_t()), mapOf())},
+                {R"({"a": {"b": [1.5]}, "": "x"})",
+                 mapOf("a", mapOf("b", listOf(real(1.5))), "", text("x"))}});
 }
 
 TEST_F(JsonReaderTest, IntegersBeyond64BitsAreRefused) {
@@ -251,8 +250,8 @@ TEST_F(JsonReaderTest, DeeperNestingIsRefused) {
 TEST_F(JsonReaderTest, MessageHasMetadataAndPayload) {
   const Message message = reader_.parseMessage(
       R"( {"metadata": {"pulsarPath": "t1/sub/events/7"}, "payload": {"id": "1", "count": 2}} )");
-  EXPECT_EQ(message.getMetadataMap(), map_of("pulsarPath", text("t1/sub/events/7")));
-  EXPECT_EQ(message.getPayload(), data_t(map_of("id", text("1"), "count", whole(2))));
+  EXPECT_EQ(message.getMetadataMap(), mapOf("pulsarPath", text("t1/sub/events/7")));
+  EXPECT_EQ(message.getPayload(), data_t(mapOf("id", text("1"), "count", whole(2))));
 }
 
 TEST_F(JsonReaderTest, MissingMembersAreEmpty) {
@@ -265,7 +264,7 @@ TEST_F(JsonReaderTest, MissingMembersAreEmpty) {
 
 TEST_F(JsonReaderTest, PayloadMayBeAnyValue) {
   EXPECT_EQ(reader_.parseMessage(R"({"payload": 5.0})").getPayload(), real(5));
-  EXPECT_EQ(reader_.parseMessage(R"({"payload": [1]})").getPayload(), list_of(whole(1)));
+  EXPECT_EQ(reader_.parseMessage(R"({"payload": [1]})").getPayload(), listOf(whole(1)));
   EXPECT_EQ(reader_.parseMessage(R"({"payload": "a"})").getPayload(), text("a"));
 }
 
@@ -312,7 +311,7 @@ TEST_F(JsonReaderTest, LineThatIsNoMessageIsRefused) {
 TEST_F(JsonReaderTest, ReaderIsUsableAfterAnError) {
   EXPECT_THROW(static_cast<void>(reader_.parseMessage("{")), MalformedJson);
   EXPECT_EQ(valueError(R"({"a": [1, {"b": "\x"}]})"), "bad escape in a string");
-  EXPECT_EQ(reader_.parseValue("[1]"), list_of(whole(1)));
+  EXPECT_EQ(reader_.parseValue("[1]"), listOf(whole(1)));
 }
 
 TEST_F(JsonReaderTest, ShortLineAfterALongOneIsAlone) {
@@ -323,7 +322,7 @@ TEST_F(JsonReaderTest, ShortLineAfterALongOneIsAlone) {
 
 TEST_F(JsonReaderTest, ExhaustedMemoryLeaksNothing) {
   const std::int64_t before = standin_live_blocks_total();
-  const std::uint64_t allocations = fail_each_allocation(
+  const std::uint64_t allocations = failEachAllocation(
       [&] {
         static_cast<void>(reader_.parseMessage(
             R"({"metadata": {"a": "b"}, "payload": {"c": ["d", {"e": ["f"]}], "h": "g"}})"));

@@ -20,12 +20,12 @@ TEST_F(MakeListTest, ListHoldsTheElementsInOrder) {
   std::vector<data_t> elements;
   elements.push_back(text("a"));
   elements.emplace_back();
-  elements.emplace_back(map_of("b", whole(2)));
+  elements.emplace_back(mapOf("b", whole(2)));
   const data_t list = makeList(std::move(elements));
-  EXPECT_EQ(list, list_of(text("a"), data_t(), map_of("b", whole(2))));
+  EXPECT_EQ(list, listOf(text("a"), data_t(), mapOf("b", whole(2))));
 }
 
-TEST_F(MakeListTest, ListOfNothingIsEmpty) { EXPECT_EQ(data_t(makeList({})), list_of()); }
+TEST_F(MakeListTest, ListOfNothingIsEmpty) { EXPECT_EQ(data_t(makeList({})), listOf()); }
 
 TEST_F(MakeListTest, ElementsAreMovedIntoTheHostsBlock) {
   std::vector<data_t> elements;

@@ -92,7 +92,7 @@ TEST_F(AbstractCodecTest, DestructionReleasesLinksBeforeTheStatus) {
     Passage codec;
     codec.setNextTowardsHost(link("h"));
     codec.userStatusReporter = std::make_unique<UserStatusReporter>(
-        UserStatusReporter{nullptr, map_of("state", text("up"))});
+        UserStatusReporter{nullptr, mapOf("state", text("up"))});
   }
   standin_set_status_sink(nullptr, nullptr);
   EXPECT_EQ(journal_.entries, (entries_t{"~h", "status"}));

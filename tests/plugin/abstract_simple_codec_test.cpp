@@ -32,7 +32,7 @@ class BatchTest : public HostFixture, public ::testing::WithParamInterface<direc
   void fillBatch(const texts_t& payloads) {
     for (const std::string& payload : payloads) {
       batch_.emplace_back(payload == "null" ? data_t() : text(payload.c_str()),
-                          map_of("of", text(payload.c_str())));
+                          mapOf("of", text(payload.c_str())));
     }
   }
   void send() { (codec_.*GetParam().send)(batch_.data(), batch_.data() + batch_.size()); }
@@ -143,14 +143,14 @@ TEST_P(BatchTest, AnythingThrownReachesTheHookInFlight) {
 }
 
 TEST_P(BatchTest, HookMayKeepAFailedMessage) {
-  codec_.keepsFailed = true;
+  codec_.keeps_failed = true;
   send({"fail a", "drop b", "throw c"});
   EXPECT_EQ(journal_.entries, forwarded({"fail a", "throw c"}));
 }
 
 TEST_P(BatchTest, FailureOfTheHookLeavesTheCall) {
-  codec_.reportFails = true;
-  EXPECT_EQ(error_of([&] { send({"keep a", "fail b", "keep c"}); }), "no report");
+  codec_.report_fails = true;
+  EXPECT_EQ(errorOf([&] { send({"keep a", "fail b", "keep c"}); }), "no report");
   EXPECT_EQ(codec_.calls, inDirection({"keep a", "fail b", "fail b failed with boom"}));
   EXPECT_TRUE(journal_.entries.empty()) << "nothing may be forwarded then";
   EXPECT_EQ(leftFrom(0), (texts_t{"fail b", "keep a", "keep c"}));
@@ -163,7 +163,7 @@ TEST_P(BatchTest, FailureOfTheNextLinkLeavesTheCall) {
   };
   codec_.setNextTowardsHost(std::make_unique<FailingLink>());
   codec_.setNextTowardsTransport(std::make_unique<FailingLink>());
-  EXPECT_EQ(error_of([&] { send({"keep a", "fail b"}); }), "jam");
+  EXPECT_EQ(errorOf([&] { send({"keep a", "fail b"}); }), "jam");
   EXPECT_EQ(leftFrom(0), (texts_t{"fail b", "keep a"}));
 }
 
@@ -171,18 +171,18 @@ TEST_P(BatchTest, EmptyPayloadPassesUnchangedByDefault) {
   send({"drop a", "null", "keep b"});
   EXPECT_EQ(codec_.calls, inDirection({"drop a", "null", "keep b"}));
   EXPECT_EQ(journal_.entries, forwarded({"null", "keep b"}));
-  EXPECT_EQ(batch_[0].getMetadataMap(), map_of("of", text("null")));
+  EXPECT_EQ(batch_[0].getMetadataMap(), mapOf("of", text("null")));
 }
 
 TEST_P(BatchTest, HookMayDropAnEmptyPayload) {
-  codec_.nullVerb = "drop";
+  codec_.null_verb = "drop";
   send({"null", "keep a"});
   EXPECT_EQ(journal_.entries, forwarded({"keep a"}));
   EXPECT_EQ(leftFrom(1), texts_t{"null"});
 }
 
 TEST_P(BatchTest, FailureOnAnEmptyPayloadIsHandledToo) {
-  codec_.nullVerb = "fail";
+  codec_.null_verb = "fail";
   send({"null", "keep a"});
   EXPECT_EQ(codec_.calls, inDirection({"null", "null failed with boom", "keep a"}));
   EXPECT_EQ(journal_.entries, forwarded({"keep a"}));
@@ -191,7 +191,7 @@ TEST_P(BatchTest, FailureOnAnEmptyPayloadIsHandledToo) {
 TEST_P(BatchTest, UnknownKindIsNoEmptyPayload) {
   standin_set_default_log_level(0);
   batch_.emplace_back(tagged(11));
-  EXPECT_EQ(error_of([&] { send(); }), "Get from empty") << "the scripted codec reads the payload";
+  EXPECT_EQ(errorOf([&] { send(); }), "Get from empty") << "the scripted codec reads the payload";
   EXPECT_TRUE(codec_.calls.empty());
 }
 

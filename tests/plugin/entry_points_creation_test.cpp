@@ -20,7 +20,7 @@ TEST_F(CreationTest, VersionsNeedNoPlugin) {
 }
 
 TEST_F(CreationTest, CreatedPluginIsDestroyedWithAllItsMemory) {
-  const data_t settings = map_of("unused", text("a text that is longer than a short string"));
+  const data_t settings = mapOf("unused", text("a text that is longer than a short string"));
   const std::int64_t before = allocationsHeld();
   void* const plugin = create(settings);
   ASSERT_NE(plugin, nullptr);
@@ -46,7 +46,7 @@ class CreationFailureTest : public FailingLibrary,
                             public ::testing::WithParamInterface<failure_t> {};
 
 TEST_P(CreationFailureTest, IsLoggedAtLevelTwoAndGivesNull) {
-  const data_t settings = map_of("create", text(GetParam().name));
+  const data_t settings = mapOf("create", text(GetParam().name));
   const std::int64_t before = allocationsHeld();
   EXPECT_EQ(create(settings), nullptr);
   EXPECT_EQ(takeLog(), (lines_t{line(2, GetParam().line)}));
@@ -62,7 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(CreationTest, FailureBelowTheLevelIsSilent) {
   standin_set_log_level("connectivity.codec.chain", 1);
-  EXPECT_EQ(create(map_of("create", text("integer"))), nullptr);
+  EXPECT_EQ(create(mapOf("create", text("integer"))), nullptr);
   EXPECT_EQ(takeLog(), lines_t{});
 }
 
@@ -72,19 +72,19 @@ TEST_F(CreationTest, ConfigurationMustBeAMap) {
     const char* kind;
   };
   row_t rows[] = {{truth(true), "boolean"}, {real(1), "double"},       {whole(1), "integer"},
-                  {decimal(1), "decimal"},  {text("t"), "string"},     {list_of(), "list"},
+                  {decimal(1), "decimal"},  {text("t"), "string"},     {listOf(), "list"},
                   {bytes("b"), "buffer"},   {borrowed("b"), "string"}, {custom(), "custom"}};
   const std::string why =
       "Exception from create: Incorrect type in get (you asked for map but it's ";
   for (const row_t& row : rows) {
-    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(create(row.value), nullptr); }), wrong_kind_line<map_t>());
+    EXPECT_EQ(stderrOf([&] { EXPECT_EQ(create(row.value), nullptr); }), wrongKindLine<map_t>());
     const std::string actual = std::string("actually ").append(row.kind).append(")");
     EXPECT_EQ(takeLog(), (lines_t{line(2, why + actual)}));
   }
 }
 
 TEST_F(CreationTest, EmptyConfigurationIsRefusedWithoutAStderrLine) {
-  EXPECT_EQ(stderr_of([&] {
+  EXPECT_EQ(stderrOf([&] {
               EXPECT_EQ(create(data_t()), nullptr);
               EXPECT_EQ(create(tagged(11)), nullptr);
               EXPECT_EQ(library_.create("codec", "chain", nullptr, nullptr, nullptr), nullptr);
@@ -95,7 +95,7 @@ TEST_F(CreationTest, EmptyConfigurationIsRefusedWithoutAStderrLine) {
 }
 
 TEST_F(CreationTest, NullNamesReadAsEmptyOnes) {
-  const data_t settings = map_of("start", text("runtime_error"));
+  const data_t settings = mapOf("start", text("runtime_error"));
   void* const plugin = library_.create(nullptr, nullptr, settings.underlying(), nullptr, nullptr);
   ASSERT_NE(plugin, nullptr);
   EXPECT_EQ(library_.start(plugin), 1);
@@ -116,7 +116,7 @@ TEST_F(CreationTest, NullNamesAreLoggedAsEmptyOnes) {
 TEST_F(CreationTest, NamesAndConfigurationMayVanishAfterTheCall) {
   std::string name = "codec";
   std::string chain = "chain";
-  auto settings = std::make_unique<data_t>(map_of("start", text("runtime_error")));
+  auto settings = std::make_unique<data_t>(mapOf("start", text("runtime_error")));
   void* const plugin =
       library_.create(name.c_str(), chain.c_str(), settings->underlying(), nullptr, nullptr);
   settings.reset();
@@ -136,7 +136,7 @@ TEST_F(CreationTest, HandlesAreNotDereferenced) {
 }
 
 TEST_F(CreationTest, ExhaustedHostMemoryIsReportedAndLeavesNothing) {
-  const data_t settings = map_of("unused", text("x"), "other", text("y"));
+  const data_t settings = mapOf("unused", text("x"), "other", text("y"));
   const std::int64_t before = allocationsHeld();
   std::uint64_t n = 0;
   void* plugin = nullptr;
@@ -153,11 +153,11 @@ TEST_F(CreationTest, ExhaustedHostMemoryIsReportedAndLeavesNothing) {
 
 TEST_F(CreationTest, WithoutMemoryForTheReportGivesNull) {
   const data_t settings = map_t();
-  const auto createWithoutMemory = [&] {
+  const auto create_without_memory = [&] {
     const NoMemory memory;
     return create(settings);
   };
-  EXPECT_EQ(createWithoutMemory(), nullptr);
+  EXPECT_EQ(create_without_memory(), nullptr);
   EXPECT_EQ(takeLog(), lines_t{});
 }
 

@@ -23,7 +23,7 @@ void PrintTo(const operation_t& row, std::ostream* out) { *out << row.name; }
 
 void ignore(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {}
 
-const std::vector<operation_t> operations = {
+const std::vector<operation_t> OPERATIONS = {
     {"start", 2, [](const auto& l, void* p) { return l.start(p); }},
     {"setNextTowardsHost", 2,
      [](const auto& l, void* p) { return l.setNextTowardsHost(p, nullptr, ignore); }},
@@ -41,14 +41,14 @@ class OperationTest : public FailingLibrary, public ::testing::WithParamInterfac
  protected:
   // The operation, on a codec with an operation of that name that throws `failure`.
   int callFailing(const char* failure) {
-    void* const plugin = create(map_of(GetParam().name, text(failure)));
+    void* const plugin = create(mapOf(GetParam().name, text(failure)));
     const int result = GetParam().call(library_, plugin);
     library_.destroy(plugin);
     return result;
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(Entry, OperationTest, ::testing::ValuesIn(operations),
+INSTANTIATE_TEST_SUITE_P(Entry, OperationTest, ::testing::ValuesIn(OPERATIONS),
                          [](const auto& row) { return row.param.name; });
 
 TEST_P(OperationTest, SuccessIsZeroAndSilent) {
@@ -84,7 +84,7 @@ TEST_P(OperationTest, FailureBelowTheLevelIsSilent) {
 }
 
 TEST_P(OperationTest, FailureIsReportedWithoutMemory) {
-  void* const plugin = create(map_of(GetParam().name, text("integer")));
+  void* const plugin = create(mapOf(GetParam().name, text("integer")));
   int result = 0;
   standin_set_log_sink(nullptr, nullptr); // the test's own would take memory
   standin_reset_calls();
@@ -98,9 +98,9 @@ TEST_P(OperationTest, FailureIsReportedWithoutMemory) {
 }
 
 TEST_P(OperationTest, PluginStaysUsableAfterAFailure) {
-  void* const plugin = create(map_of(GetParam().name, text("runtime_error")));
+  void* const plugin = create(mapOf(GetParam().name, text("runtime_error")));
   EXPECT_EQ(GetParam().call(library_, plugin), 1);
-  for (const operation_t& other : operations) {
+  for (const operation_t& other : OPERATIONS) {
     const bool fails = std::string(other.name) == GetParam().name;
     EXPECT_EQ(other.call(library_, plugin), fails ? 1 : 0) << other.name;
   }
@@ -110,7 +110,7 @@ TEST_P(OperationTest, PluginStaysUsableAfterAFailure) {
 
 TEST_P(OperationTest, FailureLeaksNoMemory) {
   standin_set_default_log_level(0);
-  void* const plugin = create(map_of(GetParam().name, text("runtime_error")));
+  void* const plugin = create(mapOf(GetParam().name, text("runtime_error")));
   const std::int64_t before = allocationsHeld();
   EXPECT_EQ(GetParam().call(library_, plugin), 1);
   EXPECT_EQ(allocationsHeld(), before) << "a refused link goes down with the exception";
@@ -129,7 +129,7 @@ class EntryPointsInAProcess : public FailingLibrary {
   // of that name that throws.
   template <class Call>
   [[noreturn]] void run(const char* operation, const Call& call) const {
-    const data_t settings = map_of(operation, text("integer"));
+    const data_t settings = mapOf(operation, text("integer"));
     void* const plugin = create(operation == std::string("create") ? map_t() : settings);
     int left = 0;
     try {
@@ -143,7 +143,7 @@ class EntryPointsInAProcess : public FailingLibrary {
 
 TEST_F(EntryPointsInAProcess, NoExceptionLeavesAnyOfThem) {
   const ::testing::ExitedWithCode returned(0);
-  for (const operation_t& row : operations) {
+  for (const operation_t& row : OPERATIONS) {
     EXPECT_EXIT(run(row.name, [&](void* codec, const data_t&) { row.call(library_, codec); }),
                 returned, "");
   }

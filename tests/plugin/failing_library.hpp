@@ -25,7 +25,7 @@ class FailingLibrary : public HostFixture {
     return {"connectivity.codec.chain", level, "<connectivity.codec.chain> " + text};
   }
 
-  PluginLibrary library_{VLT_FAILING_CODEC_PATH, PluginLibrary::Version::ours, "FailingCodec"};
+  PluginLibrary library_{VLT_FAILING_CODEC_PATH, PluginLibrary::Version::OURS, "FailingCodec"};
 };
 
 } // namespace com::velanto::connectivity::test

@@ -13,12 +13,12 @@ namespace {
 
 class MapExtractorTest : public HostFixture {
  protected:
-  map_t settings_ = map_of("name", text("n"), "nothing", data_t(), whole(7), text("by number"));
+  map_t settings_ = mapOf("name", text("n"), "nothing", data_t(), whole(7), text("by number"));
   MapExtractor extractor_{settings_, "Section"};
 };
 
 TEST_F(MapExtractorTest, DisplayNameMustNotBeEmpty) {
-  EXPECT_EQ(error_of([&] { const MapExtractor extractor(settings_, ""); }),
+  EXPECT_EQ(errorOf([&] { const MapExtractor extractor(settings_, ""); }),
             "displayName cannot be empty");
 }
 
@@ -42,36 +42,36 @@ TEST_F(MapExtractorTest, DisplayNameIsCopied) {
   std::string name = "a section name that is longer than a short string";
   const MapExtractor extractor(settings_, name);
   name.assign(name.size(), 'x');
-  EXPECT_EQ(error_of([&] { static_cast<void>(extractor.doGet(text("k"))); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(extractor.doGet(text("k"))); }),
             "Key '\"k\"' not found in a section name that is longer than a short string");
 }
 
 TEST_F(MapExtractorTest, AbsentKeyIsNamedWithItsSection) {
-  EXPECT_EQ(error_of([&] { static_cast<void>(extractor_.doGet(text("absent"))); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(extractor_.doGet(text("absent"))); }),
             "Key '\"absent\"' not found in Section");
-  EXPECT_EQ(error_of([&] { static_cast<void>(extractor_.doGet(whole(8))); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(extractor_.doGet(whole(8))); }),
             "Key '8' not found in Section");
 }
 
 TEST_F(MapExtractorTest, AbsentKeyWithoutATableIsNamedToo) {
   const map_t none;
   const MapExtractor extractor(none, "Section");
-  EXPECT_EQ(error_of([&] { static_cast<void>(extractor.doGet(text("k"))); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(extractor.doGet(text("k"))); }),
             "Key '\"k\"' not found in Section");
 }
 
 TEST_F(MapExtractorTest, EmptyValueIsNamedWithItsSection) {
-  EXPECT_EQ(error_of([&] { static_cast<void>(extractor_.doGet(text("nothing"))); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(extractor_.doGet(text("nothing"))); }),
             "Key '\"nothing\"' has an empty value in Section");
 }
 
 TEST_F(MapExtractorTest, BorrowedKeyDoesNotFindAnOwnedOne) {
-  EXPECT_EQ(error_of([&] { static_cast<void>(extractor_.doGet(borrowed("name"))); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(extractor_.doGet(borrowed("name"))); }),
             "Key '\"name\"' not found in Section");
 }
 
 TEST_F(MapExtractorTest, CustomKeyCannotBeLookedUp) {
-  EXPECT_EQ(error_of([&] { static_cast<void>(extractor_.doGet(custom())); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(extractor_.doGet(custom())); }),
             "Cannot use custom values as a key");
   EXPECT_EQ(extractor_.get<std::string>(custom(), "default"), "default");
 }
@@ -96,7 +96,7 @@ TEST_F(MapExtractorTest, EachKindConvertsOrSilentlyGivesTheDefault) {
   row_t rows[] = {{"string", text("t"), "t"},
                   {"empty string", text(""), ""},
                   {"borrowed string", borrowed("b"), "b"},
-                  {"null text", null_text(), ""},
+                  {"null text", nullText(), ""},
                   {"integer", whole(-5), "-5"},
                   {"largest integer", whole(INT64_MAX), "9223372036854775807"},
                   {"double", real(0.5), "0.5"},
@@ -104,15 +104,15 @@ TEST_F(MapExtractorTest, EachKindConvertsOrSilentlyGivesTheDefault) {
                   {"true", truth(true), "true"},
                   {"false", truth(false), "false"},
                   {"decimal", decimal(1), "default"},
-                  {"list", list_of(text("a")), "default"},
-                  {"map", map_of("a", text("b")), "default"},
+                  {"list", listOf(text("a")), "default"},
+                  {"map", mapOf("a", text("b")), "default"},
                   {"buffer", bytes("abc"), "default"},
                   {"custom", custom(), "default"},
                   {"unknown kind", tagged(11), "default"}};
   for (row_t& row : rows) {
     settings_[text("k")] = std::move(row.value);
     std::string got;
-    EXPECT_EQ(stderr_of([&] { got = extractor_.get<std::string>(text("k"), "default"); }), "");
+    EXPECT_EQ(stderrOf([&] { got = extractor_.get<std::string>(text("k"), "default"); }), "");
     EXPECT_EQ(got, row.expected) << row.name;
   }
   EXPECT_TRUE(takeLog().empty());

@@ -36,13 +36,13 @@ TEST_F(ParametersTest, NamesMayVanish) {
 }
 
 TEST_F(ParametersTest, ConfigurationIsADeepCopy) {
-  map_t settings = map_of("a", text("1"), "b", map_of("c", list_of(whole(2), text("3"))));
+  map_t settings = mapOf("a", text("1"), "b", mapOf("c", listOf(whole(2), text("3"))));
   const PluginConstructorParameters params("n", "c", settings, nullptr, nullptr);
   EXPECT_EQ(params.getConfiguration(), settings);
   EXPECT_NE(params.getConfiguration().table(), settings.table());
   settings = map_t();
   EXPECT_EQ(params.getConfiguration(),
-            map_of("a", text("1"), "b", map_of("c", list_of(whole(2), text("3")))));
+            mapOf("a", text("1"), "b", mapOf("c", listOf(whole(2), text("3")))));
 }
 
 TEST_F(ParametersTest, ConfigurationWithoutATableStaysOne) {
@@ -53,15 +53,15 @@ TEST_F(ParametersTest, ConfigurationWithoutATableStaysOne) {
 TEST_F(ParametersTest, BorrowedStringsAreOwnedInTheCopy) {
   std::string key = "key";
   std::string value = "value";
-  const map_t settings = map_of(borrowed(key.c_str()), borrowed(value.c_str()));
+  const map_t settings = mapOf(borrowed(key.c_str()), borrowed(value.c_str()));
   const PluginConstructorParameters params("n", "c", settings, nullptr, nullptr);
   key = "---";
   value = "-----";
-  EXPECT_EQ(params.getConfiguration(), map_of("key", text("value")));
+  EXPECT_EQ(params.getConfiguration(), mapOf("key", text("value")));
 }
 
 TEST_F(ParametersTest, ExhaustedMemoryLeaksNothing) {
-  const map_t settings = map_of("a", text("1"), "b", list_of(text("2"), map_of("c", text("3"))));
+  const map_t settings = mapOf("a", text("1"), "b", listOf(text("2"), mapOf("c", text("3"))));
   std::uint64_t n = 0;
   for (bool made = false; !made;) {
     standin_fail_allocation(++n);

@@ -9,14 +9,15 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-void* const firstHandle = unreadable(1);
-void* const secondHandle = unreadable(2);
-void* const statusHandle = unreadable(3);
+void* const FIRST_HANDLE = unreadable(1);
+void* const SECOND_HANDLE = unreadable(2);
+void* const STATUS_HANDLE = unreadable(3);
 
 class BarePlugin : public Plugin {
  public:
   BarePlugin()
-      : Plugin(PluginConstructorParameters("codec", "chain", map_t(), firstHandle, secondHandle)) {}
+      : Plugin(
+            PluginConstructorParameters("codec", "chain", map_t(), FIRST_HANDLE, SECOND_HANDLE)) {}
   using Plugin::handle1;
   using Plugin::handle2;
   using Plugin::userStatusReporter;
@@ -87,8 +88,8 @@ TEST_F(PluginTest, LevelIsAskedForOnce) {
 
 TEST_F(PluginTest, HandlesAreKeptUnread) {
   const BarePlugin plugin;
-  EXPECT_EQ(plugin.handle1, firstHandle);
-  EXPECT_EQ(plugin.handle2, secondHandle);
+  EXPECT_EQ(plugin.handle1, FIRST_HANDLE);
+  EXPECT_EQ(plugin.handle2, SECOND_HANDLE);
 }
 
 TEST_F(PluginTest, HasNoStatusReporterUntilItMakesOne) {
@@ -102,11 +103,11 @@ TEST_F(PluginTest, HasNoStatusReporterUntilItMakesOne) {
 TEST_F(PluginTest, PendingStatusIsHandedOverOnceAtDestruction) {
   auto plugin = std::make_unique<BarePlugin>();
   plugin->userStatusReporter = std::make_unique<UserStatusReporter>(
-      UserStatusReporter{statusHandle, map_of("state", text("up"))});
+      UserStatusReporter{STATUS_HANDLE, mapOf("state", text("up"))});
   EXPECT_TRUE(statuses_.handles.empty());
   standin_reset_calls();
   plugin.reset();
-  EXPECT_EQ(statuses_.handles, std::vector<void*>{statusHandle});
+  EXPECT_EQ(statuses_.handles, std::vector<void*>{STATUS_HANDLE});
   EXPECT_EQ(statuses_.texts, std::vector<std::string>{R"({"state": "up"})"});
   EXPECT_EQ(standin_calls(STANDIN_SET_USER_STATUS_MAP), 1);
 }
@@ -114,17 +115,17 @@ TEST_F(PluginTest, PendingStatusIsHandedOverOnceAtDestruction) {
 TEST_F(PluginTest, StatusWithoutEntriesIsNotHandedOver) {
   auto plugin = std::make_unique<BarePlugin>();
   plugin->userStatusReporter =
-      std::make_unique<UserStatusReporter>(UserStatusReporter{statusHandle, map_t()});
+      std::make_unique<UserStatusReporter>(UserStatusReporter{STATUS_HANDLE, map_t()});
   plugin.reset();
   EXPECT_TRUE(statuses_.handles.empty());
 }
 
 TEST_F(PluginTest, ErasedStatusIsNotHandedOver) {
   auto plugin = std::make_unique<BarePlugin>();
-  map_t emptied = map_of("state", text("up"));
+  map_t emptied = mapOf("state", text("up"));
   emptied.erase(emptied.begin());
   plugin->userStatusReporter =
-      std::make_unique<UserStatusReporter>(UserStatusReporter{statusHandle, std::move(emptied)});
+      std::make_unique<UserStatusReporter>(UserStatusReporter{STATUS_HANDLE, std::move(emptied)});
   plugin.reset();
   EXPECT_TRUE(statuses_.handles.empty());
 }

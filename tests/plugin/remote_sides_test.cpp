@@ -47,14 +47,14 @@ class RemoteSidesTest : public HostFixture {
 using Directions = ::testing::Types<TowardsHost, TowardsTransport>;
 TYPED_TEST_SUITE(RemoteSidesTest, Directions);
 
-void* const unreadableHandle = unreadable(1);
+void* const UNREADABLE_HANDLE = unreadable(1);
 
 TYPED_TEST(RemoteSidesTest, CallsTheFunctionWithHandleAndRange) {
-  typename TypeParam::Side side(unreadableHandle, record);
+  typename TypeParam::Side side(UNREADABLE_HANDLE, record);
   Message messages[2];
   TypeParam::send(side, messages, messages + 2);
   ASSERT_EQ(calls.size(), 1U);
-  EXPECT_EQ(calls[0].handle, unreadableHandle);
+  EXPECT_EQ(calls[0].handle, UNREADABLE_HANDLE);
   EXPECT_EQ(static_cast<void*>(calls[0].start), messages);
   EXPECT_EQ(static_cast<void*>(calls[0].end), messages + 2);
 }
@@ -71,7 +71,7 @@ TYPED_TEST(RemoteSidesTest, NullRangeAndNullHandleGoThrough) {
 TYPED_TEST(RemoteSidesTest, NothingElseHappensWhenSendingOrDestroying) {
   standin_reset_calls();
   {
-    auto side = std::make_unique<typename TypeParam::Side>(unreadableHandle, record);
+    auto side = std::make_unique<typename TypeParam::Side>(UNREADABLE_HANDLE, record);
     Message message(whole(1));
     TypeParam::send(*side, &message, &message + 1);
     side.reset();
@@ -82,13 +82,13 @@ TYPED_TEST(RemoteSidesTest, NothingElseHappensWhenSendingOrDestroying) {
 }
 
 TYPED_TEST(RemoteSidesTest, NullFunctionIsRefused) {
-  EXPECT_EQ(error_of([] { const typename TypeParam::Side side(unreadableHandle, nullptr); }),
+  EXPECT_EQ(errorOf([] { const typename TypeParam::Side side(UNREADABLE_HANDLE, nullptr); }),
             "Cannot use a null batch function as a link");
 }
 
 TYPED_TEST(RemoteSidesTest, ExceptionsOfTheFunctionPassThrough) {
   typename TypeParam::Side side(nullptr, fail);
-  EXPECT_EQ(error_of([&] { TypeParam::send(side, nullptr, nullptr); }), "boom");
+  EXPECT_EQ(errorOf([&] { TypeParam::send(side, nullptr, nullptr); }), "boom");
 }
 
 } // namespace

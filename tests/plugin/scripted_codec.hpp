@@ -1,7 +1,7 @@
 // A codec that treats each message as the message says, and notes each call:
 //
 //   payload    "keep …" "drop …" "fail …" "throw …"      the last throws an integer
-//   empty      the hook's default, or nullVerb when set
+//   empty      the hook's default, or null_verb when set
 #ifndef VLT_TESTS_PLUGIN_SCRIPTED_CODEC_HPP
 #define VLT_TESTS_PLUGIN_SCRIPTED_CODEC_HPP
 
@@ -26,25 +26,26 @@ class ScriptedCodec final : public AbstractSimpleCodec {
   }
   bool transformNullPayloadTowardsHost(Message& message) override {
     calls.emplace_back("host: null");
-    if (nullVerb.empty()) return AbstractSimpleCodec::transformNullPayloadTowardsHost(message);
-    return act(nullVerb);
+    if (null_verb.empty()) return AbstractSimpleCodec::transformNullPayloadTowardsHost(message);
+    return act(null_verb);
   }
   bool transformNullPayloadTowardsTransport(Message& message) override {
     calls.emplace_back("transport: null");
-    if (nullVerb.empty()) return AbstractSimpleCodec::transformNullPayloadTowardsTransport(message);
-    return act(nullVerb);
+    if (null_verb.empty())
+      return AbstractSimpleCodec::transformNullPayloadTowardsTransport(message);
+    return act(null_verb);
   }
-  bool handleException(Message& message, bool towardsTransport) override {
-    calls.push_back(std::string(towardsTransport ? "transport" : "host") + ": " + textOf(message) +
+  bool handleException(Message& message, bool towards_transport) override {
+    calls.push_back(std::string(towards_transport ? "transport" : "host") + ": " + textOf(message) +
                     " failed with " + inFlight());
-    if (reportFails) throw std::runtime_error("no report");
-    return keepsFailed;
+    if (report_fails) throw std::runtime_error("no report");
+    return keeps_failed;
   }
 
   std::vector<std::string> calls; // "DIRECTION: PAYLOAD" and "DIRECTION: PAYLOAD failed with WHAT"
-  std::string nullVerb;
-  bool keepsFailed = false; // the result of handleException
-  bool reportFails = false; // it throws instead
+  std::string null_verb;
+  bool keeps_failed = false; // the result of handleException
+  bool report_fails = false; // it throws instead
 
  private:
   static std::string textOf(const Message& message) {

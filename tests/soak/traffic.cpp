@@ -38,8 +38,8 @@ figures_t Traffic::run(std::int64_t round) {
   const bool traced = isTraced(round);
   if (!codec_ || round % NEW_CODEC_EVERY == 0 || traced != codec_traces_) renewCodec(traced);
   for (const std::size_t batch_size : BATCH_SIZES) {
-    send(tools::Direction::towardsHost, batch_size);
-    send(tools::Direction::towardsTransport, batch_size);
+    send(tools::Direction::TOWARDS_HOST, batch_size);
+    send(tools::Direction::TOWARDS_TRANSPORT, batch_size);
   }
   return figures_;
 }
@@ -60,8 +60,8 @@ void Traffic::send(tools::Direction direction, std::size_t batch_size) {
     const std::size_t end = std::min(first + batch_size, messages_.size());
     for (std::size_t i = first; i < end; ++i) batch_.push_back(copyOf(messages_[i]));
     const auto sent = static_cast<std::int64_t>(batch_.size());
-    (direction == tools::Direction::towardsHost ? figures_.sent_towards_host
-                                                : figures_.sent_towards_transport) += sent;
+    (direction == tools::Direction::TOWARDS_HOST ? figures_.sent_towards_host
+                                                 : figures_.sent_towards_transport) += sent;
     if (!codec_->send(direction, batch_)) throw std::runtime_error("the plug-in failed to send");
     batch_.clear();
     addLog();

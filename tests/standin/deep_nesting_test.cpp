@@ -9,7 +9,7 @@
 namespace standin::test {
 namespace {
 
-using com::velanto::connectivity::test::run_on_small_stack;
+using com::velanto::connectivity::test::runOnSmallStack;
 
 constexpr int DEPTH = 1'000'000;
 
@@ -58,12 +58,12 @@ class DeepNesting : public testing::TestWithParam<case_t> {
 };
 
 TEST_P(DeepNesting, IsFreedOnASmallStack) {
-  run_on_small_stack([this] { freeData(value_); });
+  runOnSmallStack([this] { freeData(value_); });
 }
 
 TEST_P(DeepNesting, IsCopiedOnASmallStack) {
   data_t copy = empty();
-  run_on_small_stack([&] { copy = vlt_copy_data(&value_); });
+  runOnSmallStack([&] { copy = vlt_copy_data(&value_); });
   EXPECT_EQ(standin_live_blocks_total() - before_, 2 * DEPTH);
   freeData(value_);
   EXPECT_TRUE(rendered(copy) == text()) << "the copy differs";
@@ -73,7 +73,7 @@ TEST_P(DeepNesting, IsCopiedOnASmallStack) {
 TEST_P(DeepNesting, PartialCopyIsFreedOnASmallStack) {
   data_t copy = integer(1);
   standin_fail_allocation(DEPTH);
-  run_on_small_stack([&] { copy = vlt_copy_data(&value_); });
+  runOnSmallStack([&] { copy = vlt_copy_data(&value_); });
   EXPECT_EQ(standin_failed_allocations(), 1U);
   EXPECT_EQ(copy.tag, uint32_t{VLT_TAG_EMPTY});
   EXPECT_EQ(standin_live_blocks_total() - before_, DEPTH);
@@ -82,7 +82,7 @@ TEST_P(DeepNesting, PartialCopyIsFreedOnASmallStack) {
 
 TEST_P(DeepNesting, IsRenderedOnASmallStack) {
   data_t rendering = empty();
-  run_on_small_stack([&] { rendering = vlt_data_to_string(&value_); });
+  runOnSmallStack([&] { rendering = vlt_data_to_string(&value_); });
   EXPECT_TRUE(rendering.value.string == text()) << "the text differs";
   freeData(rendering);
   freeData(value_);

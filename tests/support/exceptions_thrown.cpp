@@ -28,7 +28,7 @@ extern "C" [[noreturn]] void throwCounted(void* exception, std::type_info* type,
 
 void throwCounted(void* exception, std::type_info* type, void (*destroy)(void*)) {
   com::velanto::connectivity::test::countThrown();
-  static const auto throwOn = reinterpret_cast<Throw>(dlsym(RTLD_NEXT, "__cxa_throw"));
-  throwOn(exception, type, destroy);
+  static const auto THROW_ON = reinterpret_cast<Throw>(dlsym(RTLD_NEXT, "__cxa_throw"));
+  THROW_ON(exception, type, destroy);
   __builtin_unreachable();
 }

@@ -16,7 +16,7 @@ namespace com::velanto::connectivity::test {
 // after each attempt, with all allocations allowed again. Returns the number of attempts that
 // failed, which is the number of allocations of a complete one.
 template <class Attempt, class Verify>
-std::uint64_t fail_each_allocation(const Attempt& attempt, const Verify& verify) {
+std::uint64_t failEachAllocation(const Attempt& attempt, const Verify& verify) {
   for (std::uint64_t n = 1;; ++n) {
     standin_fail_allocation(n);
     bool threw = false;

@@ -14,7 +14,7 @@ inline constexpr std::size_t SMALL_STACK = 65536; // bytes; a few hundred calls
 
 // Runs `body`, which must not throw, to its end.
 template <class Body>
-void run_on_small_stack(Body body) {
+void runOnSmallStack(Body body) {
   pthread_attr_t attributes;
   ASSERT_EQ(pthread_attr_init(&attributes), 0);
   ASSERT_EQ(pthread_attr_setstacksize(&attributes, SMALL_STACK), 0);

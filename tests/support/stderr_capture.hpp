@@ -11,7 +11,7 @@ namespace com::velanto::connectivity::test {
 
 // The standard error of `action`. Exceptions pass through after the capture has ended.
 template <class Action>
-std::string stderr_of(const Action& action) {
+std::string stderrOf(const Action& action) {
   ::testing::internal::CaptureStderr();
   try {
     action();
@@ -24,7 +24,7 @@ std::string stderr_of(const Action& action) {
 
 // The line that a typed get of the wrong kind writes to standard error; T is the type asked for.
 template <class T>
-std::string wrong_kind_line() {
+std::string wrongKindLine() {
   const std::string type = typeid(T).name();
   return std::string("GetVisitor<").append(type).append(">.operator()(").append(type) + ")\n";
 }

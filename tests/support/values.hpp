@@ -1,6 +1,6 @@
 // The words in which tests write values down: one expression a value, any kind, any nesting.
 //
-//   map_of("id", text("1"), "source", map_of("id", text("7")), "tags", list_of(text("a"), whole(2)))
+//   mapOf("id", text("1"), "source", mapOf("id", text("7")), "tags", listOf(text("a"), whole(2)))
 #ifndef VLT_TESTS_SUPPORT_VALUES_HPP
 #define VLT_TESTS_SUPPORT_VALUES_HPP
 
@@ -44,7 +44,7 @@ inline data_t tagged(std::uint32_t tag, std::uint64_t bits = 0) {
 inline data_t borrowed(const char* content) {
   return tagged(VLT_TAG_BORROWED_STRING, reinterpret_cast<std::uintptr_t>(content));
 }
-inline data_t null_text() { return tagged(VLT_TAG_STRING); }
+inline data_t nullText() { return tagged(VLT_TAG_STRING); }
 inline data_t custom(std::uint64_t label = 1) {
   vlt_underlying_data_t raw{};
   raw.value.custom = standin_make_custom(label);
@@ -59,7 +59,7 @@ inline data_t bytes(const std::string& content) {
 }
 
 template <class... Elements>
-data_t list_of(Elements&&... elements) {
+data_t listOf(Elements&&... elements) {
   const auto count = static_cast<std::int64_t>(sizeof...(elements));
   list_t list(standin_make_list(count, count));
   [[maybe_unused]] std::size_t at = 0;
@@ -67,25 +67,25 @@ data_t list_of(Elements&&... elements) {
   return list;
 }
 
-inline data_t key_of(const char* key) { return data_t(key); }
-inline data_t key_of(data_t&& key) { return std::move(key); }
+inline data_t keyOf(const char* key) { return data_t(key); }
+inline data_t keyOf(data_t&& key) { return std::move(key); }
 
 inline void fill(map_t&) {}
 template <class Key, class... Rest>
 void fill(map_t& map, Key&& key, data_t&& value, Rest&&... rest) {
-  map[key_of(std::forward<Key>(key))] = std::move(value);
+  map[keyOf(std::forward<Key>(key))] = std::move(value);
   fill(map, std::forward<Rest>(rest)...);
 }
 // Keys are strings or values, inserted in the order of the arguments.
 template <class... KeysAndValues>
-map_t map_of(KeysAndValues&&... entries) {
+map_t mapOf(KeysAndValues&&... entries) {
   map_t map;
   fill(map, std::forward<KeysAndValues>(entries)...);
   return map;
 }
 
 inline Message notification(const char* path, data_t&& payload) {
-  return Message(std::move(payload), map_of("pulsarPath", text(path)));
+  return Message(std::move(payload), mapOf("pulsarPath", text(path)));
 }
 
 // The value under a key; a test failure by exception when there is none.
@@ -102,7 +102,7 @@ inline void* unreadable(std::uintptr_t address) { return std::bit_cast<void*>(ad
 
 // The what() of an exception of `action`, or "nothing thrown".
 template <class Action>
-std::string error_of(const Action& action) {
+std::string errorOf(const Action& action) {
   try {
     action();
   } catch (const std::exception& e) {

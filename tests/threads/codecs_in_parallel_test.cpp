@@ -24,7 +24,7 @@ class CodecsInParallel : private LibraryAndSamples, public HostFixture {
   // One life of a codec in the host's order, with all samples in between, in both directions.
   std::vector<std::string> live(const std::string& chain) {
     const data_t settings =
-        map_of("tenantId", text(chain.c_str()), "towardsHostChannelPrefix", text(chain.c_str()));
+        mapOf("tenantId", text(chain.c_str()), "towardsHostChannelPrefix", text(chain.c_str()));
     void* const plugin =
         library_.create("codec", chain.c_str(), settings.underlying(), nullptr, nullptr);
     if (plugin == nullptr) return {"no codec"};
@@ -63,7 +63,7 @@ TEST_F(CodecsInParallel, EachDecodesTheSameAsAlone) {
     alone[i].events = live(chain(i));
     alone[i].lines = linesOf(takeLog(), chain(i));
   }
-  in_parallel([&](int thread) {
+  inParallel([&](int thread) {
     for (int life = 0; life < LIVES; ++life) {
       if (live(chain(thread)) == alone[thread].events) ++equal;
     }
@@ -85,7 +85,7 @@ TEST_F(CodecsInParallel, EachDecodesTheSameAsAlone) {
 TEST_F(CodecsInParallel, CodecsOfOneNameShareOnlyTheirCategory) {
   const std::vector<std::string> alone = live("same");
   std::atomic<int> equal = 0;
-  in_parallel([&](int) {
+  inParallel([&](int) {
     if (live("same") == alone) ++equal;
   });
   EXPECT_EQ(equal, THREADS);
@@ -99,7 +99,7 @@ TEST_F(CodecsInParallel, HostCallsTheStandInMeanwhile) {
   std::atomic<int> equal = 0;
   std::atomic<int> running = THREADS - 1;
   std::int64_t looks = 0;
-  in_parallel([&](int thread) {
+  inParallel([&](int thread) {
     if (thread < THREADS - 1) {
       if (live("chain") == alone) ++equal;
       --running;

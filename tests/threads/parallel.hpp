@@ -18,7 +18,7 @@ inline constexpr int THREADS = 4;
 
 // Calls `work` with 0, 1, …, each on a thread of its own, and waits for all of them.
 template <class Work>
-void in_parallel(const Work& work) {
+void inParallel(const Work& work) {
   std::latch all_there(THREADS);
   std::vector<std::thread> threads;
   threads.reserve(THREADS);

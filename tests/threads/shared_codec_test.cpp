@@ -18,7 +18,7 @@ class SharedCodec : private LibraryAndSamples, public HostFixture {
  protected:
   SharedCodec() {
     standin_set_default_log_level(6);
-    const data_t settings = map_of("tenantId", text("t1"));
+    const data_t settings = mapOf("tenantId", text("t1"));
     codec_ = library_.create("codec", "chain", settings.underlying(), nullptr, nullptr);
     library_.setNextTowardsHost(codec_, &kept_, count);
   }
@@ -49,7 +49,7 @@ TEST_F(SharedCodec, ThreadsDoNotDisturbEachOther) {
   const std::vector<std::string> alone = send(kept);
   lines_alone = takeLog().size() / 2;
   kept_ = 0;
-  in_parallel([&](int) {
+  inParallel([&](int) {
     if (send(kept) == alone) ++equal;
   });
   EXPECT_EQ(equal, THREADS);

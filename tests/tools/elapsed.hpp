@@ -9,7 +9,7 @@
 namespace com::velanto::connectivity::test {
 
 // `text` with "T ms" for each time with three decimals.
-inline std::string without_elapsed(const std::string& text) {
+inline std::string withoutElapsed(const std::string& text) {
   static const Pattern TIME(R"(\b[0-9]+\.[0-9]{3} ms\b)");
   return TIME.replacedIn(text, "T ms");
 }

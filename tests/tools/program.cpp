@@ -73,7 +73,7 @@ result_t Program::waitFor(pid_t child) {
   rusage usage{};
   EXPECT_EQ(wait4(child, &status, 0, &usage), child);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder_.read("out"),
-          without_elapsed(folder_.read("diagnostics")), usage.ru_maxrss};
+          withoutElapsed(folder_.read("diagnostics")), usage.ru_maxrss};
 }
 
 std::string Program::shownOnTerminal(int& descriptor, const std::vector<std::string>& arguments) {

@@ -43,13 +43,13 @@ TEST_F(ConvertTo, LongStringIsNotCut) {
 }
 
 TEST_F(ConvertTo, NullReadsAsTheEmptyString) {
-  EXPECT_EQ(converted(null_text()), "");
+  EXPECT_EQ(converted(nullText()), "");
   EXPECT_EQ(converted(tagged(10)), "");
 }
 
 TEST_F(ConvertTo, EmptyIsRefused) {
   EXPECT_THROW(converted(data_t()), std::runtime_error);
-  EXPECT_EQ(error_of([] { converted(data_t()); }), "Trying to parse from empty");
+  EXPECT_EQ(errorOf([] { converted(data_t()); }), "Trying to parse from empty");
 }
 
 TEST_F(ConvertTo, OtherKindsAreRefusedByName) {
@@ -61,22 +61,22 @@ TEST_F(ConvertTo, OtherKindsAreRefusedByName) {
   for (const auto& row : rows) {
     const data_t value = KINDS[row.kind].make();
     EXPECT_THROW(converted(value), std::runtime_error);
-    EXPECT_EQ(error_of([&] { converted(value); }),
+    EXPECT_EQ(errorOf([&] { converted(value); }),
               std::string("Trying to parse from incorrect type (actually ") + row.name + ")");
   }
 }
 
 TEST_F(ConvertTo, NullContainersAreRefusedLikeOthers) {
-  EXPECT_EQ(error_of([] { converted(tagged(6)); }),
+  EXPECT_EQ(errorOf([] { converted(tagged(6)); }),
             "Trying to parse from incorrect type (actually list)");
-  EXPECT_EQ(error_of([] { converted(tagged(7)); }),
+  EXPECT_EQ(errorOf([] { converted(tagged(7)); }),
             "Trying to parse from incorrect type (actually map)");
 }
 
 TEST_F(ConvertTo, VisitorNamesTheKindItWasGiven) {
   const convert_to_details::_get_or_convert<std::string> visitor("given");
   EXPECT_EQ(visitor(std::int64_t{7}), "7");
-  EXPECT_EQ(error_of([&] { visitor(list_t()); }),
+  EXPECT_EQ(errorOf([&] { visitor(list_t()); }),
             "Trying to parse from incorrect type (actually given)");
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 using DataTEquality = HostFixture;
 
-constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double NAN_VALUE = std::numeric_limits<double>::quiet_NaN();
 
 TEST_F(DataTEquality, OnlyTheSameKindCanBeEqual) {
   for (const kind_t& left : KINDS) {
@@ -52,7 +52,7 @@ TEST_F(DataTEquality, DoublesAreComparedAsNumbers) {
   EXPECT_EQ(real(0.5), real(0.5));
   EXPECT_NE(real(0.5), real(0.25));
   EXPECT_EQ(real(0.0), real(-0.0));
-  const data_t nan = real(NaN);
+  const data_t nan = real(NAN_VALUE);
   EXPECT_FALSE(nan == nan);
   EXPECT_TRUE(nan != nan);
 }
@@ -73,38 +73,38 @@ TEST_F(DataTEquality, StringsAreComparedByContent) {
 }
 
 TEST_F(DataTEquality, NullEqualsNullAndTheEmptyString) {
-  EXPECT_EQ(null_text(), null_text());
-  EXPECT_EQ(null_text(), text(""));
-  EXPECT_EQ(text(""), null_text());
+  EXPECT_EQ(nullText(), nullText());
+  EXPECT_EQ(nullText(), text(""));
+  EXPECT_EQ(text(""), nullText());
   EXPECT_EQ(tagged(10), borrowed(""));
   EXPECT_EQ(tagged(10), tagged(10));
-  EXPECT_NE(null_text(), text("a"));
-  EXPECT_NE(tagged(10), null_text());
+  EXPECT_NE(nullText(), text("a"));
+  EXPECT_NE(tagged(10), nullText());
 }
 
 TEST_F(DataTEquality, ListsAreComparedInOrder) {
-  EXPECT_EQ(list_of(whole(1), text("b")), list_of(whole(1), text("b")));
-  EXPECT_NE(list_of(whole(1), text("b")), list_of(text("b"), whole(1)));
-  EXPECT_NE(list_of(whole(1)), list_of(whole(1), whole(2)));
-  EXPECT_NE(list_of(list_of(whole(1))), list_of(list_of(whole(2))));
+  EXPECT_EQ(listOf(whole(1), text("b")), listOf(whole(1), text("b")));
+  EXPECT_NE(listOf(whole(1), text("b")), listOf(text("b"), whole(1)));
+  EXPECT_NE(listOf(whole(1)), listOf(whole(1), whole(2)));
+  EXPECT_NE(listOf(listOf(whole(1))), listOf(listOf(whole(2))));
 }
 
 TEST_F(DataTEquality, NullListEqualsAListWithoutElements) {
   const data_t null = tagged(6);
   EXPECT_EQ(null, tagged(6));
-  EXPECT_EQ(null, list_of());
-  EXPECT_EQ(list_of(), null);
-  EXPECT_EQ(list_of(), data_t(list_t(standin_make_list(0, 4))));
-  EXPECT_NE(null, list_of(data_t()));
-  EXPECT_NE(list_of(data_t()), null);
+  EXPECT_EQ(null, listOf());
+  EXPECT_EQ(listOf(), null);
+  EXPECT_EQ(listOf(), data_t(list_t(standin_make_list(0, 4))));
+  EXPECT_NE(null, listOf(data_t()));
+  EXPECT_NE(listOf(data_t()), null);
 }
 
 TEST_F(DataTEquality, MapsAreComparedByTheirEntries) {
-  EXPECT_EQ(data_t(map_of("a", whole(1))), data_t(map_of("a", whole(1))));
-  EXPECT_NE(data_t(map_of("a", whole(1))), data_t(map_of("a", whole(2))));
+  EXPECT_EQ(data_t(mapOf("a", whole(1))), data_t(mapOf("a", whole(1))));
+  EXPECT_NE(data_t(mapOf("a", whole(1))), data_t(mapOf("a", whole(2))));
   EXPECT_EQ(tagged(7), data_t(table_of(8)));
   EXPECT_EQ(data_t(table_of(8)), tagged(7));
-  EXPECT_NE(tagged(7), data_t(map_of("a", data_t())));
+  EXPECT_NE(tagged(7), data_t(mapOf("a", data_t())));
 }
 
 TEST_F(DataTEquality, BuffersAreComparedByLengthAndBytes) {
@@ -123,7 +123,7 @@ TEST_F(DataTEquality, CustomAndUnknownValuesDifferFromThemselves) {
     EXPECT_FALSE(value == value);
     EXPECT_TRUE(value != value);
   }
-  EXPECT_NE(list_of(custom(1)), list_of(custom(1)));
+  EXPECT_NE(listOf(custom(1)), listOf(custom(1)));
 }
 
 } // namespace

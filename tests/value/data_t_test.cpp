@@ -63,12 +63,12 @@ TEST_F(DataT, EmptyStringIsNoEmptyValue) {
 
 TEST_F(DataT, NullStringIsRefused) {
   EXPECT_THROW(data_t(static_cast<const char*>(nullptr)), std::runtime_error);
-  EXPECT_EQ(error_of([] { data_t(static_cast<const char*>(nullptr)); }),
+  EXPECT_EQ(errorOf([] { data_t(static_cast<const char*>(nullptr)); }),
             "Cannot use a null char* as a data_t value (consider using an empty data_t() instead)");
 }
 
 TEST_F(DataT, StringWithoutMemoryIsBadAlloc) {
-  EXPECT_EQ(fail_each_allocation([] { data_t("text"); }, [] {}), 1u);
+  EXPECT_EQ(failEachAllocation([] { data_t("text"); }, [] {}), 1u);
 }
 
 TEST_F(DataT, ContainersAreTakenOverWithoutAHostCall) {
@@ -137,12 +137,12 @@ TEST_F(DataT, CopiedCustomObjectKeepsItsLabel) {
 }
 
 TEST_F(DataT, NestedBlocksAreNotSharedByACopy) {
-  data_t source = list_of(list_of(text("inner")), map_of("key", text("value")));
+  data_t source = listOf(listOf(text("inner")), mapOf("key", text("value")));
   data_t copy(source);
   copy.get<list_t>()[0].get<list_t>()[0] = whole(1);
   at(copy.get<list_t>()[1].get<map_t>(), "key") = whole(2);
-  EXPECT_EQ(source, list_of(list_of(text("inner")), map_of("key", text("value"))));
-  EXPECT_EQ(copy, list_of(list_of(whole(1)), map_of("key", whole(2))));
+  EXPECT_EQ(source, listOf(listOf(text("inner")), mapOf("key", text("value"))));
+  EXPECT_EQ(copy, listOf(listOf(whole(1)), mapOf("key", whole(2))));
 }
 
 TEST_F(DataT, NullBlocksStayNullInCopies) {
@@ -157,7 +157,7 @@ TEST_F(DataT, NullBlocksStayNullInCopies) {
 
 TEST_F(DataT, CopyAssignmentFreesTheOldContent) {
   const data_t source = text("new");
-  data_t target = list_of(text("old"), text("older"));
+  data_t target = listOf(text("old"), text("older"));
   const std::int64_t before = standin_live_blocks_total();
   target = source;
   EXPECT_EQ(target, text("new"));
@@ -175,21 +175,21 @@ TEST_F(DataT, CopyAssignmentToItselfChangesNothing) {
 }
 
 TEST_F(DataT, CopyAssignmentFromItsOwnElement) {
-  data_t value = list_of(list_of(text("deep")));
+  data_t value = listOf(listOf(text("deep")));
   value = static_cast<const data_t&>(value.get<list_t>()[0]);
-  EXPECT_EQ(value, list_of(text("deep")));
+  EXPECT_EQ(value, listOf(text("deep")));
 }
 
 TEST_F(DataT, CopyWithoutMemoryLeaksNothing) {
-  const data_t source = list_of(text("a"), map_of("b", bytes("c")), custom(4));
+  const data_t source = listOf(text("a"), mapOf("b", bytes("c")), custom(4));
   const std::int64_t before = standin_live_blocks_total();
   const auto copy = [&] { const data_t copied(source); };
   const auto unchanged = [&] { EXPECT_EQ(standin_live_blocks_total(), before); };
-  EXPECT_EQ(fail_each_allocation(copy, unchanged), 6u);
+  EXPECT_EQ(failEachAllocation(copy, unchanged), 6u);
 }
 
 TEST_F(DataT, AssignmentWithoutMemoryKeepsTheTarget) {
-  const data_t source = list_of(text("a"), map_of("b", bytes("c")), borrowed("d"));
+  const data_t source = listOf(text("a"), mapOf("b", bytes("c")), borrowed("d"));
   data_t target = text("kept");
   const std::uint64_t bits = content_bits(target);
   const auto assign = [&] { target = source; };
@@ -198,7 +198,7 @@ TEST_F(DataT, AssignmentWithoutMemoryKeepsTheTarget) {
     EXPECT_EQ(content_bits(target) == bits, failed);
     EXPECT_EQ(target == text("kept"), failed);
   };
-  EXPECT_EQ(fail_each_allocation(assign, verify), 6u);
+  EXPECT_EQ(failEachAllocation(assign, verify), 6u);
 }
 
 // ---- moving
@@ -234,7 +234,7 @@ TEST_F(DataT, MoveOntoAnEmptyValueCallsNoHost) {
 
 TEST_F(DataT, MoveAssignmentFreesTheOldContent) {
   data_t source = text("new");
-  data_t target = list_of(text("old"));
+  data_t target = listOf(text("old"));
   const std::int64_t before = standin_live_blocks_total();
   standin_reset_calls();
   target = std::move(source);
@@ -252,13 +252,13 @@ TEST_F(DataT, MoveAssignmentToItselfChangesNothing) {
 }
 
 TEST_F(DataT, MoveAssignmentFromItsOwnElement) {
-  data_t value = map_of("outer", map_of("inner", whole(1)));
+  data_t value = mapOf("outer", mapOf("inner", whole(1)));
   value = std::move(at(value.get<map_t>(), "outer"));
-  EXPECT_EQ(value, data_t(map_of("inner", whole(1))));
+  EXPECT_EQ(value, data_t(mapOf("inner", whole(1))));
 }
 
 TEST_F(DataT, MovedFromValueCanBeUsedOn) {
-  data_t value = list_of(text("a"));
+  data_t value = listOf(text("a"));
   const data_t taken(std::move(value));
   value = text("again");
   EXPECT_EQ(value, text("again"));
@@ -267,29 +267,29 @@ TEST_F(DataT, MovedFromValueCanBeUsedOn) {
 // ---- destruction
 
 TEST_F(DataT, DestructionCallsTheKindsFunctionOnceOrNone) {
-  constexpr int none = STANDIN_FUNCTIONS;
-  constexpr int freed_by[] = {none,
-                              none,
-                              none,
-                              none,
-                              none,
+  constexpr int NONE = STANDIN_FUNCTIONS;
+  constexpr int FREED_BY[] = {NONE,
+                              NONE,
+                              NONE,
+                              NONE,
+                              NONE,
                               STANDIN_FREE_STRING,
                               STANDIN_FREE_VECTOR,
                               STANDIN_FREE_MAP,
                               STANDIN_FREE_BUFFER,
                               STANDIN_FREE_CUSTOM,
-                              none,
-                              none,
-                              none};
+                              NONE,
+                              NONE,
+                              NONE};
   for (std::size_t i = 0; i < KINDS.size(); ++i) {
     SCOPED_TRACE(KINDS[i].name);
     {
       const data_t value = KINDS[i].make();
       standin_reset_calls();
     }
-    EXPECT_EQ(standin_calls_total(), freed_by[i] == none ? 0 : 1);
-    if (freed_by[i] != none) {
-      EXPECT_EQ(standin_calls(static_cast<standin_function_t>(freed_by[i])), 1);
+    EXPECT_EQ(standin_calls_total(), FREED_BY[i] == NONE ? 0 : 1);
+    if (FREED_BY[i] != NONE) {
+      EXPECT_EQ(standin_calls(static_cast<standin_function_t>(FREED_BY[i])), 1);
     }
   }
 }

@@ -16,7 +16,7 @@ data_t nested(int depth) {
   data_t value = whole(7);
   for (int i = 0; i < depth; ++i) {
     if (i % 2 == 0) {
-      value = list_of(std::move(value));
+      value = listOf(std::move(value));
       continue;
     }
     map_t around(vlt_allocate_map(1));
@@ -32,7 +32,7 @@ class DeepValues : public HostFixture {
 };
 
 TEST_F(DeepValues, MoveFromValueToValue) {
-  run_on_small_stack([this] {
+  runOnSmallStack([this] {
     data_t moved(std::move(value_));
     data_t assigned = whole(1);
     assigned = std::move(moved);
@@ -42,7 +42,7 @@ TEST_F(DeepValues, MoveFromValueToValue) {
 }
 
 TEST_F(DeepValues, MoveThroughAMapThatGrows) {
-  run_on_small_stack([this] {
+  runOnSmallStack([this] {
     map_t map;
     map[text("deep")] = std::move(value_);
     for (std::int64_t i = 0; i < 100; ++i) map.insert(whole(i), data_t());
@@ -55,17 +55,17 @@ TEST_F(DeepValues, MoveThroughAMapThatGrows) {
 TEST_F(DeepValues, AreErasedFromAMap) {
   map_t map;
   map[text("deep")] = std::move(value_);
-  run_on_small_stack([&map] { map.erase(map.begin()); });
+  runOnSmallStack([&map] { map.erase(map.begin()); });
   EXPECT_TRUE(map.empty());
 }
 
 TEST_F(DeepValues, AreOverwrittenAndDestroyed) {
-  run_on_small_stack([this] { value_ = whole(1); });
+  runOnSmallStack([this] { value_ = whole(1); });
   EXPECT_EQ(value_, whole(1));
 }
 
 TEST_F(DeepValues, AreCopied) {
-  run_on_small_stack([this] {
+  runOnSmallStack([this] {
     data_t copy(value_);
     map_t map;
     map[text("deep")] = std::move(copy);
@@ -75,7 +75,7 @@ TEST_F(DeepValues, AreCopied) {
 }
 
 TEST_F(DeepValues, TravelInMessages) {
-  run_on_small_stack([this] {
+  runOnSmallStack([this] {
     Message message(std::move(value_));
     Message other;
     std::swap(message, other);

@@ -27,8 +27,8 @@ std::ostream& operator<<(std::ostream& out, const outcome_t& outcome) {
 template <class T, class Value>
 outcome_t outcome_of_get(Value& value) {
   outcome_t outcome;
-  outcome.written = stderr_of(
-      [&] { outcome.error = error_of([&] { static_cast<void>(value.template get<T>()); }); });
+  outcome.written = stderrOf(
+      [&] { outcome.error = errorOf([&] { static_cast<void>(value.template get<T>()); }); });
   return outcome;
 }
 
@@ -41,7 +41,7 @@ outcome_t expected_outcome(const std::string& requested, std::uint32_t tag, bool
                                            "buffer",  "custom",  "string"};
   return {"Incorrect type in get (you asked for " + requested + " but it's actually " +
               ACTUAL[tag] + ")",
-          wrong_kind_line<T>()};
+          wrongKindLine<T>()};
 }
 
 // All kinds, asked for T, mutable and constant. The content must be the value's own first bytes.
@@ -89,23 +89,23 @@ TEST_F(GetVisitorTest, MapAskedOfAStringNamesBoth) {
 
 TEST_F(GetVisitorTest, FailuresAreRuntimeErrors) {
   EXPECT_THROW(static_cast<void>(data_t().get<map_t>()), std::runtime_error);
-  stderr_of([] { EXPECT_THROW(static_cast<void>(whole(1).get<map_t>()), std::runtime_error); });
+  stderrOf([] { EXPECT_THROW(static_cast<void>(whole(1).get<map_t>()), std::runtime_error); });
 }
 
 TEST_F(GetVisitorTest, ContentChangesInPlace) {
   data_t value = whole(1);
   value.get<std::int64_t>() = 2;
   EXPECT_EQ(value, whole(2));
-  value = list_of(text("a"));
+  value = listOf(text("a"));
   value.get<list_t>()[0] = text("b");
-  EXPECT_EQ(value, list_of(text("b")));
+  EXPECT_EQ(value, listOf(text("b")));
   value = data_t(map_t());
   value.get<map_t>()[text("k")] = truth(true);
-  EXPECT_EQ(value, data_t(map_of("k", truth(true))));
+  EXPECT_EQ(value, data_t(mapOf("k", truth(true))));
 }
 
 TEST_F(GetVisitorTest, TakenContainerLeavesTheValueNull) {
-  data_t value = list_of(whole(1));
+  data_t value = listOf(whole(1));
   const list_t taken = std::move(value.get<list_t>());
   EXPECT_EQ(taken.size(), 1u);
   EXPECT_EQ(value.type_tag(), 6u);
@@ -113,7 +113,7 @@ TEST_F(GetVisitorTest, TakenContainerLeavesTheValueNull) {
 }
 
 TEST_F(GetVisitorTest, NullBlocksAndStringsAreGot) {
-  EXPECT_EQ(null_text().get<const char*>(), nullptr);
+  EXPECT_EQ(nullText().get<const char*>(), nullptr);
   EXPECT_EQ(tagged(10).get<const char*>(), nullptr);
   EXPECT_EQ(tagged(6).get<list_t>().size(), 0u);
   EXPECT_EQ(tagged(7).get<map_t>().size(), 0u);
@@ -121,7 +121,7 @@ TEST_F(GetVisitorTest, NullBlocksAndStringsAreGot) {
 }
 
 TEST_F(GetVisitorTest, NeitherGetNorVisitCallsTheHost) {
-  data_t value = map_of("a", list_of(text("b")));
+  data_t value = mapOf("a", listOf(text("b")));
   standin_reset_calls();
   static_cast<void>(value.get<map_t>());
   value.apply_visitor([](auto&) {}, [] {});

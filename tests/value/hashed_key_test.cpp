@@ -33,7 +33,7 @@ TEST_F(HashedKey, TakesOverAValueThatIsThere) {
 }
 
 TEST_F(HashedKey, NullIsRefused) {
-  EXPECT_EQ(error_of([] { const hashed_key_t key(nullptr); }),
+  EXPECT_EQ(errorOf([] { const hashed_key_t key(nullptr); }),
             "Cannot use a null char* as a data_t value (consider using an empty data_t() instead)");
 }
 
@@ -56,7 +56,7 @@ TEST_F(HashedKey, CopyHasABlockOfItsOwn) {
 
 TEST_F(HashedKey, EntryTakesTheValueUnderACopy) {
   const hashed_key_t key("a");
-  data_t value = list_of(text("v"));
+  data_t value = listOf(text("v"));
   const std::uint64_t block = content_bits(value);
   standin_reset_calls();
   const map_entry_t entry = key.with(std::move(value));
@@ -71,19 +71,19 @@ TEST_F(HashedKey, EntryTakesTheValueUnderACopy) {
 
 TEST_F(HashedKey, ValueStaysWithoutMemoryForTheKey) {
   const hashed_key_t key("a");
-  data_t value = list_of(text("v"));
+  data_t value = listOf(text("v"));
   map_entry_t entry;
   const auto verify = [&] {
-    EXPECT_EQ(standin_failed_allocations() > 0 ? value : entry.value, list_of(text("v")));
+    EXPECT_EQ(standin_failed_allocations() > 0 ? value : entry.value, listOf(text("v")));
   };
-  EXPECT_EQ(fail_each_allocation([&] { entry = key.with(std::move(value)); }, verify), 1u);
+  EXPECT_EQ(failEachAllocation([&] { entry = key.with(std::move(value)); }, verify), 1u);
   EXPECT_EQ(entry.key, text("a"));
 }
 
 TEST_F(HashedKey, LookUpsUnderItHashNothing) {
   const hashed_key_t present("a");
   const hashed_key_t absent("x");
-  map_t map = map_of("a", whole(1), "b", whole(2));
+  map_t map = mapOf("a", whole(1), "b", whole(2));
   const map_t& constant = map;
   standin_reset_calls();
   EXPECT_EQ((*map.find(present)).second, whole(1));
@@ -100,7 +100,7 @@ TEST_F(HashedKey, LookUpsUnderItHashNothing) {
 TEST_F(HashedKey, LookUpUnderAPlainValueHashesIt) {
   const hashed_key_t key("a");
   const data_t& plain = key;
-  const map_t map = map_of("a", whole(1));
+  const map_t map = mapOf("a", whole(1));
   standin_reset_calls();
   EXPECT_EQ(*map.find_value(plain), whole(1));
   EXPECT_EQ(standin_calls(STANDIN_HASH_STRING), 1);

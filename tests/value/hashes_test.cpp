@@ -93,38 +93,38 @@ TEST_F(Hashes, StringsHashAsTheHostSays) {
 
 TEST_F(Hashes, NullHashesAsTheEmptyString) {
   EXPECT_EQ(hash_of(text("")), 0x243fcaf1u); // FNV-1a of no bytes
-  EXPECT_EQ(hash_of(null_text()), hash_of(text("")));
+  EXPECT_EQ(hash_of(nullText()), hash_of(text("")));
   EXPECT_EQ(hash_of(tagged(10)), hash_of(text("")));
   standin_set_string_hash(
       [](const char* text, std::uint64_t seed) { return seed + (*text == '\0' ? 41 : 0); });
-  EXPECT_EQ(hash_of(null_text(), 1), 42u);
+  EXPECT_EQ(hash_of(nullText(), 1), 42u);
   EXPECT_EQ(hash_of(tagged(10), 1), 42u);
 }
 
 TEST_F(Hashes, ListsFoldTheirElementsInOrder) {
-  EXPECT_EQ(hash_of(list_of(whole(1))), 0x47f9af630b2e90d9);
-  EXPECT_EQ(hash_of(list_of(whole(1), whole(2))), 0xc6016c126b1a0fbf);
-  EXPECT_EQ(hash_of(list_of(whole(2), whole(1))), 0xe8a1565fd4b2645e);
-  EXPECT_EQ(hash_of(list_of(truth(false), whole(1))), 0x9b72b3c236d67a18);
-  EXPECT_EQ(hash_of(list_of(text("id"), real(0.5))), 0xe6bcb997598e52b2);
-  EXPECT_EQ(hash_of(list_of(data_t())), 0x243fcaf1u);
+  EXPECT_EQ(hash_of(listOf(whole(1))), 0x47f9af630b2e90d9);
+  EXPECT_EQ(hash_of(listOf(whole(1), whole(2))), 0xc6016c126b1a0fbf);
+  EXPECT_EQ(hash_of(listOf(whole(2), whole(1))), 0xe8a1565fd4b2645e);
+  EXPECT_EQ(hash_of(listOf(truth(false), whole(1))), 0x9b72b3c236d67a18);
+  EXPECT_EQ(hash_of(listOf(text("id"), real(0.5))), 0xe6bcb997598e52b2);
+  EXPECT_EQ(hash_of(listOf(data_t())), 0x243fcaf1u);
 }
 
 TEST_F(Hashes, ListsWithoutElementsAreTheFixedSeed) {
-  EXPECT_EQ(hash_of(list_of()), 0x243fcaf1u);
+  EXPECT_EQ(hash_of(listOf()), 0x243fcaf1u);
   EXPECT_EQ(hash_of(tagged(6)), 0x243fcaf1u);
 }
 
 TEST_F(Hashes, ContainersInAListForgetEarlierElements) {
-  EXPECT_EQ(hash_of(list_of(whole(1), list_of(whole(2)))), 0xe424f1e45621ddf2);
-  EXPECT_EQ(hash_of(list_of(list_of(whole(2)))), 0xe424f1e45621ddf2);
-  EXPECT_EQ(hash_of(list_of(whole(1), map_t())), 0x243fcaf1u);
-  EXPECT_EQ(hash_of(list_of(whole(1), bytes("abc"))), 0x0e903061f4c485b4);
+  EXPECT_EQ(hash_of(listOf(whole(1), listOf(whole(2)))), 0xe424f1e45621ddf2);
+  EXPECT_EQ(hash_of(listOf(listOf(whole(2)))), 0xe424f1e45621ddf2);
+  EXPECT_EQ(hash_of(listOf(whole(1), map_t())), 0x243fcaf1u);
+  EXPECT_EQ(hash_of(listOf(whole(1), bytes("abc"))), 0x0e903061f4c485b4);
 }
 
 TEST_F(Hashes, ContainersIgnoreTheSeed) {
   const data_t values[] = {
-      list_of(whole(1)), map_of("id", whole(1)), bytes("abc"), tagged(6), tagged(7), tagged(8)};
+      listOf(whole(1)), mapOf("id", whole(1)), bytes("abc"), tagged(6), tagged(7), tagged(8)};
   for (const data_t& value : values) {
     SCOPED_TRACE(value.type_tag());
     EXPECT_EQ(hash_of(value, 7), hash_of(value));
@@ -132,16 +132,15 @@ TEST_F(Hashes, ContainersIgnoreTheSeed) {
 }
 
 TEST_F(Hashes, MapsSumTheirEntries) {
-  EXPECT_EQ(hashes::hash(map_of("id", whole(1))), 0x127a8c0d237a668e);
-  EXPECT_EQ(hashes::hash(map_of(whole(1), truth(true), whole(2), truth(false))),
-            0x2c1ea147859039bb);
-  EXPECT_EQ(hashes::hash(map_of(truth(true), map_t())), 0x6cbf60d3u);
-  EXPECT_EQ(hashes::hash(map_of(whole(1), data_t())), 0x47f9af6353ae26bb);
-  EXPECT_EQ(hash_of(data_t(map_of("id", whole(1)))), 0x127a8c0d237a668e);
+  EXPECT_EQ(hashes::hash(mapOf("id", whole(1))), 0x127a8c0d237a668e);
+  EXPECT_EQ(hashes::hash(mapOf(whole(1), truth(true), whole(2), truth(false))), 0x2c1ea147859039bb);
+  EXPECT_EQ(hashes::hash(mapOf(truth(true), map_t())), 0x6cbf60d3u);
+  EXPECT_EQ(hashes::hash(mapOf(whole(1), data_t())), 0x47f9af6353ae26bb);
+  EXPECT_EQ(hash_of(data_t(mapOf("id", whole(1)))), 0x127a8c0d237a668e);
 }
 
 TEST_F(Hashes, MapsWithoutEntriesAreTheFixedSeed) {
-  map_t erased = map_of("id", whole(1));
+  map_t erased = mapOf("id", whole(1));
   erased.erase(erased.begin());
   EXPECT_EQ(hashes::hash(map_t()), 0x243fcaf1u);
   EXPECT_EQ(hashes::hash(table_of(0)), 0x243fcaf1u);
@@ -150,8 +149,8 @@ TEST_F(Hashes, MapsWithoutEntriesAreTheFixedSeed) {
 }
 
 TEST_F(Hashes, MapsHashEquallyInAnyOrderAndCapacity) {
-  const map_t forwards = map_of("a", whole(1), "b", whole(2), "c", whole(3));
-  const map_t backwards = map_of("c", whole(3), "b", whole(2), "a", whole(1));
+  const map_t forwards = mapOf("a", whole(1), "b", whole(2), "c", whole(3));
+  const map_t backwards = mapOf("c", whole(3), "b", whole(2), "a", whole(1));
   map_t large = table_of(100);
   fill(large, "b", whole(2), "c", whole(3), "a", whole(1));
   EXPECT_EQ(hashes::hash(forwards), hashes::hash(backwards));
@@ -168,13 +167,13 @@ TEST_F(Hashes, BuffersArePinned) {
 }
 
 TEST_F(Hashes, CustomValuesAreRefusedEverywhere) {
-  const data_t values[] = {custom(1), tagged(9), list_of(whole(1), custom(1)),
-                           map_of("k", custom(1)), list_of(map_of("k", list_of(custom(1))))};
+  const data_t values[] = {custom(1), tagged(9), listOf(whole(1), custom(1)), mapOf("k", custom(1)),
+                           listOf(mapOf("k", listOf(custom(1))))};
   for (const data_t& value : values) {
     EXPECT_THROW(hash_of(value), std::runtime_error);
-    EXPECT_EQ(error_of([&] { hash_of(value); }), "Cannot use custom values as a key");
+    EXPECT_EQ(errorOf([&] { hash_of(value); }), "Cannot use custom values as a key");
   }
-  EXPECT_EQ(error_of([] { static_cast<void>(hashes::hash(map_of("k", custom(1)))); }),
+  EXPECT_EQ(errorOf([] { static_cast<void>(hashes::hash(mapOf("k", custom(1)))); }),
             "Cannot use custom values as a key");
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 TEST(IteratorChecks, FaultIsThrownWithItsMessage) {
   EXPECT_THROW(iterator_checks::report("text"), std::runtime_error);
-  EXPECT_EQ(error_of([] { iterator_checks::report("text"); }), "text");
+  EXPECT_EQ(errorOf([] { iterator_checks::report("text"); }), "text");
 }
 
 TEST(IteratorChecks, MessagesNameTheContainer) {
@@ -25,15 +25,15 @@ TEST(IteratorChecks, AnySettingSkipsTheFault) {
   for (const char* setting : {"1", "0", "false", ""}) {
     SCOPED_TRACE(setting);
     const SkippedChecks skipped(setting);
-    EXPECT_EQ(error_of([] { iterator_checks::report("text"); }), "nothing thrown");
+    EXPECT_EQ(errorOf([] { iterator_checks::report("text"); }), "nothing thrown");
   }
 }
 
 TEST(IteratorChecks, SettingIsReadAtEveryFault) {
   { const SkippedChecks skipped; }
-  EXPECT_EQ(error_of([] { iterator_checks::report("text"); }), "text");
+  EXPECT_EQ(errorOf([] { iterator_checks::report("text"); }), "text");
   const SkippedChecks skipped;
-  EXPECT_EQ(error_of([] { iterator_checks::report("text"); }), "nothing thrown");
+  EXPECT_EQ(errorOf([] { iterator_checks::report("text"); }), "nothing thrown");
 }
 
 } // namespace

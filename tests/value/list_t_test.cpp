@@ -101,8 +101,8 @@ TEST_F(ListT, EqualityNeedsCountAndElements) {
 TEST_F(ListT, ChangedCountStopsAnAdvance) {
   auto it = list_.begin();
   block_->count = 4;
-  EXPECT_EQ(error_of([&] { ++it; }), LIST_MODIFIED);
-  EXPECT_EQ(error_of([&] { ++it; }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { ++it; }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { ++it; }), LIST_MODIFIED);
   EXPECT_EQ((*it).get<std::int64_t>(), 10) << "a failing advance must not move";
 }
 
@@ -110,37 +110,37 @@ TEST_F(ListT, ChangedCountStopsAComparison) {
   const auto it = list_.begin();
   const auto end = list_.end();
   block_->count = 2;
-  EXPECT_EQ(error_of([&] { static_cast<void>(it == end); }), LIST_MODIFIED);
-  EXPECT_EQ(error_of([&] { static_cast<void>(it != end); }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(it == end); }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(it != end); }), LIST_MODIFIED);
 }
 
 TEST_F(ListT, ComparisonNoticesAStaleIteratorOnEitherSide) {
   const auto stale = list_.begin();
   block_->count = 2;
   const auto fresh = list_.begin();
-  EXPECT_EQ(error_of([&] { static_cast<void>(stale == fresh); }), LIST_MODIFIED);
-  EXPECT_EQ(error_of([&] { static_cast<void>(fresh == stale); }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(stale == fresh); }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(fresh == stale); }), LIST_MODIFIED);
 }
 
 TEST_F(ListT, LostBlockStopsAdvanceAndComparison) {
   auto it = list_.begin();
   const list_t taken(std::move(list_));
-  EXPECT_EQ(error_of([&] { ++it; }), LIST_MODIFIED);
-  EXPECT_EQ(error_of([&] { static_cast<void>(it == it); }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { ++it; }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(it == it); }), LIST_MODIFIED);
 }
 
 TEST_F(ListT, LostBlockIsNoticedEvenWithoutElements) {
   list_t list(standin_make_list(0, 1));
   auto it = list.begin();
   const list_t taken(std::move(list));
-  EXPECT_EQ(error_of([&] { static_cast<void>(it == it); }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(it == it); }), LIST_MODIFIED);
 }
 
 TEST_F(ListT, ConstIteratorsNoticeTheSameFaults) {
   auto it = static_cast<const list_t&>(list_).begin();
   block_->count = 2;
-  EXPECT_EQ(error_of([&] { ++it; }), LIST_MODIFIED);
-  EXPECT_EQ(error_of([&] { static_cast<void>(it == it); }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { ++it; }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(it == it); }), LIST_MODIFIED);
 }
 
 TEST_F(ListT, FaultsAreRuntimeErrors) {
@@ -152,12 +152,12 @@ TEST_F(ListT, FaultsAreRuntimeErrors) {
 TEST_F(ListT, IteratorOfNoListEqualsItsLikeAlone) {
   list_t::iterator none;
   EXPECT_TRUE(none == list_t::iterator());
-  EXPECT_EQ(error_of([&] { ++none; }), LIST_MODIFIED);
-  EXPECT_EQ(error_of([&] { ++none; }), LIST_MODIFIED);
-  EXPECT_EQ(error_of([&] { static_cast<void>(none == list_.begin()); }), LIST_MODIFIED);
-  EXPECT_EQ(error_of([&] { static_cast<void>(list_.begin() == none); }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { ++none; }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { ++none; }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(none == list_.begin()); }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(list_.begin() == none); }), LIST_MODIFIED);
   const SkippedChecks skipped;
-  EXPECT_EQ(error_of([&] { ++none; }), "nothing thrown");
+  EXPECT_EQ(errorOf([&] { ++none; }), "nothing thrown");
 }
 
 TEST_F(ListT, ElementsMayChangeUnderAnIterator) {
@@ -180,9 +180,9 @@ TEST_F(ListT, SwitchCountsAtTheMomentOfAFault) {
   block_->count = 2;
   {
     const SkippedChecks skipped;
-    EXPECT_EQ(error_of([&] { ++it; }), "nothing thrown");
+    EXPECT_EQ(errorOf([&] { ++it; }), "nothing thrown");
   }
-  EXPECT_EQ(error_of([&] { ++it; }), LIST_MODIFIED);
+  EXPECT_EQ(errorOf([&] { ++it; }), LIST_MODIFIED);
 }
 
 } // namespace

@@ -44,7 +44,7 @@ TEST_F(MapDrain, HandsOutAllEntriesInOrder) {
 
 TEST_F(MapDrain, HandsOutStoredHashesAndTheBlocks) {
   map_t map = table_of(8);
-  put(map, 3, 99, text("5"), list_of(text("v")));
+  put(map, 3, 99, text("5"), listOf(text("v")));
   const std::uint64_t key_block = content_bits(slot_at(map, 3).key);
   const std::uint64_t value_block = content_bits(slot_at(map, 3).value);
   map_entry_t taken;
@@ -94,13 +94,13 @@ TEST_F(MapDrain, NothingToDrain) {
 
 TEST_F(MapDrain, ExceptionEndsItAndFreesTheRest) {
   const std::int64_t before = standin_live_blocks_total();
-  map_t map = map_of("1", text("1"), "3", list_of(text("v")), "5", text("5"), "7", bytes("7"));
+  map_t map = mapOf("1", text("1"), "3", listOf(text("v")), "5", text("5"), "7", bytes("7"));
   std::vector<std::uint64_t> seen;
   const auto throwing = [&](map_entry_t&& entry) {
     seen.push_back(entry.hash);
     if (seen.size() == 2) throw std::runtime_error("enough");
   };
-  EXPECT_EQ(error_of([&] { static_cast<void>(std::move(map).drain(throwing)); }), "enough");
+  EXPECT_EQ(errorOf([&] { static_cast<void>(std::move(map).drain(throwing)); }), "enough");
   EXPECT_EQ(seen, (std::vector<std::uint64_t>{1, 3}));
   EXPECT_EQ(map.table(), nullptr);
   EXPECT_EQ(standin_live_blocks_total(), before);
@@ -120,7 +120,7 @@ TEST_F(MapDrain, FailureToGrowFreesTheRest) {
     target = map_t();
     EXPECT_EQ(standin_live_blocks_total(), before);
   };
-  EXPECT_EQ(fail_each_allocation(attempt, verify), 21u) << "19 copied, 2 tables of the target";
+  EXPECT_EQ(failEachAllocation(attempt, verify), 21u) << "19 copied, 2 tables of the target";
 }
 
 // ---- clear

@@ -113,7 +113,7 @@ class MapEntryMemory : public HostFixture {
     for (std::int64_t i = 0; i < keys; ++i) map.insert(whole(i), text("v"));
     const void* const table = map.table();
     const map_t before = map.copy();
-    map_entry_t entry = entry_of("new key", list_of(text("new"), borrowed("value")));
+    map_entry_t entry = entry_of("new key", listOf(text("new"), borrowed("value")));
     const std::uint64_t hash = entry.hash;
     const std::uint64_t key_block = content_bits(entry.key);
     const std::uint64_t value_block = content_bits(entry.value);
@@ -127,7 +127,7 @@ class MapEntryMemory : public HostFixture {
       EXPECT_EQ(entry.value.type_tag(), std::uint32_t{VLT_TAG_LIST});
       EXPECT_EQ(content_bits(entry.value), value_block);
     };
-    const std::uint64_t failed = fail_each_allocation([&] { put(map, std::move(entry)); }, verify);
+    const std::uint64_t failed = failEachAllocation([&] { put(map, std::move(entry)); }, verify);
     EXPECT_EQ(map.size(), static_cast<std::size_t>(keys) + 1);
     EXPECT_EQ(content_bits(at(map, "new key")), value_block);
     return failed;
@@ -150,14 +150,14 @@ TEST_F(MapEntryMemory, TableWithoutSlotsIsReplaced) {
   for (Put* put : {insert_entry, assign_entry}) {
     map_t map = table_of(0);
     map_entry_t entry = entry_of("new key", text("value"));
-    EXPECT_EQ(fail_each_allocation([&] { put(map, std::move(entry)); }, [] {}), 1u);
+    EXPECT_EQ(failEachAllocation([&] { put(map, std::move(entry)); }, [] {}), 1u);
     EXPECT_EQ(counts_of(map), (counts_t{1, 8, 0}));
     EXPECT_EQ(at(map, "new key"), text("value"));
   }
 }
 
 TEST_F(MapEntryMemory, NothingElseAllocates) {
-  map_t map = map_of("a", text("1"), "b", text("2"), "c", list_of(text("3")));
+  map_t map = mapOf("a", text("1"), "b", text("2"), "c", listOf(text("3")));
   map_entry_t present = entry_of("a", text("new"));
   map_entry_t assigned = entry_of("b", text("new"));
   const data_t key = text("c");

@@ -37,7 +37,7 @@ INSTANTIATE_TEST_SUITE_P(Ways, MapEntryAbsent, ::testing::Values(INSERT, ASSIGN,
 
 TEST_P(MapEntryAbsent, IsMovedIntoItsSlot) {
   map_t map;
-  map_entry_t entry = entry_of("3", list_of(text("v")));
+  map_entry_t entry = entry_of("3", listOf(text("v")));
   const std::uint64_t key_block = content_bits(entry.key);
   const std::uint64_t value_block = content_bits(entry.value);
   put(map, std::move(entry));
@@ -109,7 +109,7 @@ using MapEntryPresent = PlacedKeys;
 TEST_F(MapEntryPresent, IsNotInserted) {
   map_t map = with_keys("3", "11");
   const map_t before = map.copy();
-  map_entry_t entry = entry_of("11", list_of(text("v")));
+  map_entry_t entry = entry_of("11", listOf(text("v")));
   const std::uint64_t key_block = content_bits(entry.key);
   const std::uint64_t value_block = content_bits(entry.value);
   standin_reset_calls();
@@ -125,7 +125,7 @@ TEST_F(MapEntryPresent, IsNotInserted) {
 TEST_F(MapEntryPresent, AssignmentReplacesTheValueOnly) {
   map_t map = with_keys("3", "11");
   const std::uint64_t key_in_map = content_bits(slot_at(map, 4).key);
-  map_entry_t entry = entry_of("11", list_of(text("v")));
+  map_entry_t entry = entry_of("11", listOf(text("v")));
   const std::uint64_t key_given = content_bits(entry.key);
   const std::uint64_t value_given = content_bits(entry.value);
   map.assign(std::move(entry));
@@ -138,7 +138,7 @@ TEST_F(MapEntryPresent, AssignmentReplacesTheValueOnly) {
 }
 
 TEST_F(MapEntryPresent, AssignmentFreesTheOldValue) {
-  map_t map = map_of("3", list_of(text("old"), text("older")));
+  map_t map = mapOf("3", listOf(text("old"), text("older")));
   const std::int64_t before = standin_live_blocks_total();
   map.assign({3, text("3"), whole(1)});
   EXPECT_EQ(standin_live_blocks_total(), before - 3);
@@ -203,7 +203,7 @@ class MapEntryRefused : public PlacedKeys {
                                 const way_t& way) {
     map_entry_t entry{3, key, text("v")};
     const std::uint64_t key_block = content_bits(entry.key);
-    EXPECT_EQ(error_of([&] { way.put(map, std::move(entry)); }), error);
+    EXPECT_EQ(errorOf([&] { way.put(map, std::move(entry)); }), error);
     EXPECT_EQ(entry.hash, 3u);
     EXPECT_EQ(entry.key.type_tag(), key.type_tag());
     EXPECT_EQ(content_bits(entry.key), key_block);
@@ -216,10 +216,10 @@ TEST_F(MapEntryRefused, EmptyKey) { expect_refused(data_t(), NULL_KEY); }
 TEST_F(MapEntryRefused, CustomKey) { expect_refused(custom(1), CUSTOM_KEY); }
 
 TEST_F(MapEntryRefused, KeyThatHoldsACustomValue) {
-  expect_refused(list_of(custom(1)), CUSTOM_KEY);
-  expect_refused(list_of(whole(1), list_of(custom(1))), CUSTOM_KEY);
-  expect_refused(map_of("k", custom(1)), CUSTOM_KEY);
-  expect_refused(list_of(map_of("k", custom(1))), CUSTOM_KEY);
+  expect_refused(listOf(custom(1)), CUSTOM_KEY);
+  expect_refused(listOf(whole(1), listOf(custom(1))), CUSTOM_KEY);
+  expect_refused(mapOf("k", custom(1)), CUSTOM_KEY);
+  expect_refused(listOf(mapOf("k", custom(1))), CUSTOM_KEY);
 }
 
 TEST_F(MapEntryRefused, AnyOtherKeyIsTaken) {
@@ -230,7 +230,7 @@ TEST_F(MapEntryRefused, AnyOtherKeyIsTaken) {
       if (kind.tag == VLT_TAG_EMPTY || kind.tag == VLT_TAG_CUSTOM) continue;
       SCOPED_TRACE(std::string(way.name) + " " + kind.name);
       map_entry_t entry = entry_of(kind.make(), custom(1));
-      EXPECT_EQ(error_of([&] { way.put(map, std::move(entry)); }), "nothing thrown");
+      EXPECT_EQ(errorOf([&] { way.put(map, std::move(entry)); }), "nothing thrown");
       EXPECT_EQ(counts_of(map).live, ++taken);
       EXPECT_TRUE(entry.key.empty());
     }

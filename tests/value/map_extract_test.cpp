@@ -52,9 +52,9 @@ TEST_F(MapFind, PassesTombstonesAndEndsWithoutFreeSlots) {
 
 TEST_F(MapFind, CustomKeyIsRefused) {
   const map_t map = with_keys("3");
-  const data_t key = list_of(custom(1));
+  const data_t key = listOf(custom(1));
   const char* const error = "Cannot use custom values as a key";
-  EXPECT_EQ(error_of([&] { static_cast<void>(map.find_value(key)); }), error);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(map.find_value(key)); }), error);
 }
 
 // ---- extract

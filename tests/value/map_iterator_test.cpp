@@ -17,15 +17,15 @@ constexpr const char* NOTHING = "nothing thrown";
 
 template <class Iterator>
 std::string error_of_dereference(const Iterator& it) {
-  return error_of([&] { static_cast<void>(*it); });
+  return errorOf([&] { static_cast<void>(*it); });
 }
 template <class Iterator>
 std::string error_of_arrow(const Iterator& it) {
-  return error_of([&] { static_cast<void>((*it).first); });
+  return errorOf([&] { static_cast<void>((*it).first); });
 }
 template <class Iterator>
 std::string error_of_advance(Iterator it) {
-  return error_of([&] { ++it; });
+  return errorOf([&] { ++it; });
 }
 // All uses of an iterator that check the map first.
 template <class Iterator>
@@ -34,7 +34,7 @@ void expect_invalid(const Iterator& it) {
   EXPECT_EQ(error_of_arrow(it), MAP_MODIFIED);
   EXPECT_EQ(error_of_advance(it), MAP_MODIFIED);
   Iterator copy = it;
-  EXPECT_EQ(error_of([&] { ++copy; }), MAP_MODIFIED);
+  EXPECT_EQ(errorOf([&] { ++copy; }), MAP_MODIFIED);
 }
 
 using MapIterator = PlacedKeys;
@@ -103,7 +103,7 @@ TEST_F(MapIterator, EraseDoesNotTakeAnInvalidIterator) {
   map_t map = with_keys("3", "5");
   const auto it = map.begin();
   map.erase(map.find(text("5")));
-  EXPECT_EQ(error_of([&] { map.erase(it); }), MAP_MODIFIED);
+  EXPECT_EQ(errorOf([&] { map.erase(it); }), MAP_MODIFIED);
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 1}));
   EXPECT_EQ(at(map, "3"), text("3"));
 }
@@ -148,7 +148,7 @@ TEST_F(MapIterator, EraseNoticesThatTheTableIsLost) {
   map_t map = with_keys("3");
   const map_t::iterator first = map.begin();
   const map_t taken(std::move(map));
-  EXPECT_EQ(error_of([&] { map.erase(first); }), MAP_MODIFIED);
+  EXPECT_EQ(errorOf([&] { map.erase(first); }), MAP_MODIFIED);
   EXPECT_EQ(taken.size(), 1U);
 }
 
@@ -169,8 +169,8 @@ TEST_F(MapIterator, IteratorOfNoMapIsNeverValid) {
   expect_invalid(map_t::const_iterator());
   EXPECT_TRUE(map_t::iterator() == map_t::iterator());
   map_t map = with_keys("3");
-  EXPECT_EQ(error_of([&] { static_cast<void>(map_t::iterator() == map.begin()); }), DIFFERENT);
-  EXPECT_EQ(error_of([&] { map.erase(map_t::iterator()); }), DIFFERENT);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(map_t::iterator() == map.begin()); }), DIFFERENT);
+  EXPECT_EQ(errorOf([&] { map.erase(map_t::iterator()); }), DIFFERENT);
 }
 
 TEST_F(MapIterator, ChangingAValueInvalidatesNothing) {
@@ -194,20 +194,20 @@ TEST_F(MapIterator, ComparisonIgnoresModifications) {
 TEST_F(MapIterator, IteratorsOfDifferentMapsAreNotCompared) {
   map_t left = with_keys("3");
   map_t right = with_keys("3");
-  EXPECT_EQ(error_of([&] { static_cast<void>(left.begin() == right.begin()); }), DIFFERENT);
-  EXPECT_EQ(error_of([&] { static_cast<void>(left.end() != right.end()); }), DIFFERENT);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(left.begin() == right.begin()); }), DIFFERENT);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(left.end() != right.end()); }), DIFFERENT);
   EXPECT_THROW(static_cast<void>(left.end() == right.end()), std::runtime_error);
   const map_t& constant_left = left;
   const map_t& constant_right = right;
-  EXPECT_EQ(error_of([&] { static_cast<void>(constant_left.end() == constant_right.end()); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(constant_left.end() == constant_right.end()); }),
             DIFFERENT);
 }
 
 TEST_F(MapIterator, EraseDoesNotTakeAnotherMapsIterator) {
   map_t map = with_keys("3");
   map_t other = with_keys("3");
-  EXPECT_EQ(error_of([&] { map.erase(other.begin()); }), DIFFERENT);
-  EXPECT_EQ(error_of([&] { map.erase(other.end()); }), DIFFERENT);
+  EXPECT_EQ(errorOf([&] { map.erase(other.begin()); }), DIFFERENT);
+  EXPECT_EQ(errorOf([&] { map.erase(other.end()); }), DIFFERENT);
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 0}));
   EXPECT_EQ(counts_of(other), (counts_t{1, 8, 0}));
 }
@@ -261,10 +261,10 @@ TEST_F(MapIterator, SwitchCountsAtTheMomentOfAFault) {
   {
     const SkippedChecks skipped;
     EXPECT_EQ(error_of_dereference(it), NOTHING);
-    EXPECT_EQ(error_of([&] { static_cast<void>(it == other.begin()); }), NOTHING);
+    EXPECT_EQ(errorOf([&] { static_cast<void>(it == other.begin()); }), NOTHING);
   }
   expect_invalid(it);
-  EXPECT_EQ(error_of([&] { static_cast<void>(it == other.begin()); }), DIFFERENT);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(it == other.begin()); }), DIFFERENT);
   const SkippedChecks skipped;
   EXPECT_EQ(error_of_advance(it), NOTHING);
 }

@@ -23,7 +23,7 @@ TEST_F(MapErase, LeavesATombstoneWithoutKeyAndValue) {
 
 TEST_F(MapErase, FreesKeyAndValue) {
   map_t map;
-  map.insert(text("3"), list_of(text("v")));
+  map.insert(text("3"), listOf(text("v")));
   const std::int64_t before = standin_live_blocks_total();
   map.erase(map.begin());
   EXPECT_EQ(standin_live_blocks_total(), before - 3);
@@ -263,8 +263,8 @@ TEST_F(MapEquality, KeysAndValuesMatter) {
   EXPECT_FALSE(with_keys("3", "4") == with_keys("3"));
   EXPECT_FALSE(with_keys("3") == with_keys("3", "4"));
   EXPECT_FALSE(with_keys("3", "4") == with_keys("3", "5"));
-  EXPECT_FALSE(map_of("3", whole(1)) == map_of("3", whole(2)));
-  EXPECT_TRUE(map_of("3", whole(1)) != map_of("3", real(1.0)));
+  EXPECT_FALSE(mapOf("3", whole(1)) == mapOf("3", whole(2)));
+  EXPECT_TRUE(mapOf("3", whole(1)) != mapOf("3", real(1.0)));
 }
 
 TEST_F(MapEquality, MapsWithoutEntriesAreEqual) {
@@ -278,9 +278,9 @@ TEST_F(MapEquality, MapsWithoutEntriesAreEqual) {
 }
 
 TEST_F(MapEquality, MapWithACustomValueDiffersFromItself) {
-  const map_t map = map_of("3", custom(1));
+  const map_t map = mapOf("3", custom(1));
   EXPECT_FALSE(map == map);
-  const map_t unknown = map_of(tagged(11), whole(1));
+  const map_t unknown = mapOf(tagged(11), whole(1));
   EXPECT_FALSE(unknown == unknown);
 }
 

@@ -26,13 +26,13 @@ class MapMemory : public HostFixture {
         EXPECT_EQ(counts_of(map), counts_of(before));
       }
     };
-    const std::uint64_t failed = fail_each_allocation([&] { change(map); }, verify);
+    const std::uint64_t failed = failEachAllocation([&] { change(map); }, verify);
     EXPECT_EQ(map.size(), static_cast<std::size_t>(keys) + 1);
     return failed;
   }
 
   const data_t key_ = text("new key");
-  const data_t value_ = list_of(text("new"), borrowed("value"));
+  const data_t value_ = listOf(text("new"), borrowed("value"));
 };
 
 TEST_F(MapMemory, InsertIntoNoTable) {
@@ -84,7 +84,7 @@ TEST_F(MapMemory, InsertIntoATableWithoutSlots) {
   data_t key = key_;
   data_t value = value_;
   const auto insert = [&] { map.insert(std::move(key), std::move(value)); };
-  EXPECT_EQ(fail_each_allocation(insert, [] {}), 1u);
+  EXPECT_EQ(failEachAllocation(insert, [] {}), 1u);
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 0}));
 }
 
@@ -98,8 +98,7 @@ TEST_F(MapMemory, AddOfKeyAndValue) {
 }
 
 TEST_F(MapMemory, Copy) {
-  map_t map =
-      map_of("a", text("1"), "b", list_of(bytes("2")), borrowed("c"), map_of("d", custom(4)));
+  map_t map = mapOf("a", text("1"), "b", listOf(bytes("2")), borrowed("c"), mapOf("d", custom(4)));
   map.erase(map.find(text("a")));
   const std::int64_t before = standin_live_blocks_total();
   const auto copy = [&] {
@@ -107,11 +106,11 @@ TEST_F(MapMemory, Copy) {
     EXPECT_EQ(counts_of(copied), counts_of(map));
   };
   const auto verify = [&] { EXPECT_EQ(standin_live_blocks_total(), before); };
-  EXPECT_EQ(fail_each_allocation(copy, verify), 8u) << "table, 3 for b, 4 for c";
+  EXPECT_EQ(failEachAllocation(copy, verify), 8u) << "table, 3 for b, 4 for c";
 }
 
 TEST_F(MapMemory, LookupEraseAndComparisonAllocateNothing) {
-  map_t map = map_of("a", text("1"), "b", list_of(bytes("2")));
+  map_t map = mapOf("a", text("1"), "b", listOf(bytes("2")));
   const map_t copy = map.copy();
   const data_t key = text("a");
   standin_fail_allocations_from(1);

@@ -53,8 +53,8 @@ inline bool is_live(const slot_t& slot) { return !is_free(slot) && !is_deleted(s
 inline constexpr std::uint64_t FIXED_SEED = 0x243FCAF1;
 
 inline std::uint64_t murmur(const std::string& bytes, std::uint64_t seed) {
-  constexpr std::uint64_t m = 0xc6a4a7935bd1e995;
-  std::uint64_t h = seed ^ (bytes.size() * m);
+  constexpr std::uint64_t M = 0xc6a4a7935bd1e995;
+  std::uint64_t h = seed ^ (bytes.size() * M);
   for (std::size_t at = 0; at < bytes.size(); at += 8) {
     const std::size_t count = bytes.size() - at < 8 ? bytes.size() - at : 8;
     std::uint64_t k = 0;
@@ -62,15 +62,15 @@ inline std::uint64_t murmur(const std::string& bytes, std::uint64_t seed) {
       k = (k << 8) | static_cast<unsigned char>(bytes[at + i - 1]);
     }
     if (count == 8) {
-      k *= m;
+      k *= M;
       k ^= k >> 47;
-      k *= m;
+      k *= M;
     }
     h ^= k;
-    h *= m;
+    h *= M;
   }
   h ^= h >> 47;
-  h *= m;
+  h *= M;
   h ^= h >> 47;
   return h;
 }

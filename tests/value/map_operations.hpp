@@ -34,12 +34,12 @@ class MapOperations {
   // Runs the program to its end or to the first difference between a map and its model; returns
   // the difference, or nothing.
   difference_t run() {
-    input_.chooseKeys();
-    while (!input_.atEnd()) {
+    input_.choose_keys();
+    while (!input_.at_end()) {
       const operation_t& operation = choose(input_.byte());
-      map_ = &anyMap();
+      map_ = &any_map();
       difference_t d = (this->*operation.run)();
-      if (d.empty() && isDueForComparison()) d = compare(*map_);
+      if (d.empty() && is_due_for_comparison()) d = compare(*map_);
       ++done_;
       if (!d.empty()) return operation.name + (" (operation " + std::to_string(done_)) + "): " + d;
     }
@@ -66,19 +66,19 @@ class MapOperations {
 
   static const operation_t& choose(int byte) {
     static constexpr std::array OPERATIONS = {
-        operation_t{40, "insert", &MapOperations::insertKeyAndValue},
-        operation_t{20, "insert a pair", &MapOperations::insertPair},
-        operation_t{40, "assign by subscript", &MapOperations::insertBySubscript},
-        operation_t{25, "maybe_insert, copying", &MapOperations::insertCopying},
-        operation_t{20, "maybe_insert, moving", &MapOperations::insertMoving},
+        operation_t{40, "insert", &MapOperations::insert_key_and_value},
+        operation_t{20, "insert a pair", &MapOperations::insert_pair},
+        operation_t{40, "assign by subscript", &MapOperations::insert_by_subscript},
+        operation_t{25, "maybe_insert, copying", &MapOperations::insert_copying},
+        operation_t{20, "maybe_insert, moving", &MapOperations::insert_moving},
         operation_t{35, "find", &MapOperations::find},
-        operation_t{35, "erase what is found", &MapOperations::eraseFound},
-        operation_t{14, "erase any entry", &MapOperations::eraseAny},
+        operation_t{35, "erase what is found", &MapOperations::erase_found},
+        operation_t{14, "erase any entry", &MapOperations::erase_any},
         operation_t{3, "iterate", &MapOperations::iterate},
         operation_t{4, "copy", &MapOperations::copy},
-        operation_t{7, "compare with another map", &MapOperations::compareMaps},
+        operation_t{7, "compare with another map", &MapOperations::compare_maps},
         operation_t{4, "hash", &MapOperations::hash},
-        operation_t{2, "move to another map", &MapOperations::moveToAnother},
+        operation_t{2, "move to another map", &MapOperations::move_to_another},
         operation_t{1, "clear by moving out", &MapOperations::clear},
         operation_t{6, "refuse an allocation of the next operation", &MapOperations::arm}};
     std::size_t i = 0;
@@ -86,9 +86,9 @@ class MapOperations {
     return OPERATIONS[i];
   }
 
-  pair_t& anyMap() { return maps_[input_.byte() % maps_.size()]; }
+  pair_t& any_map() { return maps_[input_.byte() % maps_.size()]; }
 
-  [[nodiscard]] bool isDueForComparison() const {
+  [[nodiscard]] bool is_due_for_comparison() const {
     return map_->model.slots.size() <= 32 || done_ % 64 == 0;
   }
 
@@ -96,7 +96,7 @@ class MapOperations {
     return difference(pair.real.table(), pair.model);
   }
 
-  [[nodiscard]] const vlt_underlying_map_table_entry_t& slotOf(std::size_t index) const {
+  [[nodiscard]] const vlt_underlying_map_table_entry_t& slot_of(std::size_t index) const {
     const auto* const head = map_->real.table();
     return reinterpret_cast<const vlt_underlying_map_table_entry_t*>(head + 1)[index];
   }
@@ -104,7 +104,7 @@ class MapOperations {
   // Calls `action` on the real map, refusing an allocation if that is its turn. Returns the message
   // of its exception.
   template <class Action>
-  std::string errorOf(const Action& action) {
+  std::string refusal_of(const Action& action) {
     standin_fail_allocation(1); // forgets the refusals of an earlier request
     standin_fail_allocation(std::exchange(armed_, 0));
     std::string error;
@@ -118,16 +118,16 @@ class MapOperations {
   }
 
   // Whether the last action ran out of memory.
-  static bool wasRefused() { return standin_failed_allocations() > 0; }
+  static bool was_refused() { return standin_failed_allocations() > 0; }
 
-  static difference_t differingError(const std::string& actual, const std::string& expected) {
+  static difference_t differing_error(const std::string& actual, const std::string& expected) {
     if (actual == expected) return {};
     return "the error is \"" + actual + "\" instead of \"" + expected + '"';
   }
 
   // An operation without memory says so and changes nothing.
-  difference_t compareAfterRefusal(const std::string& error) const {
-    const difference_t d = differingError(error, std::bad_alloc().what());
+  difference_t compare_after_refusal(const std::string& error) const {
+    const difference_t d = differing_error(error, std::bad_alloc().what());
     return d.empty() ? compare(*map_) : d;
   }
 
@@ -154,7 +154,7 @@ class MapOperations {
     request.value_in_slot = &entry.second;
   }
 
-  static void callInsertion(map_t& map, insertion_request_t& request) {
+  static void call_insertion(map_t& map, insertion_request_t& request) {
     data_t& key = request.real_key;
     data_t& value = request.real_value;
     switch (request.way) {
@@ -178,25 +178,25 @@ class MapOperations {
     }
   }
 
-  static std::string expectedError(const insertion_request_t& request) {
+  static std::string expected_error(const insertion_request_t& request) {
     const bool checks_for_empty = request.way != way_t::COPY;
     if (checks_for_empty && request.key.tag == VLT_TAG_EMPTY) return "Cannot have a null key";
     if (!hash_of(request.key, FIXED_SEED)) return "Cannot use custom values as a key";
     return {};
   }
 
-  difference_t insertBy(way_t way) {
+  difference_t insert_by(way_t way) {
     const value_t key = input_.key();
     const value_t value = input_.value();
     insertion_request_t request{way, key, value};
-    const std::string error = errorOf([&] { callInsertion(map_->real, request); });
-    if (wasRefused()) return compareAfterRefusal(error);
-    const std::string expected = expectedError(request);
-    if (difference_t d = differingError(error, expected); !d.empty()) return d;
-    return expected.empty() ? compareInsertion(request) : compare(*map_);
+    const std::string error = refusal_of([&] { call_insertion(map_->real, request); });
+    if (was_refused()) return compare_after_refusal(error);
+    const std::string expected = expected_error(request);
+    if (difference_t d = differing_error(error, expected); !d.empty()) return d;
+    return expected.empty() ? compare_insertion(request) : compare(*map_);
   }
 
-  difference_t compareInsertion(const insertion_request_t& request) {
+  difference_t compare_insertion(const insertion_request_t& request) {
     const bool copies = request.way == way_t::COPY;
     const bool is_subscript = request.way == way_t::SUBSCRIPT;
     // Looks up the given key, but stores a copy of it: a borrowed key does not find an owned one of
@@ -209,17 +209,17 @@ class MapOperations {
     if (!is_subscript && request.was_inserted != made.inserted) {
       return differing("whether it was inserted", request.was_inserted, made.inserted);
     }
-    const auto& entry = slotOf(made.slot);
+    const auto& entry = slot_of(made.slot);
     if (request.value_in_slot->underlying() != &entry.value ||
         (!is_subscript && request.key_in_slot->underlying() != &entry.key)) {
       return "the entry returned is another one";
     }
     if (difference_t d = difference(entry, slot); !d.empty()) return d;
     const bool consumed = is_subscript || (made.inserted && !copies);
-    return compareGiven(request, consumed);
+    return compare_given(request, consumed);
   }
 
-  static difference_t compareGiven(const insertion_request_t& request, bool consumed) {
+  static difference_t compare_given(const insertion_request_t& request, bool consumed) {
     const value_t nothing;
     difference_t d = at_place(
         "key given", difference(*request.real_key.underlying(), consumed ? nothing : request.key));
@@ -228,31 +228,31 @@ class MapOperations {
                                               consumed ? nothing : request.value));
   }
 
-  difference_t insertKeyAndValue() { return insertBy(way_t::INSERT); }
-  difference_t insertPair() { return insertBy(way_t::INSERT_PAIR); }
-  difference_t insertMoving() { return insertBy(way_t::MOVE); }
-  difference_t insertCopying() { return insertBy(way_t::COPY); }
-  difference_t insertBySubscript() { return insertBy(way_t::SUBSCRIPT); }
+  difference_t insert_key_and_value() { return insert_by(way_t::INSERT); }
+  difference_t insert_pair() { return insert_by(way_t::INSERT_PAIR); }
+  difference_t insert_moving() { return insert_by(way_t::MOVE); }
+  difference_t insert_copying() { return insert_by(way_t::COPY); }
+  difference_t insert_by_subscript() { return insert_by(way_t::SUBSCRIPT); }
 
   // ---- look-ups and erasures
 
   // Looks `key` up on both sides. `found` is the model's slot; the iterator points at the same one.
-  difference_t findBoth(map_t::iterator& position, std::optional<std::size_t>& found) {
+  difference_t find_both(map_t::iterator& position, std::optional<std::size_t>& found) {
     const value_t key = input_.key();
     const data_t real_key = data_t::adopt(block_of(key));
-    const std::string error = errorOf([&] { position = map_->real.find(real_key); });
+    const std::string error = refusal_of([&] { position = map_->real.find(real_key); });
     const hash_t hash = hash_of(key, FIXED_SEED);
     if (!hash) {
       position = map_->real.end();
-      return differingError(error, "Cannot use custom values as a key");
+      return differing_error(error, "Cannot use custom values as a key");
     }
-    if (difference_t d = differingError(error, ""); !d.empty()) return d;
+    if (difference_t d = differing_error(error, ""); !d.empty()) return d;
     found = look_up(map_->model, key, *hash).found;
     const bool was_found = position != map_->real.end();
     if (was_found != found.has_value()) {
       return differing("whether it was found", was_found, found.has_value());
     }
-    if (found && (*position).first.underlying() != &slotOf(*found).key) {
+    if (found && (*position).first.underlying() != &slot_of(*found).key) {
       return "the entry found is another one";
     }
     return {};
@@ -261,21 +261,21 @@ class MapOperations {
   difference_t find() {
     map_t::iterator position;
     std::optional<std::size_t> found;
-    return findBoth(position, found);
+    return find_both(position, found);
   }
 
-  difference_t eraseFound() {
+  difference_t erase_found() {
     map_t::iterator position;
     std::optional<std::size_t> found;
-    if (difference_t d = findBoth(position, found); !d.empty()) return d;
+    if (difference_t d = find_both(position, found); !d.empty()) return d;
     map_->real.erase(position); // the end erases nothing
     if (!found) return {};
     erase(map_->model, *found);
-    return difference(slotOf(*found), map_->model.slots[*found]);
+    return difference(slot_of(*found), map_->model.slots[*found]);
   }
 
   // Also reaches entries that no look-up finds: NaN and unknown keys.
-  difference_t eraseAny() {
+  difference_t erase_any() {
     if (map_->model.live == 0) return {};
     const auto live = static_cast<std::uint64_t>(map_->model.live);
     const std::uint64_t skipped = (input_.byte() * std::uint64_t{256} + input_.byte()) % live;
@@ -287,10 +287,10 @@ class MapOperations {
       do ++slot;
       while (!is_live(map_->model.slots[slot]));
     }
-    if ((*position).first.underlying() != &slotOf(slot).key) return "the iterator is elsewhere";
+    if ((*position).first.underlying() != &slot_of(slot).key) return "the iterator is elsewhere";
     map_->real.erase(position);
     erase(map_->model, slot);
-    return difference(slotOf(slot), map_->model.slots[slot]);
+    return difference(slot_of(slot), map_->model.slots[slot]);
   }
 
   difference_t iterate() {
@@ -299,7 +299,8 @@ class MapOperations {
     for (std::size_t i = 0; i < map_->model.slots.size(); ++i) {
       if (!is_live(map_->model.slots[i])) continue;
       if (position == real.end()) return "the iteration ends early";
-      if ((*position).second.underlying() != &slotOf(i).value) return "the iteration skips entries";
+      if ((*position).second.underlying() != &slot_of(i).value)
+        return "the iteration skips entries";
       ++position;
     }
     return position == real.end() ? difference_t() : "the iteration goes on after the last entry";
@@ -308,33 +309,33 @@ class MapOperations {
   // ---- whole maps
 
   difference_t copy() {
-    pair_t& target = anyMap();
+    pair_t& target = any_map();
     map_t made;
-    const std::string error = errorOf([&] { made = map_->real.copy(); });
-    if (wasRefused()) return compareAfterRefusal(error);
-    if (difference_t d = differingError(error, ""); !d.empty()) return d;
+    const std::string error = refusal_of([&] { made = map_->real.copy(); });
+    if (was_refused()) return compare_after_refusal(error);
+    if (difference_t d = differing_error(error, ""); !d.empty()) return d;
     target.real = std::move(made);
     target.model = copied(map_->model);
     return compare(target);
   }
 
-  difference_t compareMaps() {
-    const pair_t& other = anyMap();
+  difference_t compare_maps() {
+    const pair_t& other = any_map();
     return differing("whether they are equal", map_->real == other.real,
                      equal(map_->model, other.model));
   }
 
   difference_t hash() {
     std::uint64_t actual = 0;
-    const std::string error = errorOf([&] { actual = hashes::hash(map_->real); });
+    const std::string error = refusal_of([&] { actual = hashes::hash(map_->real); });
     const hash_t expected = hash_of(map_->model);
-    if (!expected) return differingError(error, "Cannot use custom values as a key");
-    const difference_t d = differingError(error, "");
+    if (!expected) return differing_error(error, "Cannot use custom values as a key");
+    const difference_t d = differing_error(error, "");
     return d.empty() ? differing("the map's hash", actual, *expected) : d;
   }
 
-  difference_t moveToAnother() {
-    pair_t& target = anyMap();
+  difference_t move_to_another() {
+    pair_t& target = any_map();
     if (&target == map_) return {};
     target.real = std::move(map_->real);
     target.model = std::exchange(map_->model, table_t());

@@ -20,7 +20,7 @@ class MapProgram {
  public:
   explicit MapProgram(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
 
-  [[nodiscard]] bool atEnd() const { return bytes_.empty(); }
+  [[nodiscard]] bool at_end() const { return bytes_.empty(); }
 
   std::uint8_t byte() {
     if (bytes_.empty()) return 0;
@@ -30,16 +30,17 @@ class MapProgram {
   }
 
   // Few keys make tables of tombstones and re-insertions, many make them grow.
-  void chooseKeys() {
+  void choose_keys() {
     static constexpr std::array<unsigned, 4> COUNTS = {6, 20, 90, 600};
     key_count_ = COUNTS[byte() % COUNTS.size()];
   }
 
   value_t key() {
     const unsigned kind = byte();
-    if (kind < 130) return text(VLT_TAG_STRING, "key " + std::to_string(oneOfTheKeys()));
-    if (kind < 230) return scalar(VLT_TAG_INTEGER, oneOfTheKeys());
-    if (kind < 240) return text(VLT_TAG_BORROWED_STRING, "key " + std::to_string(oneOfTheKeys()));
+    if (kind < 130) return text(VLT_TAG_STRING, "key " + std::to_string(one_of_the_keys()));
+    if (kind < 230) return scalar(VLT_TAG_INTEGER, one_of_the_keys());
+    if (kind < 240)
+      return text(VLT_TAG_BORROWED_STRING, "key " + std::to_string(one_of_the_keys()));
     return value();
   }
 
@@ -66,7 +67,7 @@ class MapProgram {
     return result;
   }
 
-  unsigned oneOfTheKeys() {
+  unsigned one_of_the_keys() {
     const unsigned high = byte();
     return (high * 256 + byte()) % key_count_;
   }

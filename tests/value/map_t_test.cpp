@@ -153,7 +153,7 @@ TEST_F(MapT, HashesZeroAndOneAreLive) {
 TEST_F(MapT, InsertTakesKeyAndValueOver) {
   map_t map;
   data_t key = text("3");
-  data_t value = list_of(text("v"));
+  data_t value = listOf(text("v"));
   const void* const block = value.underlying()->value.list;
   const auto [entry, inserted] = map.insert(std::move(key), std::move(value));
   EXPECT_TRUE(inserted);
@@ -210,7 +210,7 @@ TEST_F(MapT, SubscriptReachesTheValueAndConsumesTheKey) {
 TEST_F(MapT, CopyingInsertKeepsItsSources) {
   map_t map;
   const data_t key = borrowed("3");
-  const data_t value = list_of(text("v"));
+  const data_t value = listOf(text("v"));
   EXPECT_TRUE(map.maybe_insert(map_t::const_pair(key, value)).second);
   EXPECT_EQ(key.type_tag(), 10u);
   EXPECT_EQ(slot_at(map, 3).key, text("3")) << "a copied borrowed string becomes an owned one";
@@ -257,12 +257,12 @@ TEST_F(MapT, MovingInsertLeavesBorrowedStringsBorrowed) {
 
 // Offers `key` by every way that moves it in; each must fail with `error` and change nothing.
 void expect_refused(const data_t& key, const char* error, map_t& map) {
-  EXPECT_EQ(error_of([&] { map[data_t(key)]; }), error);
-  EXPECT_EQ(error_of([&] { map.insert(data_t(key), whole(1)); }), error);
-  EXPECT_EQ(error_of([&] { map.insert(std::pair<data_t, data_t>(key, whole(1))); }), error);
+  EXPECT_EQ(errorOf([&] { map[data_t(key)]; }), error);
+  EXPECT_EQ(errorOf([&] { map.insert(data_t(key), whole(1)); }), error);
+  EXPECT_EQ(errorOf([&] { map.insert(std::pair<data_t, data_t>(key, whole(1))); }), error);
   data_t moved = key;
   data_t value = whole(1);
-  EXPECT_EQ(error_of([&] { map.maybe_insert(map_t::pair(moved, value)); }), error);
+  EXPECT_EQ(errorOf([&] { map.maybe_insert(map_t::pair(moved, value)); }), error);
   EXPECT_THROW(map.insert(data_t(key), whole(1)), std::runtime_error);
 }
 
@@ -291,12 +291,12 @@ TEST_F(MapT, CustomKeyIsRefusedByEveryFunction) {
   expect_refused(custom(1), CUSTOM_KEY, none);
   EXPECT_EQ(none.table(), nullptr);
   map_t map = with_keys("3");
-  const data_t key = list_of(custom(1));
+  const data_t key = listOf(custom(1));
   const data_t value;
   expect_refused(key, CUSTOM_KEY, map);
-  EXPECT_EQ(error_of([&] { map.maybe_insert(map_t::const_pair(key, value)); }), CUSTOM_KEY);
-  EXPECT_EQ(error_of([&] { static_cast<void>(map.find(key)); }), CUSTOM_KEY);
-  EXPECT_EQ(error_of([&] { static_cast<void>(none.find(key)); }), CUSTOM_KEY);
+  EXPECT_EQ(errorOf([&] { map.maybe_insert(map_t::const_pair(key, value)); }), CUSTOM_KEY);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(map.find(key)); }), CUSTOM_KEY);
+  EXPECT_EQ(errorOf([&] { static_cast<void>(none.find(key)); }), CUSTOM_KEY);
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 0}));
 }
 
@@ -319,7 +319,7 @@ TEST_F(MapT, UnknownKeysAreAcceptedAndNeverFound) {
 }
 
 TEST_F(MapT, NullKeyIsTheEmptyString) {
-  map_t map = map_of(null_text(), whole(1));
+  map_t map = mapOf(nullText(), whole(1));
   EXPECT_EQ(at(map, ""), whole(1));
   EXPECT_FALSE(map.insert(text(""), whole(2)).second);
 }

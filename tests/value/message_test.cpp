@@ -18,10 +18,10 @@ static_assert(!std::is_copy_constructible_v<Message>);
 
 class MessageTest : public HostFixture {
  protected:
-  static Message sample() { return Message(list_of(text("p")), map_of("m", text("v"))); }
+  static Message sample() { return Message(listOf(text("p")), mapOf("m", text("v"))); }
   static void expect_sample(const Message& message) {
-    EXPECT_EQ(message.getPayload(), list_of(text("p")));
-    EXPECT_TRUE(message.getMetadataMap() == map_of("m", text("v")));
+    EXPECT_EQ(message.getPayload(), listOf(text("p")));
+    EXPECT_TRUE(message.getMetadataMap() == mapOf("m", text("v")));
   }
   static void expect_nothing(const Message& message) {
     EXPECT_TRUE(message.getPayload().empty());
@@ -48,7 +48,7 @@ TEST_F(MessageTest, MetadataIsOptional) {
 
 TEST_F(MessageTest, ConstructionMovesBothIn) {
   data_t payload = text("p");
-  map_t metadata = map_of("m", whole(1));
+  map_t metadata = mapOf("m", whole(1));
   const void* const table = metadata.table();
   standin_reset_calls();
   const Message message(std::move(payload), std::move(metadata));
@@ -84,12 +84,12 @@ TEST_F(MessageTest, MovedFromMessageCanBeUsedOn) {
   source.getPayload() = whole(1);
   source.getMetadataMap()[text("k")] = whole(2);
   EXPECT_EQ(source.getPayload(), whole(1));
-  EXPECT_TRUE(source.getMetadataMap() == map_of("k", whole(2)));
+  EXPECT_TRUE(source.getMetadataMap() == mapOf("k", whole(2)));
 }
 
 TEST_F(MessageTest, MoveAssignmentFreesTheOldContent) {
   Message source = sample();
-  Message target(list_of(whole(1)), map_of("old", whole(2)));
+  Message target(listOf(whole(1)), mapOf("old", whole(2)));
   standin_reset_calls();
   target = std::move(source);
   EXPECT_EQ(standin_calls(STANDIN_FREE_VECTOR), 1);

@@ -120,31 +120,31 @@ TEST_F(NestedEquality, AgreesWithRecursion) {
 }
 
 TEST_F(NestedEquality, LooksPastKeysOfTheSameHash) {
-  const auto longer = [] { return list_of(whole(1), list_of(whole(2))); };
-  const auto shorter = [] { return list_of(list_of(whole(2))); };
+  const auto longer = [] { return listOf(whole(1), listOf(whole(2))); };
+  const auto shorter = [] { return listOf(listOf(whole(2))); };
   ASSERT_EQ(hashes::key_hash(longer()), hashes::key_hash(shorter()));
-  const map_t map = map_of(longer(), text("l"), shorter(), text("s"));
-  EXPECT_TRUE(are_equal(map, map_of(shorter(), text("s"), longer(), text("l"))));
-  EXPECT_FALSE(are_equal(map, map_of(shorter(), text("l"), longer(), text("s"))));
+  const map_t map = mapOf(longer(), text("l"), shorter(), text("s"));
+  EXPECT_TRUE(are_equal(map, mapOf(shorter(), text("s"), longer(), text("l"))));
+  EXPECT_FALSE(are_equal(map, mapOf(shorter(), text("l"), longer(), text("s"))));
 }
 
 TEST_F(NestedEquality, TablesAreOfAnyCapacityAndHistory) {
   map_t large = table_of(100);
-  fill(large, "b", list_of(list_of()), "a", whole(1));
-  map_t worn = map_of("x", whole(0), "a", whole(1), "b", list_of(list_of()));
+  fill(large, "b", listOf(listOf()), "a", whole(1));
+  map_t worn = mapOf("x", whole(0), "a", whole(1), "b", listOf(listOf()));
   worn.erase(worn.find(text("x")));
   EXPECT_TRUE(are_equal(large, worn));
   EXPECT_TRUE(are_equal(worn, large));
   EXPECT_TRUE(are_equal(table_of(0), map_t()));
   EXPECT_TRUE(are_equal(map_t(), table_of(8)));
-  EXPECT_FALSE(are_equal(map_of("a", whole(1)), table_of(0)));
+  EXPECT_FALSE(are_equal(mapOf("a", whole(1)), table_of(0)));
 }
 
 // ---- a million deep
 
 constexpr int KEY_DEPTH = 1'000'000;
 
-data_t list_around(data_t&& inner) { return list_of(std::move(inner)); }
+data_t list_around(data_t&& inner) { return listOf(std::move(inner)); }
 data_t map_around(data_t&& inner) {
   map_t map = table_of(1);
   put(map, 0, 5, whole(1), std::move(inner));
@@ -167,7 +167,7 @@ void expect_compared(Around around) {
   const data_t value = nested(around, 7);
   const data_t same = nested(around, 7);
   const data_t other = nested(around, 8);
-  run_on_small_stack([&] {
+  runOnSmallStack([&] {
     EXPECT_TRUE(value == same);
     EXPECT_FALSE(value == other);
     EXPECT_EQ(hashes::key_hash(value), hashes::key_hash(same));
@@ -182,7 +182,7 @@ TEST_F(NestedEquality, DeepKeysOfMapsTakeNoStack) { expect_compared(map_under); 
 TEST_F(NestedEquality, DeepKeyIsInsertedAndFoundAgain) {
   data_t key = nested(list_around, 7);
   const data_t same = nested(list_around, 7);
-  run_on_small_stack([&] {
+  runOnSmallStack([&] {
     map_t map;
     map[std::move(key)] = text("deep");
     EXPECT_EQ(at(map, same), text("deep"));
@@ -195,8 +195,8 @@ TEST_F(NestedEquality, DeepKeyIsInsertedAndFoundAgain) {
 // ---- memory for waiting values
 
 TEST_F(NestedEquality, FlatContainersNeedNoMemory) {
-  const data_t list = list_of(whole(1), text("a"));
-  const data_t map = map_of("a", whole(1), "b", text("b"));
+  const data_t list = listOf(whole(1), text("a"));
+  const data_t map = mapOf("a", whole(1), "b", text("b"));
   const data_t list_copy(list);
   const data_t map_copy(map);
   const NoMemory none;
@@ -206,7 +206,7 @@ TEST_F(NestedEquality, FlatContainersNeedNoMemory) {
 }
 
 TEST_F(NestedEquality, WithoutMemoryThereIsNoOutcome) {
-  const data_t value = list_of(list_of(whole(1)));
+  const data_t value = listOf(listOf(whole(1)));
   const data_t same(value);
   const auto in_vain = [](const auto& use) {
     const NoMemory none;
@@ -217,7 +217,7 @@ TEST_F(NestedEquality, WithoutMemoryThereIsNoOutcome) {
     }
     return false;
   };
-  map_t map = map_of(data_t(value), text("v"));
+  map_t map = mapOf(data_t(value), text("v"));
   EXPECT_TRUE(in_vain([&] { static_cast<void>(value == same); }));
   EXPECT_TRUE(in_vain([&] { static_cast<void>(hashes::key_hash(value)); }));
   EXPECT_TRUE(in_vain([&] { static_cast<void>(map.find(value)); }));

@@ -15,8 +15,8 @@ const char* rendered_text = nullptr;
 extern "C" vlt_underlying_data_t vlt_data_to_string(const vlt_underlying_data_t* value) {
   if (!is_set) {
     using render_t = vlt_underlying_data_t (*)(const vlt_underlying_data_t*);
-    static const auto host = reinterpret_cast<render_t>(dlsym(RTLD_NEXT, "vlt_data_to_string"));
-    return host(value);
+    static const auto HOST = reinterpret_cast<render_t>(dlsym(RTLD_NEXT, "vlt_data_to_string"));
+    return HOST(value);
   }
   vlt_underlying_data_t result{};
   result.tag = VLT_TAG_STRING;

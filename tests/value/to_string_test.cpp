@@ -21,22 +21,22 @@ TEST_F(ToString, ValuesLookAsTheHostRendersThem) {
   EXPECT_EQ(to_string(data_t()), "null");
   EXPECT_EQ(to_string(whole(-3)), "-3");
   EXPECT_EQ(to_string(text("a")), "\"a\"");
-  EXPECT_EQ(to_string(data_t(map_of("k", list_of(truth(true))))), "{\"k\": [true]}");
+  EXPECT_EQ(to_string(data_t(mapOf("k", listOf(truth(true))))), "{\"k\": [true]}");
 }
 
 TEST_F(ToString, NoKindThrows) {
   for (const kind_t& kind : KINDS) {
-    EXPECT_EQ(error_of([&] { static_cast<void>(to_string(kind.make())); }), "nothing thrown")
+    EXPECT_EQ(errorOf([&] { static_cast<void>(to_string(kind.make())); }), "nothing thrown")
         << kind.name;
   }
   for (std::uint32_t tag = 5; tag <= 10; ++tag) {
-    EXPECT_EQ(error_of([&] { static_cast<void>(to_string(tagged(tag))); }), "nothing thrown")
+    EXPECT_EQ(errorOf([&] { static_cast<void>(to_string(tagged(tag))); }), "nothing thrown")
         << "null block of tag " << tag;
   }
 }
 
 TEST_F(ToString, RenderingIsFreed) {
-  const data_t value = list_of(text("a"));
+  const data_t value = listOf(text("a"));
   const std::int64_t before = standin_live_blocks_total();
   standin_reset_calls();
   EXPECT_EQ(to_string(value), "[\"a\"]");
@@ -46,7 +46,7 @@ TEST_F(ToString, RenderingIsFreed) {
 }
 
 TEST_F(ToString, MapIsViewedNotCopied) {
-  const map_t map = map_of("k", text("v"));
+  const map_t map = mapOf("k", text("v"));
   standin_reset_calls();
   EXPECT_EQ(to_string(map), "{\"k\": \"v\"}");
   EXPECT_EQ(standin_calls(STANDIN_COPY_DATA), 0);
@@ -71,7 +71,7 @@ TEST_F(ToString, ExhaustedMemoryIsALogicError) {
 // ---- messages
 
 TEST_F(ToString, MessageShowsMetadataThenPayload) {
-  const Message message(list_of(whole(1)), map_of("k", text("v")));
+  const Message message(listOf(whole(1)), mapOf("k", text("v")));
   EXPECT_EQ(to_string(message, true), "Message<metadata={\"k\": \"v\"}, payload=[1]>");
   EXPECT_EQ(to_string(Message(), true), "Message<metadata={}, payload=null>");
 }
@@ -147,13 +147,13 @@ TEST_F(ToString, CutComesBeforeEscaping) {
 
 TEST_F(ToString, MetadataIsNeverCut) {
   const std::string long_text(300, 'm');
-  const Message message(whole(1), map_of("k", data_t(long_text.c_str())));
+  const Message message(whole(1), mapOf("k", data_t(long_text.c_str())));
   EXPECT_EQ(to_string(message, true),
             "Message<metadata={\"k\": \"" + long_text + "\"}, payload=1>");
 }
 
 TEST_F(ToString, BothFieldsAreRenderedOnce) {
-  const Message message(text("p"), map_of("k", text("v")));
+  const Message message(text("p"), mapOf("k", text("v")));
   standin_reset_calls();
   EXPECT_FALSE(to_string(message, true).empty());
   EXPECT_EQ(standin_calls(STANDIN_DATA_TO_STRING), 2);

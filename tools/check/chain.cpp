@@ -94,7 +94,7 @@ void Link::take(void* handle, vlt_underlying_message_t* start, vlt_underlying_me
 }
 
 PluginLibrary load(const Trial& trial) {
-  return PluginLibrary(trial.path(), PluginLibrary::Version::any);
+  return PluginLibrary(trial.path(), PluginLibrary::Version::ANY);
 }
 
 Codec::Codec(Trial& trial, const PluginLibrary& library, const vlt_underlying_data_t* configuration,

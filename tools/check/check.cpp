@@ -32,12 +32,12 @@ void requireMatches(std::span<const check_t> checks, const std::vector<std::stri
 } // namespace
 
 const std::vector<check_t>& allChecks() {
-  static const std::vector<check_t> checks = [] {
+  static const std::vector<check_t> CHECKS = [] {
     std::vector<check_t> all;
     for (const suite_t suite : suites()) all.insert(all.end(), suite.begin(), suite.end());
     return all;
   }();
-  return checks;
+  return CHECKS;
 }
 
 std::vector<check_t> select(std::span<const check_t> checks, const std::vector<std::string>& only,

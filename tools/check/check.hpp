@@ -11,13 +11,13 @@
 namespace com::velanto::connectivity::tools::check {
 
 // The code of a check.
-enum class Use { read, load };
+enum class Use { READ, LOAD };
 
 struct check_t {
   const char* name;  // suite.behaviour
   const char* claim; // a property of a good library; half a line
   void (*run)(Trial& trial);
-  Use use = Use::load;
+  Use use = Use::LOAD;
 };
 
 // All checks, in the order of their runs: first the ones that others build on.

@@ -26,7 +26,7 @@ void loadAlone(Trial& trial) {
 // The reason why the library does not load; nothing when it does.
 std::optional<std::string> whyNotLoaded(const surroundings_t& surroundings) {
   const verdict_t verdict = runApart(surroundings, loadAlone);
-  if (verdict.ending == Ending::ok) return std::nullopt;
+  if (verdict.ending == Ending::OK) return std::nullopt;
   const std::string prefix = "the library cannot be loaded: ";
   if (!verdict.reason.empty()) return prefix + verdict.reason;
   const std::string& came = verdict.differences.front().came;
@@ -35,8 +35,8 @@ std::optional<std::string> whyNotLoaded(const surroundings_t& surroundings) {
 }
 
 std::unique_ptr<Report> makeReport(std::ostream& out, const heading_t& heading, Format format) {
-  if (format == Format::json) return std::make_unique<JsonReport>(out, heading);
-  return std::make_unique<TextReport>(out, heading, format == Format::coloured);
+  if (format == Format::JSON) return std::make_unique<JsonReport>(out, heading);
+  return std::make_unique<TextReport>(out, heading, format == Format::COLOURED);
 }
 
 result_t runCheck(const surroundings_t& surroundings, const check_t& check) {
@@ -48,7 +48,7 @@ result_t runCheck(const surroundings_t& surroundings, const check_t& check) {
 
 result_t skippedResult(const check_t& check, const std::string& reason) {
   verdict_t verdict;
-  verdict.ending = Ending::skipped;
+  verdict.ending = Ending::SKIPPED;
   verdict.reason = reason;
   return {&check, std::move(verdict), {}};
 }
@@ -62,7 +62,7 @@ int checkPlugin(const surroundings_t& surroundings, std::span<const check_t> che
       makeReport(out, {surroundings.path, surroundings.seed, !obstacle}, format);
   Counts counts;
   for (const check_t& check : checks) {
-    const result_t result = obstacle && check.use == Use::load ? skippedResult(check, *obstacle)
+    const result_t result = obstacle && check.use == Use::LOAD ? skippedResult(check, *obstacle)
                                                                : runCheck(surroundings, check);
     counts.add(result.verdict.ending);
     report->add(result);

@@ -11,7 +11,7 @@
 
 namespace com::velanto::connectivity::tools::check {
 
-enum class Format { text, coloured, json };
+enum class Format { TEXT, COLOURED, JSON };
 
 // Runs `checks` and reports on `out`. When the library does not load, skips all checks that load
 // it, and reports the reason instead. Returns a Status; throws std::system_error when the system

@@ -28,8 +28,8 @@ int obey(const command_t& command, bool may_colour, std::ostream& out) {
     for (const check_t& check : checks) out << listLine(check) << '\n';
     return STATUS_ALL_PASSED;
   }
-  const Format plain = may_colour ? Format::coloured : Format::text;
-  return checkPlugin(surroundingsOf(command), checks, command.json ? Format::json : plain, out);
+  const Format plain = may_colour ? Format::COLOURED : Format::TEXT;
+  return checkPlugin(surroundingsOf(command), checks, command.json ? Format::JSON : plain, out);
 }
 
 } // namespace

@@ -21,15 +21,15 @@ struct style_t {
 
 style_t styleOf(Ending ending) {
   switch (ending) {
-    case Ending::ok:
+    case Ending::OK:
       return {"ok   ", "\x1b[32m"};
-    case Ending::failed:
+    case Ending::FAILED:
       return {"FAIL ", "\x1b[31m"};
-    case Ending::crashed:
+    case Ending::CRASHED:
       return {"CRASH", "\x1b[31m"};
-    case Ending::hung:
+    case Ending::HUNG:
       return {"HANG ", "\x1b[31m"};
-    case Ending::skipped:
+    case Ending::SKIPPED:
       return {"skip ", "\x1b[33m"};
   }
   return {"", ""};
@@ -112,9 +112,9 @@ void TextReport::add(const result_t& result) {
   const style_t style = styleOf(verdict.ending);
   out_ << (coloured_ ? style.colour : "") << style.mark << (coloured_ ? "\x1b[0m" : "") << ' '
        << listLine(*result.check);
-  if (verdict.ending == Ending::skipped) out_ << ": " << printable(verdict.reason);
+  if (verdict.ending == Ending::SKIPPED) out_ << ": " << printable(verdict.reason);
   out_ << '\n';
-  if (verdict.ending != Ending::skipped && !verdict.reason.empty()) {
+  if (verdict.ending != Ending::SKIPPED && !verdict.reason.empty()) {
     writeIndented(out_, printable(verdict.reason));
   }
   for (const difference_t& each : verdict.differences) writeDifference(out_, each);
@@ -124,9 +124,9 @@ void TextReport::add(const result_t& result) {
 
 void TextReport::close(const Counts& counts) {
   out_ << '\n'
-       << printable(heading_.path) << ": " << counts.total() << " checks, " << counts.of(Ending::ok)
-       << " ok, " << counts.of(Ending::failed) << " failed, " << counts.of(Ending::crashed)
-       << " crashed, " << counts.of(Ending::hung) << " hung, " << counts.of(Ending::skipped)
+       << printable(heading_.path) << ": " << counts.total() << " checks, " << counts.of(Ending::OK)
+       << " ok, " << counts.of(Ending::FAILED) << " failed, " << counts.of(Ending::CRASHED)
+       << " crashed, " << counts.of(Ending::HUNG) << " hung, " << counts.of(Ending::SKIPPED)
        << " skipped; seed " << heading_.seed << '\n';
   out_.flush();
 }
@@ -143,8 +143,8 @@ void JsonReport::add(const result_t& result) {
 void JsonReport::close(const Counts& counts) {
   out_ << "\n],\"counts\":{";
   for (const Ending each :
-       {Ending::ok, Ending::failed, Ending::crashed, Ending::hung, Ending::skipped}) {
-    out_ << (each == Ending::ok ? "\"" : ",\"") << nameOf(each) << "\":" << counts.of(each);
+       {Ending::OK, Ending::FAILED, Ending::CRASHED, Ending::HUNG, Ending::SKIPPED}) {
+    out_ << (each == Ending::OK ? "\"" : ",\"") << nameOf(each) << "\":" << counts.of(each);
   }
   out_ << "}}\n";
   out_.flush();

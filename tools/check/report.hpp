@@ -36,7 +36,7 @@ class Counts {
   }
   [[nodiscard]] int total() const noexcept;
   [[nodiscard]] bool allGood() const noexcept {
-    return total() == of(Ending::ok) + of(Ending::skipped);
+    return total() == of(Ending::OK) + of(Ending::SKIPPED);
   }
 
  private:

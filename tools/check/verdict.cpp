@@ -62,15 +62,15 @@ std::string describeSignal(int signal) {
 
 const char* nameOf(Ending ending) noexcept {
   switch (ending) {
-    case Ending::ok:
+    case Ending::OK:
       return "ok";
-    case Ending::failed:
+    case Ending::FAILED:
       return "failed";
-    case Ending::crashed:
+    case Ending::CRASHED:
       return "crashed";
-    case Ending::hung:
+    case Ending::HUNG:
       return "hung";
-    case Ending::skipped:
+    case Ending::SKIPPED:
       return "skipped";
   }
   return "";
@@ -81,22 +81,22 @@ verdict_t judge(const process_end_t& end) {
   verdict_t verdict;
   verdict.differences = std::move(story.differences);
   if (end.stopped) {
-    verdict.ending = Ending::hung;
+    verdict.ending = Ending::HUNG;
     verdict.reason = "did not end in time";
   } else if (WIFSIGNALED(end.status)) {
-    verdict.ending = Ending::crashed;
+    verdict.ending = Ending::CRASHED;
     verdict.reason = describeSignal(WTERMSIG(end.status));
   } else if (!story.finished) {
-    verdict.ending = Ending::crashed;
+    verdict.ending = Ending::CRASHED;
     verdict.reason = "the process was ended with exit status " +
                      std::to_string(WEXITSTATUS(end.status)) + " in the middle of the check";
   } else if (story.skip_reason) {
-    verdict.ending = Ending::skipped;
+    verdict.ending = Ending::SKIPPED;
     verdict.reason = *story.skip_reason;
   } else if (!verdict.differences.empty()) {
-    verdict.ending = Ending::failed;
+    verdict.ending = Ending::FAILED;
   }
-  if (verdict.ending != Ending::ok && verdict.ending != Ending::skipped) {
+  if (verdict.ending != Ending::OK && verdict.ending != Ending::SKIPPED) {
     verdict.printed = end.printed;
   }
   return verdict;

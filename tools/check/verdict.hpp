@@ -21,7 +21,7 @@
 
 namespace com::velanto::connectivity::tools::check {
 
-enum class Ending { ok, failed, crashed, hung, skipped };
+enum class Ending { OK, FAILED, CRASHED, HUNG, SKIPPED };
 
 // "ok", "failed" and so on.
 [[nodiscard]] const char* nameOf(Ending ending) noexcept;
@@ -42,7 +42,7 @@ struct process_end_t {
 };
 
 struct verdict_t {
-  Ending ending = Ending::ok;
+  Ending ending = Ending::OK;
   std::string reason; // of a crash, a hang or a skipped check; otherwise empty
   std::vector<difference_t> differences;
   std::string printed; // only for checks that did not pass

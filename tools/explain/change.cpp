@@ -62,23 +62,23 @@ char otherCharacter(char c) noexcept {
 
 // The places where a character may change, the promising ones first.
 std::vector<std::size_t> placesIn(const std::string& text) {
-  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-  const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+  const auto is_digit = [](char c) { return c >= '0' && c <= '9'; };
+  const auto is_letter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
   std::vector<std::size_t> places;
   const auto add = [&places](std::size_t place) {
     if (std::find(places.begin(), places.end(), place) == places.end()) places.push_back(place);
   };
-  const auto addEnds = [&](const auto& wanted) {
+  const auto add_ends = [&](const auto& wanted) {
     const auto first = std::find_if(text.begin(), text.end(), wanted);
     if (first == text.end()) return;
     add(static_cast<std::size_t>(first - text.begin()));
     const auto last = std::find_if(text.rbegin(), text.rend(), wanted);
     add(static_cast<std::size_t>(text.rend() - last) - 1);
   };
-  addEnds(isDigit);
-  addEnds(isLetter);
+  add_ends(is_digit);
+  add_ends(is_letter);
   for (std::size_t i = 1; i < text.size(); ++i) {
-    if (isLetter(text[i]) && !isLetter(text[i - 1])) add(i);
+    if (is_letter(text[i]) && !is_letter(text[i - 1])) add(i);
   }
   return places;
 }

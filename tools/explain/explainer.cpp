@@ -37,19 +37,19 @@ void Explainer::take(const record_t& record) {
   if (record.pass > 0) return;
   const auto start = std::chrono::steady_clock::now();
   const explanation_t explanation = explanationOf(record);
-  if (record.outcome != Outcome::malformed) groups_.add(record, explanation);
+  if (record.outcome != Outcome::MALFORMED) groups_.add(record, explanation);
   // An empty line separates explanations.
   const bool first = std::exchange(first_, false);
-  if (!first && form_ != ExplanationForm::json && record.outcome != Outcome::malformed)
+  if (!first && form_ != ExplanationForm::JSON && record.outcome != Outcome::MALFORMED)
     out_.write("\n");
-  out_.write(form_ == ExplanationForm::json
+  out_.write(form_ == ExplanationForm::JSON
                  ? explanationJson(record, explanation)
-                 : explanationText(record, explanation, form_ == ExplanationForm::coloured_text));
+                 : explanationText(record, explanation, form_ == ExplanationForm::COLOURED_TEXT));
   time_ += std::chrono::steady_clock::now() - start;
 }
 
 explanation_t Explainer::explanationOf(const record_t& record) {
-  if (record.outcome == Outcome::malformed) return {};
+  if (record.outcome == Outcome::MALFORMED) return {};
   const BlockCount count(lost_blocks_);
   const Silence silence;
   const Message message = reader_.parseMessage(record.line);

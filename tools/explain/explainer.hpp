@@ -16,7 +16,7 @@
 
 namespace com::velanto::connectivity::tools {
 
-enum class ExplanationForm { text, coloured_text, json };
+enum class ExplanationForm { TEXT, COLOURED_TEXT, JSON };
 
 class Explainer final : public Consumer {
  public:

@@ -8,7 +8,7 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-bool isUnchanged(const row_t& row) { return row.fate == Fate::unchanged; }
+bool isUnchanged(const row_t& row) { return row.fate == Fate::UNCHANGED; }
 
 } // namespace
 

@@ -37,7 +37,7 @@ void writeRow(JsonLine& line, const row_t& row) {
   writePlaces(line, "to", row.to);
   if (!row.with.empty()) writePlaces(line, "with", row.with);
   if (row.new_block) line.item("copied").raw("true");
-  if (row.without != Without::same) line.item("without").text(nameOf(row.without));
+  if (row.without != Without::SAME) line.item("without").text(nameOf(row.without));
   line.close('}');
 }
 
@@ -73,7 +73,7 @@ std::string explanationJson(const record_t& record, const explanation_t& explana
   line.item("at").text(record.place());
   line.item("kind").text(nameOf(record.kind));
   line.item("outcome").text(nameOf(record.outcome));
-  if (record.outcome == Outcome::malformed) {
+  if (record.outcome == Outcome::MALFORMED) {
     line.item("reason").text(record.malformed);
     line.close('}');
     return std::move(line).take();
@@ -82,7 +82,7 @@ std::string explanationJson(const record_t& record, const explanation_t& explana
   line.item("fields").open('[');
   for (const row_t& row : explanation.rows) writeRow(line, row);
   line.close(']');
-  if (record.outcome == Outcome::dropped) {
+  if (record.outcome == Outcome::DROPPED) {
     writeFaults(line, "faults", explanation.blame.faults);
     writeFaults(line, "suspects", explanation.blame.suspects);
   }

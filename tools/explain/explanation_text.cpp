@@ -20,23 +20,23 @@ constexpr const char* ARROW = "→ ";
 
 Colour colourOf(Fate fate) noexcept {
   switch (fate) {
-    case Fate::unchanged:
-      return Colour::dim;
-    case Fate::renamed:
-    case Fate::gathered:
-    case Fate::copied:
-      return Colour::cyan;
-    case Fate::converted:
-      return Colour::blue;
-    case Fate::added:
-      return Colour::green;
-    case Fate::replaced:
-    case Fate::unknown:
-      return Colour::yellow;
-    case Fate::lost:
-      return Colour::red;
+    case Fate::UNCHANGED:
+      return Colour::DIM;
+    case Fate::RENAMED:
+    case Fate::GATHERED:
+    case Fate::COPIED:
+      return Colour::CYAN;
+    case Fate::CONVERTED:
+      return Colour::BLUE;
+    case Fate::ADDED:
+      return Colour::GREEN;
+    case Fate::REPLACED:
+    case Fate::UNKNOWN:
+      return Colour::YELLOW;
+    case Fate::LOST:
+      return Colour::RED;
   }
-  return Colour::none;
+  return Colour::NONE;
 }
 
 // The parts of a list: each but the last with a comma.
@@ -67,21 +67,21 @@ class Teller {
   void tell(rows_t rows) {
     fate_ = rows.front().fate;
     switch (fate_) {
-      case Fate::unchanged:
+      case Fate::UNCHANGED:
         return tellUnchanged(rows);
-      case Fate::renamed:
-      case Fate::gathered:
+      case Fate::RENAMED:
+      case Fate::GATHERED:
         return tellMoved(rows);
-      case Fate::copied:
-      case Fate::converted:
+      case Fate::COPIED:
+      case Fate::CONVERTED:
         return tellConverted(rows);
-      case Fate::replaced:
+      case Fate::REPLACED:
         return tellReplaced(rows);
-      case Fate::added:
+      case Fate::ADDED:
         return tellAdded(rows);
-      case Fate::lost:
+      case Fate::LOST:
         return tellLost(rows);
-      case Fate::unknown:
+      case Fate::UNKNOWN:
         return tellUnknown(rows.front());
     }
   }
@@ -100,7 +100,7 @@ class Teller {
 
   const std::vector<row_t>& all_;
   Page& page_;
-  Fate fate_ = Fate::unchanged;
+  Fate fate_ = Fate::UNCHANGED;
 };
 
 void Teller::tellUnchanged(rows_t rows) {
@@ -122,7 +122,7 @@ void Teller::tellUnchanged(rows_t rows) {
 // Rows that keep their names and only go from one list or map into another share an entry.
 void Teller::tellMoved(rows_t rows) {
   std::vector<std::vector<const row_t*>> groups;
-  const auto sameWay = [](const row_t& one, const row_t& other) {
+  const auto is_same_way = [](const row_t& one, const row_t& other) {
     const path_t& from = one.from.front().path;
     const path_t& to = one.to.front().path;
     const path_t& other_from = other.from.front().path;
@@ -134,7 +134,7 @@ void Teller::tellMoved(rows_t rows) {
   };
   for (const row_t& row : rows) {
     const auto group = std::find_if(groups.begin(), groups.end(), [&](const auto& candidate) {
-      return sameWay(*candidate.front(), row);
+      return is_same_way(*candidate.front(), row);
     });
     group == groups.end() ? groups.push_back({&row}) : group->push_back(&row);
   }
@@ -198,7 +198,7 @@ void Teller::tellReplaced(rows_t rows) {
       parts.emplace_back("by");
       std::move(names.begin(), names.end(), std::back_inserter(parts));
     }
-    if (row.without == Without::dropped) parts.emplace_back("(needed all the same)");
+    if (row.without == Without::DROPPED) parts.emplace_back("(needed all the same)");
     entry(parts);
   }
 }
@@ -232,19 +232,19 @@ void Teller::tellAdded(rows_t rows) {
 }
 
 void Teller::tellLost(rows_t rows) {
-  const std::pair<Without, const char*> NOTES[] = {
-      {Without::same, ""},
-      {Without::dropped, "(needed: without it, the message is dropped)"},
-      {Without::passed, "(without it, the message passes unchanged)"},
-      {Without::different, "(without it, other fields change)"}};
-  for (const auto& [without, note] : NOTES) {
+  const std::pair<Without, const char*> notes[] = {
+      {Without::SAME, ""},
+      {Without::DROPPED, "(needed: without it, the message is dropped)"},
+      {Without::PASSED, "(without it, the message passes unchanged)"},
+      {Without::DIFFERENT, "(without it, other fields change)"}};
+  for (const auto& [without, note] : notes) {
     std::vector<path_t> paths;
     for (const row_t& row : rows) {
       if (row.without == without) paths.push_back(row.from.front().path);
     }
     if (paths.empty()) continue;
     parts_t parts = listed(pathPhrasesOf(paths));
-    if (without != Without::same) parts.emplace_back(note);
+    if (without != Without::SAME) parts.emplace_back(note);
     entry(parts);
   }
 }
@@ -263,31 +263,31 @@ std::string phraseOf(const fault_t& fault) {
 
 void tellDropped(const record_t& record, const blame_t& blame, Page& page) {
   for (const log_line_t& line : record.log) {
-    if (line.level <= DROPPED_LEVEL) page.text("logged", Colour::none, line.text);
+    if (line.level <= DROPPED_LEVEL) page.text("logged", Colour::NONE, line.text);
   }
   for (const fault_t& fault : blame.faults) {
-    page.entry("at fault", Colour::red,
+    page.entry("at fault", Colour::RED,
                {phraseOf(fault) + ";", cutBehind(fault.mended, PHRASE_WIDTH - 10) + " would do"});
   }
   for (const fault_t& fault : blame.suspects) {
-    page.entry("suspect", Colour::yellow, {phraseOf(fault)});
+    page.entry("suspect", Colour::YELLOW, {phraseOf(fault)});
   }
 }
 
 } // namespace
 
 std::string explanationText(const record_t& record, const explanation_t& explanation, bool colour) {
-  if (record.outcome == Outcome::malformed) return ""; // standard error tells
+  if (record.outcome == Outcome::MALFORMED) return ""; // standard error tells
   Page page(colour);
   const std::string about = std::string(": ") + nameOf(record.kind) + ", " + nameOf(record.outcome);
   page.heading(cutBefore(record.place(), 79 - widthOf(about)) + about);
   if (!explanation.stable) {
-    page.text("unknown", Colour::yellow, "when asked again, the plug-in gives something else");
+    page.text("unknown", Colour::YELLOW, "when asked again, the plug-in gives something else");
   }
-  if (record.outcome == Outcome::dropped) tellDropped(record, explanation.blame, page);
+  if (record.outcome == Outcome::DROPPED) tellDropped(record, explanation.blame, page);
   const std::vector<row_t>& rows = explanation.rows;
   if (explanation.passed) {
-    page.text("unchanged", Colour::dim, "everything");
+    page.text("unchanged", Colour::DIM, "everything");
   } else {
     Teller teller(rows, page);
     for (auto begin = rows.begin(); begin != rows.end();) {
@@ -298,7 +298,7 @@ std::string explanationText(const record_t& record, const explanation_t& explana
     }
   }
   if (explanation.limited) {
-    page.text("limited", Colour::yellow, "the message is too large to try all that could be tried");
+    page.text("limited", Colour::YELLOW, "the message is too large to try all that could be tried");
   }
   return std::move(page).take();
 }

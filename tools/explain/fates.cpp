@@ -4,23 +4,23 @@ namespace com::velanto::connectivity::tools {
 
 const char* nameOf(Fate fate) noexcept {
   switch (fate) {
-    case Fate::unchanged:
+    case Fate::UNCHANGED:
       return "unchanged";
-    case Fate::renamed:
+    case Fate::RENAMED:
       return "renamed";
-    case Fate::gathered:
+    case Fate::GATHERED:
       return "gathered";
-    case Fate::copied:
+    case Fate::COPIED:
       return "copied";
-    case Fate::converted:
+    case Fate::CONVERTED:
       return "converted";
-    case Fate::replaced:
+    case Fate::REPLACED:
       return "replaced";
-    case Fate::added:
+    case Fate::ADDED:
       return "added";
-    case Fate::lost:
+    case Fate::LOST:
       return "lost";
-    case Fate::unknown:
+    case Fate::UNKNOWN:
       return "unknown";
   }
   return "";
@@ -28,13 +28,13 @@ const char* nameOf(Fate fate) noexcept {
 
 const char* nameOf(Without without) noexcept {
   switch (without) {
-    case Without::same:
+    case Without::SAME:
       return "same";
-    case Without::dropped:
+    case Without::DROPPED:
       return "dropped";
-    case Without::passed:
+    case Without::PASSED:
       return "passed";
-    case Without::different:
+    case Without::DIFFERENT:
       return "different";
   }
   return "";

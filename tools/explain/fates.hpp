@@ -22,13 +22,13 @@
 
 namespace com::velanto::connectivity::tools {
 
-enum class Fate { unchanged, renamed, gathered, copied, converted, replaced, added, lost, unknown };
+enum class Fate { UNCHANGED, RENAMED, GATHERED, COPIED, CONVERTED, REPLACED, ADDED, LOST, UNKNOWN };
 
 [[nodiscard]] const char* nameOf(Fate fate) noexcept;
 
 // The result of the message without a lost field: the same, nothing, the message as it went in, or
 // other fields.
-enum class Without { same, dropped, passed, different };
+enum class Without { SAME, DROPPED, PASSED, DIFFERENT };
 
 [[nodiscard]] const char* nameOf(Without without) noexcept;
 
@@ -44,7 +44,7 @@ struct row_t {
   std::vector<place_t> to;
   std::vector<place_t> with;
   bool new_block = false;          // unchanged, renamed, gathered: a copied string
-  Without without = Without::same; // lost and replaced
+  Without without = Without::SAME; // lost and replaced
   bool operator==(const row_t&) const = default;
 };
 

@@ -144,16 +144,16 @@ bool Stage::isOnlyMentioned(const path_t& path) {
 
 std::vector<fault_t> Stage::suspects() const {
   std::vector<path_t> paths = named_;
-  const auto addWays = [&](bool missing) {
+  const auto add_ways = [&](bool missing) {
     for (const way_t& way : ways_) {
       const path_t& path = way.change.path;
       const bool is_missing = answer_.before.find(path) == nullptr;
       if (is_missing == missing && !contains(paths, path)) paths.push_back(path);
     }
   };
-  addWays(true);
+  add_ways(true);
   if (paths.empty()) paths = altering_;
-  if (paths.empty()) addWays(false);
+  if (paths.empty()) add_ways(false);
   std::vector<fault_t> suspects;
   suspects.reserve(paths.size());
   for (const path_t& path : paths) suspects.push_back(faultAt(path));

@@ -75,7 +75,7 @@ void Linker::matchBlocks() {
     const auto found = before.find(node.block);
     const bool moved = node.block != nullptr && found != before.end() &&
                        matched[found->second] == 0 && !made_anew_.contains(found->second) &&
-                       base_.before.same(found->second, base_.after, i, Trace::Compare::blocks);
+                       base_.before.same(found->second, base_.after, i, Trace::Compare::BLOCKS);
     if (moved) {
       const std::size_t from = found->second;
       std::fill(matched.begin() + static_cast<std::ptrdiff_t>(from),
@@ -167,11 +167,11 @@ void Linker::askWithout() {
     const std::optional<answer_t> answer = probe_.ask(change_t::removal(nodeOf(source).path));
     if (!answer) return;
     if (!answer->cameOut()) {
-      source.without = Without::dropped;
+      source.without = Without::DROPPED;
     } else if (answer->passed()) {
-      source.without = Without::passed;
+      source.without = Without::PASSED;
     } else if (source.steers || !answer->after.sameContent(base_.after)) {
-      source.without = Without::different;
+      source.without = Without::DIFFERENT;
     }
   }
 }

@@ -30,7 +30,7 @@ struct source_t {
   std::vector<std::size_t> shaped{};        // and of the leaves after that follow from it
   bool followed = true;                     // false: the bound came before its turn
   bool steers = false;                      // other fields come out when it changes
-  Without without = Without::same;          // if it came to nothing
+  Without without = Without::SAME;          // if it came to nothing
   std::optional<std::size_t> replaced_by{}; // number of the source that has its place
 
   [[nodiscard]] bool isLost() const noexcept {

@@ -25,14 +25,14 @@ std::size_t bytesOf(std::string_view text, std::size_t width) {
 } // namespace
 
 std::string Page::coloured(std::string_view text, Colour colour) const {
-  if (!colour_ || colour == Colour::none) return std::string(text);
+  if (!colour_ || colour == Colour::NONE) return std::string(text);
   std::string result = "\x1B[";
   result += std::to_string(static_cast<int>(colour));
   return result.append("m").append(text).append("\x1B[0m");
 }
 
 void Page::heading(std::string_view text) {
-  out_ += coloured(text, Colour::bold) + "\n";
+  out_ += coloured(text, Colour::BOLD) + "\n";
   label_.clear();
 }
 

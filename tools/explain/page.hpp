@@ -15,14 +15,14 @@ namespace com::velanto::connectivity::tools {
 
 // As terminals number them; none: as everything else.
 enum class Colour {
-  none = 0,
-  bold = 1,
-  dim = 2,
-  red = 31,
-  green = 32,
-  yellow = 33,
-  blue = 34,
-  cyan = 36
+  NONE = 0,
+  BOLD = 1,
+  DIM = 2,
+  RED = 31,
+  GREEN = 32,
+  YELLOW = 33,
+  BLUE = 34,
+  CYAN = 36
 };
 
 class Page {

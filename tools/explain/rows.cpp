@@ -14,9 +14,9 @@ place_t placeOf(const node_t& node) { return {node.path, node.json}; }
 
 Fate fateOfMove(const path_t& from, const path_t& to) {
   constexpr std::size_t TOP = 2; // steps: the payload or the metadata, and a name in it
-  if (from == to) return Fate::unchanged;
+  if (from == to) return Fate::UNCHANGED;
   const bool among_its_own = from.size() > 1 && to.size() > 1 && parentOf(from) == parentOf(to);
-  return among_its_own || to.size() <= TOP ? Fate::renamed : Fate::gathered;
+  return among_its_own || to.size() <= TOP ? Fate::RENAMED : Fate::GATHERED;
 }
 
 class RowMaker {
@@ -101,7 +101,7 @@ void RowMaker::addMoves() {
     told_from_.insert(i);
     told_to_.insert(places.begin(), places.end());
     for (std::size_t k = 1; k < places.size(); ++k) {
-      row_t& copy = add(Fate::copied);
+      row_t& copy = add(Fate::COPIED);
       copy.to = {placeOf(base_.after[places[k]])};
       copy.with = {placeOf(before(i))};
     }
@@ -135,7 +135,7 @@ void RowMaker::addConversions() {
     conversions.push_back(std::move(conversion));
   }
   for (const conversion_t& conversion : conversions) {
-    row_t& row = add(Fate::converted);
+    row_t& row = add(Fate::CONVERTED);
     for (const std::size_t source : conversion.from) row.from.push_back(placeOf(before(source)));
     for (const std::size_t node : conversion.to) row.to.push_back(placeOf(base_.after[node]));
     for (const std::size_t source : conversion.with) row.with.push_back(placeOf(before(source)));
@@ -159,7 +159,7 @@ void RowMaker::addReplaced() {
     if (!source.followed || told_from_.contains(i)) continue;
     const node_t* const there = base_.after.find(before(i).path);
     if (!source.replaced_by && (there == nullptr || !there->isLeaf())) continue;
-    row_t& row = add(Fate::replaced);
+    row_t& row = add(Fate::REPLACED);
     row.from = {placeOf(before(i))};
     row.without = source.without;
     told_from_.insert(i);
@@ -190,10 +190,10 @@ void RowMaker::addLost() {
     for (std::size_t k = i; whole && k < nodes[i].end; ++k) {
       if (!nodes[k].isLeaf()) continue;
       const auto found = lost.find(k);
-      whole = found != lost.end() && (nodes[i].isLeaf() || found->second == Without::same);
+      whole = found != lost.end() && (nodes[i].isLeaf() || found->second == Without::SAME);
     }
     if (whole) {
-      row_t& row = add(Fate::lost);
+      row_t& row = add(Fate::LOST);
       row.from = {placeOf(nodes[i])};
       if (nodes[i].isLeaf()) row.without = lost.at(i);
     }
@@ -203,14 +203,14 @@ void RowMaker::addLost() {
 
 // A value without any link was added, provided that everything has been tried.
 void RowMaker::addLeftovers() {
-  row_t unknown{Fate::unknown, {}, {}, {}};
+  row_t unknown{Fate::UNKNOWN, {}, {}, {}};
   for (std::size_t i = 0; i < links_.sources.size(); ++i) {
     if (!told_from_.contains(i)) unknown.from.push_back(placeOf(before(i)));
   }
   for (const std::size_t node : links_.made) {
     if (told_to_.contains(node)) continue;
     if (links_.complete()) {
-      add(Fate::added).to = {placeOf(base_.after[node])};
+      add(Fate::ADDED).to = {placeOf(base_.after[node])};
     } else {
       unknown.to.push_back(placeOf(base_.after[node]));
     }
@@ -229,7 +229,7 @@ std::vector<row_t> lostRowsOf(const Trace& before) {
   for (std::size_t i = 0; i < before.nodes().size();) {
     const node_t& node = before[i];
     const bool has_fields = node.path.size() == 1 && node.tag == VLT_TAG_MAP && !node.isLeaf();
-    if (!has_fields) rows.push_back({Fate::lost, {placeOf(node)}, {}, {}});
+    if (!has_fields) rows.push_back({Fate::LOST, {placeOf(node)}, {}, {}});
     i = has_fields ? i + 1 : node.end;
   }
   return rows;

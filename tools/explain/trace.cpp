@@ -108,7 +108,7 @@ bool Trace::same(std::size_t number, const Trace& other, std::size_t of_other,
   for (std::size_t i = 0; i < count; ++i) {
     const node_t& one = nodes_[number + i];
     const node_t& two = other.nodes_[of_other + i];
-    if (!one.sameValue(two) || (compare == Compare::blocks && one.block != two.block)) return false;
+    if (!one.sameValue(two) || (compare == Compare::BLOCKS && one.block != two.block)) return false;
     if (!std::equal(one.path.begin() + above, one.path.end(), two.path.begin() + above_other,
                     two.path.end())) {
       return false;
@@ -122,7 +122,7 @@ bool Trace::sameBelow(const path_t& path, const Trace& other) const {
   const node_t* const there = other.find(path);
   if (here == nullptr || there == nullptr) return here == there;
   return same(static_cast<std::size_t>(here - nodes_.data()), other,
-              static_cast<std::size_t>(there - other.nodes_.data()), Compare::content);
+              static_cast<std::size_t>(there - other.nodes_.data()), Compare::CONTENT);
 }
 
 bool Trace::sameContent(const Trace& other) const {

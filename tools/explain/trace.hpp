@@ -47,7 +47,7 @@ class Trace {
 
   // Whether the values below two nodes, here and in `other`, are the same and in the same blocks;
   // the latter does not matter when only the content counts.
-  enum class Compare { content, blocks };
+  enum class Compare { CONTENT, BLOCKS };
   [[nodiscard]] bool same(std::size_t number, const Trace& other, std::size_t of_other,
                           Compare compare) const;
   // Whether both have the same content at `path`, or nothing.

@@ -21,7 +21,7 @@ Chain::Chain(const PluginLibrary& library, const data_t& configuration, Directio
   plugin_.emplace(library, PLUGIN_NAME, CHAIN_NAME, configuration);
   const link_t nowhere{nullptr, &ignore};
   const link_t here{&received_, &Received::take};
-  const bool to_host = direction == Direction::towardsHost;
+  const bool to_host = direction == Direction::TOWARDS_HOST;
   plugin_->link(to_host ? here : nowhere, to_host ? nowhere : here);
   plugin_->start();
 }

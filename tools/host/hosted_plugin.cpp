@@ -33,8 +33,8 @@ void HostedPlugin::start() {
 }
 
 bool HostedPlugin::send(Direction direction, std::span<Message> messages) noexcept {
-  auto* const send = direction == Direction::towardsHost ? library_.sendBatchTowardsHost
-                                                         : library_.sendBatchTowardsTransport;
+  auto* const send = direction == Direction::TOWARDS_HOST ? library_.sendBatchTowardsHost
+                                                          : library_.sendBatchTowardsTransport;
   return send(plugin_, messages.data(), messages.data() + messages.size()) == 0;
 }
 

@@ -18,7 +18,7 @@
 
 namespace com::velanto::connectivity::tools {
 
-enum class Direction { towardsHost, towardsTransport };
+enum class Direction { TOWARDS_HOST, TOWARDS_TRANSPORT };
 
 // The link of one direction. Neither may be null; `function` must not throw. Both must live as long
 // as the plug-in.

@@ -27,7 +27,7 @@ void file(void* dropped, const char*, vlt_log_level_t level, const char* text) n
 } // namespace
 
 LogCapture::LogCapture(Unclaimed unclaimed) noexcept
-    : works_(setLogSink(&file, unclaimed == Unclaimed::dropped ? this : nullptr)) {}
+    : works_(setLogSink(&file, unclaimed == Unclaimed::DROPPED ? this : nullptr)) {}
 LogCapture::~LogCapture() { setLogSink(nullptr, nullptr); }
 
 LogScope::LogScope(std::vector<log_line_t>& lines) noexcept

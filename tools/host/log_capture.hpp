@@ -24,9 +24,9 @@ struct log_line_t {
 class LogCapture {
  public:
   // The target of the lines of a thread without a list: standard error or nothing.
-  enum class Unclaimed { printed, dropped };
+  enum class Unclaimed { PRINTED, DROPPED };
 
-  explicit LogCapture(Unclaimed unclaimed = Unclaimed::printed) noexcept;
+  explicit LogCapture(Unclaimed unclaimed = Unclaimed::PRINTED) noexcept;
   LogCapture(const LogCapture&) = delete;
   LogCapture& operator=(const LogCapture&) = delete;
   ~LogCapture();

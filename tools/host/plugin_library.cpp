@@ -26,7 +26,7 @@ PluginLibrary::PluginLibrary(const std::string& path, Version accepted,
   load(apiVersion, "vlt_plugin_api_version_" + class_name);
   // Before the others: another version may well have other functions.
   const std::uint64_t version = apiVersion();
-  if (accepted == Version::ours && version != API_VERSION) {
+  if (accepted == Version::OURS && version != API_VERSION) {
     throw PluginError(path_ + " has interface version " + std::to_string(version) + ", expected " +
                       std::to_string(API_VERSION));
   }

@@ -22,7 +22,7 @@ class PluginLibrary {
  public:
   // The accepted interface versions: the one of these functions, or, for callers that check it
   // themselves, any.
-  enum class Version { ours, any };
+  enum class Version { OURS, ANY };
 
   static constexpr const char* CLASS_NAME = "OstroviaNotifications2Codec";
 
@@ -30,7 +30,7 @@ class PluginLibrary {
   // of the system's libraries. `class_name` is in the names of its functions. Throws PluginError
   // when it does not load, lacks a function or has another interface version. The host's client
   // library must be loaded.
-  explicit PluginLibrary(const std::string& path, Version accepted = Version::ours,
+  explicit PluginLibrary(const std::string& path, Version accepted = Version::OURS,
                          const std::string& class_name = CLASS_NAME);
 
   // The plug-in of the running program: beside it, where a build leaves both, otherwise at its

@@ -11,7 +11,7 @@ namespace {
 constexpr std::array<const char*, KINDS> NAMES = {
     "alarms", "events", "managedobjects", "measurements", "operations", "other path", "no path"};
 
-constexpr std::size_t FIRST_WITHOUT_A_WORD = static_cast<std::size_t>(Kind::other);
+constexpr std::size_t FIRST_WITHOUT_A_WORD = static_cast<std::size_t>(Kind::OTHER);
 
 // The string under `key`, null when there is none.
 const char* textUnder(const Message& message, const hashed_key_t& key) noexcept {
@@ -27,13 +27,13 @@ const char* nameOf(Kind kind) noexcept { return NAMES[static_cast<std::size_t>(k
 Kind kindOfPath(std::string_view path) noexcept {
   for (int slash = 0; slash < 2; ++slash) {
     const std::size_t at = path.find('/');
-    if (at == std::string_view::npos) return Kind::other;
+    if (at == std::string_view::npos) return Kind::OTHER;
     path.remove_prefix(at + 1);
   }
   for (std::size_t i = 0; i < FIRST_WITHOUT_A_WORD; ++i) {
     if (path.starts_with(NAMES[i])) return static_cast<Kind>(i);
   }
-  return Kind::other;
+  return Kind::OTHER;
 }
 
 MetadataReader::MetadataReader()
@@ -41,7 +41,7 @@ MetadataReader::MetadataReader()
 
 Kind MetadataReader::kindOf(const Message& message) const noexcept {
   const char* const path = textUnder(message, path_);
-  return path == nullptr ? Kind::none : kindOfPath(path);
+  return path == nullptr ? Kind::NONE : kindOfPath(path);
 }
 
 bool MetadataReader::isTyped(const Message& message) const noexcept {

@@ -13,7 +13,7 @@
 namespace com::velanto::connectivity::tools {
 
 // other: a path that names none of the five. none: no path, or one that is no string.
-enum class Kind { alarms, events, managedobjects, measurements, operations, other, none };
+enum class Kind { ALARMS, EVENTS, MANAGEDOBJECTS, MEASUREMENTS, OPERATIONS, OTHER, NONE };
 
 inline constexpr std::size_t KINDS = 7;
 

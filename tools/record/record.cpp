@@ -4,13 +4,13 @@ namespace com::velanto::connectivity::tools {
 
 const char* nameOf(Outcome outcome) noexcept {
   switch (outcome) {
-    case Outcome::converted:
+    case Outcome::CONVERTED:
       return "converted";
-    case Outcome::passed:
+    case Outcome::PASSED:
       return "passed";
-    case Outcome::dropped:
+    case Outcome::DROPPED:
       return "dropped";
-    case Outcome::malformed:
+    case Outcome::MALFORMED:
       return "malformed";
   }
   return "";

@@ -25,7 +25,7 @@ namespace com::velanto::connectivity::tools {
 
 // converted: a typed event came out. passed: something came out that the codec gave no type.
 // dropped: nothing came out. malformed: the line is no message, so nothing was sent.
-enum class Outcome { converted, passed, dropped, malformed };
+enum class Outcome { CONVERTED, PASSED, DROPPED, MALFORMED };
 
 inline constexpr std::size_t OUTCOMES = 4;
 
@@ -40,8 +40,8 @@ struct record_t {
 
   text_part_t annotation; // where the line has a remark of an earlier run; of size 0: none
 
-  Kind kind = Kind::none;
-  Outcome outcome = Outcome::dropped;
+  Kind kind = Kind::NONE;
+  Outcome outcome = Outcome::DROPPED;
   std::vector<Message> outputs; // one message, or none unless the plug-in is faulty
   std::string events;           // the outputs as lines of JSON, if anyone has asked for them
   std::vector<log_line_t> log;  // log lines while the plug-in had the message

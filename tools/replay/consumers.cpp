@@ -28,9 +28,9 @@ void Consumers::addPlugins(const PluginLibrary& library, const data_t& configura
     add(other_build_.emplace(*options_.against, configuration, direction, diagnostics_out_));
   }
   if (options_.explain) {
-    const ExplanationForm text = colour_ ? ExplanationForm::coloured_text : ExplanationForm::text;
+    const ExplanationForm text = colour_ ? ExplanationForm::COLOURED_TEXT : ExplanationForm::TEXT;
     add(explainer_.emplace(library, configuration, direction,
-                           *options_.explain == "json" ? ExplanationForm::json : text,
+                           *options_.explain == "json" ? ExplanationForm::JSON : text,
                            events_out_));
   }
 }

@@ -28,8 +28,8 @@ class Replay {
          Terminal* terminal, bool colour)
       : options_(options),
         terminal_(options.quiet ? nullptr : terminal),
-        direction_(options.direction == "transport" ? Direction::towardsTransport
-                                                    : Direction::towardsHost),
+        direction_(options.direction == "transport" ? Direction::TOWARDS_TRANSPORT
+                                                    : Direction::TOWARDS_HOST),
         diagnostics_(diagnostics),
         consumers_(options, events, diagnostics, colour),
         figures_(consumers_.figures()) {}
@@ -156,8 +156,8 @@ void Replay::judge(std::optional<std::int64_t> blocks) {
   const std::string broken = figures_.brokenLaw();
   if (!broken.empty()) report(broken);
   if (!broken.empty() || law_broken_ || blocks.value_or(0) != 0) worsen(EXIT_LAW);
-  if (figures_.count(Outcome::malformed) > 0) worsen(EXIT_BAD_INPUT);
-  if (options_.strict && figures_.count(Outcome::dropped) > 0) worsen(EXIT_DROPPED);
+  if (figures_.count(Outcome::MALFORMED) > 0) worsen(EXIT_BAD_INPUT);
+  if (options_.strict && figures_.count(Outcome::DROPPED) > 0) worsen(EXIT_DROPPED);
 }
 
 void Replay::writeFigures(std::optional<std::int64_t> blocks) {
@@ -168,9 +168,9 @@ void Replay::writeFigures(std::optional<std::int64_t> blocks) {
   const std::to_chars_result end = std::to_chars(
       digits.begin(), digits.end(), milliseconds_t(elapsed_).count(), std::chars_format::fixed, 3);
   diagnostics_ << "read " << figures_.read() << ", reached the "
-               << (direction_ == Direction::towardsHost ? "host " : "transport ") << figures_.out()
-               << ", dropped " << figures_.count(Outcome::dropped) << ", malformed "
-               << figures_.count(Outcome::malformed) << ", "
+               << (direction_ == Direction::TOWARDS_HOST ? "host " : "transport ") << figures_.out()
+               << ", dropped " << figures_.count(Outcome::DROPPED) << ", malformed "
+               << figures_.count(Outcome::MALFORMED) << ", "
                << std::string_view(digits.begin(), end.ptr) << " ms, ";
   if (blocks) {
     diagnostics_ << *blocks << " blocks live\n";

@@ -17,14 +17,14 @@ class Texts : public HostFixture {};
 
 // The texts of an enumeration in the order of its values, and the refusal of any other value.
 template <class Enumeration>
-void expectTexts(constant_t const& (*toText)(Enumeration),
+void expectTexts(constant_t const& (*to_text)(Enumeration),
                  std::initializer_list<const char*> texts) {
   int value = 0;
   for (const char* const expected : texts) {
-    EXPECT_STREQ(toText(static_cast<Enumeration>(value++)).text(), expected);
+    EXPECT_STREQ(to_text(static_cast<Enumeration>(value++)).text(), expected);
   }
   for (const int other : {value, value + 1, 255, -1, std::numeric_limits<int>::max()}) {
-    EXPECT_EQ(error_of([&] { (void)toText(static_cast<Enumeration>(other)); }),
+    EXPECT_EQ(errorOf([&] { (void)to_text(static_cast<Enumeration>(other)); }),
               "Unrecognized enum value.");
   }
 }

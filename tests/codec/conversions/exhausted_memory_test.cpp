@@ -22,7 +22,7 @@ TEST_P(ExhaustedMemory, IsBadAllocWhicheverAllocationFailsAndNothingLeaks) {
     EXPECT_EQ(standin_live_blocks_total(), live_before);
     payload = example.payload();
   };
-  const std::uint64_t failures = fail_each_allocation(attempt, verify);
+  const std::uint64_t failures = failEachAllocation(attempt, verify);
   // The event's type under its key, "measurements", and no fewer than one table.
   EXPECT_GE(failures, 4U);
 }

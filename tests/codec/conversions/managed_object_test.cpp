@@ -12,7 +12,7 @@ using namespace connectivity::test;
 class ManagedObjectConversion : public HostFixture {};
 class ManagedObjectBuilding : public HostFixture {};
 
-map_t bare() { return map_of("id", text("7"), "name", text("Pump"), "type", text("o6a_Device")); }
+map_t bare() { return mapOf("id", text("7"), "name", text("Pump"), "type", text("o6a_Device")); }
 
 // The fields put into a fresh map one after the other, in the order of the steps.
 map_t singleAssignments(const map_t& payload) {
@@ -36,23 +36,23 @@ TEST_F(ManagedObjectConversion, ManyFieldsLieAsSingleAssignmentsLeaveThem) {
     }
     if (count % 5 == 4) payload[text("measurements")] = text("mine");
     const map_t expected = singleAssignments(payload);
-    expect_same_slots(fields_of(convertManagedObject, std::move(payload)), expected);
+    expect_same_slots(fieldsOf(convertManagedObject, std::move(payload)), expected);
   }
 }
 
 TEST_F(ManagedObjectBuilding, ListOfStringsIsStoredAnyOtherIsHandedBack) {
   SpareParts spares;
   ManagedObjectBuilder builder(text("1"), text("n"), spares);
-  data_t clean = list_of(text("a"), borrowed("b"), null_text());
-  data_t mixed = list_of(text("a"), data_t());
-  const std::uint64_t mixed_block = block_of(mixed);
+  data_t clean = listOf(text("a"), borrowed("b"), nullText());
+  data_t mixed = listOf(text("a"), data_t());
+  const std::uint64_t mixed_block = blockOf(mixed);
   EXPECT_FALSE(builder.tryAddSupported(std::move(clean.get<list_t>()), DATA_T_supportedOperations)
                    .has_value());
   auto rest = builder.tryAddSupported(std::move(mixed.get<list_t>()), DATA_T_supportedMeasurements);
   ASSERT_TRUE(rest.has_value());
-  EXPECT_EQ(block_of(data_t(std::move(*rest))), mixed_block);
+  EXPECT_EQ(blockOf(data_t(std::move(*rest))), mixed_block);
   EXPECT_TRUE(same(at(builder.fields, "supportedOperations"),
-                   list_of(text("a"), borrowed("b"), null_text())));
+                   listOf(text("a"), borrowed("b"), nullText())));
   EXPECT_FALSE(has(builder.fields, "supportedMeasurements"));
 }
 

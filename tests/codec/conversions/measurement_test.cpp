@@ -22,8 +22,8 @@ class FragmentIntake : public HostFixture {
 };
 
 TEST_F(MeasurementValue, ParamsAreTheSeriesOwnTableTombstonesIncluded) {
-  map_t series = map_of("value", whole(1), "units", text("C"), "a", whole(2), "b", whole(3), "c",
-                        whole(4), "d", whole(5), "e", whole(6), "f", whole(7), "g", whole(8));
+  map_t series = mapOf("value", whole(1), "units", text("C"), "a", whole(2), "b", whole(3), "c",
+                       whole(4), "d", whole(5), "e", whole(6), "f", whole(7), "g", whole(8));
   remove(series, "a");
   const vlt_underlying_map_table_t* const table = series.table();
   ASSERT_EQ(table->capacity, 16);
@@ -36,7 +36,7 @@ TEST_F(MeasurementValue, ParamsAreTheSeriesOwnTableTombstonesIncluded) {
 }
 
 TEST_F(MeasurementValue, ParamsKeepTheTableAlsoWhenNothingIsLeft) {
-  map_t series = map_of("value", whole(1));
+  map_t series = mapOf("value", whole(1));
   const vlt_underlying_map_table_t* const table = series.table();
   map_t value = valueOf(std::move(series));
   const map_t& params = at(value, "params").get<map_t>();
@@ -46,18 +46,17 @@ TEST_F(MeasurementValue, ParamsKeepTheTableAlsoWhenNothingIsLeft) {
 }
 
 TEST_F(MeasurementValue, MissingValueIsReported) {
-  EXPECT_EQ(error_of([] { (void)valueOf(map_of("units", text("C"))); }),
+  EXPECT_EQ(errorOf([] { (void)valueOf(mapOf("units", text("C"))); }),
             "'value' key missing from measurement value");
-  EXPECT_EQ(error_of([] { (void)valueOf(map_of()); }),
-            "'value' key missing from measurement value");
+  EXPECT_EQ(errorOf([] { (void)valueOf(mapOf()); }), "'value' key missing from measurement value");
 }
 
 TEST_F(FragmentIntake, OtherValueIsLeftUntouched) {
-  data_t value = map_of("S", map_of("value", whole(1)), "bad", text(""));
-  const std::uint64_t block = block_of(value);
+  data_t value = mapOf("S", mapOf("value", whole(1)), "bad", text(""));
+  const std::uint64_t block = blockOf(value);
   EXPECT_FALSE(builder_.tryAddMeasurementFragment(value, spares_));
-  EXPECT_EQ(block_of(value), block);
-  EXPECT_TRUE(same(value, map_of("S", map_of("value", whole(1)), "bad", text(""))));
+  EXPECT_EQ(blockOf(value), block);
+  EXPECT_TRUE(same(value, mapOf("S", mapOf("value", whole(1)), "bad", text(""))));
   EXPECT_TRUE(builder_.measurements.empty());
 }
 

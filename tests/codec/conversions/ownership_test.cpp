@@ -20,7 +20,7 @@ std::uint64_t blockAt(map_t& map, std::string_view path) {
   }
   const bool key = path.back() == '@';
   const std::string name(path.substr(0, path.size() - (key ? 1 : 0)));
-  return key ? key_block_of(map, text(name.c_str())) : block_of(at(map, name.c_str()));
+  return key ? keyBlockOf(map, text(name.c_str())) : blockOf(at(map, name.c_str()));
 }
 
 // Where a block lies in the payload of an example, and where in the event.
@@ -75,7 +75,7 @@ TEST_F(Ownership, BlocksOfAnEventAreTheNotificationsOwn) {
     map_t payload = example->payload();
     const std::uint64_t block = blockAt(payload, row.from);
     ASSERT_NE(block, 0U) << row.kind << ": " << row.from;
-    map_t fields = fields_of(example->convert, std::move(payload));
+    map_t fields = fieldsOf(example->convert, std::move(payload));
     EXPECT_EQ(blockAt(fields, row.to), block) << row.kind << ": " << row.to;
   }
 }

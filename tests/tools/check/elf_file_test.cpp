@@ -66,7 +66,7 @@ class ElfFileTest : public ::testing::Test {
     return value;
   }
   [[nodiscard]] std::string refusal() const {
-    return error_of([this] { static_cast<void>(readElf(file_)); });
+    return errorOf([this] { static_cast<void>(readElf(file_)); });
   }
   // Of the first program header of a type.
   std::size_t programHeader(std::uint32_t type) {
@@ -106,11 +106,10 @@ TEST_F(ElfFileTest, RunPathIsRead) {
 }
 
 TEST_F(ElfFileTest, OtherFilesAreRefused) {
-  EXPECT_EQ(error_of([] { static_cast<void>(readElf({})); }),
-            "the header is beyond the file's end");
+  EXPECT_EQ(errorOf([] { static_cast<void>(readElf({})); }), "the header is beyond the file's end");
   const bytes_t text(100, std::byte{'x'});
-  EXPECT_EQ(error_of([&] { static_cast<void>(readElf(text)); }), "no ELF file");
-  EXPECT_EQ(error_of([] { static_cast<void>(tools::check::readElfFile("/nowhere")); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(readElf(text)); }), "no ELF file");
+  EXPECT_EQ(errorOf([] { static_cast<void>(tools::check::readElfFile("/nowhere")); }),
             "/nowhere: No such file or directory");
 }
 

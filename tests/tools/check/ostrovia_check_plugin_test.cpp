@@ -197,13 +197,13 @@ TEST_F(OstroviaCheckPluginTest, JsonIsOneDocument) {
   auto& members = document.get<map_t>();
   EXPECT_EQ(at(members, "seed"), whole(5));
   EXPECT_EQ(at(members, "loads"), truth(true));
-  EXPECT_EQ(at(members, "counts"), data_t(map_of("ok", whole(2), "failed", whole(2), "crashed",
-                                                 whole(0), "hung", whole(0), "skipped", whole(0))));
+  EXPECT_EQ(at(members, "counts"), data_t(mapOf("ok", whole(2), "failed", whole(2), "crashed",
+                                                whole(0), "hung", whole(0), "skipped", whole(0))));
   data_t product = at(members, "checks").get<list_t>()[1];
   EXPECT_EQ(at(product.get<map_t>(), "outcome"), text("failed"));
   EXPECT_EQ(at(product.get<map_t>(), "differences"),
-            list_of(map_of("where", text("product version"), "expected", text("10.15.4.1"), "came",
-                           text("10.15.4.2"))));
+            listOf(mapOf("where", text("product version"), "expected", text("10.15.4.1"), "came",
+                         text("10.15.4.2"))));
 }
 
 // A terminal of its own, from util-linux; without it there is nothing to see.

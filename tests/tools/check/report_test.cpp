@@ -33,7 +33,7 @@ TEST(ReportTest, ColourIsAroundTheMark) {
 TEST(ReportTest, DetailsAreIndentedAndLongOnesStacked) {
   const std::string line(60, 'x');
   const verdict_t verdict = {
-      Ending::failed, "", {{"here", "4", "3"}, {"there", line, line}, {"log", "a", "b\nc"}}, ""};
+      Ending::FAILED, "", {{"here", "4", "3"}, {"there", line, line}, {"log", "a", "b\nc"}}, ""};
   EXPECT_EQ(textOf(verdict), "FAIL " + NAME_AND_CLAIM +
                                  "\n"
                                  "        here: expected 4, came 3\n"
@@ -48,7 +48,7 @@ TEST(ReportTest, DetailsAreIndentedAndLongOnesStacked) {
 }
 
 TEST(ReportTest, CrashShowsReasonAndOutput) {
-  EXPECT_EQ(textOf({Ending::crashed, "SIGBUS, Bus error", {}, "oh\nno\n"}),
+  EXPECT_EQ(textOf({Ending::CRASHED, "SIGBUS, Bus error", {}, "oh\nno\n"}),
             "CRASH" + NAME_AND_CLAIM +
                 "\n"
                 "        SIGBUS, Bus error\n"
@@ -58,7 +58,7 @@ TEST(ReportTest, CrashShowsReasonAndOutput) {
 }
 
 TEST(ReportTest, BytesOutsideUtf8AreReplaced) {
-  const verdict_t verdict = {Ending::failed, "", {{"here", "\xc3\xa9", "\xff\x1b[0m"}}, ""};
+  const verdict_t verdict = {Ending::FAILED, "", {{"here", "\xc3\xa9", "\xff\x1b[0m"}}, ""};
   EXPECT_EQ(textOf(verdict),
             "FAIL " + NAME_AND_CLAIM + "\n        here: expected \xc3\xa9, came ??[0m\n");
 }
@@ -66,11 +66,11 @@ TEST(ReportTest, BytesOutsideUtf8AreReplaced) {
 TEST(ReportTest, JsonHasTheContentOfTheLine) {
   std::ostringstream out;
   JsonReport report(out, {"li\"b.so", 7, false});
-  report.add({&CHECK, {Ending::skipped, "no \xff such", {}, ""}, std::chrono::milliseconds(5)});
-  report.add({&CHECK, {Ending::failed, "", {{"w", "e", "c"}}, "p"}, {}});
+  report.add({&CHECK, {Ending::SKIPPED, "no \xff such", {}, ""}, std::chrono::milliseconds(5)});
+  report.add({&CHECK, {Ending::FAILED, "", {{"w", "e", "c"}}, "p"}, {}});
   Counts counts;
-  counts.add(Ending::skipped);
-  counts.add(Ending::failed);
+  counts.add(Ending::SKIPPED);
+  counts.add(Ending::FAILED);
   report.close(counts);
   EXPECT_EQ(out.str(),
             R"({"library":"li\"b.so","seed":7,"loads":false,"checks":[)"
@@ -87,10 +87,10 @@ TEST(ReportTest, JsonHasTheContentOfTheLine) {
 
 TEST(ReportTest, SkippedIsGoodFailedIsNot) {
   Counts counts;
-  counts.add(Ending::ok);
-  counts.add(Ending::skipped);
+  counts.add(Ending::OK);
+  counts.add(Ending::SKIPPED);
   EXPECT_TRUE(counts.allGood());
-  for (const Ending bad : {Ending::failed, Ending::crashed, Ending::hung}) {
+  for (const Ending bad : {Ending::FAILED, Ending::CRASHED, Ending::HUNG}) {
     Counts worse = counts;
     worse.add(bad);
     EXPECT_FALSE(worse.allGood());

@@ -28,12 +28,12 @@ TEST(RunnerTest, BodyKnowsLibraryAndSeed) {
     trial.equal("library", "lib.so", trial.path());
     trial.equal("seed", 7, trial.seed());
   });
-  EXPECT_EQ(verdict.ending, Ending::ok);
+  EXPECT_EQ(verdict.ending, Ending::OK);
 }
 
 TEST(RunnerTest, DifferencesComeBack) {
   const verdict_t verdict = run([](Trial& trial) { trial.equal("answer", 42, 41); });
-  EXPECT_EQ(verdict.ending, Ending::failed);
+  EXPECT_EQ(verdict.ending, Ending::FAILED);
   ASSERT_EQ(verdict.differences.size(), 1U);
   EXPECT_EQ(verdict.differences[0], (tools::check::difference_t{"answer", "42", "41"}));
 }
@@ -47,7 +47,7 @@ TEST(RunnerTest, DifferencesAreLimitedInNumber) {
 
 TEST(RunnerTest, ExceptionIsADifference) {
   const verdict_t verdict = run([](Trial&) { throw std::runtime_error("jam"); });
-  EXPECT_EQ(verdict.ending, Ending::failed);
+  EXPECT_EQ(verdict.ending, Ending::FAILED);
   ASSERT_EQ(verdict.differences.size(), 1U);
   EXPECT_EQ(verdict.differences[0].came, "exception: jam");
 }
@@ -57,24 +57,24 @@ TEST(RunnerTest, SkippingEndsTheBody) {
     trial.skip("no such thing here");
     trial.equal("reached", false, true);
   });
-  EXPECT_EQ(verdict.ending, Ending::skipped);
+  EXPECT_EQ(verdict.ending, Ending::SKIPPED);
   EXPECT_EQ(verdict.reason, "no such thing here");
 }
 
 TEST(RunnerTest, SignalIsNamed) {
   const verdict_t verdict = run([](Trial&) { std::raise(SIGTERM); });
-  EXPECT_EQ(verdict.ending, Ending::crashed);
+  EXPECT_EQ(verdict.ending, Ending::CRASHED);
   EXPECT_EQ(verdict.reason, "SIGTERM, Terminated");
 }
 
 TEST(RunnerTest, ExitInTheMiddleIsNoSuccess) {
-  EXPECT_EQ(run([](Trial&) { _exit(0); }).ending, Ending::crashed);
+  EXPECT_EQ(run([](Trial&) { _exit(0); }).ending, Ending::CRASHED);
 }
 
 TEST(RunnerTest, BodyThatHangsIsStopped) {
   const auto start = std::chrono::steady_clock::now();
   const verdict_t verdict = run([](Trial&) { pause(); }, 50);
-  EXPECT_EQ(verdict.ending, Ending::hung);
+  EXPECT_EQ(verdict.ending, Ending::HUNG);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
@@ -95,7 +95,7 @@ TEST(RunnerTest, MuchOutputDoesNotBlock) {
     std::cerr << much;
     trial.equal("answer", 42, 41);
   });
-  EXPECT_EQ(verdict.ending, Ending::failed);
+  EXPECT_EQ(verdict.ending, Ending::FAILED);
   EXPECT_EQ(verdict.printed.size(), 1'000'000U);
 }
 

@@ -40,9 +40,9 @@ TEST(SelectionTest, PatternsAddUpAndSkippingWins) {
 }
 
 TEST(SelectionTest, PatternThatMatchesNothingIsAnError) {
-  EXPECT_EQ(error_of([] { selected({"a"}, {}); }), "no check is named 'a'; see --list");
-  EXPECT_EQ(error_of([] { selected({}, {"c.*"}); }), "no check is named 'c.*'; see --list");
-  EXPECT_EQ(error_of([] { selected({"a.*"}, {"a.*"}); }), "no check is left to run");
+  EXPECT_EQ(errorOf([] { selected({"a"}, {}); }), "no check is named 'a'; see --list");
+  EXPECT_EQ(errorOf([] { selected({}, {"c.*"}); }), "no check is named 'c.*'; see --list");
+  EXPECT_EQ(errorOf([] { selected({"a.*"}, {"a.*"}); }), "no check is left to run");
 }
 
 TEST(SelectionTest, ChecksHaveDifferentNamesAndClaims) {

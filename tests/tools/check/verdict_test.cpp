@@ -25,14 +25,14 @@ tools::check::verdict_t judgeExit(const std::string& written, int status = 0) {
 
 TEST(VerdictTest, CheckThatCameToItsEndIsOk) {
   const auto verdict = judgeExit("E|");
-  EXPECT_EQ(verdict.ending, Ending::ok);
+  EXPECT_EQ(verdict.ending, Ending::OK);
   EXPECT_EQ(verdict.reason, "");
   EXPECT_EQ(verdict.printed, "") << "of no interest";
 }
 
 TEST(VerdictTest, DifferencesMakeAFailure) {
   const auto verdict = judgeExit("F|here|4|3|F|there|||E|");
-  EXPECT_EQ(verdict.ending, Ending::failed);
+  EXPECT_EQ(verdict.ending, Ending::FAILED);
   ASSERT_EQ(verdict.differences.size(), 2U);
   EXPECT_EQ(verdict.differences[0], (tools::check::difference_t{"here", "4", "3"}));
   EXPECT_EQ(verdict.differences[1], (tools::check::difference_t{"there", "", ""}));
@@ -41,13 +41,13 @@ TEST(VerdictTest, DifferencesMakeAFailure) {
 
 TEST(VerdictTest, SkippedKeepsItsReason) {
   const auto verdict = judgeExit("S|not here|E|");
-  EXPECT_EQ(verdict.ending, Ending::skipped);
+  EXPECT_EQ(verdict.ending, Ending::SKIPPED);
   EXPECT_EQ(verdict.reason, "not here");
 }
 
 TEST(VerdictTest, SignalIsACrashAndKeepsEarlierRecords) {
   const auto verdict = tools::check::judge({false, SIGSEGV, records("F|here|4|3|"), ""});
-  EXPECT_EQ(verdict.ending, Ending::crashed);
+  EXPECT_EQ(verdict.ending, Ending::CRASHED);
   EXPECT_EQ(verdict.reason, "SIGSEGV, Segmentation fault");
   EXPECT_EQ(verdict.differences.size(), 1U);
 }
@@ -55,7 +55,7 @@ TEST(VerdictTest, SignalIsACrashAndKeepsEarlierRecords) {
 TEST(VerdictTest, ExitBeforeTheEndIsACrash) {
   for (const int status : {0, 1}) {
     const auto verdict = judgeExit("", status);
-    EXPECT_EQ(verdict.ending, Ending::crashed);
+    EXPECT_EQ(verdict.ending, Ending::CRASHED);
     EXPECT_EQ(verdict.reason, "the process was ended with exit status " + std::to_string(status) +
                                   " in the middle of the check");
   }
@@ -63,14 +63,14 @@ TEST(VerdictTest, ExitBeforeTheEndIsACrash) {
 
 TEST(VerdictTest, StoppedIsAlwaysHung) {
   const auto verdict = tools::check::judge({true, SIGKILL, records("E|"), ""});
-  EXPECT_EQ(verdict.ending, Ending::hung);
+  EXPECT_EQ(verdict.ending, Ending::HUNG);
   EXPECT_EQ(verdict.reason, "did not end in time");
 }
 
 TEST(VerdictTest, RecordThatBreaksOffWasNotWritten) {
   EXPECT_EQ(judgeExit("F|here|4|3").differences.size(), 0U);
   EXPECT_EQ(judgeExit("F|here").differences.size(), 0U);
-  EXPECT_EQ(judgeExit("E").ending, Ending::crashed);
+  EXPECT_EQ(judgeExit("E").ending, Ending::CRASHED);
 }
 
 } // namespace com::velanto::connectivity::test

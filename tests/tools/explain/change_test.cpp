@@ -75,7 +75,7 @@ TEST_F(ChangeTest, WhereNothingCanBeNothingIsChanged) {
 }
 
 TEST_F(ChangeTest, ACopySharesNothing) {
-  const Message message = notification("p", map_of("a", text("x")));
+  const Message message = notification("p", mapOf("a", text("x")));
   Message copy = tools::copyOf(message);
   tools::apply(copy, {{PAYLOAD, {"a"}}, text("y")});
   EXPECT_EQ(*tools::valueAt(message, {PAYLOAD, {"a"}}), text("x"));

@@ -50,7 +50,7 @@ tools::explanation_t ExplainFixture::explainedLine(const std::string& line, cons
   record_.line = line;
   record_.outputs = std::move(result.outputs);
   record_.log = std::move(result.log);
-  if (!record_.outputs.empty()) record_.outcome = tools::Outcome::passed;
+  if (!record_.outputs.empty()) record_.outcome = tools::Outcome::PASSED;
   tools::Probe probe(
       original, [&](Message& changed) { return run(changed, codec); }, most_values_);
   tools::explanation_t explanation = tools::explain(record_, probe);
@@ -79,7 +79,7 @@ std::string textOf(const std::vector<tools::row_t>& rows) {
     }
     if (!row.with.empty()) text += " ⇐ " + pathsOf(row.with);
     if (row.new_block) text += " (copied)";
-    if (row.without != tools::Without::same) {
+    if (row.without != tools::Without::SAME) {
       text += std::string(" (without: ") + tools::nameOf(row.without) + ")";
     }
     text += '\n';

@@ -15,15 +15,15 @@ class ExplainerTest : public HostFixture {
   std::string told(const char* way, const std::string& line, const std::string& output,
                    std::size_t pass = 0) {
     std::ostringstream out;
-    const data_t configuration = map_of("tenantId", text(way));
-    tools::Explainer explainer(library_, configuration, tools::Direction::towardsHost,
-                               tools::ExplanationForm::text, out);
+    const data_t configuration = mapOf("tenantId", text(way));
+    tools::Explainer explainer(library_, configuration, tools::Direction::TOWARDS_HOST,
+                               tools::ExplanationForm::TEXT, out);
     tools::record_t record;
     record.file = &file_;
     record.line_number = 1;
     record.line = line;
     record.pass = pass;
-    record.outcome = tools::Outcome::passed;
+    record.outcome = tools::Outcome::PASSED;
     record.outputs.push_back(reader_.parseMessage(output));
     explainer.take(record);
     explainer.pause();

@@ -10,7 +10,7 @@ namespace {
 
 const std::string FILE_NAME = "in"; // records point at it
 
-tools::record_t record(std::uint64_t number, tools::Outcome outcome = tools::Outcome::passed,
+tools::record_t record(std::uint64_t number, tools::Outcome outcome = tools::Outcome::PASSED,
                        const std::string& file = FILE_NAME) {
   tools::record_t record;
   record.number = number;
@@ -22,7 +22,7 @@ tools::record_t record(std::uint64_t number, tools::Outcome outcome = tools::Out
 
 tools::explanation_t losing(const std::string& name, const std::string& json) {
   tools::explanation_t explanation;
-  explanation.rows = {{tools::Fate::lost, {{{{"payload"}, {name}}, json}}, {}, {}}};
+  explanation.rows = {{tools::Fate::LOST, {{{{"payload"}, {name}}, json}}, {}, {}}};
   return explanation;
 }
 
@@ -33,7 +33,7 @@ TEST(ExplanationGroupsTest, FatesAndPathsCountValuesDoNot) {
   alike.add(record(1), losing("a", "1"));
   alike.add(record(2), losing("b", "1"));
   alike.add(record(3), losing("b", "2"));
-  alike.add(record(4, tools::Outcome::converted), losing("b", "2"));
+  alike.add(record(4, tools::Outcome::CONVERTED), losing("b", "2"));
   EXPECT_EQ(alike.text(),
             "\n"
             "    messages  explained alike           first in\n"
@@ -46,11 +46,11 @@ TEST(ExplanationGroupsTest, FaultsTellDroppedMessagesApart) {
   tools::ExplanationGroups alike;
   tools::explanation_t explanation;
   explanation.blame.faults = {{{{"payload"}, {"a"}}, "1", false, "2"}};
-  alike.add(record(1, tools::Outcome::dropped), explanation);
+  alike.add(record(1, tools::Outcome::DROPPED), explanation);
   explanation.blame.faults = {{{{"payload"}, {"b"}}, "1", false, "2"}};
-  alike.add(record(2, tools::Outcome::dropped), explanation);
+  alike.add(record(2, tools::Outcome::DROPPED), explanation);
   std::swap(explanation.blame.faults, explanation.blame.suspects);
-  alike.add(record(3, tools::Outcome::dropped), explanation);
+  alike.add(record(3, tools::Outcome::DROPPED), explanation);
   EXPECT_EQ(alike.text(),
             "\n"
             "    messages  explained alike           first in\n"
@@ -65,7 +65,7 @@ TEST(ExplanationGroupsTest, TheRestIsCounted) {
   tools::ExplanationGroups alike;
   const std::string file(100, 'f');
   for (std::uint64_t i = 1; i <= tools::ExplanationGroups::MOST + 5; ++i) {
-    alike.add(record(i, tools::Outcome::passed, file), losing(std::to_string(i), "1"));
+    alike.add(record(i, tools::Outcome::PASSED, file), losing(std::to_string(i), "1"));
   }
   const std::string text = alike.text();
   EXPECT_TRUE(text.ends_with("         993  in other ways\n")) << text;

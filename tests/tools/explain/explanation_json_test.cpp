@@ -10,7 +10,7 @@ class ExplanationJsonTest : public ExplainFixture {
  protected:
   std::string told(const std::string& line, const codec_t& codec) {
     const tools::explanation_t explanation = explainedLine(line, codec);
-    if (record_.outputs.empty()) record_.outcome = tools::Outcome::dropped;
+    if (record_.outputs.empty()) record_.outcome = tools::Outcome::DROPPED;
     static const Pattern RUNS(R"("runs":[1-9][0-9]*)");
     return RUNS.replacedIn(tools::explanationJson(record_, explanation), "\"runs\":N");
   }
@@ -76,7 +76,7 @@ TEST_F(ExplanationJsonTest, MalformedLinesHaveTheirReason) {
   tools::record_t record;
   const std::string file = "in";
   record.file = &file;
-  record.outcome = tools::Outcome::malformed;
+  record.outcome = tools::Outcome::MALFORMED;
   record.malformed = "no \"JSON\"";
   EXPECT_EQ(tools::explanationJson(record, {}),
             R"({"at":"in:0","kind":"no path","outcome":"malformed","reason":"no \"JSON\""})"

@@ -13,7 +13,7 @@ class ExplanationTextTest : public ExplainFixture {
   // The explanation of a payload, without the heading.
   std::string told(const std::string& payload, const codec_t& codec, bool colour = false) {
     const tools::explanation_t explanation = explained(payload, codec);
-    if (record_.outputs.empty()) record_.outcome = tools::Outcome::dropped;
+    if (record_.outputs.empty()) record_.outcome = tools::Outcome::DROPPED;
     const std::string text = tools::explanationText(record_, explanation, colour);
     return text.substr(text.find('\n') + 1);
   }
@@ -25,7 +25,7 @@ TEST_F(ExplanationTextTest, HeadingsHavePlaceKindAndOutcome) {
   const tools::explanation_t told = explained("{\"a\":1}", [](Message&) { return true; });
   EXPECT_EQ(tools::explanationText(record_, told, false),
             "in:1: no path, passed\n  unchanged  everything\n");
-  record_.outcome = tools::Outcome::malformed;
+  record_.outcome = tools::Outcome::MALFORMED;
   EXPECT_EQ(tools::explanationText(record_, told, false), "");
 }
 
@@ -41,7 +41,7 @@ TEST_F(ExplanationTextTest, EveryFateHasItsForm) {
                    payload[text("tenant")] = text("t1");
                    taken(payload, has(payload, "source") ? "name" : "nothing");
                    data_t fragment = taken(payload, "f");
-                   payload[text("all")] = map_of("T", taken(fragment.get<map_t>(), "T"));
+                   payload[text("all")] = mapOf("T", taken(fragment.get<map_t>(), "T"));
                    taken(at(payload, "gone").get<map_t>(), "a");
                    taken(payload, "idle");
                    payload[text("type")] = text("T");
@@ -62,11 +62,11 @@ TEST_F(ExplanationTextTest, FieldsWithTheSameWayShareAnEntry) {
                    data_t f = taken(payload, "f");
                    data_t g = taken(payload, "g");
                    auto& from = f.get<map_t>();
-                   payload[text("q")] = map_of("a", taken(from, "a"), "b", taken(from, "b"));
+                   payload[text("q")] = mapOf("a", taken(from, "a"), "b", taken(from, "b"));
                    map_t all;
                    for (const char* const name : {"a", "b"}) {
                      data_t series = taken(g.get<map_t>(), name);
-                     series.get<map_t>()[text("p")] = map_of();
+                     series.get<map_t>()[text("p")] = mapOf();
                      all[text(name)] = std::move(series);
                    }
                    payload[text("all")] = std::move(all);
@@ -110,7 +110,7 @@ TEST_F(ExplanationTextTest, AnUnstablePluginIsSaidToBeOne) {
 TEST_F(ExplanationTextTest, ColoursTellFates) {
   EXPECT_EQ(told(R"({"a":1,"b":2})", onPayload([](map_t& payload) {
                    taken(payload, "b");
-                   payload[text("c")] = map_of();
+                   payload[text("c")] = mapOf();
                  }),
                  true),
             "  \x1B[2munchanged\x1B[0m  a\n  \x1B[32madded\x1B[0m      c {}\n"
@@ -127,25 +127,24 @@ TEST_F(ExplanationTextTest, LinesFit79ColumnsWithWholeNumbers) {
   }
   payload.back() = '}';
   payload += ",\"number" + name + "\":-1.7976931348623157e+308,\"x\":" + text_of_100 + "}";
-  const std::string text_told = told(payload, onPayload([&](map_t& all) {
-                                       data_t in = taken(all, "in");
-                                       map_t out;
-                                       int i = 0;
-                                       for (auto&& [key, value] : in.get<map_t>()) {
-                                         if (++i % 2 == 0) out[data_t(key)] = data_t(value);
-                                         if (i % 5 == 0) all[data_t(key)] = text(name.c_str());
-                                       }
-                                       all[text("out")] = std::move(out);
-                                       map_t alike;
-                                       for (const char* const series : {"1", "2", "3"}) {
-                                         alike[text((name + series).c_str())] =
-                                             map_of(name.c_str(), real(-1.234567890123457e-300));
-                                       }
-                                       all[text("alike")] = std::move(alike);
-                                       data_t number = taken(all, ("number" + name).c_str());
-                                       all[text(("b" + name).c_str())] =
-                                           real(number.get<double>() / 2);
-                                     }));
+  const std::string text_told = told(
+      payload, onPayload([&](map_t& all) {
+        data_t in = taken(all, "in");
+        map_t out;
+        int i = 0;
+        for (auto&& [key, value] : in.get<map_t>()) {
+          if (++i % 2 == 0) out[data_t(key)] = data_t(value);
+          if (i % 5 == 0) all[data_t(key)] = text(name.c_str());
+        }
+        all[text("out")] = std::move(out);
+        map_t alike;
+        for (const char* const series : {"1", "2", "3"}) {
+          alike[text((name + series).c_str())] = mapOf(name.c_str(), real(-1.234567890123457e-300));
+        }
+        all[text("alike")] = std::move(alike);
+        data_t number = taken(all, ("number" + name).c_str());
+        all[text(("b" + name).c_str())] = real(number.get<double>() / 2);
+      }));
   std::istringstream lines(text_told);
   for (std::string line; std::getline(lines, line);) EXPECT_LE(tools::widthOf(line), 79u) << line;
   EXPECT_NE(text_told.find("-1.7976931348623157e+308"), std::string::npos);

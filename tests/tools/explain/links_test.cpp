@@ -49,7 +49,7 @@ TEST_F(LinksTest, ReusedBlockIsNotItsOldString) {
 
 TEST_F(LinksTest, ListsAndMapsMoveAsAWhole) {
   EXPECT_EQ(fates(R"({"m":{"x":[1,{"y":"z"}],"n":null},"l":[1,1]})", onPayload([](map_t& payload) {
-                    payload[text("k")] = map_of("in", taken(payload, "m"));
+                    payload[text("k")] = mapOf("in", taken(payload, "m"));
                   })),
             "unchanged l\ngathered m → k.in\n");
 }
@@ -141,7 +141,7 @@ TEST_F(LinksTest, RemovalShowsEmptyListsAndMaps) {
   EXPECT_EQ(fates(R"({"l":[],"m":{},"x":[],"y":{}})", onPayload([](map_t& payload) {
                     if (has(payload, "l")) payload[text("l2")] = taken(payload, "l");
                     taken(payload, "y");
-                    payload[text("z")] = map_of();
+                    payload[text("z")] = mapOf();
                   })),
             "unchanged m\nunchanged x\nrenamed l → l2\nadded z\nlost y\n");
 }
@@ -204,7 +204,7 @@ TEST_F(LinksTest, MetadataIsFollowedToo) {
 
 TEST_F(LinksTest, PayloadsNeedNotBeMaps) {
   const codec_t wrap = [](Message& message) {
-    message.getPayload() = map_of("value", std::move(message.getPayload()));
+    message.getPayload() = mapOf("value", std::move(message.getPayload()));
     return true;
   };
   EXPECT_EQ(fates("7", wrap), "renamed payload → value\n");

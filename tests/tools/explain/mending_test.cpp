@@ -51,7 +51,7 @@ TEST(QuotedNamesTest, AreFoundOnceEach) {
 }
 
 TEST_F(MendingTest, EachValueIsALeafOnce) {
-  const tools::Trace trace(Message(map_of("a", text("1"), "b", text("1"), "c", whole(1))));
+  const tools::Trace trace(Message(mapOf("a", text("1"), "b", text("1"), "c", whole(1))));
   EXPECT_EQ(tools::differentLeaves(trace).size(), 2u);
 }
 

@@ -36,7 +36,7 @@ TEST_F(ProbeTest, AnswersHaveInputAndOutcome) {
 }
 
 TEST_F(ProbeTest, ChangesAreMadeInOrder) {
-  const Message message(map_of("a", whole(1)));
+  const Message message(mapOf("a", whole(1)));
   const std::array<tools::change_t, 2> changes = {tools::change_t{{{"payload"}}, whole(2)},
                                                   tools::change_t{{{"payload"}}, whole(3)}};
   tools::Probe probe = probeOf(message, pass);

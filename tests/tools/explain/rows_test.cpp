@@ -41,8 +41,8 @@ TEST_F(RowsTest, FieldsInACodecsMapAreGathered) {
                   onPayload([](map_t& payload) {
                     data_t fragment = taken(payload, "f");
                     data_t series = taken(fragment.get<map_t>(), "T");
-                    series.get<map_t>()[text("params")] = map_of();
-                    payload[text("all")] = map_of("T", std::move(series));
+                    series.get<map_t>()[text("params")] = mapOf();
+                    payload[text("all")] = mapOf("T", std::move(series));
                     data_t source = taken(payload, "s");
                     payload[text("s")] = taken(source.get<map_t>(), "id");
                     auto& p = at(payload, "p").get<map_t>();
@@ -95,8 +95,8 @@ TEST_F(RowsTest, FieldsNotFollowedAreUnknown) {
   const tools::explanation_t told =
       explained(payload, onPayload([](map_t& all) { at(all, "out") = whole(2); }));
   EXPECT_TRUE(told.limited);
-  EXPECT_EQ(told.rows.back().fate, tools::Fate::unknown);
-  EXPECT_EQ(told.rows.front().fate, tools::Fate::unchanged);
+  EXPECT_EQ(told.rows.back().fate, tools::Fate::UNKNOWN);
+  EXPECT_EQ(told.rows.front().fate, tools::Fate::UNCHANGED);
   EXPECT_EQ(told.rows.size() - 1 + told.rows.back().from.size(), 1001u);
 }
 
@@ -115,7 +115,7 @@ TEST_F(RowsTest, TopOfALargeMessageComesFirst) {
   EXPECT_TRUE(told.limited);
   const auto renamed =
       std::find_if(told.rows.begin(), told.rows.end(),
-                   [](const tools::row_t& row) { return row.fate == tools::Fate::renamed; });
+                   [](const tools::row_t& row) { return row.fate == tools::Fate::RENAMED; });
   ASSERT_NE(renamed, told.rows.end());
   EXPECT_EQ(tools::textOf(renamed->to.front().path), "new");
 }
@@ -127,7 +127,7 @@ TEST_F(RowsTest, RowsTellTheKnownChanges) {
     seed = seed * 1664525 + 1013904223;
     return (seed >> 16U) % sides;
   };
-  const char* const VALUES[] = {"\"x\"",     "\"y1\"",       "7", "7", "0.5", "true", "null",
+  const char* const values[] = {"\"x\"",     "\"y1\"",       "7", "7", "0.5", "true", "null",
                                 "[1,\"x\"]", "{\"k\":\"x\"}"};
   for (int round = 0; round < 300; ++round) {
     std::string payload;
@@ -136,11 +136,11 @@ TEST_F(RowsTest, RowsTellTheKnownChanges) {
     for (int i = 0; i < 8; ++i) {
       const std::string name = "k" + std::to_string(i);
       const std::uint32_t value = dice(9);
-      payload += (payload.empty() ? "{\"" : ",\"") + name + "\":" + VALUES[value];
+      payload += (payload.empty() ? "{\"" : ",\"") + name + "\":" + values[value];
       ways.push_back(dice(5));
-      const char* const LINES[] = {"unchanged K", "renamed K → rK", "lost K", "gathered K → g.m.K",
+      const char* const lines[] = {"unchanged K", "renamed K → rK", "lost K", "gathered K → g.m.K",
                                    "unchanged K"};
-      std::string line = LINES[ways.back()];
+      std::string line = lines[ways.back()];
       for (std::size_t at = 0; (at = line.find('K', at)) != std::string::npos; at += name.size()) {
         line.replace(at, 1, name);
       }
@@ -157,7 +157,7 @@ TEST_F(RowsTest, RowsTellTheKnownChanges) {
         if (way == 3) gathered[text(name.c_str())] = taken(all, name.c_str());
         if (way == 4) all[text(("c" + name).c_str())] = text("x");
       }
-      if (!gathered.empty()) all[text("g")] = map_of("m", data_t(std::move(gathered)));
+      if (!gathered.empty()) all[text("g")] = mapOf("m", data_t(std::move(gathered)));
     });
     std::istringstream lines(fates(payload + "}", codec));
     std::multiset<std::string> told;

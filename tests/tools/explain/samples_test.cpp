@@ -15,8 +15,8 @@ namespace {
 class SamplesTest : public HostFixture {
  protected:
   SamplesTest() {
-    const data_t configuration = map_of("tenantId", text("t4100"));
-    chain_.emplace(library_, configuration, tools::Direction::towardsHost, log_);
+    const data_t configuration = mapOf("tenantId", text("t4100"));
+    chain_.emplace(library_, configuration, tools::Direction::TOWARDS_HOST, log_);
   }
 
   tools::call_result_t send(Message& message) {
@@ -56,7 +56,7 @@ TEST_F(SamplesTest, EveryLeafAppearsOnce) {
     EXPECT_FALSE(told.limited) << sample.place;
     EXPECT_EQ(unaccounted(tools::Trace(sample.message), after_, told.rows), "") << sample.place;
     for (const tools::row_t& row : told.rows) {
-      EXPECT_NE(row.fate, tools::Fate::unknown) << sample.place;
+      EXPECT_NE(row.fate, tools::Fate::UNKNOWN) << sample.place;
     }
     const bool blamed = !told.blame.faults.empty() || !told.blame.suspects.empty();
     EXPECT_EQ(blamed, record_.outputs.empty()) << sample.place;

@@ -24,8 +24,8 @@ Message messageOf(data_t&& payload) { return Message(std::move(payload)); }
 
 TEST_F(TraceTest, EveryValueIsThereSortedByItsPath) {
   const Message message = notification(
-      "t/s", map_of("z", whole(5), "a", map_of("y", real(5), "x", list_of(text("5"), data_t())),
-                    "e", map_of(), "l", list_of()));
+      "t/s", mapOf("z", whole(5), "a", mapOf("y", real(5), "x", listOf(text("5"), data_t())), "e",
+                   mapOf(), "l", listOf()));
   EXPECT_EQ(leavesOf(tools::Trace(message)),
             "metadata:\n"
             "metadata.pulsarPath = \"t/s\"\n"
@@ -42,7 +42,7 @@ TEST_F(TraceTest, EveryValueIsThereSortedByItsPath) {
 
 TEST_F(TraceTest, AbsentValueIsNoLeaf) {
   EXPECT_EQ(leavesOf(tools::Trace(Message())), "");
-  EXPECT_EQ(leavesOf(tools::Trace(messageOf(map_of()))), "payload = {}\n");
+  EXPECT_EQ(leavesOf(tools::Trace(messageOf(mapOf()))), "payload = {}\n");
 }
 
 TEST_F(TraceTest, FurtherMessagesHaveNumbers) {
@@ -55,7 +55,7 @@ TEST_F(TraceTest, FurtherMessagesHaveNumbers) {
 }
 
 TEST_F(TraceTest, PathsAreFound) {
-  const tools::Trace trace(messageOf(list_of(text("a"), map_of("k", text("b")))));
+  const tools::Trace trace(messageOf(listOf(text("a"), mapOf("k", text("b")))));
   const tools::node_t* const found = trace.find({{"payload"}, {"", 1, true}, {"k"}});
   ASSERT_NE(found, nullptr);
   EXPECT_EQ(found->json, "\"b\"");
@@ -63,28 +63,28 @@ TEST_F(TraceTest, PathsAreFound) {
 }
 
 TEST_F(TraceTest, BlocksTellEqualValuesApart) {
-  Message message = messageOf(map_of("a", map_of("x", text("1")), "b", map_of("x", text("1"))));
+  Message message = messageOf(mapOf("a", mapOf("x", text("1")), "b", mapOf("x", text("1"))));
   const tools::Trace trace(message);
-  const auto numberOf = [&](const char* name) {
+  const auto number_of = [&](const char* name) {
     return static_cast<std::size_t>(trace.find({{"payload"}, {name}}) - trace.nodes().data());
   };
-  EXPECT_TRUE(trace.same(numberOf("a"), trace, numberOf("b"), Compare::content));
-  EXPECT_FALSE(trace.same(numberOf("a"), trace, numberOf("b"), Compare::blocks));
-  EXPECT_TRUE(trace.same(numberOf("a"), tools::Trace(message), numberOf("a"), Compare::blocks));
+  EXPECT_TRUE(trace.same(number_of("a"), trace, number_of("b"), Compare::CONTENT));
+  EXPECT_FALSE(trace.same(number_of("a"), trace, number_of("b"), Compare::BLOCKS));
+  EXPECT_TRUE(trace.same(number_of("a"), tools::Trace(message), number_of("a"), Compare::BLOCKS));
 }
 
 TEST_F(TraceTest, KindsAndNamesCountAsContent) {
-  const tools::Trace whole_number(messageOf(map_of("a", whole(5))));
-  EXPECT_FALSE(whole_number.sameContent(tools::Trace(messageOf(map_of("a", real(5))))));
-  EXPECT_FALSE(whole_number.sameContent(tools::Trace(messageOf(map_of("b", whole(5))))));
-  EXPECT_FALSE(whole_number.sameContent(tools::Trace(messageOf(map_of("a", text("5"))))));
-  EXPECT_TRUE(whole_number.sameContent(tools::Trace(messageOf(map_of("a", whole(5))))));
+  const tools::Trace whole_number(messageOf(mapOf("a", whole(5))));
+  EXPECT_FALSE(whole_number.sameContent(tools::Trace(messageOf(mapOf("a", real(5))))));
+  EXPECT_FALSE(whole_number.sameContent(tools::Trace(messageOf(mapOf("b", whole(5))))));
+  EXPECT_FALSE(whole_number.sameContent(tools::Trace(messageOf(mapOf("a", text("5"))))));
+  EXPECT_TRUE(whole_number.sameContent(tools::Trace(messageOf(mapOf("a", whole(5))))));
   EXPECT_FALSE(whole_number.sameContent(tools::Trace()));
 }
 
 TEST_F(TraceTest, OnePlaceIsCompared) {
-  const tools::Trace one(messageOf(map_of("a", list_of(whole(1)), "b", whole(1))));
-  const tools::Trace other(messageOf(map_of("a", list_of(whole(1)), "b", whole(2))));
+  const tools::Trace one(messageOf(mapOf("a", listOf(whole(1)), "b", whole(1))));
+  const tools::Trace other(messageOf(mapOf("a", listOf(whole(1)), "b", whole(2))));
   EXPECT_TRUE(one.sameBelow({{"payload"}, {"a"}}, other));
   EXPECT_FALSE(one.sameBelow({{"payload"}, {"b"}}, other));
   EXPECT_TRUE(one.sameBelow({{"payload"}, {"c"}}, other)); // nothing here, nothing there

@@ -17,13 +17,13 @@ using tools::HostedPlugin;
 
 const char* const CATEGORY = "connectivity.name.chain";
 
-data_t tenant(const char* id) { return map_of("tenantId", text(id)); }
+data_t tenant(const char* id) { return mapOf("tenantId", text(id)); }
 
 class HostedPluginTest : public HostFixture {
  protected:
   // The error when the faulty plug-in fails in `operation`, and its log line.
   void expectFailure(const char* operation, const char* error) {
-    EXPECT_EQ(error_of([&] {
+    EXPECT_EQ(errorOf([&] {
                 HostedPlugin plugin(faulty_, "name", "chain", tenant(operation));
                 plugin.link({&host_, &Received::take}, {&transport_, &Received::take});
                 plugin.start();
@@ -47,11 +47,11 @@ TEST_F(HostedPluginTest, MessagesReachTheLinkOfTheirDirection) {
   plugin.link({&host_, &Received::take}, {&transport_, &Received::take});
   plugin.start();
   std::array<Message, 2> messages = {Message(whole(1)), Message(whole(2))};
-  EXPECT_TRUE(plugin.send(Direction::towardsHost, messages));
+  EXPECT_TRUE(plugin.send(Direction::TOWARDS_HOST, messages));
   ASSERT_EQ(host_.messages.size(), 2u);
   EXPECT_EQ(host_.messages[1].getPayload(), whole(2));
   std::array<Message, 1> other = {Message(whole(3))};
-  EXPECT_TRUE(plugin.send(Direction::towardsTransport, other));
+  EXPECT_TRUE(plugin.send(Direction::TOWARDS_TRANSPORT, other));
   ASSERT_EQ(transport_.messages.size(), 1u);
   EXPECT_EQ(host_.calls, 1);
   EXPECT_TRUE(plugin.shutdown());
@@ -59,15 +59,15 @@ TEST_F(HostedPluginTest, MessagesReachTheLinkOfTheirDirection) {
 
 TEST_F(HostedPluginTest, NamesMakeTheLogCategory) {
   HostedPlugin plugin(library_, "name", "chain", tenant(""));
-  std::array<Message, 1> messages = {notification("t1/sub/unknown/7", map_of())};
-  EXPECT_TRUE(plugin.send(Direction::towardsHost, messages));
+  std::array<Message, 1> messages = {notification("t1/sub/unknown/7", mapOf())};
+  EXPECT_TRUE(plugin.send(Direction::TOWARDS_HOST, messages));
   const std::vector<log_line_t> log = takeLog();
   ASSERT_EQ(log.size(), 1u);
   EXPECT_EQ(log[0].category, CATEGORY);
 }
 
 TEST_F(HostedPluginTest, RefusedConfigurationIsAnError) {
-  EXPECT_EQ(error_of([&] { HostedPlugin plugin(library_, "name", "chain", map_of()); }),
+  EXPECT_EQ(errorOf([&] { HostedPlugin plugin(library_, "name", "chain", mapOf()); }),
             "the plug-in refused its configuration");
   EXPECT_EQ(takeLog().size(), 1u);
 }
@@ -82,10 +82,10 @@ TEST_F(HostedPluginTest, FailingCallIsNamed) {
 
 TEST_F(HostedPluginTest, FailingBatchAndShutdownAreResults) {
   HostedPlugin batch(faulty_, "name", "chain", tenant("sendBatchTowardsHost"));
-  EXPECT_FALSE(batch.send(Direction::towardsHost, {}));
+  EXPECT_FALSE(batch.send(Direction::TOWARDS_HOST, {}));
   EXPECT_TRUE(batch.shutdown());
   HostedPlugin shutdown(faulty_, "name", "chain", tenant("shutdown"));
-  EXPECT_TRUE(shutdown.send(Direction::towardsHost, {}));
+  EXPECT_TRUE(shutdown.send(Direction::TOWARDS_HOST, {}));
   EXPECT_FALSE(shutdown.shutdown());
   EXPECT_EQ(takeLog().size(), 2u);
 }

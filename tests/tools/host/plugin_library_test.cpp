@@ -10,8 +10,8 @@ namespace com::velanto::connectivity::test {
 
 namespace {
 
-std::string load_error(const std::string& path) {
-  return error_of([&] { tools::PluginLibrary library(path); });
+std::string loadError(const std::string& path) {
+  return errorOf([&] { tools::PluginLibrary library(path); });
 }
 
 } // namespace
@@ -30,27 +30,27 @@ TEST(PluginLibraryTest, DefaultIsBesideTheProgram) {
 }
 
 TEST(PluginLibraryTest, MissingLibraryIsRefused) {
-  EXPECT_EQ(load_error("/nowhere/plugin.so"),
+  EXPECT_EQ(loadError("/nowhere/plugin.so"),
             "cannot load /nowhere/plugin.so: cannot open shared object file: No such file or "
             "directory");
 }
 
 TEST(PluginLibraryTest, PathWithoutSlashIsInTheCurrentDirectory) {
-  EXPECT_EQ(load_error("nosuchplugin.so"),
+  EXPECT_EQ(loadError("nosuchplugin.so"),
             "cannot load ./nosuchplugin.so: cannot open shared object file: No such file or "
             "directory");
-  EXPECT_EQ(load_error(""), "cannot load ./: cannot read file data: Is a directory");
+  EXPECT_EQ(loadError(""), "cannot load ./: cannot read file data: Is a directory");
 }
 
 TEST(PluginLibraryTest, LibraryThatIsNoPluginIsRefused) {
-  EXPECT_EQ(load_error(VLT_CLIENT_LIBRARY_PATH),
+  EXPECT_EQ(loadError(VLT_CLIENT_LIBRARY_PATH),
             std::string(VLT_CLIENT_LIBRARY_PATH) +
                 " is no plug-in: it has no function "
                 "vlt_plugin_api_version_OstroviaNotifications2Codec");
 }
 
 TEST(PluginLibraryTest, OtherInterfaceVersionIsRefused) {
-  EXPECT_EQ(load_error(VLT_OUTDATED_PLUGIN_PATH),
+  EXPECT_EQ(loadError(VLT_OUTDATED_PLUGIN_PATH),
             std::string(VLT_OUTDATED_PLUGIN_PATH) + " has interface version 3, expected 4");
 }
 

@@ -95,7 +95,7 @@ TEST(CompletionTest, BashKnowsItUnderTheToolsName) {
 TEST(CompletionTest, ArgumentOfAnUnknownSortIsRefused) {
   const tool_t tool{"tool", {}, "", "", {}, {{"Options", {{"--odd", "ODDITY", "odd", {}}}}},
                     "",     {}};
-  EXPECT_EQ(error_of([&] { static_cast<void>(bashCompletion(tool)); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(bashCompletion(tool)); }),
             "it is not known what completes the ODDITY of --odd");
 }
 

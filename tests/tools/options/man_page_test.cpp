@@ -36,8 +36,8 @@ const tool_t TOOL{"tool",
                   "Exit status",
                   STATUSES};
 
-std::string errorOf(const std::string& prose) {
-  return error_of([&] { static_cast<void>(manPage(TOOL, prose)); });
+std::string proseError(const std::string& prose) {
+  return errorOf([&] { static_cast<void>(manPage(TOOL, prose)); });
 }
 
 // A page of this build.
@@ -80,16 +80,17 @@ TEST(ManPageTest, TablesTakeTheirPlaces) {
 }
 
 TEST(ManPageTest, ProseWithoutATableIsRefused) {
-  EXPECT_EQ(errorOf("\n@EXAMPLES@\n@OPTIONS@\n"), "the prose of tool has no line @EXIT_STATUS@\n");
+  EXPECT_EQ(proseError("\n@EXAMPLES@\n@OPTIONS@\n"),
+            "the prose of tool has no line @EXIT_STATUS@\n");
 }
 
 TEST(ManPageTest, UnknownNameInTheProseIsRefused) {
-  EXPECT_EQ(errorOf("\n@EXAMPLES@\n@OPTIONS@\n@EXIT_STATUS@\n@OPTION@\n"),
+  EXPECT_EQ(proseError("\n@EXAMPLES@\n@OPTIONS@\n@EXIT_STATUS@\n@OPTION@\n"),
             "the prose of tool names an unknown @OPTION@");
 }
 
 TEST(ManPageTest, SignsAroundNoNameStay) {
-  EXPECT_EQ(errorOf("\n@EXAMPLES@\n@OPTIONS@\n@EXIT_STATUS@\n@ a@b.example @@ @x@ @A b@ @A"),
+  EXPECT_EQ(proseError("\n@EXAMPLES@\n@OPTIONS@\n@EXIT_STATUS@\n@ a@b.example @@ @x@ @A b@ @A"),
             "nothing thrown");
 }
 

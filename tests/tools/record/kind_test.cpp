@@ -16,30 +16,30 @@ using KindTest = HostFixture;
 
 TEST_F(KindTest, SegmentAfterTheSecondSlashDecides) {
   const std::vector<std::pair<const char*, Kind>> rows = {
-      {"t/s/alarms/1", Kind::alarms},
-      {"t/s/events", Kind::events},
-      {"t/s/managedobjects/1", Kind::managedobjects},
-      {"t/s/measurements/1/2", Kind::measurements},
-      {"//operations/1", Kind::operations},
-      {"t/s/alarmsArchive/1", Kind::alarms},
-      {"t/s/Alarms/1", Kind::other},
-      {"t/s/inventory/alarms", Kind::other},
-      {"t/alarms", Kind::other},
-      {"", Kind::other}};
+      {"t/s/alarms/1", Kind::ALARMS},
+      {"t/s/events", Kind::EVENTS},
+      {"t/s/managedobjects/1", Kind::MANAGEDOBJECTS},
+      {"t/s/measurements/1/2", Kind::MEASUREMENTS},
+      {"//operations/1", Kind::OPERATIONS},
+      {"t/s/alarmsArchive/1", Kind::ALARMS},
+      {"t/s/Alarms/1", Kind::OTHER},
+      {"t/s/inventory/alarms", Kind::OTHER},
+      {"t/alarms", Kind::OTHER},
+      {"", Kind::OTHER}};
   for (const auto& [path, kind] : rows) EXPECT_EQ(tools::kindOfPath(path), kind) << path;
 }
 
 TEST_F(KindTest, PathThatIsNoStringHasNoKind) {
   const tools::MetadataReader reader;
-  EXPECT_EQ(reader.kindOf(notification("t/s/alarms/1", map_of())), Kind::alarms);
-  EXPECT_EQ(reader.kindOf(Message(whole(1))), Kind::none);
-  EXPECT_EQ(reader.kindOf(Message(whole(1), map_of("pulsarPath", whole(1)))), Kind::none);
+  EXPECT_EQ(reader.kindOf(notification("t/s/alarms/1", mapOf())), Kind::ALARMS);
+  EXPECT_EQ(reader.kindOf(Message(whole(1))), Kind::NONE);
+  EXPECT_EQ(reader.kindOf(Message(whole(1), mapOf("pulsarPath", whole(1)))), Kind::NONE);
 }
 
 TEST_F(KindTest, ChannelIsAStringOrNothing) {
   const tools::MetadataReader reader;
-  EXPECT_EQ(reader.channelOf(Message(whole(1), map_of("vlt.channel", text("c")))), "c");
-  EXPECT_EQ(reader.channelOf(Message(whole(1), map_of("vlt.channel", whole(1)))), "");
+  EXPECT_EQ(reader.channelOf(Message(whole(1), mapOf("vlt.channel", text("c")))), "c");
+  EXPECT_EQ(reader.channelOf(Message(whole(1), mapOf("vlt.channel", whole(1)))), "");
   EXPECT_EQ(reader.channelOf(Message()), "");
 }
 

@@ -31,7 +31,7 @@ TEST(Output, FullDeviceIsReportedWithItsReason) {
   std::ofstream stream("/dev/full");
   tools::Output output(stream, "cannot write the report");
   output.write("a");
-  EXPECT_EQ(error_of([&] { output.flush(); }), "cannot write the report: No space left on device");
+  EXPECT_EQ(errorOf([&] { output.flush(); }), "cannot write the report: No space left on device");
 }
 
 TEST(Output, StreamWithoutAReasonIsReportedToo) {

@@ -26,7 +26,7 @@ class CommandLineTest : public HostFixture {
                             diagnostics_);
   }
   std::string out() const { return out_.str(); }
-  std::string diagnostics() const { return without_elapsed(diagnostics_.str()); }
+  std::string diagnostics() const { return withoutElapsed(diagnostics_.str()); }
 
   // An event: its conversion shows the plug-in's configuration.
   const TemporaryFolder folder_;

@@ -78,22 +78,22 @@ TEST_F(LongRunsTest, BrokenCompressionIsAnErrorAfterItsLines) {
   const std::string text = manyLines();
   const std::string gzip = gzipped(text);
   const std::string zstd = zstandard(text);
-  const auto complaintAbout = [this](const std::string& input) {
+  const auto complaint_about = [this](const std::string& input) {
     input_ = input;
     const result_t result = run({});
     EXPECT_EQ(result.status, 7);
     return result.diagnostics;
   };
-  EXPECT_EQ(complaintAbout(gzip.substr(0, gzip.size() - 20)),
+  EXPECT_EQ(complaint_about(gzip.substr(0, gzip.size() - 20)),
             "ostrovia-replay: <stdin>: the gzip data ends too early\n");
   EXPECT_EQ(folder_.read("out").rfind("{\"metadata\":{},\"payload\":\"0\"}\n", 0), 0u);
-  EXPECT_EQ(complaintAbout(gzip.substr(0, 50) + std::string(100, '\xff')),
+  EXPECT_EQ(complaint_about(gzip.substr(0, 50) + std::string(100, '\xff')),
             "ostrovia-replay: <stdin>: the gzip data is damaged\n");
-  EXPECT_EQ(complaintAbout(zstd.substr(0, zstd.size() - 20)),
+  EXPECT_EQ(complaint_about(zstd.substr(0, zstd.size() - 20)),
             "ostrovia-replay: <stdin>: the Zstandard data ends too early\n");
   std::string damaged = zstd;
   damaged.replace(50, 5000, 5000, '\xff');
-  EXPECT_EQ(complaintAbout(damaged), "ostrovia-replay: <stdin>: the Zstandard data is damaged\n");
+  EXPECT_EQ(complaint_about(damaged), "ostrovia-replay: <stdin>: the Zstandard data is damaged\n");
 }
 
 TEST_F(LongRunsTest, LineWithACompressionMarkIsMalformed) {

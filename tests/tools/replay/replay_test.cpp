@@ -75,7 +75,7 @@ class ReplayTest : public HostFixture {
 
   std::string events() const { return events_.str(); }
   // With T in place of the time, which no two runs share.
-  std::string diagnostics() const { return without_elapsed(diagnostics_.str()); }
+  std::string diagnostics() const { return withoutElapsed(diagnostics_.str()); }
 
   ReplayOptions options_;
 

@@ -104,7 +104,7 @@ void expectPrinted(Trial& trial, const std::string& place, const lines_t& expect
     printed.remove_prefix(end + 1);
   }
   if (!printed.empty()) came.emplace_back(printed);
-  if (demand == Demand::required) {
+  if (demand == Demand::REQUIRED) {
     for (std::string& each : came) {
       if (each.starts_with("GetVisitor<")) each = "GetVisitor";
     }
@@ -121,7 +121,7 @@ void play(Trial& trial, const PluginLibrary& library, const line_t& line, Demand
   const Books books;
   {
     case_t played = readCase(line.json);
-    if (played.advised && demand == Demand::required) return;
+    if (played.advised && demand == Demand::REQUIRED) return;
     const case_t again = readCase(line.json);
     const std::size_t printed = trial.printed().size();
     Log log(played.log_level);

@@ -10,7 +10,7 @@ namespace com::velanto::connectivity::tools::check {
 
 // The expectations of a build. Required: of any build. Advised: also this project's own decisions,
 // which are cases marked as advised, and the wording on standard error.
-enum class Demand { required, advised };
+enum class Demand { REQUIRED, ADVISED };
 
 // Plays one case from create to destroy, as the only user of the host's log, and checks all that
 // README.md lists.

@@ -28,7 +28,7 @@ constexpr char VALUES_FILE[] = "values";
 template <const char* NAME>
 void playAll(Trial& trial) {
   const PluginLibrary library = load(trial);
-  for (const line_t& line : readLines(NAME)) play(trial, library, line, Demand::required);
+  for (const line_t& line : readLines(NAME)) play(trial, library, line, Demand::REQUIRED);
 }
 
 constexpr check_t CONFORMANCE_CHECKS[] = {

@@ -85,20 +85,20 @@ void callsHostFunctionsOnly(Trial& trial) {
 
 constexpr check_t LIBRARY_CHECKS[] = {
     {"library.is-a-shared-object", "the file is a whole shared object for x86-64", readable,
-     Use::read},
+     Use::READ},
     {"library.exports-the-twelve", "the exported names are the twelve entry points and no others",
-     exactExports, Use::read},
+     exactExports, Use::READ},
     {"library.exports-functions", "everything that is exported is a function", exportsAreFunctions,
-     Use::read},
+     Use::READ},
     {"library.needs-the-client", "libtvclient.so.10.15 is named as needed", needsTheClientLibrary,
-     Use::read},
+     Use::READ},
     {"library.needs-no-others", "beyond the client library, only common runtimes are needed",
-     needsNothingUnusual, Use::read},
+     needsNothingUnusual, Use::READ},
     {"library.has-no-run-path", "no path of a build machine decides which libraries are loaded",
-     noRunPath, Use::read},
+     noRunPath, Use::READ},
     {"library.asks-the-host-only",
      "of the host, only the fourteen functions of docs/host-interface.md are used",
-     callsHostFunctionsOnly, Use::read},
+     callsHostFunctionsOnly, Use::READ},
 };
 
 } // namespace

@@ -17,13 +17,13 @@ void Comparer::compare(const side_t& before, const side_t& after) {
   if (before.line && after.line && fields.empty()) return; // in the order of entries alone
   if (different_++ >= SHOWN) return;
   std::string text;
-  const auto appendPlace = [&text](const char* sign, const side_t& side) {
+  const auto append_place = [&text](const char* sign, const side_t& side) {
     text += sign;
     text += side.line ? cutBefore(side.place, 75) : "nothing";
     text += '\n';
   };
-  appendPlace("--- ", before);
-  appendPlace("+++ ", after);
+  append_place("--- ", before);
+  append_place("+++ ", after);
   if (!before.line) text.append("+ ").append(cutBehind(*after.line, 77)).append("\n");
   if (!after.line) text.append("- ").append(cutBehind(*before.line, 77)).append("\n");
   out_ << text + fields;
@@ -41,14 +41,14 @@ exit_status_t Comparer::report() const {
 // The differing fields, written out; empty when there are none.
 std::string Comparer::fieldsOf(const std::string& before, const std::string& after) {
   // The content alone is an object again with a brace for its first comma.
-  const auto valueOf = [this](const std::string& line) {
+  const auto value_of = [this](const std::string& line) {
     std::string object(contentOf(line));
     if (object.starts_with(',')) object.front() = '{';
     return reader_.parseValue(object);
   };
   std::string text;
   try {
-    std::vector<difference_t> differences = differencesOf(valueOf(before), valueOf(after));
+    std::vector<difference_t> differences = differencesOf(value_of(before), value_of(after));
     // A difference in the outcome explains the rest.
     std::stable_partition(differences.begin(), differences.end(),
                           [](const difference_t& d) { return d.path == "outcome"; });

@@ -84,7 +84,7 @@ bool canBeCreated(const ReplayOptions& options, std::ostream& diagnostics) {
   std::vector<log_line_t> log;
   std::string failure;
   try {
-    Chain chain(library, configurationOf(options), Direction::towardsHost, log);
+    Chain chain(library, configurationOf(options), Direction::TOWARDS_HOST, log);
     const call_result_t& last = chain.shutdown();
     log.insert(log.end(), last.log.begin(), last.log.end());
     if (last.failed) failure = "the plug-in failed in shutdown";

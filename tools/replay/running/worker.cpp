@@ -43,16 +43,16 @@ bool Worker::read(record_t& record, Message& message) {
   record.events.clear();
   record.log.clear();
   record.malformed.clear();
-  record.kind = Kind::none;
+  record.kind = Kind::NONE;
   try {
     message = reader_.parseMessage(record.line);
   } catch (const MalformedJson& e) {
-    record.outcome = Outcome::malformed;
+    record.outcome = Outcome::MALFORMED;
     record.malformed = e.what();
     record.column = e.column();
     return false;
   }
-  record.outcome = Outcome::dropped;
+  record.outcome = Outcome::DROPPED;
   record.annotation = reader_.remark();
   record.kind = metadata_.kindOf(message);
   return true;
@@ -80,7 +80,7 @@ void Worker::sendBatch(std::span<record_t> records) {
 void Worker::distribute(call_result_t& result, std::span<record_t> records) {
   std::size_t next = 0;
   for (record_t& record : records) {
-    if (record.outcome == Outcome::malformed) continue;
+    if (record.outcome == Outcome::MALFORMED) continue;
     if (batch_.size() == 1) {
       std::swap(record.outputs, result.outputs);
       std::swap(record.log, result.log);
@@ -89,7 +89,7 @@ void Worker::distribute(call_result_t& result, std::span<record_t> records) {
     }
     if (!record.outputs.empty()) {
       const bool converted = typed_before_[next] == 0 && metadata_.isTyped(record.outputs.front());
-      record.outcome = converted ? Outcome::converted : Outcome::passed;
+      record.outcome = converted ? Outcome::CONVERTED : Outcome::PASSED;
     }
     ++next;
     conclude(record);
@@ -101,7 +101,7 @@ void Worker::separate(const call_result_t& whole, std::span<record_t> records) {
   std::size_t next = 0;
   call_result_t together;
   for (record_t& record : records) {
-    if (record.outcome == Outcome::malformed) continue;
+    if (record.outcome == Outcome::MALFORMED) continue;
     batch_.clear();
     batch_.push_back(reader_.parseMessage(record.line));
     typed_before_.assign(1, typed_before[next++]);

@@ -9,11 +9,11 @@ void Figures::take(const record_t& record) {
 }
 
 std::string Figures::brokenLaw() const {
-  const std::uint64_t converted = count(Outcome::converted);
+  const std::uint64_t converted = count(Outcome::CONVERTED);
   // All messages that came out beyond the converted ones have passed, expected or not.
   const std::uint64_t passed = out_ - converted;
-  const std::uint64_t dropped = count(Outcome::dropped);
-  const std::uint64_t malformed = count(Outcome::malformed);
+  const std::uint64_t dropped = count(Outcome::DROPPED);
+  const std::uint64_t malformed = count(Outcome::MALFORMED);
   if (read_ == converted + passed + dropped + malformed) return "";
   const auto number = [](std::uint64_t value) { return std::to_string(value); };
   return "the plug-in breaks the law: read " + number(read_) + " is not converted " +

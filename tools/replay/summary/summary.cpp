@@ -8,7 +8,7 @@ namespace com::velanto::connectivity::tools {
 
 void Summary::take(const record_t& record) {
   ++counts_[static_cast<std::size_t>(record.kind)][static_cast<std::size_t>(record.outcome)];
-  if (record.outcome == Outcome::dropped) {
+  if (record.outcome == Outcome::DROPPED) {
     drop_reason_t reason = dropReasonOf(record.log);
     reason_count_t& counted = reasons_[{reason.code, std::move(reason.key)}];
     if (counted.count++ == 0) {
@@ -16,7 +16,7 @@ void Summary::take(const record_t& record) {
       counted.first = record.place();
     }
   }
-  if (record.outcome != Outcome::converted) return;
+  if (record.outcome != Outcome::CONVERTED) return;
   for (const Message& output : record.outputs) {
     const std::string_view channel = metadata_.channelOf(output);
     const auto found = channels_.find(channel);

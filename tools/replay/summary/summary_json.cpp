@@ -14,7 +14,7 @@ void writeKinds(JsonLine& line, const Summary& summary) {
   for (std::size_t i = 0; i < KINDS; ++i) {
     const Kind kind = static_cast<Kind>(i);
     line.item(nameOf(kind)).open('{');
-    for (const Outcome outcome : {Outcome::converted, Outcome::passed, Outcome::dropped}) {
+    for (const Outcome outcome : {Outcome::CONVERTED, Outcome::PASSED, Outcome::DROPPED}) {
       line.item(nameOf(outcome)).number(summary.count(kind, outcome));
     }
     line.close('}');
@@ -54,7 +54,7 @@ std::string summaryJson(const Summary& summary, const run_figures_t& run) {
   line.item("read").number(run.read);
   line.item("reached").number(run.out);
   for (const Outcome outcome :
-       {Outcome::converted, Outcome::passed, Outcome::dropped, Outcome::malformed}) {
+       {Outcome::CONVERTED, Outcome::PASSED, Outcome::DROPPED, Outcome::MALFORMED}) {
     line.item(nameOf(outcome)).number(summary.count(outcome));
   }
   line.item("blocks_live").raw(run.blocks ? std::to_string(*run.blocks) : "null");

@@ -8,7 +8,7 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-constexpr std::array SHOWN = {Outcome::converted, Outcome::passed, Outcome::dropped};
+constexpr std::array SHOWN = {Outcome::CONVERTED, Outcome::PASSED, Outcome::DROPPED};
 
 std::string number(double value, const char* format) {
   std::array<char, 64> text{};
@@ -41,7 +41,7 @@ void appendKinds(std::string& out, const Summary& summary) {
     out += leftPadded(std::to_string(summary.count(outcome)), 12);
   }
   out += '\n';
-  const std::uint64_t malformed = summary.count(Outcome::malformed);
+  const std::uint64_t malformed = summary.count(Outcome::MALFORMED);
   if (malformed > 0) out += "malformed lines: " + std::to_string(malformed) + "\n";
 }
 

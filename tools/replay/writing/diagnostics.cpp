@@ -3,7 +3,7 @@
 namespace com::velanto::connectivity::tools {
 
 void Diagnostics::take(const record_t& record) {
-  if (record.outcome == Outcome::malformed) {
+  if (record.outcome == Outcome::MALFORMED) {
     std::string line = record.place();
     if (record.column != 0) line.append(":").append(std::to_string(record.column));
     line.append(": ").append(record.malformed).append("\n");

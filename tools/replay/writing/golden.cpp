@@ -45,7 +45,7 @@ void appendLog(std::string& line, std::span<const log_line_t> log) {
 std::string goldenLineOf(const record_t& record) {
   std::string line = beginOf(record.place(), nameOf(record.outcome));
   appendEvents(line, record.events);
-  if (record.outcome == Outcome::malformed) {
+  if (record.outcome == Outcome::MALFORMED) {
     line += ",\"reason\":";
     appendJsonText(line, record.malformed);
   }

@@ -81,7 +81,7 @@
 namespace com::velanto::connectivity::test {
 
 #define VLT_NAMED(name) name,
-enum class Fault { none, VLT_FAULTS(VLT_NAMED) };
+enum class Fault { NONE, VLT_FAULTS(VLT_NAMED) };
 #undef VLT_NAMED
 
 inline Fault faultOfFile(std::string_view path) {
@@ -91,17 +91,17 @@ inline Fault faultOfFile(std::string_view path) {
   if (name == #fault) return Fault::fault;
   VLT_FAULTS(VLT_COMPARED)
 #undef VLT_COMPARED
-  return Fault::none;
+  return Fault::NONE;
 }
 
 // The host calls of a codec at its loading ask already.
 inline bool has(Fault fault) {
-  static const Fault planted = [] {
-    static const char inside = 0;
+  static const Fault PLANTED = [] {
+    static const char INSIDE = 0;
     Dl_info file{};
-    return dladdr(&inside, &file) == 0 ? Fault::none : faultOfFile(file.dli_fname);
+    return dladdr(&INSIDE, &file) == 0 ? Fault::NONE : faultOfFile(file.dli_fname);
   }();
-  return fault == planted;
+  return fault == PLANTED;
 }
 
 } // namespace com::velanto::connectivity::test

@@ -54,7 +54,7 @@ thread_local message_t* batch_end = nullptr;
 front_t* latest = nullptr;
 
 // Not optimised away, although nobody reads it.
-[[gnu::used]] const char* const kept_after_unload =
+[[gnu::used]] const char* const KEPT_AFTER_UNLOAD =
     has(Fault::keeps_block_after_unload) ? vlt_copy_string("kept") : nullptr;
 
 // The acts of loading and unloading the library.
@@ -66,7 +66,7 @@ struct presence_t {
     if (has(Fault::crashes_on_unload)) std::abort();
   }
 };
-const presence_t presence;
+const presence_t PRESENCE;
 
 void towardsHost(void* handle, message_t* start, message_t* end) {
   const auto& front = *static_cast<front_t*>(handle);

@@ -16,11 +16,11 @@ namespace {
 using tools::input_t;
 using tools::inputsFrom;
 
-std::string error_from(const std::vector<std::string>& paths) {
-  return error_of([&] { static_cast<void>(inputsFrom(paths)); });
+std::string errorFrom(const std::vector<std::string>& paths) {
+  return errorOf([&] { static_cast<void>(inputsFrom(paths)); });
 }
 
-std::string content_of(const input_t& input) {
+std::string contentOf(const input_t& input) {
   return {std::istreambuf_iterator<char>(*input.open()), {}};
 }
 
@@ -33,8 +33,8 @@ TEST(InputsTest, FilesKeepTheirOrder) {
   const std::vector<input_t> inputs = inputsFrom({second, first});
   ASSERT_EQ(inputs.size(), 2u);
   EXPECT_EQ(inputs[0].name, second);
-  EXPECT_EQ(content_of(inputs[0]), "2\n");
-  EXPECT_EQ(content_of(inputs[1]), "1\n");
+  EXPECT_EQ(contentOf(inputs[0]), "2\n");
+  EXPECT_EQ(contentOf(inputs[1]), "1\n");
 }
 
 TEST(InputsTest, DashAndNothingAreStandardInput) {
@@ -49,9 +49,9 @@ TEST(InputsTest, UnreadableInputIsRefusedBeforeAnyOpens) {
   const TemporaryFolder folder;
   const std::string file = folder.write("file", "");
   const std::string missing = folder.path("missing");
-  EXPECT_EQ(error_from({file, missing}), missing + ": No such file or directory");
-  EXPECT_EQ(error_from({folder.path("")}), folder.path("") + ": Is a directory");
-  EXPECT_EQ(error_from({""}), ": No such file or directory");
+  EXPECT_EQ(errorFrom({file, missing}), missing + ": No such file or directory");
+  EXPECT_EQ(errorFrom({folder.path("")}), folder.path("") + ": Is a directory");
+  EXPECT_EQ(errorFrom({""}), ": No such file or directory");
 }
 
 TEST(InputsTest, VanishedFileIsRefusedAtItsTurn) {
@@ -59,7 +59,7 @@ TEST(InputsTest, VanishedFileIsRefusedAtItsTurn) {
   const std::string file = folder.write("file", "");
   const std::vector<input_t> inputs = inputsFrom({file});
   std::filesystem::remove(file);
-  EXPECT_EQ(error_of([&] { static_cast<void>(inputs[0].open()); }),
+  EXPECT_EQ(errorOf([&] { static_cast<void>(inputs[0].open()); }),
             file + ": No such file or directory");
 }
 
@@ -67,7 +67,7 @@ TEST(InputsTest, ManyFilesNeedFewDescriptors) {
   const TemporaryFolder folder;
   const std::string file = folder.write("file", "x");
   const std::vector<input_t> inputs = inputsFrom(std::vector<std::string>(70000, file));
-  EXPECT_EQ(content_of(inputs.back()), "x");
+  EXPECT_EQ(contentOf(inputs.back()), "x");
 }
 
 } // namespace com::velanto::connectivity::test
