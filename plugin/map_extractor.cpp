@@ -11,7 +11,7 @@ namespace com::velanto::connectivity {
 
 MapExtractor::MapExtractor(const map_t& map, std::string display_name)
     : map_(map), display_name_(std::move(display_name)) {
-  if (display_name_.empty()) throw std::runtime_error("display_name cannot be empty");
+  if (display_name_.empty()) throw std::runtime_error("displayName cannot be empty");
 }
 
 const data_t& MapExtractor::doGet(const data_t& key) const {
