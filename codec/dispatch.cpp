@@ -15,7 +15,7 @@ namespace com::velanto::connectivity::plugins::pulsar {
 namespace {
 
 struct kind_t {
-  std::string_view word; // that its type segments begin with: alarmsX is a path of alarms
+  std::string_view prefix; // of the type segment: alarmsX is a path of alarms
   Channel channel;
   std::unique_ptr<TivraMessageBuilder> (*convert)(PulsarMessageDisassembler&);
 };
@@ -34,7 +34,7 @@ constexpr kind_t KINDS[] = {
 converted_t convertPulsarToTivraMessage(PulsarMessageDisassembler& notification) {
   const std::string_view rest = notification.getStartCharOfMessageType();
   for (const kind_t& kind : KINDS) {
-    if (!rest.starts_with(kind.word)) continue;
+    if (!rest.starts_with(kind.prefix)) continue;
     notification.discardMetadata(); // and with it the path
     return {kind.convert(notification), kind.channel};
   }

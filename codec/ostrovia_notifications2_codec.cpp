@@ -21,7 +21,8 @@ constexpr vlt_log_level_t TRACE_LEVEL = 6;
 
 // The configured string, which may be null, or the default when the setting is absent or no string.
 const char* readMeasurementChannel(const MapExtractor& settings) {
-  const data_t key(STR_measurementSplittingChannel); // no memory for it is no reason for a default
+  const data_t key(
+      STR_measurementSplittingChannel); // outside the try: without memory, creation fails
   try {
     return settings.doGet(key).get<const char*>();
   } catch (const std::exception&) {
@@ -66,7 +67,7 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
     return false;
   }
 
-  // Every report can name the id, without memory of the host's.
+  // Copied now: converting consumes the id, and the report needs it without a block of the host.
   std::string id_text;
   const char* id = idOf(*fields);
   if (id != nullptr) id = (id_text = id).c_str();
@@ -87,19 +88,18 @@ Message OstroviaNotifications2Codec::processPulsarMessage(
     PulsarMessageDisassembler& notification) const {
   auto [builder, channel] = convertPulsarToTivraMessage(notification);
   if (builder == nullptr) return {};
-  builder->insertIntoMetadata(DATA_T_vltDOTchannel, data_t(channelFor(channel)));
+  const bool splits = channel == Channel::MEASUREMENTS;
+  builder->insertIntoMetadata(DATA_T_vltDOTchannel,
+                              data_t(splits ? measurementSplittingChannel : devicesChannel));
   if (tenantId) builder->fields.assign(DATA_T_tenantId.with(data_t(*tenantId)));
   return TivraMessageBuilder::getResult(std::move(builder));
-}
-
-const data_t& OstroviaNotifications2Codec::channelFor(Channel channel) const noexcept {
-  return channel == Channel::MEASUREMENTS ? measurementSplittingChannel : devicesChannel;
 }
 
 bool OstroviaNotifications2Codec::transformMessageTowardsTransport(Message&) { return true; }
 
 bool OstroviaNotifications2Codec::handleException(Message& message, bool towards_transport) {
-  // Not std::current_exception: it would ask for the C++ library of g++ 11, and count references.
+  // Without an exception in flight, `throw;` would end the process. Not std::current_exception: it
+  // would ask for the C++ library of g++ 11, and count references.
   if (abi::__cxa_current_exception_type() == nullptr) return false;
   const auto* const fields = message.getPayload().get_if<map_t>();
   reportExceptionInFlight(fields == nullptr ? nullptr : idOf(*fields), towards_transport);

@@ -19,14 +19,14 @@ namespace com::velanto::connectivity::plugins::pulsar {
 class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
  public:
   // Throws std::runtime_error when "tenantId" is missing, empty of any value or not a string.
-  // Throws std::bad_alloc, also when there was no memory for the constants at the load of the
-  // library.
+  // Throws std::bad_alloc, also when the library has no constants: there was no memory for them at
+  // its load, or the process is ending.
   explicit OstroviaNotifications2Codec(
       const PluginConstructorParameters::CodecConstructorParameters& params);
 
   // Returns true for an event, and for a message without a path, which stays as it is. Reports any
   // other notification, drops it and returns false. A dropped notification keeps its "id" alone, if
-  // that is a string and there is memory for it; one whose payload is no map stays whole. Throws,
+  // that is a string and there is memory for it. A payload that is no map stays whole. Throws,
   // with the message whole, when the trace fails or there is no memory for a long id.
   bool transformMessageTowardsHost(Message& message) override;
   // Returns true and changes nothing.
@@ -38,14 +38,13 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
   // The event, or an empty message for a notification with a fault. A custom value in a field's key,
   // a path that is no string and exhausted memory are thrown.
   [[nodiscard]] Message processPulsarMessage(PulsarMessageDisassembler& notification) const;
-  [[nodiscard]] const data_t& channelFor(Channel channel) const noexcept;
   // Write the line about a dropped message, if the level asks for it. `id` is null for a message
   // without one, `what` for a failure without a message. Only a line of unusual length takes
   // memory; without memory it is cut.
   void reportDropped(const char* id, bool towards_transport, const char* what) const noexcept;
   void reportExceptionInFlight(const char* id, bool towards_transport) const noexcept;
 
-  ConstantsUser constants_user_;      // before the members made with constants
+  ConstantsUser constants_user_;      // first: the constructor needs the constants
   data_t measurementSplittingChannel; // for events made from measurements
   data_t devicesChannel;              // for all others, prefix included
   boost::optional<data_t> tenantId;   // written into every event when set

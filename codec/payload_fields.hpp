@@ -22,24 +22,19 @@ namespace com::velanto::connectivity::plugins::pulsar {
 // The fault "Problem with key 'KEY': ", then the message of `error`.
 [[nodiscard]] std::runtime_error problemWithKey(char const* key, const std::runtime_error& error);
 
-// The content of `value` as T: char const* (which may be null), long long, or map_t* (which points
+// The content of `value` as T: char const* (which may be null), std::int64_t, or map_t* (which points
 // into the value). A value of another kind is a fault, "Problem with key 'KEY': " followed by the
 // typed get's error. With a fault the result is null or 0 and means nothing.
 template <class T, class Value>
 [[nodiscard]] T getFromDataTReportingKey(Value& value, char const* key, Fault& fault) {
-  using Content =
-      std::conditional_t<std::is_same_v<T, map_t*>, map_t,
-                         std::conditional_t<std::is_same_v<T, long long>, std::int64_t, T>>;
+  using content = std::conditional_t<std::is_same_v<T, map_t*>, map_t, T>;
   if (fault) return T();
-  auto* const found = value.template get_if<Content>();
-  if (found == nullptr) {
-    fault.note(problemWithKey(key, value.template report_mismatch<Content>()));
-    return T();
-  }
+  auto* const found = value.template get_if<content>();
+  if (found == nullptr) fault.note(problemWithKey(key, value.template report_mismatch<content>()));
   if constexpr (std::is_same_v<T, map_t*>) {
     return found;
   } else {
-    return *found;
+    return found == nullptr ? T() : *found;
   }
 }
 

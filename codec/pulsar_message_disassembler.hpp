@@ -25,7 +25,8 @@ class PulsarMessageDisassembler {
   // path found", or the typed get's error for a path that is no string.
   [[nodiscard]] const char* getStartCharOfMessageType() const;
 
-  // Frees the metadata, once the resource kind is known. There is no path after this.
+  // Frees the entries of the metadata, once the kind is known; the event may get the table. There is
+  // no path after this.
   void discardMetadata() noexcept { spares_.keep(std::move(notification_.getMetadataMap())); }
 
   // The payload in place. Throws the typed get's error when it is no map.
@@ -34,12 +35,12 @@ class PulsarMessageDisassembler {
   // Moves the payload map out and leaves an empty map. Throws as getPayloadMap does.
   [[nodiscard]] map_t extractRemainingPayload();
 
-  // Holds the "id" that a conversion has extracted, until the event takes it from here.
+  // Holds the extracted "id", so that reduceToId can still use it until the builder takes it.
   [[nodiscard]] data_t& holdId(data_t&& id) noexcept { return id_ = std::move(id); }
 
-  // The payload of a dropped notification: a map with its "id" alone, which reads `text`, or an
-  // empty value for null. Made of the notification's own id, key and table, as far as they are
-  // still here, and of the host's memory otherwise; an empty value without memory.
+  // The payload of a dropped notification, which must be a map: a map with its "id" alone, which
+  // reads `text`, or an empty value for null. Made of the notification's own id, key and table as
+  // far as they are still here, otherwise of the host's memory; an empty value without memory.
   [[nodiscard]] data_t reduceToId(const char* text) noexcept;
 
   // The fault of the notification.

@@ -75,7 +75,7 @@ class SpareParts {
   }
 
   std::uint64_t kept_ = 0; // the slots in use, a bit each
-  slot_t slots_[constant_t::MOST];
+  slot_t slots_[constant_t::MAX_COUNT];
   std::array<map_t, 4> tables_;
   std::size_t kept_tables_ = 0; // the first ones
 };

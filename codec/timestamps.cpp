@@ -1,6 +1,6 @@
 // Two readers. One reads the usual forms, with every character where it belongs, off their fixed
-// positions. The other takes any string through the literal steps, which decide the results of the
-// odd ones. The first gives the same results in a fraction of the time.
+// positions. The other takes any string through the literal steps, which decide the results of
+// unusual forms. The first gives the same results in a fraction of the time.
 //
 // Both count the seconds as timegm does, but without the lock that all threads of a process share
 // there.
@@ -40,6 +40,11 @@ double secondsSinceEpoch(int year, int month, int day, int hour, int minute, int
   return static_cast<double>(time.time_since_epoch().count());
 }
 
+// A zone's offset from UTC in seconds.
+double offsetOf(int hours, int minutes) noexcept {
+  return hours * SECONDS_PER_HOUR + minutes * SECONDS_PER_MINUTE;
+}
+
 // ---- the usual forms: YYYY-MM-DDThh:mm:ss, with or without .mmm, then Z at the end or ±hh:mm
 
 // Reads digits eight characters at once, each a byte of a word:
@@ -57,7 +62,7 @@ class EightCharacters {
     std::memcpy(&word, text, sizeof word);
     if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
     word = (word ^ 0x3030303030303030) & digits; // a digit is its value now
-    // A byte up to 9 stays below 80 with 76 added; one from 80 on is none, with any carry.
+    // A byte up to 9 stays below 80 with 76 added. A byte from 80 on keeps its top bit.
     valid_ = (((word + 0x7676767676767676) | word) & 0x8080808080808080) == 0;
     digits_ = word;
     pairs_ = word * 10 + (word >> 8);
@@ -70,7 +75,7 @@ class EightCharacters {
   [[nodiscard]] int digitAt(int i) const noexcept {
     return static_cast<int>(digits_ >> (8 * i) & 0xFF);
   }
-  // Whether all digits are some.
+  // Whether every required character is a digit.
   [[nodiscard]] bool valid() const noexcept { return valid_; }
 
  private:
@@ -79,11 +84,7 @@ class EightCharacters {
   std::uint64_t pairs_; // byte i: ten times character i plus the next
 };
 
-bool isWithin(int number, int least, int most) noexcept {
-  return least <= number && number <= most;
-}
-
-// `text` has SHORTEST characters and its marks.
+// `text` has at least SHORTEST characters, and its marks.
 boost::optional<double> readUsualDateTime(const char* text) noexcept {
   const EightCharacters date(text, 0x00FFFF00FFFFFFFF);
   const EightCharacters day_time(text + 8, 0xFFFF00FFFF00FFFF);
@@ -95,12 +96,12 @@ boost::optional<double> readUsualDateTime(const char* text) noexcept {
   const int hour = day_time.pairAt(3);
   const int minute = day_time.pairAt(6);
   const int second = seconds.pairAt(5);
-  if (!isWithin(month, 1, 12) || !isWithin(day, 1, 31)) return boost::none;
+  if (month < 1 || month > 12 || day < 1 || day > 31) return boost::none;
   if (hour > 23 || minute > 59 || second > 61) return boost::none; // up to two leap seconds
   return secondsSinceEpoch(year, month, day, hour, minute, second);
 }
 
-// `text` has SHORTEST characters and its marks.
+// `text` has at least SHORTEST characters, and its marks.
 boost::optional<double> readUsualForm(std::string_view text) noexcept {
   const auto date_time = readUsualDateTime(text.data());
   if (!date_time) return boost::none;
@@ -122,11 +123,11 @@ boost::optional<double> readUsualForm(std::string_view text) noexcept {
     const int sign = text[zone] == '-' ? -1 : 1;
     const int hours = sign * hours_minutes.pairAt(2);
     const int minutes = sign * hours_minutes.pairAt(5);
-    offset = hours * SECONDS_PER_HOUR + 0.0 + minutes * SECONDS_PER_MINUTE;
+    offset = offsetOf(hours, minutes);
   } else if (text[zone] != 'Z' || text.size() != zone + 1) {
     return boost::none;
   }
-  return (fraction + *date_time) - offset;
+  return (fraction + *date_time) - offset; // in the order of the literal steps
 }
 
 // ---- the literal steps
@@ -134,7 +135,7 @@ boost::optional<double> readUsualForm(std::string_view text) noexcept {
 // std::stoi decides where a number ends; its exceptions end the parsing.
 int number(std::string_view digits) { return std::stoi(std::string(digits)); }
 
-// The marks between the numbers; whether the numbers are some is strptime's to say.
+// The marks between the numbers; strptime checks the numbers.
 bool hasMarks(std::string_view text) {
   return text[4] == '-' && text[7] == '-' && text[10] == 'T' && text[13] == ':' && text[16] == ':';
 }
@@ -164,7 +165,7 @@ boost::optional<double> readOffset(std::string_view zone) {
   const int h = number(hours);
   int m = number(minutes);
   if (zone.find('-') != std::string_view::npos) m = -m;
-  return h * SECONDS_PER_HOUR + 0.0 + m * SECONDS_PER_MINUTE;
+  return offsetOf(h, m);
 }
 
 // Seconds since the epoch, read as UTC.
@@ -177,7 +178,7 @@ boost::optional<double> readDateTime(std::string_view text) {
                            fields.tm_min, fields.tm_sec);
 }
 
-// `text` has SHORTEST characters and its marks.
+// `text` has at least SHORTEST characters, and its marks.
 boost::optional<double> readLiterally(std::string_view text) {
   const bool has_fraction = text[DATE_TIME_LENGTH] == '.';
   const double fraction = has_fraction ? readFraction(text) : 0.0;
@@ -186,7 +187,7 @@ boost::optional<double> readLiterally(std::string_view text) {
   if (!offset) return boost::none;
   const auto date_time = readDateTime(text);
   if (!date_time) return boost::none;
-  // In this order: next to powers of two another one gives another last bit.
+  // In this order: next to powers of two another order gives another last bit.
   return (fraction + *date_time) - *offset;
 }
 

@@ -5,7 +5,8 @@ namespace com::velanto::connectivity::plugins::pulsar {
 TivraMessageBuilder::TivraMessageBuilder(data_t&& id, data_t&& type, SpareParts& spares)
     : message_(data_t(), spares.takeMap()), fields(spares.takeMap()) {
   addField(DATA_T_id, std::move(id), spares);
-  insertIntoMetadata(DATA_T_vltDOTtype, std::move(type));
+  message_.getMetadataMap().add(DATA_T_vltDOTtype.hash(), DATA_T_vltDOTtype.copy(),
+                                std::move(type));
 }
 
 Message TivraMessageBuilder::getResult(std::unique_ptr<TivraMessageBuilder>&& builder) {

@@ -21,20 +21,20 @@ class TivraMessageBuilder {
   TivraMessageBuilder& operator=(const TivraMessageBuilder&) = delete;
   virtual ~TivraMessageBuilder() = default;
 
-  // Adds a metadata entry under a key that none has so far. Throws std::bad_alloc.
+  // Sets a metadata entry, over any under that key. Throws std::bad_alloc.
   void insertIntoMetadata(const constant_t& key, data_t&& value) {
-    message_.getMetadataMap().add(key.hash(), key.copy(), std::move(value));
+    message_.getMetadataMap().assign(key.with(std::move(value)));
   }
 
   // Adds the field "measurements", unless the notification brought one of that name, and returns
-  // the message. The builder is left empty; its owner still destroys it.
+  // the message. Empties the builder.
   [[nodiscard]] static Message getResult(std::unique_ptr<TivraMessageBuilder>&& builder);
 
  protected:
   // `id` must be a string; `type` names the host event. Takes keys of fields from `spares`.
   TivraMessageBuilder(data_t&& id, data_t&& type, SpareParts& spares);
 
-  // Adds a field of a name that no field has so far.
+  // Adds a field; there must be none of that name.
   void addField(const constant_t& key, data_t&& value, SpareParts& spares) {
     fields.add(key.hash(), spares.take(key), std::move(value));
   }

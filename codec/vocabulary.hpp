@@ -12,8 +12,8 @@
 #ifndef VLT_CODEC_VOCABULARY_HPP
 #define VLT_CODEC_VOCABULARY_HPP
 
-#include <array>
 #include <atomic>
+#include <cstdlib>
 #include <new>
 
 #include "value/hashed_key.hpp"
@@ -22,22 +22,25 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 class constant_t {
  public:
-  static constexpr unsigned MOST = 64;
+  static constexpr unsigned MAX_COUNT = 64;
 
-  // Only while the library is loading, at most MOST times, with a literal.
+  // Only while the library is loading, at most MAX_COUNT times, with a literal.
   explicit constant_t(const char* text) noexcept
       : text_(text), key_(copyOrNothing(text)), number_(made_++) {
+    if (number_ == MAX_COUNT) std::abort(); // better now than in a batch
     all_[number_] = this;
   }
   constant_t(const constant_t&) = delete;
   constant_t& operator=(const constant_t&) = delete;
-  ~constant_t() {} // NOLINT(modernize-use-equals-default): the last user destroys the key
+  // Nothing here, since codecs may still read the constant: the last user destroys the key.
+  ~constant_t() {} // NOLINT(modernize-use-equals-default)
 
   [[nodiscard]] const char* text() const noexcept { return text_; }
   [[nodiscard]] std::uint64_t hash() const noexcept { return key_.hash(); }
-  // Below MOST, and different for every constant.
+  // Below MAX_COUNT, and different for every constant.
   [[nodiscard]] unsigned number() const noexcept { return number_; }
 
+  // Lookups use the stored hash.
   operator key_ref_t() const noexcept { return key_; }
   operator const data_t&() const noexcept { return key_; }
   // A value of its own. Throws std::bad_alloc.
@@ -47,6 +50,7 @@ class constant_t {
 
  private:
   friend class ConstantsUser;
+  friend struct library_user_t;
 
   static data_t copyOrNothing(const char* text) noexcept {
     try {
@@ -56,12 +60,13 @@ class constant_t {
       return {};
     }
   }
-  static void destroyAll() noexcept {
+  static void release() noexcept {
+    if (--users_ > 0) return;
     for (unsigned i = 0; i < made_; ++i) all_[i]->key_.~hashed_key_t();
   }
 
   // NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): no batch changes them
-  static inline std::array<constant_t const*, MOST> all_{};
+  static inline constant_t const* all_[MAX_COUNT] = {};
   static inline unsigned made_ = 0;
   static inline bool lacking_ = false;
   static inline std::atomic<unsigned> users_ = 1; // the loaded library
@@ -74,11 +79,11 @@ class constant_t {
   unsigned number_;
 };
 
-// Keeps the constants alive while it lives: every codec has one, and so has the loaded library.
+// Keeps the constants alive while it lives: every codec has one.
 class ConstantsUser {
  public:
   // Throws std::bad_alloc when there was no memory for one of the constants, or when the last user
-  // has freed them: the library is then of no use until the host loads it again.
+  // has freed them.
   ConstantsUser() {
     unsigned users = constant_t::users_;
     do {
@@ -87,16 +92,12 @@ class ConstantsUser {
   }
   ConstantsUser(const ConstantsUser&) = delete;
   ConstantsUser& operator=(const ConstantsUser&) = delete;
-  ~ConstantsUser() {
-    if (--constant_t::users_ == 0) constant_t::destroyAll();
-  }
-
- private:
-  struct counted_t {};
-  explicit ConstantsUser(counted_t) noexcept {}
-  static const ConstantsUser LIBRARY;
+  ~ConstantsUser() { constant_t::release(); }
 };
-inline const ConstantsUser ConstantsUser::LIBRARY{counted_t()};
+// The same for the loaded library, which is the first user.
+inline const struct library_user_t {
+  ~library_user_t() { constant_t::release(); }
+} LIBRARY_USER;
 
 inline const constant_t DATA_T_("");
 inline const constant_t DATA_T_ACKNOWLEDGED("ACKNOWLEDGED");

@@ -1,7 +1,7 @@
-// Turns a batch call into one call per message. A hook that returns true keeps its message, one
-// that returns false or throws drops it. The kept ones move to the front of the range in their
-// order and go to the next link in one call. The dropped ones come after them, in no particular
-// order: the caller owns the whole range.
+// Turns a batch call into one call per message. A hook that returns true keeps its message; a hook
+// that returns false or throws drops it. Kept messages move to the front of the range in their order
+// and go to the next link in one call. Dropped messages come after them, in no particular order: the
+// caller owns the whole range.
 #ifndef VLT_PLUGIN_ABSTRACT_SIMPLE_CODEC_HPP
 #define VLT_PLUGIN_ABSTRACT_SIMPLE_CODEC_HPP
 

@@ -5,7 +5,7 @@
 //
 //   [before create]  vlt_plugin_api_version_X              version of this interface, 4
 //                    vlt_plugin_product_version_X          static text, not to be freed
-//                    _vlt_plugin_checkIsCodec_X            does nothing; there, it is a codec
+//                    _vlt_plugin_checkIsCodec_X            does nothing; marks a codec
 //   [once]           vlt_create_plugin_with_params_X       the plug-in, or null and a level-2 line
 //   [after create]   vlt_plugin_setNextTowardsHost_X       level 2; a null function is refused and
 //                    vlt_plugin_setNextTowardsTransport_X    the previous link stays
@@ -16,10 +16,10 @@
 //                    vlt_plugin_shutdown_X                 level 3
 //   [last]           vlt_destroy_plugin_X                  always 0
 //
-// Conventions: names, texts and the configuration are borrowed for the call. Null is the empty text
-// for a name, an empty value for the configuration, and for `plugin` a call that does nothing and
-// returns 1 (destroy: 0). A result of 0 is success; 1 is a failure that has been logged at the
-// level shown, after which the plug-in stays usable. No exception leaves any of them.
+// Conventions: names, strings and the configuration are borrowed for the call. Null is the empty
+// string for a name and an empty value for the configuration. With a null plug-in a function does
+// nothing and returns 1 (destroy: 0). A result of 0 is success; 1 is a failure, logged at the level
+// shown. The plug-in stays usable. No exception leaves any of them.
 #ifndef VLT_PLUGIN_ENTRY_POINTS_HPP
 #define VLT_PLUGIN_ENTRY_POINTS_HPP
 
@@ -100,15 +100,15 @@ int hostReady(void* plugin) noexcept {
 }
 
 template <class Codec>
-int sendBatchTowardsHost(void* plugin, Message* first, Message* end) noexcept {
+int sendBatchTowardsHost(void* plugin, Message* start, Message* end) noexcept {
   return guarded<Codec>(plugin, 3, "sendBatchTowardsHost",
-                        [&](Codec& codec) { codec.sendBatchTowardsHost(first, end); });
+                        [&](Codec& codec) { codec.sendBatchTowardsHost(start, end); });
 }
 
 template <class Codec>
-int sendBatchTowardsTransport(void* plugin, Message* first, Message* end) noexcept {
+int sendBatchTowardsTransport(void* plugin, Message* start, Message* end) noexcept {
   return guarded<Codec>(plugin, 3, "sendBatchTowardsTransport",
-                        [&](Codec& codec) { codec.sendBatchTowardsTransport(first, end); });
+                        [&](Codec& codec) { codec.sendBatchTowardsTransport(start, end); });
 }
 
 template <class Codec>

@@ -138,12 +138,12 @@ class data_t {
   [[nodiscard]] T& get();
   template <class T>
   [[nodiscard]] const T& get() const;
-  // The first is null for content of another kind. The second is the exception of get for it, after
-  // its line on standard error if there is one, for callers that note it or add to it.
+  // The content in place, or null for content of another kind.
   template <class T>
   [[nodiscard]] T* get_if() noexcept;
   template <class T>
   [[nodiscard]] const T* get_if() const noexcept;
+  // Returns the exception that get would throw, after its line on standard error.
   template <class T>
   [[nodiscard]] std::runtime_error report_mismatch() const;
 

@@ -6,8 +6,8 @@
 
 namespace com::velanto::connectivity {
 
-std::runtime_error write_mismatch(const data_t& value, const std::type_info& requested,
-                                  std::uint32_t requested_tag) {
+std::runtime_error report_mismatch_of(const data_t& value, const std::type_info& requested,
+                                      std::uint32_t requested_tag) {
   const std::uint32_t actual_tag = value.type_tag();
   if (actual_tag == VLT_TAG_EMPTY || actual_tag > VLT_TAG_BORROWED_STRING) {
     return std::runtime_error("Get from empty");

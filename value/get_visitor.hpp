@@ -36,9 +36,9 @@ inline constexpr std::uint32_t TAG_OF<vlt_underlying_custom_t> = VLT_TAG_CUSTOM;
 // The error of a typed get on `value`: "Get from empty", or the "Incorrect type in get" one. For
 // the latter it writes a line "GetVisitor<T>.operator()(T)" to standard error, with the run-time
 // name of the type asked for; no setting suppresses it.
-[[nodiscard]] std::runtime_error write_mismatch(const data_t& value,
-                                                const std::type_info& requested,
-                                                std::uint32_t requested_tag);
+[[nodiscard]] std::runtime_error report_mismatch_of(const data_t& value,
+                                                    const std::type_info& requested,
+                                                    std::uint32_t requested_tag);
 
 template <class T> // T may be const: a get on a constant value
 struct GetVisitor {
@@ -61,7 +61,7 @@ const T* data_t::get_if() const noexcept {
 
 template <class T>
 std::runtime_error data_t::report_mismatch() const {
-  return write_mismatch(*this, typeid(T), TAG_OF<T>);
+  return report_mismatch_of(*this, typeid(T), TAG_OF<T>);
 }
 
 template <class T>

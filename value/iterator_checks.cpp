@@ -5,7 +5,7 @@
 
 namespace com::velanto::connectivity::iterator_checks {
 
-void report(const char* text) {
+void fail(const char* text) {
   // Read at every fault, not once: the switch takes effect while the process runs.
   if (std::getenv("TV_SKIP_DATA_T_ITERATOR_CHECKS") == nullptr) throw std::runtime_error(text);
 }

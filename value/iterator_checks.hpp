@@ -13,7 +13,7 @@ inline constexpr const char* LIST_MODIFIED = "Iterator invalidated by modifying 
 inline constexpr const char* DIFFERENT_MAPS = "Invalid comparison of iterators into different maps";
 
 // Throws std::runtime_error(text) unless the checks are off; then the operation goes on.
-void report(const char* text);
+void fail(const char* text);
 
 } // namespace com::velanto::connectivity::iterator_checks
 

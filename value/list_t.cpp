@@ -33,7 +33,7 @@ template <bool IS_CONST>
 void list_t::_iterator<IS_CONST>::check() const {
   const bool lost_block = list_ == nullptr || (block_ != nullptr && list_->block_ == nullptr);
   if (lost_block || list_->size() != count_) {
-    iterator_checks::report(iterator_checks::LIST_MODIFIED);
+    iterator_checks::fail(iterator_checks::LIST_MODIFIED);
   }
 }
 

@@ -66,7 +66,7 @@ class list_t::_iterator {
   using pointer = std::conditional_t<IS_CONST, const data_t*, data_t*>;
   using list_pointer = std::conditional_t<IS_CONST, const list_t*, list_t*>;
 
-  // Of no list: equals another one like it, and an iterator of a list that lost its block. Do not
+  // Of no list: equals another one like it; comparing it with an iterator of a list throws. Do not
   // dereference it.
   _iterator() noexcept = default;
   // Points at element `index` of `list`, which must outlive the iterator.

@@ -224,7 +224,7 @@ void map_t::grow() {
 // ---- erasing
 
 void map_t::erase(const iterator& position) {
-  if (position.map_ != this) iterator_checks::report(iterator_checks::DIFFERENT_MAPS);
+  if (position.map_ != this) iterator_checks::fail(iterator_checks::DIFFERENT_MAPS);
   if (position.at_end()) return;
   position.check();
   if (block_ == nullptr) return;
@@ -281,7 +281,7 @@ template <bool IS_CONST>
 void map_t::_iterator<IS_CONST>::check() const {
   const bool valid = map_ != nullptr && map_->slots() == slots_ && map_->capacity() == capacity_ &&
                      static_cast<std::int64_t>(map_->size()) == live_;
-  if (!valid) iterator_checks::report(iterator_checks::MAP_MODIFIED);
+  if (!valid) iterator_checks::fail(iterator_checks::MAP_MODIFIED);
 }
 
 template <bool IS_CONST>
@@ -305,7 +305,7 @@ auto map_t::_iterator<IS_CONST>::operator++() -> _iterator& {
 
 template <bool IS_CONST>
 bool map_t::_iterator<IS_CONST>::operator==(const _iterator& other) const {
-  if (map_ != other.map_) iterator_checks::report(iterator_checks::DIFFERENT_MAPS);
+  if (map_ != other.map_) iterator_checks::fail(iterator_checks::DIFFERENT_MAPS);
   return index_ == other.index_;
 }
 

@@ -47,7 +47,7 @@ struct map_entry_t;
 struct map_slot_t;
 
 // A key with its hash, for the length of a call. A constant (value/hashed_key.hpp) and an entry
-// know their hash; it hashes any other value, and refuses a custom one with std::runtime_error.
+// know their hash. The constructor hashes any other value; a custom one throws std::runtime_error.
 struct key_ref_t {
   key_ref_t(const data_t& any);
   key_ref_t(const hashed_key_t& constant) noexcept;

@@ -12,8 +12,7 @@ namespace com::velanto::connectivity::table_rules {
 inline constexpr std::int64_t FIRST_CAPACITY = 8;
 
 // Where the probing for a key begins; the capacity is not 0. The capacities that tables grow through
-// are constants here: a remainder by one takes a multiplication or two, any other a division of 64
-// bits.
+// are constants here: dividing by a constant compiles to multiplications, which are faster.
 inline std::int64_t home_slot(std::uint64_t hash, std::int64_t capacity) noexcept {
   const auto divisor = static_cast<std::uint64_t>(capacity);
   if ((divisor & (divisor - 1)) == 0) return static_cast<std::int64_t>(hash & (divisor - 1));
@@ -32,7 +31,7 @@ inline std::int64_t home_slot(std::uint64_t hash, std::int64_t capacity) noexcep
 }
 
 // Whether the next insertion makes the table grow: capacity × 0.75 < count, in whole numbers.
-// `count` is that of entries and of deletions.
+// `count` includes deleted slots.
 constexpr bool is_due_to_grow(std::int64_t capacity, std::int64_t count) noexcept {
   return capacity == 0 || 3 * capacity < 4 * count;
 }

@@ -41,7 +41,7 @@ std::unique_ptr<TivraMessageBuilder> convertAlarm(PulsarMessageDisassembler& not
   data_t source = extractField(notification, DATA_T_source);
   data_t& id = notification.holdId(extractField(notification, DATA_T_id));
   const data_t count = extractField(notification, DATA_T_count);
-  const auto count_value = getFromDataTReportingKey<long long>(count, "count", fault);
+  const auto count_value = getFromDataTReportingKey<std::int64_t>(count, "count", fault);
   data_t severity = extractField(notification, DATA_T_severity);
   const AlarmSeverity severity_value = alarmSeverityFromString(
       getFromDataTReportingKey<char const*>(severity, "severity", fault), fault);

@@ -11,7 +11,8 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 namespace {
 
-// Stores the payload's value under `from`, of any kind, as field `to`.
+// Stores the payload's value under `from` as field `to`: the builder a list of strings, this function
+// any other value.
 void addSupported(constant_t const& from, constant_t const& to,
                   PulsarMessageDisassembler& notification, ManagedObjectBuilder& builder) {
   boost::optional<data_t> value = extractFromMapIfPresent(notification.getPayloadMap(), from);
@@ -21,7 +22,7 @@ void addSupported(constant_t const& from, constant_t const& to,
   if (value) builder.fields.assign(to.with(std::move(*value)));
 }
 
-// Numeric components become "position", the others fields of their own; a value that is no map
+// Numeric components become "position", the others fields of their own. A value that is no map
 // vanishes.
 void addPosition(PulsarMessageDisassembler& notification, ManagedObjectBuilder& builder) {
   boost::optional<data_t> position =

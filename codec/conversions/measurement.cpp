@@ -78,16 +78,4 @@ map_t createMeasurementValue(map_t&& series, SpareParts& spares) {
   return std::move(builder).getResult();
 }
 
-void MeasurementValueBuilder::setValue(map_entry_t&& value) {
-  measurement_value_.add(value.hash, std::move(value.key), std::move(value.value));
-}
-
-void MeasurementValueBuilder::setUnits(map_entry_t&& units) {
-  measurement_value_.add(units.hash, std::move(units.key), std::move(units.value));
-}
-
-void MeasurementValueBuilder::setParams(map_t&& params) {
-  measurement_value_.add(DATA_T_params.hash(), DATA_T_params.copy(), std::move(params));
-}
-
 } // namespace com::velanto::connectivity::plugins::pulsar

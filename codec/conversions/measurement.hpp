@@ -21,8 +21,8 @@ class MeasurementMessageBuilder final : public TivraMessageBuilder {
   MeasurementMessageBuilder(data_t&& id, data_t&& source, double time, data_t&& type,
                             SpareParts& spares);
 
-  // Takes the series of a payload entry's value, if that is a valid fragment; of two series of one
-  // name the first stays. Returns whether it did; any other value is left untouched. Throws
+  // Takes the series of a payload entry's value, if that is a valid fragment, and returns whether it
+  // took them. Of two series of one name the first stays. Leaves any other value untouched. Throws
   // std::bad_alloc.
   [[nodiscard]] bool tryAddMeasurementFragment(data_t& candidate, SpareParts& spares);
 
@@ -40,12 +40,16 @@ class MeasurementValueBuilder {
   explicit MeasurementValueBuilder(map_t&& emptied) noexcept
       : measurement_value_(std::move(emptied)) {}
   // Throw std::bad_alloc.
-  void setValue(map_entry_t&& value);
-  void setUnits(map_entry_t&& units);
-  void setParams(map_t&& params);
+  void setValue(map_entry_t&& value) { add(std::move(value)); }
+  void setUnits(map_entry_t&& units) { add(std::move(units)); }
+  void setParams(map_t&& params) { add(DATA_T_params.with(std::move(params))); }
   [[nodiscard]] map_t getResult() && noexcept { return std::move(measurement_value_); }
 
  private:
+  void add(map_entry_t&& entry) {
+    measurement_value_.add(entry.hash, std::move(entry.key), std::move(entry.value));
+  }
+
   map_t measurement_value_;
 };
 

@@ -1,4 +1,4 @@
-// Operation: (1) source, device_id  (2) the source's id  (3) status  (4) builder
+// Operation: (1) source, deviceId  (2) the source's id  (3) status  (4) builder
 //            (5) optional dates  (6) all remaining fields
 // The order is behaviour: the report names the first field that is missing or wrong. The payload's
 // own "id" is a remaining field, so it replaces the "id" made from the deviceId.
@@ -28,7 +28,7 @@ std::unique_ptr<TivraMessageBuilder> convertOperation(PulsarMessageDisassembler&
   Fault& fault = notification.getFault();
   SpareParts& spares = notification.getSpareParts();
   data_t source = extractField(notification, DATA_T_source);
-  data_t device_id = extractField(notification, DATA_T_deviceId);
+  data_t device_id = extractField(notification, DATA_T_deviceId); // the "id" stays in the payload
   data_t source_id = extractSourceId(std::move(source), notification);
   data_t status = extractField(notification, DATA_T_status);
   const OperationStatus status_value = operationStatusFromString(

@@ -101,7 +101,7 @@ TEST_F(SparePartsTest, EveryConstantHasAPlaceOfItsOwn) {
                                                       &DATA_T_severity, &DATA_T_time,
                                                       &DATA_T_WARNING,  &OPERATION_TYPE_DATA_T};
   ASSERT_GE(OPERATION_TYPE_DATA_T.number(), 32u) << "no number beyond half a word";
-  ASSERT_LT(OPERATION_TYPE_DATA_T.number(), constant_t::MOST);
+  ASSERT_LT(OPERATION_TYPE_DATA_T.number(), constant_t::MAX_COUNT);
   std::array<std::uint64_t, 6> blocks{};
   for (std::size_t i = 0; i < 6; ++i) blocks.at(i) = keepCopy(spares, *constants.at(i));
   for (std::size_t i = 0; i < 6; ++i) {

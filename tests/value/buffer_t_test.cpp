@@ -18,7 +18,8 @@ buffer_t buffer_with(const char* content) {
   const auto length = static_cast<std::uint32_t>(std::strlen(content));
   vlt_underlying_buffer_t* const block = standin_make_buffer(length);
   std::memcpy(reinterpret_cast<unsigned char*>(block) + 8, content, length);
-  return buffer_t(block);
+  buffer_t buffer(block);
+  return buffer;
 }
 
 TEST_F(BufferT, DefaultHasNoBytes) { EXPECT_EQ(buffer_t().size(), 0u); }

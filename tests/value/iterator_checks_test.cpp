@@ -10,8 +10,8 @@ namespace com::velanto::connectivity::test {
 namespace {
 
 TEST(IteratorChecks, FaultIsThrownWithItsMessage) {
-  EXPECT_THROW(iterator_checks::report("text"), std::runtime_error);
-  EXPECT_EQ(errorOf([] { iterator_checks::report("text"); }), "text");
+  EXPECT_THROW(iterator_checks::fail("text"), std::runtime_error);
+  EXPECT_EQ(errorOf([] { iterator_checks::fail("text"); }), "text");
 }
 
 TEST(IteratorChecks, MessagesNameTheContainer) {
@@ -25,15 +25,15 @@ TEST(IteratorChecks, AnySettingSkipsTheFault) {
   for (const char* setting : {"1", "0", "false", ""}) {
     SCOPED_TRACE(setting);
     const SkippedChecks skipped(setting);
-    EXPECT_EQ(errorOf([] { iterator_checks::report("text"); }), "nothing thrown");
+    EXPECT_EQ(errorOf([] { iterator_checks::fail("text"); }), "nothing thrown");
   }
 }
 
 TEST(IteratorChecks, SettingIsReadAtEveryFault) {
   { const SkippedChecks skipped; }
-  EXPECT_EQ(errorOf([] { iterator_checks::report("text"); }), "text");
+  EXPECT_EQ(errorOf([] { iterator_checks::fail("text"); }), "text");
   const SkippedChecks skipped;
-  EXPECT_EQ(errorOf([] { iterator_checks::report("text"); }), "nothing thrown");
+  EXPECT_EQ(errorOf([] { iterator_checks::fail("text"); }), "nothing thrown");
 }
 
 } // namespace

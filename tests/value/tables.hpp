@@ -52,7 +52,10 @@ inline std::int64_t slot_of(const map_t& map, const char* key) {
   return -1;
 }
 
-inline map_t table_of(std::int64_t capacity) { return map_t(vlt_allocate_map(capacity)); }
+inline map_t table_of(std::int64_t capacity) {
+  map_t map(vlt_allocate_map(capacity));
+  return map;
+}
 inline void put(const map_t& map, std::int64_t index, std::uint64_t hash, data_t&& key,
                 data_t&& value) {
   map_slot_t& slot = slot_at(map, index);

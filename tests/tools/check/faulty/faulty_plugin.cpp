@@ -158,7 +158,7 @@ void* createReal(const char* name, const char* chain, const vlt_underlying_data_
   ((plugin) == nullptr ? 1         \
                        : vlt_plugin_##operation##_RealCodec(static_cast<front_t*>(plugin)->real))
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the host looks these names up
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the host looks these up
 
 // The version scripts of single builds export these two, all others hide them.
 EXPORT void vlt_plugin_extra_OstroviaNotifications2Codec() {}
@@ -273,4 +273,4 @@ EXPORT int vlt_plugin_sendBatchTowardsTransport_OstroviaNotifications2Codec(void
   if (has(Fault::converts_towards_transport)) return sendTowardsHost(front, start, end);
   return vlt_plugin_sendBatchTowardsTransport_RealCodec(front.real, start, end);
 }
-// NOLINTEND(bugprone-reserved-identifier)
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
