@@ -67,7 +67,7 @@ class HostCalls : public CodecFixture, public ::testing::WithParamInterface<std:
   }
 };
 
-TEST_P(HostCalls, OfAConvertedMessageAreThoseOfTheTable) {
+TEST_P(HostCalls, MatchTheTable) {
   std::vector<std::ptrdiff_t> sizes;
   const auto codec = linkedCodec(sizes);
   Message message = example(GetParam());
@@ -101,9 +101,9 @@ TEST_P(HostCalls, OwnMemoryIsTheBuilderAlone) {
 INSTANTIATE_TEST_SUITE_P(Kinds, HostCalls, ::testing::Range(std::size_t{0}, std::size(EXAMPLES)),
                          [](const auto& kind) { return std::string(EXAMPLES[kind.param].kind); });
 
-using HostCallsOfOthers = CodecFixture;
+using Costs = CodecFixture;
 
-TEST_F(HostCallsOfOthers, PassingMessageCostsNothing) {
+TEST_F(Costs, PassingMessageCostsNothing) {
   const auto codec = CodecFixture::codec();
   Message messages[] = {Message(mapOf("id", text("1")), mapOf("other", text("a/b/alarms/1"))),
                         Message(data_t(), mapOf("pulsarPath", text("a/b/alarms/1")))};
@@ -115,7 +115,7 @@ TEST_F(HostCallsOfOthers, PassingMessageCostsNothing) {
   EXPECT_EQ(allocationsMade() - before, 0);
 }
 
-TEST_F(HostCallsOfOthers, NothingIsRenderedBelowTheLevelOfTheTrace) {
+TEST_F(Costs, NothingIsRenderedBelowTraceLevel) {
   standin_set_log_level(CATEGORY, 5);
   const auto codec = CodecFixture::codec();
   Message message = alarm();
@@ -125,7 +125,7 @@ TEST_F(HostCallsOfOthers, NothingIsRenderedBelowTheLevelOfTheTrace) {
   EXPECT_EQ(standin_calls(STANDIN_LOG_AT), 0);
 }
 
-TEST_F(HostCallsOfOthers, NothingIsFormattedForADroppedMessageBelowTheLevelOfReports) {
+TEST_F(Costs, NothingIsFormattedBelowReportLevel) {
   // What the exception itself takes is the same at both levels.
   std::int64_t made[2]{};
   std::int64_t lines[2]{};

@@ -24,7 +24,7 @@ class Failures : public CodecFixture {
   }
 };
 
-TEST_F(Failures, WithoutAnExceptionInFlightNothingIsReported) {
+TEST_F(Failures, NoExceptionInFlightMeansNoReport) {
   Message message(mapOf("id", text("1")));
   const auto codec = CodecFixture::codec();
   EXPECT_FALSE(codec->handleException(message, false));
@@ -42,7 +42,7 @@ void reportInFlight(OstroviaNotifications2Codec& codec, Message& message, bool t
   }
 }
 
-TEST_F(Failures, ReportNamesTheDirectionAndWhatIsKnownOfTheException) {
+TEST_F(Failures, ReportNamesDirectionIdAndCause) {
   const auto codec = CodecFixture::codec();
   Message named(mapOf("id", borrowed("1")));
   Message unnamed(text("id"));
@@ -65,7 +65,7 @@ bool isUntouchedOrOnlyItsId(const Message& message, map_t (*example)()) {
                  : message.getPayload() == example() && message.getMetadataMap().size() == 1;
 }
 
-TEST_F(Failures, ExhaustedMemoryDropsOneMessageAndTheBatchGoesOn) {
+TEST_F(Failures, ExhaustedMemoryDropsOnlyOneMessage) {
   const auto codec = CodecFixture::codec();
   std::vector<std::ptrdiff_t> sizes;
   codec->setNextTowardsHost(std::make_unique<CountingLink>(sizes));
@@ -90,7 +90,7 @@ TEST_F(Failures, ExhaustedMemoryDropsOneMessageAndTheBatchGoesOn) {
   EXPECT_GT(dropped_events, 5);
 }
 
-TEST_F(Failures, MemoryThatStaysExhaustedDropsEveryMessageWithOneReportEach) {
+TEST_F(Failures, LastingExhaustionDropsAndReportsEveryMessage) {
   const auto codec = CodecFixture::codec();
   std::vector<std::ptrdiff_t> sizes;
   codec->setNextTowardsHost(std::make_unique<CountingLink>(sizes));
@@ -146,7 +146,7 @@ TEST_F(Failures, WithoutMemoryTheFaultIsStillReported) {
   }
 }
 
-TEST_F(Failures, IdThatTheBuilderTookIsLostWithoutMemory) {
+TEST_F(Failures, TakenIdIsLostWithoutMemory) {
   const auto codec = CodecFixture::codec();
   Message message = alarm();
   standin_fail_allocations_from(2); // the first one is the event's type

@@ -43,7 +43,7 @@ class DecimalComma {
   bool installed_ = install();
 };
 
-TEST_F(NumericTest, DecimalCommaOfTheLocaleIsFollowed) {
+TEST_F(NumericTest, FollowsTheLocalesDecimalComma) {
   const DecimalComma locale;
   if (!locale.installed()) GTEST_SKIP() << "no locale with a decimal comma is installed";
   EXPECT_TRUE(numeric(",5"));

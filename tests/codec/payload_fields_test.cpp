@@ -28,7 +28,7 @@ TEST_F(Extract, PresentEntryIsReturnedAndRemoved) {
   EXPECT_EQ(map.size(), 1U);
 }
 
-TEST_F(Extract, SourceIdKeepsItsKeyAsASparePart) {
+TEST_F(Extract, SourceIdLeavesItsKeyAsSpare) {
   PulsarMessageDisassembler notification = wrapped(mapOf());
   data_t source = mapOf("name", text("dev"), "id", text("7"));
   const std::uint64_t key = keyBlockOf(source.get<map_t>(), text("id"));

@@ -51,7 +51,7 @@ TEST_F(Disassembler, PayloadThatIsNoMapIsReported) {
 
 // ---- what a dropped notification leaves
 
-TEST_F(OnlyId, IsMadeOfTheNotificationsOwnBlocks) {
+TEST_F(OnlyId, UsesTheNotificationsOwnBlocks) {
   for (const bool extracted : {false, true}) {
     map_t payload = mapOf("a", listOf(whole(1)), "id", text("4711"), "b", text("x"));
     const std::uint64_t id = blockOf(at(payload, "id"));
@@ -76,7 +76,7 @@ TEST_F(OnlyId, NothingIsLeftWithoutAnId) {
   EXPECT_TRUE(notification.reduceToId(nullptr).empty());
 }
 
-TEST_F(OnlyId, BorrowedIdIsLeftAsAnOwnedOne) {
+TEST_F(OnlyId, BorrowedIdBecomesOwned) {
   PulsarMessageDisassembler notification = wrapped(mapOf("id", borrowed("4711")));
   EXPECT_TRUE(same(notification.reduceToId("4711"), mapOf("id", text("4711"))));
 }
@@ -89,7 +89,7 @@ TEST_F(OnlyId, NullTextStaysOne) {
   EXPECT_EQ(id.get<const char*>(), nullptr);
 }
 
-TEST_F(OnlyId, IdThatTheEventTookIsMadeAgain) {
+TEST_F(OnlyId, TakenIdIsMadeAgain) {
   // The text of the id, its key and the table.
   for (const std::uint64_t n : {0U, 1U, 2U, 3U}) {
     PulsarMessageDisassembler notification = wrapped(map_t());

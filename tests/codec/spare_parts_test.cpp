@@ -15,7 +15,7 @@ namespace {
 
 using namespace plugins::pulsar;
 
-using SparePartsTest = HostFixture;
+using Spares = HostFixture;
 
 // Keeps a copy of the constant; returns its block.
 std::uint64_t keepCopy(SpareParts& spares, const constant_t& constant) {
@@ -35,7 +35,7 @@ std::uint64_t keepTable(SpareParts& spares) {
 
 // ---- copies
 
-TEST_F(SparePartsTest, KeptCopyComesBackInItsBlock) {
+TEST_F(Spares, KeptCopyComesBackInItsBlock) {
   SpareParts spares;
   data_t copy = text("id");
   const std::uint64_t block = blockOf(copy);
@@ -48,7 +48,7 @@ TEST_F(SparePartsTest, KeptCopyComesBackInItsBlock) {
   EXPECT_TRUE(same(taken, text("id")));
 }
 
-TEST_F(SparePartsTest, WithoutACopyANewOneIsMade) {
+TEST_F(Spares, MissingCopyIsMade) {
   SpareParts spares;
   const std::int64_t before = standin_live_blocks_total();
   const data_t taken = spares.take(DATA_T_id);
@@ -57,7 +57,7 @@ TEST_F(SparePartsTest, WithoutACopyANewOneIsMade) {
   EXPECT_EQ(standin_live_blocks_total(), before + 1);
 }
 
-TEST_F(SparePartsTest, CopyIsTakenOnceOnly) {
+TEST_F(Spares, CopyIsTakenOnceOnly) {
   SpareParts spares;
   const std::uint64_t block = keepCopy(spares, DATA_T_id);
   const data_t first = spares.take(DATA_T_id);
@@ -67,7 +67,7 @@ TEST_F(SparePartsTest, CopyIsTakenOnceOnly) {
   EXPECT_TRUE(same(second, text("id")));
 }
 
-TEST_F(SparePartsTest, CopyCanBeKeptAgainAfterItWasTaken) {
+TEST_F(Spares, TakenCopyCanBeKeptAgain) {
   SpareParts spares;
   keepCopy(spares, DATA_T_id);
   data_t taken = spares.take(DATA_T_id);
@@ -76,7 +76,7 @@ TEST_F(SparePartsTest, CopyCanBeKeptAgainAfterItWasTaken) {
   EXPECT_EQ(blockOf(spares.take(DATA_T_id)), block);
 }
 
-TEST_F(SparePartsTest, SecondCopyIsFreed) {
+TEST_F(Spares, SecondCopyIsFreed) {
   SpareParts spares;
   const std::uint64_t block = keepCopy(spares, DATA_T_id);
   data_t second = text("id");
@@ -87,7 +87,7 @@ TEST_F(SparePartsTest, SecondCopyIsFreed) {
   EXPECT_EQ(blockOf(spares.take(DATA_T_id)), block);
 }
 
-TEST_F(SparePartsTest, BorrowedStringIsNotKept) {
+TEST_F(Spares, BorrowedStringIsNotKept) {
   SpareParts spares;
   data_t copy = borrowed("id");
   spares.keep(DATA_T_id, std::move(copy));
@@ -95,7 +95,7 @@ TEST_F(SparePartsTest, BorrowedStringIsNotKept) {
   EXPECT_EQ(spares.take(DATA_T_id).type_tag(), std::uint32_t{VLT_TAG_STRING});
 }
 
-TEST_F(SparePartsTest, EveryConstantHasAPlaceOfItsOwn) {
+TEST_F(Spares, EveryConstantHasItsOwnPlace) {
   SpareParts spares;
   const std::array<const constant_t*, 6> constants = {&DATA_T_,         &DATA_T_ACTIVE,
                                                       &DATA_T_severity, &DATA_T_time,
@@ -111,7 +111,7 @@ TEST_F(SparePartsTest, EveryConstantHasAPlaceOfItsOwn) {
   }
 }
 
-TEST_F(SparePartsTest, CopiesLeftOverAreFreed) {
+TEST_F(Spares, CopiesLeftOverAreFreed) {
   const std::int64_t before = standin_live_blocks_total();
   {
     SpareParts spares;
@@ -126,7 +126,7 @@ TEST_F(SparePartsTest, CopiesLeftOverAreFreed) {
 
 // ---- tables
 
-TEST_F(SparePartsTest, KeptTableComesBackEmptied) {
+TEST_F(Spares, KeptTableComesBackEmptied) {
   SpareParts spares;
   map_t map = mapOf("a", text("1"), "b", listOf(text("2")), "c", text("3"));
   remove(map, "a");
@@ -141,7 +141,7 @@ TEST_F(SparePartsTest, KeptTableComesBackEmptied) {
   for (std::int64_t i = 0; i < 8; ++i) EXPECT_TRUE(slot_at(taken, i).is_free()) << i;
 }
 
-TEST_F(SparePartsTest, WithoutATableTheMapHasNone) {
+TEST_F(Spares, WithoutATableTheMapHasNone) {
   SpareParts spares;
   standin_reset_calls();
   EXPECT_EQ(spares.takeMap().table(), nullptr);
@@ -150,7 +150,7 @@ TEST_F(SparePartsTest, WithoutATableTheMapHasNone) {
   EXPECT_EQ(standin_calls_total(), 0);
 }
 
-TEST_F(SparePartsTest, TablesOfOtherCapacitiesAreFreed) {
+TEST_F(Spares, TablesOfOtherCapacitiesAreFreed) {
   for (const std::int64_t capacity : {0, 7, 9, 16}) {
     SCOPED_TRACE(capacity);
     SpareParts spares;
@@ -164,7 +164,7 @@ TEST_F(SparePartsTest, TablesOfOtherCapacitiesAreFreed) {
   }
 }
 
-TEST_F(SparePartsTest, FifthTableIsFreed) {
+TEST_F(Spares, FifthTableIsFreed) {
   SpareParts spares;
   const std::int64_t before = standin_live_blocks_total();
   std::set<std::uint64_t> kept;
@@ -182,7 +182,7 @@ TEST_F(SparePartsTest, FifthTableIsFreed) {
   EXPECT_EQ(spares.takeMap().table(), nullptr);
 }
 
-TEST_F(SparePartsTest, TableOfAnEmptiedMapIsKept) {
+TEST_F(Spares, TableOfAnEmptiedMapIsKept) {
   SpareParts spares;
   map_t map = mapOf("a", text("1"), "b", text("2"));
   remove(map, "a");

@@ -23,7 +23,7 @@ TEST_F(Builder, IdAndTypeAreMoved) {
             static_cast<std::uint32_t>(VLT_TAG_BORROWED_STRING));
 }
 
-TEST_F(Builder, NewMetadataIsAddedBesideTheTypeAndMoved) {
+TEST_F(Builder, NewMetadataMovesInBesideTheType) {
   data_t value = listOf(whole(1));
   const std::uint64_t block = blockOf(value);
   auto builder = std::make_unique<PlainBuilder>();
@@ -36,7 +36,7 @@ TEST_F(Builder, NewMetadataIsAddedBesideTheTypeAndMoved) {
   EXPECT_EQ(blockOf(at(metadata, "vlt.channel")), block);
 }
 
-TEST_F(Builder, IsLeftEmptyAndStillOwnedByTheCaller) {
+TEST_F(Builder, IsEmptiedButStaysWithTheCaller) {
   std::unique_ptr<TivraMessageBuilder> builder = std::make_unique<PlainBuilder>();
   builder->measurements[text("T")] = real(1);
   (void)TivraMessageBuilder::getResult(std::move(builder));
@@ -51,7 +51,7 @@ static_assert(sizeof(MeasurementMessageBuilder) == sizeof(TivraMessageBuilder));
 static_assert(sizeof(OperationMessageBuilder) == sizeof(TivraMessageBuilder));
 static_assert(sizeof(ManagedObjectBuilder) == sizeof(TivraMessageBuilder));
 
-TEST_F(Builder, MembersStandInTheOrderMeasurementsMessageFields) {
+TEST_F(Builder, MembersAreMeasurementsMessageFieldsInOrder) {
   const PlainBuilder builder;
   const auto offset = [&](const map_t& member) {
     return reinterpret_cast<const char*>(&member) - reinterpret_cast<const char*>(&builder);

@@ -97,7 +97,7 @@ TEST(Constants, EventTypesHoldTheirTexts) {
   });
 }
 
-TEST(Constants, PlainTextsAreTheWordsOfTheirNames) {
+TEST(Constants, PlainTextsMatchTheirNames) {
   EXPECT_STREQ(STR_Notifications2Codec, "Notifications2Codec");
   EXPECT_STREQ(STR_measurementSplittingChannel, "measurementSplittingChannel");
   EXPECT_STREQ(STR_ostroviaDOTmeasurements, "ostrovia.measurements");

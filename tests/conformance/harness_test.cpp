@@ -99,12 +99,12 @@ TEST(HarnessComparison, TellsMissingAndExtraEntries) {
             "it.1: integer 2 / no such entry");
 }
 
-TEST(HarnessComparison, MapWithoutATableIsOneWithoutEntriesButNotTheReverse) {
+TEST(HarnessComparison, NullMapPassesForEmptyNotReversed) {
   EXPECT_EQ(between("{}", R"({"$null_map": true})"), "");
   EXPECT_EQ(between(R"({"$null_map": true})", "{}"), "it: no table / a table of 0");
 }
 
-TEST(HarnessComparison, TellsAKeyThatALookupDoesNotFind) {
+TEST(HarnessComparison, TellsKeysThatLookupsMiss) {
   map_t map(vlt_allocate_map(8));
   auto* const table = const_cast<vlt_underlying_map_table_t*>(map.table());
   const std::uint64_t home = hashes::key_hash(text("a")) % 8;
@@ -136,7 +136,7 @@ TEST(HarnessFormat, MarkersGiveTheValuesTheyName) {
   EXPECT_EQ(decoder.decode(json(R"({"$map": [[5, "x"]]})")), data_t(mapOf(whole(5), text("x"))));
 }
 
-TEST(HarnessFormat, OrderedEntriesLieInTheirOrderAndAreAllFound) {
+TEST(HarnessFormat, OrderedEntriesKeepOrderAndAreFound) {
   ValueDecoder decoder;
   const map_t map =
       decoder.decodeMap(json(R"({"$ordered": [["c", 1], ["a", 2], ["b", 3]]})"), "it");
@@ -181,7 +181,7 @@ TEST(HarnessFormat, MistakesInALineAreNamed) {
   for (const auto& row : rows) EXPECT_EQ(faultOf(row.line), row.fault) << row.line;
 }
 
-TEST(HarnessFormat, LogLinesGetTheLabelOfThePlugin) {
+TEST(HarnessFormat, LogLinesGetThePluginsLabel) {
   const case_t read =
       readCase(json(R"({"name": "a", "in": [], "out": [], "log": ["3 a text", "-1 b"]})"));
   const std::string category = "connectivity.codec.chain";
@@ -189,7 +189,7 @@ TEST(HarnessFormat, LogLinesGetTheLabelOfThePlugin) {
                                              "-1 " + category + " <" + category + "> b"}));
 }
 
-TEST(HarnessFormat, MessagesThatAreExpectedAsTheyWereSentPass) {
+TEST(HarnessFormat, OnlyUnchangedMessagesPass) {
   EXPECT_TRUE(
       readCase(json(R"({"name": "a", "in": [{"payload": 1}], "out": [{"payload": 1}]})")).passes);
   EXPECT_FALSE(

@@ -29,7 +29,7 @@ void expectTexts(constant_t const& (*to_text)(Enumeration),
   }
 }
 
-TEST_F(Texts, ValuesOfTheEnumerationsHaveTheirTextsInOrder) {
+TEST_F(Texts, FollowTheOrderOfTheValues) {
   expectTexts(alarmSeverityToDataTString, {"CRITICAL", "MAJOR", "MINOR", "WARNING"});
   expectTexts(alarmStatusToDataTString, {"ACTIVE", "ACKNOWLEDGED", "CLEARED"});
   expectTexts(operationStatusToDataTString, {"SUCCESSFUL", "FAILED", "EXECUTING", "PENDING"});

@@ -10,7 +10,7 @@ using namespace connectivity::test;
 
 class ExhaustedMemory : public HostFixture, public ::testing::WithParamInterface<std::size_t> {};
 
-TEST_P(ExhaustedMemory, IsBadAllocWhicheverAllocationFailsAndNothingLeaks) {
+TEST_P(ExhaustedMemory, IsBadAllocAndLeaksNothing) {
   const example_t& example = EXAMPLES[GetParam()];
   const std::int64_t live_before = standin_live_blocks_total();
   map_t payload = example.payload();

@@ -27,7 +27,7 @@ map_t singleAssignments(const map_t& payload) {
   return fields;
 }
 
-TEST_F(ManagedObjectConversion, ManyFieldsLieAsSingleAssignmentsLeaveThem) {
+TEST_F(ManagedObjectConversion, PlacesFieldsAsSingleAssignmentsDo) {
   for (int count = 0; count <= 80; ++count) {
     SCOPED_TRACE(std::to_string(count) + " further fields");
     map_t payload = bare();
@@ -40,7 +40,7 @@ TEST_F(ManagedObjectConversion, ManyFieldsLieAsSingleAssignmentsLeaveThem) {
   }
 }
 
-TEST_F(ManagedObjectBuilding, ListOfStringsIsStoredAnyOtherIsHandedBack) {
+TEST_F(ManagedObjectBuilding, StoresOnlyListsOfStrings) {
   SpareParts spares;
   ManagedObjectBuilder builder(text("1"), text("n"), spares);
   data_t clean = listOf(text("a"), borrowed("b"), nullText());

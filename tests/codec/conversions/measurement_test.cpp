@@ -21,7 +21,7 @@ class FragmentIntake : public HostFixture {
   MeasurementMessageBuilder builder_{text("1"), text("7"), 0.5, text("t"), spares_};
 };
 
-TEST_F(MeasurementValue, ParamsAreTheSeriesOwnTableTombstonesIncluded) {
+TEST_F(MeasurementValue, ParamsAreTheSeriesOwnTable) {
   map_t series = mapOf("value", whole(1), "units", text("C"), "a", whole(2), "b", whole(3), "c",
                        whole(4), "d", whole(5), "e", whole(6), "f", whole(7), "g", whole(8));
   remove(series, "a");
@@ -35,7 +35,7 @@ TEST_F(MeasurementValue, ParamsAreTheSeriesOwnTableTombstonesIncluded) {
   EXPECT_EQ(table->live, 6);
 }
 
-TEST_F(MeasurementValue, ParamsKeepTheTableAlsoWhenNothingIsLeft) {
+TEST_F(MeasurementValue, EmptyParamsKeepTheTable) {
   map_t series = mapOf("value", whole(1));
   const vlt_underlying_map_table_t* const table = series.table();
   map_t value = valueOf(std::move(series));

@@ -67,7 +67,7 @@ constexpr moved_t MOVED[] = {
 
 using Ownership = HostFixture;
 
-TEST_F(Ownership, BlocksOfAnEventAreTheNotificationsOwn) {
+TEST_F(Ownership, BlocksMoveIntoTheEvent) {
   for (const moved_t& row : MOVED) {
     const auto* const example =
         std::find_if(std::begin(EXAMPLES), std::end(EXAMPLES),
