@@ -8,9 +8,8 @@
 extern "C" {
 #endif
 
-/* [after create, never within a batch] Takes over the entries of `table` for the reporter `handle`;
- * reads the table before it returns and does not keep it: the caller still owns it. Never throws.
- */
+/* [after create, never within a batch] Reports the entries of `table` as the status of the reporter
+ * `handle`. Reads the table before it returns; the caller still owns it. Never throws. */
 void vlt_set_user_status_map(void* handle, const vlt_underlying_map_table_t* table);
 
 #ifdef __cplusplus

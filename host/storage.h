@@ -18,9 +18,9 @@ extern "C" {
  */
 vlt_underlying_map_table_t* vlt_allocate_map(int64_t capacity);
 
-/* [any time] Moves the live entries of `table`, in slot order, by their stored hashes (start at
- * hash mod capacity, probe upwards, wrap) into a table of `new_capacity` slots. Drops the
- * tombstones. Returns the new table, the old pointer is dead. Null: exhausted, the old table
+/* [any time] Moves the live entries of `table`, in slot order, into a table of `new_capacity` slots.
+ * Places them by their stored hashes: starts at hash mod capacity, probes upwards, wraps. Leaves
+ * out deleted slots. Returns the new table, the old pointer is dead. Null: exhausted, the old table
  * stays as it is. */
 vlt_underlying_map_table_t* vlt_reallocate_map(vlt_underlying_map_table_t* table,
                                                int64_t new_capacity);

@@ -11,13 +11,13 @@ constinit thread_local thread_counters_t thread_counters;
 
 namespace {
 
-std::mutex counts_lock; // guards all that follows in this namespace
+std::mutex counts_lock; // guards the variables below
 thread_counters_t* running_threads = nullptr;
 std::array<int64_t, COUNTER_COUNT> ended_totals{};
 std::array<int64_t, COUNTER_COUNT> calls_at_reset{};
 
-// A destructor of a pthread key and not of a C++ object: it runs after the destructors of all C++
-// thread-local objects, which may still free values.
+// The destructor of a pthread key, because that runs after the destructors of all C++ thread-local
+// objects. These may still free values.
 void endThread(void* ended) {
   auto& thread = *static_cast<thread_counters_t*>(ended);
   const std::lock_guard guard(counts_lock);

@@ -1,8 +1,8 @@
 // Counts live blocks and host calls without slowing the counted threads: each thread writes
 // counters of its own, and a reader adds up all threads.
 //
-//   running threads   a list of counters, each in its thread's own storage
-//   ended threads     one set of totals; a thread adds its counters there when it ends
+//   running threads   a list of counters, each in its thread's own storage.
+//   ended threads     one set of totals. A thread adds its counters there when it ends.
 //
 // One thread may free a block of another. So one thread's count of live blocks may be negative;
 // only the sum means something.

@@ -12,7 +12,7 @@ namespace standin {
 
 namespace {
 
-// The largest size in the cache that the C library's heap has for each thread; its calloc goes past
+// The largest size in the cache that the C library's heap has for each thread. Its calloc bypasses
 // that cache, at least up to glibc 2.36.
 constexpr std::size_t CACHED_SIZE = 1032;
 

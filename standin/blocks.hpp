@@ -18,16 +18,16 @@ struct custom_object_t {
 };
 
 // Null: exhausted, or an impossible size (negative, or beyond the address space).
-// A map's slots are free and its counts 0; a list has count 0 and empty elements; a buffer's bytes
-// are 0; a string's bytes are undefined and it has room for `length` of them and the NUL.
+// A map's slots are free and its counts 0. A list has count 0 and empty elements. A buffer's bytes
+// are 0. A string has room for `length` undefined bytes and the NUL.
 vlt_underlying_map_table_t* makeMap(int64_t capacity) noexcept;
 vlt_underlying_vector_t* makeList(int64_t capacity) noexcept;
 vlt_underlying_buffer_t* makeBuffer(uint32_t length) noexcept;
 char* makeString(std::size_t length) noexcept;
 custom_object_t* makeCustom(uint64_t label) noexcept;
 
-// Releases blocks, and counts all of them at the end of its life: that costs next to nothing for
-// each, and a message has some fifty.
+// Releases blocks, and counts all of them at the end of its life. A message has some fifty blocks,
+// so counting each would cost more.
 class Release {
  public:
   Release() = default;

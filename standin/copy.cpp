@@ -1,9 +1,11 @@
 // Deep copies:
-// (1) make the block of a copy when the walk reaches its value;
-// (2) let the copy of a list or map wait, empty, in a stack threaded through the copies, with its
-//     source as note;
-// (3) take each off and fill it, which may make further copies wait.
-// When memory runs out, the waiting copies become empty containers, and freeing the partial copy
+//
+// (1) Make the block of a copy when the walk reaches its value.
+// (2) Put the empty copy of a list or map on a stack threaded through the copies. Its note is its
+//     source.
+// (3) Pop each copy and fill it, which may push further copies.
+//
+// When memory runs out, the copies on the stack become empty containers, and freeing the partial copy
 // works as for any value.
 #include <algorithm>
 #include <cstring>

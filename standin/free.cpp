@@ -1,7 +1,8 @@
 // Freeing:
-// (1) release a value's own block at once when it holds no further values;
-// (2) let lists and maps wait in a stack threaded through them;
-// (3) take each off, treat its values as in (1) and (2), and then release its block.
+//
+// (1) Release a value's own block at once when it holds no further values.
+// (2) Put lists and maps on a stack threaded through them.
+// (3) Pop each container, treat its values as in (1) and (2), and then release its block.
 #include "standin/free.hpp"
 
 #include "standin/accounting.hpp"

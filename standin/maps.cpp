@@ -1,8 +1,8 @@
 // Map tables as the host makes and resizes them. Lookup, insertion and erasure are the plug-in's
-// own; both sides share only the rule for the place of an entry:
+// own. Both sides share only the rule for the place of an entry:
 //
-//   home slot   hash mod capacity, unsigned
-//   probing     home, home + 1, ..., from the last slot on to slot 0, until a free slot
+//   home slot   hash mod capacity, unsigned.
+//   probing     home, home + 1, ..., until a free slot. After the last slot comes slot 0.
 #include "standin/accounting.hpp"
 #include "standin/blocks.hpp"
 #include "standin/interface.hpp"
@@ -12,15 +12,15 @@ namespace standin {
 
 namespace {
 
-// Counted and not read from the head: a table that claims fewer entries than it has must not send
-// the placing below round a full table for ever.
+// Counts the entries instead of trusting the head. With a count that is too low, place() would
+// probe a full table for ever.
 int64_t countLive(const vlt_underlying_map_table_t& table) noexcept {
   int64_t live = 0;
   for (int64_t i = 0; i < table.capacity; ++i) live += isLive(slotsOf(&table)[i]) ? 1 : 0;
   return live;
 }
 
-// The table has a free slot and no tombstones.
+// The table has a free slot and no deleted ones.
 void place(vlt_underlying_map_table_t& table, const slot_t& entry) noexcept {
   const auto capacity = static_cast<uint64_t>(table.capacity);
   slot_t* slots = slotsOf(&table);

@@ -3,9 +3,10 @@
 // ask for memory.
 //
 //   list, map    0 head (16 or 32 bytes)
-//   waiting      0 next: address of the block below, its lowest bit set for a map (8)   8 note (8)
+//   waiting      0 next (8)   8 note (8)
 //
-// A waiting block loses its first 16 bytes; the note carries the part that is still needed.
+// `next` is the address of the block below; its lowest bit is set for a map. A waiting block loses
+// its first 16 bytes; the note carries the part that is still needed.
 #ifndef VLT_STANDIN_PENDING_BLOCKS_HPP
 #define VLT_STANDIN_PENDING_BLOCKS_HPP
 

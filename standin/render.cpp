@@ -1,9 +1,11 @@
 // Rendering:
-// (1) append a value without further values at once;
-// (2) open a list or map and put it on a stack of open containers;
-// (3) let the topmost container render its next element, key or value, or close it.
+//
+// (1) Append a value without further values at once.
+// (2) Open a list or map and put it on a stack of open containers.
+// (3) Render the next element, key or value of the topmost container, or close it.
+//
 // That stack is on the heap. Rendering must not write to values, so the stack cannot be threaded
-// through them, and the thread's own stack is too small for the deepest messages.
+// through them. The thread's own stack is too small for the deepest messages.
 #include "standin/render.hpp"
 
 #include <array>

@@ -6,12 +6,11 @@
 //   double           the shortest form that reads back as the same number, "5.0" when whole
 //   integer          decimal digits
 //   decimal          decimal(0x0123456789abcdef), the 8 bytes as one number
-//   string           in quotes; escaped \" \\ \n \r \t, other control characters as \u00xx; a null
-//                    text as ""
+//   string           in quotes, with the escapes \" \\ \n \r \t, and \u00xx for other control
+//                    characters. A null text is "".
 //   list             [a, b]
-//   map              {key: value, key: value} in slot order: the same for the same table, though
-//   not
-//                    for equal maps with another history. Sorting would cost memory and time.
+//   map              {key: value, key: value} in slot order, so equal maps may differ here.
+//                    Sorting would cost memory and time.
 //   buffer           buffer(12 bytes)
 //   custom           custom
 //   unknown          unknown(11), with the tag

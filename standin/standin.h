@@ -1,17 +1,15 @@
-/* The functions of the development host library beyond the host's interface: counts, failures on
- * demand, control over logging and hashing, makers for the kinds of value that only a host makes.
+/* The functions of the development host library beyond the host's interface:
  *
- *   blocks     of the library that are live
- *   calls      of each host function
+ *   blocks     counts of the library's live blocks
+ *   calls      counts for each host function
  *   failures   the n-th allocation refused
  *   hashing    another string hash, for tests
  *   logging    levels, and the sinks of lines and user status
- *   makers     lists, buffers, custom objects
+ *   makers     lists, buffers, custom objects: the kinds of value that only a host makes
  *
- * The host functions keep the contracts of the host headers, and some more:
- * a null source, string or category reads as an empty one; a negative size counts as
- * exhausted; copying, freeing and rendering accept values with unknown tags, null blocks or
- * null strings.
+ * The host functions keep the contracts of the host headers, and some more. A null source, string
+ * or category reads as an empty one. A negative size counts as exhausted. Copying, freeing and
+ * rendering accept values with unknown tags, null blocks or null strings.
  *
  * Conventions: no function throws, and a function handed in must not throw either. Several threads
  * may call all of them at once. [any time] means from load to the end of the process: the
@@ -76,9 +74,9 @@ void standin_reset_calls(void);
 
 /* ---- Failures -------------------------------------------------------------------------------- */
 
-/* An allocation is every request for memory made on behalf of a value: each block, in every
- * function that makes blocks, and the working memory of vlt_data_to_string (its string grows by
- * doubling). Memory for the library itself (levels, log lines) does not count. */
+/* An allocation is every request for memory on behalf of a value. That includes each block, in
+ * every function that makes blocks. It includes the working memory of vlt_data_to_string, whose
+ * string grows by doubling. Memory for the library itself (levels, log lines) does not count. */
 
 /* [any time] Refuses the n-th allocation from now (1: the next one) of all threads; later ones
  * succeed. 0 switches refusing off. Replaces an earlier request. */
@@ -118,8 +116,8 @@ typedef void (*standin_log_sink_t)(void* context, const char* category, vlt_log_
 
 /* [any time] Sends the lines of vlt_log_at to `sink` with `context` (not owned). Null restores the
  * default, which writes each line to standard error in one write. The sink gets lines of all
- * levels: the caller has to filter by the level that it has read, and a second filter here would
- * hide a caller that does not. */
+ * levels. The caller has to filter by the level that it has read; a second filter here would hide
+ * a missing one. */
 void standin_set_log_sink(standin_log_sink_t sink, void* context);
 
 /* [any time] Forgets all levels, restores the default level and the default log sink. */
@@ -130,8 +128,8 @@ void standin_reset_logging(void);
 typedef void (*standin_status_sink_t)(void* context, void* handle,
                                       const vlt_underlying_map_table_t* table);
 
-/* [any time] Sends user status to `sink` with `context` (not owned); null restores the default,
- * which writes the line "status: " and the rendered table to standard error in one write. */
+/* [any time] Sends user status to `sink` with `context` (not owned). Null restores the default. It
+ * writes the line "status: " and the rendered table to standard error in one write. */
 void standin_set_status_sink(standin_status_sink_t sink, void* context);
 
 /* ---- Makers ---------------------------------------------------------------------------------- */

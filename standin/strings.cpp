@@ -1,10 +1,12 @@
 // Strings: copies, and the hash that places string keys in tables.
 //
 // The hash:
-// (1) seed and length start the state;
-// (2) multiply and mix in each 8 bytes, little-endian, then the last 0 to 7, padded with zeros;
-// (3) two multiply-and-shift rounds spread every bit of the state over all 64.
-// Each step is a bijection of the state, so strings of one length below 9 bytes never collide under
+//
+// (1) Seed and length start the state.
+// (2) Multiply and mix in each 8 bytes, little-endian, then the last 0 to 7, padded with zeros.
+// (3) Two multiply-and-shift rounds spread every bit of the state over all 64.
+//
+// Each step is a bijection of the state. So strings of one length below 9 bytes never collide under
 // one seed.
 #include "standin/strings.hpp"
 
