@@ -1,9 +1,9 @@
 // One way of turning notifications into host events. All of them start from the same lines of JSON
 // and own their inputs, so a run is the whole life of a batch:
 //
-//   fill      builds new inputs                                     not timed
-//   run       batch by batch: inputs → outputs, then everything released   timed
-//   outcome   the same conversions, with their results written down, for comparison
+//   fill      builds new inputs, not timed.
+//   run       batch by batch, timed: inputs → outputs, then everything released.
+//   outcome   the same conversions, with their results written down, for comparison.
 #ifndef VLT_BENCH_CONTENDER_HPP
 #define VLT_BENCH_CONTENDER_HPP
 

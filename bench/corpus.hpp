@@ -28,12 +28,12 @@ inline constexpr std::array ALL_KINDS = {kind_t::ALARMS, kind_t::EVENTS, kind_t:
 // Messages without a path, otherwise like the mix.
 [[nodiscard]] lines_t passingMessages(std::size_t count);
 
-// Notifications to drop. In turn, a key is missing, a string cannot be read as a time or a word, a
-// field is no string: the faults that a conversion finds last.
+// Notifications to drop, with the faults that a conversion finds last. In turn, a key is missing, a
+// string is neither a time nor a word of its enumeration, a field is not a string.
 [[nodiscard]] lines_t droppedNotifications(kind_t kind, std::size_t count);
 
-// Notifications to drop for a field of the wrong kind: a source that is no map, a count or a status
-// that is no string. Kinds in turn, but for managed objects, which have no such field. Each also
+// Notifications to drop for a field of the wrong kind: the source is not a map, or the count or the
+// status is not a string. Kinds in turn, but for managed objects, which have no such field. Each also
 // costs a line on standard error.
 [[nodiscard]] lines_t wronglyTypedNotifications(std::size_t count);
 

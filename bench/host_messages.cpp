@@ -13,8 +13,8 @@ vlt_underlying_message_t& underlying(Message& message) noexcept {
   return reinterpret_cast<vlt_underlying_message_t&>(message);
 }
 
-// The capacity of `tables_t::WORST` for that many entries: of the capacities that tables grow
-// through, twice the one that comes out nearest to three fifths full.
+// The capacity of `tables_t::WORST` for that many entries: twice a capacity that tables grow
+// through, chosen so that the load is nearest to three fifths.
 std::int64_t worstCapacity(std::int64_t live) noexcept {
   constexpr double WORST_LOAD = 0.6;
   const auto distance = [live](std::int64_t capacity) {

@@ -1,5 +1,5 @@
 // Messages in the host's storage. Reads prototypes once, and makes copies of them before each run
-// by the host's own deep copy, which keeps capacities, positions and tombstones.
+// by the host's own deep copy, which keeps capacities, positions and deleted slots.
 #ifndef VLT_BENCH_HOST_MESSAGES_HPP
 #define VLT_BENCH_HOST_MESSAGES_HPP
 
@@ -16,8 +16,8 @@ using messages_t = std::vector<Message>;
 enum class tables_t {
   GROWN,  // as insertion by insertion leaves them: 8, 16, 2 × live + 2 … slots
   OTHERS, // rebuilt with anything between live + 1 and 4 × live slots, changing from table to table
-  WORST,  // with twice the slots that a table which takes their entries in has on the way, three
-          // fifths full: taken in the order of slots, the second half runs into the first
+  WORST,  // three fifths full, with twice the slots of a stage of the table that takes their
+          // entries in. In the order of slots, the second half runs into the first.
 };
 
 // The messages of the lines. Throws MalformedJson, std::bad_alloc.

@@ -1,5 +1,5 @@
-// Times contenders against each other. Each round runs all of them once, in turn (A B C, B A C, …),
-// so a disturbance of the machine slows all of them. A ratio belongs to one round; the median over
+// Times contenders against each other. Each round runs all of them once, in another order (A B C,
+// B A C, …). So a disturbance of the machine slows all of them. A ratio belongs to one round; the median over
 // the rounds counts. An untimed run precedes each timed one, so that no contender works on
 // another's heap and caches. Another order in each round spreads the remaining effect (up to 4 %,
 // seen with one library entered twice).

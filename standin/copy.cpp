@@ -125,7 +125,7 @@ class Copier {
   }
 
   void copySlot(slot_t& slot, const slot_t& source) noexcept {
-    slot.hash = source.hash; // of a tombstone too: entries displaced past it stay findable
+    slot.hash = source.hash; // of a deleted slot too: entries displaced past it stay findable
     if (!isLive(source)) return;
     slot.key = begin(source.key);
     if (!exhausted_) slot.value = begin(source.value);

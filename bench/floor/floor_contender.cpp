@@ -1,7 +1,12 @@
 // One plan:
-// (1) the stand-by copy of the id       (2) find the tables    (3) free consumed blocks
-// (4) build the event's tables          (5) tombstones         (6) free the rest of the notification
-// (7) free the stand-by copy
+//
+// (1) Make the stand-by copy of the id.
+// (2) Find the tables.
+// (3) Free consumed blocks.
+// (4) Build the event's tables.
+// (5) Leave deleted slots.
+// (6) Free the rest of the notification.
+// (7) Free the stand-by copy.
 #include "bench/floor/floor_contender.hpp"
 #include "ndjson/json_writer.hpp"
 

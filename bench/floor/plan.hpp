@@ -5,11 +5,11 @@
 //
 // Numbers in a plan:
 //
-//   input table   0 payload   1 metadata   2… the maps within that lose entries (source, fragments,
-//                 series, position), each after the one that holds it
+//   input table   0 payload   1 metadata   2… inner maps that lose entries: source, fragments,
+//                 series, position. Each comes after the map that holds it.
 //   text          one of the copied constants: keys, event type, channel, …
-//   output table  in the order of building, a table after those that it holds; the last two are the
-//                 event's metadata and its payload
+//   output table  in the order of building. A table comes after the tables that it holds. The last
+//                 two are the event's metadata and its payload.
 #ifndef VLT_BENCH_FLOOR_PLAN_HPP
 #define VLT_BENCH_FLOOR_PLAN_HPP
 
@@ -20,8 +20,8 @@
 
 namespace com::velanto::connectivity::bench::floor {
 
-// The source of a key or a value of an output entry, in 8 bytes: plans of the largest inputs have
-// hundreds of thousands of these, and reading them must not dominate the measurement.
+// The source of a key or a value of an output entry. It has 8 bytes only: plans of the largest inputs
+// have hundreds of thousands, and reading them must not dominate the measurement.
 class origin_t {
  public:
   enum class way_t : std::uint32_t {
@@ -81,7 +81,7 @@ struct opened_t {
   std::uint32_t slot;
 };
 
-// A slot of an input table that loses its entry alone, which leaves a tombstone.
+// A slot of an input table that loses its entry alone, which leaves a deleted slot.
 struct erased_t {
   std::uint32_t table;
   std::uint32_t slot;

@@ -169,7 +169,7 @@ void PlanBuilder::convertDate(const char* key) {
 }
 
 void PlanBuilder::makeTransient(const TableModel& model) {
-  // The cost of a growth depends on the entries in the table, and this one has none yet; the few
+  // The cost of a growth depends on the entries in the table, and this one has none yet. The few
   // components of a position fit the first table.
   if (!model.growths().empty()) throw std::logic_error("a floor has small transient tables only");
   plan_.transient_tables.push_back(FIRST_CAPACITY);

@@ -1,4 +1,4 @@
-// The steps of conversions, as they appear in a plan, each with its cost in host calls next to it;
+// The steps of conversions, as they appear in a plan, each with its cost in host calls next to it.
 // planner.cpp has the steps of the kinds, one after the other.
 //
 // A key or string of the input that is not carried over is a spare. The plain floor frees all
@@ -42,7 +42,7 @@ class PlanBuilder {
   // ---- input
 
   [[nodiscard]] const vlt_underlying_data_t* find(std::uint32_t table, const char* key) const;
-  // Frees the key; a tombstone stays.
+  // Frees the key; a deleted slot stays.
   std::optional<taken_t> takeIfPresent(std::uint32_t table, const char* key);
   // The same; throws for a notification without the key, which has no plan.
   taken_t take(std::uint32_t table, const char* key);
@@ -52,7 +52,7 @@ class PlanBuilder {
   void freeTable(std::uint32_t table) { plan_.freed_tables.push_back(table); }
   // Frees a string that is not carried over; nothing for kinds that own nothing. Throws for others.
   void drop(const taken_t& value);
-  // Frees the key of an entry whose value is taken, and leaves a tombstone.
+  // Frees the key of an entry whose value is taken, and leaves a deleted slot.
   taken_t takeAt(std::uint32_t table, std::uint32_t slot);
   // Calls `visit` with the slot number of each entry that was not taken, in slot order.
   void forEach(std::uint32_t table, const std::function<void(std::uint32_t)>& visit) const;

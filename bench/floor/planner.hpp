@@ -3,8 +3,8 @@
 // Counted for every notification that converts (a: allocate_map, r: reallocate_map, f: free_map,
 // c: copy_data, s: free_string):
 //
-//   the stand-by message with the "id"    1 a  2 c  1 f   when "id" is a string; only a failure
-//                                                        needs it, but the steps make it
+//   the stand-by message with the "id"    1 a  2 c  1 f   when "id" is a string. Only a failure
+//                                                        needs it, but the steps make it.
 //   event's metadata                      1 a  4 c        vlt.type, vlt.channel, key and value each
 //   event's payload                       1 a  + r        8 slots, then a growth before the 8th, the
 //                                                         14th, … key (2 × live + 2 slots)

@@ -1,9 +1,9 @@
-// The rules by which a table grows and places its entries, run on an array of numbers: tells the slot
-// of each entry without a single host call.
+// The rules by which a table grows and places its entries, run on an array of numbers. It tells the
+// slot of each entry without a host call.
 //
-//   first insertion   8 slots
-//   before any other  when capacity × 0.75 < live: 2 × live + 2 slots, at least 8; the entries move
-//                     in slot order, each to the first free slot from hash mod capacity on
+//   first insertion   8 slots.
+//   before any other  when capacity × 0.75 < live: 2 × live + 2 slots, at least 8. The entries move
+//                     in slot order, each to the first free slot from hash mod capacity on.
 #ifndef VLT_BENCH_FLOOR_TABLE_MODEL_HPP
 #define VLT_BENCH_FLOOR_TABLE_MODEL_HPP
 

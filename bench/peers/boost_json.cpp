@@ -1,8 +1,8 @@
 // Boost.JSON: objects are arrays of members with an index. Keys are copied into the object that
 // they enter; everything else moves within one memory resource.
 //
-// This file is a library of its own that shows nothing but the two factories: it is built against a
-// newer Boost than the codec, and the two must not share inline functions.
+// This file is a library of its own that exports only the two factories. It is built with a newer
+// Boost than the codec, and the two must not share inline functions.
 #include <boost/json.hpp>
 #include <boost/json/src.hpp>
 #include <nlohmann/json.hpp>

@@ -5,7 +5,7 @@
 //   find(object, key)                      the value, or null
 //   take(object, key)                      removes and returns it, if it is there
 //   isObject, isText, isInteger, isNumber  kinds
-//   text(value)                            a view of a text; NUL-terminated
+//   text(value)                            a view of a NUL-terminated text
 //   kindName(value)                        the host's name for the kind, null for none
 //   object(capacity), number(double), copyOf(view)      new values
 //   add(object, key, value)                sets a key that is not there yet

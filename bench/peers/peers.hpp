@@ -1,5 +1,5 @@
-// The same conversions over the trees of general JSON libraries, with all rules of all kinds: the
-// code of a user who has the notifications in such a tree and wants the events in one.
+// The same conversions over the trees of general JSON libraries, with all rules of all kinds. A user
+// would write this code to turn notifications in such a tree into events in one.
 //
 // Common to all: values move, and only necessary copies are made. The event is an object of its
 // own, into which the fields move. They convert a batch as a whole and then release it as a whole,

@@ -11,8 +11,8 @@
 namespace com::velanto::connectivity::bench {
 
 // {"environment": {…}, "suites": [{"name", "unit", "groups": [{"name", "contenders": [{"name",
-// "median", "quartiles": [lower, upper], "ratio", "rounds"}]}]}]}, where the ratio is the first
-// contender's time divided by this one's.
+// "median", "quartiles": [lower, upper], "ratio", "rounds"}]}]}]}. The ratio is the first contender's
+// time divided by this one's.
 [[nodiscard]] std::string jsonReport(const environment_t& environment,
                                      const std::vector<suite_t>& suites);
 

@@ -13,8 +13,8 @@ namespace {
 
 constexpr const char* CONVERTED = "converted";
 
-// Standard error leads nowhere while one of these lives: a field of the wrong kind writes a line
-// there each time, and the time of a terminal does not belong to the measurement.
+// Discards standard error while it lives. Each field of the wrong kind writes a line there, and the
+// time of a terminal does not belong to the measurement.
 class SilentStderr {
  public:
   SilentStderr() : before_(dup(STDERR_FILENO)) {

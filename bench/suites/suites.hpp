@@ -18,8 +18,8 @@ namespace com::velanto::connectivity::bench {
 // Dropped notifications, beside converted ones of the same kind. Nanoseconds per message.
 [[nodiscard]] suite_t measureDropped(const options_t& options);
 
-// One message with 10 to 100 000 fields, series or position components, the plug-in and the floor;
-// with tables as they grow, and with the worst ones. Nanoseconds per field, series or component.
+// One message with 10 to 100 000 fields, series or position components, for the plug-in and the
+// floor. Tables are as they grow, then the worst ones. Nanoseconds per field, series or component.
 [[nodiscard]] suite_t measureScaling(const options_t& options);
 
 // One thread, then two with a codec each, over the mix. Nanoseconds per message and thread: equal

@@ -1,8 +1,8 @@
 // Changes to a message, as bytes choose them: a place within it, and the change there.
 //
-//   edit    byte below 128: a change of a payload's field; byte: which field
-//           byte from there on: payload or metadata; bytes: the way to a place; byte: the change
-//   place   a value; the entry that holds it, unless it is the whole payload or an element
+//   edit    byte below 128: a change of a payload's field. Byte: which field.
+//           byte from 128 on: payload or metadata. Bytes: the way to a place. Byte: the change.
+//   place   a value, and the entry that holds it unless it is the whole payload or an element.
 //
 // Every second edit is one of a field, since conversions read fields.
 #ifndef VLT_FUZZ_PLUGIN_EDITS_HPP

@@ -1,13 +1,13 @@
 // The whole plug-in, as a host loads it: a batch goes through it in both directions.
 //
-//   (1) create the plug-in, which must refuse a wrong configuration
-//   (2) send each message alone, and compare with the laws (fuzz/plugin/laws.hpp)
-//   (3) send all together: towards the transport unchanged, towards the host with the same
-//       outcome as alone and in their order
-//   (4) destroy the plug-in; no block is left
+//   (1) Create the plug-in, which must refuse a wrong configuration.
+//   (2) Send each message alone, and compare with the laws (fuzz/plugin/laws.hpp).
+//   (3) Send all together: towards the transport unchanged, towards the host with the same outcome
+//       as alone and in their order.
+//   (4) Destroy the plug-in; no block is left.
 //
-// When memory runs out, or a link throws, or there is none, a run leaves (2) out. Of (3) it checks
-// the laws of every call (fuzz/plugin/watched_plugin.hpp).
+// A run without memory, or with a link that throws or is missing, omits (2). In (3), it checks the
+// laws of every call only (fuzz/plugin/watched_plugin.hpp).
 #include <cstdlib>
 #include <string>
 #include <vector>

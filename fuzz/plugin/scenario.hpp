@@ -1,8 +1,8 @@
 // An input read as the actions of a host: a configuration, a batch, and failures meanwhile.
 //
-//   input     byte: log level; byte: settings, links; byte: refused memory; byte: edits of the
-//             settings; byte: messages; then the edits of the settings, then the messages
-//   message   byte: which sample; byte: edits; then the edits (fuzz/plugin/edits.hpp)
+//   input     Byte: log level. Byte: settings, links. Byte: refused memory. Byte: number of edits
+//             of the settings. Byte: number of messages. Then the edits, then the messages.
+//   message   Byte: which sample. Byte: number of edits. Then the edits (fuzz/plugin/edits.hpp).
 //
 // fuzz/make_seeds.py writes such inputs.
 #ifndef VLT_FUZZ_PLUGIN_SCENARIO_HPP

@@ -42,7 +42,7 @@ class CodecFixture : public HostFixture {
   }
 };
 
-// Counts what it is sent and leaves it where it is.
+// Counts the messages of each batch and leaves them unchanged.
 class CountingLink final : public HostSide, public TransportSide {
  public:
   explicit CountingLink(std::vector<std::ptrdiff_t>& sizes) : sizes_(sizes) {}

@@ -1,4 +1,4 @@
-// One worked notification of each kind and the event it becomes, whole.
+// One notification of each kind, and the complete event made from it.
 #ifndef VLT_TESTS_CODEC_EXAMPLES_HPP
 #define VLT_TESTS_CODEC_EXAMPLES_HPP
 

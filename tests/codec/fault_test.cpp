@@ -1,4 +1,4 @@
-// The first fault of a notification is the one that counts.
+// A notification keeps the first fault.
 #include "codec/fault.hpp"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// Every fault that a field can have, in every kind of notification: what costs most about a bad
-// message, unwinding, is never paid.
+// Every fault that a field can have, in every kind of notification. None of them throws an exception,
+// since unwinding costs more than a conversion.
 #include <string>
 #include <vector>
 
@@ -18,7 +18,7 @@ std::vector<std::string> keysOf(const map_t& map) {
   return keys;
 }
 
-// What a field may be instead of what it should be; nothing: it is not there.
+// The wrong values for a field. The empty value means a missing field.
 std::vector<data_t> replacements() {
   std::vector<data_t> values(1);
   values.push_back(truth(true));

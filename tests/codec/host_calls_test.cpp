@@ -1,6 +1,5 @@
-// What a message costs in calls of the host and in memory of the plug-in's own, so that neither
-// grows unnoticed. A count that falls is a reason to change the table; one that rises is a reason
-// to ask why.
+// The cost of a message in host calls and in the plug-in's own memory, so that neither grows
+// unnoticed. When a count falls, change the table; when it rises, ask why.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -15,7 +14,7 @@ namespace {
 
 using namespace connectivity::test;
 
-// The calls that converting one example comes to; every other function of the host is not called.
+// The calls of converting one example, which calls no other host function.
 struct calls_t {
   std::string_view kind;
   std::int64_t allocate_map;
@@ -33,9 +32,9 @@ std::ostream& operator<<(std::ostream& out, const calls_t& calls) {
 }
 
 // Every event copies keys and values of its type, its channel and its tenant, and the key
-// "measurements": 7 copy_string. It frees the payload's table: 1 free_map, and key and text of the
-// path: 2 free_string. Its metadata lie in the table of the notification's, its fields in that of
-// the source, if there is one. Besides:
+// "measurements": 7 copy_string. It frees the payload's table (1 free_map), and key and text of the
+// path (2 free_string). Its metadata reuse the table of the notification's metadata. Its fields
+// reuse the source's table, if there is one. Besides:
 //
 //   alarms           14 fields: grown twice. Frees four texts of times and three strings of the
 //                    source: the key of its id, and its name's key and text.
@@ -45,10 +44,11 @@ std::ostream& operator<<(std::ostream& out, const calls_t& calls) {
 //                    "params" is copied. Frees the fragment's table and key, three texts of times,
 //                    and the source's three.
 //   managedobjects   17 fields: grown twice. New tables for the fields, the position and the
-//                    component that is no number; frees that and the position's own. Copies ten
-//                    names; frees ten, key and text of the type, and the text of a time.
-//   operations       7 fields. Frees key and text of the device's id, the key of the id that
-//                    replaces it, the text of a time, and key and text of the source's name.
+//                    component that is not a number. Frees that component's table and the
+//                    position's. Copies ten names. Frees ten names, key and text of the type, and
+//                    the text of a time.
+//   operations       7 fields. Frees key and text of the device's id, and the key of the id that
+//                    replaces it. Frees the text of a time, and key and text of the source's name.
 constexpr std::array EXPECTED = {
     // kind, allocate_map, reallocate_map, free_map, copy_string, free_string
     calls_t{"alarms", 0, 2, 1, 7, 9},       calls_t{"events", 0, 1, 1, 8, 7},

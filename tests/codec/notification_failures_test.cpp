@@ -1,5 +1,5 @@
-// Notifications that cannot be converted: the report, what is left of the message, and the rest of
-// the batch.
+// Notifications that cannot be converted: the report, the remains of the message, and the rest of the
+// batch.
 #include <gmock/gmock.h>
 
 #include <cstring>
@@ -58,7 +58,7 @@ TEST_F(Failures, ReportNamesDirectionIdAndCause) {
                   line(3, "Error when transforming message towards host: oops")));
 }
 
-// A message that failed is as it came, or holds its id and nothing else.
+// A failed message is unchanged, or holds its id alone.
 bool isUntouchedOrOnlyItsId(const Message& message, map_t (*example)()) {
   const bool only_id = message.getPayload() == mapOf("id", text("1"));
   return only_id ? message.getMetadataMap().table() == nullptr
@@ -103,7 +103,7 @@ TEST_F(Failures, LastingExhaustionDropsAndReportsEveryMessage) {
   EXPECT_THAT(takeLog(), ElementsAre(report, report));
 }
 
-// Where reports go that are written without memory of the plug-in's own.
+// Receives a report without allocating memory.
 struct noted_t {
   char text[2048];
 };

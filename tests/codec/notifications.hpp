@@ -1,5 +1,5 @@
-// The words in which the decoding core's tests speak: wrap a payload, convert it, compare whole
-// events, ask whether a block is still the same one.
+// Helpers of the codec's tests: wrap a payload, convert it, compare whole events, and tell whether a
+// block is still the same.
 #ifndef VLT_TESTS_CODEC_NOTIFICATIONS_HPP
 #define VLT_TESTS_CODEC_NOTIFICATIONS_HPP
 
@@ -21,7 +21,7 @@ using plugins::pulsar::TivraMessageBuilder;
 
 using Conversion = std::unique_ptr<TivraMessageBuilder>(PulsarMessageDisassembler&);
 
-// A builder of no particular kind.
+// A builder that belongs to none of the five kinds.
 class PlainBuilder final : public TivraMessageBuilder {
  public:
   explicit PlainBuilder(data_t&& id = text("42"), data_t&& type = text("a.b.Type"),
@@ -29,18 +29,18 @@ class PlainBuilder final : public TivraMessageBuilder {
       : TivraMessageBuilder(std::move(id), std::move(type), spares) {}
 };
 
-// The payload wrapped, as the conversions get it.
+// The payload as a notification, as the conversions get it.
 inline PulsarMessageDisassembler wrapped(data_t&& payload) {
   return PulsarMessageDisassembler(Message(std::move(payload)));
 }
 
-// The finished message made of a payload.
+// The event made from a payload.
 inline Message converted(Conversion* convert, map_t&& payload) {
   PulsarMessageDisassembler notification = wrapped(std::move(payload));
   return TivraMessageBuilder::getResult(convert(notification));
 }
 
-// The fields of the event made of a payload.
+// The fields of the event made from a payload.
 inline map_t fieldsOf(Conversion* convert, map_t&& payload) {
   Message message = converted(convert, std::move(payload));
   return std::move(message.getPayload().get<map_t>());
@@ -61,7 +61,7 @@ inline ::testing::AssertionResult same(const map_t& actual, const map_t& expecte
          << "it is " << to_string(actual) << ", not " << to_string(expected);
 }
 
-// The content's 8 bytes: for a kind with a block, which block it is.
+// The content's 8 bytes. For a kind with a block, they identify the block.
 inline std::uint64_t blockOf(const data_t& value) {
   std::uint64_t bits = 0;
   std::memcpy(&bits, &value.underlying()->value, sizeof bits);
@@ -70,9 +70,9 @@ inline std::uint64_t blockOf(const data_t& value) {
 inline std::uint64_t blockOf(const map_t& map) {
   return reinterpret_cast<std::uintptr_t>(map.table());
 }
-// Which block the key of an entry is.
+// The block of the key of an entry.
 inline std::uint64_t keyBlockOf(map_t& map, const data_t& key) {
-  (void)at(map, key); // there is one
+  (void)at(map, key); // fails without an entry
   return blockOf((*map.find(key)).first);
 }
 

@@ -1,5 +1,4 @@
-// What counts as a number where the locale decides; all else is in the lines of
-// tools/check/conformance/.
+// Numbers whose reading depends on the locale. The lines of tools/check/conformance/ have all others.
 #include "codec/payload_fields.hpp"
 
 #include <clocale>
@@ -20,7 +19,7 @@ bool numeric(const char* content) {
   return owned;
 }
 
-// Puts a locale with a decimal comma in place; the one before is back afterwards.
+// Sets a locale with a decimal comma, and restores the previous one at the end of its life.
 class DecimalComma {
  public:
   DecimalComma() = default;

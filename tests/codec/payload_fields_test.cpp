@@ -1,5 +1,5 @@
-// Fields on their way from a notification into the event: moved, never copied. The lines of
-// tests/conformance/ state what fields become.
+// Fields move from a notification into the event and are never copied. The lines of
+// tools/check/conformance/ state the results.
 #include "codec/payload_fields.hpp"
 
 #include <gmock/gmock.h>
@@ -67,7 +67,7 @@ TEST_F(Remaining, KeysAndValuesAreMovedNeverCopied) {
   EXPECT_TRUE(same(at(builder.fields, borrowed("lent")), borrowed("y")));
 }
 
-// An entry whose key the map itself would refuse, as a host's own table may hold one.
+// An entry with a key that the map itself refuses. A host's own table may hold such a key.
 map_t mapWithCustomKey() {
   map_t map = mapOf(whole(1), text("v"));
   (*map.begin()).first = custom();

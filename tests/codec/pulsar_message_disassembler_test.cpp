@@ -1,5 +1,5 @@
-// The wrapped notification: where the type segment starts, how the payload is handed out, and what a
-// dropped notification leaves.
+// The wrapped notification: the start of its type segment, the moves of its payload, and the remains
+// of a dropped notification.
 #include "codec/pulsar_message_disassembler.hpp"
 
 #include "codec/payload_fields.hpp"
@@ -49,7 +49,7 @@ TEST_F(Disassembler, PayloadThatIsNoMapIsReported) {
   EXPECT_EQ(error, "Incorrect type in get (you asked for map but it's actually string)");
 }
 
-// ---- what a dropped notification leaves
+// ---- the remains of a dropped notification
 
 TEST_F(OnlyId, UsesTheNotificationsOwnBlocks) {
   for (const bool extracted : {false, true}) {
@@ -90,7 +90,7 @@ TEST_F(OnlyId, NullTextStaysOne) {
 }
 
 TEST_F(OnlyId, TakenIdIsMadeAgain) {
-  // The text of the id, its key and the table.
+  // The three allocations: the text of the id, its key and the table.
   for (const std::uint64_t n : {0U, 1U, 2U, 3U}) {
     PulsarMessageDisassembler notification = wrapped(map_t());
     standin_fail_allocation(n);

@@ -1,4 +1,4 @@
-// What was kept comes back once, as the same block; what is not kept is freed.
+// A kept copy or table comes back once, in the same block. All others are freed.
 #include "codec/spare_parts.hpp"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,5 @@
-// The reading of a timestamp spelled out step by step on std::string, to compare the codec's with.
-//
-// It trades everything for plainness: each step is the rule as one would say it, and strptime,
-// timegm and std::stoi are called on the texts that the rule names.
+// A second reader of timestamps, for comparison with the codec's. It is slow and simple: each step is
+// one rule, and calls strptime, timegm or std::stoi on the texts that the rule names.
 #ifndef VLT_TESTS_CODEC_TIME_REFERENCE_HPP
 #define VLT_TESTS_CODEC_TIME_REFERENCE_HPP
 

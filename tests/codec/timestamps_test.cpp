@@ -1,5 +1,5 @@
-// Near-valid timestamps by the hundred thousand, compared bit for bit with the plain reading. Single
-// timestamps are in the lines of tools/check/conformance/.
+// Compares 200 000 nearly valid timestamps bit for bit with the second reader (time_reference.hpp).
+// The lines of tools/check/conformance/ have single timestamps.
 #include "codec/timestamps.hpp"
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ constexpr std::array SEEDS = {
     "2004-01-10T14:07:04.001-05:30", "0000-02-29T00:00:00+0530",  "9999-12-31T23:59:60.999-0000",
     "2023- 4- 5T 6: 7: 8 1:2",       "2023-04-05T06:07:08.5+1:0",
 };
-// What the rules look at, and a few bytes that they should not mistake for it.
+// The bytes that matter to the rules, and a few that do not.
 constexpr std::string_view LETTERS = "0123456789000123 +-+-:.:.,TZztx\t\n\xc3\xa9/";
 
 class Mutator {
@@ -44,12 +44,12 @@ class Mutator {
       case 2:
         text.resize(at);
         break;
-      default: // most of all: lengths and positions stay
+      default: // the most frequent change keeps lengths and positions
         if (at < text.size()) text[at] = letter();
     }
   }
   char letter() { return LETTERS[below(LETTERS.size())]; }
-  // The same numbers with every standard library, as a distribution would not give them.
+  // Not a distribution: its numbers differ between standard libraries.
   std::size_t below(std::size_t limit) { return random_() % limit; }
 
   std::mt19937_64 random_{20230405};
@@ -67,7 +67,7 @@ TEST(TryParseTimeMutations, EqualThePlainReading) {
     ASSERT_EQ(test::bitsOf(actual), test::bitsOf(expected)) << text;
     if (actual) ++accepted;
   }
-  // Otherwise the comparison would say little about one of the two outcomes.
+  // Both outcomes are frequent enough to be compared.
   EXPECT_GT(accepted, TEXTS / 5);
   EXPECT_LT(accepted, TEXTS - TEXTS / 5);
 }

@@ -1,4 +1,4 @@
-// The builder that all kinds of event share.
+// The common base of the five builders.
 #include "codec/tivra_message_builder.hpp"
 
 #include "tests/codec/examples.hpp"
@@ -56,7 +56,7 @@ TEST_F(Builder, MembersAreMeasurementsMessageFieldsInOrder) {
   const auto offset = [&](const map_t& member) {
     return reinterpret_cast<const char*>(&member) - reinterpret_cast<const char*>(&builder);
   };
-  EXPECT_EQ(offset(builder.measurements), 8); // behind the virtual table's pointer
+  EXPECT_EQ(offset(builder.measurements), 8); // after the virtual table's pointer
   EXPECT_EQ(offset(builder.fields), 8 + 8 + 24);
 }
 

@@ -1,4 +1,4 @@
-// Every constant holds the text that its name tells, as a string of its own.
+// Every constant owns a string with the text in its name.
 #include "codec/vocabulary.hpp"
 
 #include <gtest/gtest.h>

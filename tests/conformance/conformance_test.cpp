@@ -1,5 +1,5 @@
-// Runs the conformance files: each line is a test of its own, named FILE.NAME, and a malformed line
-// ends the program before any test runs.
+// Runs the conformance files. Each line is a test of its own, named FILE.NAME. A malformed line ends
+// the program before any test runs.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -17,7 +17,7 @@ namespace {
 using namespace tools::check;
 using tools::PluginLibrary;
 
-// Sends standard error to a file while it lives.
+// Redirects standard error to a file while it lives.
 class Redirected {
  public:
   explicit Redirected(int file) : before_(dup(STDERR_FILENO)) { dup2(file, STDERR_FILENO); }
@@ -85,7 +85,7 @@ TEST(HarnessFiles, AreAllChecked) {
   }
 }
 
-// A filter that selects nothing, because a file has another name say, must not pass for success.
+// A filter that matches no test must fail, for instance after a file was renamed.
 int runSelected() {
   const int result = RUN_ALL_TESTS();
   if (::testing::UnitTest::GetInstance()->test_to_run_count() > 0) return result;

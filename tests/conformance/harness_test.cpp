@@ -1,5 +1,5 @@
-// The harness itself: a comparison or a format that lets a mistake pass would make every case of
-// the data files worthless.
+// The harness itself: if its comparison or format missed mistakes, no conformance file would prove
+// anything.
 #include <gtest/gtest.h>
 
 #include "ndjson/json_reader.hpp"
@@ -24,7 +24,7 @@ std::string told(const Value& expected, const Value& came, const char* where = "
   return found ? found->where + ": " + found->expected + " / " + found->came : "";
 }
 
-// The difference between two values in the form of a data file.
+// The difference between two values that are written as in a conformance file.
 std::string between(const char* expected, const char* came) {
   ValueDecoder decoder;
   return told(decoder.decode(json(expected)), decoder.decode(json(came)));

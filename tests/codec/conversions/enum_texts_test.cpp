@@ -1,4 +1,4 @@
-// The rows between an enumeration's values and their texts, and the enumerations that have them.
+// The texts of the enumerations' values.
 #include "codec/conversions/enum_texts.hpp"
 
 #include <initializer_list>
@@ -15,7 +15,7 @@ using namespace connectivity::test;
 
 class Texts : public HostFixture {};
 
-// The texts of an enumeration in the order of its values, and the refusal of any other value.
+// Expects these texts in the order of the values, and the refusal of any other value.
 template <class Enumeration>
 void expectTexts(constant_t const& (*to_text)(Enumeration),
                  std::initializer_list<const char*> texts) {

@@ -1,5 +1,4 @@
-// Conversions when memory runs out: whichever allocation fails, the failure is std::bad_alloc and
-// nothing is left behind.
+// Conversions when memory runs out: any failing allocation ends in std::bad_alloc, and nothing leaks.
 #include "tests/codec/examples.hpp"
 #include "tests/support/failing_allocations.hpp"
 
@@ -23,7 +22,7 @@ TEST_P(ExhaustedMemory, IsBadAllocAndLeaksNothing) {
     payload = example.payload();
   };
   const std::uint64_t failures = failEachAllocation(attempt, verify);
-  // The event's type under its key, "measurements", and no fewer than one table.
+  // Key and value of the event's type, "measurements", and at least one table.
   EXPECT_GE(failures, 4U);
 }
 

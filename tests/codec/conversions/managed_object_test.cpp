@@ -1,4 +1,4 @@
-// What no notification shows of a managed object: the slots of its fields, and what is handed back.
+// Details of a managed object: the slots of its fields, and the lists that its builder hands back.
 #include "codec/conversions/managed_object.hpp"
 
 #include "tests/codec/examples.hpp"
@@ -14,7 +14,7 @@ class ManagedObjectBuilding : public HostFixture {};
 
 map_t bare() { return mapOf("id", text("7"), "name", text("Pump"), "type", text("o6a_Device")); }
 
-// The fields put into a fresh map one after the other, in the order of the steps.
+// The fields of the event, assigned one by one to an empty map in the order of the steps.
 map_t singleAssignments(const map_t& payload) {
   map_t fields;
   fields[text("id")] = text("7");

@@ -1,4 +1,4 @@
-// What no notification shows of a measurement: whose table its parameters are, what is handed back.
+// Details of a measurement: the table of its parameters, and fragments that its builder refuses.
 #include "codec/conversions/measurement.hpp"
 
 #include "tests/codec/examples.hpp"

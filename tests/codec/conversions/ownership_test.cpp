@@ -1,5 +1,5 @@
-// What an event takes over from its notification is moved: each value and key is the same block as
-// before. What it becomes is in the lines of tools/check/conformance/.
+// An event moves values and keys out of its notification: each is the same block as before. The lines
+// of tools/check/conformance/ state the results.
 #include <algorithm>
 #include <string_view>
 #include <vector>
@@ -11,7 +11,7 @@ namespace {
 
 using namespace connectivity::test;
 
-// Which block the value at a path like "source/id" is; "source/id@": the key of that entry.
+// The block of the value at a path like "source/id". "source/id@" means the key of that entry.
 std::uint64_t blockAt(map_t& map, std::string_view path) {
   const std::size_t slash = path.find('/');
   if (slash != std::string_view::npos) {
@@ -23,7 +23,7 @@ std::uint64_t blockAt(map_t& map, std::string_view path) {
   return key ? keyBlockOf(map, text(name.c_str())) : blockOf(at(map, name.c_str()));
 }
 
-// Where a block lies in the payload of an example, and where in the event.
+// The place of a block in the payload of an example, and its place in the event.
 struct moved_t {
   std::string_view kind;
   const char* from;
@@ -59,7 +59,7 @@ constexpr moved_t MOVED[] = {
     {"managedobjects", "o6a_Position/origin", "origin"},
     {"managedobjects", "o6a_Position/origin@", "origin@"},
     {"managedobjects", "childDevices", "childDeviceIds"},
-    {"managedobjects", "lastUpdated", "lastUpdated"}, // no time, so a text still
+    {"managedobjects", "lastUpdated", "lastUpdated"}, // not a time, so still a string
     {"operations", "id", "id"},
     {"operations", "source/id", "source"},
     {"operations", "o6a_Restart@", "o6a_Restart@"},
