@@ -1,11 +1,11 @@
-/* A host in plain C11 that knows the plug-in by the headers of host/ and the names of its twelve
- * functions only:
+/* A host in plain C11. It knows only the headers of host/ and the names of the plug-in's twelve
+ * functions.
  *
- *   (1) load the library given as the first argument and look the functions up
- *   (2) create a codec, set both links, start it
- *   (3) send a batch of a good notification, one of an unknown kind and a plain message
- *   (4) compare what reaches the links, field by field
- *   (5) shut down, destroy, unload
+ *   (1) Load the library in the first argument and look up the functions.
+ *   (2) Create a codec, set both links, start it.
+ *   (3) Send a batch: a notification of an unknown kind, a good one, and a message without a path.
+ *   (4) Compare the messages that reach the links, field by field.
+ *   (5) Shut down, destroy, unload.
  *
  * Exit status 0, or 1 after a line on standard error that names the check that failed. */
 #include <dlfcn.h>
@@ -20,7 +20,7 @@
 
 #define CODEC "OstroviaNotifications2Codec"
 
-/* Keys are hashed with this seed, in the host's tables as in the plug-in's. */
+/* Host and plug-in hash keys with this seed. */
 static const uint64_t KEY_SEED = 0x243FCAF1;
 
 static void require(bool holds, int line, const char* what) {
@@ -46,7 +46,7 @@ static vlt_underlying_map_table_entry_t* slots_of(vlt_underlying_map_table_t* ta
   return (vlt_underlying_map_table_entry_t*)(table + 1);
 }
 
-/* The slot of `key`, or the free one where it belongs. The tables here never run full. */
+/* The slot of `key`, or the free slot for it. The tables here always have a free slot. */
 static vlt_underlying_map_table_entry_t* slot_for(vlt_underlying_map_table_t* table,
                                                   const char* key) {
   const uint64_t capacity = (uint64_t)table->capacity;
@@ -159,7 +159,7 @@ typedef struct plugin_t {
   int (*send_towards_transport)(void*, vlt_underlying_message_t*, vlt_underlying_message_t*);
 } plugin_t;
 
-/* `function` is the address of a function pointer, in which POSIX lets dlsym's result be stored. */
+/* `function` is the address of a function pointer. POSIX lets a program store dlsym's result there. */
 static void look_up(void* library, const char* name, void* function) {
   void* const address = dlsym(library, name);
   require(address != NULL, __LINE__, name);
@@ -192,7 +192,7 @@ static void* create(const plugin_t* p) {
   return codec;
 }
 
-/* The one of an unknown kind is dropped: of it, only the id is left. */
+/* The plug-in drops the notification of an unknown kind and leaves its id alone. */
 static void send_batches(const plugin_t* p, void* codec) {
   vlt_underlying_message_t batch[3] = {event_notification("tenant/subscription/inventory/1"),
                                        event_notification("tenant/subscription/events/1"),

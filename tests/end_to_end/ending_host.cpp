@@ -1,7 +1,8 @@
-// A host that still needs its codec when the process ends and the library's destructors have run:
+// A host that still needs its codec after the library's destructors have run. The first argument
+// chooses the need:
 //
-//   worker      a thread is in the middle of a batch when main returns
-//   destructor  a global object sends a batch and destroys the codec when it is destroyed
+//   worker      A thread is in the middle of a batch when main returns.
+//   destructor  The destructor of a global object sends a batch and destroys the codec.
 //
 // Exit status 0, or 1 after a line on standard error that names the check that failed.
 #include <unistd.h>
@@ -25,7 +26,7 @@ void require(bool holds, const char* what) {
   _exit(EXIT_FAILURE); // the process has begun to end already
 }
 
-// A codec that nothing destroys, in a library that stays loaded.
+// A codec in a library that stays loaded. Only destroy() ends the codec.
 class Chain {
  public:
   explicit Chain(const char* path) : library_(*new PluginLibrary(path)), codec_(create()) {
@@ -36,7 +37,7 @@ class Chain {
     const data_t settings = mapOf("tenantId", text("t1"));
     return library_.create("codec", "chain", settings.underlying(), nullptr, nullptr);
   }
-  // One notification that cannot be converted, then one that can.
+  // A notification of an unknown kind, then a good one.
   void send() {
     Message batch[2] = {
         notification("tenant/subscription/inventory/1", mapOf("id", text("1"))),
@@ -58,7 +59,7 @@ class Chain {
 
 Chain* chain = nullptr;
 
-// The worker waits in its batch, where the first message is reported.
+// The worker waits in its batch, in the log call for the first message.
 struct worker_t {
   std::promise<void> in_batch;
   std::promise<void> ending;
@@ -84,7 +85,7 @@ void countRefusal(void*, const char*, vlt_log_level_t level, const char*) {
   if (level == 2) ++creations_refused;
 }
 
-// Made before the library is loaded, it is destroyed after everything in the library.
+// Its constructor runs before the library is loaded, so its destructor runs after the library's.
 class LastUser {
  public:
   LastUser() = default;

@@ -1,5 +1,5 @@
-// No memory while the library is loading, one allocation later each time: loading succeeds, but
-// there is no codec without constants, and a log line says so.
+// Memory runs out while the library is loading, one allocation later each time. Loading succeeds, but
+// without its constants the library creates no codec and logs a line.
 #include <gtest/gtest.h>
 
 #include <memory>

@@ -1,5 +1,5 @@
-/* The least that a host does, in C11: loads the codec, sends it one notification and prints the
- * event. docs/host-interface.md quotes and explains the whole of it. */
+/* The smallest host, in C11. It loads the codec, sends one notification and prints the event.
+ * docs/host-interface.md quotes and explains the whole program. */
 #include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -28,7 +28,7 @@ static value_t text(const char* content) {
 
 static table_t* table_of(int64_t capacity) { return must(vlt_allocate_map(capacity), "no memory"); }
 
-/* Adds an entry under a key that is not there yet, to a table with room for it. */
+/* Adds an entry with a new key. The table must have a free slot. */
 static void put(table_t* table, const char* key, value_t value) {
   slot_t* const slots = (slot_t*)(table + 1);
   const uint64_t hash = vlt_hash_string(key, KEY_SEED);
@@ -80,7 +80,7 @@ typedef struct functions_t {
   int (*destroy)(void*);
 } functions_t;
 
-/* POSIX lets a function pointer be taken from where an object pointer is stored. */
+/* POSIX lets a program store dlsym's result in a function pointer. */
 static void find(void* library, const char* name, void* function) {
   *(void**)function = must(dlsym(library, name), name);
 }

@@ -1,5 +1,5 @@
-// Loading and unloading the plug-in: nothing of it stays behind, neither blocks nor memory, and the
-// library really goes.
+// Loading and unloading the plug-in: it leaves neither blocks nor memory, and the library leaves the
+// process.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 

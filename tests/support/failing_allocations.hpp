@@ -1,5 +1,5 @@
-// Runs code against memory that runs out: once with its first allocation refused, then with its
-// second, and so on until it gets all that it asks for.
+// Runs code while memory runs out: first without its first allocation, then without its second, and
+// so on until every allocation succeeds.
 #ifndef VLT_TESTS_SUPPORT_FAILING_ALLOCATIONS_HPP
 #define VLT_TESTS_SUPPORT_FAILING_ALLOCATIONS_HPP
 

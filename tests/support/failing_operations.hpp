@@ -1,5 +1,5 @@
-// A codec that passes all messages on, but asks before each operation whether it is to fail there:
-// the base of plug-ins that fail on demand.
+// A codec that passes all messages on, the base of plug-ins that fail on demand. Before each operation
+// it asks whether to fail.
 #ifndef VLT_TESTS_SUPPORT_FAILING_OPERATIONS_HPP
 #define VLT_TESTS_SUPPORT_FAILING_OPERATIONS_HPP
 

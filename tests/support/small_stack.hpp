@@ -1,5 +1,5 @@
-// Shows that code needs little stack for values of any depth: runs it on a thread with a small
-// stack, where recursion over the depth ends the process.
+// Shows that code needs little stack for values of any depth. It runs on a thread with a small stack,
+// where recursion over the depth ends the process.
 #ifndef VLT_TESTS_SUPPORT_SMALL_STACK_HPP
 #define VLT_TESTS_SUPPORT_SMALL_STACK_HPP
 
