@@ -5,8 +5,7 @@
 
 #include <cstddef>
 
-#include "tests/support/host_fixture.hpp"
-#include "tests/support/values.hpp"
+#include "tests/value/tables.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {
