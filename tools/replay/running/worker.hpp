@@ -55,7 +55,6 @@ class Worker {
 
  private:
   [[nodiscard]] bool read(record_t& record, Message& message);
-  void sendOne(record_t& record, Message& message);
   void sendBatch(std::span<record_t> records);
   call_result_t& send(std::span<Message> messages);
   void distribute(call_result_t& result, std::span<record_t> records);
