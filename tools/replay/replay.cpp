@@ -91,8 +91,9 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   std::vector<log_line_t> log;
   std::optional<ChainPool> pool;
   try {
-    pool.emplace(*library_, configuration, direction_, worker_options_t{options_.batch_size, true},
-                 pool_options_t{options_.threads, options_.explain.has_value()}, log);
+    pool.emplace(
+        *library_, configuration, direction_,
+        pool_options_t{options_.threads, options_.batch_size, options_.explain.has_value()}, log);
   } catch (const PluginError&) {
     consumers_.takeLog(log); // it says why
     throw;

@@ -67,11 +67,11 @@ class TaskThread {
 } // namespace
 
 ChainPool::ChainPool(const PluginLibrary& library, const data_t& configuration, Direction direction,
-                     const worker_options_t& options, const pool_options_t& pool,
-                     std::vector<log_line_t>& log)
-    : options_(options), undisturbed_(pool.undisturbed) {
-  for (std::size_t i = 0; i < pool.chains; ++i) {
-    workers_.push_back(std::make_unique<Worker>(library, configuration, direction, options, log));
+                     const pool_options_t& options, std::vector<log_line_t>& log)
+    : options_(options) {
+  for (std::size_t i = 0; i < options.chains; ++i) {
+    workers_.push_back(
+        std::make_unique<Worker>(library, configuration, direction, options.batch_size, log));
   }
 }
 
@@ -115,7 +115,7 @@ void ChainPool::runAlone(LineReader& reader, const pool_listener_t& listener) {
 
 // A ring of blocks: the caller fills them and publishes each when its chain has served it.
 void ChainPool::runTogether(LineReader& reader, const pool_listener_t& listener) {
-  std::vector<block_t> blocks(undisturbed_ ? 1 : workers_.size() * AHEAD);
+  std::vector<block_t> blocks(options_.undisturbed ? 1 : workers_.size() * AHEAD);
   std::vector<std::future<void>> served(blocks.size());
   std::vector<TaskThread> threads(workers_.size()); // after the blocks: ends before them
   std::size_t filled = 0;

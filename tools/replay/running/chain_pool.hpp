@@ -28,16 +28,16 @@ struct pool_listener_t {
 };
 
 struct pool_options_t {
-  std::size_t chains; // at least 1
-  bool undisturbed;   // all chains are idle while a record is published
+  std::size_t chains;     // at least 1
+  std::size_t batch_size; // messages, at least 1
+  bool undisturbed;       // all chains are idle while a record is published
 };
 
 class ChainPool {
  public:
   // Throws PluginError; `log` then has the reason.
   ChainPool(const PluginLibrary& library, const data_t& configuration, Direction direction,
-            const worker_options_t& options, const pool_options_t& pool,
-            std::vector<log_line_t>& log);
+            const pool_options_t& options, std::vector<log_line_t>& log);
 
   // Takes all lines of `reader` through the chains. Throws a failed read after publishing the lines
   // before it.
@@ -60,8 +60,7 @@ class ChainPool {
   static void serve(block_t& block, Worker& worker);
   void runTogether(LineReader& reader, const pool_listener_t& listener);
 
-  worker_options_t options_;
-  bool undisturbed_;
+  pool_options_t options_;
   std::vector<std::unique_ptr<Worker>> workers_;
 };
 

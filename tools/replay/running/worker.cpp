@@ -25,7 +25,7 @@ void Worker::process(std::span<record_t> records, const Done& done) {
     std::size_t count = 0;
     batch_.clear();
     typed_before_.clear();
-    for (; count < records.size() && batch_.size() < options_.batch_size; ++count) {
+    for (; count < records.size() && batch_.size() < batch_size_; ++count) {
       Message message;
       if (!read(records[count], message)) continue;
       typed_before_.push_back(metadata_.isTyped(message) ? 1 : 0);
@@ -128,7 +128,6 @@ void Worker::conclude(record_t& record) {
     incidents_.broken_laws.push_back(record.place() + ": " + std::to_string(record.outputs.size()) +
                                      " messages came out for one");
   }
-  if (!options_.events) return;
   for (const Message& output : record.outputs) {
     writeJson(record.events, output);
     record.events += '\n';

@@ -33,18 +33,14 @@ struct incidents_t {
   std::vector<batch_time_t> batches;
 };
 
-struct worker_options_t {
-  std::size_t batch_size; // messages, at least 1
-  bool events;            // whether to make the outputs as JSON
-};
-
 class Worker {
  public:
   using Done = std::function<void(record_t&)>;
 
+  // Sends batches of `batch_size` messages, at least 1.
   Worker(const PluginLibrary& library, const data_t& configuration, Direction direction,
-         const worker_options_t& options, std::vector<log_line_t>& log)
-      : options_(options), chain_(library, configuration, direction, log) {}
+         std::size_t batch_size, std::vector<log_line_t>& log)
+      : batch_size_(batch_size), chain_(library, configuration, direction, log) {}
 
   // Completes `records`, whose origin and line are set, and hands each of them to `done`, in order
   // and as soon as it is complete.
@@ -61,7 +57,7 @@ class Worker {
   void separate(const call_result_t& whole, std::span<record_t> records);
   void conclude(record_t& record);
 
-  worker_options_t options_;
+  std::size_t batch_size_;
   JsonReader reader_;
   MetadataReader metadata_;
   Chain chain_;
