@@ -10,6 +10,7 @@
 #include <string>
 
 #include "tools/check/report.hpp"
+#include "tools/host/plugin_library.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 
@@ -18,9 +19,7 @@ namespace {
 using clock_t = std::chrono::steady_clock;
 
 void loadAlone(Trial& trial) {
-  const std::string& path = trial.path();
-  const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
-  if (dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL) == nullptr) throw std::runtime_error(dlerror());
+  if (openLibrary(trial.path()) == nullptr) throw std::runtime_error(dlerror());
 }
 
 // The reason why the library does not load; nothing when it does.

@@ -10,19 +10,28 @@ namespace {
 
 constexpr std::uint64_t API_VERSION = 4;
 
+// What the loader takes for a file, not for a name to search for.
+std::string asFile(const std::string& path) {
+  return path.find('/') == std::string::npos ? "./" + path : path;
+}
+
 void* open(const std::string& path) {
-  void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  void* const handle = openLibrary(path);
   if (handle == nullptr) throw PluginError(std::string("cannot load ") + dlerror());
   return handle;
 }
 
 } // namespace
 
+void* openLibrary(const std::string& path, int more_flags) {
+  return dlopen(asFile(path).c_str(), RTLD_NOW | RTLD_LOCAL | more_flags);
+}
+
 void PluginLibrary::close_t::operator()(void* handle) const noexcept { dlclose(handle); }
 
 PluginLibrary::PluginLibrary(const std::string& path, Version accepted,
                              const std::string& class_name)
-    : path_(path.find('/') == std::string::npos ? "./" + path : path), handle_(open(path_)) {
+    : path_(asFile(path)), handle_(open(path_)) {
   load(apiVersion, "vlt_plugin_api_version_" + class_name);
   // Before the others: another version may well have other functions.
   const std::uint64_t version = apiVersion();

@@ -18,6 +18,11 @@ class PluginError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// Loads the library at `path` with all its symbols bound and returns the handle for dlclose. Null:
+// it does not load, and dlerror has the reason. A path without a slash is a file of the current
+// directory, not one of the system's libraries. `more_flags` are further flags of dlopen.
+[[nodiscard]] void* openLibrary(const std::string& path, int more_flags = 0);
+
 class PluginLibrary {
  public:
   // The accepted interface versions: the one of these functions, or, for callers that check it
@@ -26,10 +31,9 @@ class PluginLibrary {
 
   static constexpr const char* CLASS_NAME = "OstroviaNotifications2Codec";
 
-  // Loads the library at `path`; a path without a slash is a file of the current directory, not one
-  // of the system's libraries. `class_name` is in the names of its functions. Throws PluginError
-  // when it does not load, lacks a function or has another interface version. The host's client
-  // library must be loaded.
+  // Loads the library at `path` as openLibrary does. `class_name` is in the names of its functions.
+  // Throws PluginError when it does not load, lacks a function or has another interface version.
+  // The host's client library must be loaded.
   explicit PluginLibrary(const std::string& path, Version accepted = Version::OURS,
                          const std::string& class_name = CLASS_NAME);
 

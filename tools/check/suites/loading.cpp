@@ -10,40 +10,35 @@
 #include "tools/check/chain.hpp"
 #include "tools/check/counted_heap.hpp"
 #include "tools/check/suites/suites.hpp"
+#include "tools/host/plugin_library.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
-std::string pathOf(const Trial& trial) {
-  const std::string& path = trial.path();
-  return path.find('/') == std::string::npos ? "./" + path : path;
-}
-
-void loadAndUnload(const std::string& path) {
-  void* const handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+void loadAndUnload(const Trial& trial) {
+  void* const handle = openLibrary(trial.path());
   if (handle == nullptr) throw std::runtime_error(std::string("cannot load ") + dlerror());
   if (dlclose(handle) != 0) throw std::runtime_error(std::string("cannot unload ") + dlerror());
 }
 
-void loads(Trial& trial) { loadAndUnload(pathOf(trial)); }
+void loads(Trial& trial) { loadAndUnload(trial); }
 
 void freesItsBlocks(Trial& trial) {
   const Books books;
-  loadAndUnload(pathOf(trial));
+  loadAndUnload(trial);
   books.expectBack(trial, "after unloading");
 }
 
 void leavesTheProcess(Trial& trial) {
-  const std::string path = pathOf(trial);
-  loadAndUnload(path);
-  trial.holds(dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD) == nullptr, "after unloading",
+  loadAndUnload(trial);
+  trial.holds(openLibrary(trial.path(), RTLD_NOLOAD) == nullptr, "after unloading",
               "the library to be gone", "it is still loaded");
 }
 
 void isSilent(Trial& trial) {
   Log log(1000);
-  loadAndUnload(pathOf(trial));
+  loadAndUnload(trial);
   trial.equal("log", lines_t{}, log.take());
   trial.equal("standard output and error", "", trial.printed());
 }
@@ -57,11 +52,10 @@ std::int64_t mappings() {
 
 void thousandTimes(Trial& trial) {
   if (!countsHeap()) trial.skip("the sanitizer keeps records of every library that was loaded");
-  const std::string path = pathOf(trial);
-  loadAndUnload(path); // the loader has by now all that it keeps for good
+  loadAndUnload(trial); // the loader has by now all that it keeps for good
   const Books books;
   const std::int64_t mapped = mappings();
-  for (int i = 0; i < 1000; ++i) loadAndUnload(path);
+  for (int i = 0; i < 1000; ++i) loadAndUnload(trial);
   books.expectBack(trial, "after 1000 loads");
   // The heap may take a segment or two more meanwhile; a library that stays takes at least four.
   trial.holds(mappings() <= mapped + 20, "memory mappings after 1000 loads",
@@ -70,10 +64,9 @@ void thousandTimes(Trial& trial) {
 
 void heapStaysLevelOverLoads(Trial& trial) {
   if (!countsHeap()) trial.skip("the sanitizer's heap does not count blocks in use");
-  const std::string path = pathOf(trial);
-  for (int i = 0; i < 20; ++i) loadAndUnload(path);
+  for (int i = 0; i < 20; ++i) loadAndUnload(trial);
   const std::size_t before = mallinfo2().uordblks;
-  for (int i = 0; i < 200; ++i) loadAndUnload(path);
+  for (int i = 0; i < 200; ++i) loadAndUnload(trial);
   const std::size_t after = mallinfo2().uordblks;
   trial.holds(after < before + 1600, "heap in use after 200 loads",
               "about " + std::to_string(before) + " bytes", std::to_string(after) + " bytes");
