@@ -5,24 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "tools/replay/command_line.hpp"
-
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
-
-#include <algorithm>
-#include <charconv>
-#include <cstddef>
-#include <optional>
-#include <stdexcept>
-#include <string>
-#include <string_view>
-#include <type_traits>
-#include <utility>
-#include <variant>
-#include <vector>
-
 #include "tools/host/plugin_library.hpp"
 #include "tools/options/parser.hpp"
 #include "tools/replay/replay.hpp"
@@ -82,15 +64,8 @@ int runReplay(int count, const char* const* arguments, std::ostream& out, std::o
     Terminal terminal(*diagnostics.rdbuf());
     std::ostream above(&terminal);
     return replay(options, inputs, out, above, &terminal, display.colour);
-  } catch (const ReplayError& error) {
-    diagnostics << REPLAY_NAME << ": " << error.what() << '\n';
-    return error.status();
-  } catch (const PluginError& error) {
-    diagnostics << REPLAY_NAME << ": " << error.what() << '\n';
-    return EXIT_PLUGIN;
-  } catch (const std::exception& error) {
-    diagnostics << REPLAY_NAME << ": " << error.what() << '\n';
-    return EXIT_IO;
+  } catch (...) {
+    return reportError(diagnostics);
   }
 }
 

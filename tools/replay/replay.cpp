@@ -182,19 +182,28 @@ void Replay::writeFigures(std::optional<std::int64_t> blocks) {
 
 } // namespace
 
+int reportError(std::ostream& diagnostics) noexcept {
+  const auto report = [&](const std::exception& error, int status) {
+    diagnostics << REPLAY_NAME << ": " << error.what() << '\n';
+    return status;
+  };
+  try {
+    throw;
+  } catch (const ReplayError& error) {
+    return report(error, error.status());
+  } catch (const PluginError& error) {
+    return report(error, EXIT_PLUGIN);
+  } catch (const std::exception& error) {
+    return report(error, EXIT_IO);
+  }
+}
+
 int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std::ostream& events,
            std::ostream& diagnostics, Terminal* terminal, bool colour) noexcept {
   try {
     return Replay(options, events, diagnostics, terminal, colour).run(inputs);
-  } catch (const ReplayError& e) {
-    diagnostics << REPLAY_NAME << ": " << e.what() << '\n';
-    return e.status();
-  } catch (const PluginError& e) {
-    diagnostics << REPLAY_NAME << ": " << e.what() << '\n';
-    return EXIT_PLUGIN;
-  } catch (const std::exception& e) {
-    diagnostics << REPLAY_NAME << ": " << e.what() << '\n';
-    return EXIT_IO;
+  } catch (...) {
+    return reportError(diagnostics);
   }
 }
 

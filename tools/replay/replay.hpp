@@ -27,6 +27,10 @@ namespace com::velanto::connectivity::tools {
 int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std::ostream& events,
            std::ostream& diagnostics, Terminal* terminal = nullptr, bool colour = false) noexcept;
 
+// Inside a handler: writes the exception to `diagnostics` and returns its exit status, one of
+// EXIT_STATUSES. The exception must be a std::exception.
+int reportError(std::ostream& diagnostics) noexcept;
+
 } // namespace com::velanto::connectivity::tools
 
 #endif
