@@ -17,7 +17,7 @@ struct reason_row_t {
   const char* quoted;
 };
 
-// The first row that fits decides.
+// The first row that fits decides; the last one fits every text.
 constexpr std::array ROWS = {
     reason_row_t{"Required key '", "' missing from message payload", "missing-key", nullptr,
                  "key '"},
@@ -73,10 +73,9 @@ std::string_view whatOf(std::string_view line) noexcept {
 } // namespace
 
 drop_reason_t dropReasonOfText(std::string_view what) {
-  for (const reason_row_t& row : ROWS) {
-    if (fits(row, what)) return {row.code, keyOf(row, what), {}};
-  }
-  return {"other", {}, {}};
+  const auto* const row = std::find_if(ROWS.begin(), ROWS.end(),
+                                       [&](const reason_row_t& each) { return fits(each, what); });
+  return {row->code, keyOf(*row, what), {}};
 }
 
 drop_reason_t dropReasonOf(std::span<const log_line_t> log) {
