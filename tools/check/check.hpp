@@ -2,6 +2,7 @@
 #ifndef VLT_TOOLS_CHECK_CHECK_HPP
 #define VLT_TOOLS_CHECK_CHECK_HPP
 
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -16,7 +17,7 @@ enum class Use { READ, LOAD };
 struct check_t {
   const char* name;  // suite.behaviour
   const char* claim; // a property of a good library; half a line
-  void (*run)(Trial& trial);
+  std::function<void(Trial&)> run;
   Use use = Use::LOAD;
 };
 

@@ -146,7 +146,7 @@ void deepNesting(Trial& trial) {
   trial.equal("events", 2, chain.send(std::move(batch)).size());
 }
 
-constexpr check_t BATCHES_CHECKS[] = {
+const check_t BATCHES_CHECKS[] = {
     {"batches.many", "of 5000 messages every good one arrives, in order", many},
     {"batches.forbidden-calls", "a batch asks for no log level and sets no user status",
      forbiddenCalls},

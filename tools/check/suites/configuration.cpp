@@ -53,7 +53,7 @@ void mayVanish(Trial& trial) {
   trial.equal("vlt.channel", "p.ostrovia.devices", textAt(event.getMetadataMap(), "vlt.channel"));
 }
 
-constexpr check_t CONFIGURATION_CHECKS[] = {
+const check_t CONFIGURATION_CHECKS[] = {
     {"configuration.left-untouched", "the caller's configuration stays the same, byte for byte",
      leftUntouched},
     {"configuration.may-vanish", "configuration and names may vanish when create has returned",

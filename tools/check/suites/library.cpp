@@ -83,7 +83,7 @@ void callsHostFunctionsOnly(Trial& trial) {
   trial.holds(host_functions > 0, "names asked of the host", "some of its functions", "none");
 }
 
-constexpr check_t LIBRARY_CHECKS[] = {
+const check_t LIBRARY_CHECKS[] = {
     {"library.is-a-shared-object", "the file is a whole shared object for x86-64", readable,
      Use::READ},
     {"library.exports-the-twelve", "the exported names are the twelve entry points and no others",

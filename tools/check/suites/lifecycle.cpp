@@ -162,7 +162,7 @@ void keptApart(Trial& trial) {
   }
 }
 
-constexpr check_t LIFECYCLE_CHECKS[] = {
+const check_t LIFECYCLE_CHECKS[] = {
     {"lifecycle.in-order", "every call succeeds in the host's order, and nothing is left", inOrder},
     {"lifecycle.out-of-order", "hooks succeed in any order and twice, and the codec stays usable",
      outOfOrder},

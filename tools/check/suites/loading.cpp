@@ -80,7 +80,7 @@ void livesAgain(Trial& trial) {
   }
 }
 
-constexpr check_t LOADING_CHECKS[] = {
+const check_t LOADING_CHECKS[] = {
     {"loading.loads", "the library is loaded with all its symbols bound, and unloaded", loads},
     {"loading.frees-its-blocks", "unloading gives back every block of the host", freesItsBlocks},
     {"loading.leaves-the-process", "an unloaded library is no longer in the process",

@@ -100,7 +100,7 @@ void silentWhenGood(Trial& trial) {
   trial.equal("standard output and error", "", trial.printed());
 }
 
-constexpr check_t LOG_CHECKS[] = {
+const check_t LOG_CHECKS[] = {
     {"log.trace-costs", "a trace renders payload and metadata once each", traceCosts},
     {"log.no-trace-below", "below level 6 nothing is rendered and nothing traced", noTraceBelow},
     {"log.no-drops-below", "below level 3 dropped messages are not logged, failures of calls are",

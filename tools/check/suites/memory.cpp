@@ -163,7 +163,7 @@ void passing(Trial& trial) {
   trial.equal("allocations refused", 0, standin_failed_allocations());
 }
 
-constexpr check_t MEMORY_CHECKS[] = {
+const check_t MEMORY_CHECKS[] = {
     {"memory.creation", "create fails cleanly at any refused allocation", creation},
     {"memory.conversions",
      "a conversion fails cleanly at any refused allocation, for all five kinds", conversions},

@@ -106,7 +106,7 @@ void hostHandles(Trial& trial) {
   trial.equal("destroy", 0, library.destroy(made));
 }
 
-constexpr check_t NULLS_CHECKS[] = {
+const check_t NULLS_CHECKS[] = {
     {"nulls.plugin", "every call with a null plug-in does nothing and returns 1, destroy 0",
      plugin},
     {"nulls.names", "null names read as empty ones", names},

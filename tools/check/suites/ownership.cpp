@@ -148,7 +148,7 @@ void heapStaysLevel(Trial& trial) {
               "about " + std::to_string(before) + " bytes", std::to_string(after) + " bytes");
 }
 
-constexpr check_t OWNERSHIP_CHECKS[] = {
+const check_t OWNERSHIP_CHECKS[] = {
     {"ownership.events", "the blocks of an event are all that a conversion leaves, each owned once",
      eventsOwnTheirBlocks},
     {"ownership.batch", "events of one batch share no block", aBatchOfEvents},

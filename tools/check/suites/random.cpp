@@ -148,7 +148,7 @@ void repeats(Trial& trial) {
   expectSameLines(trial, "log line", first.log, second.log);
 }
 
-constexpr check_t RANDOM_CHECKS[] = {
+const check_t RANDOM_CHECKS[] = {
     {"random.batching", "batches make no difference to mixed and damaged notifications", batching},
     {"random.repeats", "the same messages give the same events and lines again", repeats},
 };

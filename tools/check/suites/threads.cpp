@@ -106,7 +106,7 @@ void handedOver(Trial& trial) {
   in_a_thread([&] { trial.equal("destroy", 0, chain.codec.destroy()); });
 }
 
-constexpr check_t THREADS_CHECKS[] = {
+const check_t THREADS_CHECKS[] = {
     {"threads.two-codecs", "two codecs in two threads do not disturb each other", twoCodecs},
     {"threads.one-codec", "one codec serves two threads with messages of their own", oneCodec},
     {"threads.create-and-destroy", "codecs are made and destroyed in two threads at once",

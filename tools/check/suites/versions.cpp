@@ -36,7 +36,7 @@ void markDoesNothing(Trial& trial) {
   trial.equal("calls of host functions", 0, standin_calls_total());
 }
 
-constexpr check_t VERSIONS_CHECKS[] = {
+const check_t VERSIONS_CHECKS[] = {
     {"versions.interface", "the interface version is 4, before any codec is made", apiVersion},
     {"versions.product", "the product version is 10.15.4.1, before any codec is made",
      productVersion},
