@@ -26,10 +26,8 @@ bool startsWith(const std::string& text, const char* beginning) {
   return text.rfind(beginning, 0) == 0;
 }
 
-void readable(Trial& trial) {
-  trial.holds(readElfFile(trial.path()).needed.size() < 1000, "needed libraries", "a few",
-              "more than 1000");
-}
+// The reader throws on a damaged file and on one of another kind.
+void readable(Trial& trial) { static_cast<void>(readElfFile(trial.path())); }
 
 void exactExports(Trial& trial) {
   names_t exported;
