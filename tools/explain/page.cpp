@@ -12,16 +12,6 @@ constexpr std::size_t LABEL = 11;     // columns, with the blanks after it
 constexpr std::size_t CONTINUED = 15; // columns before a line that goes on
 constexpr const char* MARGIN = "  ";
 
-// The bytes of the first `width` characters.
-std::size_t bytesOf(std::string_view text, std::size_t width) {
-  std::size_t end = 0;
-  for (std::size_t characters = 0; end < text.size(); ++end) {
-    const bool begins = (static_cast<unsigned char>(text[end]) & 0xC0) != 0x80;
-    if (begins && characters++ == width) break;
-  }
-  return end;
-}
-
 } // namespace
 
 std::string Page::coloured(std::string_view text, Colour colour) const {

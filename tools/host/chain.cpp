@@ -6,7 +6,6 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-constexpr const char* PLUGIN_NAME = "OstroviaNotifications2Codec";
 constexpr const char* CHAIN_NAME = "replay";
 
 // The link of the direction without messages.
@@ -18,7 +17,7 @@ Chain::Chain(const PluginLibrary& library, const data_t& configuration, Directio
              std::vector<log_line_t>& log)
     : direction_(direction) {
   const LogScope scope(log);
-  plugin_.emplace(library, PLUGIN_NAME, CHAIN_NAME, configuration);
+  plugin_.emplace(library, PluginLibrary::CLASS_NAME, CHAIN_NAME, configuration);
   const link_t nowhere{nullptr, &ignore};
   const link_t here{&received_, &Received::take};
   const bool to_host = direction == Direction::TOWARDS_HOST;

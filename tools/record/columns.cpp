@@ -18,6 +18,14 @@ std::size_t widthOf(std::string_view text) noexcept {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), beginsCharacter));
 }
 
+std::size_t bytesOf(std::string_view text, std::size_t width) noexcept {
+  std::size_t end = 0;
+  for (std::size_t columns = 0; end < text.size(); ++end) {
+    if (beginsCharacter(text[end]) && columns++ == width) break;
+  }
+  return end;
+}
+
 std::string padded(std::string_view text, std::size_t width) {
   const std::size_t own = widthOf(text);
   return std::string(text) + std::string(width - std::min(own, width), ' ');
@@ -30,11 +38,7 @@ std::string leftPadded(std::string_view text, std::size_t width) {
 
 std::string cutBehind(std::string_view text, std::size_t width) {
   if (widthOf(text) <= width) return std::string(text);
-  std::size_t end = 0;
-  for (std::size_t characters = 0; end < text.size(); ++end) {
-    if (beginsCharacter(text[end]) && characters++ == width - 1) break;
-  }
-  return std::string(text.substr(0, end)) + ELLIPSIS;
+  return std::string(text.substr(0, bytesOf(text, width - 1))) + ELLIPSIS;
 }
 
 std::string cutBefore(std::string_view text, std::size_t width) {

@@ -10,6 +10,9 @@ namespace com::velanto::connectivity::tools {
 
 [[nodiscard]] std::size_t widthOf(std::string_view text) noexcept;
 
+// The number of bytes of the first `width` columns of `text`, or of all of it if it is narrower.
+[[nodiscard]] std::size_t bytesOf(std::string_view text, std::size_t width) noexcept;
+
 // `text` with blanks after or before it, as wide as `width` if it is not wider itself.
 [[nodiscard]] std::string padded(std::string_view text, std::size_t width);
 [[nodiscard]] std::string leftPadded(std::string_view text, std::size_t width);

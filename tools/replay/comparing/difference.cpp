@@ -77,11 +77,7 @@ std::string inLines(const char* sign, std::string_view text, std::size_t at) {
   rest = cutBehind(rest, WIDTH * LINES);
   std::string out;
   while (!rest.empty() || out.empty()) {
-    std::size_t end = 0;
-    for (std::size_t columns = 0; end < rest.size(); ++end) {
-      const bool begins = (static_cast<unsigned char>(rest[end]) & 0xC0) != 0x80;
-      if (begins && columns++ == WIDTH) break;
-    }
+    const std::size_t end = bytesOf(rest, WIDTH);
     out.append(out.empty() ? sign : "  ").append(rest, 0, end).append("\n");
     rest.erase(0, end);
   }
