@@ -1,7 +1,6 @@
 #include "tools/replay/running/worker.hpp"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "ndjson/json_writer.hpp"
@@ -10,12 +9,19 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-bool sameMessages(std::span<const Message> one, std::span<const Message> other) {
-  return std::equal(
-      one.begin(), one.end(), other.begin(), other.end(), [](const Message& a, const Message& b) {
-        return toJson(a) == toJson(b) ||
-               (a.getPayload() == b.getPayload() && a.getMetadataMap() == b.getMetadataMap());
-      });
+bool sameMessage(const Message& one, const Message& other) {
+  return toJson(one) == toJson(other) ||
+         (one.getPayload() == other.getPayload() && one.getMetadataMap() == other.getMetadataMap());
+}
+
+// Takes elements equal to those of `front` off the front of `all`. False: they are not there.
+template <class T, class Same>
+bool takeFront(std::span<const T>& all, const std::vector<T>& front, Same same) {
+  if (all.size() < front.size() || !std::equal(front.begin(), front.end(), all.begin(), same)) {
+    return false;
+  }
+  all = all.subspan(front.size());
+  return true;
 }
 
 } // namespace
@@ -99,27 +105,23 @@ void Worker::distribute(call_result_t& result, std::span<record_t> records) {
 void Worker::separate(const call_result_t& whole, std::span<record_t> records) {
   const std::vector<char> typed_before = std::exchange(typed_before_, {});
   std::size_t next = 0;
-  call_result_t together;
+  std::span<const Message> outputs = whole.outputs; // not yet compared
+  std::span<const log_line_t> log = whole.log;
+  bool same = true;
   for (record_t& record : records) {
     if (record.outcome == Outcome::MALFORMED) continue;
     batch_.clear();
     batch_.push_back(reader_.parseMessage(record.line));
     typed_before_.assign(1, typed_before[next++]);
     call_result_t& alone = chain_.send(batch_);
-    together.log.insert(together.log.end(), alone.log.begin(), alone.log.end());
     distribute(alone, {&record, 1});
-    std::move(record.outputs.begin(), record.outputs.end(), std::back_inserter(together.outputs));
+    same = same && takeFront(outputs, record.outputs, sameMessage) &&
+           takeFront(log, record.log, std::equal_to<>());
   }
-  const bool same =
-      whole.failed || (sameMessages(whole.outputs, together.outputs) && whole.log == together.log);
-  if (!same) {
+  if (!whole.failed && !(same && outputs.empty() && log.empty())) {
     incidents_.broken_laws.push_back(records.front().place() +
                                      ": the results of the messages depend on their batch, of " +
                                      std::to_string(typed_before.size()));
-  }
-  auto output = together.outputs.begin();
-  for (record_t& record : records) {
-    for (Message& message : record.outputs) message = std::move(*output++);
   }
 }
 
