@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "tools/explain/explanation_groups.hpp"
-#include "tools/host/chain.hpp"
+#include "tools/host/replay_chain.hpp"
 #include "tools/record/output.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -48,7 +48,7 @@ class Explainer final : public Consumer {
   ExplanationGroups groups_;
   std::chrono::nanoseconds time_{};
   std::int64_t lost_blocks_ = 0;
-  std::optional<Chain> chain_;
+  std::optional<ReplayChain> chain_;
 };
 
 } // namespace com::velanto::connectivity::tools

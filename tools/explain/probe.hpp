@@ -11,7 +11,7 @@
 
 #include "tools/explain/change.hpp"
 #include "tools/explain/trace.hpp"
-#include "tools/host/chain.hpp"
+#include "tools/host/replay_chain.hpp"
 
 namespace com::velanto::connectivity::tools {
 

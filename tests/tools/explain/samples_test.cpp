@@ -42,7 +42,7 @@ class SamplesTest : public HostFixture {
   const tools::LogCapture capture_;
   const tools::PluginLibrary library_{VLT_PLUGIN_PATH};
   std::vector<tools::log_line_t> log_;
-  std::optional<tools::Chain> chain_;
+  std::optional<tools::ReplayChain> chain_;
   tools::record_t record_;
   tools::Trace after_;
 };

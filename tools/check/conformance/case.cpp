@@ -8,7 +8,7 @@
 #include <typeinfo>
 
 #include "ndjson/json_reader.hpp"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/values.hpp"
 
 namespace com::velanto::connectivity::tools::check {

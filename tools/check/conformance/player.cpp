@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tools/check/blocks.hpp"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/comparison.hpp"
 #include "tools/check/values.hpp"
 

@@ -6,7 +6,7 @@
 
 #include "ndjson/make_list.hpp"
 #include "standin/standin.h"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/examples.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/check/values.hpp"
@@ -40,7 +40,7 @@ std::vector<Message> mixture() {
 
 void many(Trial& trial) {
   constexpr int COUNT = 5000;
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   std::vector<Message> batch;
   std::string expected;
   for (int i = 0; i < COUNT; ++i) {
@@ -50,65 +50,65 @@ void many(Trial& trial) {
     if (!expected.empty()) expected += ' ';
     expected += id;
   }
-  const std::vector<Message> events = chain.send(std::move(batch));
-  trial.equal("calls of the link", 1, chain.codec.host.calls.size());
+  const std::vector<Message> events = fixture.send(std::move(batch));
+  trial.equal("calls of the link", 1, fixture.codec.host.calls.size());
   trial.holds(idsOf(events) == expected, "ids at the link", "all that convert, in order",
               std::to_string(events.size()) + " others, or in another order");
-  trial.equal("log lines", (COUNT + 3) / 7, chain.log.take().size());
+  trial.equal("log lines", (COUNT + 3) / 7, fixture.log.take().size());
 }
 
 void forbiddenCalls(Trial& trial) {
-  Chain chain(trial);
-  chain.codec.start();
-  chain.codec.hostReady();
+  CheckFixture fixture(trial);
+  fixture.codec.start();
+  fixture.codec.hostReady();
   std::vector<Message> batch = mixture();
   std::vector<Message> down = mixture();
   standin_reset_calls();
-  chain.codec.towardsHost(batch);
-  chain.codec.towardsTransport(down);
+  fixture.codec.towardsHost(batch);
+  fixture.codec.towardsTransport(down);
   trial.equal("calls of vlt_get_log_level", 0, standin_calls(STANDIN_GET_LOG_LEVEL));
   trial.equal("calls of vlt_set_user_status_map", 0, standin_calls(STANDIN_SET_USER_STATUS_MAP));
 }
 
 void throwingLink(Trial& trial) {
-  Chain chain(trial);
-  chain.codec.setNextTowardsHost(nullptr,
-                                 [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {
-                                   throw std::runtime_error("jam");
-                                 });
+  CheckFixture fixture(trial);
+  fixture.codec.setNextTowardsHost(nullptr,
+                                   [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {
+                                     throw std::runtime_error("jam");
+                                   });
   Message message = plainEvent("1");
-  trial.equal("sendBatchTowardsHost", 1, chain.codec.towardsHost({&message, 1}));
-  chain.expectLog("a link that throws", {line(3, "Exception from sendBatchTowardsHost: jam")});
-  chain.codec.setNextTowardsHost(&chain.codec.host, Link::take);
-  trial.equal("events afterwards", 1, chain.send(plainEvent("2")).size());
+  trial.equal("sendBatchTowardsHost", 1, fixture.codec.towardsHost({&message, 1}));
+  fixture.expectLog("a link that throws", {line(3, "Exception from sendBatchTowardsHost: jam")});
+  fixture.codec.setNextTowardsHost(&fixture.codec.host, Link::take);
+  trial.equal("events afterwards", 1, fixture.send(plainEvent("2")).size());
 }
 
 void nothingKept(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   for (int i = 0; i < 20; ++i) {
-    trial.equal("ids at the link", "2 4 5 7", idsOf(chain.send(mixture())));
-    trial.equal("log lines", 3, chain.log.take().size());
+    trial.equal("ids at the link", "2 4 5 7", idsOf(fixture.send(mixture())));
+    trial.equal("log lines", 3, fixture.log.take().size());
   }
 }
 
 void ownHandle(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   Link other;
-  chain.codec.setNextTowardsTransport(&other, Link::take);
+  fixture.codec.setNextTowardsTransport(&other, Link::take);
   std::vector<Message> batch = mixture();
-  chain.codec.towardsTransport(batch);
+  fixture.codec.towardsTransport(batch);
   trial.equal("calls with a handle that nobody set", 0, Link::strayCalls());
   trial.equal("messages at the link whose handle was set", batch.size(), other.messages.size());
 }
 
 void throwingTransportLink(Trial& trial) {
-  Chain chain(trial);
-  chain.codec.setNextTowardsTransport(
+  CheckFixture fixture(trial);
+  fixture.codec.setNextTowardsTransport(
       nullptr, [](void*, vlt_underlying_message_t*, vlt_underlying_message_t*) { throw 7; });
   Message message(value("1"));
-  trial.equal("sendBatchTowardsTransport", 1, chain.codec.towardsTransport({&message, 1}));
-  chain.expectLog("a link that throws a number",
-                  {line(3, "Unknown exception from sendBatchTowardsTransport")});
+  trial.equal("sendBatchTowardsTransport", 1, fixture.codec.towardsTransport({&message, 1}));
+  fixture.expectLog("a link that throws a number",
+                    {line(3, "Unknown exception from sendBatchTowardsTransport")});
 }
 
 constexpr int DEPTH = 200'000;
@@ -135,7 +135,7 @@ data_t nestedLists() {
 
 // A message nests as deep as its sender likes, without consuming stack.
 void deepNesting(Trial& trial) {
-  Chain chain(trial, R"({"tenantId": "t1"})", 6);
+  CheckFixture fixture(trial, R"({"tenantId": "t1"})", 6);
   std::vector<Message> batch;
   batch.push_back(plainEvent("1"));
   set(batch[0].getPayload(), "deep", nestedMaps());
@@ -143,7 +143,7 @@ void deepNesting(Trial& trial) {
   set(batch[1].getPayload(), "deep", nestedLists());
   batch.push_back(plainEvent("3", UNKNOWN_PATH));
   set(batch[2].getPayload(), "deep", nestedMaps());
-  trial.equal("events", 2, chain.send(std::move(batch)).size());
+  trial.equal("events", 2, fixture.send(std::move(batch)).size());
 }
 
 const check_t BATCHES_CHECKS[] = {

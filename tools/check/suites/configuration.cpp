@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "tools/check/blocks.hpp"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/examples.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/check/values.hpp"

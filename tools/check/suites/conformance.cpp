@@ -1,7 +1,7 @@
 // The conformance files, one check a file: plays each line from create to destroy.
 #include <functional>
 
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/conformance/player.hpp"
 #include "tools/check/suites/suites.hpp"
 

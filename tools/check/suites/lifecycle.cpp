@@ -5,7 +5,7 @@
 
 #include "standin/standin.h"
 #include "tools/check/blocks.hpp"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/examples.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/check/values.hpp"
@@ -25,35 +25,35 @@ void expectWorks(Trial& trial, const std::string& when, Codec& codec) {
 void inOrder(Trial& trial) {
   const Books books;
   {
-    Chain chain(trial);
-    trial.equal("start", 0, chain.codec.start());
-    trial.equal("hostReady", 0, chain.codec.hostReady());
-    expectWorks(trial, "after hostReady", chain.codec);
+    CheckFixture fixture(trial);
+    trial.equal("start", 0, fixture.codec.start());
+    trial.equal("hostReady", 0, fixture.codec.hostReady());
+    expectWorks(trial, "after hostReady", fixture.codec);
     Message down(value("5"));
-    trial.equal("sendBatchTowardsTransport", 0, chain.codec.towardsTransport({&down, 1}));
-    trial.equal("messages at the transport", 1, chain.codec.transport.messages.size());
-    trial.equal("shutdown", 0, chain.codec.shutdown());
-    trial.equal("destroy", 0, chain.codec.destroy());
-    chain.expectLog("a life", {});
+    trial.equal("sendBatchTowardsTransport", 0, fixture.codec.towardsTransport({&down, 1}));
+    trial.equal("messages at the transport", 1, fixture.codec.transport.messages.size());
+    trial.equal("shutdown", 0, fixture.codec.shutdown());
+    trial.equal("destroy", 0, fixture.codec.destroy());
+    fixture.expectLog("a life", {});
   }
   books.expectBack(trial, "after unloading");
 }
 
 void outOfOrder(Trial& trial) {
-  Chain chain(trial);
-  trial.equal("shutdown before start", 0, chain.codec.shutdown());
-  trial.equal("hostReady before start", 0, chain.codec.hostReady());
-  trial.equal("start", 0, chain.codec.start());
-  trial.equal("a second start", 0, chain.codec.start());
-  trial.equal("shutdown", 0, chain.codec.shutdown());
-  trial.equal("a second shutdown", 0, chain.codec.shutdown());
-  expectWorks(trial, "after shutdown", chain.codec);
-  chain.expectLog("out of order", {});
+  CheckFixture fixture(trial);
+  trial.equal("shutdown before start", 0, fixture.codec.shutdown());
+  trial.equal("hostReady before start", 0, fixture.codec.hostReady());
+  trial.equal("start", 0, fixture.codec.start());
+  trial.equal("a second start", 0, fixture.codec.start());
+  trial.equal("shutdown", 0, fixture.codec.shutdown());
+  trial.equal("a second shutdown", 0, fixture.codec.shutdown());
+  expectWorks(trial, "after shutdown", fixture.codec);
+  fixture.expectLog("out of order", {});
 }
 
 void batchBeforeStart(Trial& trial) {
-  Chain chain(trial);
-  expectWorks(trial, "before start", chain.codec);
+  CheckFixture fixture(trial);
+  expectWorks(trial, "before start", fixture.codec);
 }
 
 void batchBeforeLinks(Trial& trial) {
@@ -81,11 +81,11 @@ void startWithoutLinks(Trial& trial) {
 }
 
 void hooksCallNothing(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   standin_reset_calls();
-  chain.codec.start();
-  chain.codec.hostReady();
-  chain.codec.shutdown();
+  fixture.codec.start();
+  fixture.codec.hostReady();
+  fixture.codec.shutdown();
   trial.equal("calls of host functions", 0, standin_calls_total());
 }
 
@@ -102,24 +102,24 @@ void destroyAtOnce(Trial& trial) {
 }
 
 void destroySetsNoStatus(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   standin_reset_calls();
-  chain.codec.destroy();
+  fixture.codec.destroy();
   trial.equal("calls of vlt_set_user_status_map", 0, standin_calls(STANDIN_SET_USER_STATUS_MAP));
 }
 
 void linksAreReplaced(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   Link second;
-  trial.equal("setNextTowardsHost", 0, chain.codec.setNextTowardsHost(&second, Link::take));
-  chain.send(plainEvent("1"));
-  trial.equal("batches at the first link", 0, chain.codec.host.calls.size());
+  trial.equal("setNextTowardsHost", 0, fixture.codec.setNextTowardsHost(&second, Link::take));
+  fixture.send(plainEvent("1"));
+  trial.equal("batches at the first link", 0, fixture.codec.host.calls.size());
   trial.equal("batches at the second link", 1, second.calls.size());
 }
 
 void sameNames(Trial& trial) {
-  Chain chain(trial);
-  auto twin = std::make_unique<Codec>(trial, chain.loaded, value(R"({"tenantId": "t2"})"));
+  CheckFixture fixture(trial);
+  auto twin = std::make_unique<Codec>(trial, fixture.loaded, value(R"({"tenantId": "t2"})"));
   twin->link();
   Message message = plainEvent("1");
   twin->towardsHost({&message, 1});
@@ -128,17 +128,18 @@ void sameNames(Trial& trial) {
                 textAt(twin->host.messages[0].getPayload(), "tenantId"));
   }
   twin.reset();
-  const std::vector<Message> events = chain.send(plainEvent("1"));
+  const std::vector<Message> events = fixture.send(plainEvent("1"));
   if (trial.equal("events of the first codec", 1, events.size())) {
     trial.equal("tenant of the first codec", "t1", textAt(events[0].getPayload(), "tenantId"));
   }
-  chain.expectLog("two codecs of one name", {});
+  fixture.expectLog("two codecs of one name", {});
 }
 
 void keptApart(Trial& trial) {
-  Chain chain(trial, R"({"tenantId": "t1", "towardsHostChannelPrefix": "a."})");
-  Codec other(trial, chain.loaded, value(R"({"tenantId": "t2", "towardsHostChannelPrefix": "b."})"),
-              PLUGIN_NAME, "other");
+  CheckFixture fixture(trial, R"({"tenantId": "t1", "towardsHostChannelPrefix": "a."})");
+  Codec other(trial, fixture.loaded,
+              value(R"({"tenantId": "t2", "towardsHostChannelPrefix": "b."})"), PLUGIN_NAME,
+              "other");
   other.link();
   std::vector<Message> batch;
   batch.push_back(plainEvent("1"));
@@ -150,12 +151,13 @@ void keptApart(Trial& trial) {
                 textAt(event.getMetadataMap(), "vlt.channel"));
     trial.equal("tenant of the other codec", "t2", textAt(event.getPayload(), "tenantId"));
   }
-  trial.equal("batches at the first codec's link", 0, chain.codec.host.calls.size());
-  chain.expectLog("the other codec",
-                  {"3 connectivity.codec.other <connectivity.codec.other> Error when transforming "
-                   "message towards host ('id' = '2'): Unrecognised Pulsar message type: "
-                   "'inventory'"});
-  const std::vector<Message> events = chain.send(plainEvent("1"));
+  trial.equal("batches at the first codec's link", 0, fixture.codec.host.calls.size());
+  fixture.expectLog(
+      "the other codec",
+      {"3 connectivity.codec.other <connectivity.codec.other> Error when transforming "
+       "message towards host ('id' = '2'): Unrecognised Pulsar message type: "
+       "'inventory'"});
+  const std::vector<Message> events = fixture.send(plainEvent("1"));
   if (trial.equal("events of the first codec", 1, events.size())) {
     trial.equal("channel of the first codec", "a.ostrovia.devices",
                 textAt(events[0].getMetadataMap(), "vlt.channel"));

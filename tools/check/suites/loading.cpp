@@ -7,7 +7,7 @@
 #include <string>
 
 #include "tools/check/blocks.hpp"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/counted_heap.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/host/plugin_library.hpp"
@@ -75,7 +75,7 @@ void heapStaysLevelOverLoads(Trial& trial) {
 void livesAgain(Trial& trial) {
   for (const char* const name : {"first", "second"}) {
     const Books books;
-    { Chain chain(trial); }
+    { CheckFixture fixture(trial); }
     books.expectBack(trial, std::string("after the ") + name + " life");
   }
 }

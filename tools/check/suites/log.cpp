@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "standin/standin.h"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/examples.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/check/values.hpp"
@@ -24,38 +24,38 @@ std::string unknownLine(const std::string& id) {
 }
 
 void traceCosts(Trial& trial) {
-  Chain chain(trial, CONFIGURATION, TRACE);
+  CheckFixture fixture(trial, CONFIGURATION, TRACE);
   standin_reset_calls();
-  chain.send(plainEvent("1"));
+  fixture.send(plainEvent("1"));
   trial.equal("strings rendered for one notification", 2, standin_calls(STANDIN_DATA_TO_STRING));
 }
 
 void noTraceBelow(Trial& trial) {
-  Chain chain(trial, CONFIGURATION, TRACE - 1);
+  CheckFixture fixture(trial, CONFIGURATION, TRACE - 1);
   standin_reset_calls();
   std::vector<Message> batch;
   batch.push_back(plainEvent("1"));
   batch.push_back(unknown("2"));
-  chain.send(std::move(batch));
+  fixture.send(std::move(batch));
   trial.equal("strings rendered", 0, standin_calls(STANDIN_DATA_TO_STRING));
-  chain.expectLog("at level 5", {unknownLine("2")});
+  fixture.expectLog("at level 5", {unknownLine("2")});
 }
 
 void noDropsBelow(Trial& trial) {
-  Chain chain(trial, CONFIGURATION, 2);
+  CheckFixture fixture(trial, CONFIGURATION, 2);
   standin_reset_calls();
-  chain.send(unknown("1"));
+  fixture.send(unknown("1"));
   trial.equal("calls of vlt_log_at", 0, standin_calls(STANDIN_LOG_AT));
-  chain.expectLog("a dropped message at level 2", {});
-  chain.codec.setNextTowardsHost(nullptr, nullptr);
-  trial.equal("lines for a refused link at level 2", 1, chain.log.take().size());
+  fixture.expectLog("a dropped message at level 2", {});
+  fixture.codec.setNextTowardsHost(nullptr, nullptr);
+  trial.equal("lines for a refused link at level 2", 1, fixture.log.take().size());
 }
 
 void nothingAtAll(Trial& trial) {
-  Chain chain(trial, CONFIGURATION, 0);
-  chain.send(unknown("1"));
-  chain.codec.setNextTowardsHost(nullptr, nullptr);
-  chain.expectLog("at level 0", {});
+  CheckFixture fixture(trial, CONFIGURATION, 0);
+  fixture.send(unknown("1"));
+  fixture.codec.setNextTowardsHost(nullptr, nullptr);
+  fixture.expectLog("at level 0", {});
 }
 
 void category(Trial& trial) {
@@ -74,29 +74,29 @@ void category(Trial& trial) {
 
 // The level is that of the codec's own category, read at its creation.
 void levelOfCreation(Trial& trial) {
-  Chain chain(trial, CONFIGURATION, TRACE - 1);
+  CheckFixture fixture(trial, CONFIGURATION, TRACE - 1);
   standin_set_default_log_level(TRACE);
-  chain.send(plainEvent("1"));
-  chain.expectLog("raised after creation", {});
+  fixture.send(plainEvent("1"));
+  fixture.expectLog("raised after creation", {});
   standin_set_log_level("connectivity.codec.chain", TRACE);
   standin_set_default_log_level(0);
-  Codec codec(trial, chain.loaded, chain.configuration);
+  Codec codec(trial, fixture.loaded, fixture.configuration);
   codec.link();
   Message message = plainEvent("1");
   codec.towardsHost({&message, 1});
-  trial.equal("lines of a codec whose category has level 6", 1, chain.log.take().size());
+  trial.equal("lines of a codec whose category has level 6", 1, fixture.log.take().size());
 }
 
 void silentWhenGood(Trial& trial) {
-  Chain chain(trial, CONFIGURATION, TRACE - 1);
-  chain.codec.start();
-  chain.codec.hostReady();
+  CheckFixture fixture(trial, CONFIGURATION, TRACE - 1);
+  fixture.codec.start();
+  fixture.codec.hostReady();
   std::vector<Message> batch;
   for (const line_t& example : exampleLines()) batch.push_back(notificationOf(example));
-  chain.send(std::move(batch));
-  chain.codec.shutdown();
-  chain.codec.destroy();
-  chain.expectLog("a life without faults", {});
+  fixture.send(std::move(batch));
+  fixture.codec.shutdown();
+  fixture.codec.destroy();
+  fixture.expectLog("a life without faults", {});
   trial.equal("standard output and error", "", trial.printed());
 }
 

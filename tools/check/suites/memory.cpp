@@ -4,7 +4,7 @@
 
 #include "standin/standin.h"
 #include "tools/check/blocks.hpp"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/examples.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/check/values.hpp"
@@ -61,7 +61,7 @@ bool isReport(const std::string& came, const std::string& id) {
 // Before or after the message's turn: its own is the only one that may be lost.
 void conversions(Trial& trial) {
   for (const line_t& example : exampleLines()) {
-    Chain chain(trial);
+    CheckFixture fixture(trial);
     withEachRefused(trial, [&](std::uint64_t n) {
       const std::string where = example.place() + ", " + nth(n);
       const Books books;
@@ -69,97 +69,97 @@ void conversions(Trial& trial) {
       batch.push_back(notificationOf(example));
       const std::string id = textAt(batch[0].getPayload(), "id");
       standin_fail_allocation(n);
-      const int result = chain.codec.towardsHost(batch);
+      const int result = fixture.codec.towardsHost(batch);
       standin_fail_allocation(0);
       const bool refused = standin_failed_allocations() > 0;
       trial.equal(where + ", result", 0, result);
-      trial.equal(where + ", events", refused ? 0 : 1, chain.codec.host.messages.size());
-      const lines_t lines = chain.log.take();
+      trial.equal(where + ", events", refused ? 0 : 1, fixture.codec.host.messages.size());
+      const lines_t lines = fixture.log.take();
       trial.equal(where + ", log lines", refused ? 1 : 0, lines.size());
       if (lines.size() == 1) {
         trial.holds(isReport(lines[0], id), where + ", log", dropped(": std::bad_alloc"), lines[0]);
       }
-      for (Message& event : chain.codec.host.messages) batch.push_back(std::move(event));
-      chain.codec.host.messages.clear();
+      for (Message& event : fixture.codec.host.messages) batch.push_back(std::move(event));
+      fixture.codec.host.messages.clear();
       expectOwnership(trial, where, books.before(), batch);
     });
   }
 }
 
 void theBatchGoesOn(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   withEachRefused(trial, [&](std::uint64_t n) {
     std::vector<Message> batch;
     for (const char* const id : {"1", "2", "3"}) batch.push_back(plainEvent(id));
     standin_fail_allocation(n);
-    chain.codec.towardsHost(batch);
+    fixture.codec.towardsHost(batch);
     standin_fail_allocation(0);
     const bool refused = standin_failed_allocations() > 0;
-    trial.equal(nth(n) + ", events", refused ? 2 : 3, chain.codec.host.messages.size());
-    chain.codec.host.messages.clear();
-    trial.equal(nth(n) + ", log lines", refused ? 1 : 0, chain.log.take().size());
+    trial.equal(nth(n) + ", events", refused ? 2 : 3, fixture.codec.host.messages.size());
+    fixture.codec.host.messages.clear();
+    trial.equal(nth(n) + ", log lines", refused ? 1 : 0, fixture.log.take().size());
   });
 }
 
 // Dropping takes memory of its own; a report may be short, but the message must go.
 void dropping(Trial& trial) {
-  Chain chain(trial, R"({"tenantId": "t1"})", 6);
+  CheckFixture fixture(trial, R"({"tenantId": "t1"})", 6);
   for (std::uint64_t n = 1; n <= 40; ++n) {
     const Books books;
     std::vector<Message> batch;
     batch.push_back(plainEvent("1", UNKNOWN_PATH));
     standin_fail_allocation(n);
-    trial.equal(nth(n) + ", result", 0, chain.codec.towardsHost(batch));
+    trial.equal(nth(n) + ", result", 0, fixture.codec.towardsHost(batch));
     standin_fail_allocation(0);
-    trial.equal(nth(n) + ", events", 0, chain.codec.host.messages.size());
+    trial.equal(nth(n) + ", events", 0, fixture.codec.host.messages.size());
     expectOwnership(trial, nth(n), books.before(), batch);
-    static_cast<void>(chain.log.take());
+    static_cast<void>(fixture.log.take());
   }
 }
 
 void noneAtAll(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   const Books books;
   std::vector<Message> batch;
   for (const char* const id : {"1", "2"}) batch.push_back(plainEvent(id));
   standin_fail_allocations_from(1);
-  const int result = chain.codec.towardsHost(batch);
+  const int result = fixture.codec.towardsHost(batch);
   standin_fail_allocation(0);
   trial.equal("sendBatchTowardsHost", 0, result);
-  trial.equal("events", 0, chain.codec.host.messages.size());
-  chain.expectLog("both reported, with their ids", {dropped(" ('id' = '1'): std::bad_alloc"),
-                                                    dropped(" ('id' = '2'): std::bad_alloc")});
+  trial.equal("events", 0, fixture.codec.host.messages.size());
+  fixture.expectLog("both reported, with their ids", {dropped(" ('id' = '1'): std::bad_alloc"),
+                                                      dropped(" ('id' = '2'): std::bad_alloc")});
   expectOwnership(trial, "without any memory", books.before(), batch);
-  trial.equal("events afterwards", 1, chain.send(plainEvent("3")).size());
+  trial.equal("events afterwards", 1, fixture.send(plainEvent("3")).size());
 }
 
 void fromThenOn(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   const std::vector<line_t> examples = exampleLines();
   for (std::uint64_t n = 1; n <= 60; ++n) {
     const Books books;
     std::vector<Message> batch;
     for (const line_t& example : examples) batch.push_back(notificationOf(example));
     standin_fail_allocations_from(n);
-    const int result = chain.codec.towardsHost(batch);
+    const int result = fixture.codec.towardsHost(batch);
     standin_fail_allocation(0);
     trial.equal(nth(n) + " and all after it, result", 0, result);
-    for (Message& event : chain.codec.host.messages) batch.push_back(std::move(event));
-    chain.codec.host.messages.clear();
+    for (Message& event : fixture.codec.host.messages) batch.push_back(std::move(event));
+    fixture.codec.host.messages.clear();
     expectOwnership(trial, nth(n) + " and all after it", books.before(), batch);
-    static_cast<void>(chain.log.take());
+    static_cast<void>(fixture.log.take());
   }
 }
 
 void passing(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   std::vector<Message> batch;
   batch.emplace_back(value(R"({"a": 1})"));
   batch.push_back(notification(EVENT_PATH, data_t()));
   standin_fail_allocations_from(1);
-  trial.equal("towards the host", 0, chain.codec.towardsHost(batch));
+  trial.equal("towards the host", 0, fixture.codec.towardsHost(batch));
   standin_fail_allocation(0);
-  trial.equal("messages at the host", 2, chain.codec.host.messages.size());
+  trial.equal("messages at the host", 2, fixture.codec.host.messages.size());
   trial.equal("allocations refused", 0, standin_failed_allocations());
 }
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tools/check/blocks.hpp"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/examples.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/check/values.hpp"
@@ -51,42 +51,43 @@ void names(Trial& trial) {
 }
 
 // One line at level 2 that names the call; the wording of the reason is the library's.
-void expectOneFailureLine(Chain& chain, const char* call) {
-  const lines_t lines = chain.log.take();
-  if (!chain.trial.equal(std::string(call) + ", log lines", 1, lines.size())) return;
+void expectOneFailureLine(CheckFixture& fixture, const char* call) {
+  const lines_t lines = fixture.log.take();
+  if (!fixture.trial.equal(std::string(call) + ", log lines", 1, lines.size())) return;
   const std::string beginning = line(2, std::string("Exception from ") + call + ": ");
-  chain.trial.equal(std::string(call) + ", log", beginning, lines[0].substr(0, beginning.size()));
+  fixture.trial.equal(std::string(call) + ", log", beginning, lines[0].substr(0, beginning.size()));
 }
 
 void batchFunction(Trial& trial) {
-  Chain chain(trial);
-  trial.equal("setNextTowardsHost", 1, chain.codec.setNextTowardsHost(nullptr, nullptr));
-  expectOneFailureLine(chain, "setNextTowardsHost");
-  trial.equal("setNextTowardsTransport", 1, chain.codec.setNextTowardsTransport(nullptr, nullptr));
-  expectOneFailureLine(chain, "setNextTowardsTransport");
-  chain.send(plainEvent("1"));
-  trial.equal("batches at the previous link", 1, chain.codec.host.calls.size());
+  CheckFixture fixture(trial);
+  trial.equal("setNextTowardsHost", 1, fixture.codec.setNextTowardsHost(nullptr, nullptr));
+  expectOneFailureLine(fixture, "setNextTowardsHost");
+  trial.equal("setNextTowardsTransport", 1,
+              fixture.codec.setNextTowardsTransport(nullptr, nullptr));
+  expectOneFailureLine(fixture, "setNextTowardsTransport");
+  fixture.send(plainEvent("1"));
+  trial.equal("batches at the previous link", 1, fixture.codec.host.calls.size());
 }
 
 void emptyRange(Trial& trial) {
-  Chain chain(trial);
-  trial.equal("sendBatchTowardsHost", 0, chain.codec.towardsHost({}));
-  trial.equal("sendBatchTowardsTransport", 0, chain.codec.towardsTransport({}));
-  trial.equal("batches at the host", 1, chain.codec.host.calls.size());
-  trial.equal("batches at the transport", 1, chain.codec.transport.calls.size());
+  CheckFixture fixture(trial);
+  trial.equal("sendBatchTowardsHost", 0, fixture.codec.towardsHost({}));
+  trial.equal("sendBatchTowardsTransport", 0, fixture.codec.towardsTransport({}));
+  trial.equal("batches at the host", 1, fixture.codec.host.calls.size());
+  trial.equal("batches at the transport", 1, fixture.codec.transport.calls.size());
 }
 
 // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a null handle leads nowhere
 int null_handle_calls = 0;
 
 void linkHandle(Trial& trial) {
-  Chain chain(trial);
-  chain.codec.setNextTowardsHost(
+  CheckFixture fixture(trial);
+  fixture.codec.setNextTowardsHost(
       nullptr, [](void* handle, vlt_underlying_message_t*, vlt_underlying_message_t*) {
         if (handle == nullptr) ++null_handle_calls;
       });
   Message message = plainEvent("1");
-  trial.equal("sendBatchTowardsHost", 0, chain.codec.towardsHost({&message, 1}));
+  trial.equal("sendBatchTowardsHost", 0, fixture.codec.towardsHost({&message, 1}));
   trial.equal("calls with the null handle", 1, null_handle_calls);
 }
 

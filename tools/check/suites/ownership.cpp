@@ -7,7 +7,7 @@
 
 #include "standin/standin.h"
 #include "tools/check/blocks.hpp"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/counted_heap.hpp"
 #include "tools/check/examples.hpp"
 #include "tools/check/suites/suites.hpp"
@@ -18,23 +18,23 @@ namespace com::velanto::connectivity::tools::check {
 namespace {
 
 void eventsOwnTheirBlocks(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   for (const line_t& example : exampleLines()) {
     const Books books;
-    const std::vector<Message> converted = chain.send(notificationOf(example));
+    const std::vector<Message> converted = fixture.send(notificationOf(example));
     expectOwnership(trial, example.place(), books.before(), converted);
   }
 }
 
 void aBatchOfEvents(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   const std::vector<line_t> examples = exampleLines();
   const Books books;
   std::vector<Message> batch;
   for (int i = 0; i < 3; ++i) {
     for (const line_t& example : examples) batch.push_back(notificationOf(example));
   }
-  std::vector<Message> converted = chain.send(std::move(batch));
+  std::vector<Message> converted = fixture.send(std::move(batch));
   trial.equal("events", 3 * examples.size(), converted.size());
   expectOwnership(trial, "the events of a batch", books.before(), converted);
   converted.clear();
@@ -42,7 +42,7 @@ void aBatchOfEvents(Trial& trial) {
 }
 
 void droppedMessages(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   for (const char* const payload :
        {R"({"id": "1"})", R"({"id": 1})", R"({"id": "1", "source": {"id": 7}, "text": "t"})",
         R"({"id": "1", "source": {"id": "7"}, "text": 1, "time": "2023-04-05T06:07:08Z",
@@ -52,33 +52,33 @@ void droppedMessages(Trial& trial) {
          {"events", "alarms", "measurements", "managedobjects", "operations", "inventory"}) {
       const std::string path = std::string("t/s/") + kind + "/1";
       const Books books;
-      chain.codec.host.moves_out = false;
+      fixture.codec.host.moves_out = false;
       std::vector<Message> batch;
       batch.push_back(notification(path.c_str(), std::string_view(payload)));
-      chain.codec.towardsHost(batch);
+      fixture.codec.towardsHost(batch);
       expectOwnership(trial, std::string(kind) + " " + payload, books.before(), batch);
     }
   }
 }
 
 void passedMessages(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   const Books books;
   std::vector<Message> batch;
   batch.emplace_back(value(R"({"a": [1, {"b": "c"}]})"));
   batch.push_back(notification(EVENT_PATH, data_t()));
-  const std::vector<Message> kept = chain.send(std::move(batch));
+  const std::vector<Message> kept = fixture.send(std::move(batch));
   expectOwnership(trial, "towards the host", books.before(), kept);
 }
 
 void towardsTransport(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   const Books books;
   std::vector<Message> batch;
   batch.push_back(plainEvent("1"));
   batch.emplace_back(value(R"({"a": [1, {"b": "c"}]})"));
-  chain.codec.towardsTransport(batch);
-  expectOwnership(trial, "towards the transport", books.before(), chain.codec.transport.messages);
+  fixture.codec.towardsTransport(batch);
+  expectOwnership(trial, "towards the transport", books.before(), fixture.codec.transport.messages);
 }
 
 // A codec is the only owner of its blocks: its events survive it, and it survives them.
@@ -86,11 +86,11 @@ void eventsOutliveTheCodec(Trial& trial) {
   const Books books;
   std::vector<Message> converted;
   {
-    Chain chain(trial, R"({"tenantId": "t1", "towardsHostChannelPrefix": "p."})");
+    CheckFixture fixture(trial, R"({"tenantId": "t1", "towardsHostChannelPrefix": "p."})");
     std::vector<Message> batch;
     batch.push_back(plainEvent("1"));
     batch.push_back(plainMeasurement("2"));
-    converted = chain.send(std::move(batch));
+    converted = fixture.send(std::move(batch));
   }
   if (!trial.equal("events", 2, converted.size())) return;
   for (const Message& event : converted) {
@@ -107,7 +107,7 @@ const void* blockOf(const data_t& payload, const char* key) {
 }
 
 void containersAreMoved(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   Message message = plainEvent("1");
   set(message.getPayload(), "list", value(R"([1, "two"])"));
   set(message.getPayload(), "map", value(R"({"a": "b"})"));
@@ -116,7 +116,7 @@ void containersAreMoved(Trial& trial) {
   constexpr const char* KEYS[] = {"list", "map", "buffer", "custom"};
   std::vector<const void*> blocks;
   for (const char* const key : KEYS) blocks.push_back(blockOf(message.getPayload(), key));
-  const std::vector<Message> converted = chain.send(std::move(message));
+  const std::vector<Message> converted = fixture.send(std::move(message));
   if (!trial.equal("events", 1, converted.size())) return;
   for (std::size_t i = 0; i < blocks.size(); ++i) {
     trial.holds(blockOf(converted[0].getPayload(), KEYS[i]) == blocks[i], KEYS[i],
@@ -128,17 +128,17 @@ void containersAreMoved(Trial& trial) {
 void heapStaysLevel(Trial& trial) {
   if (!countsHeap()) trial.skip("the sanitizer's heap does not count blocks in use");
   constexpr std::size_t BATCHES = 400;
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   const auto run = [&] {
     for (std::size_t i = 0; i < BATCHES; ++i) {
       std::vector<Message> batch;
       batch.push_back(plainEvent("1"));
       batch.push_back(plainEvent("2", UNKNOWN_PATH));
       batch.push_back(plainMeasurement("3"));
-      chain.send(std::move(batch));
-      static_cast<void>(chain.log.take());
+      fixture.send(std::move(batch));
+      static_cast<void>(fixture.log.take());
     }
-    chain.codec.host.calls.clear();
+    fixture.codec.host.calls.clear();
     return mallinfo2().uordblks;
   };
   run();

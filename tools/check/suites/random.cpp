@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tools/check/blocks.hpp"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/examples.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/check/values.hpp"
@@ -99,7 +99,7 @@ struct results_t {
 results_t sendAll(Trial& trial, std::size_t count, std::size_t largest) {
   Dice messages(trial.seed());
   Dice sizes(trial.seed() + 1);
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   const std::vector<line_t> examples = exampleLines();
   results_t results;
   for (std::size_t number = 0; number < count;) {
@@ -109,12 +109,12 @@ results_t sendAll(Trial& trial, std::size_t count, std::size_t largest) {
     for (; batch.size() < size && number < count; ++number) {
       batch.push_back(dealt(messages, examples, number));
     }
-    trial.equal("result", 0, chain.codec.towardsHost(batch));
-    for (const Message& event : chain.codec.host.messages) results.events.push_back(shown(event));
-    for (Message& event : chain.codec.host.messages) batch.push_back(std::move(event));
-    chain.codec.host.messages.clear();
+    trial.equal("result", 0, fixture.codec.towardsHost(batch));
+    for (const Message& event : fixture.codec.host.messages) results.events.push_back(shown(event));
+    for (Message& event : fixture.codec.host.messages) batch.push_back(std::move(event));
+    fixture.codec.host.messages.clear();
     expectOwnership(trial, "batch up to message " + std::to_string(number), books.before(), batch);
-    const lines_t lines = chain.log.take();
+    const lines_t lines = fixture.log.take();
     results.log.insert(results.log.end(), lines.begin(), lines.end());
   }
   return results;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tools/check/blocks.hpp"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/examples.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/check/values.hpp"
@@ -64,19 +64,19 @@ void keepMine(void*, vlt_underlying_message_t* start, vlt_underlying_message_t* 
 }
 
 void oneCodec(Trial& trial) {
-  Chain chain(trial);
-  chain.codec.setNextTowardsHost(nullptr, keepMine);
+  CheckFixture fixture(trial);
+  fixture.codec.setNextTowardsHost(nullptr, keepMine);
   std::barrier together(2);
   const auto work = [&](const char* id) {
     Link link; // for its messages only
     mine = &link.messages;
     together.arrive_and_wait();
-    sendAndExpect(trial, chain.codec, link, id, "t1");
+    sendAndExpect(trial, fixture.codec, link, id, "t1");
   };
   std::thread other(work, "other-id");
   work("first-id");
   other.join();
-  trial.equal("log lines", 2 * BATCHES, chain.log.take().size());
+  trial.equal("log lines", 2 * BATCHES, fixture.log.take().size());
 }
 
 void createAndDestroy(Trial& trial) {
@@ -99,11 +99,11 @@ void createAndDestroy(Trial& trial) {
 
 // A host's threads come and go; a codec does not belong to the one that made it.
 void handedOver(Trial& trial) {
-  Chain chain(trial);
+  CheckFixture fixture(trial);
   const auto in_a_thread = [](const auto& call) { std::thread(call).join(); };
-  in_a_thread([&] { trial.equal("start", 0, chain.codec.start()); });
-  in_a_thread([&] { sendAndExpect(trial, chain.codec, chain.codec.host, "1", "t1"); });
-  in_a_thread([&] { trial.equal("destroy", 0, chain.codec.destroy()); });
+  in_a_thread([&] { trial.equal("start", 0, fixture.codec.start()); });
+  in_a_thread([&] { sendAndExpect(trial, fixture.codec, fixture.codec.host, "1", "t1"); });
+  in_a_thread([&] { trial.equal("destroy", 0, fixture.codec.destroy()); });
 }
 
 const check_t THREADS_CHECKS[] = {

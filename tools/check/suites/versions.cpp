@@ -1,6 +1,6 @@
 // The facts that a host asks before it creates anything.
 #include "standin/standin.h"
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/check/values.hpp"
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/host/chain.hpp"
+#include "tools/host/replay_chain.hpp"
 #include "tools/options/exit_status.hpp"
 #include "tools/replay/input/configuration_file.hpp"
 #include "value/get_visitor.hpp"
@@ -84,7 +84,7 @@ bool canBeCreated(const ReplayOptions& options, std::ostream& diagnostics) {
   std::vector<log_line_t> log;
   std::string failure;
   try {
-    Chain chain(library, configurationOf(options), Direction::TOWARDS_HOST, log);
+    ReplayChain chain(library, configurationOf(options), Direction::TOWARDS_HOST, log);
     const call_result_t& last = chain.shutdown();
     log.insert(log.end(), last.log.begin(), last.log.end());
     if (last.failed) failure = "the plug-in failed in shutdown";

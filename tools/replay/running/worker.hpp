@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "ndjson/json_reader.hpp"
-#include "tools/host/chain.hpp"
+#include "tools/host/replay_chain.hpp"
 #include "tools/record/record.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -60,7 +60,7 @@ class Worker {
   std::size_t batch_size_;
   JsonReader reader_;
   MetadataReader metadata_;
-  Chain chain_;
+  ReplayChain chain_;
   std::vector<Message> batch_;
   std::vector<char> typed_before_; // for each message of the batch
   incidents_t incidents_;

@@ -1,4 +1,4 @@
-#include "tools/check/chain.hpp"
+#include "tools/check/check_fixture.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -129,7 +129,7 @@ int Codec::destroy() {
   return guarded("destroy", [&] { return library_.destroy(plugin); });
 }
 
-Chain::Chain(Trial& trial_of, const char* configuration_json, vlt_log_level_t level)
+CheckFixture::CheckFixture(Trial& trial_of, const char* configuration_json, vlt_log_level_t level)
     : trial(trial_of),
       log(level),
       loaded(load(trial_of)),
@@ -138,18 +138,18 @@ Chain::Chain(Trial& trial_of, const char* configuration_json, vlt_log_level_t le
   codec.link();
 }
 
-std::vector<Message> Chain::send(std::vector<Message>&& batch) {
+std::vector<Message> CheckFixture::send(std::vector<Message>&& batch) {
   trial.equal("sendBatchTowardsHost", 0, codec.towardsHost(batch));
   return std::exchange(codec.host.messages, {});
 }
 
-std::vector<Message> Chain::send(Message&& message) {
+std::vector<Message> CheckFixture::send(Message&& message) {
   std::vector<Message> batch;
   batch.push_back(std::move(message));
   return send(std::move(batch));
 }
 
-void Chain::expectLog(const std::string& where, const lines_t& expected) {
+void CheckFixture::expectLog(const std::string& where, const lines_t& expected) {
   trial.equal(where + ", log", expected, log.take());
 }
 

@@ -1,6 +1,6 @@
 // The host's side of a chain: the log, a codec, and the links on both its sides.
-#ifndef VLT_TOOLS_CHECK_CHAIN_HPP
-#define VLT_TOOLS_CHECK_CHAIN_HPP
+#ifndef VLT_TOOLS_CHECK_CHECK_FIXTURE_HPP
+#define VLT_TOOLS_CHECK_CHECK_FIXTURE_HPP
 
 #include <functional>
 #include <mutex>
@@ -125,10 +125,10 @@ class Codec {
 };
 
 // What most checks need: the library, the log and one linked codec, made in this order.
-struct Chain {
+struct CheckFixture {
   // Throws std::runtime_error when the codec cannot be made.
-  explicit Chain(Trial& trial, const char* configuration_json = R"({"tenantId": "t1"})",
-                 vlt_log_level_t level = Log::USUAL_LEVEL);
+  explicit CheckFixture(Trial& trial, const char* configuration_json = R"({"tenantId": "t1"})",
+                        vlt_log_level_t level = Log::USUAL_LEVEL);
 
   // What arrives at the host of the batch, whose other messages are freed. Expects result 0.
   std::vector<Message> send(std::vector<Message>&& batch);

@@ -1,7 +1,7 @@
 // A plug-in in a chain of its own, seen from both ends: the messages for it, and the messages and
 // log lines of each call.
-#ifndef VLT_TOOLS_HOST_CHAIN_HPP
-#define VLT_TOOLS_HOST_CHAIN_HPP
+#ifndef VLT_TOOLS_HOST_REPLAY_CHAIN_HPP
+#define VLT_TOOLS_HOST_REPLAY_CHAIN_HPP
 
 #include <chrono>
 #include <optional>
@@ -23,15 +23,15 @@ struct call_result_t {
   std::chrono::nanoseconds time{}; // the call alone
 };
 
-class Chain {
+class ReplayChain {
  public:
   // Creates, links and starts the plug-in. `library` must outlive the chain. Throws PluginError; the
   // lines logged until then are in `log`, in either case.
-  Chain(const PluginLibrary& library, const data_t& configuration, Direction direction,
-        std::vector<log_line_t>& log);
-  Chain(const Chain&) = delete;
-  Chain& operator=(const Chain&) = delete;
-  ~Chain() = default;
+  ReplayChain(const PluginLibrary& library, const data_t& configuration, Direction direction,
+              std::vector<log_line_t>& log);
+  ReplayChain(const ReplayChain&) = delete;
+  ReplayChain& operator=(const ReplayChain&) = delete;
+  ~ReplayChain() = default;
 
   // The result is valid until the next call; `messages` are in any state after it. Throws
   // std::bad_alloc without memory for the result.

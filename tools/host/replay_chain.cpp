@@ -1,4 +1,4 @@
-#include "tools/host/chain.hpp"
+#include "tools/host/replay_chain.hpp"
 
 #include <utility>
 
@@ -13,8 +13,8 @@ void ignore(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) noexcep
 
 } // namespace
 
-Chain::Chain(const PluginLibrary& library, const data_t& configuration, Direction direction,
-             std::vector<log_line_t>& log)
+ReplayChain::ReplayChain(const PluginLibrary& library, const data_t& configuration,
+                         Direction direction, std::vector<log_line_t>& log)
     : direction_(direction) {
   const LogScope scope(log);
   plugin_.emplace(library, PluginLibrary::CLASS_NAME, CHAIN_NAME, configuration);
@@ -25,11 +25,11 @@ Chain::Chain(const PluginLibrary& library, const data_t& configuration, Directio
   plugin_->start();
 }
 
-call_result_t& Chain::send(std::span<Message> messages) {
+call_result_t& ReplayChain::send(std::span<Message> messages) {
   return record([&] { return plugin_->send(direction_, messages); });
 }
 
-call_result_t& Chain::shutdown() {
+call_result_t& ReplayChain::shutdown() {
   return record([&] {
     const bool worked = plugin_->shutdown();
     plugin_.reset();
@@ -38,7 +38,7 @@ call_result_t& Chain::shutdown() {
 }
 
 template <class Call>
-call_result_t& Chain::record(const Call& call) {
+call_result_t& ReplayChain::record(const Call& call) {
   // Cleared and not replaced: the vectors keep their room.
   received_.messages.clear();
   result_.outputs.clear();
