@@ -61,7 +61,7 @@ class Inventory {
   // False: there is no block, or it has an owner already.
   bool note(standin_block_t kind, const void* block) {
     if (block == nullptr) return false;
-    if (!met_.insert(block).second) {
+    if (!seen_.insert(block).second) {
       ++shared;
       return false;
     }
@@ -69,12 +69,12 @@ class Inventory {
     return true;
   }
 
-  std::unordered_set<const void*> met_;
+  std::unordered_set<const void*> seen_;
 };
 
 } // namespace
 
-block_counts_t liveBlocks() noexcept {
+block_counts_t liveBlocksByKind() noexcept {
   block_counts_t counts{};
   for (std::size_t kind = 0; kind < counts.of.size(); ++kind) {
     counts.of[kind] = standin_live_blocks(static_cast<standin_block_t>(kind));
@@ -100,7 +100,7 @@ void expectOwnership(Trial& trial, const std::string& where, const block_counts_
   for (std::size_t kind = 0; kind < expected.of.size(); ++kind) {
     expected.of[kind] += inventory.counts.of[kind];
   }
-  trial.equal(where + ", live blocks", expected, liveBlocks());
+  trial.equal(where + ", live blocks", expected, liveBlocksByKind());
 }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -1,4 +1,4 @@
-// The books of the host's storage: live blocks of each kind, and the blocks of a message. A live
+// The host's blocks: live blocks of each kind, and the blocks of a message. A live
 // block without an owner has leaked; one with two owners will be freed twice.
 #ifndef VLT_TOOLS_CHECK_BLOCKS_HPP
 #define VLT_TOOLS_CHECK_BLOCKS_HPP
@@ -19,7 +19,7 @@ struct block_counts_t {
   std::array<std::int64_t, STANDIN_BLOCK_KINDS> of{};
 };
 
-[[nodiscard]] block_counts_t liveBlocks() noexcept;
+[[nodiscard]] block_counts_t liveBlocksByKind() noexcept;
 
 // "maps 1, strings 2, lists 0, buffers 0, customs 0"
 [[nodiscard]] std::string shown(const block_counts_t& counts);
@@ -30,11 +30,11 @@ void expectOwnership(Trial& trial, const std::string& where, const block_counts_
                      std::span<const Message> messages);
 
 // Takes the counts at its creation; expectBack expects them again.
-class Books {
+class BlockBalance {
  public:
-  Books() noexcept : before_(liveBlocks()) {}
+  BlockBalance() noexcept : before_(liveBlocksByKind()) {}
   bool expectBack(Trial& trial, const std::string& where) const {
-    return trial.equal(where + ", live blocks", before_, liveBlocks());
+    return trial.equal(where + ", live blocks", before_, liveBlocksByKind());
   }
   [[nodiscard]] const block_counts_t& before() const noexcept { return before_; }
 

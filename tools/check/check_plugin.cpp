@@ -23,8 +23,8 @@ void loadAlone(Trial& trial) {
 }
 
 // The reason why the library does not load; nothing when it does.
-std::optional<std::string> whyNotLoaded(const surroundings_t& surroundings) {
-  const verdict_t verdict = runApart(surroundings, loadAlone);
+std::optional<std::string> whyNotLoaded(const run_settings_t& settings) {
+  const verdict_t verdict = runInChild(settings, loadAlone);
   if (verdict.ending == Ending::OK) return std::nullopt;
   const std::string prefix = "the library cannot be loaded: ";
   if (!verdict.reason.empty()) return prefix + verdict.reason;
@@ -38,9 +38,9 @@ std::unique_ptr<Report> makeReport(std::ostream& out, const heading_t& heading, 
   return std::make_unique<TextReport>(out, heading, format == Format::COLOURED);
 }
 
-result_t runCheck(const surroundings_t& surroundings, const check_t& check) {
+result_t runCheck(const run_settings_t& settings, const check_t& check) {
   const clock_t::time_point start = clock_t::now();
-  verdict_t verdict = runApart(surroundings, check.run);
+  verdict_t verdict = runInChild(settings, check.run);
   return {&check, std::move(verdict),
           std::chrono::duration_cast<std::chrono::milliseconds>(clock_t::now() - start)};
 }
@@ -54,15 +54,15 @@ result_t skippedResult(const check_t& check, const std::string& reason) {
 
 } // namespace
 
-int checkPlugin(const surroundings_t& surroundings, std::span<const check_t> checks, Format format,
+int checkPlugin(const run_settings_t& settings, std::span<const check_t> checks, Format format,
                 std::ostream& out) {
-  const std::optional<std::string> obstacle = whyNotLoaded(surroundings);
+  const std::optional<std::string> obstacle = whyNotLoaded(settings);
   const std::unique_ptr<Report> report =
-      makeReport(out, {surroundings.path, surroundings.seed, !obstacle}, format);
+      makeReport(out, {settings.path, settings.seed, !obstacle}, format);
   Counts counts;
   for (const check_t& check : checks) {
     const result_t result = obstacle && check.use == Use::LOAD ? skippedResult(check, *obstacle)
-                                                               : runCheck(surroundings, check);
+                                                               : runCheck(settings, check);
     counts.add(result.verdict.ending);
     report->add(result);
   }

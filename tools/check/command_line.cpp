@@ -15,7 +15,7 @@ namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
-surroundings_t surroundingsOf(const command_t& command) {
+run_settings_t settingsOf(const command_t& command) {
   const std::uint64_t seed = command.seed ? *command.seed : std::random_device()();
   const double milliseconds = std::ceil(command.timeout_seconds * 1000);
   return {command.path, seed, std::chrono::milliseconds(static_cast<std::int64_t>(milliseconds))};
@@ -29,7 +29,7 @@ int obey(const command_t& command, bool may_colour, std::ostream& out) {
     return STATUS_ALL_PASSED;
   }
   const Format plain = may_colour ? Format::COLOURED : Format::TEXT;
-  return checkPlugin(surroundingsOf(command), checks, command.json ? Format::JSON : plain, out);
+  return checkPlugin(settingsOf(command), checks, command.json ? Format::JSON : plain, out);
 }
 
 } // namespace

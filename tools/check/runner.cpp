@@ -40,14 +40,14 @@ void runBody(Trial& trial, const std::function<void(Trial&)>& body) noexcept {
 
 // Without the exit handlers: they are the parent's, and a leak checker's report at the end of each
 // child would name blocks that checks leave on purpose.
-[[noreturn]] void beChild(const surroundings_t& surroundings, const SharedFile& records,
-                          const SharedFile& printed, const std::function<void(Trial&)>& body) {
+[[noreturn]] void runChild(const run_settings_t& settings, const SharedFile& records,
+                           const SharedFile& printed, const std::function<void(Trial&)>& body) {
   prctl(PR_SET_PDEATHSIG, SIGKILL); // a check does not outlive an interrupted tool
   const rlimit no_core{0, 0};
   setrlimit(RLIMIT_CORE, &no_core);
   dup2(printed.descriptor(), STDOUT_FILENO);
   dup2(printed.descriptor(), STDERR_FILENO);
-  Trial trial(surroundings.path, surroundings.seed, records.descriptor(), printed.descriptor());
+  Trial trial(settings.path, settings.seed, records.descriptor(), printed.descriptor());
   runBody(trial, body);
   static_cast<void>(std::fflush(nullptr));
   _exit(0);
@@ -72,15 +72,15 @@ bool awaitEnd(pid_t child, std::chrono::milliseconds limit) {
 
 } // namespace
 
-verdict_t runApart(const surroundings_t& surroundings, const std::function<void(Trial&)>& body) {
+verdict_t runInChild(const run_settings_t& settings, const std::function<void(Trial&)>& body) {
   const SharedFile records;
   const SharedFile printed;
   static_cast<void>(std::fflush(nullptr)); // or the child would print it again
   const pid_t child = fork();
   if (child < 0) fail("fork");
-  if (child == 0) beChild(surroundings, records, printed, body);
+  if (child == 0) runChild(settings, records, printed, body);
   process_end_t end;
-  end.stopped = !awaitEnd(child, surroundings.time_limit);
+  end.stopped = !awaitEnd(child, settings.time_limit);
   if (end.stopped) kill(child, SIGKILL);
   while (waitpid(child, &end.status, 0) < 0 && errno == EINTR) {
   }

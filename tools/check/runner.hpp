@@ -17,7 +17,7 @@
 
 namespace com::velanto::connectivity::tools::check {
 
-struct surroundings_t {
+struct run_settings_t {
   std::string path; // of the library
   std::uint64_t seed = 0;
   std::chrono::milliseconds time_limit{};
@@ -25,8 +25,8 @@ struct surroundings_t {
 
 // `body` runs in the child; an exception that leaves it is a difference. The caller must be the only
 // thread of its process. Throws std::system_error when there is no process to be had.
-[[nodiscard]] verdict_t runApart(const surroundings_t& surroundings,
-                                 const std::function<void(Trial&)>& body);
+[[nodiscard]] verdict_t runInChild(const run_settings_t& settings,
+                                   const std::function<void(Trial&)>& body);
 
 } // namespace com::velanto::connectivity::tools::check
 

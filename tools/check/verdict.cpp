@@ -28,28 +28,28 @@ class RecordReader {
   std::string_view rest_;
 };
 
-struct story_t {
+struct records_t {
   bool finished = false;
   std::optional<std::string> skip_reason;
   std::vector<difference_t> differences;
 };
 
-story_t readRecords(std::string_view records) {
-  story_t story;
+records_t readRecords(std::string_view records) {
+  records_t result;
   RecordReader reader(records);
   while (const std::optional<std::string> letter = reader.next()) {
     if (*letter == "E") {
-      story.finished = true;
+      result.finished = true;
     } else if (*letter == "S") {
-      story.skip_reason = reader.next();
+      result.skip_reason = reader.next();
     } else if (*letter == "F") {
       const std::optional<std::string> where = reader.next();
       const std::optional<std::string> expected = reader.next();
       const std::optional<std::string> came = reader.next();
-      if (came) story.differences.push_back({*where, *expected, *came});
+      if (came) result.differences.push_back({*where, *expected, *came});
     }
   }
-  return story;
+  return result;
 }
 
 std::string describeSignal(int signal) {
@@ -77,22 +77,22 @@ const char* nameOf(Ending ending) noexcept {
 }
 
 verdict_t judge(const process_end_t& end) {
-  story_t story = readRecords(end.records);
+  records_t records = readRecords(end.records);
   verdict_t verdict;
-  verdict.differences = std::move(story.differences);
+  verdict.differences = std::move(records.differences);
   if (end.stopped) {
     verdict.ending = Ending::HUNG;
     verdict.reason = "did not end in time";
   } else if (WIFSIGNALED(end.status)) {
     verdict.ending = Ending::CRASHED;
     verdict.reason = describeSignal(WTERMSIG(end.status));
-  } else if (!story.finished) {
+  } else if (!records.finished) {
     verdict.ending = Ending::CRASHED;
     verdict.reason = "the process was ended with exit status " +
                      std::to_string(WEXITSTATUS(end.status)) + " in the middle of the check";
-  } else if (story.skip_reason) {
+  } else if (records.skip_reason) {
     verdict.ending = Ending::SKIPPED;
-    verdict.reason = *story.skip_reason;
+    verdict.reason = *records.skip_reason;
   } else if (!verdict.differences.empty()) {
     verdict.ending = Ending::FAILED;
   }

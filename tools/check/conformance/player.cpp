@@ -118,7 +118,7 @@ void expectPrinted(Trial& trial, const std::string& place, const lines_t& expect
 
 void play(Trial& trial, const PluginLibrary& library, const line_t& line, Demand demand) {
   const std::string place = line.place();
-  const Books books;
+  const BlockBalance balance;
   {
     case_t played = readCase(line.json);
     if (played.advised && demand == Demand::REQUIRED) return;
@@ -141,7 +141,7 @@ void play(Trial& trial, const PluginLibrary& library, const line_t& line, Demand
     trial.equal(place + ", log", played.log, log.take());
     expectPrinted(trial, place, played.standard_error, trial.printed().substr(printed), demand);
   }
-  books.expectBack(trial, place);
+  balance.expectBack(trial, place);
 }
 
 } // namespace com::velanto::connectivity::tools::check

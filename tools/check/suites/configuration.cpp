@@ -17,7 +17,7 @@ void leftUntouched(Trial& trial) {
   data_t settings = value(R"({"tenantId": "t1", "towardsHostChannelPrefix": 7, "x": [1, {}]})");
   set(settings, "measurementSplittingChannel", borrowed("m"));
   const std::string before = bytesOf(settings);
-  const Books books;
+  const BlockBalance balance;
   {
     const PluginLibrary library = load(trial);
     Codec codec(trial, library, settings);
@@ -30,7 +30,7 @@ void leftUntouched(Trial& trial) {
   }
   trial.holds(bytesOf(settings) == before, "after the codec's life", "the configuration as it was",
               "other bytes");
-  books.expectBack(trial, "after the codec's life");
+  balance.expectBack(trial, "after the codec's life");
 }
 
 void mayVanish(Trial& trial) {

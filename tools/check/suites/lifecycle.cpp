@@ -23,7 +23,7 @@ void expectWorks(Trial& trial, const std::string& when, Codec& codec) {
 }
 
 void inOrder(Trial& trial) {
-  const Books books;
+  const BlockBalance balance;
   {
     CheckFixture fixture(trial);
     trial.equal("start", 0, fixture.codec.start());
@@ -36,7 +36,7 @@ void inOrder(Trial& trial) {
     trial.equal("destroy", 0, fixture.codec.destroy());
     fixture.expectLog("a life", {});
   }
-  books.expectBack(trial, "after unloading");
+  balance.expectBack(trial, "after unloading");
 }
 
 void outOfOrder(Trial& trial) {
@@ -91,14 +91,14 @@ void hooksCallNothing(Trial& trial) {
 
 void destroyAtOnce(Trial& trial) {
   const PluginLibrary library = load(trial);
-  const Books books;
+  const BlockBalance balance;
   for (int i = 0; i < 50; ++i) {
     Codec codec(trial, library, value(R"({"tenantId": "t1", "towardsHostChannelPrefix": "p.",
                           "measurementSplittingChannel": "m"})"));
     trial.equal("created", true, codec.made());
     trial.equal("destroy", 0, codec.destroy());
   }
-  books.expectBack(trial, "after 50 codecs");
+  balance.expectBack(trial, "after 50 codecs");
 }
 
 void destroySetsNoStatus(Trial& trial) {

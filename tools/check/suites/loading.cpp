@@ -25,9 +25,9 @@ void loadAndUnload(const Trial& trial) {
 void loads(Trial& trial) { loadAndUnload(trial); }
 
 void freesItsBlocks(Trial& trial) {
-  const Books books;
+  const BlockBalance balance;
   loadAndUnload(trial);
-  books.expectBack(trial, "after unloading");
+  balance.expectBack(trial, "after unloading");
 }
 
 void leavesTheProcess(Trial& trial) {
@@ -53,10 +53,10 @@ std::int64_t mappings() {
 void thousandTimes(Trial& trial) {
   if (!countsHeap()) trial.skip("the sanitizer keeps records of every library that was loaded");
   loadAndUnload(trial); // the loader has by now all that it keeps for good
-  const Books books;
+  const BlockBalance balance;
   const std::int64_t mapped = mappings();
   for (int i = 0; i < 1000; ++i) loadAndUnload(trial);
-  books.expectBack(trial, "after 1000 loads");
+  balance.expectBack(trial, "after 1000 loads");
   // The heap may take a segment or two more meanwhile; a library that stays takes at least four.
   trial.holds(mappings() <= mapped + 20, "memory mappings after 1000 loads",
               "at most 20 more than " + std::to_string(mapped), std::to_string(mappings()));
@@ -74,9 +74,9 @@ void heapStaysLevelOverLoads(Trial& trial) {
 
 void livesAgain(Trial& trial) {
   for (const char* const name : {"first", "second"}) {
-    const Books books;
+    const BlockBalance balance;
     { CheckFixture fixture(trial); }
-    books.expectBack(trial, std::string("after the ") + name + " life");
+    balance.expectBack(trial, std::string("after the ") + name + " life");
   }
 }
 

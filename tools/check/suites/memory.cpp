@@ -39,7 +39,7 @@ void creation(Trial& trial) {
   const data_t settings = value(R"({"tenantId": "t1", "towardsHostChannelPrefix": "p.",
                                     "measurementSplittingChannel": "m"})");
   withEachRefused(trial, [&](std::uint64_t n) {
-    const Books books;
+    const BlockBalance balance;
     standin_fail_allocation(n);
     Codec codec(trial, library, settings);
     standin_fail_allocation(0);
@@ -49,7 +49,7 @@ void creation(Trial& trial) {
                 refused ? lines_t{line(2, "Exception from create: std::bad_alloc")} : lines_t{},
                 log.take());
     codec.destroy();
-    books.expectBack(trial, nth(n));
+    balance.expectBack(trial, nth(n));
   });
 }
 
@@ -64,7 +64,7 @@ void conversions(Trial& trial) {
     CheckFixture fixture(trial);
     withEachRefused(trial, [&](std::uint64_t n) {
       const std::string where = example.place() + ", " + nth(n);
-      const Books books;
+      const BlockBalance balance;
       std::vector<Message> batch;
       batch.push_back(notificationOf(example));
       const std::string id = textAt(batch[0].getPayload(), "id");
@@ -81,7 +81,7 @@ void conversions(Trial& trial) {
       }
       for (Message& event : fixture.codec.host.messages) batch.push_back(std::move(event));
       fixture.codec.host.messages.clear();
-      expectOwnership(trial, where, books.before(), batch);
+      expectOwnership(trial, where, balance.before(), batch);
     });
   }
 }
@@ -105,21 +105,21 @@ void theBatchGoesOn(Trial& trial) {
 void dropping(Trial& trial) {
   CheckFixture fixture(trial, R"({"tenantId": "t1"})", 6);
   for (std::uint64_t n = 1; n <= 40; ++n) {
-    const Books books;
+    const BlockBalance balance;
     std::vector<Message> batch;
     batch.push_back(plainEvent("1", UNKNOWN_PATH));
     standin_fail_allocation(n);
     trial.equal(nth(n) + ", result", 0, fixture.codec.towardsHost(batch));
     standin_fail_allocation(0);
     trial.equal(nth(n) + ", events", 0, fixture.codec.host.messages.size());
-    expectOwnership(trial, nth(n), books.before(), batch);
+    expectOwnership(trial, nth(n), balance.before(), batch);
     static_cast<void>(fixture.log.take());
   }
 }
 
 void noneAtAll(Trial& trial) {
   CheckFixture fixture(trial);
-  const Books books;
+  const BlockBalance balance;
   std::vector<Message> batch;
   for (const char* const id : {"1", "2"}) batch.push_back(plainEvent(id));
   standin_fail_allocations_from(1);
@@ -129,7 +129,7 @@ void noneAtAll(Trial& trial) {
   trial.equal("events", 0, fixture.codec.host.messages.size());
   fixture.expectLog("both reported, with their ids", {dropped(" ('id' = '1'): std::bad_alloc"),
                                                       dropped(" ('id' = '2'): std::bad_alloc")});
-  expectOwnership(trial, "without any memory", books.before(), batch);
+  expectOwnership(trial, "without any memory", balance.before(), batch);
   trial.equal("events afterwards", 1, fixture.send(plainEvent("3")).size());
 }
 
@@ -137,7 +137,7 @@ void fromThenOn(Trial& trial) {
   CheckFixture fixture(trial);
   const std::vector<line_t> examples = exampleLines();
   for (std::uint64_t n = 1; n <= 60; ++n) {
-    const Books books;
+    const BlockBalance balance;
     std::vector<Message> batch;
     for (const line_t& example : examples) batch.push_back(notificationOf(example));
     standin_fail_allocations_from(n);
@@ -146,7 +146,7 @@ void fromThenOn(Trial& trial) {
     trial.equal(nth(n) + " and all after it, result", 0, result);
     for (Message& event : fixture.codec.host.messages) batch.push_back(std::move(event));
     fixture.codec.host.messages.clear();
-    expectOwnership(trial, nth(n) + " and all after it", books.before(), batch);
+    expectOwnership(trial, nth(n) + " and all after it", balance.before(), batch);
     static_cast<void>(fixture.log.take());
   }
 }

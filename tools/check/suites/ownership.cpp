@@ -20,25 +20,25 @@ namespace {
 void eventsOwnTheirBlocks(Trial& trial) {
   CheckFixture fixture(trial);
   for (const line_t& example : exampleLines()) {
-    const Books books;
+    const BlockBalance balance;
     const std::vector<Message> converted = fixture.send(notificationOf(example));
-    expectOwnership(trial, example.place(), books.before(), converted);
+    expectOwnership(trial, example.place(), balance.before(), converted);
   }
 }
 
 void aBatchOfEvents(Trial& trial) {
   CheckFixture fixture(trial);
   const std::vector<line_t> examples = exampleLines();
-  const Books books;
+  const BlockBalance balance;
   std::vector<Message> batch;
   for (int i = 0; i < 3; ++i) {
     for (const line_t& example : examples) batch.push_back(notificationOf(example));
   }
   std::vector<Message> converted = fixture.send(std::move(batch));
   trial.equal("events", 3 * examples.size(), converted.size());
-  expectOwnership(trial, "the events of a batch", books.before(), converted);
+  expectOwnership(trial, "the events of a batch", balance.before(), converted);
   converted.clear();
-  books.expectBack(trial, "after freeing the events");
+  balance.expectBack(trial, "after freeing the events");
 }
 
 void droppedMessages(Trial& trial) {
@@ -51,39 +51,40 @@ void droppedMessages(Trial& trial) {
     for (const char* const kind :
          {"events", "alarms", "measurements", "managedobjects", "operations", "inventory"}) {
       const std::string path = std::string("t/s/") + kind + "/1";
-      const Books books;
+      const BlockBalance balance;
       fixture.codec.host.moves_out = false;
       std::vector<Message> batch;
       batch.push_back(notification(path.c_str(), std::string_view(payload)));
       fixture.codec.towardsHost(batch);
-      expectOwnership(trial, std::string(kind) + " " + payload, books.before(), batch);
+      expectOwnership(trial, std::string(kind) + " " + payload, balance.before(), batch);
     }
   }
 }
 
 void passedMessages(Trial& trial) {
   CheckFixture fixture(trial);
-  const Books books;
+  const BlockBalance balance;
   std::vector<Message> batch;
   batch.emplace_back(value(R"({"a": [1, {"b": "c"}]})"));
   batch.push_back(notification(EVENT_PATH, data_t()));
   const std::vector<Message> kept = fixture.send(std::move(batch));
-  expectOwnership(trial, "towards the host", books.before(), kept);
+  expectOwnership(trial, "towards the host", balance.before(), kept);
 }
 
 void towardsTransport(Trial& trial) {
   CheckFixture fixture(trial);
-  const Books books;
+  const BlockBalance balance;
   std::vector<Message> batch;
   batch.push_back(plainEvent("1"));
   batch.emplace_back(value(R"({"a": [1, {"b": "c"}]})"));
   fixture.codec.towardsTransport(batch);
-  expectOwnership(trial, "towards the transport", books.before(), fixture.codec.transport.messages);
+  expectOwnership(trial, "towards the transport", balance.before(),
+                  fixture.codec.transport.messages);
 }
 
 // A codec is the only owner of its blocks: its events survive it, and it survives them.
 void eventsOutliveTheCodec(Trial& trial) {
-  const Books books;
+  const BlockBalance balance;
   std::vector<Message> converted;
   {
     CheckFixture fixture(trial, R"({"tenantId": "t1", "towardsHostChannelPrefix": "p."})");
@@ -98,7 +99,7 @@ void eventsOutliveTheCodec(Trial& trial) {
   }
   trial.equal("vlt.channel", "p.ostrovia.devices",
               textAt(converted[0].getMetadataMap(), "vlt.channel"));
-  expectOwnership(trial, "after unloading", books.before(), converted);
+  expectOwnership(trial, "after unloading", balance.before(), converted);
 }
 
 const void* blockOf(const data_t& payload, const char* key) {

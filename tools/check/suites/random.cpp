@@ -16,9 +16,9 @@ namespace com::velanto::connectivity::tools::check {
 namespace {
 
 // The same on every machine for the same seed: the library's distributions would not be.
-class Dice {
+class Random {
  public:
-  explicit Dice(std::uint64_t seed) : engine_(seed) {}
+  explicit Random(std::uint64_t seed) : engine_(seed) {}
   std::size_t below(std::size_t end) { return static_cast<std::size_t>(engine_() % end); }
 
  private:
@@ -62,31 +62,31 @@ constexpr const char* SOME_PATHS[] = {"t/s/events/1",
                                       ""};
 
 template <class T, std::size_t N>
-const T& one(Dice& dice, const T (&array)[N]) {
-  return array[dice.below(N)];
+const T& pick(Random& random, const T (&array)[N]) {
+  return array[random.below(N)];
 }
 
-void damage(Dice& dice, Message& message) {
+void damage(Random& random, Message& message) {
   data_t& payload = message.getPayload();
-  for (std::size_t times = dice.below(4); times > 0; --times) {
-    const char* const key = one(dice, KEYS);
-    if (dice.below(3) == 0) {
+  for (std::size_t times = random.below(4); times > 0; --times) {
+    const char* const key = pick(random, KEYS);
+    if (random.below(3) == 0) {
       auto& fields = payload.get<map_t>();
       fields.erase(fields.find(data_t(key)));
     } else {
-      set(payload, key, value(one(dice, VALUES)));
+      set(payload, key, value(pick(random, VALUES)));
     }
   }
-  if (dice.below(6) == 0)
-    message.getMetadataMap()[data_t("pulsarPath")] = data_t(one(dice, SOME_PATHS));
-  if (dice.below(12) == 0) message.getMetadataMap() = map_t();
-  if (dice.below(12) == 0) payload = value(one(dice, VALUES));
+  if (random.below(6) == 0)
+    message.getMetadataMap()[data_t("pulsarPath")] = data_t(pick(random, SOME_PATHS));
+  if (random.below(12) == 0) message.getMetadataMap() = map_t();
+  if (random.below(12) == 0) payload = value(pick(random, VALUES));
 }
 
-Message dealt(Dice& dice, const std::vector<line_t>& examples, std::size_t number) {
-  Message message = notificationOf(examples[dice.below(examples.size())]);
+Message randomMessage(Random& random, const std::vector<line_t>& examples, std::size_t number) {
+  Message message = notificationOf(examples[random.below(examples.size())]);
   set(message.getPayload(), "id", data_t(std::to_string(number).c_str()));
-  if (dice.below(2) == 0) damage(dice, message);
+  if (random.below(2) == 0) damage(random, message);
   return message;
 }
 
@@ -97,23 +97,24 @@ struct results_t {
 
 // Batches of one for a largest size of 1.
 results_t sendAll(Trial& trial, std::size_t count, std::size_t largest) {
-  Dice messages(trial.seed());
-  Dice sizes(trial.seed() + 1);
+  Random messages(trial.seed());
+  Random sizes(trial.seed() + 1);
   CheckFixture fixture(trial);
   const std::vector<line_t> examples = exampleLines();
   results_t results;
   for (std::size_t number = 0; number < count;) {
-    const Books books;
+    const BlockBalance balance;
     std::vector<Message> batch;
     const std::size_t size = 1 + sizes.below(largest);
     for (; batch.size() < size && number < count; ++number) {
-      batch.push_back(dealt(messages, examples, number));
+      batch.push_back(randomMessage(messages, examples, number));
     }
     trial.equal("result", 0, fixture.codec.towardsHost(batch));
     for (const Message& event : fixture.codec.host.messages) results.events.push_back(shown(event));
     for (Message& event : fixture.codec.host.messages) batch.push_back(std::move(event));
     fixture.codec.host.messages.clear();
-    expectOwnership(trial, "batch up to message " + std::to_string(number), books.before(), batch);
+    expectOwnership(trial, "batch up to message " + std::to_string(number), balance.before(),
+                    batch);
     const lines_t lines = fixture.log.take();
     results.log.insert(results.log.end(), lines.begin(), lines.end());
   }

@@ -38,7 +38,7 @@ void sendAndExpect(Trial& trial, Codec& codec, Link& link, const std::string& id
 void twoCodecs(Trial& trial) {
   Log log;
   const PluginLibrary library = load(trial);
-  const Books books;
+  const BlockBalance balance;
   std::barrier together(2);
   const auto work = [&](const char* id, const char* tenant) {
     const std::string json = std::string(R"({"tenantId": ")") + tenant + R"("})";
@@ -51,7 +51,7 @@ void twoCodecs(Trial& trial) {
   work("first-id", "t1");
   other.join();
   trial.equal("log lines", 2 * BATCHES, log.take().size());
-  books.expectBack(trial, "after both codecs");
+  balance.expectBack(trial, "after both codecs");
 }
 
 // The link tells the threads apart: it keeps the messages of its own thread.
@@ -82,7 +82,7 @@ void oneCodec(Trial& trial) {
 void createAndDestroy(Trial& trial) {
   const Log log;
   const PluginLibrary library = load(trial);
-  const Books books;
+  const BlockBalance balance;
   std::barrier together(2);
   const auto work = [&](const char* id) {
     together.arrive_and_wait();
@@ -94,7 +94,7 @@ void createAndDestroy(Trial& trial) {
   std::thread other(work, "other");
   work("first");
   other.join();
-  books.expectBack(trial, "after all codecs");
+  balance.expectBack(trial, "after all codecs");
 }
 
 // A host's threads come and go; a codec does not belong to the one that made it.
