@@ -45,7 +45,7 @@ class Case : public ::testing::Test {
       const Redirected redirected(printed.descriptor());
       play(trial, library_, line_, Demand::ADVISED);
     }
-    EXPECT_EQ(trial.differences(), 0) << readWhole(records.descriptor());
+    EXPECT_EQ(trial.mismatches(), 0) << readWhole(records.descriptor());
   }
 
   const PluginLibrary& library_;

@@ -19,15 +19,15 @@ using tools::check::ValueDecoder;
 data_t json(const char* written) { return JsonReader().parseValue(written); }
 
 template <class Value>
-std::string told(const Value& expected, const Value& came, const char* where = "it") {
-  const auto found = tools::check::difference(expected, came, where);
-  return found ? found->where + ": " + found->expected + " / " + found->came : "";
+std::string told(const Value& expected, const Value& actual, const char* where = "it") {
+  const auto found = tools::check::findMismatch(expected, actual, where);
+  return found ? found->where + ": " + found->expected + " / " + found->actual : "";
 }
 
-// The difference between two values that are written as in a conformance file.
-std::string between(const char* expected, const char* came) {
+// The mismatch between two values in the form of a data file.
+std::string between(const char* expected, const char* actual) {
   ValueDecoder decoder;
-  return told(decoder.decode(json(expected)), decoder.decode(json(came)));
+  return told(decoder.decode(json(expected)), decoder.decode(json(actual)));
 }
 
 std::string faultOf(const char* line) {

@@ -72,7 +72,7 @@ class Link {
 [[nodiscard]] PluginLibrary load(const Trial& trial);
 
 // A codec between two links. Its calls let no exception out: one that crosses the interface is a
-// difference, and the result then is -1.
+// mismatch, and the result then is -1.
 class Codec {
  public:
   Codec(Trial& trial, const PluginLibrary& library, const vlt_underlying_data_t* configuration,

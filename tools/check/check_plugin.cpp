@@ -28,9 +28,9 @@ std::optional<std::string> whyNotLoaded(const run_settings_t& settings) {
   if (verdict.ending == Ending::OK) return std::nullopt;
   const std::string prefix = "the library cannot be loaded: ";
   if (!verdict.reason.empty()) return prefix + verdict.reason;
-  const std::string& came = verdict.differences.front().came;
+  const std::string& actual = verdict.mismatches.front().actual;
   const std::string exception = "exception: ";
-  return prefix + (came.rfind(exception, 0) == 0 ? came.substr(exception.size()) : came);
+  return prefix + (actual.rfind(exception, 0) == 0 ? actual.substr(exception.size()) : actual);
 }
 
 std::unique_ptr<Report> makeReport(std::ostream& out, const heading_t& heading, Format format) {

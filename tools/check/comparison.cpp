@@ -14,7 +14,7 @@ namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
-using found_t = std::optional<difference_t>;
+using found_t = std::optional<mismatch_t>;
 
 // JSON does not show the kind.
 std::string shownWithKind(const data_t& value) {
@@ -62,13 +62,13 @@ bool sameContent(const data_t& left, const data_t& right) {
   }
 }
 
-found_t listDifference(const list_t& expected, const list_t& came, const std::string& where) {
-  if (expected.size() != came.size()) {
-    return difference_t{where, std::to_string(expected.size()) + " elements",
-                        std::to_string(came.size()) + " elements"};
+found_t listMismatch(const list_t& expected, const list_t& actual, const std::string& where) {
+  if (expected.size() != actual.size()) {
+    return mismatch_t{where, std::to_string(expected.size()) + " elements",
+                      std::to_string(actual.size()) + " elements"};
   }
   for (std::size_t i = 0; i < expected.size(); ++i) {
-    found_t found = difference(expected[i], came[i], where + "[" + std::to_string(i) + "]");
+    found_t found = findMismatch(expected[i], actual[i], where + "[" + std::to_string(i) + "]");
     if (found) return found;
   }
   return {};
@@ -85,13 +85,13 @@ entries_t entriesOf(const map_t& map) {
 // Counts and places that a host relies on when it looks up a string key.
 found_t tableFault(const map_t& map, const entries_t& entries, const std::string& where) {
   if (entries.size() != map.size()) {
-    return difference_t{where + ", entries that the table counts", std::to_string(entries.size()),
-                        std::to_string(map.size())};
+    return mismatch_t{where + ", entries that the table counts", std::to_string(entries.size()),
+                      std::to_string(map.size())};
   }
   for (const auto& [key, value] : entries) {
     if (key->is_string() && map.find(*key) == map.end()) {
-      return difference_t{where + "." + shown(*key), "an entry that a lookup finds",
-                          "an entry in another place"};
+      return mismatch_t{where + "." + shown(*key), "an entry that a lookup finds",
+                        "an entry in another place"};
     }
   }
   return {};
@@ -99,46 +99,46 @@ found_t tableFault(const map_t& map, const entries_t& entries, const std::string
 
 } // namespace
 
-found_t difference(const data_t& expected, const data_t& came, const std::string& where) {
+found_t findMismatch(const data_t& expected, const data_t& actual, const std::string& where) {
   const std::uint32_t tag = expected.type_tag();
-  if (tag == came.type_tag()) {
-    if (tag == VLT_TAG_MAP) return difference(expected.get<map_t>(), came.get<map_t>(), where);
+  if (tag == actual.type_tag()) {
+    if (tag == VLT_TAG_MAP) return findMismatch(expected.get<map_t>(), actual.get<map_t>(), where);
     if (tag == VLT_TAG_LIST) {
-      return listDifference(expected.get<list_t>(), came.get<list_t>(), where);
+      return listMismatch(expected.get<list_t>(), actual.get<list_t>(), where);
     }
-    if (sameContent(expected, came)) return {};
+    if (sameContent(expected, actual)) return {};
   }
-  return difference_t{where, shownWithKind(expected), shownWithKind(came)};
+  return mismatch_t{where, shownWithKind(expected), shownWithKind(actual)};
 }
 
-found_t difference(const map_t& expected, const map_t& came, const std::string& where) {
-  if (expected.table() == nullptr && came.table() != nullptr) {
-    return difference_t{where, "no table", "a table of " + std::to_string(came.size())};
+found_t findMismatch(const map_t& expected, const map_t& actual, const std::string& where) {
+  if (expected.table() == nullptr && actual.table() != nullptr) {
+    return mismatch_t{where, "no table", "a table of " + std::to_string(actual.size())};
   }
-  entries_t left = entriesOf(came);
-  if (found_t fault = tableFault(came, left, where)) return fault;
+  entries_t left = entriesOf(actual);
+  if (found_t fault = tableFault(actual, left, where)) return fault;
   for (const auto& [key, value] : expected) {
     const std::string place = where + "." + shown(key);
     const data_t& wanted = key; // not every compiler can capture a binding
     // Keys of an unknown kind may occur more than once: matches each with an equal one.
     const auto match = std::find_if(left.begin(), left.end(), [&wanted](const auto& entry) {
-      return !difference(wanted, *entry.first, "");
+      return !findMismatch(wanted, *entry.first, "");
     });
-    if (match == left.end()) return difference_t{place, shownWithKind(value), "no such entry"};
-    if (found_t found = difference(value, *match->second, place)) return found;
+    if (match == left.end()) return mismatch_t{place, shownWithKind(value), "no such entry"};
+    if (found_t found = findMismatch(value, *match->second, place)) return found;
     left.erase(match);
   }
   if (left.empty()) return {};
   const auto& [key, value] = left.front();
-  return difference_t{where + "." + shown(*key), "no such entry", shownWithKind(*value)};
+  return mismatch_t{where + "." + shown(*key), "no such entry", shownWithKind(*value)};
 }
 
-found_t difference(const Message& expected, const Message& came, const std::string& where) {
+found_t findMismatch(const Message& expected, const Message& actual, const std::string& where) {
   if (found_t found =
-          difference(expected.getMetadataMap(), came.getMetadataMap(), where + " metadata")) {
+          findMismatch(expected.getMetadataMap(), actual.getMetadataMap(), where + " metadata")) {
     return found;
   }
-  return difference(expected.getPayload(), came.getPayload(), where + " payload");
+  return findMismatch(expected.getPayload(), actual.getPayload(), where + " payload");
 }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -1,4 +1,4 @@
-// Finds the first difference between a value and the expected one. Stricter than the equality of
+// Finds the first mismatch between a value and the expected one. Stricter than the equality of
 // values: kinds, ownership of strings, bits of numbers and labels of custom objects count, and the
 // host's lookup must find every string key.
 #ifndef VLT_TOOLS_CHECK_COMPARISON_HPP
@@ -12,13 +12,13 @@
 
 namespace com::velanto::connectivity::tools::check {
 
-// The first difference, at a place that begins with `where`. A map expected without a table must
+// The first mismatch, at a place that begins with `where`. A map expected without a table must
 // have none; a map expected empty may have one.
-[[nodiscard]] std::optional<difference_t> difference(const data_t& expected, const data_t& came,
+[[nodiscard]] std::optional<mismatch_t> findMismatch(const data_t& expected, const data_t& actual,
                                                      const std::string& where);
-[[nodiscard]] std::optional<difference_t> difference(const map_t& expected, const map_t& came,
+[[nodiscard]] std::optional<mismatch_t> findMismatch(const map_t& expected, const map_t& actual,
                                                      const std::string& where);
-[[nodiscard]] std::optional<difference_t> difference(const Message& expected, const Message& came,
+[[nodiscard]] std::optional<mismatch_t> findMismatch(const Message& expected, const Message& actual,
                                                      const std::string& where);
 
 } // namespace com::velanto::connectivity::tools::check

@@ -55,18 +55,18 @@ void writeIndented(std::ostream& out, const std::string& text) {
   }
 }
 
-// One line, unless expected and came have lines of their own.
-void writeDifference(std::ostream& out, const difference_t& difference) {
-  const std::string expected = printable(difference.expected);
-  const std::string came = printable(difference.came);
-  if (expected.find('\n') == std::string::npos && came.find('\n') == std::string::npos &&
-      expected.size() + came.size() < 100) {
+// One line, unless the expected or the actual value has lines of its own.
+void writeMismatch(std::ostream& out, const mismatch_t& mismatch) {
+  const std::string expected = printable(mismatch.expected);
+  const std::string actual = printable(mismatch.actual);
+  if (expected.find('\n') == std::string::npos && actual.find('\n') == std::string::npos &&
+      expected.size() + actual.size() < 100) {
     return writeIndented(out,
-                         printable(difference.where) + ": expected " + expected + ", came " + came);
+                         printable(mismatch.where) + ": expected " + expected + ", came " + actual);
   }
-  writeIndented(out, printable(difference.where) + ":");
+  writeIndented(out, printable(mismatch.where) + ":");
   writeIndented(out, "  expected  " + expected);
-  writeIndented(out, "  came      " + came);
+  writeIndented(out, "  came      " + actual);
 }
 
 std::string quoted(const std::string& text) {
@@ -75,9 +75,9 @@ std::string quoted(const std::string& text) {
   return json;
 }
 
-std::string jsonOf(const difference_t& difference) {
-  return R"({"where":)" + quoted(difference.where) + R"(,"expected":)" +
-         quoted(difference.expected) + R"(,"came":)" + quoted(difference.came) + "}";
+std::string jsonOf(const mismatch_t& mismatch) {
+  return R"({"where":)" + quoted(mismatch.where) + R"(,"expected":)" + quoted(mismatch.expected) +
+         R"(,"came":)" + quoted(mismatch.actual) + "}";
 }
 
 std::string jsonOf(const result_t& result) {
@@ -86,10 +86,10 @@ std::string jsonOf(const result_t& result) {
                      quoted(result.check->claim) + R"(,"outcome":")" + nameOf(verdict.ending) +
                      R"(","milliseconds":)" + std::to_string(result.time.count());
   if (!verdict.reason.empty()) json += R"(,"reason":)" + quoted(verdict.reason);
-  if (!verdict.differences.empty()) {
+  if (!verdict.mismatches.empty()) {
     json += R"(,"differences":[)";
-    for (const difference_t& each : verdict.differences) {
-      if (&each != &verdict.differences.front()) json += ',';
+    for (const mismatch_t& each : verdict.mismatches) {
+      if (&each != &verdict.mismatches.front()) json += ',';
       json += jsonOf(each);
     }
     json += "]";
@@ -117,7 +117,7 @@ void TextReport::add(const result_t& result) {
   if (verdict.ending != Ending::SKIPPED && !verdict.reason.empty()) {
     writeIndented(out_, printable(verdict.reason));
   }
-  for (const difference_t& each : verdict.differences) writeDifference(out_, each);
+  for (const mismatch_t& each : verdict.mismatches) writeMismatch(out_, each);
   if (!verdict.printed.empty()) writeIndented(out_, "printed:\n" + printable(verdict.printed));
   out_.flush();
 }

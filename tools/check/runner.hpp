@@ -23,7 +23,7 @@ struct run_settings_t {
   std::chrono::milliseconds time_limit{};
 };
 
-// `body` runs in the child; an exception that leaves it is a difference. The caller must be the only
+// `body` runs in the child; an exception that leaves it is a mismatch. The caller must be the only
 // thread of its process. Throws std::system_error when there is no process to be had.
 [[nodiscard]] verdict_t runInChild(const run_settings_t& settings,
                                    const std::function<void(Trial&)>& body);

@@ -15,10 +15,10 @@ std::string shown(const lines_t& lines) {
 }
 
 bool Trial::holds(bool condition, std::string_view where, std::string_view expected,
-                  std::string_view came) {
+                  std::string_view actual) {
   if (condition) return true;
   const std::lock_guard guard(lock_);
-  if (++differences_ <= MOST_DIFFERENCES) write({"F", where, expected, came});
+  if (++mismatches_ <= MOST_MISMATCHES) write({"F", where, expected, actual});
   return false;
 }
 

@@ -30,8 +30,8 @@ struct skipped_t {};
 
 class Trial {
  public:
-  // Differences that a report holds; more of them would say nothing new.
-  static constexpr int MOST_DIFFERENCES = 8;
+  // Mismatches that a report holds; more of them would say nothing new.
+  static constexpr int MOST_MISMATCHES = 8;
 
   // `records` is a descriptor to write records to, `printed` one of the file with the output.
   Trial(std::string path, std::uint64_t seed, int records, int printed)
@@ -47,15 +47,15 @@ class Trial {
 
   // Expectations, for several threads at once. False when it did not hold.
   bool holds(bool condition, std::string_view where, std::string_view expected,
-             std::string_view came);
-  template <class Expected, class Came>
-  bool equal(std::string_view where, const Expected& expected, const Came& came) {
+             std::string_view actual);
+  template <class Expected, class Actual>
+  bool equal(std::string_view where, const Expected& expected, const Actual& actual) {
     const std::string left = shown(expected);
-    const std::string right = shown(came);
+    const std::string right = shown(actual);
     return holds(left == right, where, left, right);
   }
 
-  [[nodiscard]] int differences() const noexcept { return differences_; }
+  [[nodiscard]] int mismatches() const noexcept { return mismatches_; }
 
   // All that this process has printed, the library's own output included.
   [[nodiscard]] std::string printed() const;
@@ -74,7 +74,7 @@ class Trial {
   int records_;
   int printed_;
   std::mutex lock_; // guards the records and their number
-  int differences_ = 0;
+  int mismatches_ = 0;
 };
 
 } // namespace com::velanto::connectivity::tools::check

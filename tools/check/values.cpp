@@ -120,9 +120,9 @@ std::string shown(const Message& message) {
   return json;
 }
 
-bool same(Trial& trial, const std::string& where, const data_t& expected, const data_t& came) {
-  const auto found = difference(expected, came, where);
-  return !found || trial.holds(false, found->where, found->expected, found->came);
+bool same(Trial& trial, const std::string& where, const data_t& expected, const data_t& actual) {
+  const auto found = findMismatch(expected, actual, where);
+  return !found || trial.holds(false, found->where, found->expected, found->actual);
 }
 
 std::string bytesOf(const data_t& value) {

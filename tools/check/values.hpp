@@ -42,8 +42,8 @@ void set(data_t& map, const char* key, data_t&& content);
 [[nodiscard]] std::string shown(const data_t& value);
 [[nodiscard]] std::string shown(const Message& message);
 
-// Whether `came` equals the expected value, by comparison.hpp. Reports the first difference.
-bool same(Trial& trial, const std::string& where, const data_t& expected, const data_t& came);
+// Whether `actual` equals the expected value, by comparison.hpp. Reports the first mismatch.
+bool same(Trial& trial, const std::string& where, const data_t& expected, const data_t& actual);
 
 // The bytes of a value, its tag and content, with the bytes of all its tables and lists: for values
 // that nobody may change.

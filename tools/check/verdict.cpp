@@ -31,7 +31,7 @@ class RecordReader {
 struct records_t {
   bool finished = false;
   std::optional<std::string> skip_reason;
-  std::vector<difference_t> differences;
+  std::vector<mismatch_t> mismatches;
 };
 
 records_t readRecords(std::string_view records) {
@@ -45,8 +45,8 @@ records_t readRecords(std::string_view records) {
     } else if (*letter == "F") {
       const std::optional<std::string> where = reader.next();
       const std::optional<std::string> expected = reader.next();
-      const std::optional<std::string> came = reader.next();
-      if (came) result.differences.push_back({*where, *expected, *came});
+      const std::optional<std::string> actual = reader.next();
+      if (actual) result.mismatches.push_back({*where, *expected, *actual});
     }
   }
   return result;
@@ -79,7 +79,7 @@ const char* nameOf(Ending ending) noexcept {
 verdict_t judge(const process_end_t& end) {
   records_t records = readRecords(end.records);
   verdict_t verdict;
-  verdict.differences = std::move(records.differences);
+  verdict.mismatches = std::move(records.mismatches);
   if (end.stopped) {
     verdict.ending = Ending::HUNG;
     verdict.reason = "did not end in time";
@@ -93,7 +93,7 @@ verdict_t judge(const process_end_t& end) {
   } else if (records.skip_reason) {
     verdict.ending = Ending::SKIPPED;
     verdict.reason = *records.skip_reason;
-  } else if (!verdict.differences.empty()) {
+  } else if (!verdict.mismatches.empty()) {
     verdict.ending = Ending::FAILED;
   }
   if (verdict.ending != Ending::OK && verdict.ending != Ending::SKIPPED) {

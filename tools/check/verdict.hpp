@@ -2,7 +2,7 @@
 // the records in a file that the process has left.
 //
 //   record    a letter and its fields, each ended by a NUL
-//     F where expected came    an expectation that did not hold
+//     F where expected actual  an expectation that did not hold
 //     S reason                 cannot be checked here
 //     E                        the check came to its end
 //
@@ -26,11 +26,11 @@ enum class Ending { OK, FAILED, CRASHED, HUNG, SKIPPED };
 // "ok", "failed" and so on.
 [[nodiscard]] const char* nameOf(Ending ending) noexcept;
 
-struct difference_t {
+struct mismatch_t {
   std::string where;
   std::string expected;
-  std::string came;
-  bool operator==(const difference_t&) const = default;
+  std::string actual;
+  bool operator==(const mismatch_t&) const = default;
 };
 
 // The end of a process.
@@ -44,7 +44,7 @@ struct process_end_t {
 struct verdict_t {
   Ending ending = Ending::OK;
   std::string reason; // of a crash, a hang or a skipped check; otherwise empty
-  std::vector<difference_t> differences;
+  std::vector<mismatch_t> mismatches;
   std::string printed; // only for checks that did not pass
 };
 

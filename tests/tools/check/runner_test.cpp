@@ -34,22 +34,22 @@ TEST(RunnerTest, BodyKnowsLibraryAndSeed) {
 TEST(RunnerTest, DifferencesComeBack) {
   const verdict_t verdict = run([](Trial& trial) { trial.equal("answer", 42, 41); });
   EXPECT_EQ(verdict.ending, Ending::FAILED);
-  ASSERT_EQ(verdict.differences.size(), 1U);
-  EXPECT_EQ(verdict.differences[0], (tools::check::difference_t{"answer", "42", "41"}));
+  ASSERT_EQ(verdict.mismatches.size(), 1U);
+  EXPECT_EQ(verdict.mismatches[0], (tools::check::mismatch_t{"answer", "42", "41"}));
 }
 
 TEST(RunnerTest, DifferencesAreLimitedInNumber) {
   const verdict_t verdict = run([](Trial& trial) {
     for (int i = 0; i < 1000; ++i) trial.equal("answer", 42, i + 100);
   });
-  EXPECT_EQ(verdict.differences.size(), static_cast<std::size_t>(Trial::MOST_DIFFERENCES));
+  EXPECT_EQ(verdict.mismatches.size(), static_cast<std::size_t>(Trial::MOST_MISMATCHES));
 }
 
 TEST(RunnerTest, ExceptionIsADifference) {
   const verdict_t verdict = run([](Trial&) { throw std::runtime_error("jam"); });
   EXPECT_EQ(verdict.ending, Ending::FAILED);
-  ASSERT_EQ(verdict.differences.size(), 1U);
-  EXPECT_EQ(verdict.differences[0].came, "exception: jam");
+  ASSERT_EQ(verdict.mismatches.size(), 1U);
+  EXPECT_EQ(verdict.mismatches[0].actual, "exception: jam");
 }
 
 TEST(RunnerTest, SkippingEndsTheBody) {
@@ -84,8 +84,8 @@ TEST(RunnerTest, OutputIsCaughtAndKnownToTheBody) {
     std::cerr << "to error\n";
     trial.equal("printed", "nothing", trial.printed());
   });
-  ASSERT_EQ(verdict.differences.size(), 1U);
-  EXPECT_EQ(verdict.differences[0].came, "to output\nto error\n");
+  ASSERT_EQ(verdict.mismatches.size(), 1U);
+  EXPECT_EQ(verdict.mismatches[0].actual, "to output\nto error\n");
   EXPECT_EQ(verdict.printed, "to output\nto error\n");
 }
 

@@ -33,9 +33,9 @@ TEST(VerdictTest, CheckThatCameToItsEndIsOk) {
 TEST(VerdictTest, DifferencesMakeAFailure) {
   const auto verdict = judgeExit("F|here|4|3|F|there|||E|");
   EXPECT_EQ(verdict.ending, Ending::FAILED);
-  ASSERT_EQ(verdict.differences.size(), 2U);
-  EXPECT_EQ(verdict.differences[0], (tools::check::difference_t{"here", "4", "3"}));
-  EXPECT_EQ(verdict.differences[1], (tools::check::difference_t{"there", "", ""}));
+  ASSERT_EQ(verdict.mismatches.size(), 2U);
+  EXPECT_EQ(verdict.mismatches[0], (tools::check::mismatch_t{"here", "4", "3"}));
+  EXPECT_EQ(verdict.mismatches[1], (tools::check::mismatch_t{"there", "", ""}));
   EXPECT_EQ(verdict.printed, "noise");
 }
 
@@ -49,7 +49,7 @@ TEST(VerdictTest, SignalIsACrashAndKeepsEarlierRecords) {
   const auto verdict = tools::check::judge({false, SIGSEGV, records("F|here|4|3|"), ""});
   EXPECT_EQ(verdict.ending, Ending::CRASHED);
   EXPECT_EQ(verdict.reason, "SIGSEGV, Segmentation fault");
-  EXPECT_EQ(verdict.differences.size(), 1U);
+  EXPECT_EQ(verdict.mismatches.size(), 1U);
 }
 
 TEST(VerdictTest, ExitBeforeTheEndIsACrash) {
@@ -68,8 +68,8 @@ TEST(VerdictTest, StoppedIsAlwaysHung) {
 }
 
 TEST(VerdictTest, RecordThatBreaksOffWasNotWritten) {
-  EXPECT_EQ(judgeExit("F|here|4|3").differences.size(), 0U);
-  EXPECT_EQ(judgeExit("F|here").differences.size(), 0U);
+  EXPECT_EQ(judgeExit("F|here|4|3").mismatches.size(), 0U);
+  EXPECT_EQ(judgeExit("F|here").mismatches.size(), 0U);
   EXPECT_EQ(judgeExit("E").ending, Ending::CRASHED);
 }
 

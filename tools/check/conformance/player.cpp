@@ -20,24 +20,24 @@ struct batch_t {
   std::vector<std::string> bytes;
 };
 
-bool same(Trial& trial, const std::string& where, const Message& expected, const Message& came) {
-  const auto found = difference(expected, came, where);
-  return !found || trial.holds(false, found->where, found->expected, found->came);
+bool same(Trial& trial, const std::string& where, const Message& expected, const Message& actual) {
+  const auto found = findMismatch(expected, actual, where);
+  return !found || trial.holds(false, found->where, found->expected, found->actual);
 }
 
 void expectArrived(Trial& trial, const std::string& place, const case_t& played,
-                   const std::vector<Message>& came) {
-  trial.equal(place + ", messages at the next link", played.out.size(), came.size());
-  for (std::size_t i = 0; i < std::min(played.out.size(), came.size()); ++i) {
-    same(trial, place + ", out " + std::to_string(i + 1), played.out[i], came[i]);
+                   const std::vector<Message>& actual) {
+  trial.equal(place + ", messages at the next link", played.out.size(), actual.size());
+  for (std::size_t i = 0; i < std::min(played.out.size(), actual.size()); ++i) {
+    same(trial, place + ", out " + std::to_string(i + 1), played.out[i], actual[i]);
   }
 }
 
 // A message that passes is the same down to its blocks.
 void expectPassed(Trial& trial, const std::string& place, const std::vector<std::string>& before,
-                  const std::vector<Message>& came) {
-  for (std::size_t i = 0; i < std::min(before.size(), came.size()); ++i) {
-    trial.holds(bytesOf(came[i]) == before[i], place + ", out " + std::to_string(i + 1),
+                  const std::vector<Message>& actual) {
+  for (std::size_t i = 0; i < std::min(before.size(), actual.size()); ++i) {
+    trial.holds(bytesOf(actual[i]) == before[i], place + ", out " + std::to_string(i + 1),
                 "the same bytes as before", "other bytes");
   }
 }
@@ -52,13 +52,13 @@ void expectTaken(Trial& trial, const std::string& place, std::span<const Message
 
 // Dropped messages have no order: each expected message is matched with one of those left.
 void expectDropped(Trial& trial, const std::string& place, const std::vector<Message>& expected,
-                   std::span<const Message> came) {
+                   std::span<const Message> actual) {
   std::vector<const Message*> left;
-  for (const Message& message : came) left.push_back(&message);
+  for (const Message& message : actual) left.push_back(&message);
   trial.equal(place + ", messages dropped", expected.size(), left.size());
   for (std::size_t i = 0; i < expected.size(); ++i) {
     const auto match = std::find_if(left.begin(), left.end(), [&](const Message* message) {
-      return !difference(expected[i], *message, "");
+      return !findMismatch(expected[i], *message, "");
     });
     if (match != left.end()) {
       left.erase(match);
@@ -98,19 +98,19 @@ void playBatch(Trial& trial, const std::string& place, Codec& codec, case_t& pla
 // What the plug-in wrote to standard error. The types that a line names are the build's own.
 void expectPrinted(Trial& trial, const std::string& place, const lines_t& expected,
                    std::string_view printed, Demand demand) {
-  lines_t came;
+  lines_t actual;
   for (std::size_t end = 0; (end = printed.find('\n')) != std::string_view::npos;) {
-    came.emplace_back(printed.substr(0, end));
+    actual.emplace_back(printed.substr(0, end));
     printed.remove_prefix(end + 1);
   }
-  if (!printed.empty()) came.emplace_back(printed);
+  if (!printed.empty()) actual.emplace_back(printed);
   if (demand == Demand::REQUIRED) {
-    for (std::string& each : came) {
+    for (std::string& each : actual) {
       if (each.starts_with("GetVisitor<")) each = "GetVisitor";
     }
-    trial.equal(place + ", standard error", lines_t(expected.size(), "GetVisitor"), came);
+    trial.equal(place + ", standard error", lines_t(expected.size(), "GetVisitor"), actual);
   } else {
-    trial.equal(place + ", standard error", expected, came);
+    trial.equal(place + ", standard error", expected, actual);
   }
 }
 
@@ -129,8 +129,8 @@ void play(Trial& trial, const PluginLibrary& library, const line_t& line, Demand
       Codec codec(trial, library,
                   played.null_configuration ? nullptr : played.configuration.underlying());
       if (const auto found =
-              difference(again.configuration, played.configuration, place + ", configuration")) {
-        trial.holds(false, found->where, found->expected, found->came);
+              findMismatch(again.configuration, played.configuration, place + ", configuration")) {
+        trial.holds(false, found->where, found->expected, found->actual);
       }
       played.configuration = data_t(); // the caller's to free once create has returned
       if (trial.equal(place + ", created", played.created, codec.made()) && played.created) {

@@ -26,7 +26,7 @@ void withEachRefused(Trial& trial, const Attempt& attempt) {
       trial.holds(n > 1, "allocations", "at least one", "none");
       return;
     }
-    if (trial.differences() > 0) return; // the next ones would say the same
+    if (trial.mismatches() > 0) return; // the next ones would say the same
   }
   trial.holds(false, "allocations", "an end", "more than " + std::to_string(MOST_ALLOCATIONS));
 }
@@ -53,9 +53,9 @@ void creation(Trial& trial) {
   });
 }
 
-bool isReport(const std::string& came, const std::string& id) {
-  return came == dropped(": std::bad_alloc") ||
-         came == dropped(" ('id' = '" + id + "'): std::bad_alloc");
+bool isReport(const std::string& actual, const std::string& id) {
+  return actual == dropped(": std::bad_alloc") ||
+         actual == dropped(" ('id' = '" + id + "'): std::bad_alloc");
 }
 
 // Before or after the message's turn: its own is the only one that may be lost.
