@@ -219,10 +219,10 @@ std::string Reader::name(std::uint64_t offset) const {
   if (!strings_) throw MalformedElf("no table of names");
   if (offset >= strings_size_) throw MalformedElf("a name is beyond the table of names");
   const std::uint64_t start = offsetOf(shifted(*strings_, offset, "a name"), "a name");
-  const std::uint64_t room = std::min<std::uint64_t>(strings_size_ - offset, file_.size() - start);
+  const std::uint64_t limit = std::min<std::uint64_t>(strings_size_ - offset, file_.size() - start);
   const auto* const text = reinterpret_cast<const char*>(file_.data() + start);
-  const std::size_t length = strnlen(text, room);
-  if (length == room) throw MalformedElf("a name has no end");
+  const std::size_t length = strnlen(text, limit);
+  if (length == limit) throw MalformedElf("a name has no end");
   return {text, length};
 }
 

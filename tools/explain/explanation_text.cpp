@@ -214,14 +214,14 @@ void Teller::tellAdded(rows_t rows) {
              !path[path.size() - 2].in_list && other.to.front().json == place.json &&
              parentOf(parentOf(path)) == parentOf(parentOf(place.path));
     };
-    const auto behind = std::find_if_not(row, rows.end(), alike);
-    if (behind - row < 2) {
+    const auto after = std::find_if_not(row, rows.end(), alike);
+    if (after - row < 2) {
       entry({phraseOf(place)});
       ++row;
       continue;
     }
     parts_t names;
-    for (; row != behind; ++row) names.push_back(nameOf(row->to.front().path.rbegin()[1].key));
+    for (; row != after; ++row) names.push_back(nameOf(row->to.front().path.rbegin()[1].key));
     constexpr std::size_t NAME = 12;  // columns of the names' common end,
     constexpr std::size_t VALUE = 24; // and of the value: room for any number
     std::string end = ".";

@@ -19,7 +19,7 @@ constexpr std::size_t MOST_FAULTS = 4;     // in one message
 constexpr std::size_t MOST_RUNS = 1500;    // for one message
 constexpr std::size_t MOST_SUSPECTS = 100; // values of a message that it looks at
 constexpr std::size_t MOST_CHANGES = 4;    // of one value
-constexpr std::size_t MOST_WAYS = 6;       // to go on from one state
+constexpr std::size_t MOST_CANDIDATES = 6; // to go on from one state
 
 bool contains(const std::vector<path_t>& paths, const path_t& path) {
   return std::find(paths.begin(), paths.end(), path) != paths.end();
@@ -58,7 +58,7 @@ class Stage {
   [[nodiscard]] std::vector<fault_t> suspects() const;
 
  private:
-  struct way_t {
+  struct candidate_t {
     change_t change;
     answer_t answer;
   };
@@ -82,8 +82,8 @@ class Stage {
   std::vector<path_t> named_;      // the value under one of them, or a value that the text repeats
   std::vector<path_t> altering_;   // leaves that change the text
   std::vector<path_t> leaves_;
-  std::vector<path_t> suspects_; // that it tries to mend
-  std::vector<way_t> ways_;      // changes that lead to another reason
+  std::vector<path_t> suspects_;        // that it tries to mend
+  std::vector<candidate_t> candidates_; // changes that lead to another reason
 };
 
 std::optional<answer_t> Stage::askWith(const change_t& change) {
@@ -144,16 +144,16 @@ bool Stage::isOnlyMentioned(const path_t& path) {
 
 std::vector<fault_t> Stage::suspects() const {
   std::vector<path_t> paths = named_;
-  const auto add_ways = [&](bool missing) {
-    for (const way_t& way : ways_) {
-      const path_t& path = way.change.path;
+  const auto add_candidates = [&](bool missing) {
+    for (const candidate_t& candidate : candidates_) {
+      const path_t& path = candidate.change.path;
       const bool is_missing = answer_.before.find(path) == nullptr;
       if (is_missing == missing && !contains(paths, path)) paths.push_back(path);
     }
   };
-  add_ways(true);
+  add_candidates(true);
   if (paths.empty()) paths = altering_;
-  if (paths.empty()) add_ways(false);
+  if (paths.empty()) add_candidates(false);
   std::vector<fault_t> suspects;
   suspects.reserve(paths.size());
   for (const path_t& path : paths) suspects.push_back(faultAt(path));
@@ -218,7 +218,7 @@ fault_t Stage::faultOf(const change_t& change) const {
 
 bool Stage::solve(std::size_t faults_left, std::vector<fault_t>& faults) {
   std::set<std::tuple<std::string, path_t, std::uint32_t>> tried; // reason, place, kind
-  ways_.clear();
+  candidates_.clear();
   for (const change_t& change : mendings()) {
     std::optional<answer_t> answer = askWith(change);
     if (!answer) return false;
@@ -226,18 +226,18 @@ bool Stage::solve(std::size_t faults_left, std::vector<fault_t>& faults) {
       faults.insert(faults.begin(), faultOf(change));
       return true;
     }
-    if (ways_.size() == MOST_WAYS || !saysSomethingElse(change, *answer)) continue;
+    if (candidates_.size() == MOST_CANDIDATES || !saysSomethingElse(change, *answer)) continue;
     if (tried.emplace(answer->log, change.path, change.value->type_tag()).second) {
-      ways_.push_back({change, std::move(*answer)});
+      candidates_.push_back({change, std::move(*answer)});
     }
   }
   if (faults_left == 1) return false;
-  for (const way_t& way : ways_) {
+  for (const candidate_t& candidate : candidates_) {
     std::vector<change_t> changes = changes_;
-    changes.push_back(way.change);
-    Stage next(probe_, std::move(changes), way.answer);
+    changes.push_back(candidate.change);
+    Stage next(probe_, std::move(changes), candidate.answer);
     if (!next.solve(faults_left - 1, faults)) continue;
-    faults.insert(faults.begin(), faultOf(way.change));
+    faults.insert(faults.begin(), faultOf(candidate.change));
     return true;
   }
   return false;

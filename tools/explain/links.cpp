@@ -32,7 +32,7 @@ class Linker {
     do {
       links_ = {};
       matchBlocks();
-      for (source_t* const source : shallowFirst()) follow(*source);
+      for (source_t* const source : shallowFirst()) probeSource(*source);
     } while (std::exchange(mistaken_, false));
     askWithout();
     findReplaced();
@@ -43,7 +43,7 @@ class Linker {
   void matchBlocks();
   void addOpenSources(const std::vector<char>& matched);
   [[nodiscard]] std::vector<source_t*> shallowFirst();
-  void follow(source_t& source);
+  void probeSource(source_t& source);
   void note(source_t& source, const answer_t& answer);
   void check(const source_t& moved, const answer_t& answer);
   void askWithout();
@@ -110,7 +110,7 @@ std::vector<source_t*> Linker::shallowFirst() {
 }
 
 // Runs the message with `source` changed in one way after the other: each may show something else.
-void Linker::follow(source_t& source) {
+void Linker::probeSource(source_t& source) {
   if (links_.made.empty() && source.moved) return;
   const path_t& path = nodeOf(source).path;
   const data_t* const value = valueAt(probe_.message(), path);

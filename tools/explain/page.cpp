@@ -30,17 +30,17 @@ void Page::entry(std::string_view label, Colour colour, const std::vector<std::s
   const std::string shown = label == label_ ? "" : coloured(label, colour);
   out_ += MARGIN + shown + std::string(LABEL - (label == label_ ? 0 : widthOf(label)), ' ');
   label_ = label;
-  std::size_t room = WIDTH;
+  std::size_t columns_left = WIDTH;
   bool first = true;
   for (const std::string& part : parts) {
     const std::size_t width = widthOf(part);
-    if (!first && width + 1 > room) {
+    if (!first && width + 1 > columns_left) {
       out_ += "\n" + std::string(CONTINUED, ' ');
-      room = WIDTH;
+      columns_left = WIDTH;
       first = true;
     }
     if (!first) out_ += ' ';
-    room -= std::min(room, width + (first ? 0 : 1));
+    columns_left -= std::min(columns_left, width + (first ? 0 : 1));
     out_ += part;
     first = false;
   }

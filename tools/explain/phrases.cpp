@@ -57,17 +57,17 @@ std::vector<std::string> pathPhrasesOf(const std::vector<path_t>& paths) {
   std::vector<std::string> phrases;
   const path_t* const end = paths.data() + paths.size();
   for (const path_t* begin = paths.data(); begin != end;) {
-    const path_t* behind = begin + 1;
+    const path_t* after = begin + 1;
     if (begin->size() > 2) {
       const path_t above = parentOf(*begin);
-      while (behind != end && behind->size() == begin->size() && parentOf(*behind) == above &&
-             behind->back().in_list == begin->back().in_list) {
-        ++behind;
+      while (after != end && after->size() == begin->size() && parentOf(*after) == above &&
+             after->back().in_list == begin->back().in_list) {
+        ++after;
       }
     }
-    begin->size() > 2 ? appendNeighbours(phrases, begin, behind)
+    begin->size() > 2 ? appendNeighbours(phrases, begin, after)
                       : phrases.push_back(cutBefore(textOf(*begin), PHRASE_WIDTH));
-    begin = behind;
+    begin = after;
   }
   return phrases;
 }

@@ -43,8 +43,8 @@ constexpr std::array ROWS = {
 
 bool fits(const reason_row_t& row, std::string_view what) noexcept {
   if (!what.starts_with(row.begin)) return false;
-  const std::size_t behind = std::string_view(row.begin).size();
-  return what.find(row.then, behind) != std::string_view::npos;
+  const std::size_t after = std::string_view(row.begin).size();
+  return what.find(row.then, after) != std::string_view::npos;
 }
 
 std::string keyOf(const reason_row_t& row, std::string_view what) {
@@ -63,9 +63,9 @@ std::string_view whatOf(std::string_view line) noexcept {
   const std::size_t id = line.find(" ('id' = '");
   const std::size_t colon = line.find(": ");
   if (id != std::string_view::npos && id < colon) {
-    constexpr std::string_view BEHIND_ID = "'): ";
-    const std::size_t end = line.find(BEHIND_ID);
-    return end == std::string_view::npos ? "" : line.substr(end + BEHIND_ID.size());
+    constexpr std::string_view AFTER_ID = "'): ";
+    const std::size_t end = line.find(AFTER_ID);
+    return end == std::string_view::npos ? "" : line.substr(end + AFTER_ID.size());
   }
   return colon == std::string_view::npos ? "" : line.substr(colon + 2);
 }

@@ -21,9 +21,9 @@ class Durations {
 
   [[nodiscard]] std::uint64_t count() const noexcept { return count_; }
 
-  // The duration that the given share, 0 to 1, does not exceed; 0 when there are none.
-  [[nodiscard]] std::chrono::nanoseconds quantile(double share) const noexcept {
-    const auto wanted = static_cast<std::uint64_t>(share * static_cast<double>(count_));
+  // The duration that the given fraction, 0 to 1, does not exceed; 0 when there are none.
+  [[nodiscard]] std::chrono::nanoseconds quantile(double fraction) const noexcept {
+    const auto wanted = static_cast<std::uint64_t>(fraction * static_cast<double>(count_));
     std::uint64_t seen = 0;
     for (std::size_t i = 0; i < classes_.size(); ++i) {
       seen += classes_[i];

@@ -18,22 +18,22 @@ void Progress::take(const record_t& record) {
   const clock_t::time_point now = clock_t::now();
   if (now - shown_ < TIME_BETWEEN) return;
   shown_ = now;
-  terminal_.show(progressLine(record.number, now - start_, share_()));
+  terminal_.show(progressLine(record.number, now - start_, fraction_()));
 }
 
 std::string progressLine(std::uint64_t messages, std::chrono::duration<double> elapsed,
-                         std::optional<double> share) {
+                         std::optional<double> fraction) {
   const double seconds = elapsed.count();
   const double rate = seconds > 0 ? static_cast<double>(messages) / seconds : 0;
   std::array<char, 80> text{};
-  if (!share || *share <= 0) {
+  if (!fraction || *fraction <= 0) {
     std::snprintf(text.data(), text.size(), "%llu messages, %.0f messages/s",
                   static_cast<unsigned long long>(messages), rate);
     return text.data();
   }
-  const auto left = std::lround(seconds / *share - seconds);
-  std::snprintf(text.data(), text.size(), "%3.0f %%, %.0f messages/s, %ld:%02ld left", *share * 100,
-                rate, left / 60, left % 60);
+  const auto left = std::lround(seconds / *fraction - seconds);
+  std::snprintf(text.data(), text.size(), "%3.0f %%, %.0f messages/s, %ld:%02ld left",
+                *fraction * 100, rate, left / 60, left % 60);
   return text.data();
 }
 

@@ -15,9 +15,9 @@ namespace com::velanto::connectivity::tools {
 
 class Progress final : public Consumer {
  public:
-  // `share` gives the share done, 0 to 1, or nothing when the end is not known.
-  Progress(Terminal& terminal, std::function<std::optional<double>()> share)
-      : terminal_(terminal), share_(std::move(share)) {}
+  // `fraction` gives the fraction done, 0 to 1, or nothing when the end is not known.
+  Progress(Terminal& terminal, std::function<std::optional<double>()> fraction)
+      : terminal_(terminal), fraction_(std::move(fraction)) {}
 
   void take(const record_t& record) override;
 
@@ -25,15 +25,15 @@ class Progress final : public Consumer {
   using clock_t = std::chrono::steady_clock;
 
   Terminal& terminal_;
-  std::function<std::optional<double>()> share_;
+  std::function<std::optional<double>()> fraction_;
   clock_t::time_point start_ = clock_t::now();
   clock_t::time_point shown_ = start_;
 };
 
-// The line: share done, messages a second, time left.
+// The line: fraction done, messages a second, time left.
 [[nodiscard]] std::string progressLine(std::uint64_t messages,
                                        std::chrono::duration<double> elapsed,
-                                       std::optional<double> share);
+                                       std::optional<double> fraction);
 
 } // namespace com::velanto::connectivity::tools
 
