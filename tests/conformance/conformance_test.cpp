@@ -7,8 +7,8 @@
 #include <set>
 #include <string>
 
-#include "tools/check/check.hpp"
 #include "tools/check/conformance/player.hpp"
+#include "tools/check/selection.hpp"
 #include "tools/check/shared_file.hpp"
 
 namespace com::velanto::connectivity::test {

@@ -8,6 +8,7 @@
 
 #include "tools/check/check_plugin.hpp"
 #include "tools/check/report.hpp"
+#include "tools/check/selection.hpp"
 #include "tools/options/check_plugin_options.hpp"
 #include "tools/options/parser.hpp"
 

@@ -5,7 +5,7 @@
 
 #include "tests/support/pattern.hpp"
 #include "tests/support/values.hpp"
-#include "tools/check/check.hpp"
+#include "tools/check/selection.hpp"
 
 namespace com::velanto::connectivity::test {
 

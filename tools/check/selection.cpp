@@ -1,4 +1,4 @@
-#include "tools/check/check.hpp"
+#include "tools/check/selection.hpp"
 
 #include <fnmatch.h>
 
