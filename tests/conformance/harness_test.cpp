@@ -24,7 +24,7 @@ std::string told(const Value& expected, const Value& actual, const char* where =
   return found ? found->where + ": " + found->expected + " / " + found->actual : "";
 }
 
-// The mismatch between two values in the form of a data file.
+// The mismatch between two values that are written as in a conformance file.
 std::string between(const char* expected, const char* actual) {
   ValueDecoder decoder;
   return told(decoder.decode(json(expected)), decoder.decode(json(actual)));

@@ -168,8 +168,8 @@ TEST_F(MapCopy, StaleValuesOfVacantSlotsAreNotCopied) {
   put_tombstone(map, 0);
   const data_t stale = text("freed elsewhere");
   for (const std::int64_t vacant : {0, 1}) {
-    std::memcpy(static_cast<void*>(&slot_at(map, vacant).value),
-                static_cast<const void*>(&stale), sizeof stale);
+    std::memcpy(static_cast<void*>(&slot_at(map, vacant).value), static_cast<const void*>(&stale),
+                sizeof stale);
   }
   const std::int64_t before = standin_live_blocks_total();
   {

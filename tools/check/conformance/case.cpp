@@ -80,7 +80,7 @@ std::string readName(const map_t& line) {
   std::string name = requireText(requireMember(line, "name"), "name");
   const auto allowed = [](unsigned char c) { return c < 0x80 && std::isalnum(c) != 0; };
   if (name.empty() || !std::all_of(name.begin(), name.end(), allowed)) {
-    throw BadCase("\"name\" must be ASCII letters and digits, not \"" + name + "\"");
+    throw BadCase(R"("name" must be ASCII letters and digits, not ")" + name + '"');
   }
   return name;
 }

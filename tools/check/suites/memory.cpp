@@ -139,6 +139,7 @@ void fromThenOn(Trial& trial) {
   for (std::uint64_t n = 1; n <= 60; ++n) {
     const BlockBalance balance;
     std::vector<Message> batch;
+    batch.reserve(examples.size());
     for (const line_t& example : examples) batch.push_back(notificationOf(example));
     standin_fail_allocations_from(n);
     const int result = fixture.codec.towardsHost(batch);
