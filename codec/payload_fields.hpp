@@ -27,10 +27,10 @@ namespace com::velanto::connectivity::plugins::pulsar {
 // typed get's error. With a fault the result is null or 0 and means nothing.
 template <class T, class Value>
 [[nodiscard]] T getFromDataTReportingKey(Value& value, char const* key, Fault& fault) {
-  using content = std::conditional_t<std::is_same_v<T, map_t*>, map_t, T>;
+  using Content = std::conditional_t<std::is_same_v<T, map_t*>, map_t, T>;
   if (fault) return T();
-  auto* const found = value.template get_if<content>();
-  if (found == nullptr) fault.note(problemWithKey(key, value.template report_mismatch<content>()));
+  auto* const found = value.template get_if<Content>();
+  if (found == nullptr) fault.note(problemWithKey(key, value.template report_mismatch<Content>()));
   if constexpr (std::is_same_v<T, map_t*>) {
     return found;
   } else {
