@@ -95,6 +95,7 @@ class ConstantsUser {
   ~ConstantsUser() { constant_t::release(); }
 };
 // The same for the loaded library, which is the first user.
+// NOLINTNEXTLINE(cppcoreguidelines-special-member-functions): there is this one
 inline const struct library_user_t {
   ~library_user_t() { constant_t::release(); }
 } LIBRARY_USER;

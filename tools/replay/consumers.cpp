@@ -37,6 +37,7 @@ void Consumers::addPlugins(const PluginLibrary& library, const data_t& configura
 
 exit_status_t Consumers::finish() {
   exit_status_t worst = EXIT_FINE;
+  // NOLINTNEXTLINE(modernize-loop-convert): from the last to the first
   for (auto consumer = all_.rbegin(); consumer != all_.rend(); ++consumer) {
     worst = std::max(worst, (*consumer)->finish());
   }
