@@ -94,8 +94,7 @@ class ConstantsUser {
   ConstantsUser& operator=(const ConstantsUser&) = delete;
   ~ConstantsUser() { constant_t::release(); }
 };
-// The same for the loaded library, which is the first user.
-// NOLINTNEXTLINE(cppcoreguidelines-special-member-functions): there is this one
+// NOLINTNEXTLINE(cppcoreguidelines-special-member-functions): only the loaded library, the first user
 inline const struct library_user_t {
   ~library_user_t() { constant_t::release(); }
 } LIBRARY_USER;

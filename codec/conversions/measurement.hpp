@@ -42,7 +42,9 @@ class MeasurementValueBuilder {
   // Throw std::bad_alloc.
   void setValue(map_entry_t&& value) { add(std::move(value)); }
   void setUnits(map_entry_t&& units) { add(std::move(units)); }
-  void setParams(map_t&& params) { add(DATA_T_params.with(std::move(params))); }
+  void setParams(map_t&& params) {
+    measurement_value_.add(DATA_T_params.hash(), DATA_T_params.copy(), std::move(params));
+  }
   [[nodiscard]] map_t getResult() && noexcept { return std::move(measurement_value_); }
 
  private:
