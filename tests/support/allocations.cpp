@@ -1,5 +1,5 @@
-// The replaced operator new and delete. The array forms end in these; the forms for a larger
-// alignment are not replaced, since nothing here uses them.
+// The replaced operator new and delete, array forms included. The forms for a larger alignment are
+// not replaced, since nothing here uses them.
 #include "tests/support/allocations.hpp"
 
 #include <atomic>
@@ -71,6 +71,11 @@ void* operator new(std::size_t size) {
   return memory;
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return take(size); }
+// AddressSanitizer's own array forms would not end in the forms above.
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return take(size); }
+void operator delete[](void* memory) noexcept { giveBack(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { giveBack(memory); }
 void operator delete(void* memory) noexcept { giveBack(memory); }
 void operator delete(void* memory, std::size_t) noexcept { giveBack(memory); }
 void operator delete(void* memory, const std::nothrow_t&) noexcept { giveBack(memory); }

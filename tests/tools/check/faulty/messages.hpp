@@ -73,11 +73,16 @@ void raceThrough(message_t* start, message_t* end) {
   }
 }
 
+// Spoils a string in place; an empty one has no character to overwrite.
+inline void overwriteFirst(const vlt_underlying_data_t& text, char first) {
+  if (*text.value.string != '\0') const_cast<char*>(text.value.string)[0] = first;
+}
+
 // Faults of single messages that go to the host.
 void spoil(message_t& message) {
   if (has(Fault::wrong_channel)) {
     vlt_underlying_data_t* const channel = find(message.metadata, "vlt.channel");
-    if (isText(channel)) const_cast<char*>(channel->value.string)[0] = 'O';
+    if (isText(channel)) overwriteFirst(*channel, 'O');
   }
   if (has(Fault::loses_milliseconds)) {
     vlt_underlying_data_t* const time = findInPayload(message, "creationTime");
@@ -114,7 +119,7 @@ void spoil(message_t* start, message_t* end) {
   }
   if (has(Fault::depends_on_batch) && end - start > 5) {
     vlt_underlying_data_t* const id = findInPayload(start[5], "id");
-    if (isText(id)) const_cast<char*>(id->value.string)[0] = 'x';
+    if (isText(id)) overwriteFirst(*id, 'x');
   }
   if (has(Fault::swaps_order) && end - start >= 2) std::swap(start[0], start[1]);
   if (has(Fault::asks_level_in_batch)) static_cast<void>(vlt_get_log_level("any"));
