@@ -110,8 +110,8 @@ class Copier {
     }
   }
 
-  // New blocks have empty elements and slots. So a head that also counts those that exhaustion left
-  // empty is fit for freeing.
+  // New blocks have empty elements and slots. So a copy can be freed when exhausted memory has left
+  // some of its counted elements empty.
   void fillList(void* block, const list_head_t& source) noexcept {
     const int64_t count = std::max<int64_t>(source.count, 0);
     vlt_underlying_data_t* elements = elementsOf(new (block) list_head_t{count, count});

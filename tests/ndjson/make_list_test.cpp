@@ -42,7 +42,7 @@ TEST_F(MakeListTest, RefusedListLeavesTheElements) {
   elements.push_back(text("a"));
   standin_fail_allocation(1);
   EXPECT_THROW(static_cast<void>(makeList(std::move(elements))), std::bad_alloc);
-  // NOLINTNEXTLINE(bugprone-use-after-move): what is left is the subject
+  // NOLINTNEXTLINE(bugprone-use-after-move): a refused list must not move the elements
   EXPECT_EQ(elements[0], text("a"));
 }
 

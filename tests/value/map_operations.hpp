@@ -72,7 +72,7 @@ class MapOperations {
         operation_t{25, "maybe_insert, copying", &MapOperations::insert_copying},
         operation_t{20, "maybe_insert, moving", &MapOperations::insert_moving},
         operation_t{35, "find", &MapOperations::find},
-        operation_t{35, "erase what is found", &MapOperations::erase_found},
+        operation_t{35, "erase the entry of a key", &MapOperations::erase_found},
         operation_t{14, "erase any entry", &MapOperations::erase_any},
         operation_t{3, "iterate", &MapOperations::iterate},
         operation_t{4, "copy", &MapOperations::copy},
