@@ -10,6 +10,7 @@
 #include "ndjson/json_reader.hpp"
 #include "tools/check/check_fixture.hpp"
 #include "tools/check/values.hpp"
+#include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 
