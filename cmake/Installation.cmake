@@ -16,12 +16,15 @@ set(VLT_DOCUMENT_FOLDER ${CMAKE_INSTALL_DATAROOTDIR}/doc/${VLT_PACKAGE_NAME})
 file(RELATIVE_PATH VLT_LIBRARIES_FROM_TOOLS ${CMAKE_INSTALL_FULL_BINDIR}
      ${CMAKE_INSTALL_FULL_LIBDIR}/${VLT_PACKAGE_NAME})
 
-# The stand-in's folder; for a real client library, its folder at the link.
+# The tool searches the stand-in's folder, then its own, where a build puts all; for a real client
+# library, its folder at the link. The built tool has this run path already: where an installation
+# changes one, CMake pads it with colons for that, each of which is the current folder.
 function(vlt_install_tool tool)
   install(TARGETS ${tool})
+  set_target_properties(${tool} PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
   if(TARGET standin)
-    set_target_properties(${tool} PROPERTIES INSTALL_RPATH
-                                             "$ORIGIN/${VLT_LIBRARIES_FROM_TOOLS}/standin")
+    set_target_properties(${tool} PROPERTIES
+                          INSTALL_RPATH "$ORIGIN/${VLT_LIBRARIES_FROM_TOOLS}/standin;$ORIGIN")
   else()
     set_target_properties(${tool} PROPERTIES INSTALL_RPATH_USE_LINK_PATH ON)
   endif()

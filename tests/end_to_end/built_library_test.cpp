@@ -1,10 +1,12 @@
-// The plug-in as the loader sees it: its exports, its needs, and its hardening. Reads the built
-// file and loads nothing.
+// The plug-in as the loader sees it: its exports, its needs, and its hardening; and the run paths of
+// all built files. Reads the built files and loads nothing.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <stdexcept>
 #include <utility>
@@ -17,20 +19,22 @@ namespace {
 
 using ::testing::AnyOf;
 using ::testing::Contains;
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::IsSubsetOf;
 using ::testing::Not;
 using ::testing::SizeIs;
+using ::testing::StartsWith;
 using ::testing::UnorderedElementsAreArray;
 using tools::ENTRY_POINTS;
 using tools::HOST_FUNCTIONS;
 using tools::names_t;
 
-// The output of readelf about the library.
-std::string readelf(const std::string& options) {
-  const std::string command = "LC_ALL=C readelf --wide " + options + " '" VLT_PLUGIN_PATH "'";
+// The output of readelf about a built file.
+std::string readelf(const std::string& options, const std::string& path = VLT_PLUGIN_PATH) {
+  const std::string command = "LC_ALL=C readelf --wide " + options + " '" + path + "'";
   // NOLINTNEXTLINE(cert-env33-c): a command of this test's own
   std::FILE* const pipe = popen(command.c_str(), "r");
   if (pipe == nullptr) throw std::runtime_error("cannot run " + command);
@@ -49,10 +53,10 @@ struct symbol_t {
 };
 
 // Values and texts of all dynamic entries of one type: "NEEDED".
-names_t dynamicEntries(const std::string& type) {
+names_t dynamicEntries(const std::string& type, const std::string& path = VLT_PLUGIN_PATH) {
   names_t entries;
   const Pattern line("\\(" + type + R"(\) +(?:[^\[\n]*\[(.*)\]|(.*)))");
-  for (const auto& found : line.allIn(readelf("--dynamic"))) {
+  for (const auto& found : line.allIn(readelf("--dynamic", path))) {
     entries.push_back(found[1] + found[2]);
   }
   return entries;
@@ -76,6 +80,31 @@ std::vector<segment_t> segments(const std::string& type) {
 
 bool belongsToTheHost(const std::string& name) {
   return name.starts_with("vlt_") || name.starts_with("_vlt_") || name.starts_with("standin_");
+}
+
+// Executables and shared libraries below the build folder.
+names_t builtFiles() {
+  namespace fs = std::filesystem;
+  names_t files;
+  for (fs::recursive_directory_iterator at(VLT_BUILD_FOLDER), end; at != end; ++at) {
+    if (at->path().filename() == "CMakeFiles") at.disable_recursion_pending(); // objects
+    if (!at->is_regular_file() || at->is_symlink()) continue;
+    char magic[4] = {};
+    std::ifstream(at->path(), std::ios::binary).read(magic, sizeof magic);
+    if (std::string_view(magic, sizeof magic) == "\177ELF") files.push_back(at->path());
+  }
+  return files;
+}
+
+// The folders of a run path, in which ':' separates them.
+names_t foldersOf(const std::string& run_path) {
+  names_t folders;
+  for (std::size_t begin = 0; begin <= run_path.size();) {
+    const std::size_t end = std::min(run_path.find(':', begin), run_path.size());
+    folders.push_back(run_path.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return folders;
 }
 
 class BuiltLibraryTest : public ::testing::Test {
@@ -130,6 +159,21 @@ TEST_F(BuiltLibraryTest, NamesTheHostsClientLibraryAsNeeded) {
 TEST_F(BuiltLibraryTest, HasNoRunPath) {
   EXPECT_THAT(dynamicEntries("RPATH"), IsEmpty());
   EXPECT_THAT(dynamicEntries("RUNPATH"), IsEmpty());
+}
+
+// The loader takes an empty folder for the current one. Whoever supplies a recording could put a
+// library there, too.
+TEST(BuiltFilesTest, SearchNoFolderRelativeToTheCurrentOne) {
+  const names_t files = builtFiles();
+  EXPECT_THAT(files, Contains(VLT_PLUGIN_PATH));
+  for (const std::string& file : files) {
+    for (const char* const type : {"RPATH", "RUNPATH"}) {
+      for (const std::string& run_path : dynamicEntries(type, file)) {
+        EXPECT_THAT(foldersOf(run_path), Each(AnyOf(StartsWith("/"), StartsWith("$ORIGIN"))))
+            << file;
+      }
+    }
+  }
 }
 
 // No name of the C++ library either: a definition here would not be the host's, and the host's

@@ -161,13 +161,13 @@ TEST_F(InstallationTest, StrippedPlugInKeepsItsInterface) {
   EXPECT_THAT(shell("readelf --segments" + plugin).out, HasSubstr("GNU_RELRO"));
 }
 
-TEST_F(InstallationTest, ToolsSeekTheStandInInOneFolder) {
-  const std::string folder = "[$ORIGIN/" VLT_LIBRARIES_FROM_TOOLS "/standin]\n";
+TEST_F(InstallationTest, ToolsSeekLibrariesInTheInstallationOnly) {
+  const std::string folders = "[$ORIGIN/" VLT_LIBRARIES_FROM_TOOLS "/standin:$ORIGIN]\n";
   const std::string shown = " | grep PATH | sed 's/.*(//; s/).*\\[/ [/'";
   EXPECT_EQ(shell("readelf --dynamic \"$HERE/bin/ostrovia-replay\"" + shown).out,
-            "RUNPATH " + folder);
+            "RUNPATH " + folders);
   EXPECT_EQ(shell("readelf --dynamic \"$HERE/bin/ostrovia-check-plugin\"" + shown).out,
-            "RPATH " + folder);
+            "RPATH " + folders);
 }
 
 // Links to the sources lead nowhere, as a reader of an installed document expects.
