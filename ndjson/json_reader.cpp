@@ -10,6 +10,7 @@
 
 #include "ndjson/json_text.hpp"
 #include "ndjson/make_list.hpp"
+#include "ndjson/utf8.hpp"
 #include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity {

@@ -11,9 +11,6 @@ namespace com::velanto::connectivity {
 // reader accepts the result.
 void appendJsonText(std::string& out, std::string_view text);
 
-// The place of the first byte that is not part of UTF-8; npos when there is none.
-[[nodiscard]] std::size_t findInvalidUtf8(std::string_view text) noexcept;
-
 } // namespace com::velanto::connectivity
 
 #endif

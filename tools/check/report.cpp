@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "ndjson/json_text.hpp"
+#include "ndjson/utf8.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 

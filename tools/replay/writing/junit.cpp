@@ -5,7 +5,7 @@
 #include <charconv>
 #include <string_view>
 
-#include "ndjson/json_text.hpp"
+#include "ndjson/utf8.hpp"
 #include "tools/record/output.hpp"
 
 namespace com::velanto::connectivity::tools {

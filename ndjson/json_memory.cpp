@@ -1,0 +1,140 @@
+#include "ndjson/json_memory.hpp"
+
+#include <emmintrin.h>
+#include <rapidjson/internal/dtoa.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "ndjson/utf8.hpp"
+
+namespace com::velanto::connectivity {
+
+namespace {
+
+constexpr std::size_t CHUNK = JsonMemory::SLACK;
+constexpr std::string_view HEX_DIGITS = "0123456789abcdef";
+
+template <class Word>
+Word wordAt(const char* from) noexcept {
+  Word word{};
+  std::memcpy(&word, from, sizeof word);
+  return word;
+}
+
+// The `size` bytes at `from`, 1 to 16, then zeros. Two loads that overlap take the place of a loop.
+__m128i load(const char* from, std::size_t size) noexcept {
+  if (size == CHUNK) return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+  std::uint64_t low = 0;
+  std::uint64_t high = 0;
+  if (size >= 8) {
+    low = wordAt<std::uint64_t>(from);
+    high = wordAt<std::uint64_t>(from + size - 8) >> 1U >> (8 * (16 - size) - 1);
+  } else if (size >= 4) {
+    low = wordAt<std::uint32_t>(from);
+    low |= std::uint64_t{wordAt<std::uint32_t>(from + size - 4)} << (8 * (size - 4));
+  } else {
+    for (const std::size_t i : {std::size_t{0}, size / 2, size - 1}) {
+      low |= std::uint64_t{wordAt<unsigned char>(from + i)} << (8 * i);
+    }
+  }
+  return _mm_set_epi64x(static_cast<std::int64_t>(high), static_cast<std::int64_t>(low));
+}
+
+// A bit for each byte that is a control character, a quote, a backslash or not ASCII.
+unsigned findSpecial(__m128i chunk) noexcept {
+  // Bytes from 0x80 on are negative.
+  const __m128i outside = _mm_cmplt_epi8(chunk, _mm_set1_epi8(0x20));
+  const __m128i quote = _mm_cmpeq_epi8(chunk, _mm_set1_epi8('"'));
+  const __m128i backslash = _mm_cmpeq_epi8(chunk, _mm_set1_epi8('\\'));
+  const __m128i special = _mm_or_si128(outside, _mm_or_si128(quote, backslash));
+  return static_cast<unsigned>(_mm_movemask_epi8(special));
+}
+
+} // namespace
+
+bool JsonMemory::text(std::string_view text) noexcept {
+  char* const begin = at_;
+  put('"');
+  const char* from = text.data();
+  const char* const end = from + text.size();
+  while (from != end) {
+    const std::size_t size = std::min(CHUNK, static_cast<std::size_t>(end - from));
+    if (!hasRoom(size)) return true;
+    const __m128i chunk = load(from, size);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(at_), chunk);
+    const unsigned special = findSpecial(chunk) | 1U << size; // the end of the chunk, too
+    const auto plain = static_cast<std::size_t>(__builtin_ctz(special));
+    from += plain;
+    at_ += plain;
+    if (plain == size) continue;
+    if (static_cast<unsigned char>(*from) < 0x80) {
+      escape(*from++);
+      continue;
+    }
+    // Text that is not ASCII comes in runs.
+    while (from != end && static_cast<unsigned char>(*from) >= 0x80) {
+      const std::size_t length = lengthOfCharacter({from, end});
+      if (length == 0) {
+        at_ = begin;
+        return false;
+      }
+      if (!hasRoom(length)) return true;
+      for (const char* const next = from + length; from != next;) *at_++ = *from++;
+    }
+  }
+  put('"');
+  return true;
+}
+
+void JsonMemory::escape(char c) noexcept {
+  constexpr std::string_view LETTERS = "btn?fr"; // from code 8 on
+  if (!hasRoom(6)) return;
+  const auto code = static_cast<unsigned char>(c);
+  *at_++ = '\\';
+  if (code >= 0x20) {
+    *at_++ = c;
+  } else if (code >= 8 && code <= 13 && code != 11) {
+    *at_++ = LETTERS[code - 8U];
+  } else {
+    at_ = std::copy_n("u00", 3, at_);
+    *at_++ = HEX_DIGITS[code >> 4U];
+    *at_++ = HEX_DIGITS[code & 15U];
+  }
+}
+
+void JsonMemory::integer(std::int64_t content) noexcept {
+  constexpr std::size_t LONGEST = 20;
+  if (hasRoom(LONGEST)) at_ = std::to_chars(at_, at_ + LONGEST, content).ptr;
+}
+
+// The C++ library's own conversion would be the shortest, but it is one of GCC 11.
+void JsonMemory::real(double content) noexcept {
+  if (hasRoom(32)) at_ = rapidjson::internal::dtoa(content, at_);
+}
+
+void JsonMemory::bits(std::uint64_t content) noexcept {
+  if (!hasRoom(18)) return;
+  *at_++ = '"';
+  for (unsigned shift = 64; shift > 0;) *at_++ = HEX_DIGITS[content >> (shift -= 4) & 15U];
+  *at_++ = '"';
+}
+
+void JsonMemory::base64(const unsigned char* bytes, std::size_t size) noexcept {
+  constexpr std::string_view DIGITS =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  if (!hasRoom((size + 2) / 3 * 4 + 2)) return;
+  *at_++ = '"';
+  for (std::size_t i = 0; i < size; i += 3) {
+    const std::size_t count = std::min<std::size_t>(3, size - i);
+    std::uint32_t group = 0;
+    for (std::size_t k = 0; k < 3; ++k) group = group << 8U | (k < count ? bytes[i + k] : 0U);
+    for (std::size_t k = 0; k < 4; ++k) {
+      *at_++ = k <= count ? DIGITS[group >> (18 - 6 * k) & 63U] : '=';
+    }
+  }
+  *at_++ = '"';
+}
+
+} // namespace com::velanto::connectivity

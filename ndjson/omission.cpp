@@ -1,0 +1,102 @@
+#include "ndjson/omission.hpp"
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cstddef>
+#include <stdexcept>
+
+namespace com::velanto::connectivity {
+
+namespace {
+
+[[noreturn]] void refuse(std::string_view path, const std::string& reason) {
+  throw std::invalid_argument("path '" + std::string(path) + "': " + reason);
+}
+
+bool isPlain(char c) noexcept {
+  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '-';
+}
+
+// Takes the names off a path, one by one.
+class PathReader {
+ public:
+  explicit PathReader(std::string_view path) noexcept : path_(path) {}
+
+  std::vector<std::string> names() {
+    std::vector<std::string> result{plain()};
+    if (result[0] != "payload" && result[0] != "metadata") {
+      refuse(path_, "expected payload or metadata at its beginning");
+    }
+    while (at_ < path_.size()) {
+      if (path_[at_] == '[') refuse(path_, "a list has no index here, all its elements count");
+      if (path_[at_] != '.') refuse(path_, "expected a dot at byte " + place());
+      ++at_;
+      result.push_back(at_ < path_.size() && path_[at_] == '"' ? quoted() : plain());
+    }
+    return result;
+  }
+
+ private:
+  [[nodiscard]] std::string place() const { return std::to_string(at_ + 1); }
+
+  std::string plain() {
+    const std::size_t begin = at_;
+    while (at_ < path_.size() && isPlain(path_[at_])) ++at_;
+    const std::string_view name = path_.substr(begin, at_ - begin);
+    if (name.empty()) refuse(path_, "expected a name at byte " + place() + ", or one in quotes");
+    return std::string(name);
+  }
+
+  std::string quoted() {
+    std::string name;
+    for (++at_; at_ < path_.size(); ++at_) {
+      if (path_[at_] == '"') {
+        ++at_;
+        return name;
+      }
+      name += path_[at_] == '\\' ? escaped() : path_[at_];
+    }
+    refuse(path_, "expected a quote at its end");
+  }
+
+  // Stays on the last byte of the escape.
+  char escaped() {
+    constexpr std::string_view LETTERS = "\"\\/bfnrt";
+    constexpr std::string_view MEANINGS = "\"\\/\b\f\n\r\t";
+    const std::size_t begin = at_++;
+    if (at_ < path_.size()) {
+      const std::size_t letter = LETTERS.find(path_[at_]);
+      if (letter != std::string_view::npos) return MEANINGS[letter];
+    }
+    const std::string_view code = path_.substr(begin).substr(0, 6);
+    unsigned value = 0x80; // ASCII only: other characters need no escape
+    if (code.starts_with("\\u00")) {
+      const std::from_chars_result end = std::from_chars(&code[4], code.end(), value, 16);
+      if (end.ptr != code.end()) value = 0x80;
+    }
+    if (value >= 0x80) refuse(path_, "bad escape at byte " + std::to_string(begin + 1));
+    at_ = begin + 5;
+    return static_cast<char>(value);
+  }
+
+  std::string_view path_;
+  std::size_t at_ = 0;
+};
+
+} // namespace
+
+void Omission::add(std::string_view path) {
+  const std::vector<std::string> names = PathReader(path).names();
+  node_t* node = names[0] == "payload" ? &payload_ : &metadata_;
+  for (auto name = names.begin() + 1; name != names.end(); ++name) {
+    std::vector<node_t>& members = node->members;
+    auto found = std::find_if(members.begin(), members.end(),
+                              [&](const node_t& member) { return member.name == *name; });
+    if (found == members.end()) found = members.insert(found, node_t{*name, false, {}});
+    node = &*found;
+  }
+  node->is_omitted = true;
+}
+
+} // namespace com::velanto::connectivity
