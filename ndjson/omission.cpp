@@ -4,6 +4,7 @@
 #include <cctype>
 #include <charconv>
 #include <cstddef>
+#include <list>
 #include <stdexcept>
 
 namespace com::velanto::connectivity {
@@ -23,9 +24,9 @@ class PathReader {
  public:
   explicit PathReader(std::string_view path) noexcept : path_(path) {}
 
-  std::vector<std::string> names() {
-    std::vector<std::string> result{plain()};
-    if (result[0] != "payload" && result[0] != "metadata") {
+  std::list<std::string> names() {
+    std::list<std::string> result{plain()};
+    if (result.front() != "payload" && result.front() != "metadata") {
       refuse(path_, "expected payload or metadata at its beginning");
     }
     while (at_ < path_.size()) {
@@ -87,14 +88,14 @@ class PathReader {
 } // namespace
 
 void Omission::add(std::string_view path) {
-  const std::vector<std::string> names = PathReader(path).names();
-  node_t* node = names[0] == "payload" ? &payload_ : &metadata_;
-  for (auto name = names.begin() + 1; name != names.end(); ++name) {
-    std::vector<node_t>& members = node->members;
-    auto found = std::find_if(members.begin(), members.end(),
-                              [&](const node_t& member) { return member.name == *name; });
-    if (found == members.end()) found = members.insert(found, node_t{*name, false, {}});
-    node = &*found;
+  std::list<std::string> names = PathReader(path).names();
+  node_t* node = names.front() == payload_.name ? &payload_ : &metadata_;
+  names.pop_front();
+  for (const std::string& name : names) {
+    std::forward_list<node_t>& members = node->members;
+    const auto found = std::find_if(members.begin(), members.end(),
+                                    [&](const node_t& member) { return member.name == name; });
+    node = found != members.end() ? &*found : &members.emplace_front(node_t{name, false, {}});
   }
   node->is_omitted = true;
 }

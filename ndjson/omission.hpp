@@ -9,9 +9,9 @@
 #ifndef VLT_NDJSON_OMISSION_HPP
 #define VLT_NDJSON_OMISSION_HPP
 
+#include <forward_list> // std::vector asks for the C++ library of GCC 11
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace com::velanto::connectivity {
 
@@ -20,7 +20,7 @@ class Omission {
   struct node_t {
     std::string name;
     bool is_omitted = false;
-    std::vector<node_t> members;
+    std::forward_list<node_t> members;
   };
   // A node, or null where nothing is left out. Valid until the next add, and while the object is.
   using place_t = const node_t*;

@@ -20,9 +20,10 @@
 #ifndef VLT_NDJSON_RECORDED_WRITER_HPP
 #define VLT_NDJSON_RECORDED_WRITER_HPP
 
+#include <array>
 #include <cstddef>
+#include <memory>
 #include <span>
-#include <vector>
 
 #include "ndjson/json_memory.hpp"
 #include "ndjson/omission.hpp"
@@ -80,8 +81,8 @@ class RecordedWriter {
 
   Omission omission_;
   JsonMemory out_;
-  std::vector<open_t> open_; // of MAX_DEPTH,
-  std::size_t depth_ = 0;    // the first of which are in use
+  std::unique_ptr<std::array<open_t, MAX_DEPTH>> open_;
+  std::size_t depth_ = 0; // of open_ in use
   bool is_too_deep_ = false;
 };
 
