@@ -42,18 +42,18 @@ void writeBuffer(JsonMemory& out, const vlt_underlying_buffer_t* block) noexcept
 
 } // namespace
 
-RecordedWriter::RecordedWriter(Omission omission)
-    : omission_(std::move(omission)), open_(new std::array<open_t, MAX_DEPTH>) {}
+RecordedWriter::RecordedWriter(FieldSet omitted)
+    : omitted_(std::move(omitted)), open_(new std::array<open_t, MAX_DEPTH>) {}
 
 char* RecordedWriter::write(const Message& message, char* begin, const char* end) noexcept {
   out_ = JsonMemory(begin, end);
   depth_ = 0;
   is_too_deep_ = false;
   out_.raw("\"metadata\":");
-  write(slots_of(message.getMetadataMap().table()), omission_.metadata());
+  write(slots_of(message.getMetadataMap().table()), omitted_.metadata());
   finish();
   out_.raw(",\"payload\":");
-  write(message.getPayload(), omission_.payload());
+  write(message.getPayload(), omitted_.payload());
   finish();
   return out_.isFull() || is_too_deep_ ? nullptr : out_.position();
 }
@@ -97,7 +97,7 @@ void RecordedWriter::writeMember(open_t& top) noexcept {
   const std::string_view name = slot.key.underlying()->value.string;
   static_cast<void>(out_.text(name)); // hasPlainKeys has seen that it is UTF-8
   out_.put(':');
-  write(slot.value, Omission::below(top.place, name));
+  write(slot.value, FieldSet::below(top.place, name));
 }
 
 void RecordedWriter::writeKey(open_t& top) noexcept {
@@ -118,10 +118,10 @@ void RecordedWriter::writeValue(open_t& top) noexcept {
   const map_slot_t& slot = *top.slot++;
   const bool is_named = slot.key.is_string();
   const char* const name = is_named ? text_or_empty(slot.key.underlying()->value.string) : "";
-  const bool everywhere = Omission::covers(top.place);
+  const bool everywhere = FieldSet::covers(top.place);
   out_.put(',');
   top.next = open_t::KEY;
-  write(slot.value, is_named || everywhere ? Omission::below(top.place, name) : nullptr);
+  write(slot.value, is_named || everywhere ? FieldSet::below(top.place, name) : nullptr);
 }
 
 // Opens containers.
@@ -176,7 +176,7 @@ void RecordedWriter::writeText(const vlt_underlying_data_t& value, place_t place
   if (text == nullptr) {
     return is_owned ? out_.raw(R"({"$":["string",null]})") : out_.raw(R"({"$":["borrowed",null]})");
   }
-  if (Omission::covers(place)) text = PLACEHOLDER;
+  if (FieldSet::covers(place)) text = PLACEHOLDER;
   const std::string_view content = text;
   if (is_owned && out_.text(content)) return;
   if (!is_owned && findInvalidUtf8(content) == std::string_view::npos) {

@@ -25,8 +25,8 @@
 #include <memory>
 #include <span>
 
+#include "ndjson/field_set.hpp"
 #include "ndjson/json_memory.hpp"
-#include "ndjson/omission.hpp"
 #include "value/map_slot.hpp"
 #include "value/message.hpp"
 
@@ -37,12 +37,12 @@ class RecordedWriter {
  public:
   // Lists and maps within each other, counted from the payload or the metadata, as in JsonReader.
   static constexpr std::size_t MAX_DEPTH = 1024;
-  // Written in place of a string that `omission` covers; borrowed strings stay borrowed, null
+  // Written in place of a string that is in `omitted`; borrowed strings stay borrowed, null
   // strings null.
   static constexpr const char* PLACEHOLDER = "omitted";
 
   // Allocates the stack of open containers; throws std::bad_alloc.
-  explicit RecordedWriter(Omission omission = {});
+  explicit RecordedWriter(FieldSet omitted = {});
 
   // Writes "metadata":{…},"payload":… (the members, without braces around them) at `begin`. Returns
   // their end. Null when they do not fit between `begin` and `end - JsonMemory::SLACK`, or are
@@ -50,7 +50,7 @@ class RecordedWriter {
   [[nodiscard]] char* write(const Message& message, char* begin, const char* end) noexcept;
 
  private:
-  using place_t = Omission::place_t;
+  using place_t = FieldSet::place_t;
 
   // An open container, and its next part.
   struct open_t {
@@ -79,7 +79,7 @@ class RecordedWriter {
   void writeDouble(double content) noexcept;
   open_t* open() noexcept;
 
-  Omission omission_;
+  FieldSet omitted_;
   JsonMemory out_;
   std::unique_ptr<std::array<open_t, MAX_DEPTH>> open_;
   std::size_t depth_ = 0; // of open_ in use

@@ -28,8 +28,8 @@ class RecordedWriterTest : public HostFixture {
     json.resize(static_cast<std::size_t>(end - json.data()));
     return json;
   }
-  static std::string payloadOf(data_t&& payload, const Omission& omission = {}) {
-    RecordedWriter writer(omission);
+  static std::string payloadOf(data_t&& payload, const FieldSet& omitted = {}) {
+    RecordedWriter writer(omitted);
     const std::string json = written(writer, Message(std::move(payload)));
     const std::string before = R"("metadata":{},"payload":)";
     return json.starts_with(before) ? json.substr(before.size()) : json;
@@ -100,11 +100,11 @@ TEST_F(RecordedWriterTest, LongStringsAreCopiedWhole) {
 }
 
 TEST_F(RecordedWriterTest, OmittedStringsBecomeThePlaceholder) {
-  Omission omission;
-  omission.add("payload.a");
-  omission.add("payload.list.secret");
-  omission.add("metadata.path");
-  RecordedWriter writer(omission);
+  FieldSet omitted;
+  omitted.add("payload.a");
+  omitted.add("payload.list.secret");
+  omitted.add("metadata.path");
+  RecordedWriter writer(omitted);
   const Message message(mapOf("a", listOf(text("1"), whole(2), borrowed("3"), nullText(),
                                           text("\xff"), mapOf(whole(0), text("4")))),
                         mapOf("path", text("5")));
@@ -112,11 +112,11 @@ TEST_F(RecordedWriterTest, OmittedStringsBecomeThePlaceholder) {
             R"("metadata":{"path":"omitted"},"payload":{"a":["omitted",2,)"
             R"({"$":["borrowed","omitted"]},{"$":["string",null]},"omitted",)"
             R"({"$":["map",[[0,"omitted"]]]}]})");
-  EXPECT_EQ(payloadOf(mapOf("list", listOf(mapOf("secret", text("1")), text("2"))), omission),
+  EXPECT_EQ(payloadOf(mapOf("list", listOf(mapOf("secret", text("1")), text("2"))), omitted),
             R"({"list":[{"secret":"omitted"},"2"]})");
-  EXPECT_EQ(payloadOf(mapOf(borrowed("a"), text("1")), omission),
+  EXPECT_EQ(payloadOf(mapOf(borrowed("a"), text("1")), omitted),
             R"({"$":["map",[[{"$":["borrowed","a"]},"omitted"]]]})");
-  EXPECT_EQ(payloadOf(mapOf(whole(1), text("a")), omission), R"({"$":["map",[[1,"a"]]]})");
+  EXPECT_EQ(payloadOf(mapOf(whole(1), text("a")), omitted), R"({"$":["map",[[1,"a"]]]})");
 }
 
 TEST_F(RecordedWriterTest, MessagesThatDoNotFitAreRefused) {

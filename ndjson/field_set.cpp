@@ -1,4 +1,4 @@
-#include "ndjson/omission.hpp"
+#include "ndjson/field_set.hpp"
 
 #include <algorithm>
 #include <cctype>
@@ -24,29 +24,31 @@ class PathReader {
  public:
   explicit PathReader(std::string_view path) noexcept : path_(path) {}
 
+  // From "payload" or "metadata" down.
   std::list<std::string> names() {
-    std::list<std::string> result{plain()};
-    if (result.front() != "payload" && result.front() != "metadata") {
-      refuse(path_, "expected payload or metadata at its beginning");
-    }
+    std::list<std::string> result{name()};
     while (at_ < path_.size()) {
       if (path_[at_] == '[') refuse(path_, "a list has no index here, all its elements count");
       if (path_[at_] != '.') refuse(path_, "expected a dot at byte " + place());
       ++at_;
-      result.push_back(at_ < path_.size() && path_[at_] == '"' ? quoted() : plain());
+      result.push_back(name());
     }
+    const bool has_root =
+        path_[0] != '"' && (result.front() == "payload" || result.front() == "metadata");
+    if (!has_root) result.emplace_front("payload");
     return result;
   }
 
  private:
   [[nodiscard]] std::string place() const { return std::to_string(at_ + 1); }
 
-  std::string plain() {
+  std::string name() {
+    if (at_ < path_.size() && path_[at_] == '"') return quoted();
+
     const std::size_t begin = at_;
     while (at_ < path_.size() && isPlain(path_[at_])) ++at_;
-    const std::string_view name = path_.substr(begin, at_ - begin);
-    if (name.empty()) refuse(path_, "expected a name at byte " + place() + ", or one in quotes");
-    return std::string(name);
+    if (at_ == begin) refuse(path_, "expected a name at byte " + place() + ", or one in quotes");
+    return std::string(path_.substr(begin, at_ - begin));
   }
 
   std::string quoted() {
@@ -87,17 +89,17 @@ class PathReader {
 
 } // namespace
 
-void Omission::add(std::string_view path) {
+void FieldSet::add(std::string_view path) {
   std::list<std::string> names = PathReader(path).names();
   node_t* node = names.front() == payload_.name ? &payload_ : &metadata_;
   names.pop_front();
   for (const std::string& name : names) {
-    std::forward_list<node_t>& members = node->members;
-    const auto found = std::find_if(members.begin(), members.end(),
-                                    [&](const node_t& member) { return member.name == name; });
-    node = found != members.end() ? &*found : &members.emplace_front(node_t{name, false, {}});
+    std::forward_list<node_t>& fields = node->fields;
+    const auto found = std::find_if(fields.begin(), fields.end(),
+                                    [&](const node_t& field) { return field.name == name; });
+    node = found != fields.end() ? &*found : &fields.emplace_front(node_t{name, false, {}});
   }
-  node->is_omitted = true;
+  node->is_listed = true;
 }
 
 } // namespace com::velanto::connectivity
