@@ -23,6 +23,7 @@ LAYERS = {
     "ndjson": ["value"],
     "plugin": ["value"],
     "codec": ["plugin"],
+    "recorder": ["plugin", "ndjson"],
     "standin": ["host"],
     "tools/options": ["host"],
     "tools/host": ["value", "standin"],
@@ -36,7 +37,7 @@ LAYERS = {
     "tools/replay": ["tools/explain", "tools/replay/comparing", "tools/replay/summary"],
     "tools/check": ["ndjson", "tools/host", "tools/options"],
     "bench": ["codec", "ndjson", "tools/host"],
-    "tests": ["codec", "tools/replay", "tools/check"],
+    "tests": ["codec", "recorder", "tools/replay", "tools/check"],
     "fuzz": ["tests"],
 }
 
