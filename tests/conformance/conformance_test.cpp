@@ -40,7 +40,7 @@ class Case : public ::testing::Test {
   void TestBody() override {
     const SharedFile records;
     const SharedFile printed;
-    Trial trial(VLT_PLUGIN_PATH, 0, records.descriptor(), printed.descriptor());
+    Trial trial({VLT_PLUGIN_PATH}, 0, records.descriptor(), printed.descriptor());
     {
       const Redirected redirected(printed.descriptor());
       play(trial, library_, line_, Demand::ADVISED);

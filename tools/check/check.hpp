@@ -8,8 +8,8 @@
 
 namespace com::velanto::connectivity::tools::check {
 
-// The code of a check.
-enum class Use { READ, LOAD };
+// What a check takes: the file of any plug-in, or any plug-in, a codec or a recorder, loaded.
+enum class Use { READ, LOAD, LOAD_CODEC, LOAD_RECORDER };
 
 struct check_t {
   const char* name;  // suite.behaviour

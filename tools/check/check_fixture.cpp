@@ -94,7 +94,13 @@ void Link::take(void* handle, vlt_underlying_message_t* start, vlt_underlying_me
 }
 
 PluginLibrary load(const Trial& trial) {
-  return PluginLibrary(trial.path(), PluginLibrary::Version::ANY);
+  return PluginLibrary(trial.path(), PluginLibrary::Version::ANY, trial.className());
+}
+
+data_t configured(const Trial& trial, std::string_view json) {
+  data_t settings = value(json);
+  if (!trial.isCodec()) set(settings, "recordingFolder", data_t(trial.folder().c_str()));
+  return settings;
 }
 
 Codec::Codec(Trial& trial, const PluginLibrary& library, const vlt_underlying_data_t* configuration,
@@ -133,7 +139,7 @@ CheckFixture::CheckFixture(Trial& trial_of, const char* configuration_json, vlt_
     : trial(trial_of),
       log(level),
       loaded(load(trial_of)),
-      configuration(value(configuration_json)),
+      configuration(configured(trial_of, configuration_json)),
       codec(trial_of, loaded, configuration) {
   codec.link();
 }

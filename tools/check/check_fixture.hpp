@@ -6,6 +6,7 @@
 #include <mutex>
 #include <span>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -71,7 +72,11 @@ class Link {
 // The library that is checked. Of whatever interface version: that is a check of its own.
 [[nodiscard]] PluginLibrary load(const Trial& trial);
 
-// A codec between two links. Its calls let no exception out: one that crosses the interface is a
+// The configuration in `json`; a recorder gets the folder of its check in addition.
+[[nodiscard]] data_t configured(const Trial& trial,
+                                std::string_view json = R"({"tenantId": "t1"})");
+
+// A plug-in between two links. Its calls let no exception out: one that crosses the interface is a
 // mismatch, and the result then is -1.
 class Codec {
  public:

@@ -38,7 +38,11 @@ std::unique_ptr<Report> makeReport(std::ostream& out, const heading_t& heading, 
   return std::make_unique<TextReport>(out, heading, format == Format::COLOURED);
 }
 
-result_t runCheck(const run_settings_t& settings, const check_t& check) {
+result_t runCheck(run_settings_t settings, const check_t& check) {
+  std::optional<TemporaryFolder> folder;
+  if (settings.subject.plugin == Plugin::RECORDER) {
+    settings.subject.folder = folder.emplace().path();
+  }
   const clock_t::time_point start = clock_t::now();
   verdict_t verdict = runInChild(settings, check.run);
   return {&check, std::move(verdict),
@@ -58,10 +62,10 @@ int checkPlugin(const run_settings_t& settings, std::span<const check_t> checks,
                 std::ostream& out) {
   const std::optional<std::string> obstacle = whyNotLoaded(settings);
   const std::unique_ptr<Report> report =
-      makeReport(out, {settings.path, settings.seed, !obstacle}, format);
+      makeReport(out, {settings.subject.path, settings.seed, !obstacle}, format);
   Counts counts;
   for (const check_t& check : checks) {
-    const result_t result = obstacle && check.use == Use::LOAD ? skippedResult(check, *obstacle)
+    const result_t result = obstacle && check.use != Use::READ ? skippedResult(check, *obstacle)
                                                                : runCheck(settings, check);
     counts.add(result.verdict.ending);
     report->add(result);

@@ -16,21 +16,25 @@ namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
-run_settings_t settingsOf(const command_t& command) {
+run_settings_t settingsOf(const command_t& command, Plugin plugin) {
   const std::uint64_t seed = command.seed ? *command.seed : std::random_device()();
   const double milliseconds = std::ceil(command.timeout_seconds * 1000);
-  return {command.path, seed, std::chrono::milliseconds(static_cast<std::int64_t>(milliseconds))};
+  return {{command.path, plugin, {}},
+          seed,
+          std::chrono::milliseconds(static_cast<std::int64_t>(milliseconds))};
 }
 
 int obey(const command_t& command, bool may_colour, std::ostream& out) {
   if (!command.list && command.path.empty()) throw std::runtime_error("which library? See --help");
-  const std::vector<check_t> checks = select(allChecks(), command.only, command.skip);
+  const Plugin plugin = pluginIn(command.path);
+  const std::vector<check_t> all = command.path.empty() ? allChecks() : checksOf(plugin);
+  const std::vector<check_t> checks = select(all, command.only, command.skip);
   if (command.list) {
     for (const check_t& check : checks) out << listLine(check) << '\n';
     return STATUS_ALL_PASSED;
   }
   const Format plain = may_colour ? Format::COLOURED : Format::TEXT;
-  return checkPlugin(settingsOf(command), checks, command.json ? Format::JSON : plain, out);
+  return checkPlugin(settingsOf(command, plugin), checks, command.json ? Format::JSON : plain, out);
 }
 
 } // namespace

@@ -47,7 +47,7 @@ void runBody(Trial& trial, const std::function<void(Trial&)>& body) noexcept {
   setrlimit(RLIMIT_CORE, &no_core);
   dup2(printed.descriptor(), STDOUT_FILENO);
   dup2(printed.descriptor(), STDERR_FILENO);
-  Trial trial(settings.path, settings.seed, records.descriptor(), printed.descriptor());
+  Trial trial(settings.subject, settings.seed, records.descriptor(), printed.descriptor());
   runBody(trial, body);
   static_cast<void>(std::fflush(nullptr));
   _exit(0);

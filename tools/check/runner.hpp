@@ -18,7 +18,7 @@
 namespace com::velanto::connectivity::tools::check {
 
 struct run_settings_t {
-  std::string path; // of the library
+  subject_t subject;
   std::uint64_t seed = 0;
   std::chrono::milliseconds time_limit{};
 };

@@ -40,6 +40,13 @@ const std::vector<check_t>& allChecks() {
   return CHECKS;
 }
 
+std::vector<check_t> checksOf(Plugin plugin) {
+  const Use others = plugin == Plugin::CODEC ? Use::LOAD_RECORDER : Use::LOAD_CODEC;
+  std::vector<check_t> checks = allChecks();
+  std::erase_if(checks, [others](const check_t& check) { return check.use == others; });
+  return checks;
+}
+
 std::vector<check_t> select(std::span<const check_t> checks, const std::vector<std::string>& only,
                             const std::vector<std::string>& skip) {
   requireMatches(checks, only);

@@ -13,6 +13,9 @@ namespace com::velanto::connectivity::tools::check {
 // All checks, in the order of their runs: first the ones that others build on.
 [[nodiscard]] const std::vector<check_t>& allChecks();
 
+// The ones among them for a codec or a recorder.
+[[nodiscard]] std::vector<check_t> checksOf(Plugin plugin);
+
 // The checks whose names match one of `only` (all, if there is none) and none of `skip`. As in a
 // shell, * in a pattern matches any string, ? one character. Throws std::runtime_error when a
 // pattern matches no check at all, or nothing is left.

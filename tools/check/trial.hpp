@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "tools/check/subject.hpp"
+
 namespace com::velanto::connectivity::tools::check {
 
 // The form of values in a report.
@@ -34,14 +36,18 @@ class Trial {
   static constexpr int MOST_MISMATCHES = 8;
 
   // `records` is a descriptor to write records to, `printed` one of the file with the output.
-  Trial(std::string path, std::uint64_t seed, int records, int printed)
-      : path_(std::move(path)), seed_(seed), records_(records), printed_(printed) {}
+  Trial(subject_t subject, std::uint64_t seed, int records, int printed)
+      : subject_(std::move(subject)), seed_(seed), records_(records), printed_(printed) {}
   Trial(const Trial&) = delete;
   Trial& operator=(const Trial&) = delete;
   ~Trial() = default;
 
   // The path of the library under test.
-  [[nodiscard]] const std::string& path() const noexcept { return path_; }
+  [[nodiscard]] const std::string& path() const noexcept { return subject_.path; }
+  [[nodiscard]] bool isCodec() const noexcept { return subject_.plugin == Plugin::CODEC; }
+  [[nodiscard]] const char* className() const noexcept { return classNameOf(subject_.plugin); }
+  // An empty folder of this check alone, for the files of a recorder.
+  [[nodiscard]] const std::string& folder() const noexcept { return subject_.folder; }
   // For randomised checks: the same seed gives the same values.
   [[nodiscard]] std::uint64_t seed() const noexcept { return seed_; }
 
@@ -69,7 +75,7 @@ class Trial {
  private:
   void write(std::initializer_list<std::string_view> fields) const;
 
-  std::string path_;
+  subject_t subject_;
   std::uint64_t seed_;
   int records_;
   int printed_;

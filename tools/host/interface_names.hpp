@@ -10,19 +10,23 @@ namespace com::velanto::connectivity::tools {
 
 using names_t = std::vector<std::string>;
 
-inline const names_t ENTRY_POINTS = {
-    "_vlt_plugin_checkIsCodec_OstroviaNotifications2Codec",
-    "vlt_create_plugin_with_params_OstroviaNotifications2Codec",
-    "vlt_destroy_plugin_OstroviaNotifications2Codec",
-    "vlt_plugin_api_version_OstroviaNotifications2Codec",
-    "vlt_plugin_hostReady_OstroviaNotifications2Codec",
-    "vlt_plugin_product_version_OstroviaNotifications2Codec",
-    "vlt_plugin_sendBatchTowardsHost_OstroviaNotifications2Codec",
-    "vlt_plugin_sendBatchTowardsTransport_OstroviaNotifications2Codec",
-    "vlt_plugin_setNextTowardsHost_OstroviaNotifications2Codec",
-    "vlt_plugin_setNextTowardsTransport_OstroviaNotifications2Codec",
-    "vlt_plugin_shutdown_OstroviaNotifications2Codec",
-    "vlt_plugin_start_OstroviaNotifications2Codec"};
+// Of the plug-in class with this name, in the order of their letters.
+[[nodiscard]] inline names_t entryPoints(const std::string& class_name) {
+  names_t names = {"_vlt_plugin_checkIsCodec_",
+                   "vlt_create_plugin_with_params_",
+                   "vlt_destroy_plugin_",
+                   "vlt_plugin_api_version_",
+                   "vlt_plugin_hostReady_",
+                   "vlt_plugin_product_version_",
+                   "vlt_plugin_sendBatchTowardsHost_",
+                   "vlt_plugin_sendBatchTowardsTransport_",
+                   "vlt_plugin_setNextTowardsHost_",
+                   "vlt_plugin_setNextTowardsTransport_",
+                   "vlt_plugin_shutdown_",
+                   "vlt_plugin_start_"};
+  for (std::string& name : names) name += class_name;
+  return names;
+}
 
 inline const names_t HOST_FUNCTIONS = {
     "vlt_allocate_map",   "vlt_copy_data",          "vlt_copy_string", "vlt_data_to_string",

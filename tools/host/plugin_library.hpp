@@ -30,6 +30,7 @@ class PluginLibrary {
   enum class Version { OURS, ANY };
 
   static constexpr const char* CLASS_NAME = "OstroviaNotifications2Codec";
+  static constexpr const char* RECORDER_CLASS_NAME = "OstroviaNotificationsRecorder";
 
   // Loads the library at `path` as openLibrary does. `class_name` is in the names of its functions.
   // Throws PluginError when it does not load, lacks a function or has another interface version.

@@ -25,8 +25,8 @@ constexpr std::array STATUSES = {
 
 constexpr const char* INTRODUCTION =
     "\n"
-    "Checks a build of the plug-in before it goes into production: loads it as a host does, each\n"
-    "check in a process of its own, and reports broken promises.\n"
+    "Checks a build of the codec or of the recorder before it goes into production: loads it as a\n"
+    "host does, each check in a process of its own, and reports broken promises.\n"
     "\n"
     "Usage: ostrovia-check-plugin [OPTIONS] [LIBRARY]\n";
 
@@ -49,7 +49,7 @@ tool_t checkPluginTool(command_t& command) {
           "seed of the randomised checks, to repeat them; default: a new one each time",
           &command.seed},
          {"--json", "", "write one JSON document instead of lines", &command.json},
-         {"--list", "", "list the checks, or the selected ones, and run none", &command.list}}},
+         {"--list", "", "list the checks, those of LIBRARY if it is named, and run none", &command.list}}},
        ABOUT_THE_TOOL},
       "Exit status",
       STATUSES};

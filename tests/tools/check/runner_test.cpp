@@ -17,7 +17,7 @@ using tools::check::Trial;
 using tools::check::verdict_t;
 
 verdict_t run(const std::function<void(Trial&)>& body, int limit_in_milliseconds = 20'000) {
-  return tools::check::runInChild({"lib.so", 7, std::chrono::milliseconds(limit_in_milliseconds)},
+  return tools::check::runInChild({{"lib.so"}, 7, std::chrono::milliseconds(limit_in_milliseconds)},
                                   body);
 }
 

@@ -14,7 +14,8 @@ namespace com::velanto::connectivity::tools::check {
 namespace {
 
 void leftUntouched(Trial& trial) {
-  data_t settings = value(R"({"tenantId": "t1", "towardsHostChannelPrefix": 7, "x": [1, {}]})");
+  data_t settings =
+      configured(trial, R"({"tenantId": "t1", "towardsHostChannelPrefix": 7, "x": [1, {}]})");
   set(settings, "measurementSplittingChannel", borrowed("m"));
   const std::string before = bytesOf(settings);
   const BlockBalance balance;
@@ -57,7 +58,7 @@ const check_t CONFIGURATION_CHECKS[] = {
     {"configuration.left-untouched", "the caller's configuration stays the same, byte for byte",
      leftUntouched},
     {"configuration.may-vanish", "configuration and names may vanish when create has returned",
-     mayVanish},
+     mayVanish, Use::LOAD_CODEC},
 };
 
 } // namespace

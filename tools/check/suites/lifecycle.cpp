@@ -59,12 +59,16 @@ void batchBeforeStart(Trial& trial) {
 void batchBeforeLinks(Trial& trial) {
   Log log;
   const PluginLibrary library = load(trial);
-  Codec codec(trial, library, value(R"({"tenantId": "t1"})"));
+  Codec codec(trial, library, configured(trial));
   std::vector<Message> batch;
   batch.push_back(plainEvent("1"));
   batch.push_back(plainEvent("2", UNKNOWN_PATH));
   trial.equal("sendBatchTowardsHost", 0, codec.towardsHost(batch));
   trial.equal("sendBatchTowardsTransport", 0, codec.towardsTransport(batch));
+  if (!trial.isCodec()) {
+    trial.equal("log", lines_t{}, log.take());
+    return;
+  }
   trial.equal("type of the event in the batch", "com.tivra.ostrovia.Event",
               textAt(batch[0].getMetadataMap(), "vlt.type"));
   trial.equal("log",
@@ -74,7 +78,7 @@ void batchBeforeLinks(Trial& trial) {
 
 void startWithoutLinks(Trial& trial) {
   const PluginLibrary library = load(trial);
-  Codec codec(trial, library, value(R"({"tenantId": ""})"));
+  Codec codec(trial, library, configured(trial));
   trial.equal("start", 0, codec.start());
   trial.equal("hostReady", 0, codec.hostReady());
   trial.equal("shutdown", 0, codec.shutdown());
@@ -93,8 +97,9 @@ void destroyAtOnce(Trial& trial) {
   const PluginLibrary library = load(trial);
   const BlockBalance balance;
   for (int i = 0; i < 50; ++i) {
-    Codec codec(trial, library, value(R"({"tenantId": "t1", "towardsHostChannelPrefix": "p.",
-                          "measurementSplittingChannel": "m"})"));
+    Codec codec(trial, library,
+                configured(trial, R"({"tenantId": "t1", "towardsHostChannelPrefix": "p.",
+                                      "measurementSplittingChannel": "m"})"));
     trial.equal("created", true, codec.made());
     trial.equal("destroy", 0, codec.destroy());
   }
@@ -168,18 +173,18 @@ const check_t LIFECYCLE_CHECKS[] = {
     {"lifecycle.in-order", "every call succeeds in the host's order, and nothing is left", inOrder},
     {"lifecycle.out-of-order", "hooks succeed in any order and twice, and the codec stays usable",
      outOfOrder},
-    {"lifecycle.batch-before-start", "a batch before start is converted", batchBeforeStart},
+    {"lifecycle.batch-before-start", "a batch before start goes the same way as any other", batchBeforeStart},
     {"lifecycle.batch-before-links", "a batch before links are set goes nowhere, without an error",
      batchBeforeLinks},
     {"lifecycle.start-without-links", "hooks succeed without links", startWithoutLinks},
     {"lifecycle.hooks-call-nothing", "start, hostReady and shutdown call no host function",
-     hooksCallNothing},
+     hooksCallNothing, Use::LOAD_CODEC},
     {"lifecycle.destroy-at-once", "codecs that are destroyed at once leave nothing", destroyAtOnce},
-    {"lifecycle.destroy-sets-no-status", "destroy hands no user status over", destroySetsNoStatus},
+    {"lifecycle.destroy-sets-no-status", "destroy hands no user status over", destroySetsNoStatus, Use::LOAD_CODEC},
     {"lifecycle.links-are-replaced", "a new link takes the place of the one before",
      linksAreReplaced},
-    {"lifecycle.same-names", "two codecs of the same names do not disturb each other", sameNames},
-    {"lifecycle.kept-apart", "settings, links and log of two codecs are kept apart", keptApart},
+    {"lifecycle.same-names", "two codecs of the same names do not disturb each other", sameNames, Use::LOAD_CODEC},
+    {"lifecycle.kept-apart", "settings, links and log of two codecs are kept apart", keptApart, Use::LOAD_CODEC},
 };
 
 } // namespace

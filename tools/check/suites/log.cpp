@@ -101,16 +101,16 @@ void silentWhenGood(Trial& trial) {
 }
 
 const check_t LOG_CHECKS[] = {
-    {"log.trace-costs", "a trace renders payload and metadata once each", traceCosts},
-    {"log.no-trace-below", "below level 6 nothing is rendered and nothing traced", noTraceBelow},
+    {"log.trace-costs", "a trace renders payload and metadata once each", traceCosts, Use::LOAD_CODEC},
+    {"log.no-trace-below", "below level 6 nothing is rendered and nothing traced", noTraceBelow, Use::LOAD_CODEC},
     {"log.no-drops-below", "below level 3 dropped messages are not logged, failures of calls are",
-     noDropsBelow},
+     noDropsBelow, Use::LOAD_CODEC},
     {"log.nothing-at-level-0", "at level 0 nothing is logged", nothingAtAll},
-    {"log.category", "category and label are made of the names, which are no formats", category},
+    {"log.category", "category and label are made of the names, which are no formats", category, Use::LOAD_CODEC},
     {"log.level-of-creation", "the level is the category's when the codec is made",
-     levelOfCreation},
+     levelOfCreation, Use::LOAD_CODEC},
     {"log.silent-when-good", "without faults nothing is logged below 6 and nothing printed",
-     silentWhenGood},
+     silentWhenGood, Use::LOAD_CODEC},
 };
 
 } // namespace

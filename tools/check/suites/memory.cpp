@@ -36,8 +36,9 @@ std::string nth(std::uint64_t n) { return "allocation " + std::to_string(n) + " 
 void creation(Trial& trial) {
   Log log;
   const PluginLibrary library = load(trial);
-  const data_t settings = value(R"({"tenantId": "t1", "towardsHostChannelPrefix": "p.",
-                                    "measurementSplittingChannel": "m"})");
+  const data_t settings =
+      configured(trial, R"({"tenantId": "t1", "towardsHostChannelPrefix": "p.",
+                            "measurementSplittingChannel": "m"})");
   withEachRefused(trial, [&](std::uint64_t n) {
     const BlockBalance balance;
     standin_fail_allocation(n);
@@ -167,13 +168,13 @@ void passing(Trial& trial) {
 const check_t MEMORY_CHECKS[] = {
     {"memory.creation", "create fails cleanly at any refused allocation", creation},
     {"memory.conversions",
-     "a conversion fails cleanly at any refused allocation, for all five kinds", conversions},
-    {"memory.batch-goes-on", "memory that ends once costs one message of a batch", theBatchGoesOn},
-    {"memory.dropping", "a message is dropped even when there is no memory to report it", dropping},
+     "a conversion fails cleanly at any refused allocation, for all five kinds", conversions, Use::LOAD_CODEC},
+    {"memory.batch-goes-on", "memory that ends once costs one message of a batch", theBatchGoesOn, Use::LOAD_CODEC},
+    {"memory.dropping", "a message is dropped even when there is no memory to report it", dropping, Use::LOAD_CODEC},
     {"memory.none-at-all", "without any memory a batch is dropped, and the codec stays usable",
-     noneAtAll},
+     noneAtAll, Use::LOAD_CODEC},
     {"memory.from-then-on", "memory that ends for good leaves nothing owned twice or by nobody",
-     fromThenOn},
+     fromThenOn, Use::LOAD_CODEC},
     {"memory.passing", "messages that only pass need no memory", passing},
 };
 

@@ -94,7 +94,7 @@ void linkHandle(Trial& trial) {
 // No host may rely on it, but what a plug-in keeps without looking into cannot break either.
 void hostHandles(Trial& trial) {
   const PluginLibrary library = load(trial);
-  const data_t settings = value(R"({"tenantId": "t1"})");
+  const data_t settings = configured(trial);
   void* const made = library.create(PLUGIN_NAME, CHAIN_NAME, settings.underlying(),
                                     std::bit_cast<void*>(std::uintptr_t{8}),
                                     std::bit_cast<void*>(std::uintptr_t{16}));
@@ -110,7 +110,7 @@ void hostHandles(Trial& trial) {
 const check_t NULLS_CHECKS[] = {
     {"nulls.plugin", "every call with a null plug-in does nothing and returns 1, destroy 0",
      plugin},
-    {"nulls.names", "null names read as empty ones", names},
+    {"nulls.names", "null names read as empty ones", names, Use::LOAD_CODEC},
     {"nulls.batch-function", "a null batch function is refused, and the link before it stays",
      batchFunction},
     {"nulls.empty-range", "an empty range of null pointers reaches the link", emptyRange},

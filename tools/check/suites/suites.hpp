@@ -24,13 +24,15 @@ using suite_t = std::span<const check_t>;
 [[nodiscard]] suite_t memoryChecks();
 [[nodiscard]] suite_t threadsChecks();
 [[nodiscard]] suite_t randomChecks();
+[[nodiscard]] suite_t passingChecks();
+[[nodiscard]] suite_t recordingChecks();
 
 // In the order in which they run.
-[[nodiscard]] inline std::array<suite_t, 13> suites() {
+[[nodiscard]] inline std::array<suite_t, 15> suites() {
   return {libraryChecks(),   loadingChecks(),   versionsChecks(), configurationChecks(),
           lifecycleChecks(), nullsChecks(),     batchesChecks(),  conformanceChecks(),
           logChecks(),       ownershipChecks(), memoryChecks(),   threadsChecks(),
-          randomChecks()};
+          randomChecks(),    passingChecks(),   recordingChecks()};
 }
 
 } // namespace com::velanto::connectivity::tools::check

@@ -21,7 +21,7 @@ void productVersion(Trial& trial) {
 void productVersionIsStatic(Trial& trial) {
   const PluginLibrary library = load(trial);
   const char* const before = library.productVersion();
-  { const Codec codec(trial, library, value(R"({"tenantId": ""})")); }
+  { const Codec codec(trial, library, configured(trial)); }
   trial.holds(before == library.productVersion(), "product version", "the same string each time",
               "another address");
   trial.equal("product version after a codec's life", "10.15.4.1", before);

@@ -1,7 +1,7 @@
-// The planted faults. One library has them all; at its loading it plants the one in the name of its
-// file: "leaks_in_batch.so" leaks in batches. Under any other name it is the codec as it is, seen
-// through the same front. Faults of linking (a run path, say) need builds of their own: they are in
-// CMakeLists.txt.
+// The planted faults. One library has all faults of the codec, another one all of the recorder; at its
+// loading it plants the one in the name of its file: "leaks_in_batch.so" leaks in batches. Under any
+// other name it is the plug-in as it is, seen through the same front. Faults of linking (a run path,
+// say) need builds of their own: they are in CMakeLists.txt.
 #ifndef VLT_TESTS_TOOLS_CHECK_FAULTY_FAULTS_HPP
 #define VLT_TESTS_TOOLS_CHECK_FAULTY_FAULTS_HPP
 
@@ -76,12 +76,33 @@
   fault(wrong_interface_version) \
   fault(wrong_product_version) \
   fault(moves_product_version)
+
+// Of the recorder.
+#define VLT_RECORDER_FAULTS(fault) \
+  /* batches */ \
+  fault(copies_batch) \
+  fault(passes_one_by_one) \
+  fault(skips_null_payloads) \
+  fault(clears_deleted_slots) \
+  fault(renders_messages) \
+  fault(swallows_exceptions) \
+  fault(turns_back) \
+  fault(needs_host_memory) \
+  fault(leaks_in_batches) \
+  /* files */ \
+  fault(loses_lines) \
+  fault(overlooks_batches) \
+  fault(ignores_directions) \
+  fault(ignores_switch_file) \
+  fault(ignores_omissions) \
+  fault(ignores_bound) \
+  fault(ignores_name)
 // clang-format on
 
 namespace com::velanto::connectivity::test {
 
 #define VLT_NAMED(name) name,
-enum class Fault { NONE, VLT_FAULTS(VLT_NAMED) };
+enum class Fault { NONE, VLT_FAULTS(VLT_NAMED) VLT_RECORDER_FAULTS(VLT_NAMED) };
 #undef VLT_NAMED
 
 inline Fault faultOfFile(std::string_view path) {
@@ -90,6 +111,7 @@ inline Fault faultOfFile(std::string_view path) {
 #define VLT_COMPARED(fault) \
   if (name == #fault) return Fault::fault;
   VLT_FAULTS(VLT_COMPARED)
+  VLT_RECORDER_FAULTS(VLT_COMPARED)
 #undef VLT_COMPARED
   return Fault::NONE;
 }

@@ -1,0 +1,7 @@
+// The recorder's entry points under another class name, for the front of the faulty recorders.
+#include "plugin/entry_points.hpp"
+#include "recorder/ostrovia_notifications_recorder.hpp"
+
+using RealRecorder = com::velanto::connectivity::plugins::pulsar::OstroviaNotificationsRecorder;
+
+VLT_EXPORT_CODEC(RealRecorder);
