@@ -16,7 +16,8 @@ from includes import IncludeGraph
 
 # Layer: the layers below it, which it may include with all that is below them. A layer is a folder;
 # a folder in it can be a layer of its own. The tools find the plug-in at run time, never by include.
-# Fuzz targets check against the models that the tests have; those stay with the tests.
+# Fuzz targets check against the models that the tests have; those stay with the tests. The plain
+# build is a second reading of the documents, so it must see nothing of the first.
 LAYERS = {
     "host": [],
     "value": ["host"],
@@ -38,6 +39,7 @@ LAYERS = {
     "tools/check": ["ndjson", "tools/host", "tools/options"],
     "bench": ["codec", "ndjson", "tools/host"],
     "tests": ["codec", "recorder", "tools/replay", "tools/check"],
+    "tests/plain_build": ["host"],
     "fuzz": ["tests"],
 }
 
