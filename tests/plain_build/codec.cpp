@@ -73,18 +73,21 @@ std::string segmentOf(const RawValue& path) {
   return text.substr(second + 1, text.find('/', second + 1) - (second + 1));
 }
 
-const char* idOf(const RawValue& payload) {
+// The id of a notification if it is a string, or null.
+const RawValue* idOf(const RawValue& payload) {
   if (payload.tag != VLT_TAG_MAP) return nullptr;
   const Slot* const id = findSlot(payload.value.map, "id");
-  return id != nullptr && isString(id->value) ? textOf(id->value) : nullptr;
+  return id != nullptr && isString(id->value) ? &id->value : nullptr;
 }
 
 // What a notification leaves behind when its conversion fails: a map with its id, or nothing.
 Value idOnly(const RawValue& payload) {
-  const char* const id = idOf(payload);
+  const RawValue* const id = idOf(payload);
   if (id == nullptr) return {};
+  Value copy(vlt_copy_data(id));
+  if (copy.raw().tag == VLT_TAG_EMPTY) throw std::bad_alloc();
   Table table;
-  table.set("id", Value::ofText(id));
+  table.set("id", std::move(copy));
   return table.toValue();
 }
 
@@ -155,9 +158,9 @@ bool Codec::converted(Message& message) const noexcept try {
     convertMessage(message);
     return true;
   } catch (const std::exception& error) {
-    const char* const id = idOf(message.payload);
+    const RawValue* const id = idOf(message.payload);
     std::string text = "Error when transforming message towards host";
-    if (id != nullptr) text += std::string(" ('id' = '") + id + "')";
+    if (id != nullptr) text += std::string(" ('id' = '") + textOf(*id) + "')";
     log_.write(DROPS_LEVEL, text + ": " + error.what());
   }
   return false;
