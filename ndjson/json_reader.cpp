@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "ndjson/json_text.hpp"
-#include "ndjson/make_list.hpp"
+#include "ndjson/make_blocks.hpp"
+#include "ndjson/notation.hpp"
+#include "ndjson/recorded.hpp"
 #include "ndjson/utf8.hpp"
 #include "value/get_visitor.hpp"
 
@@ -101,8 +103,9 @@ class JsonReader::Parser {
   [[nodiscard]] text_part_t remark() const noexcept { return remark_; }
 
  private:
-  // The reader's own count of levels decides; the library has to bear the levels around it, too.
-  static constexpr std::size_t LIBRARY_DEPTH = MAX_DEPTH + 16;
+  // The reader's own count of levels decides; the library has to bear the levels around it, too,
+  // and {"$":["map",[[key,value]]]}, which is four for one.
+  static constexpr std::size_t LIBRARY_DEPTH = 4 * MAX_DEPTH + 16;
   static constexpr std::size_t FIRST_CAPACITY = 4096; // bytes; grows with the strings
 
   ondemand::document open(std::string_view before, std::string_view json, std::string_view after);
@@ -117,9 +120,11 @@ class JsonReader::Parser {
   [[noreturn]] void refuseRepeated(std::string_view name, const char* place) const;
   [[nodiscard]] text_part_t memberAt(const char* begin, const char* end) const;
   data_t read(ondemand::value value, int depth);
-  list_t readList(ondemand::array array, int depth);
+  [[nodiscard]] bool isNotation(ondemand::value value) const;
+  data_t readNotation(ondemand::value value, int depth);
+  std::vector<data_t> readElements(ondemand::array array, int depth);
   map_t readMap(ondemand::object object, int depth);
-  map_t readMetadata(ondemand::value value);
+  data_t readMetadata(ondemand::value value);
   static data_t readNull(ondemand::value value);
   static data_t readTruth(ondemand::value value);
   [[nodiscard]] data_t readNumber(ondemand::value value) const;
@@ -131,10 +136,11 @@ class JsonReader::Parser {
   static int below(int depth);
 
   ondemand::parser parser_;
-  std::size_t before_ = 0; // bytes in front of the line
-  std::string padded_;     // the current line, with the bytes after it that the parser may read
-  text_part_t remark_;     // of the message read last
-  std::string text_;       // a string on its way to the host, with its NUL
+  std::size_t before_ = 0;   // bytes in front of the line
+  std::string padded_;       // the current line, with the bytes after it that the parser may read
+  text_part_t remark_;       // of the message read last
+  bool is_recorded_ = false; // the current line is, so that it has the notation
+  std::string text_;         // a string on its way to the host, with its NUL
 };
 
 ondemand::document JsonReader::Parser::open(std::string_view before, std::string_view json,
@@ -181,6 +187,7 @@ void JsonReader::Parser::requireEnd(ondemand::document& document) {
 }
 
 Message JsonReader::Parser::message(std::string_view line) {
+  is_recorded_ = false;
   ondemand::document document = open("", line, "");
   return locating(document, [&] { return readMessage(document); });
 }
@@ -192,7 +199,7 @@ Message JsonReader::Parser::readMessage(ondemand::document& document) {
   }
   check(document.get_object().get(object));
   data_t payload;
-  map_t metadata;
+  data_t metadata = map_t();
   remark_ = {};
   std::vector<std::string> names;
   for (auto member : object) {
@@ -207,6 +214,11 @@ Message JsonReader::Parser::readMessage(ondemand::document& document) {
       payload = read(field.value(), 0);
     } else if (name == "metadata") {
       metadata = readMetadata(field.value());
+    } else if (name == "recorded" && names.size() == 1) {
+      // The look at the text checks it, so that the library may skip it.
+      if (!recordedIn(padded_))
+        throw MalformedJson(R"(malformed member "recorded")", columnOf(place));
+      is_recorded_ = true;
     } else if (name == "dropped") {
       static_cast<void>(read(field.value(), 0));
       remark_ = memberAt(place, require(document.current_location()));
@@ -215,11 +227,15 @@ Message JsonReader::Parser::readMessage(ondemand::document& document) {
     }
   }
   requireEnd(document);
-  return Message(std::move(payload), std::move(metadata));
+  return Message(std::move(payload), std::move(metadata.get<map_t>()));
 }
 
 // `place` is that of the name.
 void JsonReader::Parser::refuseMember(std::string_view name, const char* place) const {
+  if (name == "recorded")
+    throw MalformedJson(R"("recorded" is not the first member)", columnOf(place));
+  if (name == "recording")
+    throw MalformedJson("a recorder's own line, no message", columnOf(place));
   std::string quoted; // with line breaks and the like escaped
   appendJsonText(quoted, name);
   throw MalformedJson("unknown member " + quoted + R"(, expected "metadata" and "payload")",
@@ -246,6 +262,7 @@ text_part_t JsonReader::Parser::memberAt(const char* begin, const char* end) con
 // A value on its own is read as the only element of an array: the library treats a mere number or
 // string as a special case, with checks of its own.
 data_t JsonReader::Parser::value(std::string_view json) {
+  is_recorded_ = false;
   ondemand::document document = open("[", json, "]");
   return locating(document, [&] { return readOnly(document); });
 }
@@ -276,8 +293,9 @@ data_t JsonReader::Parser::read(ondemand::value value, int depth) {
     case ondemand::json_type::string:
       return readString(value);
     case ondemand::json_type::array:
-      return readList(require(value.get_array()), below(depth));
+      return makeList(readElements(require(value.get_array()), below(depth)));
     case ondemand::json_type::object:
+      if (is_recorded_ && isNotation(value)) return readNotation(value, depth);
       return readMap(require(value.get_object()), below(depth));
   }
   throw MalformedJson(reasonOf(simdjson::TAPE_ERROR));
@@ -342,10 +360,10 @@ data_t JsonReader::Parser::readText(std::string_view text, const char* place) {
   return data_t(text_.c_str());
 }
 
-list_t JsonReader::Parser::readList(ondemand::array array, int depth) {
+std::vector<data_t> JsonReader::Parser::readElements(ondemand::array array, int depth) {
   std::vector<data_t> elements;
   for (auto element : array) elements.push_back(read(require(element), depth));
-  return makeList(std::move(elements));
+  return elements;
 }
 
 map_t JsonReader::Parser::readMap(ondemand::object object, int depth) {
@@ -364,11 +382,38 @@ map_t JsonReader::Parser::readMap(ondemand::object object, int depth) {
   return map;
 }
 
-map_t JsonReader::Parser::readMetadata(ondemand::value value) {
-  if (require(value.type()) != ondemand::json_type::object) {
-    throw MalformedJson(R"("metadata" is not an object)");
+data_t JsonReader::Parser::readMetadata(ondemand::value value) {
+  const bool is_object = require(value.type()) == ondemand::json_type::object;
+  data_t metadata = is_object ? read(value, 0) : data_t();
+  if (metadata.type_tag() != VLT_TAG_MAP) throw MalformedJson(R"("metadata" is not an object)");
+  return metadata;
+}
+
+// Whether the first member of an object is "$".
+bool JsonReader::Parser::isNotation(ondemand::value value) const {
+  const std::string_view line(padded_);
+  const auto begin = static_cast<std::size_t>(value.raw_json_token().data() - padded_.data());
+  const std::size_t member = line.find_first_not_of(" \t\r\n", begin + 1);
+  return member != std::string_view::npos && line.substr(member).starts_with(R"("$")");
+}
+
+// The two levels of lists in a map of pairs are none of the message.
+data_t JsonReader::Parser::readNotation(ondemand::value value, int depth) {
+  const std::size_t column = columnOf(value.raw_json_token().data());
+  std::vector<data_t> parts;
+  int count = 0;
+  for (auto member : require(value.get_object())) {
+    ondemand::field field = require(std::move(member));
+    if (++count > 1) throw MalformedJson(R"(member next to "$")", columnOf(field.key().raw() - 1));
+    ondemand::value content = field.value();
+    if (require(content.type()) != ondemand::json_type::array) break;
+    parts = readElements(require(content.get_array()), depth - 1);
   }
-  return readMap(require(value.get_object()), below(0));
+  try {
+    return valueOfNotation(std::move(parts));
+  } catch (const MalformedJson& e) {
+    throw MalformedJson(e.what(), column);
+  }
 }
 
 JsonReader::JsonReader() : parser_(std::make_unique<Parser>()) {}

@@ -17,6 +17,10 @@
 // are no entries, without the other the payload is empty. A member "dropped" is a remark of a tool:
 // it must be well-formed and means nothing. There are no other members.
 //
+// A line whose first member is "recorded" comes from a recorder (recorded.hpp). In such a line, and
+// nowhere else, an object whose first member is "$" means a value that JSON has no form for
+// (recorded_writer.hpp). Borrowed strings are then kept as long as the process lives.
+//
 // The parser underneath checks only the values that its caller asks for. The reader asks for every
 // value, so nothing malformed passes: it accepts a line whole or not at all.
 #ifndef VLT_NDJSON_JSON_READER_HPP

@@ -26,9 +26,8 @@ struct recorded_t {
   bool operator==(const recorded_t&) const = default;
 };
 
-// The remark of `line`, by a look at its begin alone; white space may be anywhere, the members in
-// any order. Nothing when the line does not begin with one, or with a damaged one, which parseMessage
-// refuses.
+// The remark of `line`, by a look at its begin alone; white space may be between its tokens. Nothing
+// when the line begins with none, or with a damaged one, which parseMessage refuses.
 [[nodiscard]] std::optional<recorded_t> recordedIn(std::string_view line);
 
 } // namespace com::velanto::connectivity

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "ndjson/make_list.hpp"
+#include "ndjson/make_blocks.hpp"
 #include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity::tools {

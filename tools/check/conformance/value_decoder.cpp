@@ -4,7 +4,7 @@
 #include <new>
 #include <vector>
 
-#include "ndjson/make_list.hpp"
+#include "ndjson/make_blocks.hpp"
 #include "tools/check/values.hpp"
 #include "value/get_visitor.hpp"
 #include "value/hashes.hpp"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "ndjson/make_list.hpp"
+#include "ndjson/make_blocks.hpp"
 #include "standin/standin.h"
 #include "tools/check/check_fixture.hpp"
 #include "tools/check/examples.hpp"

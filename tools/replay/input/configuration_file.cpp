@@ -12,7 +12,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "ndjson/make_list.hpp"
+#include "ndjson/make_blocks.hpp"
 #include "tools/options/exit_status.hpp"
 
 namespace com::velanto::connectivity::tools {

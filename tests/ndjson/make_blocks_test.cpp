@@ -1,4 +1,4 @@
-#include "ndjson/make_list.hpp"
+#include "ndjson/make_blocks.hpp"
 
 #include <gtest/gtest.h>
 
@@ -12,11 +12,11 @@ namespace com::velanto::connectivity::test {
 
 namespace {
 
-class MakeListTest : public HostFixture {};
+class MakeBlocksTest : public HostFixture {};
 
 } // namespace
 
-TEST_F(MakeListTest, ListHoldsTheElementsInOrder) {
+TEST_F(MakeBlocksTest, ListHoldsTheElementsInOrder) {
   std::vector<data_t> elements;
   elements.push_back(text("a"));
   elements.emplace_back();
@@ -25,9 +25,9 @@ TEST_F(MakeListTest, ListHoldsTheElementsInOrder) {
   EXPECT_EQ(list, listOf(text("a"), data_t(), mapOf("b", whole(2))));
 }
 
-TEST_F(MakeListTest, ListOfNothingIsEmpty) { EXPECT_EQ(data_t(makeList({})), listOf()); }
+TEST_F(MakeBlocksTest, ListOfNothingIsEmpty) { EXPECT_EQ(data_t(makeList({})), listOf()); }
 
-TEST_F(MakeListTest, ElementsAreMovedIntoTheHostsBlock) {
+TEST_F(MakeBlocksTest, ElementsAreMovedIntoTheHostsBlock) {
   std::vector<data_t> elements;
   elements.push_back(text("a"));
   const char* const address = elements[0].get<const char*>();
@@ -37,7 +37,7 @@ TEST_F(MakeListTest, ElementsAreMovedIntoTheHostsBlock) {
   EXPECT_EQ(standin_live_blocks(STANDIN_BLOCK_LIST), lists + 1);
 }
 
-TEST_F(MakeListTest, RefusedListLeavesTheElements) {
+TEST_F(MakeBlocksTest, RefusedListLeavesTheElements) {
   std::vector<data_t> elements;
   elements.push_back(text("a"));
   standin_fail_allocation(1);
