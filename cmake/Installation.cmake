@@ -1,7 +1,7 @@
 # The places of the files of `cmake --install`, below the prefix:
 #
 #   bin/                                  the tools
-#   lib/ostrovia-notifications/plugin/    the plug-in, which a host loads by its path
+#   lib/ostrovia-notifications/plugin/    codec and recorder, which a host loads by their paths
 #   lib/ostrovia-notifications/standin/   the stand-in, for the tools alone
 #   share/man/man1/, share/bash-completion/completions/
 #   share/doc/ostrovia-notifications/     documents and samples, laid out as in the sources
@@ -31,7 +31,8 @@ function(vlt_install_tool tool)
 endfunction()
 
 function(vlt_install_programs)
-  install(TARGETS OstroviaNotifications2Codec LIBRARY DESTINATION ${VLT_LIBRARY_FOLDER}/plugin)
+  install(TARGETS OstroviaNotifications2Codec OstroviaNotificationsRecorder
+          LIBRARY DESTINATION ${VLT_LIBRARY_FOLDER}/plugin)
   vlt_install_tool(ostrovia-replay)
   if(TARGET standin)
     install(TARGETS standin LIBRARY DESTINATION ${VLT_LIBRARY_FOLDER}/standin)

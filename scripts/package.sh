@@ -32,7 +32,7 @@ build_for_packages() {
   configure release
   grep --quiet '^VLT_CLIENT_LIBRARY:[A-Z]*=$' build/release/CMakeCache.txt ||
     fail "build/release is configured with VLT_CLIENT_LIBRARY: there is no package of that"
-  build release OstroviaNotifications2Codec ostrovia-replay ostrovia-check-plugin manual_files
+  build release OstroviaNotifications2Codec OstroviaNotificationsRecorder ostrovia-replay ostrovia-check-plugin manual_files
 }
 
 package() {

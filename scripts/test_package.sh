@@ -121,9 +121,11 @@ check_same_events() {
   done
 }
 
-check_plugin() {
-  "${in_root[@]}" ostrovia-check-plugin \
-    "$package_libraries/plugin/libOstroviaNotifications2Codec.so"
+check_plugins() {
+  local plugin
+  for plugin in OstroviaNotifications2Codec OstroviaNotificationsRecorder; do
+    "${in_root[@]}" ostrovia-check-plugin "$package_libraries/plugin/lib$plugin.so"
+  done
 }
 
 check_files() {
@@ -153,8 +155,10 @@ check_completion() {
 check_linker_path() {
   "${in_root[@]}" ldconfig
   expect_same "" "$("${in_root[@]}" ldconfig -p | grep -E 'tvclient|Ostrovia' || true)"
-  "${in_root[@]}" ldd "$package_libraries/plugin/libOstroviaNotifications2Codec.so" |
-    grep 'libtvclient.so.10.15 => not found'
+  local plugin
+  for plugin in "$package_root$package_libraries/plugin/"*.so; do
+    "${in_root[@]}" ldd "${plugin#"$package_root"}" | grep 'libtvclient.so.10.15 => not found'
+  done
 }
 
 check_upgrade() {
@@ -188,11 +192,11 @@ package_checks=(
   "same_bytes     packaging a second time gives the same bytes, with any umask"
   "two_commands   the .deb installs with its dependencies and converts, as docs/operating.md shows"
   "same_events    the installed ostrovia-replay makes the same of every sample as the build"
-  "plugin         the installed plug-in passes ostrovia-check-plugin"
+  "plugins        the installed codec and recorder pass ostrovia-check-plugin"
   "files          the installed files are the package's"
   "man_pages      man finds and shows both pages"
   "completion     bash loads the completion and completes an option"
-  "linker_path    the linker's path knows neither the stand-in nor the plug-in"
+  "linker_path    the linker's path knows neither the stand-in nor a plug-in"
   "upgrade        an older version is upgraded, and a file that is gone since goes"
   "purge          purging the package removes everything of it"
   "archive        the .tar.gz runs in a folder with a blank in its name, as docs/operating.md shows"

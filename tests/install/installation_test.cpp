@@ -34,6 +34,7 @@ const names_t INSTALLED = {
     "bin/ostrovia-check-plugin",
     "bin/ostrovia-replay",
     LIB + "/plugin/" + PLUGIN,
+    LIB + "/plugin/libOstroviaNotificationsRecorder.so",
     LIB + "/standin/libtvclient.so.10.15",
     "share/bash-completion/completions/ostrovia-check-plugin",
     "share/bash-completion/completions/ostrovia-replay",
@@ -151,16 +152,16 @@ TEST_F(InstallationTest, ReplayAloneTakesAHostsOwnLibrary) {
   EXPECT_EQ(check.status, 0) << check.out << check.diagnostics;
 }
 
-TEST_F(InstallationTest, StrippedPlugInKeepsItsInterface) {
-  const std::string plugin = " \"$HERE/" + LIB + "/plugin/" + PLUGIN + "\"";
-  EXPECT_THAT(shell("readelf --dynamic" + plugin).out,
-              AllOf(HasSubstr("[libtvclient.so.10.15]"), Not(HasSubstr("PATH)"))));
-  std::string exported;
-  for (const std::string& name : tools::entryPoints("OstroviaNotifications2Codec")) {
-    exported += name + "\n";
+TEST_F(InstallationTest, StrippedPlugInsKeepTheirInterface) {
+  for (const std::string name : {"OstroviaNotifications2Codec", "OstroviaNotificationsRecorder"}) {
+    const std::string plugin = " \"$HERE/" + LIB + "/plugin/lib" + name + ".so\"";
+    EXPECT_THAT(shell("readelf --dynamic" + plugin).out,
+                AllOf(HasSubstr("[libtvclient.so.10.15]"), Not(HasSubstr("PATH)"))));
+    std::string exported;
+    for (const std::string& symbol : tools::entryPoints(name)) exported += symbol + "\n";
+    EXPECT_EQ(shell("LC_ALL=C nm --dynamic --defined-only --just-symbols" + plugin).out, exported);
+    EXPECT_THAT(shell("readelf --segments" + plugin).out, HasSubstr("GNU_RELRO"));
   }
-  EXPECT_EQ(shell("LC_ALL=C nm --dynamic --defined-only --just-symbols" + plugin).out, exported);
-  EXPECT_THAT(shell("readelf --segments" + plugin).out, HasSubstr("GNU_RELRO"));
 }
 
 TEST_F(InstallationTest, ToolsSeekLibrariesInTheInstallationOnly) {

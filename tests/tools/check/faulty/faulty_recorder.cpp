@@ -69,24 +69,20 @@ vlt_underlying_map_table_entry_t* find(const vlt_underlying_data_t& settings, co
   return nullptr;
 }
 
-// No lookup finds the entry under its key any more.
-void hide(const vlt_underlying_data_t& settings, const char* key) {
-  if (auto* const entry = find(settings, key)) {
-    const_cast<char*>(entry->key.value.string)[0] = '?';
-  }
-}
-
 void* create(const char* name, const char* chain, const vlt_underlying_data_t* configuration,
              void* handle1, void* handle2) {
-  if (configuration == nullptr || configuration->tag != VLT_TAG_MAP) {
+  const char* const ignored = has(Fault::ignores_directions)    ? "directions"
+                              : has(Fault::ignores_switch_file) ? "whileFileExists"
+                              : has(Fault::ignores_omissions)   ? "omit"
+                              : has(Fault::ignores_bound)       ? "maxFiles"
+                              : has(Fault::ignores_name)        ? "recordingName"
+                                                                : nullptr;
+  if (ignored == nullptr || configuration == nullptr || find(*configuration, ignored) == nullptr) {
     return vlt_create_plugin_with_params_RealRecorder(name, chain, configuration, handle1, handle2);
   }
   const vlt_underlying_data_t settings = vlt_copy_data(configuration);
-  if (has(Fault::ignores_directions)) hide(settings, "directions");
-  if (has(Fault::ignores_switch_file)) hide(settings, "whileFileExists");
-  if (has(Fault::ignores_omissions)) hide(settings, "omit");
-  if (has(Fault::ignores_bound)) hide(settings, "maxFiles");
-  if (has(Fault::ignores_name)) hide(settings, "recordingName");
+  // No lookup finds the entry under its key any more.
+  const_cast<char*>(find(settings, ignored)->key.value.string)[0] = '?';
   void* const made =
       vlt_create_plugin_with_params_RealRecorder(name, chain, &settings, handle1, handle2);
   vlt_free_map(settings.value.map);
