@@ -158,7 +158,7 @@ configuration_t readConfiguration(const map_t& settings, const std::string& plug
   configuration_t read;
   read.folder = reader.text("recordingFolder", "");
   if (read.folder.empty()) throw std::runtime_error("Setting 'recordingFolder' is missing");
-  read.name = asName(reader.text("recordingName", plugin_name + "-" + chain_id));
+  read.name = asName(reader.text("recordingName", asName(plugin_name + "-" + chain_id)));
   read.max_file_bytes = MEBIBYTE * reader.integer("maxFileMebibytes", 64, 1024 * 1024);
   read.max_files = reader.integer("maxFiles", 16, 100000);
   read.is_ring = readWhenFull(reader);

@@ -143,6 +143,7 @@ void WriterThread::lookAtSwitch() noexcept {
 
 void WriterThread::settle() noexcept {
   const RecordingBuffer::taken_t taken = buffer_.take();
+  if (!is_failing_) lost_before_ = files_.lost();
   try {
     write(taken);
   } catch (const DiskError& e) {
@@ -167,7 +168,6 @@ void WriterThread::write(const RecordingBuffer::taken_t& taken) {
 
 void WriterThread::reportFailure(const char* what, int code) noexcept {
   next_attempt_ = milliseconds() + SECOND;
-  if (!is_failing_) lost_before_ = files_.lost();
   is_failing_ = true;
   const auto kind = static_cast<std::size_t>(code) % reported_.size();
   if (reported_.test(kind)) return;

@@ -79,7 +79,7 @@ class WriterThread final : private Guest {
   bool is_session_ = false;
   bool is_over_ = false;          // the session, while it is still switched on
   bool is_full_ = false;          // and that is because of the bound
-  std::uint64_t lost_before_ = 0; // at the failure that was reported last
+  std::uint64_t lost_before_ = 0; // the failure of now
   bool is_failing_ = false;
   std::bitset<256> reported_; // by the system's number
   counts_t counts_;

@@ -2,8 +2,14 @@
 #include "recorder/ostrovia_notifications_recorder.hpp"
 
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <mutex>
+
+#include "plugin/entry_points.hpp"
 #include "tests/recorder/recorder_fixture.hpp"
+#include "tests/support/allocations.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {
@@ -12,17 +18,420 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using recorder::counts_t;
 
-class RecorderTest : public RecorderFixture {};
+class RecorderTest : public RecorderFixture {
+ protected:
+  static log_line_t line(const std::string& text) {
+    return {"connectivity.before.site", 3, "<connectivity.before.site> " + text};
+  }
+  // "number N of line i" for all messages.
+  std::vector<std::uint64_t> membersOf(const char* name) const {
+    std::vector<std::uint64_t> numbers;
+    for (const std::string& message : folder_.messages()) numbers.push_back(numberIn(message, name));
+    return numbers;
+  }
+};
 
-TEST_F(RecorderTest, WritesHeadMessagesAndFoot) {
+// ---- passing on
+
+TEST_F(RecorderTest, PassesTheSameRangeOnInBothDirections) {
+  const auto recorder = make();
+  Message* start = nullptr;
+  Message* end = nullptr;
+  const auto note = [&](Message* first, Message* last) {
+    start = first;
+    end = last;
+  };
+  recorder->setNextTowardsHost(std::make_unique<AnyLink>(note));
+  recorder->setNextTowardsTransport(std::make_unique<AnyLink>(note));
+  recorder->start();
+  Message batch[2] = {event("a"), Message()};
+  recorder->sendBatchTowardsHost(batch, batch + 2);
+  EXPECT_EQ(start, batch);
+  EXPECT_EQ(end, batch + 2);
+  recorder->sendBatchTowardsTransport(batch + 1, batch + 1);
+  EXPECT_EQ(start, batch + 1);
+  EXPECT_EQ(end, batch + 1);
+  recorder->sendBatchTowardsHost(nullptr, nullptr);
+  EXPECT_EQ(start, nullptr);
+}
+
+TEST_F(RecorderTest, LeavesMessagesAsTheyAre) {
+  const auto recorder = make();
+  recorder->start();
+  map_t metadata = mapOf("a", text("1"), "b", tagged(77, 5));
+  metadata.erase(metadata.find(text("a")));
+  Message message(mapOf("x", custom(), "y", nullText()), std::move(metadata));
+  const Message before(data_t(message.getPayload()), message.getMetadataMap().copy());
+  recorder->sendBatchTowardsHost(&message, &message + 1);
+  EXPECT_EQ(message.getMetadataMap().capacity(), before.getMetadataMap().capacity());
+  EXPECT_EQ(to_string(message, false), to_string(before, false));
+}
+
+TEST_F(RecorderTest, RecordsBeforeTheLinkTakesTheMessages) {
+  const auto recorder = make();
+  recorder->setNextTowardsHost(std::make_unique<AnyLink>(
+      [](Message* message, Message*) { message->getPayload() = data_t(); }));
+  recorder->start();
+  send(*recorder, event("kept"));
+  recorder->shutdown();
+  EXPECT_THAT(folder_.messages(), ElementsAre(HasSubstr(R"({"text":"kept"})")));
+}
+
+TEST_F(RecorderTest, ExceptionsOfTheLinkPass) {
+  const auto recorder = make();
+  recorder->setNextTowardsHost(
+      std::make_unique<AnyLink>([](Message*, Message*) { throw std::runtime_error("no"); }));
+  recorder->start();
+  EXPECT_EQ(errorOf([&] { send(*recorder, event("a")); }), "no");
+  EXPECT_EQ(errorOf([&] { send(*recorder, event("b")); }), "no");
+  recorder->shutdown();
+  const auto batches = membersOf("batch");
+  ASSERT_THAT(batches, SizeIs(2));
+  EXPECT_EQ(batches[1], batches[0] + 1);
+}
+
+// ---- recording
+
+TEST_F(RecorderTest, HeadNamesEverythingAboutTheRecording) {
+  const auto recorder = make("oneIn", whole(1), "omit", listOf(text("text")));
+  recorder->start();
+  send(*recorder, event("a"));
+  recorder->shutdown();
+  const std::string head = folder_.lines()[0];
+  const std::string run = head.substr(head.find(R"("run":")") + 7, 16);
+  EXPECT_EQ(run.find_first_not_of("0123456789abcdef"), std::string::npos);
+  const std::string started = std::to_string(numberIn(head, "started"));
+  EXPECT_EQ(head,
+            R"({"recording":{"head":{"format":1,"recorder":")" VLT_VERSION
+            R"(","plugin":"before","chain":"site","productVersion":"10.15.4.1","run":")" +
+                run + R"(","file":1,"started":)" + started +
+                R"(,"oneIn":1,"omit":["text"],"configuration":{"recordingFolder":")" +
+                folder_.path().string() +
+                R"(","recordingName":"before-site","maxFileMebibytes":64,"maxFiles":16,)"
+                R"("whenFull":"ring","oneIn":1,"omit":["text"]}}}})");
+}
+
+TEST_F(RecorderTest, LinesTellBatchPlaceAndNumber) {
   const auto recorder = make();
   recorder->start();
   send(*recorder, event("a"));
   sendBatch(*recorder, 2);
   recorder->shutdown();
-  for (const std::string& line : folder_.lines()) std::cout << line << '\n';
   EXPECT_THAT(folder_.recordings(), ElementsAre("before-site.000001.ndjson"));
+  EXPECT_THAT(membersOf("number"), ElementsAre(1, 2, 3));
+  EXPECT_THAT(membersOf("place"), ElementsAre(0, 0, 1));
+  EXPECT_THAT(membersOf("of"), ElementsAre(1, 2, 2));
+  const auto batches = membersOf("batch");
+  EXPECT_EQ(batches[1], batches[0] + 1);
+  EXPECT_EQ(batches[2], batches[1]);
+  EXPECT_EQ(folder_.counts(), (counts_t{3, 3, 0, 0}));
+}
+
+TEST_F(RecorderTest, RecordersOfAChainGiveABatchOneNumber) {
+  const auto before = make();
+  auto after = makeNamed("after", mapOf("recordingFolder", text(folder_.path().c_str())));
+  before->start();
+  after->start();
+  auto& second = *after;
+  before->setNextTowardsHost(std::make_unique<AnyLink>(
+      [&](Message* start, Message* end) { second.sendBatchTowardsHost(start, end); }));
+  send(*before, event("a"));
+  send(*before, event("b"));
+  before->shutdown();
+  after->shutdown();
+  const auto batches = membersOf("batch"); // after, after, before, before
+  ASSERT_THAT(batches, SizeIs(4));
+  EXPECT_EQ(batches[0], batches[2]);
+  EXPECT_EQ(batches[1], batches[3]);
+  EXPECT_NE(batches[0], batches[1]);
+}
+
+TEST_F(RecorderTest, OmittedTextsNeverReachTheDisk) {
+  const auto recorder = make("omit", listOf(text("payload.text")));
+  recorder->start();
+  send(*recorder, event("secret"));
+  recorder->shutdown();
+  const std::string message = folder_.messages().at(0);
+  EXPECT_EQ(message.find("secret"), std::string::npos);
+  EXPECT_THAT(message, HasSubstr(R"("payload":{"text":"omitted"})"));
+}
+
+TEST_F(RecorderTest, SampledRecordersChooseTheSameBatches) {
+  const auto make_sampled = [&](const char* name) {
+    return makeNamed(name,
+                     mapOf("recordingFolder", text(folder_.path().c_str()), "oneIn", whole(3)));
+  };
+  const auto before = make_sampled("before");
+  const auto after = make_sampled("after");
+  before->start();
+  after->start();
+  before->setNextTowardsHost(std::make_unique<AnyLink>(
+      [&](Message* start, Message* end) { after->sendBatchTowardsHost(start, end); }));
+  for (int i = 0; i < 300; ++i) send(*before, event("a"));
+  before->shutdown();
+  after->shutdown();
+  auto batches = membersOf("batch");
+  const std::vector<std::uint64_t> of_after(batches.begin(),
+                                            batches.begin() + static_cast<long>(batches.size() / 2));
+  batches.erase(batches.begin(), batches.begin() + static_cast<long>(of_after.size()));
+  EXPECT_EQ(batches, of_after);
+  EXPECT_THAT(batches, ::testing::Not(IsEmpty()));
+  EXPECT_EQ(folder_.counts(), (counts_t{300, batches.size(), 300 - batches.size(), 0}));
+}
+
+TEST_F(RecorderTest, RecordingNeitherAllocatesNorCallsTheHost) {
+  const auto recorder = make("kinds", listOf(text("events")));
+  recorder->start();
+  Message message = event("a");
+  standin_reset_calls();
+  {
+    const NoMemory none;
+    recorder->sendBatchTowardsHost(&message, &message + 1);
+    recorder->sendBatchTowardsTransport(&message, &message + 1);
+  }
+  EXPECT_EQ(standin_calls_total(), 0);
+  recorder->shutdown();
+  EXPECT_THAT(folder_.messages(), SizeIs(2));
+}
+
+// ---- sessions
+
+TEST_F(RecorderTest, EndsAfterItsMessages) {
+  const auto recorder = make("stopAfterMessages", whole(3));
+  recorder->start();
+  sendBatch(*recorder, 2);
+  sendBatch(*recorder, 2);
+  send(*recorder, event("a"));
+  recorder->shutdown();
+  EXPECT_EQ(folder_.counts(), (counts_t{5, 3, 2, 0}));
+}
+
+TEST_F(RecorderTest, EndsAfterItsSeconds) {
+  const auto recorder = make("stopAfterSeconds", whole(1));
+  recorder->start();
+  send(*recorder, event("a"));
+  waitUntil([&] {
+    const texts_t lines = folder_.lines();
+    return !lines.empty() && lines.back().starts_with(R"({"recording":{"foot":)");
+  });
+  send(*recorder, event("b"));
+  recorder->shutdown();
+  EXPECT_THAT(folder_.messages(), SizeIs(1));
+}
+
+TEST_F(RecorderTest, FileSwitchesRecordingOnAndOff) {
+  const std::filesystem::path on = folder_.path() / "on";
+  const auto recorder = make("whileFileExists", text(on.c_str()));
+  recorder->start();
+  const auto until = [&](const std::string& last) {
+    waitUntil([&] {
+      send(*recorder, event("a"));
+      const texts_t lines = folder_.lines();
+      return !lines.empty() && lines.back().starts_with(last);
+    });
+  };
+  send(*recorder, event("before"));
+  std::ofstream(on) << "";
+  until(R"({"recorded":)");
+  std::filesystem::remove(on);
+  until(R"({"recording":{"foot":)");
+  EXPECT_GT(folder_.counts().filtered, 0U);
+  std::ofstream(on) << "";
+  waitUntil([&] {
+    send(*recorder, event("a"));
+    return folder_.recordings().size() == 2;
+  });
+  recorder->shutdown();
+  const counts_t counts = folder_.counts();
+  EXPECT_EQ(counts.seen, counts.recorded + counts.filtered);
+  EXPECT_EQ(counts.recorded, folder_.messages().size());
+}
+
+TEST_F(RecorderTest, StartsAgainAfterAShutdown) {
+  const auto recorder = make();
+  for (int i = 0; i < 2; ++i) {
+    recorder->start();
+    recorder->start();
+    send(*recorder, event("a"));
+    recorder->shutdown();
+    recorder->shutdown();
+  }
+  EXPECT_THAT(folder_.recordings(), SizeIs(2));
+  EXPECT_EQ(folder_.counts(), (counts_t{2, 2, 0, 0}));
+}
+
+TEST_F(RecorderTest, DestructionWritesTheFoot) {
+  {
+    const auto recorder = make();
+    recorder->start();
+    send(*recorder, event("a"));
+  }
+  EXPECT_EQ(folder_.counts(), (counts_t{1, 1, 0, 0}));
+}
+
+// ---- failures
+
+TEST_F(RecorderTest, WrongSettingRefusesTheCreationInOneLine) {
+  const data_t settings = mapOf("recordingFolder", text("/tmp"), "maxFiles", whole(0));
+  EXPECT_EQ(entry_points::create<OstroviaNotificationsRecorder>(
+                "before", "site", settings.underlying(), nullptr, nullptr),
+            nullptr);
+  EXPECT_THAT(takeLog(),
+              ElementsAre(log_line_t{"connectivity.before.site", 2,
+                                     "<connectivity.before.site> Exception from create: Setting "
+                                     "'maxFiles' must be an integer from 1 to 100000, not 0"}));
+}
+
+TEST_F(RecorderTest, EndlessNamesAreRefused) {
+  const std::string endless(200'000, 'x');
+  EXPECT_EQ(errorOf([&] {
+              makeNamed(endless.c_str(), mapOf("recordingFolder", text(folder_.path().c_str())));
+            }),
+            "Names and settings are too long for a file's head");
+}
+
+TEST_F(RecorderTest, MissingFolderCostsRecordsAndOneLine) {
+  std::filesystem::remove(folder_.path());
+  const auto recorder = make();
+  int passed = 0;
+  recorder->setNextTowardsHost(
+      std::make_unique<AnyLink>([&](Message*, Message*) { ++passed; }));
+  recorder->start();
+  send(*recorder, event("a"));
+  std::vector<log_line_t> log;
+  waitUntil([&] { return !(log = takeLog()).empty(); });
+  EXPECT_THAT(log, ElementsAre(line("Recording fails: cannot make " + folder_.path().string() +
+                                    "/before-site.lock: No such file or directory. Messages pass "
+                                    "on and are not recorded until it works again")));
+  send(*recorder, event("b"));
+  std::filesystem::create_directory(folder_.path());
+  waitUntil([&] {
+    send(*recorder, event("c"));
+    return !folder_.recordings().empty();
+  });
+  recorder->shutdown();
+  EXPECT_GE(passed, 3);
+  const counts_t counts = folder_.counts();
+  EXPECT_EQ(counts.seen, static_cast<std::uint64_t>(passed));
+  EXPECT_EQ(counts.seen, counts.recorded + counts.lost);
+  EXPECT_EQ(counts.recorded, folder_.messages().size());
+  ASSERT_THAT(folder_.gaps(), SizeIs(1));
+  EXPECT_EQ(numberIn(folder_.gaps()[0], "lost"), counts.lost);
+  EXPECT_THAT(takeLog(), ElementsAre(line("Recording works again; messages lost: " +
+                                          std::to_string(counts.lost))));
+}
+
+TEST_F(RecorderTest, StoppedRecordingLosesTheRest) {
+  const auto recorder = make("maxFiles", whole(1), "maxFileMebibytes", whole(1), "whenFull",
+                             text("stop"));
+  recorder->start();
+  const std::string large(100'000, 'x');
+  for (int i = 0; i < 20; ++i) send(*recorder, event(large.c_str()));
+  std::vector<log_line_t> log;
+  waitUntil([&] { return !(log = takeLog()).empty(); });
+  EXPECT_THAT(log, ElementsAre(line("Recording has ended: " + folder_.path().string() +
+                                    "/before-site.000001.ndjson has all files that maxFiles "
+                                    "allows")));
+  send(*recorder, event("late"));
+  recorder->shutdown();
+  EXPECT_THAT(folder_.messages(), SizeIs(10));
+  EXPECT_EQ(folder_.counts(), (counts_t{10, 10, 0, 0}));
+}
+
+TEST_F(RecorderTest, ChildOfTheProcessOnlyPassesBatchesOn) {
+  auto recorder = make();
+  int passed = 0;
+  recorder->setNextTowardsHost(
+      std::make_unique<AnyLink>([&](Message*, Message*) { ++passed; }));
+  recorder->start();
+  send(*recorder, event("a"));
+  const pid_t child = fork();
+  if (child == 0) {
+    sendBatch(*recorder, 2);
+    recorder->start();
+    recorder->shutdown();
+    recorder.reset();
+    _exit(passed == 2 ? 0 : 1);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+  send(*recorder, event("b"));
+  recorder->shutdown();
+  EXPECT_EQ(folder_.counts(), (counts_t{2, 2, 0, 0}));
+}
+
+TEST_F(RecorderTest, RecorderFromBeforeAForkStartsInTheChild) {
+  const auto recorder = make();
+  const pid_t child = fork();
+  if (child == 0) {
+    recorder->start();
+    send(*recorder, event("a"));
+    recorder->shutdown();
+    _exit(0);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(folder_.counts(), (counts_t{1, 1, 0, 0}));
+}
+
+// ---- status
+
+// The status maps that a host gets.
+class StatusTest : public RecorderTest {
+ protected:
+  StatusTest() {
+    handle_ = unreadable(0x10);
+    standin_set_status_sink(take, this);
+  }
+  ~StatusTest() override { standin_set_status_sink(nullptr, nullptr); }
+
+  texts_t takeStatus() {
+    const std::lock_guard guard(mutex_);
+    return std::exchange(status_, {});
+  }
+
+ private:
+  static void take(void* context, void* handle, const vlt_underlying_map_table_t* table) {
+    auto& test = *static_cast<StatusTest*>(context);
+    const std::lock_guard guard(test.mutex_);
+    vlt_underlying_data_t view{};
+    view.tag = VLT_TAG_MAP;
+    view.value.map = const_cast<vlt_underlying_map_table_t*>(table);
+    const auto& status = data_t::view(view).get<map_t>();
+    std::string counts;
+    for (const char* const name : {"seen", "recorded", "filtered", "lost"}) {
+      counts += std::to_string((*status.find(text(name))).second.get<std::int64_t>()) + " ";
+    }
+    EXPECT_EQ(handle, unreadable(0x10));
+    test.status_.push_back(counts + (*status.find(text("file"))).second.get<const char*>());
+  }
+
+  std::mutex mutex_;
+  texts_t status_;
+};
+
+TEST_F(StatusTest, CountersReachTheHost) {
+  auto recorder = make("kinds", listOf(text("events")));
+  recorder->start();
+  send(*recorder, event("a"));
+  send(*recorder, Message());
+  recorder->shutdown();
+  const std::string path = folder_.path().string() + "/before-site.000001.ndjson";
+  EXPECT_EQ(takeStatus().back(), "2 1 1 0 " + path);
+  send(*recorder, event("late"));
+  recorder.reset();
+  EXPECT_THAT(takeStatus(), ElementsAre("3 1 1 1 " + path));
+}
+
+TEST_F(StatusTest, UnchangedCountersAreNotReported) {
+  auto recorder = make();
+  recorder->start();
+  recorder->shutdown();
+  recorder.reset();
+  EXPECT_THAT(takeStatus(), IsEmpty());
 }
 
 } // namespace
