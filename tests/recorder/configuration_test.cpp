@@ -39,12 +39,12 @@ TEST_F(ConfigurationTest, FolderIsEnough) {
 }
 
 TEST_F(ConfigurationTest, TakesEverySetting) {
-  const configuration_t read_settings = read(mapOf(
-      "recordingFolder", text("f"), "recordingName", text("n"), "maxFileMebibytes", whole(2),
-      "maxFiles", whole(3), "whenFull", text("stop"), "stopAfterMessages", whole(4),
-      "stopAfterSeconds", whole(5), "directions", listOf(text("transport")), "kinds",
-      listOf(text("alarms"), text("operations")), "pathPrefix", text("t/"), "oneIn", whole(6),
-      "omit", listOf(text("payload.text")), "whileFileExists", text("/on")));
+  const configuration_t read_settings = read(
+      mapOf("recordingFolder", text("f"), "recordingName", text("n"), "maxFileMebibytes", whole(2),
+            "maxFiles", whole(3), "whenFull", text("stop"), "stopAfterMessages", whole(4),
+            "stopAfterSeconds", whole(5), "directions", listOf(text("transport")), "kinds",
+            listOf(text("alarms"), text("operations")), "pathPrefix", text("t/"), "oneIn", whole(6),
+            "omit", listOf(text("payload.text")), "whileFileExists", text("/on")));
   EXPECT_EQ(read_settings.name, "n");
   EXPECT_EQ(read_settings.max_file_bytes, 2U << 20U);
   EXPECT_EQ(read_settings.max_files, 3U);
@@ -56,8 +56,7 @@ TEST_F(ConfigurationTest, TakesEverySetting) {
   EXPECT_EQ(read_settings.path_prefix, "t/");
   EXPECT_EQ(read_settings.one_in, 6U);
   EXPECT_EQ(read_settings.omit_json, R"(["payload.text"])");
-  EXPECT_TRUE(
-      FieldSet::covers(FieldSet::below(read_settings.omitted.payload(), "text")));
+  EXPECT_TRUE(FieldSet::covers(FieldSet::below(read_settings.omitted.payload(), "text")));
   EXPECT_EQ(read_settings.while_file_exists, "/on");
   EXPECT_EQ(read_settings.json,
             R"("recordingFolder":"f","recordingName":"n","maxFileMebibytes":2,"maxFiles":3,)"
@@ -69,8 +68,7 @@ TEST_F(ConfigurationTest, TakesEverySetting) {
 TEST_F(ConfigurationTest, NameKeepsOnlyPlainCharacters) {
   EXPECT_EQ(readConfiguration(mapOf("recordingFolder", text("f")), "a/b", "c d.é").name,
             "a_b-c_d.__");
-  EXPECT_EQ(read(mapOf("recordingFolder", text("f"), "recordingName", text("../x"))).name,
-            ".._x");
+  EXPECT_EQ(read(mapOf("recordingFolder", text("f"), "recordingName", text("../x"))).name, ".._x");
   const std::string endless(300, 'x');
   EXPECT_EQ(readConfiguration(mapOf("recordingFolder", text("f")), endless, "c").name,
             std::string(200, 'x'));
@@ -128,10 +126,9 @@ TEST_F(ConfigurationTest, NamesTheWrongPathToOmit) {
 
 TEST_F(ConfigurationTest, RefusesEndlessSettings) {
   const std::string endless(70000, 'x');
-  EXPECT_EQ(errorOf([&] {
-              static_cast<void>(read(mapOf("recordingFolder", text(endless.c_str()))));
-            }),
-            "The settings are too long");
+  EXPECT_EQ(
+      errorOf([&] { static_cast<void>(read(mapOf("recordingFolder", text(endless.c_str())))); }),
+      "The settings are too long");
 }
 
 TEST_F(ConfigurationTest, LeavesForeignSettingsAlone) {

@@ -18,11 +18,10 @@ class FilterTest : public HostFixture {
   // With these settings, the folder added.
   template <class... KeysAndValues>
   static Filter make(KeysAndValues&&... settings) {
-    return Filter(
-        recorder::readConfiguration(mapOf("recordingFolder", text("f"),
-                                          std::forward<KeysAndValues>(settings)...),
-                                    "p", "c"),
-        RUN);
+    return Filter(recorder::readConfiguration(
+                      mapOf("recordingFolder", text("f"), std::forward<KeysAndValues>(settings)...),
+                      "p", "c"),
+                  RUN);
   }
   static Message withPath(const char* path) { return notification(path, mapOf()); }
   static Message withType(const char* type) {

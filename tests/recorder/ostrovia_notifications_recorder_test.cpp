@@ -14,11 +14,11 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
+using recorder::counts_t;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-using recorder::counts_t;
 
 class RecorderTest : public RecorderFixture {
  protected:
@@ -28,7 +28,8 @@ class RecorderTest : public RecorderFixture {
   // "number N of line i" for all messages.
   std::vector<std::uint64_t> membersOf(const char* name) const {
     std::vector<std::uint64_t> numbers;
-    for (const std::string& message : folder_.messages()) numbers.push_back(numberIn(message, name));
+    for (const std::string& message : folder_.messages())
+      numbers.push_back(numberIn(message, name));
     return numbers;
   }
 };
@@ -103,14 +104,13 @@ TEST_F(RecorderTest, HeadNamesEverythingAboutTheRecording) {
   const std::string run = head.substr(head.find(R"("run":")") + 7, 16);
   EXPECT_EQ(run.find_first_not_of("0123456789abcdef"), std::string::npos);
   const std::string started = std::to_string(numberIn(head, "started"));
-  EXPECT_EQ(head,
-            R"({"recording":{"head":{"format":1,"recorder":")" VLT_VERSION
-            R"(","plugin":"before","chain":"site","productVersion":"10.15.4.1","run":")" +
-                run + R"(","file":1,"started":)" + started +
-                R"(,"oneIn":1,"omit":["text"],"configuration":{"recordingFolder":")" +
-                folder_.path().string() +
-                R"(","recordingName":"before-site","maxFileMebibytes":64,"maxFiles":16,)"
-                R"("whenFull":"ring","oneIn":1,"omit":["text"]}}}})");
+  EXPECT_EQ(head, R"({"recording":{"head":{"format":1,"recorder":")" VLT_VERSION
+                  R"(","plugin":"before","chain":"site","productVersion":"10.15.4.1","run":")" +
+                      run + R"(","file":1,"started":)" + started +
+                      R"(,"oneIn":1,"omit":["text"],"configuration":{"recordingFolder":")" +
+                      folder_.path().string() +
+                      R"(","recordingName":"before-site","maxFileMebibytes":64,"maxFiles":16,)"
+                      R"("whenFull":"ring","oneIn":1,"omit":["text"]}}}})");
 }
 
 TEST_F(RecorderTest, LinesTellBatchPlaceAndNumber) {
@@ -173,8 +173,8 @@ TEST_F(RecorderTest, SampledRecordersChooseTheSameBatches) {
   before->shutdown();
   after->shutdown();
   auto batches = membersOf("batch");
-  const std::vector<std::uint64_t> of_after(batches.begin(),
-                                            batches.begin() + static_cast<long>(batches.size() / 2));
+  const std::vector<std::uint64_t> of_after(
+      batches.begin(), batches.begin() + static_cast<long>(batches.size() / 2));
   batches.erase(batches.begin(), batches.begin() + static_cast<long>(of_after.size()));
   EXPECT_EQ(batches, of_after);
   EXPECT_THAT(batches, ::testing::Not(IsEmpty()));
@@ -296,8 +296,7 @@ TEST_F(RecorderTest, MissingFolderCostsRecordsAndOneLine) {
   std::filesystem::remove(folder_.path());
   const auto recorder = make();
   int passed = 0;
-  recorder->setNextTowardsHost(
-      std::make_unique<AnyLink>([&](Message*, Message*) { ++passed; }));
+  recorder->setNextTowardsHost(std::make_unique<AnyLink>([&](Message*, Message*) { ++passed; }));
   recorder->start();
   send(*recorder, event("a"));
   std::vector<log_line_t> log;
@@ -324,8 +323,8 @@ TEST_F(RecorderTest, MissingFolderCostsRecordsAndOneLine) {
 }
 
 TEST_F(RecorderTest, StoppedRecordingLosesTheRest) {
-  const auto recorder = make("maxFiles", whole(1), "maxFileMebibytes", whole(1), "whenFull",
-                             text("stop"));
+  const auto recorder =
+      make("maxFiles", whole(1), "maxFileMebibytes", whole(1), "whenFull", text("stop"));
   recorder->start();
   const std::string large(100'000, 'x');
   for (int i = 0; i < 20; ++i) send(*recorder, event(large.c_str()));
@@ -343,8 +342,7 @@ TEST_F(RecorderTest, StoppedRecordingLosesTheRest) {
 TEST_F(RecorderTest, ChildOfTheProcessOnlyPassesBatchesOn) {
   auto recorder = make();
   int passed = 0;
-  recorder->setNextTowardsHost(
-      std::make_unique<AnyLink>([&](Message*, Message*) { ++passed; }));
+  recorder->setNextTowardsHost(std::make_unique<AnyLink>([&](Message*, Message*) { ++passed; }));
   recorder->start();
   send(*recorder, event("a"));
   const pid_t child = fork();

@@ -68,8 +68,9 @@ TEST_F(RecordingBufferTest, MessagesAreLostWhileClosed) {
   add(message(1));
   add(message(1));
   EXPECT_EQ(take().lost, 2U);
-  EXPECT_EQ(lines_,
-            "{\"recording\":{\"gap\":{\"first\":1,\"last\":2,\"lost\":2,\"reason\":\"stopped\"}}}\n");
+  EXPECT_EQ(
+      lines_,
+      "{\"recording\":{\"gap\":{\"first\":1,\"last\":2,\"lost\":2,\"reason\":\"stopped\"}}}\n");
 }
 
 TEST_F(RecordingBufferTest, MessagesAreFilteredWhileOff) {

@@ -11,11 +11,11 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
+using recorder::DiskError;
+using recorder::RecordingFiles;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
-using recorder::DiskError;
-using recorder::RecordingFiles;
 
 constexpr std::uint64_t MEBIBYTE = 1024 * 1024;
 
@@ -97,7 +97,8 @@ TEST_F(RecordingFilesTest, FullFileEndsWithCountsSoFar) {
   files.finish(301, 1);
   EXPECT_THAT(folder_.recordings(), SizeIs(2));
   const std::string foot = linesOf(folder_.path() / "n.000001.ndjson").back();
-  const auto in_first = startingWith(R"({"recorded":)", linesOf(folder_.path() / "n.000001.ndjson"));
+  const auto in_first =
+      startingWith(R"({"recorded":)", linesOf(folder_.path() / "n.000001.ndjson"));
   EXPECT_EQ(numberIn(foot, "seen"), in_first.size());
   EXPECT_EQ(numberIn(foot, "recorded"), in_first.size());
   EXPECT_NE(foot.find(R"("next":true)"), std::string::npos);
@@ -193,8 +194,7 @@ TEST_F(RecordingFilesTest, FullDiskLeavesWholeLinesAndAGap) {
   files.finish(6, 0);
   const texts_t lines = folder_.lines();
   ASSERT_THAT(lines, SizeIs(7));
-  EXPECT_EQ(lines[4],
-            R"({"recording":{"gap":{"first":4,"last":5,"lost":2,"reason":"disk"}}})");
+  EXPECT_EQ(lines[4], R"({"recording":{"gap":{"first":4,"last":5,"lost":2,"reason":"disk"}}})");
   EXPECT_EQ(folder_.counts(), (recorder::counts_t{6, 4, 0, 2}));
 }
 
@@ -212,15 +212,15 @@ TEST_F(RecordingFilesTest, LostGapsAreCountedInTheNextOne) {
   RecordingFiles files = make();
   {
     const FileSizeLimit limit(10);
-    EXPECT_THROW(
-        static_cast<void>(files.write(
-            "{\"recording\":{\"gap\":{\"first\":1,\"last\":9,\"lost\":8,\"reason\":\"buffer\"}}}\n")),
-        DiskError);
+    EXPECT_THROW(static_cast<void>(files.write("{\"recording\":{\"gap\":{\"first\":1,\"last\":9,"
+                                               "\"lost\":8,\"reason\":\"buffer\"}}}\n")),
+                 DiskError);
   }
   number_ = 9;
   EXPECT_TRUE(files.write(line(100)));
-  EXPECT_THAT(folder_.gaps(),
-              ElementsAre(R"({"recording":{"gap":{"first":1,"last":9,"lost":8,"reason":"disk"}}})"));
+  EXPECT_THAT(
+      folder_.gaps(),
+      ElementsAre(R"({"recording":{"gap":{"first":1,"last":9,"lost":8,"reason":"disk"}}})"));
 }
 
 TEST_F(RecordingFilesTest, FailuresAtTheEndOfAFileStayInTheBound) {

@@ -28,7 +28,10 @@ TEST(RecordingLinesTest, RemarkIsTheFirstMember) {
 }
 
 TEST(RecordingLinesTest, GapNamesItsMessagesAndReason) {
-  EXPECT_EQ(written(GAP_SIZE, [](char* at) { return writeGap(at, {19, 25, 6, "buffer"}); }),
+  EXPECT_EQ(written(GAP_SIZE,
+                    [](char* at) {
+                      return writeGap(at, {19, 25, 6, "buffer"});
+                    }),
             R"({"recording":{"gap":{"first":19,"last":25,"lost":6,"reason":"buffer"}}})"
             "\n");
 }
@@ -65,11 +68,11 @@ TEST(RecordingLinesTest, GapGrowsByLaterMessages) {
 }
 
 TEST(RecordingLinesTest, PassageCountsMessagesAndGaps) {
-  const passage_t passage =
-      readPassage("{\"recording\":{\"head\":{\"file\":1}}}\n"
-                  "{\"recording\":{\"gap\":{\"first\":3,\"last\":6,\"lost\":2,\"reason\":\"disk\"}}}\n"
-                  "{\"recorded\":{\"time\":1,\"number\":8,\"batch\":1},\"metadata\":{}}\n"
-                  "{\"recorded\":{\"time\":1,\"number\":9,\"batch\":1},\"metadata\":{}}\n");
+  const passage_t passage = readPassage(
+      "{\"recording\":{\"head\":{\"file\":1}}}\n"
+      "{\"recording\":{\"gap\":{\"first\":3,\"last\":6,\"lost\":2,\"reason\":\"disk\"}}}\n"
+      "{\"recorded\":{\"time\":1,\"number\":8,\"batch\":1},\"metadata\":{}}\n"
+      "{\"recorded\":{\"time\":1,\"number\":9,\"batch\":1},\"metadata\":{}}\n");
   EXPECT_EQ(passage.first, 3U);
   EXPECT_EQ(passage.last, 9U);
   EXPECT_EQ(passage.recorded, 2U);
