@@ -31,7 +31,7 @@ void compareAll(const options_t& options) {
   };
   compared(measureKinds(options, LARGE_BATCH));
   for (const auto measure :
-       {measureCapacities, measureDropped, measureScaling, measureTimestamps}) {
+       {measureCapacities, measureDropped, measureScaling, measureTimestamps, measureRecording}) {
     compared(measure(options));
   }
 }
@@ -57,6 +57,8 @@ void measureAll(const options_t& options, const std::filesystem::path& results) 
   show(measureThreads(options), [](const suite_t& suite) { return threadsText("Threads", suite); });
   show(measureTimestamps(options),
        [](const suite_t& suite) { return threadsText("Reading timestamps", suite); });
+  show(measureRecording(options), recordingText);
+  show(measureRecordedBatches(options), recordedBatchesText);
   if (results.empty()) return;
   std::filesystem::create_directories(results);
   write(results / "results.json", jsonReport(where, suites));

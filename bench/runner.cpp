@@ -71,6 +71,13 @@ double median(samples_t samples) {
   return (*middle + *std::max_element(samples.begin(), middle)) / 2;
 }
 
+double quantile(samples_t samples, double share) {
+  const auto place = samples.begin() + static_cast<std::ptrdiff_t>(
+                                           share * static_cast<double>(samples.size() - 1));
+  std::nth_element(samples.begin(), place, samples.end());
+  return *place;
+}
+
 double ratio(const samples_t& a, const samples_t& b) {
   samples_t ratios(a.size());
   std::transform(a.begin(), a.end(), b.begin(), ratios.begin(), std::divides<>());

@@ -45,6 +45,8 @@ struct result_t {
 [[nodiscard]] std::vector<result_t> race(const std::vector<lane_t>& lanes, std::size_t rounds);
 
 [[nodiscard]] double median(samples_t samples);
+// The sample above a `share` of them, from 0 to 1.
+[[nodiscard]] double quantile(samples_t samples, double share);
 // The median of a/b, round by round.
 [[nodiscard]] double ratio(const samples_t& a, const samples_t& b);
 

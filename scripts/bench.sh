@@ -26,7 +26,7 @@ unpack_boost_json() {
 
 build_bench() {
   unpack_boost_json
-  build bench ostrovia-bench OstroviaNotifications2Codec
+  build bench ostrovia-bench OstroviaNotifications2Codec OstroviaNotificationsRecorder
 }
 
 # bench_against REV: its sources in a work tree of their own, built in the same way.

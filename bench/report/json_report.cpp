@@ -1,6 +1,5 @@
 #include "bench/report/json_report.hpp"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 
 namespace com::velanto::connectivity::bench {
@@ -8,11 +7,6 @@ namespace com::velanto::connectivity::bench {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-double quantile(samples_t samples, double share) {
-  std::sort(samples.begin(), samples.end());
-  return samples[static_cast<std::size_t>(share * static_cast<double>(samples.size() - 1))];
-}
 
 Json describe(const group_t& group) {
   Json contenders = Json::array();

@@ -81,6 +81,30 @@ std::string scalingText(const suite_t& suite) {
   return titled("Scaling (ns per field, series or component)", rows);
 }
 
+std::string recordingText(const suite_t& suite) {
+  std::vector<row_t> rows = {{"chain"}};
+  for (const group_t& group : suite.groups) rows.front().push_back(group.name);
+  for (std::size_t i = 0; i < suite.groups.front().results.size(); ++i) {
+    row_t row = {suite.groups.front().results[i].name};
+    for (const group_t& group : suite.groups) {
+      const samples_t& chain = group.results[i].samples;
+      const double more = ratio(chain, group.results.front().samples) - 1;
+      row.push_back(fixed(median(chain), 0) + "  " + fixed(100 * more, 1) + " %");
+    }
+    rows.push_back(std::move(row));
+  }
+  return titled("Recording (ns per message, median; more than the codec alone)", rows);
+}
+
+std::string recordedBatchesText(const suite_t& suite) {
+  std::vector<row_t> rows = {{"chain", "median", "99.9th percentile"}};
+  for (const result_t& result : suite.groups.front().results) {
+    rows.push_back({result.name, fixed(median(result.samples) / 1000, 1),
+                    fixed(quantile(result.samples, 0.999) / 1000, 1)});
+  }
+  return titled("Recording, " + suite.groups.front().name + " (wall time of a batch, µs)", rows);
+}
+
 std::string threadsText(const std::string& title, const suite_t& suite) {
   std::vector<row_t> rows = {{"", "1 thread", "2 threads", "speed-up", "first / this, 1 thread"}};
   const std::vector<result_t>& results = suite.groups.front().results;

@@ -21,6 +21,12 @@ namespace com::velanto::connectivity::bench {
 // One thread, two, and the speed-up: how much more two do in the same time.
 [[nodiscard]] std::string threadsText(const std::string& title, const suite_t& suite);
 
+// Chains by sizes of batches: time, how much more than the codec's alone, and that in percent.
+[[nodiscard]] std::string recordingText(const suite_t& suite);
+
+// Chains: median and 99.9th percentile of a batch.
+[[nodiscard]] std::string recordedBatchesText(const suite_t& suite);
+
 } // namespace com::velanto::connectivity::bench
 
 #endif

@@ -46,6 +46,11 @@ Heat& Heat::withPeers() {
   return *this;
 }
 
+Heat& Heat::withSame(std::string name, std::shared_ptr<Contender> contender) {
+  enter(std::move(name), std::move(contender), sameness_t::SLOTS);
+  return *this;
+}
+
 Heat& Heat::withOther(std::string name, std::shared_ptr<Contender> contender) {
   enter(std::move(name), std::move(contender), std::nullopt);
   return *this;

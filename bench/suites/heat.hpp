@@ -55,6 +55,8 @@ class Heat {
   Heat& withFloor(const std::string& name, floor::variant_t variant);
   Heat& withFloors();
   Heat& withPeers();
+  // Something that must give the first entrant's results.
+  Heat& withSame(std::string name, std::shared_ptr<Contender> contender);
   // Something over other messages, for comparison of times only.
   Heat& withOther(std::string name, std::shared_ptr<Contender> contender);
 

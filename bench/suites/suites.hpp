@@ -30,6 +30,13 @@ namespace com::velanto::connectivity::bench {
 // Nanoseconds per timestamp and thread.
 [[nodiscard]] suite_t measureTimestamps(const options_t& options);
 
+// The codec behind a recorder that records, filters out or is switched off, beside the codec behind
+// an element that does nothing. Nanoseconds per message of the host's thread.
+[[nodiscard]] suite_t measureRecording(const options_t& options);
+
+// The same for single batches of 16, by wall time. Compares nothing; not for `only_check`.
+[[nodiscard]] suite_t measureRecordedBatches(const options_t& options);
+
 // Under callgrind: dumps the instructions of one run of each contender that has a plan, named
 // "KIND;CONTENDER;MESSAGES". Returns false, and does nothing, when callgrind is not there.
 [[nodiscard]] bool countInstructions(const options_t& options);

@@ -52,10 +52,10 @@ PluginLibrary::PluginLibrary(const std::string& path, Version accepted,
   load(destroy, "vlt_destroy_plugin_" + class_name);
 }
 
-std::string PluginLibrary::defaultPath() {
+std::string PluginLibrary::defaultPath(const char* class_name) {
   const std::filesystem::path folder =
       std::filesystem::read_symlink("/proc/self/exe").parent_path();
-  const std::string name = std::string("lib") + CLASS_NAME + ".so";
+  const std::string name = std::string("lib") + class_name + ".so";
   if (std::filesystem::exists(folder / name)) return folder / name;
   return (folder / VLT_PLUGIN_FROM_TOOLS / name).lexically_normal();
 }

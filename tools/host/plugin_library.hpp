@@ -38,10 +38,10 @@ class PluginLibrary {
   explicit PluginLibrary(const std::string& path, Version accepted = Version::OURS,
                          const std::string& class_name = CLASS_NAME);
 
-  // The plug-in of the running program: beside it, where a build leaves both, otherwise at its
-  // place in an installation, found from the program's. It may not exist. Throws
+  // The library of a plug-in class for the running program: beside it, where a build leaves both,
+  // otherwise at its place in an installation, found from the program's. It may not exist. Throws
   // std::filesystem::filesystem_error when the system does not tell the place of the program.
-  static std::string defaultPath();
+  static std::string defaultPath(const char* class_name = CLASS_NAME);
 
   std::uint64_t (*apiVersion)() = nullptr;
   const char* (*productVersion)() = nullptr;
