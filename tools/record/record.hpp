@@ -68,6 +68,8 @@ class Consumer {
   virtual void pause() {}
   // The plug-in has ended. Returns what this makes of the exit status of the run.
   virtual exit_status_t finish() { return EXIT_FINE; }
+  // The last call, only when the run has reached the end of its input: the files may appear.
+  virtual void commit() {}
 };
 
 } // namespace com::velanto::connectivity::tools
