@@ -28,7 +28,7 @@ declare -A package_groups=(
     binutils=readelf
     libboost-dev=boost/optional.hpp
     libcli11-dev=CLI/CLI.hpp libsimdjson-dev=simdjson.h rapidjson-dev=rapidjson/document.h
-    zlib1g-dev=zlib.h libzstd-dev=zstd.h libyaml-cpp-dev=yaml-cpp/yaml.h
+    zlib1g-dev=zlib.h libzstd-dev=zstd.h libsodium-dev=sodium.h libyaml-cpp-dev=yaml-cpp/yaml.h
     libgtest-dev=gtest/gtest.h libgmock-dev=gmock/gmock.h
     man-db=man
   "

@@ -29,7 +29,7 @@ inline constexpr std::array<status_row_t, 9> EXIT_STATUSES = {{
     {EXIT_USAGE, "the command line is wrong"},
     {EXIT_BAD_INPUT, "lines of the input are malformed"},
     {EXIT_PLUGIN, "the plug-in or its configuration is unusable, or a call failed"},
-    {EXIT_DIFFERENT, "the run differs from the recorded one, or the two builds differ"},
+    {EXIT_DIFFERENT, "the run differs from the recorded one, the other build or the copy"},
     {EXIT_LAW, "the plug-in lost or made up messages, or leaked blocks of the host"},
     {EXIT_IO, "reading or writing failed"},
     {EXIT_INTERRUPTED, "ended by Ctrl-C, with the results so far"},

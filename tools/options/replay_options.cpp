@@ -82,6 +82,16 @@ option_group_t outputOptions(ReplayOptions& options) {
             "write the messages that did not reach the host to FILE, as lines to correct and read "
             "again",
             &options.dropped},
+           {"--redact", "FIELDS",
+            "fields to hide in the copy of the input that --redacted names: paths with commas "
+            "between them, all-texts, all-times",
+            &options.redact},
+           {"--redacted", "FILE",
+            "write the copy to FILE; every message of it has the same outcome", &options.redacted},
+           {"--redact-key", "FILE",
+            "take the key of the stand-ins from FILE, so that other copies get the same; default: "
+            "a new key that is never written",
+            &options.redact_key},
            {"--quiet", "",
             "neither progress nor the closing line, and --log-level 2 unless another is given",
             &options.quiet}}};

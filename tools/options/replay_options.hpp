@@ -36,6 +36,9 @@ struct ReplayOptions {
   std::optional<std::string> summary; // "text" or "json"
   std::optional<std::string> explain; // the same
   std::optional<std::string> dropped; // path of the file of dead letters
+  std::vector<std::string> redact;       // lists of fields,
+  std::optional<std::string> redacted;   // path of the copy with stand-ins for them,
+  std::optional<std::string> redact_key; // and of the file with the key for these
   bool quiet = false;                 // no progress, no closing line, QUIET_LOG_LEVEL
 
   std::optional<std::string> record;  // path of the golden file to write,

@@ -18,7 +18,7 @@ namespace {
 // The rules between options.
 void checkTogether(const ReplayOptions& options) {
   for (const std::optional<std::string>& output :
-       {options.dropped, options.record, options.junit}) {
+       {options.dropped, options.record, options.redacted, options.junit}) {
     if (!output) continue;
     refuseToOverwrite(options.paths, *output);
     if (options.expect) refuseToOverwrite({*options.expect}, *output);
@@ -32,14 +32,19 @@ void checkTogether(const ReplayOptions& options) {
   if (options.check_config && (!options.config || !options.paths.empty())) {
     throw ReplayError(EXIT_USAGE, "--check-config needs --config and takes no FILES");
   }
+  if (options.redact.empty() == options.redacted.has_value() ||
+      (options.redact_key && !options.redacted)) {
+    throw ReplayError(EXIT_USAGE, "--redact and --redacted need each other, --redact-key needs both");
+  }
   if (!options.suite && (options.update || options.junit)) {
     throw ReplayError(EXIT_USAGE, "--update and --junit need --suite");
   }
   if (options.suite && (!options.paths.empty() || options.expect || options.record ||
-                        options.dropped || options.summary || options.explain)) {
+                        options.dropped || options.redacted || options.summary ||
+                        options.explain)) {
     throw ReplayError(EXIT_USAGE,
-                      "--suite takes no FILES, --expect, --record, --dropped, --summary or "
-                      "--explain");
+                      "--suite takes no FILES, --expect, --record, --dropped, --redacted, --summary "
+                      "or --explain");
   }
 }
 

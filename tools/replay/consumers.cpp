@@ -27,6 +27,9 @@ void Consumers::addPlugins(const PluginLibrary& library, const data_t& configura
   if (options_.against) {
     add(other_build_.emplace(*options_.against, configuration, direction, diagnostics_out_));
   }
+  if (options_.redacted) {
+    add(redaction_.emplace(options_, library, configuration, direction, diagnostics_out_));
+  }
   if (options_.explain) {
     const ExplanationForm text = colour_ ? ExplanationForm::COLOURED_TEXT : ExplanationForm::TEXT;
     add(explainer_.emplace(library, configuration, direction,

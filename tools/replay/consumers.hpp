@@ -11,6 +11,7 @@
 #include "tools/options/replay_options.hpp"
 #include "tools/replay/comparing/expectation.hpp"
 #include "tools/replay/comparing/other_build.hpp"
+#include "tools/replay/redacting/redaction.hpp"
 #include "tools/replay/summary/figures.hpp"
 #include "tools/replay/summary/summary.hpp"
 #include "tools/replay/writing/dead_letters.hpp"
@@ -45,6 +46,9 @@ class Consumers final : public Consumer {
   }
   // The last one first; the worst status of all.
   exit_status_t finish() override;
+  void commit() override {
+    for (Consumer* consumer : all_) consumer->commit();
+  }
 
   // One more, which must stay until the last record or its removal.
   void add(Consumer& consumer) { all_.push_back(&consumer); }
@@ -79,6 +83,7 @@ class Consumers final : public Consumer {
   std::optional<Expectation> expectation_;
   std::optional<OtherBuild> other_build_;
   std::optional<Explainer> explainer_;
+  std::optional<Redaction> redaction_;
   std::vector<Consumer*> all_;
 };
 

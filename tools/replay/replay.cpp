@@ -111,6 +111,7 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   shutDown(*pool);
   worsen(consumers_.finish());
   consumers_.pause();
+  if (!isInterrupted() && !consumers_.closed()) consumers_.commit();
 }
 
 void Replay::replayAll(const std::vector<input_t>& inputs, ChainPool& pool) {

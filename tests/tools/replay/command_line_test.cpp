@@ -73,7 +73,7 @@ TEST_F(CommandLineTest, HelpListsTheExitStatuses) {
                        "    2  the command line is wrong\n"
                        "    3  lines of the input are malformed\n"
                        "    4  the plug-in or its configuration is unusable, or a call failed\n"
-                       "    5  the run differs from the recorded one, or the two builds differ\n"
+                       "    5  the run differs from the recorded one, the other build or the copy\n"
                        "    6  the plug-in lost or made up messages, or leaked blocks of the host\n"
                        "    7  reading or writing failed\n"
                        "  130  ended by Ctrl-C, with the results so far\n"),

@@ -1,0 +1,117 @@
+// --redact of the built tool.
+#include "tools/replay/redacting/redaction.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/support/pattern.hpp"
+#include "tests/support/samples.hpp"
+#include "tests/tools/program.hpp"
+#include "tools/options/exit_status.hpp"
+
+namespace com::velanto::connectivity::test {
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+class RedactionTest : public Program {
+ protected:
+  result_t redact(const std::string& fields, std::vector<std::string> others = {}) {
+    others.insert(others.end(), {"--quiet", "--redact", fields, "--redacted", "copy.ndjson"});
+    return run(others);
+  }
+  std::string copy() const { return folder_.read("copy.ndjson"); }
+
+  // The summary of an input without its times; the same name for any file.
+  std::string summaryOf(const std::string& path) {
+    const std::string json = run({"--summary=json", "--log-level", "2", path}).diagnostics;
+    const std::string summary = json.substr(json.find("{\"read\""));
+    return Pattern("\"first\":\"[^\"]*:")
+        .replacedIn(summary.substr(0, summary.find(",\"seconds\"")), "");
+  }
+};
+
+} // namespace
+
+TEST_F(RedactionTest, EqualTextsStayEqualInAllMessages) {
+  input_ = eventLine("4711") + alarmLine("4711") + eventLine("4712");
+  EXPECT_EQ(redact("all-texts").status, 0);
+  const auto ids = Pattern("\"id\": \"(\\d{15})\", \"source\"").allIn(copy());
+  ASSERT_EQ(ids.size(), 3u);
+  EXPECT_EQ(ids[0][1], ids[1][1]);
+  EXPECT_NE(ids[0][1], ids[2][1]);
+  EXPECT_THAT(copy(), Not(HasSubstr("4711")));
+  EXPECT_THAT(copy(), HasSubstr("/events/"));
+  EXPECT_THAT(copy(), HasSubstr("\"severity\": \"MAJOR\""));
+}
+
+TEST_F(RedactionTest, SamplesKeepTheirSummary) {
+  for (const auto& entry : std::filesystem::directory_iterator(VLT_SAMPLES)) {
+    if (entry.path().extension() != ".ndjson") continue;
+    const std::string path = entry.path();
+    const std::string before = summaryOf(path);
+    if (before.find("\"malformed\":0") == std::string::npos) continue;
+    EXPECT_EQ(redact("all-texts,all-times", {path}).status, 0) << path;
+    EXPECT_EQ(summaryOf("copy.ndjson"), before) << path;
+  }
+}
+
+TEST_F(RedactionTest, OneKeyGivesOneCopy) {
+  input_ = eventLine("1");
+  const std::string key = folder_.write("key", "the key of this test, of some bytes");
+  EXPECT_EQ(redact("all-texts", {"--redact-key", key}).status, 0);
+  const std::string first = copy();
+  redact("all-texts", {"--redact-key", key});
+  EXPECT_EQ(copy(), first);
+  redact("all-texts");
+  EXPECT_NE(copy(), first);
+}
+
+TEST_F(RedactionTest, DifferingOutcomeLeavesTheOldFile) {
+  folder_.write("copy.ndjson", "old\n");
+  // The codec takes blanks for digits here, a stand-in has none of them.
+  input_ = eventLine("1") + Pattern("1970-01-01T00").replacedIn(eventLine("2"), "1970-01-01T 0");
+  const result_t result = redact("all-texts", {"--log-level", "2"});
+  EXPECT_EQ(result.status, tools::EXIT_DIFFERENT);
+  EXPECT_EQ(result.diagnostics,
+            "ostrovia-replay: <stdin>:2: redacted, this message is not 'converted' but 'dropped, "
+            "bad-timestamp time'; copy.ndjson is not written\n");
+  EXPECT_EQ(copy(), "old\n");
+  EXPECT_FALSE(std::filesystem::exists(folder_.path(".copy.ndjson.1")));
+}
+
+TEST_F(RedactionTest, MalformedLinesAndRemarksAreLeftOut) {
+  input_ = "secret\n" + textlessLine("4711");
+  input_.insert(input_.rfind('}'), R"(,"dropped":{"text":"4711"})");
+  const result_t result = redact("all-texts");
+  EXPECT_EQ(result.status, tools::EXIT_BAD_INPUT);
+  EXPECT_THAT(result.diagnostics,
+              HasSubstr("ostrovia-replay: 1 malformed lines are not in copy.ndjson\n"));
+  EXPECT_THAT(copy(), Not(HasSubstr("secret")));
+  EXPECT_THAT(copy(), Not(HasSubstr("dropped")));
+  EXPECT_THAT(copy(), Not(HasSubstr("4711")));
+}
+
+TEST_F(RedactionTest, InputReadAgainIsWrittenOnce) {
+  const std::string file = folder_.write("file", eventLine("1"));
+  EXPECT_EQ(redact("id", {"--repeat", "3", "--threads", "2", file}).status, 0);
+  const std::string once = copy();
+  EXPECT_EQ(std::count(once.begin(), once.end(), '\n'), 1);
+}
+
+TEST_F(RedactionTest, WrongUseIsNamed) {
+  constexpr const char* TOGETHER =
+      "ostrovia-replay: --redact and --redacted need each other, --redact-key needs both\n";
+  EXPECT_EQ(run({"--redact", "id"}).diagnostics, TOGETHER);
+  EXPECT_EQ(run({"--redacted", "copy.ndjson"}).diagnostics, TOGETHER);
+  EXPECT_EQ(run({"--redact-key", "key"}).diagnostics, TOGETHER);
+  EXPECT_EQ(run({"--redact", "id", "--redacted", "copy.ndjson", "--suite", "."}).status,
+            tools::EXIT_USAGE);
+  EXPECT_EQ(redact("a[1]").status, tools::EXIT_USAGE);
+}
+
+} // namespace com::velanto::connectivity::test
