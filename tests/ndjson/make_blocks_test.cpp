@@ -46,4 +46,14 @@ TEST_F(MakeBlocksTest, RefusedListLeavesTheElements) {
   EXPECT_EQ(elements[0], text("a"));
 }
 
+TEST_F(MakeBlocksTest, BufferHoldsTheBytes) {
+  EXPECT_EQ(data_t(makeBuffer(std::string_view("a\0\xff", 3))), bytes(std::string("a\0\xff", 3)));
+  EXPECT_EQ(data_t(makeBuffer("")), bytes(""));
+}
+
+TEST_F(MakeBlocksTest, RefusedBufferIsAnError) {
+  standin_fail_allocation(1);
+  EXPECT_THROW(static_cast<void>(makeBuffer("a")), std::bad_alloc);
+}
+
 } // namespace com::velanto::connectivity::test

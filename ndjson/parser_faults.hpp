@@ -1,0 +1,30 @@
+// Faults that the parser underneath reports, as MalformedJson in our own words: the library's change
+// from version to version and tell how it works inside.
+#ifndef VLT_NDJSON_PARSER_FAULTS_HPP
+#define VLT_NDJSON_PARSER_FAULTS_HPP
+
+#include <simdjson.h>
+
+#include <string_view>
+#include <utility>
+
+namespace com::velanto::connectivity {
+
+[[nodiscard]] const char* reasonOf(simdjson::error_code error) noexcept;
+
+// Throws MalformedJson without a column unless `error` is none; std::bad_alloc.
+void check(simdjson::error_code error);
+
+template <class T>
+T require(simdjson::simdjson_result<T> result) {
+  T value{};
+  check(std::move(result).get(value));
+  return value;
+}
+
+// Throws MalformedJson for a fault that the parser reports for `json` as a whole: finds its column.
+[[noreturn]] void refuseWhole(simdjson::error_code error, std::string_view json);
+
+} // namespace com::velanto::connectivity
+
+#endif
