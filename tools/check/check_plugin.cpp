@@ -58,16 +58,17 @@ result_t skippedResult(const check_t& check, const std::string& reason) {
 
 } // namespace
 
-int checkPlugin(const run_settings_t& settings, std::span<const check_t> checks, Format format,
-                std::ostream& out) {
+int checkPlugin(const run_settings_t& settings, std::span<const check_t> checks, bool strict,
+                Format format, std::ostream& out) {
   const std::optional<std::string> obstacle = whyNotLoaded(settings);
   const std::unique_ptr<Report> report =
-      makeReport(out, {settings.subject.path, settings.seed, !obstacle}, format);
+      makeReport(out, {settings.subject.path, settings.seed, !obstacle, strict}, format);
   Counts counts;
   for (const check_t& check : checks) {
-    const result_t result = obstacle && check.use != Use::READ ? skippedResult(check, *obstacle)
-                                                               : runCheck(settings, check);
-    counts.add(result.verdict.ending);
+    result_t result = obstacle && check.use != Use::READ ? skippedResult(check, *obstacle)
+                                                         : runCheck(settings, check);
+    result.strict = strict;
+    counts.add(result);
     report->add(result);
   }
   report->close(counts);

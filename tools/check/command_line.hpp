@@ -7,9 +7,9 @@
 namespace com::velanto::connectivity::tools::check {
 
 // Does what main's `arguments` ask for and returns the exit status. Results, lists and help go to
-// `out`, in colours when `may_colour`; faults of the arguments go to `diagnostics`. Must run
+// `output`, in colours when `may_colour`; faults of the arguments go to `diagnostics`. Must run
 // on the only thread of its process. Does not throw.
-int runCheckPlugin(int count, const char* const* arguments, bool may_colour, std::ostream& out,
+int runCheckPlugin(int count, const char* const* arguments, bool may_colour, std::ostream& output,
                    std::ostream& diagnostics) noexcept;
 
 } // namespace com::velanto::connectivity::tools::check

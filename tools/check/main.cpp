@@ -8,7 +8,7 @@
 #include "tools/check/command_line.hpp"
 
 int main(int argc, char** argv) {
-  // Closing the reader is then an error of the write, which the tool reports.
+  // A reader that closes its pipe does not end the checks.
   std::signal(SIGPIPE, SIG_IGN);
   const char* const no_colour = std::getenv("NO_COLOR"); // NOLINT(concurrency-mt-unsafe)
   const bool may_colour =

@@ -12,16 +12,20 @@ namespace com::velanto::connectivity::tools::check {
 
 namespace {
 
+constexpr std::size_t LINE_WIDTH = 80; // columns
 constexpr std::size_t NAME_WIDTH = 34;
-constexpr const char* DETAIL_INDENT = "        ";
+constexpr std::size_t MARK_WIDTH = 6;
+constexpr std::size_t DETAIL_INDENT = 8;
+constexpr std::size_t VALUE_INDENT = 12; // of the expected and the actual value, below their place
 
 struct style_t {
   const char* mark;
   const char* colour; // an escape sequence
 };
 
-style_t styleOf(Ending ending) {
-  switch (ending) {
+style_t styleOf(const result_t& result) {
+  if (result.warns()) return {"WARN ", "\x1b[33m"};
+  switch (result.verdict.ending) {
     case Ending::OK:
       return {"ok   ", "\x1b[32m"};
     case Ending::FAILED:
@@ -46,28 +50,77 @@ std::string printable(std::string text) {
   return text;
 }
 
-// The lines of a string, each under the name of its check.
-void writeIndented(std::ostream& out, const std::string& text) {
-  std::string_view rest = text;
-  while (!rest.empty()) {
-    const std::size_t end = std::min(rest.find('\n'), rest.size());
-    out << DETAIL_INDENT << rest.substr(0, end) << '\n';
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-  }
+bool startsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xc0) != 0x80; }
+
+std::size_t columnsOf(std::string_view text) {
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), startsCharacter));
 }
 
-// One line, unless the expected or the actual value has lines of its own.
+// The bytes of `line` that fit into `columns`: up to its last blank there, or, in a longer word, up
+// to the last whole character.
+std::size_t fittingBytes(std::string_view line, std::size_t columns) {
+  if (columnsOf(line) <= columns) return line.size();
+  std::size_t end = 0;
+  for (std::size_t seen = 0; seen < columns || !startsCharacter(line[end]); ++end) {
+    if (startsCharacter(line[end])) ++seen;
+  }
+  const std::size_t blank = line.rfind(' ', end);
+  return blank == std::string_view::npos || blank == 0 ? end : blank;
+}
+
+// Ends a line that has `used` columns already with the lines of `text`. Each goes on at `indent`
+// where it exceeds the width.
+void writeWrapped(std::ostream& out, std::size_t used, std::size_t indent, std::string_view text) {
+  do {
+    std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    do {
+      const std::size_t fitting = fittingBytes(line, LINE_WIDTH - used);
+      out << line.substr(0, fitting) << '\n';
+      line.remove_prefix(fitting);
+      if (line.starts_with(' ')) line.remove_prefix(1);
+      used = indent;
+      if (!line.empty() || !text.empty()) out << std::string(indent, ' ');
+    } while (!line.empty());
+  } while (!text.empty());
+}
+
+void writeDetail(std::ostream& out, const std::string& text) {
+  out << std::string(DETAIL_INDENT, ' ');
+  writeWrapped(out, DETAIL_INDENT, DETAIL_INDENT, text);
+}
+
+void writeValue(std::ostream& out, const char* label, const std::string& value) {
+  out << std::string(DETAIL_INDENT, ' ') << label;
+  writeWrapped(out, DETAIL_INDENT + VALUE_INDENT, DETAIL_INDENT + VALUE_INDENT, value);
+}
+
+// One line, unless that is too long or a value has lines of its own.
 void writeMismatch(std::ostream& out, const mismatch_t& mismatch) {
+  const std::string where = printable(mismatch.where);
   const std::string expected = printable(mismatch.expected);
   const std::string actual = printable(mismatch.actual);
-  if (expected.find('\n') == std::string::npos && actual.find('\n') == std::string::npos &&
-      expected.size() + actual.size() < 100) {
-    return writeIndented(out,
-                         printable(mismatch.where) + ": expected " + expected + ", came " + actual);
+  const std::string line = where + ": expected " + expected + ", came " + actual;
+  if (line.find('\n') == std::string::npos && columnsOf(line) <= LINE_WIDTH - DETAIL_INDENT) {
+    return writeDetail(out, line);
   }
-  writeIndented(out, printable(mismatch.where) + ":");
-  writeIndented(out, "  expected  " + expected);
-  writeIndented(out, "  came      " + actual);
+  writeDetail(out, where + ":");
+  writeValue(out, "  expected  ", expected);
+  writeValue(out, "  came      ", actual);
+}
+
+// Name and claim, in a line that has `used` columns already.
+void writeClaim(std::ostream& out, std::size_t used, const check_t& check, const char* rest) {
+  std::string name = check.name;
+  name.resize(std::max(name.size(), NAME_WIDTH), ' ');
+  out << name << ' ';
+  const std::size_t column = used + name.size() + 1;
+  writeWrapped(out, column, column, std::string(check.claim) + rest);
+}
+
+std::string clauseOf(const check_t& check) {
+  if (check.clause == ADVISED_ONLY) return "advised, not required by docs/host-interface.md";
+  return std::string("docs/host-interface.md, \"") + check.clause + "\"";
 }
 
 std::string quoted(const std::string& text) {
@@ -81,11 +134,17 @@ std::string jsonOf(const mismatch_t& mismatch) {
          R"(,"came":)" + quoted(mismatch.actual) + "}";
 }
 
+std::string levelOf(const check_t& check) {
+  if (check.clause == ADVISED_ONLY) return R"(,"level":"advised")";
+  return R"(,"level":"required","clause":)" + quoted(check.clause);
+}
+
 std::string jsonOf(const result_t& result) {
   const verdict_t& verdict = result.verdict;
   std::string json = R"({"name":)" + quoted(result.check->name) + R"(,"claim":)" +
-                     quoted(result.check->claim) + R"(,"outcome":")" + nameOf(verdict.ending) +
-                     R"(","milliseconds":)" + std::to_string(result.time.count());
+                     quoted(result.check->claim) + levelOf(*result.check) + R"(,"outcome":")" +
+                     nameOf(verdict.ending) + R"(","milliseconds":)" +
+                     std::to_string(result.time.count());
   if (!verdict.reason.empty()) json += R"(,"reason":)" + quoted(verdict.reason);
   if (!verdict.mismatches.empty()) {
     json += R"(,"differences":[)";
@@ -99,42 +158,48 @@ std::string jsonOf(const result_t& result) {
   return json + "}";
 }
 
-std::string padded(std::string text, std::size_t width) {
-  text.resize(std::max(text.size(), width), ' ');
-  return text;
-}
-
 } // namespace
 
-int Counts::total() const noexcept { return std::accumulate(counts_.begin(), counts_.end(), 0); }
+bool result_t::warns() const noexcept {
+  const bool passed = verdict.ending == Ending::OK || verdict.ending == Ending::SKIPPED;
+  return !passed && !strict && check->clause == ADVISED_ONLY;
+}
+
+void Counts::add(const result_t& result) noexcept {
+  ++(result.warns() ? warned_ : counts_[static_cast<std::size_t>(result.verdict.ending)]);
+}
+
+int Counts::total() const noexcept {
+  return std::accumulate(counts_.begin(), counts_.end(), warned_);
+}
 
 void TextReport::add(const result_t& result) {
   const verdict_t& verdict = result.verdict;
-  const style_t style = styleOf(verdict.ending);
-  out_ << (coloured_ ? style.colour : "") << style.mark << (coloured_ ? "\x1b[0m" : "") << ' '
-       << listLine(*result.check);
-  if (verdict.ending == Ending::SKIPPED) out_ << ": " << printable(verdict.reason);
-  out_ << '\n';
-  if (verdict.ending != Ending::SKIPPED && !verdict.reason.empty()) {
-    writeIndented(out_, printable(verdict.reason));
-  }
+  const style_t style = styleOf(result);
+  const bool skipped = verdict.ending == Ending::SKIPPED;
+  out_ << (coloured_ ? style.colour : "") << style.mark << (coloured_ ? "\x1b[0m" : "") << ' ';
+  writeClaim(out_, MARK_WIDTH, *result.check, "");
+  if (verdict.ending != Ending::OK && !skipped) writeDetail(out_, clauseOf(*result.check));
+  if (!verdict.reason.empty()) writeDetail(out_, printable(verdict.reason));
   for (const mismatch_t& each : verdict.mismatches) writeMismatch(out_, each);
-  if (!verdict.printed.empty()) writeIndented(out_, "printed:\n" + printable(verdict.printed));
+  if (!verdict.printed.empty()) writeDetail(out_, "printed:\n" + printable(verdict.printed));
   out_.flush();
 }
 
 void TextReport::close(const Counts& counts) {
-  out_ << '\n'
-       << printable(heading_.path) << ": " << counts.total() << " checks, " << counts.of(Ending::OK)
-       << " ok, " << counts.of(Ending::FAILED) << " failed, " << counts.of(Ending::CRASHED)
+  out_ << '\n';
+  writeWrapped(out_, 0, 0, printable(heading_.path) + ", seed " + std::to_string(heading_.seed));
+  out_ << counts.total() << " checks: " << counts.of(Ending::OK) << " ok, " << counts.warned()
+       << " warned, " << counts.of(Ending::FAILED) << " failed, " << counts.of(Ending::CRASHED)
        << " crashed, " << counts.of(Ending::HUNG) << " hung, " << counts.of(Ending::SKIPPED)
-       << " skipped; seed " << heading_.seed << '\n';
+       << " skipped\n";
   out_.flush();
 }
 
 JsonReport::JsonReport(std::ostream& out, const heading_t& heading) : out_(out) {
-  out_ << "{\"library\":" << quoted(heading.path) << ",\"seed\":" << heading.seed
-       << ",\"loads\":" << (heading.loads ? "true" : "false") << ",\"checks\":[";
+  out_ << R"({"version":1,"library":)" << quoted(heading.path) << ",\"seed\":" << heading.seed
+       << ",\"loads\":" << (heading.loads ? "true" : "false")
+       << ",\"strict\":" << (heading.strict ? "true" : "false") << ",\"checks\":[";
 }
 
 void JsonReport::add(const result_t& result) {
@@ -142,17 +207,19 @@ void JsonReport::add(const result_t& result) {
 }
 
 void JsonReport::close(const Counts& counts) {
-  out_ << "\n],\"counts\":{";
+  out_ << "\n],\"counts\":{\"warned\":" << counts.warned();
   for (const Ending each :
        {Ending::OK, Ending::FAILED, Ending::CRASHED, Ending::HUNG, Ending::SKIPPED}) {
-    out_ << (each == Ending::OK ? "\"" : ",\"") << nameOf(each) << "\":" << counts.of(each);
+    out_ << ",\"" << nameOf(each) << "\":" << counts.of(each);
   }
   out_ << "}}\n";
   out_.flush();
 }
 
-std::string listLine(const check_t& check) {
-  return padded(check.name, NAME_WIDTH) + " " + check.claim;
+void writeList(std::ostream& out, std::span<const check_t> checks) {
+  for (const check_t& check : checks) {
+    writeClaim(out, 0, check, check.clause == ADVISED_ONLY ? " (advised)" : "");
+  }
 }
 
 } // namespace com::velanto::connectivity::tools::check

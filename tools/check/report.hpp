@@ -1,11 +1,8 @@
-// The forms of results: for people lines while they come, for programs one JSON document.
+// The forms of results: for people lines while they come, for programs one JSON document, which
+// docs/check-report.schema.json describes.
 //
-//   {"library": …, "seed": …, "loads": …,
-//    "checks": [{"name": …, "claim": …, "outcome": "ok", "milliseconds": …, "reason": …,
-//                "differences": [{"where": …, "expected": …, "came": …}], "printed": …}],
-//    "counts": {"ok": …, "failed": …, "crashed": …, "hung": …, "skipped": …}}
-//
-// "reason", "differences" and "printed" are there when they hold something.
+// A check has a mark, its name and its claim; its details are indented below it. No line is longer
+// than 80 columns, so long claims and values go on in the next line.
 #ifndef VLT_TOOLS_CHECK_REPORT_HPP
 #define VLT_TOOLS_CHECK_REPORT_HPP
 
@@ -13,6 +10,7 @@
 #include <chrono>
 #include <cstdint>
 #include <ostream>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -25,22 +23,29 @@ struct result_t {
   const check_t* check;
   verdict_t verdict;
   std::chrono::milliseconds time;
+  bool strict = false; // advised checks count, too
+
+  // It did not pass, and does not count.
+  [[nodiscard]] bool warns() const noexcept;
 };
 
 // Results by outcome.
 class Counts {
  public:
-  void add(Ending ending) noexcept { ++counts_[static_cast<std::size_t>(ending)]; }
+  void add(const result_t& result) noexcept;
+  [[nodiscard]] int warned() const noexcept { return warned_; }
+  // Without warnings.
   [[nodiscard]] int of(Ending ending) const noexcept {
     return counts_[static_cast<std::size_t>(ending)];
   }
   [[nodiscard]] int total() const noexcept;
   [[nodiscard]] bool allGood() const noexcept {
-    return total() == of(Ending::OK) + of(Ending::SKIPPED);
+    return total() == of(Ending::OK) + warned() + of(Ending::SKIPPED);
   }
 
  private:
   std::array<int, 5> counts_{};
+  int warned_ = 0;
 };
 
 class Report {
@@ -57,9 +62,9 @@ struct heading_t {
   std::string path; // of the library
   std::uint64_t seed = 0;
   bool loads = true;
+  bool strict = false;
 };
 
-// A line a check, its details indented below it.
 class TextReport final : public Report {
  public:
   TextReport(std::ostream& out, heading_t heading, bool coloured)
@@ -84,8 +89,9 @@ class JsonReport final : public Report {
   bool first_ = true;
 };
 
-// "name  claim", names padded to one width.
-[[nodiscard]] std::string listLine(const check_t& check);
+// The lines of --list: the names, their claims beside them, "(advised)" behind those of advised
+// checks.
+void writeList(std::ostream& out, std::span<const check_t> checks);
 
 } // namespace com::velanto::connectivity::tools::check
 

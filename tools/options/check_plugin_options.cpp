@@ -18,8 +18,9 @@ constexpr std::array EXAMPLES = {
 };
 
 constexpr std::array STATUSES = {
-    status_row_t{STATUS_ALL_PASSED, "all checks passed, or were skipped for a reason"},
-    status_row_t{STATUS_SOME_FAILED, "some failed, crashed or hung"},
+    status_row_t{STATUS_ALL_PASSED, "all required checks passed, or were skipped for a reason"},
+    status_row_t{STATUS_SOME_FAILED,
+                 "some failed, crashed or hung; with --strict: or advised ones"},
     status_row_t{STATUS_NOT_CHECKED, "wrong use, or a library that does not load"},
 };
 
@@ -48,6 +49,7 @@ tool_t checkPluginTool(command_t& command) {
          {"--seed", "N",
           "seed of the randomised checks, to repeat them; default: a new one each time",
           &command.seed},
+         {"--strict", "", "let advised checks decide the exit status, too", &command.strict},
          {"--json", "", "write one JSON document instead of lines", &command.json},
          {"--list", "", "list the checks, those of LIBRARY if it is named, and run none", &command.list}}},
        ABOUT_THE_TOOL},

@@ -5,6 +5,8 @@
 #include <sstream>
 #include <string>
 
+#include "tools/check/selection.hpp"
+
 namespace com::velanto::connectivity::test {
 
 namespace {
@@ -12,30 +14,42 @@ namespace {
 using namespace tools::check;
 
 void checksNothing(Trial&) {}
-const check_t CHECK = {"suite.name", "what holds", checksNothing};
+const check_t CHECK = {"suite.name", "what holds", "Heading", checksNothing};
+const check_t ADVISED_CHECK = {"suite.other", "what is good", ADVISED_ONLY, checksNothing};
 
-std::string textOf(const verdict_t& verdict, bool coloured = false) {
+std::string textOf(const result_t& result, bool coloured = false) {
   std::ostringstream out;
-  TextReport(out, {"lib.so", 7, true}, coloured).add({&CHECK, verdict, {}});
+  TextReport(out, {"lib.so", 7, true}, coloured).add(result);
   return out.str();
 }
 
-const std::string NAME_AND_CLAIM = " suite.name                         what holds";
+std::string textOf(const verdict_t& verdict) { return textOf({&CHECK, verdict, {}}); }
+
+std::string longestLine(const std::string& text) {
+  std::istringstream stream(text);
+  std::string longest;
+  for (std::string line; std::getline(stream, line);) {
+    if (line.size() > longest.size()) longest = line;
+  }
+  return longest;
+}
+
+const std::string NAME_AND_CLAIM = " suite.name                         what holds\n";
+const std::string CLAUSE = "        docs/host-interface.md, \"Heading\"\n";
 
 } // namespace
 
-TEST(ReportTest, PassedCheckIsALine) { EXPECT_EQ(textOf({}), "ok   " + NAME_AND_CLAIM + "\n"); }
+TEST(ReportTest, PassedCheckIsALine) { EXPECT_EQ(textOf(verdict_t{}), "ok   " + NAME_AND_CLAIM); }
 
 TEST(ReportTest, ColourIsAroundTheMark) {
-  EXPECT_EQ(textOf({}, true), "\x1b[32mok   \x1b[0m" + NAME_AND_CLAIM + "\n");
+  EXPECT_EQ(textOf({&CHECK, {}, {}}, true), "\x1b[32mok   \x1b[0m" + NAME_AND_CLAIM);
 }
 
 TEST(ReportTest, DetailsAreIndentedAndLongOnesStacked) {
   const std::string line(60, 'x');
   const verdict_t verdict = {
       Ending::FAILED, "", {{"here", "4", "3"}, {"there", line, line}, {"log", "a", "b\nc"}}, ""};
-  EXPECT_EQ(textOf(verdict), "FAIL " + NAME_AND_CLAIM +
-                                 "\n"
+  EXPECT_EQ(textOf(verdict), "FAIL " + NAME_AND_CLAIM + CLAUSE +
                                  "        here: expected 4, came 3\n"
                                  "        there:\n"
                                  "          expected  " +
@@ -44,13 +58,12 @@ TEST(ReportTest, DetailsAreIndentedAndLongOnesStacked) {
                                  "        log:\n"
                                  "          expected  a\n"
                                  "          came      b\n"
-                                 "        c\n");
+                                 "                    c\n");
 }
 
 TEST(ReportTest, CrashShowsReasonAndOutput) {
   EXPECT_EQ(textOf({Ending::CRASHED, "SIGBUS, Bus error", {}, "oh\nno\n"}),
-            "CRASH" + NAME_AND_CLAIM +
-                "\n"
+            "CRASH" + NAME_AND_CLAIM + CLAUSE +
                 "        SIGBUS, Bus error\n"
                 "        printed:\n"
                 "        oh\n"
@@ -60,40 +73,90 @@ TEST(ReportTest, CrashShowsReasonAndOutput) {
 TEST(ReportTest, BytesOutsideUtf8AreReplaced) {
   const verdict_t verdict = {Ending::FAILED, "", {{"here", "\xc3\xa9", "\xff\x1b[0m"}}, ""};
   EXPECT_EQ(textOf(verdict),
-            "FAIL " + NAME_AND_CLAIM + "\n        here: expected \xc3\xa9, came ??[0m\n");
+            "FAIL " + NAME_AND_CLAIM + CLAUSE + "        here: expected \xc3\xa9, came ??[0m\n");
+}
+
+TEST(ReportTest, LongLinesGoOnAtTheirIndent) {
+  const std::string words = "one two three four five six seven eight nine ten eleven twelve";
+  const check_t check = {"suite.name", words.c_str(), "Heading", checksNothing};
+  const std::string value(130, 'x');
+  const std::string text =
+      textOf({&check, {Ending::FAILED, "", {{"there", words + " " + words, value}}, ""}, {}});
+  EXPECT_EQ(text,
+            "FAIL  suite.name                         one two three four five six seven eight\n"
+            "                                         nine ten eleven twelve\n" +
+                CLAUSE +
+                "        there:\n"
+                "          expected  one two three four five six seven eight nine ten eleven\n"
+                "                    twelve one two three four five six seven eight nine ten\n"
+                "                    eleven twelve\n"
+                "          came      " +
+                value.substr(0, 60) + "\n                    " + value.substr(0, 60) +
+                "\n                    " + value.substr(0, 10) + "\n");
+}
+
+TEST(ReportTest, CharactersAreNotCutApart) {
+  std::string value;
+  for (int i = 0; i < 75; ++i) value += "\xc3\xa9";
+  const std::string text = textOf({Ending::FAILED, "", {{"here", value, ""}}, ""});
+  EXPECT_NE(text.find("          expected  " + value.substr(0, 120) + "\n"), std::string::npos);
+}
+
+TEST(ReportTest, NoLineOfTheListExceeds80Columns) {
+  std::ostringstream out;
+  writeList(out, allChecks());
+  EXPECT_LE(longestLine(out.str()).size(), 80U) << longestLine(out.str());
+}
+
+TEST(ReportTest, AdvisedCheckWarnsUnlessStrict) {
+  const verdict_t crashed = {Ending::CRASHED, "SIGBUS, Bus error", {}, ""};
+  const std::string rest =
+      " suite.other                        what is good\n"
+      "        advised, not required by docs/host-interface.md\n"
+      "        SIGBUS, Bus error\n";
+  EXPECT_EQ(textOf({&ADVISED_CHECK, crashed, {}, false}), "WARN " + rest);
+  EXPECT_EQ(textOf({&ADVISED_CHECK, crashed, {}, true}), "CRASH" + rest);
 }
 
 TEST(ReportTest, JsonHasTheContentOfTheLine) {
   std::ostringstream out;
   JsonReport report(out, {"li\"b.so", 7, false});
   report.add({&CHECK, {Ending::SKIPPED, "no \xff such", {}, ""}, std::chrono::milliseconds(5)});
-  report.add({&CHECK, {Ending::FAILED, "", {{"w", "e", "c"}}, "p"}, {}});
+  report.add({&ADVISED_CHECK, {Ending::FAILED, "", {{"w", "e", "c"}}, "p"}, {}});
   Counts counts;
-  counts.add(Ending::SKIPPED);
-  counts.add(Ending::FAILED);
+  counts.add({&CHECK, {Ending::SKIPPED, "", {}, ""}, {}});
+  counts.add({&ADVISED_CHECK, {Ending::FAILED, "", {}, ""}, {}});
   report.close(counts);
   EXPECT_EQ(out.str(),
-            R"({"library":"li\"b.so","seed":7,"loads":false,"checks":[)"
+            R"({"version":1,"library":"li\"b.so","seed":7,"loads":false,"strict":false,"checks":[)"
             "\n"
-            R"({"name":"suite.name","claim":"what holds","outcome":"skipped","milliseconds":5,)"
-            R"("reason":"no ? such"},)"
+            R"({"name":"suite.name","claim":"what holds","level":"required","clause":"Heading",)"
+            R"("outcome":"skipped","milliseconds":5,"reason":"no ? such"},)"
             "\n"
-            R"({"name":"suite.name","claim":"what holds","outcome":"failed","milliseconds":0,)"
+            R"({"name":"suite.other","claim":"what is good","level":"advised",)"
+            R"("outcome":"failed","milliseconds":0,)"
             R"("differences":[{"where":"w","expected":"e","came":"c"}],"printed":"p"})"
             "\n"
-            R"(],"counts":{"ok":0,"failed":1,"crashed":0,"hung":0,"skipped":1}})"
+            R"(],"counts":{"warned":1,"ok":0,"failed":0,"crashed":0,"hung":0,"skipped":1}})"
             "\n");
 }
 
 TEST(ReportTest, SkippedIsGoodFailedIsNot) {
   Counts counts;
-  counts.add(Ending::OK);
-  counts.add(Ending::SKIPPED);
+  counts.add({&CHECK, {}, {}});
+  counts.add({&CHECK, {Ending::SKIPPED, "", {}, ""}, {}});
   EXPECT_TRUE(counts.allGood());
   for (const Ending bad : {Ending::FAILED, Ending::CRASHED, Ending::HUNG}) {
+    const verdict_t verdict = {bad, "", {}, ""};
     Counts worse = counts;
-    worse.add(bad);
+    worse.add({&CHECK, verdict, {}});
     EXPECT_FALSE(worse.allGood());
+    Counts warned = counts;
+    warned.add({&ADVISED_CHECK, verdict, {}, false});
+    EXPECT_TRUE(warned.allGood());
+    Counts strict = counts;
+    strict.add({&ADVISED_CHECK, verdict, {}, true});
+    EXPECT_FALSE(strict.allGood());
   }
 }
 

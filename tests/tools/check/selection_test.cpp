@@ -15,7 +15,8 @@ using tools::check::check_t;
 
 void nothing(tools::check::Trial&) {}
 
-const check_t CHECKS[] = {{"a.one", "", nothing}, {"a.two", "", nothing}, {"b.one", "", nothing}};
+const check_t CHECKS[] = {
+    {"a.one", "", "A", nothing}, {"a.two", "", "A", nothing}, {"b.one", "", "A", nothing}};
 
 using patterns_t = std::vector<std::string>;
 

@@ -148,16 +148,20 @@ void deepNesting(Trial& trial) {
 }
 
 const check_t BATCHES_CHECKS[] = {
-    {"batches.many", "of 5000 messages every good one arrives, in order", many, Use::LOAD_CODEC},
+    {"batches.many", "of 5000 messages every good one arrives, in order", "Batches", many,
+     Use::LOAD_CODEC},
     {"batches.forbidden-calls", "a batch asks for no log level and sets no user status",
-     forbiddenCalls, Use::LOAD_CODEC},
+     "What the host offers", forbiddenCalls, Use::LOAD_CODEC},
     {"batches.throwing-link", "a link that throws is reported, and the codec stays usable",
-     throwingLink},
-    {"batches.nothing-kept", "a batch leaves no trace in the next one", nothingKept, Use::LOAD_CODEC},
-    {"batches.own-handle", "a link gets the handle that was set with it", ownHandle},
+     "Batches", throwingLink},
+    {"batches.nothing-kept", "a batch leaves no trace in the next one", "Batches", nothingKept,
+     Use::LOAD_CODEC},
+    {"batches.own-handle", "a link gets the handle that was set with it", "Who owns what",
+     ownHandle},
     {"batches.throwing-transport-link", "a link that throws anything is reported at level 3",
-     throwingTransportLink},
-    {"batches.deep-nesting", "a payload of 200000 levels does not consume stack", deepNesting},
+     "Batches", throwingTransportLink},
+    {"batches.deep-nesting", "a payload of 200000 levels does not consume stack",
+     "Values and messages", deepNesting},
 };
 
 } // namespace

@@ -56,9 +56,9 @@ void mayVanish(Trial& trial) {
 
 const check_t CONFIGURATION_CHECKS[] = {
     {"configuration.left-untouched", "the caller's configuration stays the same, byte for byte",
-     leftUntouched},
+     "Who owns what", leftUntouched},
     {"configuration.may-vanish", "configuration and names may vanish when create has returned",
-     mayVanish, Use::LOAD_CODEC},
+     "Who owns what", mayVanish, Use::LOAD_CODEC},
 };
 
 } // namespace

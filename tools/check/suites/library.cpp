@@ -83,21 +83,21 @@ void callsHostFunctionsOnly(Trial& trial) {
 }
 
 const check_t LIBRARY_CHECKS[] = {
-    {"library.is-a-shared-object", "the file is a whole shared object for x86-64", readable,
-     Use::READ},
+    {"library.is-a-shared-object", "the file is a whole shared object for x86-64", "Two libraries",
+     readable, Use::READ},
     {"library.exports-the-twelve", "the exported names are the twelve entry points and no others",
-     exactExports, Use::READ},
-    {"library.exports-functions", "everything that is exported is a function", exportsAreFunctions,
-     Use::READ},
-    {"library.needs-the-client", "libtvclient.so.10.15 is named as needed", needsTheClientLibrary,
-     Use::READ},
+     "Two libraries", exactExports, Use::READ},
+    {"library.exports-functions", "everything that is exported is a function", "Two libraries",
+     exportsAreFunctions, Use::READ},
+    {"library.needs-the-client", "libtvclient.so.10.15 is named as needed", "Two libraries",
+     needsTheClientLibrary, Use::READ},
     {"library.needs-no-others", "beyond the client library, only common runtimes are needed",
-     needsNothingUnusual, Use::READ},
+     ADVISED_ONLY, needsNothingUnusual, Use::READ},
     {"library.has-no-run-path", "no path of a build machine decides which libraries are loaded",
-     noRunPath, Use::READ},
+     ADVISED_ONLY, noRunPath, Use::READ},
     {"library.asks-the-host-only",
      "of the host, only the fourteen functions of docs/host-interface.md are used",
-     callsHostFunctionsOnly, Use::READ},
+     "What the host offers", callsHostFunctionsOnly, Use::READ},
 };
 
 } // namespace

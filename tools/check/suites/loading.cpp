@@ -81,17 +81,20 @@ void livesAgain(Trial& trial) {
 }
 
 const check_t LOADING_CHECKS[] = {
-    {"loading.loads", "the library is loaded with all its symbols bound, and unloaded", loads},
-    {"loading.frees-its-blocks", "unloading gives back every block of the host", freesItsBlocks},
-    {"loading.leaves-the-process", "an unloaded library is no longer in the process",
+    {"loading.loads", "the library is loaded with all its symbols bound, and unloaded",
+     "Two libraries", loads},
+    {"loading.frees-its-blocks", "unloading gives back every block of the host", "Two libraries",
+     freesItsBlocks},
+    {"loading.leaves-the-process", "an unloaded library is no longer in the process", ADVISED_ONLY,
      leavesTheProcess},
-    {"loading.is-silent", "loading and unloading log and print nothing", isSilent},
+    {"loading.is-silent", "loading and unloading log and print nothing", "Two libraries", isSilent},
     {"loading.thousand-times",
-     "a thousand loads and unloads leave blocks and mappings as they were", thousandTimes},
+     "a thousand loads and unloads leave blocks and mappings as they were", "Two libraries",
+     thousandTimes},
     {"loading.heap-stays-level", "loading and unloading leak nothing of the C library's heap",
-     heapStaysLevelOverLoads},
+     "Two libraries", heapStaysLevelOverLoads},
     {"loading.lives-again", "a codec of a library loaded again works and leaves nothing",
-     livesAgain},
+     "Two libraries", livesAgain},
 };
 
 } // namespace

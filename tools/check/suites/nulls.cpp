@@ -109,13 +109,15 @@ void hostHandles(Trial& trial) {
 
 const check_t NULLS_CHECKS[] = {
     {"nulls.plugin", "every call with a null plug-in does nothing and returns 1, destroy 0",
-     plugin},
-    {"nulls.names", "null names read as empty ones", names, Use::LOAD_CODEC},
+     ADVISED_ONLY, plugin},
+    {"nulls.names", "null names read as empty ones", ADVISED_ONLY, names, Use::LOAD_CODEC},
     {"nulls.batch-function", "a null batch function is refused, and the link before it stays",
-     batchFunction},
-    {"nulls.empty-range", "an empty range of null pointers reaches the link", emptyRange},
-    {"nulls.link-handle", "a null handle is handed to the link like any other", linkHandle},
-    {"nulls.host-handles", "the host's two handles are never read", hostHandles},
+     ADVISED_ONLY, batchFunction},
+    {"nulls.empty-range", "an empty range of null pointers reaches the link", "Nulls", emptyRange},
+    {"nulls.link-handle", "a null handle is handed to the link like any other", "Nulls",
+     linkHandle},
+    {"nulls.host-handles", "the host's two handles are never read", "What the plug-in offers",
+     hostHandles},
 };
 
 } // namespace

@@ -150,8 +150,10 @@ void repeats(Trial& trial) {
 }
 
 const check_t RANDOM_CHECKS[] = {
-    {"random.batching", "batches make no difference to mixed and damaged notifications", batching, Use::LOAD_CODEC},
-    {"random.repeats", "the same messages give the same events and lines again", repeats, Use::LOAD_CODEC},
+    {"random.batching", "batches make no difference to mixed and damaged notifications", "Batches",
+     batching, Use::LOAD_CODEC},
+    {"random.repeats", "the same messages give the same events and lines again", "Batches", repeats,
+     Use::LOAD_CODEC},
 };
 
 } // namespace

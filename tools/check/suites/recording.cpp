@@ -206,8 +206,8 @@ void omits(Trial& trial) {
   recorder.end(trial);
   const recording_t recording = recordingIn(trial.folder());
   trial.equal("messages recorded", 2, recording.recorded);
-  trial.holds(recording.text.find("secret") == std::string::npos, "omitted text",
-              "not in the file", "in the file");
+  trial.holds(recording.text.find("secret") == std::string::npos, "omitted text", "not in the file",
+              "in the file");
 }
 
 void refusesWrongSettings(Trial& trial) {
@@ -239,25 +239,26 @@ void mayVanish(Trial& trial) {
 }
 
 const check_t RECORDING_CHECKS[] = {
-    {"recording.every-message", "each message of both directions is in the file", everyMessage,
-     Use::LOAD_RECORDER},
+    {"recording.every-message", "each message of both directions is in the file", "Recorders",
+     everyMessage, Use::LOAD_RECORDER},
     {"recording.under-pressure", "in a flood, seen is recorded, filtered and lost together",
-     underPressure, Use::LOAD_RECORDER},
-    {"recording.filters", "filtered messages are counted and not recorded", filters,
+     "Recorders", underPressure, Use::LOAD_RECORDER},
+    {"recording.filters", "filtered messages are counted and not recorded", "Recorders", filters,
      Use::LOAD_RECORDER},
-    {"recording.switched-off", "without its switch file, a recorder records nothing", switchedOff,
+    {"recording.switched-off", "without its switch file, a recorder records nothing", "Recorders",
+     switchedOff, Use::LOAD_RECORDER},
+    {"recording.bound", "the files stay below the configured size at any time", "Recorders",
+     staysBelowItsBound, Use::LOAD_RECORDER},
+    {"recording.own-files", "two recorders of the same names have files of their own", "Recorders",
+     ownFiles, Use::LOAD_RECORDER},
+    {"recording.lost-folder", "messages pass when the folder vanishes", "Recorders", lostFolder,
      Use::LOAD_RECORDER},
-    {"recording.bound", "the files stay below the configured size at any time", staysBelowItsBound,
+    {"recording.omits", "an omitted text does not reach the disk", "Recorders", omits,
      Use::LOAD_RECORDER},
-    {"recording.own-files", "two recorders of the same names have files of their own", ownFiles,
-     Use::LOAD_RECORDER},
-    {"recording.lost-folder", "messages pass when the folder vanishes", lostFolder,
-     Use::LOAD_RECORDER},
-    {"recording.omits", "an omitted text does not reach the disk", omits, Use::LOAD_RECORDER},
-    {"recording.refuses", "wrong settings are refused with one line of the log",
+    {"recording.refuses", "wrong settings are refused with one line of the log", "Recorders",
      refusesWrongSettings, Use::LOAD_RECORDER},
     {"recording.may-vanish", "configuration and names may vanish when create has returned",
-     mayVanish, Use::LOAD_RECORDER},
+     "Recorders", mayVanish, Use::LOAD_RECORDER},
 };
 
 } // namespace

@@ -122,12 +122,14 @@ void handedOver(Trial& trial) {
 }
 
 const check_t THREADS_CHECKS[] = {
-    {"threads.two-codecs", "two codecs in two threads do not disturb each other", twoCodecs},
-    {"threads.one-codec", "one codec serves two threads with messages of their own", oneCodec},
+    {"threads.two-codecs", "two codecs in two threads do not disturb each other", "Threads",
+     twoCodecs},
+    {"threads.one-codec", "one codec serves two threads with messages of their own", "Threads",
+     oneCodec},
     {"threads.create-and-destroy", "codecs are made and destroyed in two threads at once",
-     createAndDestroy},
+     "Threads", createAndDestroy},
     {"threads.handed-over", "a codec may be started, used and destroyed by different threads",
-     handedOver},
+     "Threads", handedOver},
 };
 
 } // namespace

@@ -37,12 +37,14 @@ void markDoesNothing(Trial& trial) {
 }
 
 const check_t VERSIONS_CHECKS[] = {
-    {"versions.interface", "the interface version is 4, before any codec is made", apiVersion},
-    {"versions.product", "the product version is 10.15.4.1, before any codec is made",
+    {"versions.interface", "the interface version is 4, before any codec is made", "Versions",
+     apiVersion},
+    {"versions.product", "the product version is 10.15.4.1, before any codec is made", "Versions",
      productVersion},
     {"versions.product-text-stays", "the string of the product version is static",
-     productVersionIsStatic},
-    {"versions.call-no-host", "versions and codec mark call no host function", markDoesNothing},
+     "What the plug-in offers", productVersionIsStatic},
+    {"versions.call-no-host", "versions and codec mark call no host function", "Versions",
+     markDoesNothing},
 };
 
 } // namespace
