@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 
 #include "ndjson/utf8.hpp"
 
@@ -109,8 +110,30 @@ void JsonMemory::integer(std::int64_t content) noexcept {
   if (hasRoom(LONGEST)) at_ = std::to_chars(at_, at_ + LONGEST, content).ptr;
 }
 
+// A decimal m / 1000 reads as the quotient of the two, which the division gives, since both are
+// exact; and no two decimals of 15 digits read as the same double.
+bool JsonMemory::shortReal(double content) noexcept {
+  const double magnitude = std::abs(content);
+  if (!(magnitude < 1e12) || (content == 0 && std::signbit(content))) return false;
+  const auto thousandths = static_cast<std::int64_t>(magnitude * 1000 + 0.5);
+  if (static_cast<double>(thousandths) / 1000 != magnitude) return false;
+  const std::int64_t whole = thousandths / 1000;
+  if (whole != 0 && thousandths % 100'000'000 == 0) return false; // 1e+05 is shorter
+  if (!hasRoom(20)) return true;
+  if (content < 0) *at_++ = '-';
+  integer(whole);
+  *at_++ = '.';
+  auto decimals = static_cast<unsigned>(thousandths % 1000);
+  do {
+    *at_++ = static_cast<char>('0' + decimals / 100);
+    decimals = decimals % 100 * 10;
+  } while (decimals != 0);
+  return true;
+}
+
 // The C++ library's own conversion would be the shortest, but it is one of GCC 11.
 void JsonMemory::real(double content) noexcept {
+  if (shortReal(content)) return;
   if (hasRoom(32)) at_ = rapidjson::internal::dtoa(content, at_);
 }
 

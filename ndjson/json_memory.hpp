@@ -38,15 +38,17 @@ class JsonMemory {
   void put(char c) noexcept {
     if (hasRoom(1)) *at_++ = c;
   }
-  // JSON as it is, a literal.
-  template <std::size_t SIZE>
-  void raw(const char (&json)[SIZE]) noexcept {
-    if (!hasRoom(SIZE - 1)) return;
-    std::memcpy(at_, json, SIZE - 1);
-    at_ += SIZE - 1;
+  // JSON as it is.
+  void raw(std::string_view json) noexcept {
+    if (!hasRoom(json.size())) return;
+    std::memcpy(at_, json.data(), json.size());
+    at_ += json.size();
   }
 
   void integer(std::int64_t content) noexcept;
+  // A number with at most 3 decimals and 15 digits, as most times and readings are, in the shortest
+  // form. False, and nothing is written, for any other one.
+  [[nodiscard]] bool shortReal(double content) noexcept;
   // A finite number, with a fraction or an exponent, in at most 17 digits that read back as the
   // same bits.
   void real(double content) noexcept;

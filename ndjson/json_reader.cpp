@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ndjson/json_text.hpp"
@@ -126,30 +127,34 @@ Message JsonReader::Parser::readMessage(ondemand::document& document) {
   data_t payload;
   data_t metadata = map_t();
   remark_ = {};
-  std::vector<std::string> names;
+  bool has_payload = false;
+  bool has_metadata = false;
+  bool has_remark = false;
+  bool is_first = true;
   for (auto member : object) {
     ondemand::field field = require(std::move(member));
     const char* const place = field.key().raw() - 1;
     const std::string_view name = unescaped(field.unescaped_key(), place);
-    if (std::find(names.begin(), names.end(), name) != names.end()) {
-      refuseRepeated(name, place);
-    }
-    names.emplace_back(name);
-    if (name == "payload") {
+    const auto is_new = [&](bool& is_present) {
+      if (std::exchange(is_present, true)) refuseRepeated(name, place);
+      return true;
+    };
+    if (name == "payload" && is_new(has_payload)) {
       payload = read(field.value(), 0);
-    } else if (name == "metadata") {
+    } else if (name == "metadata" && is_new(has_metadata)) {
       metadata = readMetadata(field.value());
-    } else if (name == "recorded" && names.size() == 1) {
+    } else if (name == "recorded" && is_first) {
       // The look at the text checks it, so that the library may skip it.
       if (!recordedIn(padded_))
         throw MalformedJson(R"(malformed member "recorded")", columnOf(place));
       is_recorded_ = true;
-    } else if (name == "dropped") {
+    } else if (name == "dropped" && is_new(has_remark)) {
       static_cast<void>(read(field.value(), 0));
       remark_ = memberAt(place, require(document.current_location()));
     } else {
       refuseMember(name, place);
     }
+    is_first = false;
   }
   requireEnd(document);
   return Message(std::move(payload), std::move(metadata.get<map_t>()));

@@ -1,48 +1,34 @@
 #include "ndjson/json_text.hpp"
 
-#include <array>
 #include <cstddef>
 
+#include "ndjson/json_memory.hpp"
 #include "ndjson/utf8.hpp"
 
 namespace com::velanto::connectivity {
 
-namespace {
-
-void appendEscaped(std::string& out, char c) {
-  constexpr std::array<char, 17> DIGITS = {"0123456789abcdef"};
-  const auto code = static_cast<unsigned char>(c);
-  if (c == '"' || c == '\\') {
-    out += '\\';
-    out += c;
-  } else if (c == '\n') {
-    out += "\\n";
-  } else if (code < 0x20) {
-    out += "\\u00";
-    out += DIGITS[code >> 4U];
-    out += DIGITS[code & 15U];
-  } else {
-    out += c;
-  }
-}
-
-} // namespace
-
-void appendJsonText(std::string& out, std::string_view text) {
-  out += '"';
-  for (std::size_t i = 0; i < text.size();) {
-    const std::size_t length = lengthOfCharacter(text.substr(i));
+std::string asUtf8(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    const std::size_t length = lengthOfCharacter(text);
     if (length == 0) {
-      out += "\xEF\xBF\xBD";
-      ++i;
-    } else if (length == 1) {
-      appendEscaped(out, text[i++]);
+      result += "\xEF\xBF\xBD";
+      text.remove_prefix(1);
     } else {
-      out += text.substr(i, length);
-      i += length;
+      result += text.substr(0, length);
+      text.remove_prefix(length);
     }
   }
-  out += '"';
+  return result;
+}
+
+void appendJsonText(std::string& out, std::string_view text) {
+  const std::size_t begin = out.size();
+  out.resize(begin + 6 * text.size() + 2 + JsonMemory::SLACK); // room for only escapes
+  JsonMemory memory(&out[begin], out.data() + out.size());
+  const bool is_utf8 = memory.text(text);
+  out.resize(static_cast<std::size_t>(memory.position() - out.data()));
+  if (!is_utf8) appendJsonText(out, asUtf8(text));
 }
 
 } // namespace com::velanto::connectivity

@@ -1,4 +1,4 @@
-// The tool's own strings in JSON that it writes.
+// The tools' own strings in JSON that they write.
 #ifndef VLT_NDJSON_JSON_TEXT_HPP
 #define VLT_NDJSON_JSON_TEXT_HPP
 
@@ -7,8 +7,10 @@
 
 namespace com::velanto::connectivity {
 
-// Appends `text` in quotes, escaped. A byte that is not part of UTF-8 becomes U+FFFD, so that any
-// reader accepts the result.
+// `text` with U+FFFD in place of each byte that is not part of UTF-8.
+[[nodiscard]] std::string asUtf8(std::string_view text);
+
+// Appends asUtf8(text) in quotes, escaped, so that any reader accepts the result.
 void appendJsonText(std::string& out, std::string_view text);
 
 } // namespace com::velanto::connectivity

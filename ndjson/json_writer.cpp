@@ -1,49 +1,45 @@
 #include "ndjson/json_writer.hpp"
 
-#include <rapidjson/writer.h>
-
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
-#include <variant>
 #include <vector>
 
+#include "ndjson/json_memory.hpp"
+#include "ndjson/json_text.hpp"
 #include "value/get_visitor.hpp"
+#include "value/map_slot.hpp"
 #include "value/to_string.hpp"
 
 namespace com::velanto::connectivity {
 
 namespace {
 
-// The target of the library's writer, with the names that it asks for.
-class Output {
- public:
-  using Ch = char;
-  explicit Output(std::string& out) noexcept : out_(out) {}
-  void Put(char c) { out_.push_back(c); }
-  void Flush() noexcept {}
-
- private:
-  std::string& out_;
+// An open list or map: its next part, and the number of elements or slots from there on.
+struct open_t {
+  bool is_map;
+  union {
+    const data_t* element;
+    const map_slot_t* slot;
+  };
+  std::size_t left;
 };
 
-// An open list or map, and its next part.
-struct open_list_t {
-  const list_t* list;
-  std::size_t next;
-};
-struct open_map_t {
-  const map_t* map;
-  map_t::const_iterator next;
-};
-
-// Goes through a value without recursion: open containers wait on a stack.
+// Goes through a value without recursion: open containers wait on a stack. The string is longer
+// than the JSON in the meantime.
 class ValueWriter {
  public:
-  explicit ValueWriter(std::string& out) : output_(out), writer_(output_) {}
+  explicit ValueWriter(std::string& out) : string_(out), begin_(out.size()) {
+    open_.reserve(16);
+    grow(begin_);
+  }
+  ValueWriter(const ValueWriter&) = delete;
+  ValueWriter& operator=(const ValueWriter&) = delete;
+  ~ValueWriter() { string_.resize(size()); }
 
   void write(const data_t& value) {
     begin(value);
@@ -52,105 +48,130 @@ class ValueWriter {
   void write(const Message& message);
 
  private:
-  void begin(const data_t& value);
-  void begin(const map_t& map) {
-    writer_.StartObject();
-    open_.emplace_back(open_map_t{&map, map.begin()});
+  [[nodiscard]] std::size_t size() const {
+    return static_cast<std::size_t>(out_.position() - string_.data());
   }
-  void finish() {
-    while (!open_.empty()) std::visit([this](auto& top) { proceed(top); }, open_.back());
+  // Doubles the room for the JSON, of which `size` bytes of the string are left.
+  void grow(std::size_t size) {
+    string_.resize(size + std::max<std::size_t>(512, 2 * (string_.size() - begin_)));
+    out_ = JsonMemory(&string_[size], string_.data() + string_.size());
   }
-  void proceed(open_list_t& top);
-  void proceed(open_map_t& top);
-  void writeName(const data_t& key);
-  void writeDouble(double content);
-  void writeText(std::string_view text) {
-    writer_.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+  // Calls `write` until all that it writes to out_ fits.
+  template <class Write>
+  void put(const Write& write) {
+    const std::size_t before = size();
+    for (write(); out_.isFull(); write()) grow(before);
+  }
+  void put(char c) {
+    put([&] { out_.put(c); });
   }
 
-  Output output_;
-  rapidjson::Writer<Output> writer_;
-  std::vector<std::variant<open_list_t, open_map_t>> open_;
+  void begin(const data_t& value);
+  void begin(const map_t& map);
+  void finish();
+  void writeEntry(const map_slot_t& slot);
+  void writeText(std::string_view text);
+  void writeDouble(double content);
+
+  std::string& string_;
+  std::size_t begin_;
+  JsonMemory out_;
+  std::vector<open_t> open_;
 };
 
 void ValueWriter::write(const Message& message) {
-  writer_.StartObject();
-  writer_.Key("metadata");
+  put([&] { out_.raw("{\"metadata\":"); });
   begin(message.getMetadataMap());
   finish();
   if (!message.getPayload().empty()) {
-    writer_.Key("payload");
+    put([&] { out_.raw(",\"payload\":"); });
     write(message.getPayload());
   }
-  writer_.EndObject();
+  put('}');
 }
 
 // Writes a scalar, opens a container.
 void ValueWriter::begin(const data_t& value) {
+  const vlt_underlying_content_t& content = value.underlying()->value;
   switch (value.type_tag()) {
     case VLT_TAG_EMPTY:
-      writer_.Null();
-      break;
+      return put([&] { out_.raw("null"); });
     case VLT_TAG_BOOLEAN:
-      writer_.Bool(value.get<bool>());
-      break;
+      return put([&] { is_true(content.boolean) ? out_.raw("true") : out_.raw("false"); });
     case VLT_TAG_DOUBLE:
-      writeDouble(value.get<double>());
-      break;
+      return writeDouble(content.real);
     case VLT_TAG_INTEGER:
-      writer_.Int64(value.get<std::int64_t>());
-      break;
+      return put([&] { out_.integer(content.integer); });
     case VLT_TAG_STRING:
     case VLT_TAG_BORROWED_STRING:
-      writeText(text_or_empty(value.get<const char*>()));
-      break;
-    case VLT_TAG_LIST:
-      writer_.StartArray();
-      open_.emplace_back(open_list_t{&value.get<list_t>(), 0});
-      break;
+      return writeText(text_or_empty(content.string));
+    case VLT_TAG_LIST: {
+      const std::span<const data_t> elements = elements_of(content.list);
+      put('[');
+      open_.push_back({.is_map = false, .element = elements.data(), .left = elements.size()});
+      return;
+    }
     case VLT_TAG_MAP:
-      begin(value.get<map_t>());
-      break;
+      return begin(value.get<map_t>());
     default:
       writeText(to_string(value));
   }
 }
 
-// Writes the next element or closes the list. Move the place on first: opening the element may move
-// the stack.
-void ValueWriter::proceed(open_list_t& top) {
-  if (top.next == top.list->size()) {
-    writer_.EndArray();
-    open_.pop_back();
-    return;
-  }
-  begin((*top.list)[top.next++]);
+void ValueWriter::begin(const map_t& map) {
+  const std::span<const map_slot_t> slots = slots_of(map.table());
+  put('{');
+  open_.push_back({.is_map = true, .slot = slots.data(), .left = slots.size()});
 }
 
-// The same for the next entry of a map.
-void ValueWriter::proceed(open_map_t& top) {
-  if (top.next == top.map->end()) {
-    writer_.EndObject();
-    open_.pop_back();
-    return;
+// Moves the place on first: opening the next value may move the stack.
+void ValueWriter::finish() {
+  while (!open_.empty()) {
+    open_t& top = open_.back();
+    while (top.is_map && top.left > 0 && top.slot->is_vacant()) {
+      ++top.slot;
+      --top.left;
+    }
+    if (top.left == 0) {
+      put(top.is_map ? '}' : ']');
+      open_.pop_back();
+      continue;
+    }
+    --top.left;
+    if (out_.last() != (top.is_map ? '{' : '[')) put(',');
+    top.is_map ? writeEntry(*top.slot++) : begin(*top.element++);
   }
-  const map_t::const_pair entry = *top.next;
-  ++top.next;
-  writeName(entry.first);
-  begin(entry.second);
 }
 
-void ValueWriter::writeName(const data_t& key) {
-  writeText(key.is_string() ? text_or_empty(key.get<const char*>()) : to_string(key));
+void ValueWriter::writeEntry(const map_slot_t& slot) {
+  if (slot.key.is_string()) {
+    writeText(text_or_empty(slot.key.underlying()->value.string));
+  } else {
+    writeText(to_string(slot.key));
+  }
+  put(':');
+  begin(slot.value);
+}
+
+void ValueWriter::writeText(std::string_view text) {
+  bool is_utf8 = true;
+  put([&] { is_utf8 = out_.text(text); });
+  if (!is_utf8) writeText(asUtf8(text));
 }
 
 void ValueWriter::writeDouble(double content) {
-  std::array<char, 32> buffer{}; // the longest shortest form has 24 characters
-  const std::to_chars_result end = std::to_chars(buffer.begin(), buffer.end(), content);
-  std::string text(buffer.begin(), end.ptr);
+  bool is_short = true;
+  put([&] { is_short = out_.shortReal(content); });
+  if (is_short) return;
+  std::array<char, 32> digits{}; // the longest shortest form has 24 characters
+  const std::to_chars_result end = std::to_chars(digits.begin(), digits.end(), content);
+  const std::string_view text(digits.begin(), static_cast<std::size_t>(end.ptr - digits.begin()));
   if (!std::isfinite(content)) return writeText(text);
-  if (text.find_first_of(".e") == std::string::npos) text += ".0";
-  writer_.RawValue(text.data(), text.size(), rapidjson::kNumberType);
+  const bool is_integer = text.find_first_of(".e") == std::string_view::npos;
+  put([&] {
+    out_.raw(text);
+    if (is_integer) out_.raw(".0");
+  });
 }
 
 } // namespace

@@ -60,8 +60,7 @@ const char* reasonOf(simdjson::error_code error) noexcept {
   }
 }
 
-void check(simdjson::error_code error) {
-  if (error == simdjson::SUCCESS) return;
+void refuse(simdjson::error_code error) {
   if (error == simdjson::MEMALLOC) throw std::bad_alloc();
   throw MalformedJson(reasonOf(error));
 }

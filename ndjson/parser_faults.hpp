@@ -12,8 +12,12 @@ namespace com::velanto::connectivity {
 
 [[nodiscard]] const char* reasonOf(simdjson::error_code error) noexcept;
 
-// Throws MalformedJson without a column unless `error` is none; std::bad_alloc.
-void check(simdjson::error_code error);
+// Throws MalformedJson without a column, std::bad_alloc.
+[[noreturn]] void refuse(simdjson::error_code error);
+
+inline void check(simdjson::error_code error) {
+  if (error != simdjson::SUCCESS) refuse(error);
+}
 
 template <class T>
 T require(simdjson::simdjson_result<T> result) {
