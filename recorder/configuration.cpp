@@ -117,11 +117,11 @@ std::string asName(std::string text) {
 template <class Words, class WordOf>
 unsigned readBits(Settings& settings, const char* key, const Words& words, const WordOf& word_of) {
   std::string needed = "a list of";
-  for (const auto& word : words) needed += std::string(" '") + word_of(word) + "'";
+  for (const auto& word : words) needed += " '" + std::string(word_of(word)) + "'";
   unsigned bits = 0;
   settings.list(key, needed, [&](const char* name) {
     for (std::size_t i = 0; i < words.size(); ++i) {
-      if (std::strcmp(name, word_of(words[i])) != 0) continue;
+      if (name != word_of(words[i])) continue;
       bits |= 1U << i;
       return true;
     }
@@ -165,7 +165,7 @@ configuration_t readConfiguration(const map_t& settings, const std::string& plug
   read.stop_after_messages = reader.integer("stopAfterMessages", 0, ANY);
   read.stop_after_seconds = reader.integer("stopAfterSeconds", 0, 1000000000);
   read.directions =
-      readBits(reader, "directions", DIRECTIONS, [](const char* word) { return word; });
+      readBits(reader, "directions", DIRECTIONS, [](std::string_view word) { return word; });
   if (read.directions == 0) read.directions = 3;
   read.kinds = readBits(reader, "kinds", KINDS, [](const kind_t& kind) { return kind.word; });
   read.path_prefix = reader.text("pathPrefix", "");

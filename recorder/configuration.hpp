@@ -23,6 +23,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "ndjson/field_set.hpp"
 #include "value/map_t.hpp"
@@ -30,12 +31,12 @@
 namespace com::velanto::connectivity::recorder {
 
 enum class Direction : unsigned { HOST, TRANSPORT };
-inline constexpr std::array<const char*, 2> DIRECTIONS = {"host", "transport"};
+inline constexpr std::array<std::string_view, 2> DIRECTIONS = {"host", "transport"};
 
 // A kind of notification, by the word in its path, and the type of the event made from it.
 struct kind_t {
-  const char* word;
-  const char* type;
+  std::string_view word;
+  std::string_view type;
 };
 inline constexpr std::array<kind_t, 5> KINDS = {{
     {"alarms", "com.tivra.ostrovia.Alarm"},

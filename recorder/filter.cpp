@@ -1,5 +1,6 @@
 #include "recorder/filter.hpp"
 
+#include <cstring>
 #include <limits>
 #include <string_view>
 
@@ -12,33 +13,23 @@ namespace {
 
 // The string under a key, or null. Compares the keys one by one: metadata has few entries, and to
 // hash a string is a call of the host.
-const char* textUnder(const map_t& metadata, std::string_view key) noexcept {
+const char* textUnder(const map_t& metadata, const char* key) noexcept {
   for (const map_slot_t& slot : slots_of(metadata.table())) {
     if (slot.key.type_tag() != VLT_TAG_STRING) continue;
-    if (text_or_empty(*slot.key.get_if<const char*>()) != key) continue;
+    if (std::strcmp(text_or_empty(*slot.key.get_if<const char*>()), key) != 0) continue;
     return slot.value.is_string() ? text_or_empty(*slot.value.get_if<const char*>()) : nullptr;
   }
   return nullptr;
 }
 
-// The rest after the first '/'; empty without one.
-std::string_view afterFirstSlash(std::string_view path) noexcept {
-  const std::size_t slash = path.find('/');
-  return slash == std::string_view::npos ? "" : path.substr(slash + 1);
+bool startsWith(const char* text, std::string_view begin) noexcept {
+  return std::strncmp(text, begin.data(), begin.size()) == 0;
 }
 
-// The bit of the message's kind; 0 when it has none. The word begins the segment after the second
-// slash.
-unsigned kindOf(const Message& message, const char* path) noexcept {
-  const char* const type = path == nullptr ? textUnder(message.getMetadataMap(), "vlt.type") : "";
-  const std::string_view word =
-      path == nullptr ? "" : afterFirstSlash(afterFirstSlash(std::string_view(path)));
-  for (std::size_t i = 0; i < KINDS.size(); ++i) {
-    const bool is_it = path == nullptr ? std::string_view(text_or_empty(type)) == KINDS[i].type
-                                       : word.starts_with(KINDS[i].word);
-    if (is_it) return 1U << i;
-  }
-  return 0;
+// The rest after the first '/'; empty without one.
+const char* afterSlash(const char* path) noexcept {
+  const char* const slash = std::strchr(path, '/');
+  return slash == nullptr ? "" : slash + 1;
 }
 
 // Spreads the bits of a number over all of the result (the finaliser of splitmix64).
@@ -64,12 +55,27 @@ bool Filter::takesBatch(std::uint64_t number) const noexcept {
 
 bool Filter::takes(const Message& message) const noexcept {
   if (takesAllMessages()) return true;
-  const char* const path = textUnder(message.getMetadataMap(), "pulsarPath");
-  if (!path_prefix_.empty() &&
-      (path == nullptr || !std::string_view(path).starts_with(path_prefix_))) {
-    return false;
+  const map_t& metadata = message.getMetadataMap();
+  if (const char* const path = textUnder(metadata, "pulsarPath")) return takesPath(path);
+  return path_prefix_.empty() && takesType(text_or_empty(textUnder(metadata, "vlt.type")));
+}
+
+// The kind's word begins the segment after the second slash.
+bool Filter::takesPath(const char* path) const noexcept {
+  if (!startsWith(path, path_prefix_)) return false;
+  if (kinds_ == 0) return true;
+  const char* const segment = afterSlash(afterSlash(path));
+  for (std::size_t i = 0; i < KINDS.size(); ++i) {
+    if ((kinds_ & 1U << i) != 0 && startsWith(segment, KINDS[i].word)) return true;
   }
-  return kinds_ == 0 || (kinds_ & kindOf(message, path)) != 0;
+  return false;
+}
+
+bool Filter::takesType(const char* type) const noexcept {
+  for (std::size_t i = 0; i < KINDS.size(); ++i) {
+    if ((kinds_ & 1U << i) != 0 && type == KINDS[i].type) return true;
+  }
+  return false;
 }
 
 } // namespace com::velanto::connectivity::recorder

@@ -31,6 +31,9 @@ class Filter {
   [[nodiscard]] bool takes(const Message& message) const noexcept;
 
  private:
+  [[nodiscard]] bool takesPath(const char* path) const noexcept;
+  [[nodiscard]] bool takesType(const char* type) const noexcept;
+
   unsigned directions_;
   unsigned kinds_;
   std::string path_prefix_;
