@@ -10,6 +10,7 @@
 #include "plugin/entry_points.hpp"
 #include "tests/recorder/recorder_fixture.hpp"
 #include "tests/support/allocations.hpp"
+#include "tests/support/failing_allocations.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {
@@ -194,6 +195,30 @@ TEST_F(RecorderTest, RecordingNeitherAllocatesNorCallsTheHost) {
   EXPECT_EQ(standin_calls_total(), 0);
   recorder->shutdown();
   EXPECT_THAT(folder_.messages(), SizeIs(2));
+}
+
+TEST_F(RecorderTest, CreationWithoutMemoryLeavesNothing) {
+  const map_t settings =
+      mapOf("recordingFolder", text(folder_.path().c_str()), "kinds", listOf(text("alarms")), "omit",
+            listOf(text("payload.text")), "whenFull", text("stop"));
+  makeNamed("before", settings); // what is made once for the process
+  const auto check = [&, held = allocationsHeld()] {
+    EXPECT_EQ(allocationsHeld(), held);
+  };
+  EXPECT_GT(failEachAllocation([&] { makeNamed("before", settings); }, check), 5U);
+  for (std::uint64_t n = 1, refused = 1; refused != 0; ++n) {
+    failAllocation(n, false);
+    bool threw = false;
+    try {
+      makeNamed("before", settings);
+    } catch (const std::bad_alloc&) {
+      threw = true;
+    }
+    refused = refusedAllocations();
+    failAllocation(0, false);
+    EXPECT_EQ(threw, refused != 0) << "allocation " << n;
+    check();
+  }
 }
 
 // ---- sessions

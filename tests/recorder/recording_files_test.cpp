@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tests/recorder/recorder_fixture.hpp"
+#include "tests/support/allocations.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {
@@ -196,6 +197,23 @@ TEST_F(RecordingFilesTest, FullDiskLeavesWholeLinesAndAGap) {
   ASSERT_THAT(lines, SizeIs(7));
   EXPECT_EQ(lines[4], R"({"recording":{"gap":{"first":4,"last":5,"lost":2,"reason":"disk"}}})");
   EXPECT_EQ(folder_.counts(), (recorder::counts_t{6, 4, 0, 2}));
+}
+
+TEST_F(RecordingFilesTest, WithoutMemoryLinesAreLostAndCounted) {
+  for (std::uint64_t n = 1, refused = 1; refused != 0; ++n) {
+    RecordingFiles files = make();
+    const std::string text = lines(300, 5000); // two files
+    failAllocation(n, false);
+    try {
+      EXPECT_TRUE(files.write(text));
+    } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch): the counts tell
+    }
+    refused = refusedAllocations();
+    failAllocation(0, false);
+    EXPECT_EQ(files.recorded() + files.lost(), 300U) << "allocation " << n;
+    EXPECT_TRUE(files.write(line(100)));
+    EXPECT_EQ(files.recorded() + files.lost(), 301U) << "allocation " << n;
+  }
 }
 
 TEST_F(RecordingFilesTest, NoFileIsLeftWithoutItsHead) {
