@@ -190,8 +190,9 @@ void WriterThread::reportRecovery() noexcept {
 void WriterThread::reportFull() noexcept {
   is_full_ = true;
   buffer_.end(State::CLOSED);
-  logger_.log(FAILURE_LEVEL, "Recording has ended: %s has all files that maxFiles allows",
-              files_.path().c_str());
+  logger_.log(FAILURE_LEVEL, "%s",
+              "Recording has ended: its files have reached the bound of maxFiles and "
+              "maxFileMebibytes. Messages pass on and are not recorded");
 }
 
 void WriterThread::reportStatus() noexcept {

@@ -355,9 +355,9 @@ TEST_F(RecorderTest, StoppedRecordingLosesTheRest) {
   for (int i = 0; i < 20; ++i) send(*recorder, event(large.c_str()));
   std::vector<log_line_t> log;
   waitUntil([&] { return !(log = takeLog()).empty(); });
-  EXPECT_THAT(log, ElementsAre(line("Recording has ended: " + folder_.path().string() +
-                                    "/before-site.000001.ndjson has all files that maxFiles "
-                                    "allows")));
+  EXPECT_THAT(log, ElementsAre(line(
+                       "Recording has ended: its files have reached the bound of maxFiles and "
+                       "maxFileMebibytes. Messages pass on and are not recorded")));
   send(*recorder, event("late"));
   recorder->shutdown();
   EXPECT_THAT(folder_.messages(), SizeIs(10));
