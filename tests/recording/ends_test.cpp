@@ -2,18 +2,16 @@
 // unloaded library. Messages pass, and the files keep the law of their numbers.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 
 #include <chrono>
-#include <fstream>
 #include <memory>
 #include <thread>
 
 #include "tests/recording/chain.hpp"
 #include "tests/recording/child.hpp"
 #include "tests/recording/recording.hpp"
+#include "tests/recording/small_disk.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/plugin_library.hpp"
 #include "tests/tools/temporary_folder.hpp"
@@ -120,25 +118,10 @@ TEST_F(RecordingEnds, LimitOfFileSizesCostsRecordsOnly) {
   EXPECT_EQ(files.back().foot->recorded, recordsIn(files));
 }
 
-// Mounts a small disk that this process alone sees; false where the system does not allow that. A
-// user other than root needs a name space in which to be root.
-bool mountedSmallDisk(const std::string& folder) {
-  const std::string user = "0 " + std::to_string(geteuid()) + " 1";
-  const std::string group = "0 " + std::to_string(getegid()) + " 1";
-  if (unshare(CLONE_NEWNS) != 0) {
-    if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
-    std::ofstream("/proc/self/setgroups") << "deny";
-    std::ofstream("/proc/self/uid_map") << user;
-    std::ofstream("/proc/self/gid_map") << group;
-  }
-  return mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-         mount("recording", folder.c_str(), "tmpfs", 0, "size=300k") == 0;
-}
-
 TEST_F(RecordingEnds, FullDiskCostsRecordsOnly) {
   constexpr int NO_DISK = 77;
   const int end = inChild([this] {
-    if (!mountedSmallDisk(folder_.path(""))) return NO_DISK;
+    if (!mountedSmallDisk(folder_.path(""), "300k")) return NO_DISK;
     LoneRecorder recorder(settings());
     bool worked = true;
     for (int i = 0; i < 20; ++i) {
