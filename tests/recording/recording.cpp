@@ -78,7 +78,10 @@ class Follower {
       }
       last_ = numbers.last;
     }
-    return file.foot ? judge(*file.foot) : "";
+    if (!file.foot) return "";
+    const std::string breach = judge(*file.foot);
+    if (!file.foot->next) last_ = -1; // another recorder, or this one switched on again
+    return breach;
   }
 
  private:

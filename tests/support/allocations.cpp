@@ -27,11 +27,31 @@ bool countAndRefuse() noexcept {
   return true;
 }
 
+// The same for all threads but the one that has asked.
+thread_local bool asks_elsewhere = false;
+std::atomic<std::uint64_t> left_elsewhere{0};
+std::atomic<bool> all_after_elsewhere{false};
+std::atomic<std::uint64_t> refused_elsewhere{0};
+
+bool countAndRefuseElsewhere() noexcept {
+  if (asks_elsewhere) return false;
+  std::uint64_t before = left_elsewhere;
+  while (before > 0) {
+    const std::uint64_t after = before == 1 && all_after_elsewhere ? 1 : before - 1;
+    if (left_elsewhere.compare_exchange_weak(before, after)) break;
+  }
+  if (before != 1) return false;
+  ++refused_elsewhere;
+  return true;
+}
+
 } // namespace
 
 // Null when refused or exhausted. Not in the unnamed namespace: the operators are global.
 static void* take(std::size_t size) noexcept {
-  void* const memory = refusing || countAndRefuse() ? nullptr : std::malloc(size == 0 ? 1 : size);
+  void* const memory = refusing || countAndRefuse() || countAndRefuseElsewhere()
+                           ? nullptr
+                           : std::malloc(size == 0 ? 1 : size);
   if (memory != nullptr) {
     ++made;
     ++held;
@@ -57,8 +77,20 @@ void failAllocation(std::uint64_t n, bool all_after) noexcept {
 }
 std::uint64_t refusedAllocations() noexcept { return refused; }
 
-UncountedAllocations::UncountedAllocations() noexcept : left_(std::exchange(left, 0)) {}
-UncountedAllocations::~UncountedAllocations() { left = left_; }
+void failAllocationElsewhere(std::uint64_t n, bool all_after) noexcept {
+  asks_elsewhere = n > 0;
+  all_after_elsewhere = all_after;
+  if (n > 0) refused_elsewhere = 0;
+  left_elsewhere = n;
+}
+std::uint64_t refusedElsewhere() noexcept { return refused_elsewhere; }
+
+UncountedAllocations::UncountedAllocations() noexcept
+    : left_(std::exchange(left, 0)), asks_(std::exchange(asks_elsewhere, true)) {}
+UncountedAllocations::~UncountedAllocations() {
+  left = left_;
+  asks_elsewhere = asks_;
+}
 
 } // namespace com::velanto::connectivity::test
 

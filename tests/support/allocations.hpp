@@ -27,7 +27,11 @@ void failAllocation(std::uint64_t n, bool all_after) noexcept;
 // Allocations refused on this thread since the last request with an n above 0.
 [[nodiscard]] std::uint64_t refusedAllocations() noexcept;
 
-// While it lives, failAllocation neither counts nor refuses on this thread: for notes in the middle
+// The same for all other threads together.
+void failAllocationElsewhere(std::uint64_t n, bool all_after) noexcept;
+[[nodiscard]] std::uint64_t refusedElsewhere() noexcept;
+
+// While it lives, neither of the two counts or refuses on this thread: for notes in the middle
 // of a test.
 class UncountedAllocations {
  public:
@@ -38,6 +42,7 @@ class UncountedAllocations {
 
  private:
   std::uint64_t left_;
+  bool asks_;
 };
 
 } // namespace com::velanto::connectivity::test
