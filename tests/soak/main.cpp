@@ -1,6 +1,6 @@
-// ostrovia-soak: a plug-in's long life, run by ./dev soak and, for seconds, by the tests.
+// ostrovia-soak: the long life of a codec and two recorders, run by ./dev soak and, for seconds, by the tests.
 //
-//   ostrovia-soak SECONDS PLUGIN FILE…   FILE: recorded messages, good ones and bad ones
+//   ostrovia-soak SECONDS CODEC RECORDER FILE…   FILE: messages, good ones and bad ones
 //
 // Exit status 0, 1 when something is off, 2 when it is not called like that.
 #include <fcntl.h>
@@ -39,14 +39,18 @@ void silenceStandardError() {
   close(nothing);
 }
 
-void run(seconds_t length, const std::string& plugin, const std::vector<std::string>& paths) {
+void run(seconds_t length, const std::string& codec, const std::string& recorder,
+         const std::vector<std::string>& paths) {
   constexpr seconds_t MINUTE{60};
   constexpr seconds_t TEN_SECONDS{10};
-  const tools::PluginLibrary library(plugin);
+  using tools::PluginLibrary;
+  const PluginLibrary codecs(codec);
+  const PluginLibrary recorders(recorder, PluginLibrary::Version::OURS,
+                                PluginLibrary::RECORDER_CLASS_NAME);
   std::vector<Message> messages;
   for (const std::string& path : paths) readInto(messages, path);
   if (messages.empty()) throw std::runtime_error("there are no messages to send");
-  Traffic traffic(library, std::move(messages));
+  Traffic traffic(codecs, recorders, std::move(messages));
   silenceStandardError();
   Watch(traffic, std::cout, isatty(STDOUT_FILENO) != 0 ? TEN_SECONDS : MINUTE).run(length);
 }
@@ -59,13 +63,13 @@ int main(int argc, char** argv) {
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   char* end = nullptr;
   const double seconds = arguments.empty() ? -1 : std::strtod(arguments[0].c_str(), &end);
-  if (arguments.size() < 3 || *end != '\0' || !(seconds >= 0)) {
-    std::cout << "usage: ostrovia-soak SECONDS PLUGIN FILE...\n";
+  if (arguments.size() < 4 || *end != '\0' || !(seconds >= 0)) {
+    std::cout << "usage: ostrovia-soak SECONDS CODEC RECORDER FILE...\n";
     return 2;
   }
   try {
-    com::velanto::connectivity::soak::run(seconds_t(seconds), arguments[1],
-                                          {arguments.begin() + 2, arguments.end()});
+    com::velanto::connectivity::soak::run(seconds_t(seconds), arguments[1], arguments[2],
+                                          {arguments.begin() + 3, arguments.end()});
     return 0;
   } catch (const std::exception& e) {
     std::cout << "soak: failed: " << e.what() << '\n'; // standard error leads nowhere

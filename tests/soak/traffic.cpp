@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <fstream>
+#include <span>
 #include <stdexcept>
 
+#include "ndjson/json_reader.hpp"
 #include "ndjson/json_writer.hpp"
 #include "standin/standin.h"
+#include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity::soak {
 
@@ -22,37 +26,105 @@ data_t configuration() {
   return map;
 }
 
+constexpr std::int64_t FILES = 3; // of a mebibyte, for each recorder
+
+data_t recorderConfiguration(const std::string& folder) {
+  map_t map;
+  map[data_t("recordingFolder")] = data_t(folder.c_str());
+  map[data_t("maxFileMebibytes")] = data_t(std::int64_t{1});
+  map[data_t("maxFiles")] = data_t(FILES);
+  return map;
+}
+
+template <tools::Direction DIRECTION>
+void pass(void* next, vlt_underlying_message_t* start, vlt_underlying_message_t* end) {
+  const std::span batch(reinterpret_cast<Message*>(start), reinterpret_cast<Message*>(end));
+  if (!static_cast<tools::HostedPlugin*>(next)->send(DIRECTION, batch)) {
+    throw std::runtime_error("the next plug-in failed to send");
+  }
+}
+constexpr vlt_batch_function PASS_TO_HOST = pass<tools::Direction::TOWARDS_HOST>;
+constexpr vlt_batch_function PASS_TO_TRANSPORT = pass<tools::Direction::TOWARDS_TRANSPORT>;
+
+std::int64_t numberAt(const data_t* map, const char* key) {
+  const data_t* const found =
+      map == nullptr ? nullptr : map->get<map_t>().find_value(data_t(key));
+  return found == nullptr ? -1 : found->get<std::int64_t>();
+}
+
+// Checks the last foot and the sizes of a recorder's files.
+void judgeRecording(const std::string& folder, const std::string& name, std::int64_t messages) {
+  std::filesystem::path newest;
+  std::uintmax_t bytes = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (!entry.path().filename().string().starts_with(name + ".0")) continue;
+    bytes += entry.file_size();
+    newest = std::max(newest, entry.path());
+  }
+  if (bytes > FILES << 20U) throw std::runtime_error(name + " has outgrown its bound");
+  std::ifstream file(newest);
+  std::string last;
+  for (std::string line; std::getline(file, line);) last.swap(line);
+  const data_t line = JsonReader().parseValue(last);
+  const data_t* const about = line.get<map_t>().find_value(data_t("recording"));
+  const data_t* const foot =
+      about == nullptr ? nullptr : about->get<map_t>().find_value(data_t("foot"));
+  const std::int64_t sum =
+      numberAt(foot, "recorded") + numberAt(foot, "filtered") + numberAt(foot, "lost");
+  if (numberAt(foot, "seen") != messages || sum != messages) {
+    throw std::runtime_error(name + " ends with " + last + " after " + std::to_string(messages) +
+                             " messages");
+  }
+}
+
 Message copyOf(const Message& message) {
   return Message(data_t(message.getPayload()), message.getMetadataMap().copy());
 }
 
 } // namespace
 
-Traffic::Traffic(const tools::PluginLibrary& library, std::vector<Message>&& messages)
-    : library_(library), messages_(std::move(messages)) {
+Traffic::chain_t::chain_t(Traffic& traffic, const data_t& recorder_settings)
+    : before(traffic.recorders_, "before", "soak", recorder_settings),
+      codec(traffic.codecs_, "codec", "soak", configuration()),
+      behind(traffic.recorders_, "behind", "soak", recorder_settings) {
+  before.link({&codec, PASS_TO_HOST}, {&traffic, &Traffic::takeTowardsTransport});
+  codec.link({&behind, PASS_TO_HOST}, {&before, PASS_TO_TRANSPORT});
+  behind.link({&traffic, &Traffic::takeTowardsHost}, {&codec, PASS_TO_TRANSPORT});
+  for (tools::HostedPlugin* const plugin : {&before, &codec, &behind}) plugin->start();
+}
+
+Traffic::Traffic(const tools::PluginLibrary& codecs, const tools::PluginLibrary& recorders,
+                 std::vector<Message>&& messages)
+    : codecs_(codecs), recorders_(recorders), messages_(std::move(messages)) {
   batch_.reserve(BATCH_SIZES.back());
 }
 
 figures_t Traffic::run(std::int64_t round) {
   figures_ = {};
   const bool traced = isTraced(round);
-  if (!codec_ || round % NEW_CODEC_EVERY == 0 || traced != codec_traces_) renewCodec(traced);
+  if (!chain_ || round % NEW_CHAIN_EVERY == 0 || traced != chain_traces_) renewChain(traced);
   for (const std::size_t batch_size : BATCH_SIZES) {
     send(tools::Direction::TOWARDS_HOST, batch_size);
     send(tools::Direction::TOWARDS_TRANSPORT, batch_size);
   }
+  before_ += figures_.sent_towards_host + figures_.reached_transport;
+  behind_ += figures_.sent_towards_transport + figures_.reached_host;
   return figures_;
 }
 
-// A codec reads its level at its creation.
-void Traffic::renewCodec(bool traced) {
-  if (codec_ && !codec_->shutdown()) throw std::runtime_error("the plug-in failed to shut down");
-  codec_.reset();
+// A plug-in reads its level at its creation.
+void Traffic::renewChain(bool traced) {
+  if (chain_) endChain();
   standin_set_default_log_level(traced ? TRACE : QUIET);
-  codec_.emplace(library_, "codec", "soak", configuration());
-  codec_->link({this, &Traffic::takeTowardsHost}, {this, &Traffic::takeTowardsTransport});
-  codec_->start();
-  codec_traces_ = traced;
+  chain_.emplace(*this, recorderConfiguration(folder_.path("")));
+  chain_traces_ = traced;
+}
+
+void Traffic::endChain() {
+  if (!chain_->shutdown()) throw std::runtime_error("a plug-in failed to shut down");
+  chain_.reset();
+  judgeRecording(folder_.path(""), "before-soak", std::exchange(before_, 0));
+  judgeRecording(folder_.path(""), "behind-soak", std::exchange(behind_, 0));
 }
 
 void Traffic::send(tools::Direction direction, std::size_t batch_size) {
@@ -62,7 +134,9 @@ void Traffic::send(tools::Direction direction, std::size_t batch_size) {
     const auto sent = static_cast<std::int64_t>(batch_.size());
     (direction == tools::Direction::TOWARDS_HOST ? figures_.sent_towards_host
                                                  : figures_.sent_towards_transport) += sent;
-    if (!codec_->send(direction, batch_)) throw std::runtime_error("the plug-in failed to send");
+    tools::HostedPlugin& nearest =
+        direction == tools::Direction::TOWARDS_HOST ? chain_->before : chain_->behind;
+    if (!nearest.send(direction, batch_)) throw std::runtime_error("a plug-in failed to send");
     batch_.clear();
     addLog();
   }
