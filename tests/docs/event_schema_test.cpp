@@ -1,8 +1,6 @@
 // Keeps docs/event.schema.json true. (1) It accepts every event of the samples and the conformance
 // cases. (2) It refuses an event that lacks a required field, or has one of a wrong kind. (3) It
 // refuses other shapes of measurements.
-#include "tests/docs/event_schema.hpp"
-
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -10,6 +8,7 @@
 
 #include "ndjson/json_reader.hpp"
 #include "ndjson/json_writer.hpp"
+#include "tests/docs/json_schema.hpp"
 #include "tests/docs/markdown.hpp"
 #include "tests/docs/replay_codec.hpp"
 #include "tests/support/host_fixture.hpp"
@@ -108,7 +107,7 @@ class EventSchemaTest : public HostFixture {
     return accepted(event);
   }
 
-  EventSchema schema_;
+  JsonSchema schema_{"docs/event.schema.json"};
   JsonReader reader_;
   std::set<std::string> seen_;
 };

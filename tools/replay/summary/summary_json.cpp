@@ -1,3 +1,4 @@
+// The summary as one line of JSON, in the form of docs/replay-summary.schema.json.
 #include "ndjson/json_line.hpp"
 #include "tools/replay/summary/summary.hpp"
 
@@ -51,6 +52,7 @@ void writeTimes(JsonLine& line, const Summary& summary, const run_figures_t& run
 std::string summaryJson(const Summary& summary, const run_figures_t& run) {
   JsonLine line;
   line.open('{');
+  line.item("version").number(1); // of the form; a change that breaks readers raises it
   line.item("read").number(run.read);
   line.item("reached").number(run.out);
   for (const Outcome outcome :

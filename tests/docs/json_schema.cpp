@@ -1,4 +1,4 @@
-#include "tests/docs/event_schema.hpp"
+#include "tests/docs/json_schema.hpp"
 
 #include <rapidjson/document.h>
 #include <rapidjson/schema.h>
@@ -19,9 +19,9 @@ rapidjson::Document parsed(const std::string& text) {
   return document;
 }
 
-std::string readSchema() {
+std::string readSchema(const char* name) {
   std::string text;
-  for (const std::string& line : readDocument("docs/event.schema.json").lines) text += line + "\n";
+  for (const std::string& line : readDocument(name).lines) text += line + "\n";
   return text;
 }
 
@@ -33,16 +33,18 @@ std::string textOf(const rapidjson::Pointer& pointer) {
 
 } // namespace
 
-struct EventSchema::Compiled {
-  rapidjson::Document source = parsed(readSchema());
+struct JsonSchema::Compiled {
+  explicit Compiled(const char* document) : source(parsed(readSchema(document))) {}
+
+  rapidjson::Document source;
   rapidjson::SchemaDocument schema{source};
 };
 
-EventSchema::EventSchema() : compiled_(std::make_unique<Compiled>()) {}
-EventSchema::~EventSchema() = default;
+JsonSchema::JsonSchema(const char* document) : compiled_(std::make_unique<Compiled>(document)) {}
+JsonSchema::~JsonSchema() = default;
 
-std::string EventSchema::complaint(const std::string& line) const {
-  const rapidjson::Document document = parsed(line);
+std::string JsonSchema::complaint(const std::string& json) const {
+  const rapidjson::Document document = parsed(json);
   rapidjson::SchemaValidator validator(compiled_->schema);
   if (document.Accept(validator)) return {};
   return textOf(validator.GetInvalidDocumentPointer()) + " breaks '" +
