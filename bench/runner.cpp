@@ -72,8 +72,8 @@ double median(samples_t samples) {
 }
 
 double quantile(samples_t samples, double share) {
-  const auto place = samples.begin() + static_cast<std::ptrdiff_t>(
-                                           share * static_cast<double>(samples.size() - 1));
+  const auto place = samples.begin() +
+                     static_cast<std::ptrdiff_t>(share * static_cast<double>(samples.size() - 1));
   std::nth_element(samples.begin(), place, samples.end());
   return *place;
 }

@@ -42,7 +42,8 @@ class RecordingFolder {
       std::ifstream file(entry.path());
       for (std::string line; std::getline(file, line);) {
         if (line.starts_with(R"({"recording":{"gap")")) {
-          throw std::runtime_error("recording: messages were lost, its times mean nothing: " + line);
+          throw std::runtime_error("recording: messages were lost, its times mean nothing: " +
+                                   line);
         }
       }
     }
@@ -76,8 +77,8 @@ group_t measure(const options_t& options, std::size_t batch) {
   const lines_t lines = mixedNotifications(MESSAGES);
   Heat heat(options, "batches of " + std::to_string(batch), lines);
   for (const chain_t& chain : chains(folder)) {
-    heat.withSame(chain.name, std::make_shared<ChainContender>(librariesOf(options),
-                                                               chain.settings, lines, batch));
+    heat.withSame(chain.name, std::make_shared<ChainContender>(librariesOf(options), chain.settings,
+                                                               lines, batch));
   }
   group_t group = heat.run(options.rounds);
   folder.requireWhole();
@@ -102,8 +103,8 @@ suite_t measureRecordedBatches(const options_t& options) {
   std::vector<std::unique_ptr<ChainContender>> contenders;
   for (const chain_t& chain : chains(folder)) {
     group.results.push_back({chain.name, {}});
-    contenders.push_back(std::make_unique<ChainContender>(librariesOf(options), chain.settings,
-                                                          lines, BATCH));
+    contenders.push_back(
+        std::make_unique<ChainContender>(librariesOf(options), chain.settings, lines, BATCH));
   }
   for (std::size_t round = 0; round < 2 * options.rounds; ++round) {
     for (const std::uint32_t i : orderOfRound(contenders.size(), round)) {

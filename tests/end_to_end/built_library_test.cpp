@@ -163,7 +163,8 @@ class BuiltLibraryTest : public ::testing::TestWithParam<built_t> {
 // ---- exports and needs
 
 TEST_P(BuiltLibraryTest, IsNamedAfterItsClass) {
-  EXPECT_THAT(dynamicEntries("SONAME"), ElementsAre(std::string("lib") + GetParam().class_name + ".so"));
+  EXPECT_THAT(dynamicEntries("SONAME"),
+              ElementsAre(std::string("lib") + GetParam().class_name + ".so"));
 }
 
 TEST_P(BuiltLibraryTest, NamesTheHostsClientLibraryAsNeeded) {

@@ -129,8 +129,7 @@ class RecorderLinks : public RecordedChain {
     recorder_.start();
   }
 
-  tools::HostedPlugin recorder_{libraries_.recorders, "r", "c",
-                                recorderSettings(folder_.path(""))};
+  tools::HostedPlugin recorder_{libraries_.recorders, "r", "c", recorderSettings(folder_.path(""))};
 };
 
 // Replaces itself by the fixture's link before it takes the batch.

@@ -48,8 +48,8 @@ class LoneRecorder {
   static std::vector<Message> messages() {
     std::vector<Message> batch;
     for (int i = 0; i < 10; ++i) {
-      batch.push_back(notification("t/s/events/1", mapOf("id", whole(i), "text",
-                                                         text(std::string(300, 'x').c_str()))));
+      batch.push_back(notification(
+          "t/s/events/1", mapOf("id", whole(i), "text", text(std::string(300, 'x').c_str()))));
     }
     return batch;
   }

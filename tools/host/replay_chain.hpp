@@ -33,21 +33,24 @@ class ReplayChain {
   ReplayChain& operator=(const ReplayChain&) = delete;
   ~ReplayChain() = default;
 
-  // The result is valid until the next call; `messages` are in any state after it. Throws
-  // std::bad_alloc without memory for the result.
-  call_result_t& send(std::span<Message> messages);
+  // Sends in the direction of the chain, or in another one; the outputs are those that came out in
+  // the same direction. The result is valid until the next call; `messages` are in any state after
+  // it. Throws std::bad_alloc without memory for the result.
+  call_result_t& send(std::span<Message> messages) { return send(messages, direction_); }
+  call_result_t& send(std::span<Message> messages, Direction direction);
 
-  // The last call; its result also has messages that came out unasked.
+  // The last call; its result also has messages that came out unasked, in the chain's direction.
   call_result_t& shutdown();
 
  private:
   template <class Call>
-  call_result_t& record(const Call& call);
+  call_result_t& record(Direction direction, const Call& call);
 
   Direction direction_;
-  Received received_;
+  Received at_host_;
+  Received at_transport_;
   call_result_t result_;
-  std::optional<HostedPlugin> plugin_; // points at received_
+  std::optional<HostedPlugin> plugin_; // points at both
 };
 
 } // namespace com::velanto::connectivity::tools

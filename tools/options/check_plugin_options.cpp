@@ -51,7 +51,8 @@ tool_t checkPluginTool(command_t& command) {
           &command.seed},
          {"--strict", "", "let advised checks decide the exit status, too", &command.strict},
          {"--json", "", "write one JSON document instead of lines", &command.json},
-         {"--list", "", "list the checks, those of LIBRARY if it is named, and run none", &command.list}}},
+         {"--list", "", "list the checks, those of LIBRARY if it is named, and run none",
+          &command.list}}},
        ABOUT_THE_TOOL},
       "Exit status",
       STATUSES};

@@ -17,6 +17,8 @@ constexpr std::array EXAMPLES = {
     example_row_t{"ostrovia-replay --summary --dropped lost.ndjson recorded.ndjson > seen",
                   "Why did messages vanish? Which ones?"},
     example_row_t{"ostrovia-replay --explain recorded.ndjson", "What became of every field?"},
+    example_row_t{"ostrovia-replay --expect-events rec/after rec/before > events.ndjson",
+                  "Would this build do the same as the one that was recorded?"},
     example_row_t{"ostrovia-replay --against ./next.so recorded.ndjson > events.ndjson",
                   "Will the next build of the plug-in change anything?"},
 };
@@ -30,7 +32,8 @@ constexpr const char* INTRODUCTION =
     "\n"
     "Usage: ostrovia-replay [OPTIONS] [FILES...]\n"
     "\n"
-    "Without FILES, or for -, it reads standard input.\n";
+    "Without FILES, or for -, it reads standard input. A recording is its FOLDER,\n"
+    "or FOLDER/NAME when the folder has several.\n";
 
 option_group_t pluginOptions(ReplayOptions& options) {
   return {
@@ -61,8 +64,17 @@ option_group_t runOptions(ReplayOptions& options) {
         "chains, each with a codec and a thread of its own; the output keeps the order of the "
         "input; default: 1",
         &options.threads},
-       {"--direction", "host|transport", "side that gets the messages; default: host",
+       {"--direction", "host|transport",
+        "side that gets the messages; default: host; recorded messages of the other direction are "
+        "left out",
         &options.direction},
+       {"--as-recorded", "",
+        "send recorded messages in the batches and directions of the recording",
+        &options.as_recorded},
+       {"--follow", "",
+        "wait for more at the end of the last of FILES, also for the next file of a recording, "
+        "until Ctrl-C",
+        &options.follow},
        {"--log-level", "LEVEL",
         "log on standard error: 2 failures of the plug-in, 3 also dropped messages, 6 also "
         "every message; default: 3",
@@ -104,6 +116,10 @@ option_group_t comparingOptions(ReplayOptions& options) {
         &options.record},
        {"--expect", "FILE", "compare the run with a golden file and show the differences",
         &options.expect},
+       {"--expect-events", "RECORDING",
+        "compare the run with the events that were recorded behind the codec, batch by batch, and "
+        "show the differences",
+        &options.expect_events},
        {"--against", "PATH",
         "run another build of the plug-in next to this one and show each message whose results "
         "differ",

@@ -30,23 +30,26 @@ struct ReplayOptions {
   std::size_t repeat = 1;                   // number of readings of the input, at least 1
   std::size_t threads = 1;                  // chains, each with a thread, at least 1
   std::string direction = "host";           // or "transport"
+  bool as_recorded = false;                 // direction and batches of the recording
+  bool follow = false;                      // wait for more input
   std::optional<vlt_log_level_t> log_level; // without it one of the two above
   bool strict = false;                      // dropped messages are a failure
 
-  std::optional<std::string> summary; // "text" or "json"
-  std::optional<std::string> explain; // the same
-  std::optional<std::string> dropped; // path of the file of dead letters
+  std::optional<std::string> summary;    // "text" or "json"
+  std::optional<std::string> explain;    // the same
+  std::optional<std::string> dropped;    // path of the file of dead letters
   std::vector<std::string> redact;       // lists of fields,
   std::optional<std::string> redacted;   // path of the copy with stand-ins for them,
   std::optional<std::string> redact_key; // and of the file with the key for these
-  bool quiet = false;                 // no progress, no closing line, QUIET_LOG_LEVEL
+  bool quiet = false;                    // no progress, no closing line, QUIET_LOG_LEVEL
 
-  std::optional<std::string> record;  // path of the golden file to write,
-  std::optional<std::string> expect;  // and of the one to compare with
-  std::optional<std::string> against; // path of another plug-in library
-  std::optional<std::string> suite;   // path of a folder of cases
-  bool update = false;                // make the suite's golden files again
-  std::optional<std::string> junit;   // path of the suite's report
+  std::optional<std::string> record;        // path of the golden file to write,
+  std::optional<std::string> expect;        // and of the one to compare with
+  std::optional<std::string> expect_events; // path of a recording of events to compare with
+  std::optional<std::string> against;       // path of another plug-in library
+  std::optional<std::string> suite;         // path of a folder of cases
+  bool update = false;                      // make the suite's golden files again
+  std::optional<std::string> junit;         // path of the suite's report
 };
 
 // The largest level of log lines on standard error. An explanation has the lines of its message

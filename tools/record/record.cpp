@@ -16,4 +16,12 @@ const char* nameOf(Outcome outcome) noexcept {
   return "";
 }
 
+bool sameBatch(const record_t& one, const record_t& other) noexcept {
+  if (!one.recorded || !other.recorded) return false;
+  const bool same_run = one.run == other.run ||
+                        (one.run != nullptr && other.run != nullptr && *one.run == *other.run);
+  return same_run && one.recorded->batch == other.recorded->batch &&
+         one.recorded->direction == other.recorded->direction;
+}
+
 } // namespace com::velanto::connectivity::tools

@@ -11,11 +11,15 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "ndjson/json_reader.hpp"
+#include "ndjson/recorded.hpp"
+#include "tools/host/hosted_plugin.hpp"
 #include "tools/host/log_capture.hpp"
 #include "tools/options/exit_status.hpp"
 #include "tools/record/kind.hpp"
@@ -38,6 +42,10 @@ struct record_t {
   std::size_t pass = 0;              // earlier readings of the whole input
   std::string line;                  // byte for byte, without the line end
 
+  std::optional<recorded_t> recorded; // the recorder's remark, in a recorded line
+  const std::string* run = nullptr;   // the recorder's process; null: not known
+  std::string remarks;                // the recorder's own lines before this one, as read
+
   text_part_t annotation; // where the line has a remark of an earlier run; of size 0: none
 
   Kind kind = Kind::NONE;
@@ -51,6 +59,20 @@ struct record_t {
   [[nodiscard]] std::string place() const { return *file + ":" + std::to_string(line_number); }
 };
 
+// Towards which the recorder saw the message of a recorded line.
+[[nodiscard]] inline Direction directionOf(const recorded_t& recorded) noexcept {
+  return recorded.direction == recorded_t::Direction::HOST ? Direction::TOWARDS_HOST
+                                                           : Direction::TOWARDS_TRANSPORT;
+}
+
+// Whether the recorder got both messages in one batch.
+[[nodiscard]] bool sameBatch(const record_t& one, const record_t& other) noexcept;
+
+// Whether no later message of the recorded batch can follow.
+[[nodiscard]] inline bool isLastOfBatch(const record_t& record) noexcept {
+  return !record.recorded || record.recorded->place + 1 == record.recorded->of;
+}
+
 // Gets every record, in the order of the input. An exception of a function ends the run.
 class Consumer {
  public:
@@ -60,6 +82,8 @@ class Consumer {
   virtual ~Consumer() = default;
 
   virtual void take(const record_t& record) = 0;
+  // The lines of recorders beside the messages, each with its end, before the next record.
+  virtual void takeRemarks(std::string_view /*lines*/) {}
   // Log lines while the plug-in had no message: at its creation, start and end.
   virtual void takeLog(std::span<const log_line_t> /*lines*/) {}
   // One call of the plug-in with `messages` messages took `time`.

@@ -15,14 +15,19 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-// The rules between options.
-void checkTogether(const ReplayOptions& options) {
+// No file is both read and written.
+void checkOutputs(const ReplayOptions& options, const std::vector<input_t>& inputs) {
   for (const std::optional<std::string>& output :
        {options.dropped, options.record, options.redacted, options.junit}) {
     if (!output) continue;
-    refuseToOverwrite(options.paths, *output);
-    if (options.expect) refuseToOverwrite({*options.expect}, *output);
+    refuseToOverwrite(inputs, *output);
+    if (options.expect) refuseToOverwrite(inputsFrom({*options.expect}), *output);
+    if (options.expect_events) refuseToOverwrite(inputsFrom({*options.expect_events}), *output);
   }
+}
+
+// The rules between options.
+void checkTogether(const ReplayOptions& options) {
   const bool reads_standard_input =
       options.paths.empty() ||
       std::find(options.paths.begin(), options.paths.end(), "-") != options.paths.end();
@@ -34,17 +39,28 @@ void checkTogether(const ReplayOptions& options) {
   }
   if (options.redact.empty() == options.redacted.has_value() ||
       (options.redact_key && !options.redacted)) {
-    throw ReplayError(EXIT_USAGE, "--redact and --redacted need each other, --redact-key needs both");
+    throw ReplayError(EXIT_USAGE,
+                      "--redact and --redacted need each other, --redact-key needs both");
   }
   if (!options.suite && (options.update || options.junit)) {
     throw ReplayError(EXIT_USAGE, "--update and --junit need --suite");
   }
   if (options.suite && (!options.paths.empty() || options.expect || options.record ||
-                        options.dropped || options.redacted || options.summary ||
-                        options.explain)) {
+                        options.dropped || options.redacted || options.summary || options.explain ||
+                        options.expect_events || options.follow)) {
     throw ReplayError(EXIT_USAGE,
-                      "--suite takes no FILES, --expect, --record, --dropped, --redacted, --summary "
-                      "or --explain");
+                      "--suite takes no FILES, --expect, --expect-events, --record, --dropped, "
+                      "--redacted, --summary, --explain or --follow");
+  }
+  if (options.follow && (options.repeat > 1 || options.threads > 1)) {
+    throw ReplayError(EXIT_USAGE, "--follow takes no --repeat or --threads");
+  }
+  if (options.expect_events && options.repeat > 1) {
+    throw ReplayError(EXIT_USAGE, "--expect-events takes no --repeat");
+  }
+  if (options.as_recorded &&
+      (options.batch_size > 1 || options.direction != "host" || options.explain)) {
+    throw ReplayError(EXIT_USAGE, "--as-recorded takes no --batch-size, --direction or --explain");
   }
 }
 
@@ -63,6 +79,7 @@ int runReplay(int count, const char* const* arguments, std::ostream& out, std::o
     if (options.check_config) return checkConfiguration(options, out, diagnostics);
     if (options.suite) return runSuite(options, diagnostics);
     const std::vector<input_t> inputs = inputsFrom(options.paths);
+    checkOutputs(options, inputs);
     if (!display.progress) {
       return replay(options, inputs, out, diagnostics, nullptr, display.colour);
     }

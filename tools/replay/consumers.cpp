@@ -20,6 +20,9 @@ Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::os
   if (options.dropped) all_.push_back(&dead_letters_.emplace(*options.dropped));
   if (options.record) all_.push_back(&golden_.emplace(*options.record));
   if (options.expect) all_.push_back(&expectation_.emplace(*options.expect, diagnostics));
+  if (options.expect_events) {
+    add(recorded_events_.emplace(*options.expect_events, diagnostics));
+  }
 }
 
 void Consumers::addPlugins(const PluginLibrary& library, const data_t& configuration,

@@ -11,6 +11,7 @@
 #include "tools/options/replay_options.hpp"
 #include "tools/replay/comparing/expectation.hpp"
 #include "tools/replay/comparing/other_build.hpp"
+#include "tools/replay/comparing/recorded_events.hpp"
 #include "tools/replay/redacting/redaction.hpp"
 #include "tools/replay/summary/figures.hpp"
 #include "tools/replay/summary/summary.hpp"
@@ -34,6 +35,9 @@ class Consumers final : public Consumer {
 
   void take(const record_t& record) override {
     for (Consumer* consumer : all_) consumer->take(record);
+  }
+  void takeRemarks(std::string_view lines) override {
+    for (Consumer* consumer : all_) consumer->takeRemarks(lines);
   }
   void takeLog(std::span<const log_line_t> lines) override {
     for (Consumer* consumer : all_) consumer->takeLog(lines);
@@ -66,6 +70,10 @@ class Consumers final : public Consumer {
   [[nodiscard]] std::int64_t lostBlocks() const noexcept {
     return explainer_ ? explainer_->lostBlocks() : 0;
   }
+  // How the comparison with recorded events came out, if the options ask for one.
+  [[nodiscard]] std::optional<pairing_t> pairing() const {
+    return recorded_events_ ? std::optional(recorded_events_->figures()) : std::nullopt;
+  }
   // The summary, if the options ask for one.
   [[nodiscard]] std::string summaryOf(const run_figures_t& run) const;
 
@@ -81,6 +89,7 @@ class Consumers final : public Consumer {
   std::optional<DeadLetters> dead_letters_;
   std::optional<GoldenWriter> golden_;
   std::optional<Expectation> expectation_;
+  std::optional<RecordedEvents> recorded_events_;
   std::optional<OtherBuild> other_build_;
   std::optional<Explainer> explainer_;
   std::optional<Redaction> redaction_;

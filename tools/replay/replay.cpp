@@ -13,6 +13,7 @@
 #include "tools/replay/input/interruption.hpp"
 #include "tools/replay/running/chain_pool.hpp"
 #include "tools/replay/running/configuration.hpp"
+#include "tools/replay/summary/recordings.hpp"
 #include "tools/replay/writing/progress.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -38,14 +39,16 @@ class Replay {
 
  private:
   void setLevel();
-  void drive(const std::vector<input_t>& inputs);
-  void replayAll(const std::vector<input_t>& inputs, ChainPool& pool);
+  void drive(LineReader& reader);
+  void replayAll(LineReader& reader, ChainPool& pool);
+  std::function<std::string()> summaryAbove(const LineReader& reader);
   void reportIncidents(incidents_t& incidents);
   void shutDown(ChainPool& pool);
   void report(const std::string& text) { diagnostics_ << REPLAY_NAME << ": " + text + "\n"; }
   void worsen(exit_status_t status) { status_ = std::max(status_, status); }
-  void judge(std::optional<std::int64_t> blocks);
-  void writeFigures(std::optional<std::int64_t> blocks);
+  void judge(std::optional<std::int64_t> blocks, const Recordings& recordings);
+  void writeFigures(std::optional<std::int64_t> blocks, const Recordings& recordings);
+  [[nodiscard]] std::string reachedText() const;
 
   const ReplayOptions& options_;
   Terminal* terminal_; // null: no progress
@@ -66,12 +69,17 @@ int Replay::run(const std::vector<input_t>& inputs) {
   // The caller may hold blocks; the plug-in library makes some at its loading and gives them back
   // only at its unloading.
   const std::optional<std::int64_t> before = liveBlocks();
-  drive(inputs);
+  reading_t reading;
+  reading.times = options_.repeat;
+  if (!options_.as_recorded) reading.direction = direction_;
+  reading.follow = options_.follow;
+  LineReader reader(inputs, reading);
+  drive(reader);
   library_.reset();
   std::optional<std::int64_t> blocks = liveBlocks();
   if (blocks) *blocks -= before.value_or(0) + consumers_.lostBlocks();
-  judge(blocks);
-  writeFigures(blocks);
+  judge(blocks, reader.recordings());
+  writeFigures(blocks, reader.recordings());
   return status_;
 }
 
@@ -84,7 +92,7 @@ void Replay::setLevel() {
 }
 
 // The plug-in's whole life. An error ends it without the rest of the input and without shutdown.
-void Replay::drive(const std::vector<input_t>& inputs) {
+void Replay::drive(LineReader& reader) {
   library_.emplace(options_.plugin_path);
   const data_t configuration = configurationOf(options_);
   consumers_.addPlugins(*library_, configuration, direction_);
@@ -93,7 +101,9 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   try {
     pool.emplace(
         *library_, configuration, direction_,
-        pool_options_t{options_.threads, options_.batch_size, options_.explain.has_value()}, log);
+        pool_options_t{options_.threads, batching_t{options_.batch_size, options_.as_recorded},
+                       options_.explain.has_value(), options_.follow},
+        log);
   } catch (const PluginError&) {
     consumers_.takeLog(log); // it says why
     throw;
@@ -101,7 +111,7 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   consumers_.takeLog(log);
   const stopwatch_t::time_point start = stopwatch_t::now();
   try {
-    replayAll(inputs, *pool);
+    replayAll(reader, *pool);
   } catch (...) {
     consumers_.pause(); // an aborted run still reports its results so far
     throw;
@@ -114,16 +124,34 @@ void Replay::drive(const std::vector<input_t>& inputs) {
   if (!isInterrupted() && !consumers_.closed()) consumers_.commit();
 }
 
-void Replay::replayAll(const std::vector<input_t>& inputs, ChainPool& pool) {
-  LineReader reader(inputs, options_.repeat);
+void Replay::replayAll(LineReader& reader, ChainPool& pool) {
   if (terminal_ != nullptr) {
-    consumers_.add(progress_.emplace(*terminal_, [&reader] { return reader.fractionRead(); }));
+    consumers_.add(progress_.emplace(
+        *terminal_, [&reader] { return reader.fractionRead(); }, summaryAbove(reader)));
   }
-  pool.run(reader, {[this](const record_t& record) { consumers_.take(record); },
+  pool.run(reader, {[this](const record_t& record) {
+                      if (!record.remarks.empty()) consumers_.takeRemarks(record.remarks);
+                      consumers_.take(record);
+                    },
                     [this](incidents_t& incidents) { reportIncidents(incidents); },
                     [this] { return consumers_.closed(); }, [this] { consumers_.pause(); }});
+  if (!reader.lastRemarks().empty()) consumers_.takeRemarks(reader.lastRemarks());
   if (isInterrupted()) worsen(EXIT_INTERRUPTED);
   if (progress_) consumers_.remove(*progress_);
+}
+
+// The summary so far, for a run that may go on for days; otherwise nothing.
+std::function<std::string()> Replay::summaryAbove(const LineReader& reader) {
+  if (!options_.follow) return {};
+  return [this, &reader, start = stopwatch_t::now()] {
+    if (options_.summary == "json") return std::string();
+    return consumers_.summaryOf({figures_.read(),
+                                 figures_.out(),
+                                 stopwatch_t::now() - start,
+                                 {},
+                                 reader.recordings(),
+                                 consumers_.pairing()});
+  };
 }
 
 void Replay::reportIncidents(incidents_t& incidents) {
@@ -154,24 +182,39 @@ void Replay::shutDown(ChainPool& pool) {
   }
 }
 
-void Replay::judge(std::optional<std::int64_t> blocks) {
+void Replay::judge(std::optional<std::int64_t> blocks, const Recordings& recordings) {
   const std::string broken = figures_.brokenLaw();
   if (!broken.empty()) report(broken);
   if (!broken.empty() || law_broken_ || blocks.value_or(0) != 0) worsen(EXIT_LAW);
-  if (figures_.count(Outcome::MALFORMED) > 0) worsen(EXIT_BAD_INPUT);
+  for (const std::string& fault : recordings.faults()) report(fault);
+  if (figures_.count(Outcome::MALFORMED) > 0 || !recordings.faults().empty()) {
+    worsen(EXIT_BAD_INPUT);
+  }
   if (options_.strict && figures_.count(Outcome::DROPPED) > 0) worsen(EXIT_DROPPED);
 }
 
-void Replay::writeFigures(std::optional<std::int64_t> blocks) {
-  diagnostics_ << consumers_.summaryOf({figures_.read(), figures_.out(), elapsed_, blocks});
-  if (options_.summary == "json") return; // it has all that the line below says
+std::string Replay::reachedText() const {
+  const std::uint64_t to_transport = figures_.outToTransport();
+  if (options_.as_recorded) {
+    return "host " + std::to_string(figures_.out() - to_transport) + ", the transport " +
+           std::to_string(to_transport);
+  }
+  return (direction_ == Direction::TOWARDS_HOST ? "host " : "transport ") +
+         std::to_string(figures_.out());
+}
+
+void Replay::writeFigures(std::optional<std::int64_t> blocks, const Recordings& recordings) {
+  const std::optional<pairing_t> pairing = consumers_.pairing();
+  diagnostics_ << consumers_.summaryOf(
+      {figures_.read(), figures_.out(), elapsed_, blocks, recordings, pairing});
+  if (options_.summary == "json") return; // it has all that the lines below say
+  if (!options_.quiet || options_.summary) diagnostics_ << recordingsText(recordings, pairing);
   if (options_.quiet) return;
   std::array<char, 400> digits{}; // room for any double
   const std::to_chars_result end = std::to_chars(
       digits.begin(), digits.end(), milliseconds_t(elapsed_).count(), std::chars_format::fixed, 3);
-  diagnostics_ << "read " << figures_.read() << ", reached the "
-               << (direction_ == Direction::TOWARDS_HOST ? "host " : "transport ") << figures_.out()
-               << ", dropped " << figures_.count(Outcome::DROPPED) << ", malformed "
+  diagnostics_ << "read " << figures_.read() << ", reached the " << reachedText() << ", dropped "
+               << figures_.count(Outcome::DROPPED) << ", malformed "
                << figures_.count(Outcome::MALFORMED) << ", "
                << std::string_view(digits.begin(), end.ptr) << " ms, ";
   if (blocks) {

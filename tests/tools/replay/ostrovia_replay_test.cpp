@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tests/tools/program.hpp"
+#include "tests/tools/recorded_lines.hpp"
 #include "tools/options/exit_status.hpp"
 #include "tools/options/replay_options.hpp"
 
@@ -185,9 +186,13 @@ TEST_F(OstroviaReplayTest, QuietRunsStillReportFailures) {
             textlessLog("1") + "\n<stdin>:2:1: not well-formed JSON\n");
 }
 
-// Each in a shell, over a recording of the name that they use.
+// Each in a shell, over recordings of the names that they use.
 TEST_F(OstroviaReplayTest, ExamplesOfTheHelpWork) {
   folder_.write("recorded.ndjson", eventLine("1"));
+  input_ = eventLine("1");
+  std::filesystem::create_directory(folder_.path("rec"));
+  folder_.write("rec/after.000001.ndjson", headLine({"after"}) + recordedLine({}, run({}).out));
+  folder_.write("rec/before.000001.ndjson", headLine({"before"}) + recordedLine({}, input_));
   std::filesystem::copy(VLT_PLUGIN_PATH, folder_.path("next.so"));
   tools::ReplayOptions options;
   for (const tools::example_row_t& example : tools::replayTool(options).examples) {

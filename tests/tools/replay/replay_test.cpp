@@ -5,6 +5,7 @@
 #include <sstream>
 #include <utility>
 
+#include "host/storage.h"
 #include "tests/support/host_fixture.hpp"
 #include "tests/tools/elapsed.hpp"
 #include "tools/host/host_library.hpp"

@@ -95,7 +95,8 @@ TEST_F(SuiteTest, WrongUseIsNamed) {
       {{"--suite", "empty"}, "empty has no case, no file NAME.ndjson"},
       {{"--update"}, "--update and --junit need --suite"},
       {{"--suite", "suite", "x"},
-       "--suite takes no FILES, --expect, --record, --dropped, --redacted, --summary or --explain"}};
+       "--suite takes no FILES, --expect, --expect-events, --record, --dropped, --redacted, "
+       "--summary, --explain or --follow"}};
   for (const auto& [arguments, complaint] : rows) {
     const result_t result = run(arguments);
     EXPECT_EQ(result.status, 2);

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <vector>
 
+#include "ndjson/json_writer.hpp"
 #include "tools/options/replay_options.hpp"
 #include "tools/record/columns.hpp"
-#include "tools/replay/comparing/difference.hpp"
 #include "tools/replay/writing/golden.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -15,6 +15,24 @@ void Comparer::compare(const side_t& before, const side_t& after) {
   if (before.line && after.line && contentOf(*before.line) == contentOf(*after.line)) return;
   const std::string fields = before.line && after.line ? fieldsOf(*before.line, *after.line) : "";
   if (before.line && after.line && fields.empty()) return; // in the order of entries alone
+  show(before, after, fields);
+}
+
+void Comparer::compare(const value_side_t& before, const value_side_t& after,
+                       const std::vector<difference_t>& differences) {
+  ++compared_;
+  const bool both = before.value != nullptr && after.value != nullptr;
+  if (both && differences.empty()) return;
+  const auto side_of = [both](const value_side_t& side) -> side_t {
+    if (side.value == nullptr) return {side.place, {}};
+    return {side.place, both ? "" : toJson(*side.value)};
+  };
+  std::string fields;
+  for (const difference_t& difference : differences) fields += unified(difference);
+  show(side_of(before), side_of(after), fields);
+}
+
+void Comparer::show(const side_t& before, const side_t& after, const std::string& fields) {
   if (different_++ >= SHOWN) return;
   std::string text;
   const auto append_place = [&text](const char* sign, const side_t& side) {

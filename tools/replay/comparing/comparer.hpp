@@ -1,4 +1,4 @@
-// Compares golden lines two by two and shows on a stream where they differ, message by message.
+// Compares golden lines or values two by two and shows on a stream where they differ, message by message.
 #ifndef VLT_TOOLS_REPLAY_COMPARING_COMPARER_HPP
 #define VLT_TOOLS_REPLAY_COMPARING_COMPARER_HPP
 
@@ -7,9 +7,11 @@
 #include <ostream>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "ndjson/json_reader.hpp"
 #include "tools/options/exit_status.hpp"
+#include "tools/replay/comparing/difference.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -18,6 +20,12 @@ namespace com::velanto::connectivity::tools {
 struct side_t {
   std::string place;
   std::optional<std::string> line;
+};
+
+// The same for a value.
+struct value_side_t {
+  std::string place;
+  const data_t* value; // null: nothing on this side
 };
 
 class Comparer {
@@ -31,10 +39,20 @@ class Comparer {
   // At least one side has a line.
   void compare(const side_t& before, const side_t& after);
 
+  // The same for values; `differences` are those between them, none when one side has nothing.
+  void compare(const value_side_t& before, const value_side_t& after,
+               const std::vector<difference_t>& differences);
+  // A pair without a difference, which the caller has compared.
+  void countSame() noexcept { ++compared_; }
+
+  [[nodiscard]] std::uint64_t compared() const noexcept { return compared_; }
+  [[nodiscard]] std::uint64_t different() const noexcept { return different_; }
+
   // Says how many pairs differ, if any do; the status is then EXIT_DIFFERENT.
   [[nodiscard]] exit_status_t report() const;
 
  private:
+  void show(const side_t& before, const side_t& after, const std::string& fields);
   [[nodiscard]] std::string fieldsOf(const std::string& before, const std::string& after);
 
   std::ostream& out_;

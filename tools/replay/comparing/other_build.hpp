@@ -34,7 +34,7 @@ class OtherBuild final : public Consumer {
   struct build_t {
     build_t(const std::string& path, const data_t& configuration, Direction direction,
             std::vector<log_line_t>& log)
-        : library(path), worker(library, configuration, direction, 1, log) {}
+        : library(path), worker(library, configuration, direction, batching_t{1, true}, log) {}
 
     PluginLibrary library;
     Worker worker;

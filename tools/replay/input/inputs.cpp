@@ -7,7 +7,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <system_error>
+#include <utility>
 
 #include "tools/options/exit_status.hpp"
 
@@ -31,20 +33,93 @@ std::uintmax_t sizeOf(const std::string& path) {
   return error ? 0 : size;
 }
 
+// Null with the reason in errno when it does not open.
+std::unique_ptr<std::istream> openFile(const std::string& path) {
+  errno = 0;
+  auto file = std::make_unique<std::ifstream>(path, std::ios::binary);
+  if (!file->is_open()) file.reset();
+  return file;
+}
+
+// The file as it is now, under the path or compressed beside it; nothing when it is gone.
+std::optional<recording_file_t> presentForm(const recording_file_t& file) {
+  std::vector<recording_file_t> files = recordingFilesIn(file.folder, file.name);
+  for (recording_file_t& each : files) {
+    if (each.number == file.number) return std::move(each);
+  }
+  return {};
+}
+
+input_t recordingInput(recording_file_t file) {
+  input_t input;
+  input.name = file.path;
+  input.size = sizeOf(file.path);
+  input.open = [file]() -> std::unique_ptr<std::istream> {
+    std::unique_ptr<std::istream> stream = openFile(file.path);
+    if (stream == nullptr && errno != ENOENT) refuse(file.path, errno);
+    if (stream != nullptr) return stream;
+    const std::optional<recording_file_t> present = presentForm(file);
+    return present ? openFile(present->path) : nullptr;
+  };
+  input.successor = [file](std::uintmax_t) -> std::optional<input_t> {
+    for (recording_file_t& next : recordingFilesIn(file.folder, file.name)) {
+      if (next.number > file.number) return recordingInput(std::move(next));
+    }
+    return {};
+  };
+  input.file = std::move(file);
+  return input;
+}
+
 input_t fileInput(const std::string& path) {
-  checkReadable(path);
-  return {path,
-          [path]() -> std::unique_ptr<std::istream> {
-            errno = 0;
-            auto file = std::make_unique<std::ifstream>(path, std::ios::binary);
-            if (!file->is_open()) refuse(path, errno);
-            return file;
-          },
-          sizeOf(path)};
+  const auto opened = std::make_shared<ino_t>();
+  const auto identity = [path]() -> std::optional<ino_t> {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) return {};
+    return status.st_ino;
+  };
+  input_t input;
+  input.name = path;
+  input.size = sizeOf(path);
+  input.open = [path, opened, identity] {
+    std::unique_ptr<std::istream> file = openFile(path);
+    if (file == nullptr) refuse(path, errno);
+    *opened = identity().value_or(0);
+    return file;
+  };
+  std::error_code ignored; // a pipe has its end
+  if (!std::filesystem::is_regular_file(path, ignored)) return input;
+  input.successor = [path, opened, identity](std::uintmax_t end) -> std::optional<input_t> {
+    const std::optional<ino_t> now = identity();
+    if (!now || (*now == *opened && sizeOf(path) >= end)) return {};
+    return fileInput(path);
+  };
+  return input;
 }
 
 input_t standardInput() {
-  return {"<stdin>", [] { return std::make_unique<std::istream>(std::cin.rdbuf()); }, 0, true};
+  input_t input;
+  input.name = "<stdin>";
+  input.open = [] { return std::make_unique<std::istream>(std::cin.rdbuf()); };
+  input.is_standard_input = true;
+  return input;
+}
+
+std::vector<input_t> inputsAt(const std::string& path) {
+  if (path == "-") return {standardInput()};
+  std::vector<recording_file_t> files = recordingAt(path);
+  if (files.empty()) {
+    checkReadable(path);
+    std::optional<recording_file_t> file = recordingFile(path);
+    return {file ? recordingInput(std::move(*file)) : fileInput(path)};
+  }
+  std::vector<input_t> inputs;
+  for (recording_file_t& file : files) {
+    // A recorder may delete its oldest files at any moment.
+    if (access(file.path.c_str(), R_OK) != 0 && errno != ENOENT) refuse(file.path, errno);
+    inputs.push_back(recordingInput(std::move(file)));
+  }
+  return inputs;
 }
 
 } // namespace
@@ -54,15 +129,16 @@ std::vector<input_t> inputsFrom(const std::vector<std::string>& paths) {
   std::vector<input_t> inputs;
   inputs.reserve(paths.size());
   for (const std::string& path : paths) {
-    inputs.push_back(path == "-" ? standardInput() : fileInput(path));
+    std::vector<input_t> more = inputsAt(path);
+    std::move(more.begin(), more.end(), std::back_inserter(inputs));
   }
   return inputs;
 }
 
-void refuseToOverwrite(const std::vector<std::string>& inputs, const std::string& output) {
-  for (const std::string& input : inputs) {
+void refuseToOverwrite(const std::vector<input_t>& inputs, const std::string& output) {
+  for (const input_t& input : inputs) {
     std::error_code ignored; // a file that does not exist is not the same as any other
-    if (std::filesystem::equivalent(input, output, ignored)) {
+    if (std::filesystem::equivalent(input.name, output, ignored)) {
       throw ReplayError(EXIT_USAGE, output + " is read and cannot be written, too");
     }
   }

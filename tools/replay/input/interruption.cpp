@@ -15,6 +15,8 @@ volatile std::sig_atomic_t interrupted = 0;
 
 void note(int) noexcept { interrupted = 1; }
 
+constexpr int MILLISECONDS = 100; // a signal just before a call of poll does not end it
+
 } // namespace
 
 void catchInterruption() noexcept {
@@ -28,10 +30,11 @@ void catchInterruption() noexcept {
 bool isInterrupted() noexcept { return interrupted != 0; }
 
 void waitForStandardInput() noexcept {
-  constexpr int MILLISECONDS = 100; // a signal just before the call does not end it
   pollfd input{STDIN_FILENO, POLLIN, 0};
   while (!isInterrupted() && poll(&input, 1, MILLISECONDS) == 0) {
   }
 }
+
+void waitForFile() noexcept { poll(nullptr, 0, MILLISECONDS); }
 
 } // namespace com::velanto::connectivity::tools

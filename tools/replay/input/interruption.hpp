@@ -12,6 +12,9 @@ void catchInterruption() noexcept;
 // Returns as soon as standard input has something to read or is at its end, or the wish is set.
 void waitForStandardInput() noexcept;
 
+// Returns after a tenth of a second, time enough for a file to grow, or as soon as the wish is set.
+void waitForFile() noexcept;
+
 } // namespace com::velanto::connectivity::tools
 
 #endif

@@ -1,6 +1,7 @@
 #include "tools/replay/input/line_reader.hpp"
 
 #include <string_view>
+#include <utility>
 
 #include "tools/options/exit_status.hpp"
 #include "tools/replay/input/decompression.hpp"
@@ -16,59 +17,127 @@ bool isBlank(std::string_view line) noexcept {
 
 } // namespace
 
-LineReader::LineReader(const std::vector<input_t>& inputs, std::size_t times)
-    : inputs_(inputs), times_(times) {
+LineReader::LineReader(const std::vector<input_t>& inputs, const reading_t& reading)
+    : inputs_(inputs.begin(), inputs.end()), reading_(reading) {
+  if (reading.follow) return;
   for (const input_t& input : inputs) {
     if (input.size == 0) {
       total_ = 0;
       return;
     }
-    total_ += input.size * times;
+    total_ += input.size * reading.times;
   }
 }
 
 bool LineReader::next(record_t& record) {
-  for (; current_ < inputs_.size() * times_; ++current_) {
-    if (!stream_ && !open()) return false;
-    while (nextLine(record.line)) {
-      ++line_number_;
-      if (isBlank(record.line)) continue;
-      record.number = ++number_;
-      record.file = &inputs_[current_ % inputs_.size()].name;
-      record.line_number = line_number_;
-      record.pass = current_ / inputs_.size();
-      return true;
+  record.remarks.clear();
+  for (; current_ < inputs_.size() * reading_.times; ++current_) {
+    if (!stream_ && !open()) {
+      if (isInterrupted()) return false;
+      continue; // the file has been deleted
     }
-    if (isInterrupted()) return false;
+    if (nextOf(record)) return true;
+    if (isInterrupted() || at_growing_end_) return false;
     close();
   }
   return false;
 }
 
+bool LineReader::hasMoreLater() const noexcept { return at_growing_end_ && !isInterrupted(); }
+
+void LineReader::wait() noexcept { waitForFile(); }
+
+// The next message of the current input.
+bool LineReader::nextOf(record_t& record) {
+  while (nextLine(record.line)) {
+    ++line_number_;
+    if (isBlank(record.line) || !isMessage(record)) continue;
+    record.number = ++number_;
+    record.file = &input().name;
+    record.line_number = line_number_;
+    record.pass = current_ / inputs_.size();
+    record.run = recordings_.current() == nullptr ? nullptr : &recordings_.current()->run;
+    record.remarks.swap(remarks_);
+    return true;
+  }
+  return false;
+}
+
+// Whether the line is a message to replay, or no line of a recorder at all.
+bool LineReader::isMessage(record_t& record) {
+  if (Recordings::isRemark(record.line) && recordings_.take(record.line, place())) {
+    in_recording_ = true;
+    remarks_ += record.line + "\n";
+    return false;
+  }
+  record.recorded = recordedIn(record.line);
+  if (!record.recorded) return true;
+  const bool wanted = !reading_.direction || directionOf(*record.recorded) == *reading_.direction;
+  recordings_.takeMessage(wanted);
+  return wanted;
+}
+
 bool LineReader::nextLine(std::string& line) {
-  if (inputs_[current_ % inputs_.size()].is_standard_input && mayWait()) {
+  if (input().is_standard_input && mayWait()) {
     waitForStandardInput();
     if (isInterrupted()) return false;
   }
-  return static_cast<bool>(std::getline(*stream_, line));
+  if (std::exchange(at_growing_end_, false)) stream_->clear();
+  while (true) {
+    line.clear(); // at the end of the stream, getline would leave the line before in it
+    if (std::getline(*stream_, line) && !stream_->eof()) {
+      if (!unfinished_.empty()) line.insert(0, std::exchange(unfinished_, {}));
+      return true;
+    }
+    unfinished_ += line;
+    if (!findMore()) return !at_growing_end_ && takeRest(line);
+    stream_->clear();
+  }
 }
 
-// False: the user has interrupted the wait for the first byte, which tells how to read the others.
+// At the end of the current input: whether to try again there at once, or later. Looks for the
+// successor before the last attempt, so that it misses no line before the change.
+bool LineReader::findMore() {
+  const bool is_last = current_ + 1 == inputs_.size();
+  if (!reading_.follow || !is_last || !input().successor || stream_->bad()) return false;
+  if (std::optional<input_t> successor = input().successor(position())) {
+    inputs_.push_back(std::move(*successor));
+    return true;
+  }
+  at_growing_end_ = true;
+  return false;
+}
+
+// The bytes after the last line end: a line, unless a recorder has not finished it.
+bool LineReader::takeRest(std::string& line) {
+  line = std::exchange(unfinished_, {});
+  if (line.empty() || isInterrupted()) return false;
+  if (!in_recording_ && !Recordings::isRemark(line)) return true;
+  recordings_.takeRest(line.size());
+  return false;
+}
+
+// False: the user has interrupted the wait for the first byte, which tells how to read the others,
+// or the file is gone.
 bool LineReader::open() {
-  const input_t& input = inputs_[current_ % inputs_.size()];
-  if (input.is_standard_input) waitForStandardInput();
+  if (input().is_standard_input) waitForStandardInput();
   if (isInterrupted()) return false;
-  std::unique_ptr<std::istream> raw = failingWith(EXIT_IO, input.open);
+  std::unique_ptr<std::istream> raw = failingWith(EXIT_IO, input().open);
+  if (raw == nullptr) {
+    recordings_.skip(input().file);
+    return false;
+  }
   raw_ = raw->rdbuf();
-  stream_ = decompressed(std::move(raw), input.name);
+  stream_ = decompressed(std::move(raw), input().name);
   line_number_ = 0;
+  in_recording_ = input().file.number != 0;
+  recordings_.begin(input().file, input().name);
   return true;
 }
 
 void LineReader::close() {
-  const input_t& input = inputs_[current_ % inputs_.size()];
-  if (stream_->bad()) throw ReplayError(EXIT_IO, input.name + ": cannot be read to its end");
-  closed_ += input.size;
+  if (stream_->bad()) throw ReplayError(EXIT_IO, input().name + ": cannot be read to its end");
+  closed_ += input().size;
   stream_.reset();
 }
 
@@ -77,11 +146,15 @@ bool LineReader::mayWait() const { return stream_ && stream_->rdbuf()->in_avail(
 std::optional<double> LineReader::fractionRead() const {
   if (total_ == 0) return {};
   std::uintmax_t done = closed_;
-  if (stream_) {
-    const std::streamoff offset = raw_->pubseekoff(0, std::ios::cur, std::ios::in);
-    if (offset > 0) done += static_cast<std::uintmax_t>(offset);
-  }
+  if (stream_) done += position();
   return static_cast<double>(done) / static_cast<double>(total_);
 }
+
+std::uintmax_t LineReader::position() const {
+  const std::streamoff offset = raw_->pubseekoff(0, std::ios::cur, std::ios::in);
+  return offset > 0 ? static_cast<std::uintmax_t>(offset) : 0;
+}
+
+std::string LineReader::place() const { return input().name + ":" + std::to_string(line_number_); }
 
 } // namespace com::velanto::connectivity::tools

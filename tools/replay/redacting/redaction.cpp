@@ -38,6 +38,7 @@ void Redaction::take(const record_t& record) {
   copy.number = record.number;
   copy.file = record.file;
   copy.line_number = record.line_number;
+  copy.recorded = record.recorded;
   std::string line = record.line;
   line.erase(record.annotation.begin, record.annotation.size);
   copy.line = redactor_.redacted(line);

@@ -39,7 +39,7 @@ class Redaction final : public Consumer {
   struct chain_t {
     chain_t(const PluginLibrary& library, const data_t& configuration, Direction direction,
             std::vector<log_line_t>& log)
-        : worker(library, configuration, direction, 1, log) {}
+        : worker(library, configuration, direction, batching_t{1, true}, log) {}
 
     Worker worker;
     record_t record;

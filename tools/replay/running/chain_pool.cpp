@@ -71,7 +71,7 @@ ChainPool::ChainPool(const PluginLibrary& library, const data_t& configuration, 
     : options_(options) {
   for (std::size_t i = 0; i < options.chains; ++i) {
     workers_.push_back(
-        std::make_unique<Worker>(library, configuration, direction, options.batch_size, log));
+        std::make_unique<Worker>(library, configuration, direction, options.batching, log));
   }
 }
 
@@ -79,20 +79,40 @@ void ChainPool::run(LineReader& reader, const pool_listener_t& listener) {
   workers_.size() == 1 ? runAlone(reader, listener) : runTogether(reader, listener);
 }
 
+bool ChainPool::readOne(LineReader& reader, record_t& record) {
+  if (!ahead_) return reader.next(record);
+  record = *std::exchange(ahead_, std::nullopt);
+  return true;
+}
+
 // Fills `block` with the next lines: none at the end.
-void ChainPool::read(LineReader& reader, block_t& block) const {
+void ChainPool::read(LineReader& reader, block_t& block) {
   // As many whole batches as a block holds, but at least one.
-  const std::size_t lines =
-      std::max(BLOCK / options_.batch_size, std::size_t{1}) * options_.batch_size;
-  const bool alone = workers_.size() == 1 && options_.batch_size == 1;
+  const std::size_t size = options_.batching.size;
+  const std::size_t lines = std::max(BLOCK / size, std::size_t{1}) * size;
+  const bool prompt = options_.prompt || (workers_.size() == 1 && size == 1);
   block.failure = nullptr;
   block.count = 0;
   try {
-    while (block.count < lines && !isInterrupted()) {
+    while (!isInterrupted()) {
       // Messages that come one by one are not kept waiting for each other.
-      if (alone && block.count > 0 && reader.mayWait()) break;
+      const bool full = block.count >= lines || (prompt && block.count > 0 && reader.mayWait());
       if (block.count == block.records.size()) block.records.emplace_back();
-      if (!reader.next(block.records[block.count])) break;
+      record_t& record = block.records[block.count];
+      const record_t* const before = block.count == 0 ? nullptr : &block.records[block.count - 1];
+      const bool goes_on = full && options_.batching.as_recorded && !isLastOfBatch(*before);
+      if (full && !goes_on) break;
+      if (!readOne(reader, record)) {
+        const bool whole =
+            before == nullptr || !options_.batching.as_recorded || isLastOfBatch(*before);
+        if (whole || !reader.hasMoreLater()) break;
+        LineReader::wait();
+        continue;
+      }
+      if (goes_on && !sameBatch(*before, record)) {
+        ahead_ = std::move(record);
+        break;
+      }
       ++block.count;
     }
   } catch (const ReplayError&) {
@@ -108,8 +128,9 @@ void ChainPool::runAlone(LineReader& reader, const pool_listener_t& listener) {
     worker.process(std::span(block.records).first(block.count), listener.take);
     listener.report(worker.incidents());
     if (block.failure) std::rethrow_exception(block.failure);
-    if (block.count == 0) break;
-    if (reader.mayWait()) listener.pause();
+    if (block.count == 0 && !reader.hasMoreLater()) break;
+    if (reader.mayWait() || reader.hasMoreLater()) listener.pause();
+    if (reader.hasMoreLater()) LineReader::wait();
   }
 }
 

@@ -12,6 +12,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "tools/replay/input/line_reader.hpp"
@@ -28,9 +29,10 @@ struct pool_listener_t {
 };
 
 struct pool_options_t {
-  std::size_t chains;     // at least 1
-  std::size_t batch_size; // messages, at least 1
-  bool undisturbed;       // all chains are idle while a record is published
+  std::size_t chains; // at least 1
+  batching_t batching;
+  bool undisturbed; // all chains are idle while a record is published
+  bool prompt;      // sends a batch that is not full rather than wait for the next line
 };
 
 class ChainPool {
@@ -55,12 +57,14 @@ class ChainPool {
     std::exception_ptr failure; // of the next read
   };
 
-  void read(LineReader& reader, block_t& block) const;
+  void read(LineReader& reader, block_t& block);
+  bool readOne(LineReader& reader, record_t& record);
   void runAlone(LineReader& reader, const pool_listener_t& listener);
   static void serve(block_t& block, Worker& worker);
   void runTogether(LineReader& reader, const pool_listener_t& listener);
 
   pool_options_t options_;
+  std::optional<record_t> ahead_; // read, but of the batch after the last block
   std::vector<std::unique_ptr<Worker>> workers_;
 };
 

@@ -31,7 +31,8 @@ void Worker::process(std::span<record_t> records, const Done& done) {
     std::size_t count = 0;
     batch_.clear();
     typed_before_.clear();
-    for (; count < records.size() && batch_.size() < batch_size_; ++count) {
+    const std::size_t most = lengthOfBatch(records);
+    for (; count < most && (batching_.as_recorded || batch_.size() < batching_.size); ++count) {
       Message message;
       if (!read(records[count], message)) continue;
       typed_before_.push_back(metadata_.isTyped(message) ? 1 : 0);
@@ -41,6 +42,14 @@ void Worker::process(std::span<record_t> records, const Done& done) {
     for (record_t& record : records.first(count)) done(record);
     records = records.subspan(count);
   }
+}
+
+// How many of the records, from the first on, may go in one call.
+std::size_t Worker::lengthOfBatch(std::span<const record_t> records) const noexcept {
+  if (!batching_.as_recorded) return records.size();
+  std::size_t count = 1;
+  while (count < records.size() && sameBatch(records[count - 1], records[count])) ++count;
+  return count;
 }
 
 // Reads the line's message, or notes why it has none.
@@ -64,15 +73,15 @@ bool Worker::read(record_t& record, Message& message) {
   return true;
 }
 
-call_result_t& Worker::send(std::span<Message> messages) {
-  call_result_t& result = chain_.send(messages);
+call_result_t& Worker::send(std::span<Message> messages, Direction direction) {
+  call_result_t& result = chain_.send(messages, direction);
   incidents_.batches.push_back({messages.size(), result.time});
   return result;
 }
 
 void Worker::sendBatch(std::span<record_t> records) {
   if (batch_.empty()) return;
-  call_result_t& result = send(batch_);
+  call_result_t& result = send(batch_, wayOf(records.front()));
   if (result.failed) incidents_.failed.push_back(batch_.size());
   const bool whole = !result.failed && result.log.empty() && result.outputs.size() == batch_.size();
   if (whole || batch_.size() == 1) {
@@ -113,7 +122,7 @@ void Worker::separate(const call_result_t& whole, std::span<record_t> records) {
     batch_.clear();
     batch_.push_back(reader_.parseMessage(record.line));
     typed_before_.assign(1, typed_before[next++]);
-    call_result_t& alone = chain_.send(batch_);
+    call_result_t& alone = chain_.send(batch_, wayOf(record));
     distribute(alone, {&record, 1});
     same = same && takeFront(outputs, record.outputs, sameMessage) &&
            takeFront(log, record.log, std::equal_to<>());

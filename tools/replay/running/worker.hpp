@@ -33,14 +33,22 @@ struct incidents_t {
   std::vector<batch_time_t> batches;
 };
 
+// The bounds of batches: of `size` messages, at least 1, or those of the recording, and then also in
+// its direction.
+struct batching_t {
+  std::size_t size = 1;
+  bool as_recorded = false;
+};
+
 class Worker {
  public:
   using Done = std::function<void(record_t&)>;
 
-  // Sends batches of `batch_size` messages, at least 1.
   Worker(const PluginLibrary& library, const data_t& configuration, Direction direction,
-         std::size_t batch_size, std::vector<log_line_t>& log)
-      : batch_size_(batch_size), chain_(library, configuration, direction, log) {}
+         const batching_t& batching, std::vector<log_line_t>& log)
+      : batching_(batching),
+        direction_(direction),
+        chain_(library, configuration, direction, log) {}
 
   // Completes `records`, whose origin and line are set, and hands each of them to `done`, in order
   // and as soon as it is complete.
@@ -52,12 +60,18 @@ class Worker {
  private:
   [[nodiscard]] bool read(record_t& record, Message& message);
   void sendBatch(std::span<record_t> records);
-  call_result_t& send(std::span<Message> messages);
+  call_result_t& send(std::span<Message> messages, Direction direction);
   void distribute(call_result_t& result, std::span<record_t> records);
   void separate(const call_result_t& whole, std::span<record_t> records);
   void conclude(record_t& record);
 
-  std::size_t batch_size_;
+  [[nodiscard]] std::size_t lengthOfBatch(std::span<const record_t> records) const noexcept;
+  [[nodiscard]] Direction wayOf(const record_t& record) const noexcept {
+    return batching_.as_recorded && record.recorded ? directionOf(*record.recorded) : direction_;
+  }
+
+  batching_t batching_;
+  Direction direction_;
   JsonReader reader_;
   MetadataReader metadata_;
   ReplayChain chain_;

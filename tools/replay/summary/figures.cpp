@@ -5,6 +5,9 @@ namespace com::velanto::connectivity::tools {
 void Figures::take(const record_t& record) {
   ++read_;
   out_ += record.outputs.size();
+  if (record.recorded && record.recorded->direction == recorded_t::Direction::TRANSPORT) {
+    out_to_transport_ += record.outputs.size();
+  }
   ++counts_[static_cast<std::size_t>(record.outcome)];
 }
 

@@ -19,6 +19,8 @@ class Figures final : public Consumer {
 
   [[nodiscard]] std::uint64_t read() const noexcept { return read_; } // lines that are not blank
   [[nodiscard]] std::uint64_t out() const noexcept { return out_; }   // messages that came out
+  // Of these, messages recorded on their way to the transport.
+  [[nodiscard]] std::uint64_t outToTransport() const noexcept { return out_to_transport_; }
   [[nodiscard]] std::uint64_t count(Outcome outcome) const noexcept {
     return counts_[static_cast<std::size_t>(outcome)];
   }
@@ -29,6 +31,7 @@ class Figures final : public Consumer {
  private:
   std::uint64_t read_ = 0;
   std::uint64_t out_ = 0;
+  std::uint64_t out_to_transport_ = 0;
   std::array<std::uint64_t, OUTCOMES> counts_{};
 };
 

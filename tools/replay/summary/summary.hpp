@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "tools/record/record.hpp"
+#include "tools/replay/comparing/recorded_events.hpp"
 #include "tools/replay/summary/durations.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -61,6 +62,8 @@ struct run_figures_t {
   std::uint64_t out;
   std::chrono::nanoseconds elapsed;
   std::optional<std::int64_t> blocks; // not given back; nothing when the host library cannot tell
+  const Recordings& recordings;
+  std::optional<pairing_t> pairing; // with recorded events, if that was asked for
 };
 
 // Lines of at most 79 columns.

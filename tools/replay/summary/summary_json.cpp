@@ -1,5 +1,6 @@
 // The summary as one line of JSON, in the form of docs/replay-summary.schema.json.
 #include "ndjson/json_line.hpp"
+#include "tools/replay/summary/recordings.hpp"
 #include "tools/replay/summary/summary.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -66,6 +67,7 @@ std::string summaryJson(const Summary& summary, const run_figures_t& run) {
   for (const auto& [channel, count] : summary.channels()) line.item(channel.c_str()).number(count);
   line.close('}');
   writeTimes(line, summary, run);
+  writeRecordings(line, run.recordings, run.pairing);
   line.close('}');
   return std::move(line).take();
 }

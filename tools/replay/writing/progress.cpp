@@ -14,11 +14,21 @@ constexpr std::chrono::milliseconds TIME_BETWEEN{100};
 } // namespace
 
 void Progress::take(const record_t& record) {
+  messages_ = record.number;
   if (record.number % MESSAGES_BETWEEN != 0) return;
   const clock_t::time_point now = clock_t::now();
   if (now - shown_ < TIME_BETWEEN) return;
+  show(now);
+}
+
+void Progress::pause() {
+  if (above_) show(clock_t::now());
+}
+
+void Progress::show(clock_t::time_point now) {
   shown_ = now;
-  terminal_.show(progressLine(record.number, now - start_, fraction_()));
+  const std::string line = progressLine(messages_, now - start_, fraction_());
+  terminal_.show(above_ ? above_() + line : line);
 }
 
 std::string progressLine(std::uint64_t messages, std::chrono::duration<double> elapsed,

@@ -1,5 +1,6 @@
 #include "tools/replay/writing/terminal.hpp"
 
+#include <algorithm>
 #include <string_view>
 
 namespace com::velanto::connectivity::tools {
@@ -7,6 +8,7 @@ namespace com::velanto::connectivity::tools {
 namespace {
 
 constexpr std::string_view ERASE = "\r\x1B[K";
+constexpr std::string_view UP = "\x1B[A";
 
 void put(std::streambuf& out, std::string_view text) {
   out.sputn(text.data(), static_cast<std::streamsize>(text.size()));
@@ -14,15 +16,18 @@ void put(std::streambuf& out, std::string_view text) {
 
 } // namespace
 
-void Terminal::show(const std::string& line) {
-  put(out_, std::string(ERASE) + line);
+void Terminal::show(const std::string& lines) {
+  std::string text;
+  for (; shown_ > 1; --shown_) text.append(ERASE).append(UP);
+  put(out_, text.append(ERASE).append(lines));
   out_.pubsync();
-  shown_ = true;
+  shown_ = 1 + std::count(lines.begin(), lines.end(), '\n');
 }
 
 void Terminal::hide() {
-  if (shown_) put(out_, ERASE);
-  shown_ = false;
+  for (; shown_ > 1; --shown_) put(out_, std::string(ERASE).append(UP));
+  if (shown_ > 0) put(out_, ERASE);
+  shown_ = 0;
 }
 
 Terminal::int_type Terminal::overflow(int_type c) {

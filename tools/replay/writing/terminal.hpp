@@ -1,8 +1,9 @@
-// Standard error on a terminal: a status line that is always the last one, and gives way to all
-// other output.
+// Standard error on a terminal: a status line, or several, that is always the last one, and gives
+// way to all other output.
 #ifndef VLT_TOOLS_REPLAY_WRITING_TERMINAL_HPP
 #define VLT_TOOLS_REPLAY_WRITING_TERMINAL_HPP
 
+#include <cstddef>
 #include <streambuf>
 #include <string>
 
@@ -16,8 +17,9 @@ class Terminal final : public std::streambuf {
   Terminal& operator=(const Terminal&) = delete;
   ~Terminal() override { hide(); }
 
-  // Shows `line`, of fewer than 80 columns, in place of the status line.
-  void show(const std::string& line);
+  // Shows `lines`, each of fewer than 80 columns, in place of the status lines. The last one has no
+  // line end.
+  void show(const std::string& lines);
 
  protected:
   int_type overflow(int_type c) override;
@@ -28,7 +30,7 @@ class Terminal final : public std::streambuf {
   void hide();
 
   std::streambuf& out_;
-  bool shown_ = false;
+  std::ptrdiff_t shown_ = 0; // lines
 };
 
 } // namespace com::velanto::connectivity::tools

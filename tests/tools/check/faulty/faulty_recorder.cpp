@@ -140,8 +140,9 @@ void towardsTransport(void* handle, message_t* start, message_t* end) {
 
 #define EXPORT extern "C" __attribute__((visibility("default")))
 #define FORWARD(operation, plugin) \
-  ((plugin) == nullptr ? 1         \
-                       : vlt_plugin_##operation##_RealRecorder(static_cast<front_t*>(plugin)->real))
+  ((plugin) == nullptr             \
+       ? 1                         \
+       : vlt_plugin_##operation##_RealRecorder(static_cast<front_t*>(plugin)->real))
 
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the host looks these up
 EXPORT std::uint64_t vlt_plugin_api_version_OstroviaNotificationsRecorder() {

@@ -50,7 +50,8 @@ TEST(InputsTest, UnreadableInputIsRefusedBeforeAnyOpens) {
   const std::string file = folder.write("file", "");
   const std::string missing = folder.path("missing");
   EXPECT_EQ(errorFrom({file, missing}), missing + ": No such file or directory");
-  EXPECT_EQ(errorFrom({folder.path("")}), folder.path("") + ": Is a directory");
+  EXPECT_EQ(errorFrom({folder.path("")}),
+            folder.path("") + " has no recording, no file NAME.000001.ndjson");
   EXPECT_EQ(errorFrom({""}), ": No such file or directory");
 }
 

@@ -95,7 +95,8 @@ TEST_F(SummaryTest, ProgramsGetOneLineOfJson) {
       0u)
       << shown;
   const Pattern times(R"("messages_per_second":[0-9.e+]+,"batches":\{"count":3,)"
-                      R"("median_us":[0-9.]+,"p99_us":[0-9.]+\}\}\n$)");
+                      R"("median_us":[0-9.]+,"p99_us":[0-9.]+\},"recordings":\[\],)"
+                      R"("deleted_files":\[\],"headless_bytes":0\}\n$)");
   EXPECT_TRUE(times.isIn(shown)) << shown;
 }
 

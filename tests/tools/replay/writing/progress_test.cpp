@@ -30,4 +30,24 @@ TEST(TerminalTest, StatusLineGivesWayToOutput) {
   EXPECT_EQ(screen.str(), "\r\x1B[Ka\r\x1B[Kline\nnext\n\r\x1B[Kb\r\x1B[K");
 }
 
+TEST(TerminalTest, SeveralStatusLinesGiveWayTogether) {
+  std::stringbuf screen;
+  tools::Terminal terminal(screen);
+  terminal.show("a\nb\nc");
+  terminal.show("d");
+  EXPECT_EQ(screen.str(), "\r\x1B[Ka\nb\nc\r\x1B[K\x1B[A\r\x1B[K\x1B[A\r\x1B[Kd");
+}
+
+TEST(ProgressTest, PauseShowsTheLinesAbove) {
+  std::stringbuf screen;
+  tools::Terminal terminal(screen);
+  const auto unknown = []() -> std::optional<double> { return {}; };
+  tools::Progress alone(terminal, unknown);
+  alone.pause();
+  EXPECT_EQ(screen.str(), "");
+  tools::Progress progress(terminal, unknown, [] { return std::string("summary\n"); });
+  progress.pause();
+  EXPECT_TRUE(screen.str().starts_with("\r\x1B[Ksummary\n0 messages, 0 ")) << screen.str();
+}
+
 } // namespace com::velanto::connectivity::test
