@@ -6,8 +6,10 @@
 #include <iostream>
 
 #include "tools/check/command_line.hpp"
+#include "tools/options/standard_streams.hpp"
 
 int main(int argc, char** argv) {
+  com::velanto::connectivity::tools::openClosedStreams();
   // A reader that closes its pipe does not end the checks.
   std::signal(SIGPIPE, SIG_IGN);
   const char* const no_colour = std::getenv("NO_COLOR"); // NOLINT(concurrency-mt-unsafe)

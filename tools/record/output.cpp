@@ -32,11 +32,4 @@ void Output::flush() {
   throw ReplayError(EXIT_IO, complaint_ + why);
 }
 
-std::ofstream openForWriting(const std::string& path) {
-  errno = 0;
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  if (!file) throw ReplayError(EXIT_IO, path + ": " + std::generic_category().message(errno));
-  return file;
-}
-
 } // namespace com::velanto::connectivity::tools

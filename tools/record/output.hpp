@@ -2,7 +2,6 @@
 #ifndef VLT_TOOLS_RECORD_OUTPUT_HPP
 #define VLT_TOOLS_RECORD_OUTPUT_HPP
 
-#include <fstream>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -31,9 +30,6 @@ class Output {
   std::string pending_;
   bool closed_ = false;
 };
-
-// Creates or empties the file. Throws ReplayError "PATH: reason" with EXIT_IO.
-[[nodiscard]] std::ofstream openForWriting(const std::string& path);
 
 } // namespace com::velanto::connectivity::tools
 

@@ -7,8 +7,6 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <filesystem>
-#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -26,7 +24,8 @@ constexpr std::size_t LARGE_PIECE = std::size_t{64} << 10; // bytes
   throw ReplayError(EXIT_IO, path + ": " + std::generic_category().message(error));
 }
 
-// The descriptor of this process that `path` means.
+} // namespace
+
 std::optional<int> descriptorOf(std::string_view path) {
   if (path == "-" || path == "/dev/stdout") return STDOUT_FILENO;
   if (path == "/dev/stderr") return STDERR_FILENO;
@@ -39,7 +38,6 @@ std::optional<int> descriptorOf(std::string_view path) {
   return {};
 }
 
-// The file that `path` leads to, which need not exist.
 fs::path endOfLinks(fs::path path) {
   constexpr int MOST = 40; // as the kernel has it
   for (int i = 0; i < MOST && fs::is_symlink(path); ++i) {
@@ -48,8 +46,6 @@ fs::path endOfLinks(fs::path path) {
   }
   return path;
 }
-
-} // namespace
 
 OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
   const std::optional<int> descriptor = descriptorOf(path_);

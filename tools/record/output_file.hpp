@@ -11,10 +11,17 @@
 #ifndef VLT_TOOLS_RECORD_OUTPUT_FILE_HPP
 #define VLT_TOOLS_RECORD_OUTPUT_FILE_HPP
 
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace com::velanto::connectivity::tools {
+
+// The descriptor of this process that `path` means as an output; nothing for any other path.
+[[nodiscard]] std::optional<int> descriptorOf(std::string_view path);
+// The file that `path` leads to, which need not exist.
+[[nodiscard]] std::filesystem::path endOfLinks(std::filesystem::path path);
 
 class OutputFile {
  public:

@@ -15,17 +15,6 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-// No file is both read and written.
-void checkOutputs(const ReplayOptions& options, const std::vector<input_t>& inputs) {
-  for (const std::optional<std::string>& output :
-       {options.dropped, options.record, options.redacted, options.junit}) {
-    if (!output) continue;
-    refuseToOverwrite(inputs, *output);
-    if (options.expect) refuseToOverwrite(inputsFrom({*options.expect}), *output);
-    if (options.expect_events) refuseToOverwrite(inputsFrom({*options.expect_events}), *output);
-  }
-}
-
 // The rules between options.
 void checkTogether(const ReplayOptions& options) {
   const bool reads_standard_input =
@@ -64,6 +53,19 @@ void checkTogether(const ReplayOptions& options) {
   }
 }
 
+// The files that the run reads as messages.
+std::vector<std::string> pathsOf(const std::vector<input_t>& inputs, const ReplayOptions& options) {
+  std::vector<std::string> paths;
+  paths.reserve(inputs.size());
+  for (const input_t& input : inputs) {
+    paths.push_back(input.is_standard_input ? "-" : input.name);
+  }
+  if (options.expect_events) {
+    for (const input_t& input : inputsFrom({*options.expect_events})) paths.push_back(input.name);
+  }
+  return paths;
+}
+
 } // namespace
 
 int runReplay(int count, const char* const* arguments, std::ostream& out, std::ostream& diagnostics,
@@ -79,7 +81,7 @@ int runReplay(int count, const char* const* arguments, std::ostream& out, std::o
     if (options.check_config) return checkConfiguration(options, out, diagnostics);
     if (options.suite) return runSuite(options, diagnostics);
     const std::vector<input_t> inputs = inputsFrom(options.paths);
-    checkOutputs(options, inputs);
+    checkFiles(options, pathsOf(inputs, options), {});
     if (!display.progress) {
       return replay(options, inputs, out, diagnostics, nullptr, display.colour);
     }

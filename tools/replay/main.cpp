@@ -5,10 +5,12 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "tools/options/standard_streams.hpp"
 #include "tools/replay/command_line.hpp"
 #include "tools/replay/input/interruption.hpp"
 
 int main(int argc, char** argv) {
+  com::velanto::connectivity::tools::openClosedStreams();
   // Closing the reader is then an error of the write, which the tool reports.
   std::signal(SIGPIPE, SIG_IGN);
   com::velanto::connectivity::tools::catchInterruption();

@@ -9,6 +9,7 @@
 
 #include "tools/host/host_library.hpp"
 #include "tools/host/log_capture.hpp"
+#include "tools/record/files_in_use.hpp"
 #include "tools/replay/consumers.hpp"
 #include "tools/replay/input/interruption.hpp"
 #include "tools/replay/running/chain_pool.hpp"
@@ -225,6 +226,23 @@ void Replay::writeFigures(std::optional<std::int64_t> blocks, const Recordings& 
 }
 
 } // namespace
+
+void checkFiles(const ReplayOptions& options, const std::vector<std::string>& read,
+                const std::vector<std::string>& written) {
+  FilesInUse files;
+  for (const std::string& path : read) files.read(path);
+  files.read(options.plugin_path);
+  for (const std::optional<std::string>& path :
+       {options.config, options.expect, options.against, options.redact_key}) {
+    if (path) files.read(*path);
+  }
+  files.writeStreams();
+  for (const std::string& path : written) files.write(path);
+  for (const std::optional<std::string>& path :
+       {options.dropped, options.record, options.redacted, options.junit}) {
+    if (path) files.write(*path);
+  }
+}
 
 int reportError(std::ostream& diagnostics) noexcept {
   const auto report = [&](const std::exception& error, int status) {

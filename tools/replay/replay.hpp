@@ -27,6 +27,12 @@ namespace com::velanto::connectivity::tools {
 int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std::ostream& events,
            std::ostream& diagnostics, Terminal* terminal = nullptr, bool colour = false) noexcept;
 
+// Throws ReplayError with EXIT_USAGE when a file that the run writes has another use in it, such as
+// being read. The run has the files of the options, the standard streams, and those given here; "-"
+// is standard input.
+void checkFiles(const ReplayOptions& options, const std::vector<std::string>& read,
+                const std::vector<std::string>& written);
+
 // Inside a handler: writes the exception to `diagnostics` and returns its exit status, one of
 // EXIT_STATUSES. The exception must be a std::exception.
 int reportError(std::ostream& diagnostics) noexcept;

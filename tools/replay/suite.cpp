@@ -7,6 +7,7 @@
 #include <streambuf>
 #include <system_error>
 
+#include "tools/replay/input/interruption.hpp"
 #include "tools/replay/replay.hpp"
 #include "tools/replay/writing/junit.hpp"
 
@@ -35,12 +36,23 @@ std::vector<fs::path> casesIn(const std::string& folder) {
   return cases;
 }
 
+fs::path goldenOf(fs::path input) { return input.replace_extension(".golden"); }
+
+void checkFilesOf(const ReplayOptions& options, const std::vector<fs::path>& cases) {
+  std::vector<std::string> read;
+  std::vector<std::string> written;
+  for (const fs::path& input : cases) {
+    read.push_back(input);
+    (options.update ? written : read).push_back(goldenOf(input));
+  }
+  checkFiles(options, read, written);
+}
+
 case_result_t runCase(const ReplayOptions& suite, const fs::path& input) {
   ReplayOptions options = suite;
   options.quiet = true;
   options.strict = false;
-  fs::path golden = input;
-  golden.replace_extension(".golden");
+  const fs::path golden = goldenOf(input);
   (suite.update ? options.record : options.expect) = golden.string();
   std::vector<input_t> inputs = inputsFrom({input.string()});
   inputs.front().name = input.filename().string(); // golden files are the same in any folder
@@ -68,15 +80,23 @@ int runSuite(const ReplayOptions& options, std::ostream& diagnostics) {
   std::vector<case_result_t> results;
   int worst = EXIT_FINE;
   std::size_t failed = 0;
-  for (const fs::path& input : casesIn(*options.suite)) {
+  const std::vector<fs::path> cases = casesIn(*options.suite);
+  checkFilesOf(options, cases);
+  for (const fs::path& input : cases) {
     const case_result_t& result = results.emplace_back(runCase(options, input));
     worst = std::max<int>(worst, result.status);
     if (result.status != EXIT_FINE) ++failed;
     const char* const word = options.update ? "made  " : "ok    ";
     diagnostics << (result.status == EXIT_FINE ? word : "FAILED") << "  " << result.name << '\n'
                 << result.complaint;
+    if (isInterrupted()) break;
   }
   diagnostics << results.size() << " cases, " << failed << " failed\n";
+  if (isInterrupted()) {
+    diagnostics << REPLAY_NAME << ": interrupted, with " << cases.size() - results.size()
+                << " cases not run\n";
+    return EXIT_INTERRUPTED;
+  }
   if (options.junit) writeJunit(*options.junit, *options.suite, results);
   return worst;
 }

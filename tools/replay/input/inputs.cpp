@@ -135,13 +135,4 @@ std::vector<input_t> inputsFrom(const std::vector<std::string>& paths) {
   return inputs;
 }
 
-void refuseToOverwrite(const std::vector<input_t>& inputs, const std::string& output) {
-  for (const input_t& input : inputs) {
-    std::error_code ignored; // a file that does not exist is not the same as any other
-    if (std::filesystem::equivalent(input.name, output, ignored)) {
-      throw ReplayError(EXIT_USAGE, output + " is read and cannot be written, too");
-    }
-  }
-}
-
 } // namespace com::velanto::connectivity::tools

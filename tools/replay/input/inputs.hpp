@@ -34,10 +34,6 @@ struct input_t {
 // without one recording.
 [[nodiscard]] std::vector<input_t> inputsFrom(const std::vector<std::string>& paths);
 
-// Throws ReplayError with EXIT_USAGE when the file `output`, which the run will overwrite, is one
-// of the inputs.
-void refuseToOverwrite(const std::vector<input_t>& inputs, const std::string& output);
-
 } // namespace com::velanto::connectivity::tools
 
 #endif

@@ -5,11 +5,8 @@
 
 namespace com::velanto::connectivity::tools {
 
-DeadLetters::DeadLetters(const std::string& path)
-    : file_(openForWriting(path)), out_(file_, "cannot write " + path) {}
-
 void DeadLetters::take(const record_t& record) {
-  if (record.outcome == Outcome::DROPPED) out_.write(deadLetterOf(record) + "\n");
+  if (record.outcome == Outcome::DROPPED) file_.write(deadLetterOf(record) + "\n");
 }
 
 std::string deadLetterOf(const record_t& record) {

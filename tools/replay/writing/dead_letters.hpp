@@ -9,25 +9,24 @@
 #ifndef VLT_TOOLS_REPLAY_WRITING_DEAD_LETTERS_HPP
 #define VLT_TOOLS_REPLAY_WRITING_DEAD_LETTERS_HPP
 
-#include <fstream>
 #include <string>
 
-#include "tools/record/output.hpp"
+#include "tools/record/output_file.hpp"
 #include "tools/record/record.hpp"
 
 namespace com::velanto::connectivity::tools {
 
 class DeadLetters final : public Consumer {
  public:
-  // Creates or empties the file. Throws ReplayError with EXIT_IO.
-  explicit DeadLetters(const std::string& path);
+  // Throws ReplayError with EXIT_IO.
+  explicit DeadLetters(const std::string& path) : file_(path) {}
 
   void take(const record_t& record) override;
-  void pause() override { out_.flush(); }
+  void pause() override { file_.flush(); }
+  void commit() override { file_.commit(); }
 
  private:
-  std::ofstream file_;
-  Output out_;
+  OutputFile file_;
 };
 
 // The line of `record`, a dropped one, without its line end.

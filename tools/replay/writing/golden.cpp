@@ -66,7 +66,4 @@ std::string_view contentOf(std::string_view golden_line) noexcept {
   return begin == std::string_view::npos ? golden_line : golden_line.substr(begin);
 }
 
-GoldenWriter::GoldenWriter(const std::string& path)
-    : file_(openForWriting(path)), out_(file_, "cannot write " + path) {}
-
 } // namespace com::velanto::connectivity::tools

@@ -9,11 +9,10 @@
 #ifndef VLT_TOOLS_REPLAY_WRITING_GOLDEN_HPP
 #define VLT_TOOLS_REPLAY_WRITING_GOLDEN_HPP
 
-#include <fstream>
 #include <string>
 #include <string_view>
 
-#include "tools/record/output.hpp"
+#include "tools/record/output_file.hpp"
 #include "tools/record/record.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -28,18 +27,18 @@ namespace com::velanto::connectivity::tools {
 // Writes the file.
 class GoldenWriter final : public Consumer {
  public:
-  // Creates or empties the file. Throws ReplayError with EXIT_IO.
-  explicit GoldenWriter(const std::string& path);
+  // Throws ReplayError with EXIT_IO.
+  explicit GoldenWriter(const std::string& path) : file_(path) {}
 
-  void take(const record_t& record) override { out_.write(goldenLineOf(record) + "\n"); }
+  void take(const record_t& record) override { file_.write(goldenLineOf(record) + "\n"); }
   void takeLog(std::span<const log_line_t> lines) override {
-    if (!lines.empty()) out_.write(goldenLineOf(lines) + "\n");
+    if (!lines.empty()) file_.write(goldenLineOf(lines) + "\n");
   }
-  void pause() override { out_.flush(); }
+  void pause() override { file_.flush(); }
+  void commit() override { file_.commit(); }
 
  private:
-  std::ofstream file_;
-  Output out_;
+  OutputFile file_;
 };
 
 } // namespace com::velanto::connectivity::tools

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "ndjson/utf8.hpp"
-#include "tools/record/output.hpp"
+#include "tools/record/output_file.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -76,15 +76,14 @@ void writeJunit(const std::string& path, const std::string& suite,
     seconds += result.seconds;
     cases += caseOf(suite, result);
   }
-  std::ofstream file = openForWriting(path);
-  Output out(file, "cannot write " + path);
+  OutputFile out(path);
   out.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuite name=\"" + escaped(suite) +
             "\" tests=\"" + std::to_string(results.size()) + "\" failures=\"" +
             std::to_string(failures) + "\" errors=\"" + std::to_string(errors) + "\" time=\"" +
             secondsOf(seconds) + "\">\n");
   out.write(cases);
   out.write("</testsuite>\n");
-  out.flush();
+  out.commit();
 }
 
 } // namespace com::velanto::connectivity::tools

@@ -17,7 +17,7 @@ struct case_result_t {
   double seconds = 0;
 };
 
-// Creates or empties the file. Throws ReplayError with EXIT_IO.
+// Makes or replaces the file. Throws ReplayError with EXIT_IO.
 void writeJunit(const std::string& path, const std::string& suite,
                 const std::vector<case_result_t>& results);
 

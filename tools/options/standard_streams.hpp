@@ -1,0 +1,22 @@
+// The three standard streams of a tool.
+#ifndef VLT_TOOLS_OPTIONS_STANDARD_STREAMS_HPP
+#define VLT_TOOLS_OPTIONS_STANDARD_STREAMS_HPP
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace com::velanto::connectivity::tools {
+
+// Opens streams that the caller has closed on the null device. Otherwise the first files that the
+// tool opens would take their numbers, and get whatever it writes to the streams. To be called
+// before anything opens a file.
+inline void openClosedStreams() noexcept {
+  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+    // The lowest free number is this one.
+    if (fcntl(descriptor, F_GETFD) < 0) static_cast<void>(open("/dev/null", O_RDWR));
+  }
+}
+
+} // namespace com::velanto::connectivity::tools
+
+#endif
