@@ -22,10 +22,12 @@ constexpr std::array ARGUMENTS = {
     argument_row_t{"PATH", FILES},
     argument_row_t{"FILE", FILES},
     argument_row_t{"FOLDER", "compopt -o dirnames"},
+    argument_row_t{"RECORDING", FILES},
     argument_row_t{"LEVEL", "words='2 3 6'"},
     // The tool itself knows its checks; it lists them without loading anything.
     argument_row_t{"PATTERN", "words=$(\"$1\" --list 2>/dev/null | cut -d ' ' -f 1)"},
     argument_row_t{"TEXT", ""},
+    argument_row_t{"FIELDS", ""},
     argument_row_t{"COUNT", ""},
     argument_row_t{"SECONDS", ""},
     argument_row_t{"N", ""},
