@@ -8,6 +8,9 @@
   map      a program of map operations: random bytes, always the same, since the samples have none
   plugin   the settings of a run, which samples make up its batch, and what is spoilt in them
   replay   a line of the samples; a few lines together
+  recording
+           an odd byte and the end of a recorded line: of a sample's, and of each row of the
+           notation; an even byte and random bytes, which are messages
 
 usage: make_seeds.py FOLDER     writes FOLDER/TARGET/NAME; run in the project's root
 """
@@ -89,6 +92,16 @@ def of_every_kind():
     return payloads + paths
 
 
+def recordings(lines):
+    """As fuzz/recording.cpp reads them."""
+    digits = '"0123456789abcdef"'
+    rows = [f'["decimal",{digits}]', '["buffer","AP8Q"]', '["custom"]', '["borrowed","a"]',
+            '["string",null]', '["borrowed",null]', '["bytes","Yf8="]', '["borrowed-bytes","ww=="]',
+            '["double","7ff8000000000000"]', f'["tag",11,{digits}]', '["map",[[1,{"a":[]}]]]']
+    ends = [line[1:] for line in lines] + [f'"payload":{{"$":{row}}}}}' for row in rows]
+    return [b"\x01" + end.encode() for end in ends] + [b"\0" + bytes for bytes in programs()]
+
+
 def write(folder, inputs):
     folder.mkdir(parents=True, exist_ok=True)
     for number, content in enumerate(inputs):
@@ -108,6 +121,7 @@ def main():
     write(folder / "map", programs())
     write(folder / "plugin", batches(len(common), len(failing))
           + spoilt(messages[:len(common)]) + of_every_kind())
+    write(folder / "recording", recordings(lines))
     write(folder / "replay", [line.encode() for line in lines + ["\n".join(lines[:3])]])
 
 

@@ -133,6 +133,12 @@ value_t readBorrowedBytes(parts_t& content) {
   return bytes ? value_t(borrowedText(*bytes)) : std::nullopt;
 }
 
+value_t readBoolean(parts_t& content) {
+  const std::int64_t* const byte = content[0].get_if<std::int64_t>();
+  if (byte == nullptr || *byte < 0 || *byte > 255) return std::nullopt;
+  return valueOf(VLT_TAG_BOOLEAN, static_cast<std::uint64_t>(*byte));
+}
+
 value_t readTag(parts_t& content) {
   const std::int64_t* const tag = content[0].get_if<std::int64_t>();
   const auto bits = bitsIn(content[1]);
@@ -162,6 +168,7 @@ struct kind_t {
 };
 
 constexpr std::array KINDS = {
+    kind_t{"boolean", 1, readBoolean, "an integer from 0 to 255"},
     kind_t{"decimal", 1, readDecimal, "16 hexadecimal digits"},
     kind_t{"buffer", 1, readBuffer, "base64"},
     kind_t{"custom", 0, readNothing, "no content"},

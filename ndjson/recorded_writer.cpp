@@ -131,7 +131,7 @@ void RecordedWriter::write(const data_t& value, place_t place) noexcept {
     case VLT_TAG_EMPTY:
       return out_.raw("null");
     case VLT_TAG_BOOLEAN:
-      return is_true(content.value.boolean) ? out_.raw("true") : out_.raw("false");
+      return writeBoolean(static_cast<unsigned char>(bitsOf(content)));
     case VLT_TAG_DOUBLE:
       return writeDouble(content.value.real);
     case VLT_TAG_INTEGER:
@@ -160,6 +160,14 @@ void RecordedWriter::write(const data_t& value, place_t place) noexcept {
       out_.put(',');
       out_.bits(bitsOf(content));
   }
+  out_.raw("]}");
+}
+
+// A table may have keys that differ in nothing but the bits of their truth.
+void RecordedWriter::writeBoolean(unsigned char content) noexcept {
+  if (content <= 1) return content == 1 ? out_.raw("true") : out_.raw("false");
+  out_.raw(R"({"$":["boolean",)");
+  out_.integer(content);
   out_.raw("]}");
 }
 

@@ -4,6 +4,7 @@
 //   value                                          {"$":[…]}
 //   decimal                                        "decimal", its 8 bytes as 16 hex digits
 //   buffer                                         "buffer", its bytes in base64
+//   boolean of other bits than 0 and 1             "boolean", its byte as an integer
 //   custom object                                  "custom": reads back as empty
 //   borrowed string                                "borrowed", the string
 //   null string, owned or borrowed                 "string" or "borrowed", null
@@ -76,6 +77,7 @@ class RecordedWriter {
   void write(std::span<const data_t> elements, place_t place) noexcept;
   void write(std::span<const map_slot_t> slots, place_t place) noexcept;
   void writeText(const vlt_underlying_data_t& value, place_t place) noexcept;
+  void writeBoolean(unsigned char content) noexcept;
   void writeDouble(double content) noexcept;
   open_t* open() noexcept;
 

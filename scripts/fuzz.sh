@@ -13,10 +13,11 @@
 #   log/TARGET        the last run's output
 #   log/TARGET        the last run's output
 
-fuzz_targets=(plugin map replay time number)
+fuzz_targets=(plugin map replay recording time number)
 
 # The longest inputs, in bytes. Longer ones show little more and slow everything down.
-declare -A fuzz_longest=([time]=64 [number]=64 [map]=1024 [plugin]=256 [replay]=4096)
+declare -A fuzz_longest=([time]=64 [number]=64 [map]=1024 [plugin]=256 [replay]=4096
+  [recording]=2048)
 
 # An ordinary input takes milliseconds: one that takes seconds, on a busy machine too, found a way
 # to make the code slow. The memory includes 256 MB that AddressSanitizer holds back from reuse.

@@ -63,6 +63,10 @@ TEST_F(NotationTest, EachKindReadsBack) {
       tagged(4294967295), real(std::bit_cast<double>(0x7ff8000000000001)), real(-INFINITY));
 }
 
+TEST_F(NotationTest, KeysOfDifferentTruthStayApart) {
+  expectReadBack(mapOf(truth(true), whole(1), tagged(VLT_TAG_BOOLEAN, 2), whole(2)));
+}
+
 TEST_F(NotationTest, EmptyKeyReadsBack) {
   map_t map;
   map.maybe_insert(map_t::const_pair(data_t(), whole(1)));
@@ -120,6 +124,8 @@ TEST_F(NotationTest, DamagedNotationIsRefused) {
       {R"({"$":["custom"],"a":1})", R"(17: member next to "$")"},
       {R"({"$":["custom"],"$":1})", R"(17: member next to "$")"},
       {R"({"$":["custom",1]})", R"(1: {"$":["custom"…]} needs no content)"},
+      {R"({"$":["boolean",256]})", R"(1: {"$":["boolean"…]} needs an integer from 0 to 255)"},
+      {R"({"$":["boolean",true]})", R"(1: {"$":["boolean"…]} needs an integer from 0 to 255)"},
       {R"({"$":["decimal"]})", R"(1: {"$":["decimal"…]} needs 16 hexadecimal digits)"},
       {R"({"$":["decimal",255]})", R"(1: {"$":["decimal"…]} needs 16 hexadecimal digits)"},
       {R"({"$":["decimal","0ff"]})", R"(1: {"$":["decimal"…]} needs 16 hexadecimal digits)"},

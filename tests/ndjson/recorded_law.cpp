@@ -180,7 +180,7 @@ bool isReadBack(const data_t& recorded, const data_t& read) {
     case VLT_TAG_EMPTY:
       return true;
     case VLT_TAG_BOOLEAN:
-      return is_true(before.boolean) == is_true(after.boolean);
+      return std::memcmp(&before, &after, 1) == 0;
     case VLT_TAG_STRING:
     case VLT_TAG_BORROWED_STRING:
       return isSameText(before.string, after.string);

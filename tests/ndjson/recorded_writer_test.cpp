@@ -58,13 +58,14 @@ TEST_F(RecordedWriterTest, ValuesWithoutJsonFormUseTheNotation) {
   expectRows(
       decimal(255), R"({"$":["decimal","00000000000000ff"]})", bytes(std::string("\0\xff\x10", 3)),
       R"({"$":["buffer","AP8Q"]})", tagged(VLT_TAG_BUFFER), R"({"$":["buffer",""]})", custom(),
-      R"({"$":["custom"]})", borrowed("a\"é"), R"({"$":["borrowed","a\"é"]})", nullText(),
-      R"({"$":["string",null]})", tagged(VLT_TAG_BORROWED_STRING), R"({"$":["borrowed",null]})",
-      text("a\xff"), R"({"$":["bytes","Yf8="]})", borrowed("\xc3"),
-      R"({"$":["borrowed-bytes","ww=="]})", real(std::numeric_limits<double>::infinity()),
-      R"({"$":["double","7ff0000000000000"]})", real(std::bit_cast<double>(0xfff8000000000001)),
-      R"({"$":["double","fff8000000000001"]})", tagged(11, 0x0123456789abcdef),
-      R"({"$":["tag",11,"0123456789abcdef"]})", tagged(4294967295),
+      R"({"$":["custom"]})", tagged(VLT_TAG_BOOLEAN, 2), R"({"$":["boolean",2]})",
+      tagged(VLT_TAG_BOOLEAN, 255), R"({"$":["boolean",255]})", borrowed("a\"é"),
+      R"({"$":["borrowed","a\"é"]})", nullText(), R"({"$":["string",null]})",
+      tagged(VLT_TAG_BORROWED_STRING), R"({"$":["borrowed",null]})", text("a\xff"),
+      R"({"$":["bytes","Yf8="]})", borrowed("\xc3"), R"({"$":["borrowed-bytes","ww=="]})",
+      real(std::numeric_limits<double>::infinity()), R"({"$":["double","7ff0000000000000"]})",
+      real(std::bit_cast<double>(0xfff8000000000001)), R"({"$":["double","fff8000000000001"]})",
+      tagged(11, 0x0123456789abcdef), R"({"$":["tag",11,"0123456789abcdef"]})", tagged(4294967295),
       R"({"$":["tag",4294967295,"0000000000000000"]})");
 }
 

@@ -1,0 +1,55 @@
+// Recorded lines, in both directions: what the writer writes, the reader reads as the same message.
+//
+//   input   an even byte, then bytes that describe a message; or an odd byte, then the rest of a
+//           recorded line. What the reader accepts of that is a message, too
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "fuzz/finding.hpp"
+#include "ndjson/json_reader.hpp"
+#include "standin/standin.h"
+#include "tests/ndjson/recorded_law.hpp"
+
+namespace fuzz = com::velanto::connectivity::fuzz;
+namespace test = com::velanto::connectivity::test;
+using com::velanto::connectivity::JsonReader;
+using com::velanto::connectivity::MalformedJson;
+using com::velanto::connectivity::Message;
+
+namespace {
+
+void requireReadBack(const Message& message) {
+  fuzz::require(test::isReadBack(message), "a recorded message reads back as the same");
+}
+
+void checkLine(std::string_view rest) {
+  static JsonReader reader;
+  Message message;
+  try {
+    message = reader.parseMessage(test::REMARK + std::string(rest));
+  } catch (const MalformedJson& e) {
+    const std::string_view reason = e.what();
+    fuzz::require(!reason.empty() && reason.find('\n') == std::string_view::npos,
+                  "a reason is one line");
+    return;
+  }
+  requireReadBack(message);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size == 0) return 0;
+  const std::int64_t live_before = standin_live_blocks_total();
+  const std::span<const std::uint8_t> rest(data + 1, size - 1);
+  if (data[0] % 2 == 0) {
+    requireReadBack(test::messageFrom(rest));
+  } else {
+    checkLine({reinterpret_cast<const char*>(rest.data()), rest.size()});
+  }
+  fuzz::require(standin_live_blocks_total() == live_before, "no block is left");
+  return 0;
+}
