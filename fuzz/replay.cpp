@@ -33,7 +33,8 @@ bool isJson(const std::string& text) {
                              rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag;
   rapidjson::Reader reader;
   rapidjson::BaseReaderHandler<> nothing;
-  rapidjson::StringStream stream(text.c_str());
+  constexpr std::string_view MARK = "\xEF\xBB\xBF"; // which our reader skips
+  rapidjson::StringStream stream(text.c_str() + (text.starts_with(MARK) ? MARK.size() : 0));
   const rapidjson::ParseErrorCode error = reader.Parse<FLAGS>(stream, nothing).Code();
   return error == rapidjson::kParseErrorNone || error == rapidjson::kParseErrorNumberTooBig;
 }

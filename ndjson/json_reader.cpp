@@ -36,6 +36,7 @@ class JsonReader::Parser {
 
   ondemand::document open(std::string_view before, std::string_view json, std::string_view after);
   static void requireEnd(ondemand::document& document);
+  static void refuseOnlyBracket(std::string_view line);
 
   Message readMessage(ondemand::document& document);
   data_t readOnly(ondemand::document& document);
@@ -71,11 +72,9 @@ class JsonReader::Parser {
 
 ondemand::document JsonReader::Parser::open(std::string_view before, std::string_view json,
                                             std::string_view after) {
-  // Invisible in most editors, so that "not well-formed" would puzzle its reader.
-  if (json.starts_with("\xEF\xBB\xBF")) {
-    throw MalformedJson("byte order mark before the JSON", 1);
-  }
   padded_.assign(before).append(json).append(after);
+  // Blanks take the place of a byte order mark, so that all columns stay.
+  if (json.starts_with("\xEF\xBB\xBF")) padded_.replace(before.size(), 3, 3, ' ');
   const std::size_t length = padded_.size();
   padded_.append(simdjson::SIMDJSON_PADDING, ' ');
   before_ = before.size();
@@ -83,7 +82,9 @@ ondemand::document JsonReader::Parser::open(std::string_view before, std::string
   const simdjson::error_code error =
       parser_.iterate(simdjson::padded_string_view(padded_.data(), length, padded_.size()))
           .get(document);
-  if (error != simdjson::SUCCESS) refuseWhole(error, json);
+  if (error != simdjson::SUCCESS) {
+    refuseWhole(error, std::string_view(padded_).substr(before.size(), json.size()));
+  }
   return document;
 }
 
@@ -114,6 +115,7 @@ void JsonReader::Parser::requireEnd(ondemand::document& document) {
 
 Message JsonReader::Parser::message(std::string_view line) {
   is_recorded_ = false;
+  refuseOnlyBracket(line);
   ondemand::document document = open("", line, "");
   return locating(document, [&] { return readMessage(document); });
 }
@@ -187,6 +189,17 @@ text_part_t JsonReader::Parser::memberAt(const char* begin, const char* end) con
   const std::size_t before = line.find_last_not_of(" \t\r", first - 1);
   if (line[before] == ',') return {before, line.find_last_not_of(" \t\r", next - 1) + 1 - before};
   return {first, next + (line[next] == ',' ? 1 : 0) - first};
+}
+
+// The first line of JSON that is laid out over several.
+void JsonReader::Parser::refuseOnlyBracket(std::string_view line) {
+  const std::size_t at = line.find_first_of("{[");
+  if (at == std::string_view::npos ||
+      line.find_first_not_of(" \t\r", at + 1) != std::string_view::npos) {
+    return;
+  }
+  if (line.find_first_not_of(" \t\r\xEF\xBB\xBF") != at) return;
+  throw MalformedJson("JSON over several lines, expected each message on a line", at + 1);
 }
 
 // A value on its own is read as the only element of an array: the library treats a mere number or

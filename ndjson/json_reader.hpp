@@ -13,6 +13,8 @@
 //   { }                   map; "" is a key like any other; refuses a repeated key, since one of the
 //                         values would be lost
 //
+// A byte order mark before the JSON means nothing.
+//
 // A line is an object with "metadata" (an object) and "payload" (any value). Without the one there
 // are no entries, without the other the payload is empty. A member "dropped" is a remark of a tool:
 // it must be well-formed and means nothing. There are no other members.

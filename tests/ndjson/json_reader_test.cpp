@@ -120,7 +120,8 @@ TEST_F(JsonReaderTest, FaultsAreLocated) {
       {R"({"payload": ["a\u0000"]})", 14},
       {R"({"payload": {"a": "\x"}})", 19},
       {R"({"payload": {"\ud83d": 1}})", 14},
-      {"\xEF\xBB\xBF{}", 1},
+      {"\xEF\xBB\xBF{\"payload\": 1, \"other\": 2}", 19},
+      {"\xEF\xBB\xBF{\"payload\": \"\x80\"}", 17},
       {"x", 1}};
   for (const auto& [line, column] : rows) {
     try {
@@ -221,9 +222,23 @@ TEST_F(JsonReaderTest, ContentAroundTheValueIsRefused) {
                 {"],[", after},
                 {"", "no JSON value"},
                 {" \t", "no JSON value"},
-                {"\xEF\xBB\xBF"
-                 "1",
-                 "byte order mark before the JSON"}});
+                {"\xEF\xBB\xBF", "no JSON value"}});
+}
+
+TEST_F(JsonReaderTest, ByteOrderMarkIsSkipped) {
+  expectValues(
+      {{"\xEF\xBB\xBF"
+        "1",
+        whole(1)}});
+  EXPECT_EQ(reader_.parseMessage("\xEF\xBB\xBF{\"payload\":5}").getPayload(), whole(5));
+}
+
+TEST_F(JsonReaderTest, JsonOverSeveralLinesIsRecognised) {
+  for (const char* line : {"{", "[", " {\r", "\xEF\xBB\xBF{ "}) {
+    EXPECT_EQ(messageError(line), "JSON over several lines, expected each message on a line")
+        << line;
+  }
+  EXPECT_EQ(messageError("{{"), "not well-formed JSON");
 }
 
 TEST_F(JsonReaderTest, DeepestAllowedNestingIsRead) {
