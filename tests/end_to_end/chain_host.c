@@ -2,7 +2,7 @@
  *
  *   chain_host CODEC RECORDER FOLDER FILE…
  *
- *   (1) Load both libraries; make "before", the codec and "behind"; link them in a row.
+ *   (1) Load both libraries; make "before", the codec and "after"; link them in a row.
  *   (2) Read the messages of each FILE, a line of JSON each, and send them in batches.
  *   (3) Count the messages that reach the host; shut down, destroy, unload.
  *
@@ -277,7 +277,7 @@ int main(int argc, char** argv) {
   plugin_t chain[3] = {make_recorder(recorders, "before", argv[3]),
                        make(codecs, "OstroviaNotifications2Codec", "codec",
                             put(new_table(), "tenantId", text("t4100"))),
-                       make_recorder(recorders, "behind", argv[3])};
+                       make_recorder(recorders, "after", argv[3])};
   for (int i = 0; i < 3; ++i) {
     failures += chain[i].set_next_towards_host(chain[i].made, i < 2 ? chain + i + 1 : NULL,
                                                i < 2 ? into_plugin : into_host);

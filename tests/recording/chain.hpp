@@ -27,26 +27,26 @@ data_t recorderSettings(const std::string& folder, KeysAndValues&&... more) {
 class Chain {
  public:
   // Makes, links and starts the plug-ins; the ends of the chain are the given links. Both recorders
-  // have these settings; their files are named "before-chain" and "behind-chain".
+  // have these settings; their files are named "before-chain" and "after-chain".
   Chain(const plugin_libraries_t& libraries, const data_t& settings, const tools::link_t& host,
         const tools::link_t& transport)
       : before_(libraries.recorders, "before", "chain", settings),
         codec_(libraries.codecs, "codec", "chain", mapOf("tenantId", text("t1"))),
-        behind_(libraries.recorders, "behind", "chain", settings) {
+        after_(libraries.recorders, "after", "chain", settings) {
     before_.link({&codec_, towardsHost}, transport);
-    codec_.link({&behind_, towardsHost}, {&before_, towardsTransport});
-    behind_.link(host, {&codec_, towardsTransport});
-    for (tools::HostedPlugin* const plugin : {&before_, &codec_, &behind_}) plugin->start();
+    codec_.link({&after_, towardsHost}, {&before_, towardsTransport});
+    after_.link(host, {&codec_, towardsTransport});
+    for (tools::HostedPlugin* const plugin : {&before_, &codec_, &after_}) plugin->start();
   }
 
   [[nodiscard]] bool sendTowardsHost(std::span<Message> batch) {
     return before_.send(tools::Direction::TOWARDS_HOST, batch);
   }
   [[nodiscard]] bool sendTowardsTransport(std::span<Message> batch) {
-    return behind_.send(tools::Direction::TOWARDS_TRANSPORT, batch);
+    return after_.send(tools::Direction::TOWARDS_TRANSPORT, batch);
   }
   [[nodiscard]] bool shutdown() {
-    return before_.shutdown() && codec_.shutdown() && behind_.shutdown();
+    return before_.shutdown() && codec_.shutdown() && after_.shutdown();
   }
 
  private:
@@ -68,7 +68,7 @@ class Chain {
 
   tools::HostedPlugin before_;
   tools::HostedPlugin codec_;
-  tools::HostedPlugin behind_;
+  tools::HostedPlugin after_;
 };
 
 } // namespace com::velanto::connectivity::test

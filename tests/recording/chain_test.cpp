@@ -75,13 +75,13 @@ TEST_F(RecordedChain, EventsAreTheCodecsOwn) {
   EXPECT_EQ(back.size(), readSamples().size());
   EXPECT_TRUE(chain.shutdown());
   const std::vector<recorded_file_t> before = recording("before-chain");
-  const std::vector<recorded_file_t> behind = recording("behind-chain");
+  const std::vector<recorded_file_t> after = recording("after-chain");
   ASSERT_EQ(before.size(), 1U);
-  ASSERT_EQ(behind.size(), 1U);
+  ASSERT_EQ(after.size(), 1U);
   const auto sent = static_cast<std::int64_t>(readSamples().size());
   EXPECT_EQ(before[0].foot->recorded, 2 * sent);
-  EXPECT_GT(behind[0].foot->recorded, sent + 400) << "all messages of the way back, and events";
-  EXPECT_LT(behind[0].foot->recorded, 2 * sent);
+  EXPECT_GT(after[0].foot->recorded, sent + 400) << "all messages of the way back, and events";
+  EXPECT_LT(after[0].foot->recorded, 2 * sent);
 }
 
 TEST_F(RecordedChain, BothRecordersNumberABatchAlike) {
@@ -90,13 +90,13 @@ TEST_F(RecordedChain, BothRecordersNumberABatchAlike) {
   outcome(host_, [&](auto batch) { return chain.sendTowardsHost(batch); });
   EXPECT_TRUE(chain.shutdown());
   const recorded_file_t before = recording("before-chain").at(0);
-  const recorded_file_t behind = recording("behind-chain").at(0);
-  EXPECT_EQ(before.run, behind.run);
+  const recorded_file_t after = recording("after-chain").at(0);
+  EXPECT_EQ(before.run, after.run);
   std::map<std::int64_t, std::size_t> sizes; // of the batches before the codec
   for (const numbers_t& record : before.numbers) ++sizes[record.batch];
   EXPECT_EQ(sizes.size(), batches().size());
   std::map<std::int64_t, std::size_t> events;
-  for (const numbers_t& record : behind.numbers) ++events[record.batch];
+  for (const numbers_t& record : after.numbers) ++events[record.batch];
   for (const auto& [batch, count] : events) EXPECT_LE(count, sizes[batch]) << "batch " << batch;
 }
 
@@ -114,10 +114,10 @@ TEST_F(RecordedChain, FailureOfTheHostReachesTheTransport) {
   const auto failed = [](const std::string& plugin, const std::string& reason) {
     return "<connectivity." + plugin + ".chain> Exception from sendBatchTowardsHost: " + reason;
   };
-  EXPECT_EQ(lines, (std::vector{failed("behind", "jam"), failed("codec", "the next plug-in failed"),
+  EXPECT_EQ(lines, (std::vector{failed("after", "jam"), failed("codec", "the next plug-in failed"),
                                 failed("before", "the next plug-in failed")}));
   EXPECT_TRUE(chain.shutdown());
-  EXPECT_EQ(recordsIn(recording("behind-chain")), 1) << "recorded before it failed";
+  EXPECT_EQ(recordsIn(recording("after-chain")), 1) << "recorded before it failed";
 }
 
 // ---- links in the middle of a batch

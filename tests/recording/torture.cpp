@@ -30,7 +30,7 @@ using clock_t = std::chrono::steady_clock;
 
 constexpr std::uintmax_t BOUND = 4U << 20U; // of each recorder
 
-constexpr const char* RECORDERS[] = {"before-chain", "behind-chain"};
+constexpr const char* RECORDERS[] = {"before-chain", "after-chain"};
 
 enum class End { ORDERLY, KILLED, FULL_DISK };
 

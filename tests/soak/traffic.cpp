@@ -86,11 +86,11 @@ Message copyOf(const Message& message) {
 Traffic::chain_t::chain_t(Traffic& traffic, const data_t& recorder_settings)
     : before(traffic.recorders_, "before", "soak", recorder_settings),
       codec(traffic.codecs_, "codec", "soak", configuration()),
-      behind(traffic.recorders_, "behind", "soak", recorder_settings) {
+      after(traffic.recorders_, "after", "soak", recorder_settings) {
   before.link({&codec, PASS_TO_HOST}, {&traffic, &Traffic::takeTowardsTransport});
-  codec.link({&behind, PASS_TO_HOST}, {&before, PASS_TO_TRANSPORT});
-  behind.link({&traffic, &Traffic::takeTowardsHost}, {&codec, PASS_TO_TRANSPORT});
-  for (tools::HostedPlugin* const plugin : {&before, &codec, &behind}) plugin->start();
+  codec.link({&after, PASS_TO_HOST}, {&before, PASS_TO_TRANSPORT});
+  after.link({&traffic, &Traffic::takeTowardsHost}, {&codec, PASS_TO_TRANSPORT});
+  for (tools::HostedPlugin* const plugin : {&before, &codec, &after}) plugin->start();
 }
 
 Traffic::Traffic(const tools::PluginLibrary& codecs, const tools::PluginLibrary& recorders,
@@ -108,7 +108,7 @@ figures_t Traffic::run(std::int64_t round) {
     send(tools::Direction::TOWARDS_TRANSPORT, batch_size);
   }
   before_ += figures_.sent_towards_host + figures_.reached_transport;
-  behind_ += figures_.sent_towards_transport + figures_.reached_host;
+  after_ += figures_.sent_towards_transport + figures_.reached_host;
   return figures_;
 }
 
@@ -124,7 +124,7 @@ void Traffic::endChain() {
   if (!chain_->shutdown()) throw std::runtime_error("a plug-in failed to shut down");
   chain_.reset();
   judgeRecording(folder_.path(""), "before-soak", std::exchange(before_, 0));
-  judgeRecording(folder_.path(""), "behind-soak", std::exchange(behind_, 0));
+  judgeRecording(folder_.path(""), "after-soak", std::exchange(after_, 0));
 }
 
 void Traffic::send(tools::Direction direction, std::size_t batch_size) {
@@ -135,7 +135,7 @@ void Traffic::send(tools::Direction direction, std::size_t batch_size) {
     (direction == tools::Direction::TOWARDS_HOST ? figures_.sent_towards_host
                                                  : figures_.sent_towards_transport) += sent;
     tools::HostedPlugin& nearest =
-        direction == tools::Direction::TOWARDS_HOST ? chain_->before : chain_->behind;
+        direction == tools::Direction::TOWARDS_HOST ? chain_->before : chain_->after;
     if (!nearest.send(direction, batch_)) throw std::runtime_error("a plug-in failed to send");
     batch_.clear();
     addLog();

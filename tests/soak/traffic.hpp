@@ -47,12 +47,12 @@ class Traffic {
   struct chain_t {
     chain_t(Traffic& traffic, const data_t& recorder_settings);
     [[nodiscard]] bool shutdown() noexcept {
-      return before.shutdown() && codec.shutdown() && behind.shutdown();
+      return before.shutdown() && codec.shutdown() && after.shutdown();
     }
 
     tools::HostedPlugin before;
     tools::HostedPlugin codec;
-    tools::HostedPlugin behind;
+    tools::HostedPlugin after;
   };
 
   void renewChain(bool traced);
@@ -77,7 +77,7 @@ class Traffic {
   std::optional<chain_t> chain_;
   bool chain_traces_ = false;
   std::int64_t before_ = 0; // messages through the first recorder of this chain
-  std::int64_t behind_ = 0; // and through the second one
+  std::int64_t after_ = 0; // and through the second one
   figures_t figures_;
 };
 
