@@ -356,9 +356,9 @@ TEST_F(OstroviaCheckPluginTest, DocumentShowsAFailure) {
   const strings_t failure = linesOf(
       program_.run("--only versions.interface " + faultyPlugin("wrong_interface_version")).out);
   const strings_t document = documentLines();
-  const auto shown = std::find(document.begin(), document.end(), "    " + failure.at(0));
+  auto shown = std::find(document.begin(), document.end(), "    " + failure.at(0));
   ASSERT_NE(shown, document.end()) << failure[0];
-  for (std::size_t i = 1; i < 4; ++i) EXPECT_EQ(shown[i], "    " + failure.at(i));
+  for (const std::size_t line : {0U, 1U, 2U, 3U}) EXPECT_EQ(*shown++, "    " + failure.at(line));
 }
 
 } // namespace com::velanto::connectivity::test
