@@ -70,8 +70,12 @@ TEST_F(ReportSchemasTest, CheckReportsAreAccepted) {
   const std::pair<std::string, const char*> rows[] = {
       {"--only 'versions.*' --seed 18446744073709551615 " + plugin, R"("outcome":"ok")"},
       {"--strict --only nulls.plugin " + plugin, R"("level":"advised")"},
-      {"--only 'library.*' --only loading.loads " VLT_PROJECT_ROOT "/README.md", R"("reason":)"},
-      {"--only versions.interface '" + folder_.write("client.so", "") + "'", R"("skipped":1)"},
+      {"--only versions.interface '" +
+           folder_.write("damaged.so",
+                         "\x7f"
+                         "ELF") +
+           "'",
+       R"("reason":"the library cannot be loaded)"},
       {"--timeout 0.001 --only batches.many " + plugin, R"("outcome":"hung")"},
       {"--only conformance.events \"$(dirname " + plugin + ")\"/libtvclient.so.10.15",
        R"("differences":)"},
@@ -86,8 +90,11 @@ TEST_F(ReportSchemasTest, CheckReportsAreAccepted) {
 TEST_F(ReportSchemasTest, OtherCheckReportsAreRefused) {
   schema_ = std::make_unique<JsonSchema>("docs/check-report.schema.json");
   data_t report = reader_.parseValue(
-      runShell("ostrovia-check-plugin --json --only library.is-a-shared-object " VLT_PROJECT_ROOT
-               "/README.md")
+      runShell("ostrovia-check-plugin --json --only library.is-a-shared-object '" +
+               folder_.write("damaged.so",
+                             "\x7f"
+                             "ELF") +
+               "'")
           .out);
   expectEveryMemberCounts(report, report);
   auto& members = report.get<map_t>();

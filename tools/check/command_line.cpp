@@ -57,7 +57,7 @@ class PipeBuffer final : public std::streambuf {
 
 int obey(const command_t& command, bool may_colour, std::ostream& out) {
   if (!command.list && command.path.empty()) throw std::runtime_error("which library? See --help");
-  const Plugin plugin = pluginIn(command.path);
+  const Plugin plugin = command.path.empty() ? Plugin::CODEC : pluginIn(command.path);
   const std::vector<check_t> all = command.path.empty() ? allChecks() : checksOf(plugin);
   const std::vector<check_t> checks = select(all, command.only, command.skip);
   if (command.list) {

@@ -89,8 +89,10 @@ class Reader {
 };
 
 void Reader::readHeader() {
+  if (file_.size() < SELFMAG || std::memcmp(file_.data(), ELFMAG, SELFMAG) != 0) {
+    throw NoElf("no ELF file");
+  }
   header_ = at<Elf64_Ehdr>(0, "the header");
-  if (std::memcmp(header_.e_ident, ELFMAG, SELFMAG) != 0) throw MalformedElf("no ELF file");
   if (header_.e_ident[EI_CLASS] != ELFCLASS64 || header_.e_ident[EI_DATA] != ELFDATA2LSB ||
       header_.e_machine != EM_X86_64) {
     throw MalformedElf("not for x86-64");

@@ -26,6 +26,12 @@ class MalformedElf : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// It is no ELF file at all.
+class NoElf : public MalformedElf {
+ public:
+  using MalformedElf::MalformedElf;
+};
+
 struct exported_t {
   std::string name;
   bool function;

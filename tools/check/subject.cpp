@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <exception>
 #include <filesystem>
+#include <stdexcept>
 #include <system_error>
 
 #include "tools/check/elf_file.hpp"
@@ -24,7 +24,9 @@ Plugin pluginIn(const std::string& path) {
         std::any_of(file.exported.begin(), file.exported.end(),
                     [&](const exported_t& symbol) { return symbol.name.ends_with(suffix); });
     return records ? Plugin::RECORDER : Plugin::CODEC;
-  } catch (const std::exception&) {
+  } catch (const NoElf& error) {
+    throw std::runtime_error(path + ": " + error.what());
+  } catch (const MalformedElf&) {
     return Plugin::CODEC; // the checks of the file report the reason
   }
 }

@@ -18,7 +18,8 @@ struct subject_t {
 // The name of its class, which ends the names of a plug-in's functions.
 [[nodiscard]] const char* classNameOf(Plugin plugin) noexcept;
 
-// A recorder exports functions of its class; any other file counts as a codec, faulty or not.
+// A recorder exports functions of its class; any other ELF file counts as a codec, faulty or not.
+// Throws std::runtime_error "PATH: reason" when there is no such file.
 [[nodiscard]] Plugin pluginIn(const std::string& path);
 
 // A new folder among the system's temporary files, which it removes with its content.

@@ -66,6 +66,17 @@ std::vector<std::string> pathsOf(const std::vector<input_t>& inputs, const Repla
   return paths;
 }
 
+// For whoever starts the tool without knowing that it reads.
+void explainTheWait(const std::vector<input_t>& inputs, std::ostream& diagnostics) {
+  if (std::none_of(inputs.begin(), inputs.end(),
+                   [](const input_t& input) { return input.is_standard_input; })) {
+    return;
+  }
+  diagnostics << "ostrovia-replay: waits for messages from the terminal, each a line of JSON; "
+                 "Ctrl-D ends them\n"
+              << std::flush;
+}
+
 } // namespace
 
 int runReplay(int count, const char* const* arguments, std::ostream& out, std::ostream& diagnostics,
@@ -82,6 +93,7 @@ int runReplay(int count, const char* const* arguments, std::ostream& out, std::o
     if (options.suite) return runSuite(options, diagnostics);
     const std::vector<input_t> inputs = inputsFrom(options.paths);
     checkFiles(options, pathsOf(inputs, options), {});
+    if (display.typed && !options.quiet) explainTheWait(inputs, diagnostics);
     if (!display.progress) {
       return replay(options, inputs, out, diagnostics, nullptr, display.colour);
     }

@@ -10,6 +10,7 @@ namespace com::velanto::connectivity::tools {
 struct display_t {
   bool progress = false; // `diagnostics` leads to a terminal that shows nothing else meanwhile
   bool colour = false;   // `out` leads to one that may show colours
+  bool typed = false;    // standard input comes from one
 };
 
 // Does what main's `arguments` ask for and returns the exit status: replays, or writes help or

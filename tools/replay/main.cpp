@@ -20,6 +20,6 @@ int main(int argc, char** argv) {
   // A status line would break into the output on the same terminal.
   const com::velanto::connectivity::tools::display_t display = {
       isatty(STDERR_FILENO) == 1 && !shows_out,
-      shows_out && (no_colour == nullptr || *no_colour == '\0')};
+      shows_out && (no_colour == nullptr || *no_colour == '\0'), isatty(STDIN_FILENO) == 1};
   return com::velanto::connectivity::tools::runReplay(argc, argv, std::cout, std::cerr, display);
 }

@@ -87,19 +87,39 @@ TEST_F(CommandLineTest, VersionIsTheProjects) {
 
 TEST_F(CommandLineTest, WrongArgumentsAreNamed) {
   const std::vector<std::pair<std::vector<const char*>, const char*>> rows = {
-      {{"--unknown"}, "The following argument was not expected: --unknown"},
+      {{"--unknown"}, "unknown option '--unknown'; see --help"},
+      {{"-q"}, "unknown option '-q'; see --help"},
+      {{"--tenantid=a"}, "unknown option '--tenantid', did you mean '--tenant-id'?"},
+      {{"--batch-siez", "4"}, "unknown option '--batch-siez', did you mean '--batch-size'?"},
       {{"--direction", "up"}, "--direction: 'up' is none of host|transport"},
       {{"--direction", "host|transport"},
        "--direction: 'host|transport' is none of host|transport"},
-      {{"--log-level", "high"}, "Could not convert: --log-level = high"},
-      {{"--log-level", "99999999999"}, "Could not convert: --log-level = 99999999999"},
-      {{"--tenant-id", "a", "--tenant-id", "b"}, "--tenant-id: At Most 1 required but received 2"},
-      {{"--tenant-id"}, "--tenant-id: 1 required TEXT missing"}};
+      {{"--log-level", "high"}, "--log-level: 'high' is not a whole number of 32 bits"},
+      {{"--log-level", "99999999999"},
+       "--log-level: '99999999999' is not a whole number of 32 bits"},
+      {{"--tenant-id", "a", "--tenant-id", "b"}, "--tenant-id is given twice"},
+      {{"--quiet=yes"}, "--quiet takes no value"},
+      {{"--summary="}, "--summary: '' is none of text|json"},
+      {{"--config", "--quiet"}, "--config needs a value: FILE"},
+      {{"--tenant-id"}, "--tenant-id needs a value: TEXT"}};
   for (const auto& [arguments, complaint] : rows) {
     EXPECT_EQ(run(arguments), tools::EXIT_USAGE) << complaint;
     EXPECT_EQ(diagnostics(), std::string("ostrovia-replay: ") + complaint + "\n");
     EXPECT_EQ(out(), "");
   }
+}
+
+TEST_F(CommandLineTest, EmptyValueIsTheEmptyText) {
+  EXPECT_EQ(run({"--tenant-id=", events_.c_str()}), 0);
+  EXPECT_EQ(out().find("tenantId"), std::string::npos) << out();
+  EXPECT_NE(out(), "");
+  EXPECT_EQ(run({"--batch-size=", events_.c_str()}), tools::EXIT_USAGE);
+  EXPECT_EQ(diagnostics(), "ostrovia-replay: --batch-size: '' is not a number of at least 1\n");
+}
+
+TEST_F(CommandLineTest, TwoDashesEndTheOptions) {
+  EXPECT_EQ(run({"--quiet", "--", "--nowhere"}), tools::EXIT_IO);
+  EXPECT_EQ(diagnostics(), "ostrovia-replay: --nowhere: No such file or directory\n");
 }
 
 TEST_F(CommandLineTest, BatchSizeIsAWholeNumberFrom1) {

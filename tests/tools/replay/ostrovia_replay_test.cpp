@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -66,8 +68,38 @@ TEST_F(OstroviaReplayTest, DroppedMessagesAreStatus1WhenStrict) {
 TEST_F(OstroviaReplayTest, WrongUseIsStatus2) {
   const result_t unknown = run({"--unknown"});
   EXPECT_EQ(unknown.status, 2);
-  EXPECT_EQ(unknown.diagnostics,
-            "ostrovia-replay: The following argument was not expected: --unknown\n");
+  EXPECT_EQ(unknown.diagnostics, "ostrovia-replay: unknown option '--unknown'; see --help\n");
+}
+
+TEST_F(OstroviaReplayTest, BareStartOnATerminalSaysWhatItWaitsFor) {
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  ASSERT_EQ(grantpt(terminal), 0);
+  ASSERT_EQ(unlockpt(terminal), 0);
+  in_descriptor_ = ::open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  const std::string end_of_input = "\x04";
+  ASSERT_EQ(write(terminal, end_of_input.data(), 1), 1);
+  const result_t result = run({});
+  close(in_descriptor_);
+  close(terminal);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.diagnostics,
+            "ostrovia-replay: waits for messages from the terminal, each a line of JSON; "
+            "Ctrl-D ends them\n"
+            "read 0, reached the host 0, dropped 0, malformed 0, T ms, 0 blocks live\n");
+}
+
+TEST_F(OstroviaReplayTest, UnusableFilesCostALineEach) {
+  const std::string input = folder_.write("one.ndjson", eventLine("1"));
+  for (const char* const path : {"/nowhere/at-all.so", "/etc", "/etc/passwd"}) {
+    const result_t plugin = run({"--plugin", path, input});
+    EXPECT_EQ(plugin.status, tools::EXIT_PLUGIN) << path;
+    EXPECT_EQ(std::count(plugin.diagnostics.begin(), plugin.diagnostics.end(), '\n'), 1)
+        << plugin.diagnostics;
+    EXPECT_NE(plugin.diagnostics.find(path), std::string::npos) << plugin.diagnostics;
+  }
+  const result_t folder = run({"/etc/apt"});
+  EXPECT_EQ(folder.status, tools::EXIT_IO);
+  EXPECT_EQ(folder.diagnostics, "ostrovia-replay: /etc/apt: Is a directory\n");
 }
 
 TEST_F(OstroviaReplayTest, MalformedLinesAreStatus3) {

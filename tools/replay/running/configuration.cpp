@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <numeric>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "tools/host/replay_chain.hpp"
 #include "tools/options/exit_status.hpp"
+#include "tools/options/guess.hpp"
 #include "tools/replay/input/configuration_file.hpp"
 #include "value/get_visitor.hpp"
 
@@ -23,41 +22,12 @@ constexpr const char* CHANNEL = "measurementSplittingChannel";
 
 constexpr std::array<std::string_view, 3> KEYS = {TENANT, PREFIX, CHANNEL};
 
-// The number of single letters to change, add or leave out to make `b` of `a`, without regard to
-// case.
-std::size_t distanceBetween(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i + 1;
-    for (std::size_t k = 0; k < b.size(); ++k) {
-      const bool same = std::tolower(static_cast<unsigned char>(a[i])) ==
-                        std::tolower(static_cast<unsigned char>(b[k]));
-      const std::size_t changed = diagonal + (same ? 0 : 1);
-      diagonal = row[k + 1];
-      row[k + 1] = std::min({changed, row[k] + 1, diagonal + 1});
-    }
-  }
-  return row.back();
-}
-
-std::string guessFor(const std::string& key) {
-  const auto* const nearest =
-      std::min_element(KEYS.begin(), KEYS.end(), [&key](std::string_view a, std::string_view b) {
-        return distanceBetween(key, a) < distanceBetween(key, b);
-      });
-  // A third of the letters wrong is no slip of the pen.
-  if (distanceBetween(key, *nearest) * 3 > nearest->size()) return "";
-  return ", did you mean '" + std::string(*nearest) + "'?";
-}
-
 // The mistake in an entry that the plug-in accepts, or nothing.
 std::string faultOf(const configuration_entry_t& entry) {
   const data_t& value = entry.value;
   const std::string kind = value.empty() ? "nothing" : kind_name(value.type_tag());
   if (std::find(KEYS.begin(), KEYS.end(), entry.key) == KEYS.end()) {
-    return "unknown key '" + entry.key + "' is ignored" + guessFor(entry.key);
+    return "unknown key '" + entry.key + "' is ignored" + guessFor(entry.key, KEYS);
   }
   if (entry.key == CHANNEL && !value.is_string()) {
     return "'" + entry.key + "' is " + kind +
