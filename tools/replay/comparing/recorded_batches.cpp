@@ -44,10 +44,11 @@ std::optional<recorded_batch_t> RecordedBatches::take(const std::string& run,
 
 // Reads up to the next line with a remark.
 bool RecordedBatches::readLine() {
-  do {
+  while (true) {
     has_next_ = reader_.next(next_);
-  } while (has_next_ && !next_.recorded);
-  return has_next_;
+    if (!has_next_ || next_.recorded) return has_next_;
+    ++untaken_;
+  }
 }
 
 bool RecordedBatches::readBatch() {

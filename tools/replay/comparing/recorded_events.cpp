@@ -17,12 +17,11 @@ constexpr std::size_t MOST_ROOM = std::size_t{16} << 20;  // no recorder writes 
 constexpr const char* ANY_REMARK =
     R"({"recorded":{"time":0,"number":1,"batch":1,"place":0,"of":1,"direction":"host"},)";
 
-// The members of a recorded line after its remark.
-std::string_view membersOf(std::string_view line) noexcept {
-  constexpr std::string_view METADATA = R"("metadata":)";
-  const std::size_t begin = line.find(METADATA, line.find('}'));
-  const std::size_t end = line.rfind('}');
-  return begin < end ? line.substr(begin, end - begin) : "";
+// The members of a recorded line after its remark, which holds no other object.
+std::string membersOf(const std::string& line) {
+  const std::size_t comma = line.find(',', line.find('}'));
+  if (comma == std::string::npos) return "\"payload\":null";
+  return line.substr(comma + 1, line.rfind('}') - comma - 1);
 }
 
 // A path of a difference without "event." and without the indices of lists.
@@ -112,10 +111,7 @@ void RecordedEvents::compareBatch() {
   if (found) {
     std::vector<message_t> events;
     for (const recorded_line_t& line : found->lines) {
-      events.push_back({line.place,
-                        idOf(reader_.parseMessage(line.line)),
-                        std::string(membersOf(line.line)),
-                        {}});
+      events.push_back({line.place, idOf(eventAt(line)), membersOf(line.line), {}});
     }
     events_whole_ = found->isWhole();
     align(events, batch_);
@@ -126,6 +122,14 @@ void RecordedEvents::compareBatch() {
   batch_.clear();
   first_.reset();
   lines_ = 0;
+}
+
+Message RecordedEvents::eventAt(const recorded_line_t& line) {
+  try {
+    return reader_.parseMessage(line.line);
+  } catch (const MalformedJson& e) {
+    throw ReplayError(EXIT_BAD_INPUT, line.place + ": " + e.what());
+  }
 }
 
 // No event of the batch is recorded: production dropped all of it, if that `is_known`.

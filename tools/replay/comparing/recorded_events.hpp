@@ -83,6 +83,7 @@ class RecordedEvents final : public Consumer {
   void leave(Unpaired reason, std::uint64_t count = 1) {
     unpaired_[static_cast<std::size_t>(reason)] += count;
   }
+  [[nodiscard]] Message eventAt(const recorded_line_t& line);
   [[nodiscard]] std::string recordedFormOf(const Message& message);
   [[nodiscard]] data_t valueOf(const message_t& message);
   [[nodiscard]] std::string idOf(const Message& message) const;
