@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
+#include <sstream>
 #include <system_error>
 #include <type_traits>
 
@@ -235,11 +236,12 @@ elf_file_t readElf(std::span<const std::byte> file) { return Reader(file).read()
 elf_file_t readElfFile(const std::string& path) {
   errno = 0;
   std::ifstream stream(path, std::ios::binary);
-  const std::string content{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream) {
+  std::ostringstream content;
+  if (stream.peek() != std::ifstream::traits_type::eof()) content << stream.rdbuf();
+  if (!stream.is_open() || stream.bad()) {
     throw std::runtime_error(path + ": " + std::generic_category().message(errno));
   }
-  return readElf(std::as_bytes(std::span(content)));
+  return readElf(std::as_bytes(std::span(content.view())));
 }
 
 } // namespace com::velanto::connectivity::tools::check

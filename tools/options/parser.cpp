@@ -9,6 +9,7 @@
 // consume the next option.
 #include "tools/options/parser.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <set>
@@ -52,19 +53,19 @@ class Setter {
   }
 
  private:
-  [[noreturn]] void refuse(const std::string& fault) const {
-    throw std::runtime_error(std::string(name_) + ": '" + std::string(value_) + "' " + fault);
+  [[noreturn]] void refuse(std::string_view fault) const {
+    throw std::runtime_error(std::string(name_) + ": '" + std::string(value_) + "' " +
+                             std::string(fault));
   }
 
   std::string chosen() const {
-    const bool is_choice =
-        value_.find('|') == std::string_view::npos &&
-        ("|" + std::string(choices_) + "|").find("|" + std::string(value_) + "|") !=
-            std::string::npos;
-    if (choices_.find('|') != std::string_view::npos && !is_choice) {
-      refuse("is none of " + std::string(choices_));
+    if (choices_.find('|') == std::string_view::npos) return std::string(value_);
+    for (std::string_view rest = choices_; !rest.empty();) {
+      const std::string_view choice = rest.substr(0, rest.find('|'));
+      if (choice == value_) return std::string(value_);
+      rest.remove_prefix(std::min(choice.size() + 1, rest.size()));
     }
-    return std::string(value_);
+    refuse(std::string("is none of ").append(choices_));
   }
 
   // The whole value, within bounds.
@@ -122,7 +123,7 @@ class Parser {
   void takeOperand(std::string_view argument) {
     const bool one_only = std::holds_alternative<std::string*>(tool_.operands_target);
     if (one_only && has_operand_) {
-      throw std::runtime_error("unexpected argument '" + std::string(argument) + "'");
+      throw std::runtime_error(std::string("unexpected argument '").append(argument) + "'");
     }
     has_operand_ = true;
     std::visit(Setter(tool_.operands, "", argument), tool_.operands_target);
@@ -165,7 +166,7 @@ class Parser {
       }
     }
     const std::string guess = guessFor(name, known);
-    throw std::runtime_error("unknown option '" + std::string(name) + "'" +
+    throw std::runtime_error(std::string("unknown option '").append(name) + "'" +
                              (guess.empty() ? "; see --help" : guess));
   }
 
