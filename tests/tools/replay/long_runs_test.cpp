@@ -96,6 +96,20 @@ TEST_F(LongRunsTest, BrokenCompressionIsAnErrorAfterItsLines) {
   EXPECT_EQ(complaint_about(damaged), "ostrovia-replay: <stdin>: the Zstandard data is damaged\n");
 }
 
+TEST_F(LongRunsTest, ForeignFormatsAreNamedOnce) {
+  const std::vector<std::pair<std::string, const char*>> rows = {
+      {std::string("\xFD\x37\x7A\x58\x5A\0", 6) + "\nx\nx\n",
+       "is compressed with xz, expected gzip, Zstandard or no compression"},
+      {"\xFF\xFE{\n}\n", "is UTF-16, expected UTF-8"},
+      {"\xFE\xFF{\n}\n", "is UTF-16, expected UTF-8"}};
+  for (const auto& [input, reason] : rows) {
+    input_ = input;
+    const result_t result = run({});
+    EXPECT_EQ(result.status, 7);
+    EXPECT_EQ(result.diagnostics, std::string("ostrovia-replay: <stdin>: ") + reason + "\n");
+  }
+}
+
 TEST_F(LongRunsTest, LineWithACompressionMarkIsMalformed) {
   input_ = "(x\n" + passingLine("1") + passingLine("2");
   const result_t result = run({});

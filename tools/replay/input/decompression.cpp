@@ -4,6 +4,8 @@
 #include <zstd.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <new>
 #include <streambuf>
 #include <string_view>
@@ -19,6 +21,17 @@ namespace {
 constexpr std::size_t PIECE = std::size_t{128} << 10; // bytes to decompress at once
 constexpr std::string_view GZIP = "\x1F\x8B";
 constexpr std::string_view ZSTD = "\x28\xB5\x2F\xFD";
+
+// The first bytes of files that people mistake for input, and a hint.
+struct foreign_t {
+  std::string_view begin;
+  const char* reason;
+};
+constexpr std::array FOREIGN = {
+    foreign_t{"\xFD\x37\x7A\x58",
+              "is compressed with xz, expected gzip, Zstandard or no compression"},
+    foreign_t{"\xFF\xFE", "is UTF-16, expected UTF-8"},
+    foreign_t{"\xFE\xFF", "is UTF-16, expected UTF-8"}};
 
 // A stream with some bytes of it, already read, in front.
 class Source {
@@ -175,15 +188,21 @@ class BufferStream final : public std::istream {
 
 std::unique_ptr<std::istream> decompressed(std::unique_ptr<std::istream> raw,
                                            const std::string& name) {
-  // No message begins with either byte, so there is no need to wait for the rest.
+  // No message begins with one of these bytes, so there is no need to wait for the rest.
+  constexpr std::string_view FIRST_BYTES = "\x1F\x28\xFD\xFF\xFE";
   const int first = raw->peek();
-  if (first != GZIP.front() && first != ZSTD.front()) return raw;
+  if (first == EOF || FIRST_BYTES.find(static_cast<char>(first)) == std::string_view::npos)
+    return raw;
   std::string begin(ZSTD.size(), '\0');
   raw->read(begin.data(), static_cast<std::streamsize>(begin.size()));
   begin.resize(static_cast<std::size_t>(raw->gcount()));
   const bool gzip = begin.starts_with(GZIP);
   const bool zstd = begin == ZSTD;
+  const auto* const foreign = std::find_if(FOREIGN.begin(), FOREIGN.end(), [&](const foreign_t& f) {
+    return begin.starts_with(f.begin);
+  });
   Source source(std::move(raw), std::move(begin), name);
+  if (foreign != FOREIGN.end()) source.refuse(foreign->reason);
   std::unique_ptr<std::streambuf> buffer;
   if (gzip) {
     buffer = std::make_unique<GzipBuffer>(std::move(source));

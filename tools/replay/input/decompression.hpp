@@ -10,7 +10,8 @@
 namespace com::velanto::connectivity::tools {
 
 // `raw` itself when it is not compressed, otherwise its content. Reading from the result throws
-// ReplayError "NAME: reason" with EXIT_IO for damaged or truncated data.
+// ReplayError "NAME: reason" with EXIT_IO for damaged or truncated data; the call itself throws it
+// for data compressed with xz and for text in UTF-16.
 [[nodiscard]] std::unique_ptr<std::istream> decompressed(std::unique_ptr<std::istream> raw,
                                                          const std::string& name);
 
