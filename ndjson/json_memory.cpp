@@ -115,6 +115,8 @@ void JsonMemory::integer(std::int64_t content) noexcept {
 bool JsonMemory::shortReal(double content) noexcept {
   const double magnitude = std::abs(content);
   if (!(magnitude < 1e12) || (content == 0 && std::signbit(content))) return false;
+  // Without a call of the C library, as lround would be; the next line refuses a wrong guess.
+  // NOLINTNEXTLINE(bugprone-incorrect-roundings)
   const auto thousandths = static_cast<std::int64_t>(magnitude * 1000 + 0.5);
   if (static_cast<double>(thousandths) / 1000 != magnitude) return false;
   const std::int64_t whole = thousandths / 1000;
