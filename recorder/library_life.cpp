@@ -78,8 +78,9 @@ void watchForks() {
 }
 
 std::uint64_t BatchNumber::get() noexcept {
-  if (current_batch == 0) current_batch = batches.fetch_add(1, std::memory_order_relaxed) + 1;
-  return current_batch;
+  std::uint64_t& number = current_batch.number;
+  if (number == 0) number = batches.fetch_add(1, std::memory_order_relaxed) + 1;
+  return number;
 }
 
 void Guest::enter() noexcept { last_call.add(this); }

@@ -13,17 +13,26 @@ namespace com::velanto::connectivity::recorder {
 // Must have returned once before the first fork. Throws std::bad_alloc.
 void watchForks();
 
+// The batch that is on its way on this thread.
+struct batch_on_its_way_t {
+  std::uint64_t number; // 0: not taken yet
+  std::uint64_t way;    // chain and direction
+};
 // In the library's own part of each thread's storage: the other kind allocates at first use, and
 // ends the process without memory.
-inline thread_local constinit std::uint64_t current_batch [[gnu::tls_model("initial-exec")]] =
-    0; // 0: none
+inline thread_local constinit batch_on_its_way_t current_batch
+    [[gnu::tls_model("initial-exec")]] = {0, 0};
 
 // The number of a batch for the length of its call. The outermost recorder on a thread takes the next
-// number of the library; recorders further along the chain, which get the batch within that call,
-// use the same one. So messages and the events made from them are found by it.
+// number of the library; recorders further along the way, which get the batch within that call, use
+// the same one. So messages and the events made from them are found by it. A batch that goes another
+// way within that call has a number of its own.
 class BatchNumber {
  public:
-  BatchNumber() noexcept : outer_(current_batch) {}
+  // `way` is the same for the recorders of a chain in one direction, and not 0.
+  explicit BatchNumber(std::uint64_t way) noexcept : outer_(current_batch) {
+    if (outer_.way != way) current_batch = {0, way};
+  }
   BatchNumber(const BatchNumber&) = delete;
   BatchNumber& operator=(const BatchNumber&) = delete;
   ~BatchNumber() { current_batch = outer_; }
@@ -32,7 +41,7 @@ class BatchNumber {
   [[nodiscard]] std::uint64_t get() noexcept;
 
  private:
-  std::uint64_t outer_;
+  batch_on_its_way_t outer_;
 };
 
 // Something with a thread, which must end before the library is unloaded: when a host unloads it

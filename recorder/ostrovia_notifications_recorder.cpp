@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -63,6 +64,7 @@ OstroviaNotificationsRecorder::OstroviaNotificationsRecorder(
     const PluginConstructorParameters::CodecConstructorParameters& params,
     const configuration_t& configuration)
     : AbstractCodec(params),
+      ways_(std::hash<std::string>()(params.getChainId()) << 2U | 2U),
       filter_(configuration, recorder::currentRun()),
       buffer_(configuration.omitted, recorder::RecordingFiles::longestLine(configuration)),
       files_(configuration, headLine(params, configuration)),
@@ -76,13 +78,13 @@ OstroviaNotificationsRecorder::OstroviaNotificationsRecorder(
 }
 
 void OstroviaNotificationsRecorder::sendBatchTowardsHost(Message* start, Message* end) {
-  BatchNumber number;
+  BatchNumber number(ways_);
   record({start, end}, Direction::HOST, number);
   if (hostSide) hostSide->sendBatchTowardsHost(start, end);
 }
 
 void OstroviaNotificationsRecorder::sendBatchTowardsTransport(Message* start, Message* end) {
-  BatchNumber number;
+  BatchNumber number(ways_ + 1);
   record({start, end}, Direction::TRANSPORT, number);
   if (transportSide) transportSide->sendBatchTowardsTransport(start, end);
 }

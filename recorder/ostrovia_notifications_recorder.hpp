@@ -10,6 +10,7 @@
 #ifndef VLT_RECORDER_OSTROVIA_NOTIFICATIONS_RECORDER_HPP
 #define VLT_RECORDER_OSTROVIA_NOTIFICATIONS_RECORDER_HPP
 
+#include <cstdint>
 #include <span>
 
 #include "plugin/abstract_codec.hpp"
@@ -43,6 +44,7 @@ class OstroviaNotificationsRecorder final : public AbstractCodec {
   void record(std::span<const Message> messages, recorder::Direction direction,
               recorder::BatchNumber& number) noexcept;
 
+  const std::uint64_t ways_; // of the chain; one more is the other direction
   recorder::Filter filter_;
   recorder::RecordingBuffer buffer_;
   recorder::RecordingFiles files_;

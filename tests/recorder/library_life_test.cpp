@@ -21,32 +21,50 @@ int inChild(const std::function<int()>& body) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+constexpr std::uint64_t WAY = 2;
+
 TEST(LibraryLifeTest, InnerRecordersUseTheNumberOfTheOutermost) {
-  BatchNumber outer;
+  BatchNumber outer(WAY);
   const std::uint64_t number = outer.get();
   {
-    BatchNumber inner;
+    BatchNumber inner(WAY);
     EXPECT_EQ(inner.get(), number);
   }
   EXPECT_EQ(outer.get(), number);
 }
 
 TEST(LibraryLifeTest, InnerRecorderTakesOneWhenTheOuterHasNot) {
-  const BatchNumber outer;
+  const BatchNumber outer(WAY);
   std::uint64_t first = 0;
   {
-    BatchNumber inner;
+    BatchNumber inner(WAY);
     first = inner.get();
   }
-  BatchNumber next;
+  BatchNumber next(WAY);
   EXPECT_EQ(next.get(), first + 1);
 }
 
+TEST(LibraryLifeTest, BatchOnAnotherWayHasItsOwnNumber) {
+  BatchNumber outer(WAY);
+  const std::uint64_t number = outer.get();
+  {
+    BatchNumber answer(WAY + 1);
+    EXPECT_EQ(answer.get(), number + 1);
+    BatchNumber inner(WAY + 1);
+    EXPECT_EQ(inner.get(), number + 1);
+  }
+  {
+    BatchNumber answer(WAY + 1);
+    EXPECT_EQ(answer.get(), number + 2);
+  }
+  EXPECT_EQ(outer.get(), number);
+}
+
 TEST(LibraryLifeTest, EachBatchHasItsNumber) {
-  BatchNumber here;
+  BatchNumber here(WAY);
   const std::uint64_t number = here.get();
   std::uint64_t there = 0;
-  std::thread([&] { there = BatchNumber().get(); }).join();
+  std::thread([&] { there = BatchNumber(WAY).get(); }).join();
   EXPECT_NE(there, number);
 }
 

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <mutex>
 
 #include "plugin/entry_points.hpp"
@@ -293,6 +294,20 @@ TEST_F(RecorderTest, DestructionWritesTheFoot) {
     recorder->start();
     send(*recorder, event("a"));
   }
+  EXPECT_EQ(folder_.counts(), (counts_t{1, 1, 0, 0}));
+}
+
+TEST_F(RecorderTest, EndOfTheProcessWritesTheFoot) {
+  const pid_t child = fork();
+  if (child == 0) {
+    auto* const recorder = make().release(); // as a host that destroys nothing
+    recorder->start();
+    send(*recorder, event("a"));
+    std::exit(0);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
   EXPECT_EQ(folder_.counts(), (counts_t{1, 1, 0, 0}));
 }
 
