@@ -27,12 +27,13 @@ package_into() {
   rm -rf "$1/_CPack_Packages"
 }
 
-# build_for_packages: all installed targets.
+# build_for_packages: all installed targets, and the host that tests the packages.
 build_for_packages() {
   configure release
   grep --quiet '^VLT_CLIENT_LIBRARY:[A-Z]*=$' build/release/CMakeCache.txt ||
     fail "build/release is configured with VLT_CLIENT_LIBRARY: there is no package of that"
-  build release OstroviaNotifications2Codec OstroviaNotificationsRecorder ostrovia-replay ostrovia-check-plugin manual_files
+  build release chain_host OstroviaNotifications2Codec OstroviaNotificationsRecorder \
+    ostrovia-replay ostrovia-check-plugin manual_files
 }
 
 package() {

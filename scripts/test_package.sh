@@ -128,6 +128,21 @@ check_plugins() {
   done
 }
 
+# A chain with both plug-ins of the package in the host of docs/operating.md. Its events must be what
+# the installed tool makes of the notifications recorded.
+check_recording() {
+  cp build/release/bin/chain_host "$package_root/srv/packages/"
+  "${in_root[@]}" "LD_LIBRARY_PATH=$package_libraries/standin" sh -c "
+    mkdir recordings && touch recordings/on && ./chain_host \
+      $package_libraries/plugin/libOstroviaNotifications2Codec.so \
+      $package_libraries/plugin/libOstroviaNotificationsRecorder.so \
+      recordings $package_samples/site-day.ndjson $package_samples/failing.ndjson"
+  "${in_root[@]}" sh -c "
+    echo 'tenantId: t4100' > codec.yaml && ostrovia-replay --quiet --config codec.yaml \
+      --expect-events recordings/after recordings/before > events.ndjson"
+  rm -r "$package_root"/srv/packages/{chain_host,recordings,codec.yaml,events.ndjson}
+}
+
 check_files() {
   expect_same "" "$("${in_root[@]}" dpkg --verify "$package_name")"
 }
@@ -193,6 +208,7 @@ package_checks=(
   "two_commands   the .deb installs with its dependencies and converts, as docs/operating.md shows"
   "same_events    the installed ostrovia-replay makes the same of every sample as the build"
   "plugins        the installed codec and recorder pass ostrovia-check-plugin"
+  "recording      a host records with the installed plug-ins, and the tool gives the recorded events"
   "files          the installed files are the package's"
   "man_pages      man finds and shows both pages"
   "completion     bash loads the completion and completes an option"

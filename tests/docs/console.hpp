@@ -32,10 +32,10 @@ struct session_t {
 
 [[nodiscard]] std::string withoutTimes(const std::string& text);
 
-// A folder for the commands; $PLUGIN names the plug-in, and PATH finds the tools.
+// A folder for the commands; $PLUGIN names the codec, $RECORDER the recorder, PATH finds the tools.
 class Console : public Program {
  protected:
-  Console() { environment_ = {"PLUGIN=" VLT_PLUGIN_PATH}; }
+  Console() { environment_ = {"PLUGIN=" VLT_PLUGIN_PATH, "RECORDER=" VLT_RECORDER_PATH}; }
 
   // Copies the samples into the folder of that name, "" for the test's own.
   void copySamples(const std::string& folder);
