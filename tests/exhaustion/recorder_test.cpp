@@ -38,8 +38,8 @@ class ExhaustedRecorder : private RecorderLibrary,
   int send(void* recorder) {
     int failures = 0;
     for (int i = 0; i < 10; ++i) {
-      failures += recorders_.sendBatchTowardsHost(recorder, batch_.data(),
-                                                  batch_.data() + batch_.size());
+      failures +=
+          recorders_.sendBatchTowardsHost(recorder, batch_.data(), batch_.data() + batch_.size());
     }
     return failures;
   }

@@ -83,11 +83,11 @@ std::vector<Message> batchOf(std::size_t size) {
   std::vector<Message> batch;
   for (std::size_t i = 0; i < size; ++i) {
     // One in seven is of no kind that the codec knows.
-    batch.push_back(notification(
-        i % 7 == 6 ? "t/s/inventory/1" : "t/s/events/1",
-        mapOf("id", text("1"), "source", mapOf("id", text("7")), "text",
-              text(std::string(std::size_t{1} << i % 15, 'x').c_str()), "time", text("2023-04-05T06:07:08.000Z"),
-              "type", text("o6a_Test"))));
+    batch.push_back(
+        notification(i % 7 == 6 ? "t/s/inventory/1" : "t/s/events/1",
+                     mapOf("id", text("1"), "source", mapOf("id", text("7")), "text",
+                           text(std::string(std::size_t{1} << i % 15, 'x').c_str()), "time",
+                           text("2023-04-05T06:07:08.000Z"), "type", text("o6a_Test"))));
   }
   return batch;
 }

@@ -47,8 +47,7 @@ constexpr vlt_batch_function PASS_TO_HOST = pass<tools::Direction::TOWARDS_HOST>
 constexpr vlt_batch_function PASS_TO_TRANSPORT = pass<tools::Direction::TOWARDS_TRANSPORT>;
 
 std::int64_t numberAt(const data_t* map, const char* key) {
-  const data_t* const found =
-      map == nullptr ? nullptr : map->get<map_t>().find_value(data_t(key));
+  const data_t* const found = map == nullptr ? nullptr : map->get<map_t>().find_value(data_t(key));
   return found == nullptr ? -1 : found->get<std::int64_t>();
 }
 

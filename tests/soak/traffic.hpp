@@ -77,7 +77,7 @@ class Traffic {
   std::optional<chain_t> chain_;
   bool chain_traces_ = false;
   std::int64_t before_ = 0; // messages through the first recorder of this chain
-  std::int64_t after_ = 0; // and through the second one
+  std::int64_t after_ = 0;  // and through the second one
   figures_t figures_;
 };
 
