@@ -2,12 +2,13 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "ndjson/json_reader.hpp"
 #include "tools/check/check_fixture.hpp"
+#include "tools/check/comparison.hpp"
 #include "tools/check/examples.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/check/values.hpp"
@@ -135,6 +136,32 @@ void everyMessage(Trial& trial) {
   trial.equal("messages in the file", 2 * exampleLines().size(), recording.recorded);
 }
 
+void readsBack(Trial& trial) {
+  constexpr std::uint32_t NEWER = 77;
+  std::vector<Message> batch = examples();
+  for (std::uint32_t tag : {VLT_TAG_EMPTY, VLT_TAG_STRING, VLT_TAG_BORROWED_STRING}) {
+    batch.push_back(notification(EVENT_PATH, bare(tag)));
+  }
+  batch.push_back(notification(EVENT_PATH, decimal(0x8000000000000001)));
+  batch.push_back(notification(EVENT_PATH, buffer("\xff")));
+  batch.push_back(notification(EVENT_PATH, borrowed("\xfe")));
+  batch.push_back(notification(EVENT_PATH, bare(NEWER)));
+  batch.push_back(notification(EVENT_PATH, value(R"({"$": ["decimal", "00000000000000ff"]})")));
+  Recorder recorder(trial);
+  recorder.send(trial, batch);
+  recorder.end(trial);
+  std::istringstream lines(recordingIn(trial.folder()).text);
+  JsonReader reader;
+  std::size_t records = 0;
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with(R"({"recorded":)")) continue;
+    const std::size_t i = records++ % batch.size();
+    const auto found = findMismatch(batch[i], reader.parseMessage(line), "message " + std::to_string(i + 1));
+    if (found) trial.holds(false, found->where, found->expected, found->actual);
+  }
+  trial.equal("messages in the file", 2 * batch.size(), records);
+}
+
 void underPressure(Trial& trial) { record(trial, R"({"maxFileMebibytes": 1})", 2000); }
 
 void filters(Trial& trial) {
@@ -241,6 +268,8 @@ void mayVanish(Trial& trial) {
 const check_t RECORDING_CHECKS[] = {
     {"recording.every-message", "each message of both directions is in the file", "Recorders",
      everyMessage, Use::LOAD_RECORDER},
+    {"recording.reads-back", "each message reads back as it was, whatever its kinds of values",
+     "Recorders", readsBack, Use::LOAD_RECORDER},
     {"recording.under-pressure", "in a flood, seen is recorded, filtered and lost together",
      "Recorders", underPressure, Use::LOAD_RECORDER},
     {"recording.filters", "filtered messages are counted and not recorded", "Recorders", filters,

@@ -91,6 +91,7 @@
   fault(leaks_in_batches) \
   /* files */ \
   fault(loses_lines) \
+  fault(misspells_records) \
   fault(overlooks_batches) \
   fault(ignores_directions) \
   fault(ignores_switch_file) \

@@ -5,8 +5,8 @@
 //   real recorder → __wrap_write → the file
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include "host/storage.h"
@@ -37,6 +37,13 @@ ssize_t __wrap_write(int file, const void* bytes, std::size_t size) {
   if (has(Fault::loses_lines)) {
     static int writes = 0;
     if (++writes % 2 == 0) return static_cast<ssize_t>(size);
+  }
+  if (has(Fault::misspells_records)) {
+    std::string text(static_cast<const char*>(bytes), size);
+    for (std::size_t at = 0; (at = text.find("o6a_", at)) != std::string::npos; ++at) {
+      text[at + 2] = 'b';
+    }
+    return __real_write(file, text.data(), size);
   }
   return __real_write(file, bytes, size);
 }
