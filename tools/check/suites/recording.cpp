@@ -156,7 +156,8 @@ void readsBack(Trial& trial) {
   for (std::string line; std::getline(lines, line);) {
     if (!line.starts_with(R"({"recorded":)")) continue;
     const std::size_t i = records++ % batch.size();
-    const auto found = findMismatch(batch[i], reader.parseMessage(line), "message " + std::to_string(i + 1));
+    const auto found =
+        findMismatch(batch[i], reader.parseMessage(line), "message " + std::to_string(i + 1));
     if (found) trial.holds(false, found->where, found->expected, found->actual);
   }
   trial.equal("messages in the file", 2 * batch.size(), records);
