@@ -44,8 +44,8 @@ void checkTogether(const ReplayOptions& options) {
   if (options.follow && (options.repeat > 1 || options.threads > 1)) {
     throw ReplayError(EXIT_USAGE, "--follow takes no --repeat or --threads");
   }
-  if (options.expect_events && options.repeat > 1) {
-    throw ReplayError(EXIT_USAGE, "--expect-events takes no --repeat");
+  if ((options.expect_events || options.redacted) && options.repeat > 1) {
+    throw ReplayError(EXIT_USAGE, "--expect-events and --redact take no --repeat");
   }
   if (options.as_recorded &&
       (options.batch_size > 1 || options.direction != "host" || options.explain)) {

@@ -41,6 +41,7 @@ class Replay {
  private:
   void setLevel();
   void drive(LineReader& reader);
+  void checkCopy(const Recordings& recordings) const;
   void replayAll(LineReader& reader, ChainPool& pool);
   std::function<std::string()> summaryAbove(const LineReader& reader);
   void reportIncidents(incidents_t& incidents);
@@ -122,7 +123,20 @@ void Replay::drive(LineReader& reader) {
   shutDown(*pool);
   worsen(consumers_.finish());
   consumers_.pause();
-  if (!isInterrupted() && !consumers_.closed()) consumers_.commit();
+  checkCopy(reader.recordings());
+  // A followed run has no other end than Ctrl-C.
+  if (!consumers_.closed() && (!isInterrupted() || options_.follow)) consumers_.commit();
+}
+
+// A copy without some messages would contradict the counts of its recorder.
+void Replay::checkCopy(const Recordings& recordings) const {
+  for (const recording_t& recording : recordings.all()) {
+    if (!options_.redacted || recording.other_direction == 0) continue;
+    throw ReplayError(EXIT_USAGE, recording.name +
+                                      " has messages of both directions, which only --as-recorded "
+                                      "copies; " +
+                                      *options_.redacted + " is not written");
+  }
 }
 
 void Replay::replayAll(LineReader& reader, ChainPool& pool) {

@@ -29,7 +29,6 @@ Redaction::Redaction(const ReplayOptions& options, const PluginLibrary& library,
 }
 
 void Redaction::take(const record_t& record) {
-  if (record.pass > 0) return;
   if (record.outcome == Outcome::MALFORMED) {
     ++left_out_;
     return;
@@ -39,12 +38,22 @@ void Redaction::take(const record_t& record) {
   copy.file = record.file;
   copy.line_number = record.line_number;
   copy.recorded = record.recorded;
+  copy.recorded = record.recorded;
   std::string line = record.line;
   line.erase(record.annotation.begin, record.annotation.size);
   copy.line = redactor_.redacted(line);
   chain_->worker.process({&copy, 1}, [&](const record_t& result) { compare(record, result); });
   chain_->worker.incidents() = {};
   file_.write(copy.line + "\n");
+}
+
+void Redaction::takeRemarks(std::string_view lines) {
+  while (!lines.empty()) {
+    const std::size_t end = lines.find('\n');
+    file_.write(redactor_.redacted(lines.substr(0, end)));
+    file_.write("\n");
+    lines.remove_prefix(end + 1);
+  }
 }
 
 void Redaction::compare(const record_t& original, const record_t& copy) const {

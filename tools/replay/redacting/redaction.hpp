@@ -31,6 +31,7 @@ class Redaction final : public Consumer {
 
   // Throws ReplayError with EXIT_DIFFERENT "PLACE: …" where the results differ.
   void take(const record_t& record) override;
+  void takeRemarks(std::string_view lines) override;
   exit_status_t finish() override;
   void commit() override { file_.commit(); }
 
