@@ -1,16 +1,18 @@
 """Runs clang-tidy over the project's own sources in a build folder's compile_commands.json, all
-processors busy, and skips what passed before unchanged: a full run takes minutes, a file seconds.
+processors busy, and skips sources that passed before unchanged: a full run takes minutes, a file
+seconds.
 
-A source costs mostly the headers that it includes. So the sources of one program or library are
-read together, a batch of them included by one file. The path analysis (clang-analyzer) is for what
-is loaded into a host's process; all else runs under the sanitizers instead.
+A source costs mostly the headers that it includes, since every check walks them. So up to BATCH_SIZE
+sources of a group are read together, included by one file. The path analysis (clang-analyzer) is for
+code that is loaded into a host's process; all else runs under the sanitizers instead.
 
-For each batch: (1) the key: a hash over everything of ours that can change the outcome  (2) the
-mark of the last success, <build>/clang-tidy/<batch>.passed, holds that key: skip  (3) run  (4) a
-batch with findings is halved, and its halves again, down to single sources: what stands alone may
-disagree when read together, mostly over a name that two sources have for themselves. That is no
-finding, but costs time, and a line says which sources and why  (5) print the findings, or write the
-mark if there were none.
+For each batch: (1) the compiler reads it; sources that disagree with earlier ones, mostly over a
+name, go into a batch of their own  (2) clang-tidy reads it  (3) sources with findings are read alone,
+for a header in place of each its first includer. A finding that then vanishes is none, but a line
+names it.
+
+A source that passes is remembered by its key, a hash over everything of ours that can change the
+outcome, in <build>/clang-tidy/passed.json.
 
 usage: run_clang_tidy.py BUILD_FOLDER     in the project's root; exit status 1 on any finding
 """
@@ -20,6 +22,7 @@ import hashlib
 import json
 import os
 import pathlib
+import re
 import shlex
 import shutil
 import subprocess
@@ -30,59 +33,110 @@ from includes import IncludeGraph
 
 CLANG_TIDY = "clang-tidy-14"
 ROOT = pathlib.Path.cwd().resolve()
-ANALYSED_LAYERS = ("codec", "plugin", "standin", "value")
-BATCH_SIZE = 40
-# What only a batch would draw: it includes sources, and names of one hide those of another.
+ANALYSED_LAYERS = ("codec", "plugin", "recorder", "standin", "value")
+# Layers whose .clang-tidy chooses checks; other settings hold for a file wherever it is read.
+OWN_GROUPS = ("fuzz", "standin", "tests")
+BATCH_SIZE = 110
+# Only a batch would draw it: it includes sources.
 NOT_IN_BATCHES = "-bugprone-suspicious-include"
 WITHOUT_ANALYSIS = "-clang-analyzer-*"
 WITHOUT_NAMES = "-readability-identifier-naming" # whose rules are those of C++
 # The analysis begins with functions of included files, too: in a batch those are all there are.
 ANALYSE_INCLUDED = ["--extra-arg=-Xclang", "--extra-arg=-analyzer-opt-analyze-headers"]
-SOURCES_OF_BATCHES = "/(codec|fuzz|ndjson|plugin|standin|tests|tools|value)/([^/]+/)*[^/]+\\.[ch]pp$"
+# One name that every fuzz target has.
+LINES_OF_SOURCE = """#define LLVMFuzzerTestOneInput LLVMFuzzerTestOneInput{number}
+#include "{path}"
+#undef LLVMFuzzerTestOneInput
+"""
+PLACE = re.compile(r"^(/[^:\n]+):\d+:\d+: (?:fatal )?(?:error|warning): .*$", re.MULTILINE)
+INCLUDED_BY_BATCH = re.compile(r"In file included from [^:]*/batch\.cpp:(\d+):")
 
 
-class Batch:
-    """Sources that are read together: `names` are their paths in the project."""
+class Source:
+    def __init__(self, entry, graph, version):
+        self.name = name_of(ROOT, entry)
+        self.layer = self.name.split("/", 1)[0]
+        words = shlex.split(entry["command"])
+        self.flags = words[1:words.index("-o")]
+        self.files = [ROOT / file for file in graph.closure(self.name)]
+        self.key = self._key(entry["command"], version)
 
-    def __init__(self, label, layer, entries):
-        self.label = label
-        self.layer = layer
-        self.entries = entries
-        self.names = [name_of(ROOT, entry) for entry in entries]
-
-    def key(self, graph, version):
+    def _key(self, command, version):
         """Headers from outside the project are taken to change only together with the tool."""
-        commands = [entry["command"] for entry in self.entries]
-        digest = hashlib.sha256("\0".join([version, *commands]).encode())
-        files = {ROOT / file for name in self.names for file in graph.closure(name)}
-        files |= {folder / ".clang-tidy" for file in files for folder in file.parents}
-        for path in sorted(file for file in files if file.is_file()):
+        digest = hashlib.sha256(f"{version}\0{command}".encode())
+        settings = {folder / ".clang-tidy" for file in self.files for folder in file.parents}
+        for path in self.files + sorted(path for path in settings if path.is_file()):
             content = path.read_bytes()
             digest.update(f"\0{path}\0{len(content)}\0".encode())
             digest.update(content)
         return digest.hexdigest()
 
+    def is_analysed(self):
+        return self.layer in ANALYSED_LAYERS
 
-def target_of(entry):
-    """The program or library that a source belongs to, from its object's path."""
-    words = shlex.split(entry["command"])
-    return words[words.index("-o") + 1].split("CMakeFiles/")[-1].split(".dir/")[0]
+    def group(self):
+        if self.name.endswith(".c"):
+            return self.name
+        if self.layer in OWN_GROUPS:
+            return self.layer
+        return "analysed" if self.is_analysed() else "others"
 
 
-def batches_of(entries):
+def batches_of(sources):
     groups = {}
-    for entry in entries:
-        name = name_of(ROOT, entry)
-        layer = name.split("/", 1)[0]
-        label = f"{layer}/{target_of(entry)}" if name.endswith(".cpp") else name
-        groups.setdefault((layer, label), []).append(entry)
-    for (layer, label), group in sorted(groups.items()):
-        for start in range(0, len(group), BATCH_SIZE):
-            yield Batch(f"{label}.{start // BATCH_SIZE}", layer, group[start:start + BATCH_SIZE])
+    for source in sorted(sources, key=lambda source: source.name):
+        groups.setdefault(source.group(), []).append(source)
+    for group in groups.values():
+        count = -(-len(group) // BATCH_SIZE)
+        for number in range(count):
+            yield group[len(group) * number // count:len(group) * (number + 1) // count]
+
+
+def flags_of(batch):
+    """Everything that the commands of the sources define and search."""
+    flags = {}
+    for source in batch:
+        words = iter(source.flags)
+        for word in words:
+            flag = (word, next(words)) if word in ("-I", "-isystem", "-include") else (word,)
+            flags[flag] = None
+    return [word for flag in flags for word in flag]
+
+
+def together(work, batch):
+    """The batch as one source, in a folder that has the settings of its layer."""
+    folder = work.resolve() / "batches" / batch[0].name
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    source = folder / "batch.cpp"
+    source.write_text("".join(LINES_OF_SOURCE.format(path=ROOT / one.name, number=number)
+                              for number, one in enumerate(batch)), encoding="utf-8")
+    entry = {"directory": str(folder), "file": str(source),
+             "arguments": ["clang++-14", *flags_of(batch), "-Wno-shadow", "-c", str(source)]}
+    (folder / "compile_commands.json").write_text(json.dumps([entry]), encoding="utf-8")
+    settings = ROOT / batch[0].layer / ".clang-tidy"
+    if batch[0].group() in OWN_GROUPS and settings.is_file():
+        shutil.copy(settings, folder)
+    return folder, entry["arguments"]
+
+
+def disagreeing(arguments, batch):
+    """The sources at which the compiler finds errors when it reads all of them; for an error in a
+    header, all that include it."""
+    result = subprocess.run([*arguments, "-fsyntax-only", "-w", "-ferror-limit=0"], text=True,
+                            check=False, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+    found, number = set(), 0
+    for line in result.stderr.splitlines():
+        if match := INCLUDED_BY_BATCH.match(line):
+            number = (int(match[1]) - 1) // LINES_OF_SOURCE.count("\n")
+        elif match := PLACE.match(line):
+            found.update(source for source in batch[number:] if ROOT / match[1] in source.files)
+            found.add(batch[number])
+    return [source for source in batch if source in found]
 
 
 def run(arguments):
-    """What clang-tidy has to say; empty when it is content."""
+    """The findings of clang-tidy; empty when it is content."""
     result = subprocess.run([CLANG_TIDY, "--quiet", *arguments], text=True, check=False,
                             stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     if result.returncode == 0:
@@ -91,54 +145,52 @@ def run(arguments):
     return result.stdout or result.stderr or f"{CLANG_TIDY} ended with {result.returncode}\n"
 
 
-def run_alone(work, batch):
-    checks = [] if batch.layer in ANALYSED_LAYERS else [WITHOUT_ANALYSIS]
-    checks += [WITHOUT_NAMES] if batch.names[0].endswith(".c") else []
-    return run(["-p", str(work), f"--checks={','.join(checks)}", batch.names[0]])
+def run_alone(work, source):
+    checks = [] if source.is_analysed() else [WITHOUT_ANALYSIS]
+    checks += [WITHOUT_NAMES] if source.name.endswith(".c") else []
+    return run(["-p", str(work), f"--checks={','.join(checks)}", source.name])
 
 
-def run_together(work, batch):
-    """The batch as one source, in a folder that has the settings of its layer."""
-    folder = work.resolve() / "batches" / batch.label
-    folder.mkdir(parents=True, exist_ok=True)
-    source = folder / "batch.cpp"
-    source.write_text("".join(f'#include "{ROOT / name}"\n' for name in batch.names),
-                      encoding="utf-8")
-    entry = dict(batch.entries[0], file=str(source))
-    first = str(ROOT / batch.names[0])
-    entry["command"] = entry["command"].replace(first, str(source)) + " -Wno-shadow"
-    (folder / "compile_commands.json").write_text(json.dumps([entry]), encoding="utf-8")
-    settings = ROOT / batch.layer / ".clang-tidy"
-    if settings.is_file():
-        shutil.copy(settings, folder)
-    analysed = batch.layer in ANALYSED_LAYERS
+def run_together(folder, batch, layers):
+    analysed = batch[0].is_analysed()
     checks = NOT_IN_BATCHES if analysed else f"{NOT_IN_BATCHES},{WITHOUT_ANALYSIS}"
-    return run(["-p", str(folder), f"--checks={checks}", f"--header-filter={SOURCES_OF_BATCHES}",
-                *(ANALYSE_INCLUDED if analysed else []), str(source)])
+    filter_of_sources = f"/({'|'.join(layers)})/([^/]+/)*[^/]+\\.[ch]pp$"
+    return run(["-p", str(folder), f"--checks={checks}", f"--header-filter={filter_of_sources}",
+                *(ANALYSE_INCLUDED if analysed else []), str(folder / "batch.cpp")])
 
 
-def findings_in(work, batch):
-    """What the sources have to answer for, each read alone if need be; and why some were halved."""
-    if len(batch.names) == 1:
-        return run_alone(work, batch), ""
-    together = run_together(work, batch)
-    if not together:
-        return "", ""
-    reason = next((line for line in together.splitlines() if " error: " in line), together)
-    findings, notes = "", ""
-    for half in halves_of(batch):
-        more_findings, more_notes = findings_in(work, half)
-        findings += more_findings
-        notes += more_notes
-    if findings:
+def findings_in(work, batch, layers):
+    """The findings by source, all sources named; and notes on findings that vanish."""
+    if len(batch) == 1:
+        return {batch[0]: run_alone(work, batch[0])}, ""
+    folder, arguments = together(work, batch)
+    others = disagreeing(arguments, batch)
+    if others:
+        rest = [source for source in batch if source not in others]
+        findings, notes = findings_in(work, rest, layers) if rest else ({}, "")
+        for part in [others] if rest else [[source] for source in others]:
+            more_findings, more_notes = findings_in(work, part, layers)
+            findings.update(more_findings)
+            notes += more_notes
         return findings, notes
-    return "", f"clang-tidy: {batch.label} costs more, read in halves: {reason}\n" + notes
+    return confirmed(work, batch, run_together(folder, batch, layers))
 
 
-def halves_of(batch):
-    middle = len(batch.entries) // 2
-    for number, entries in enumerate((batch.entries[:middle], batch.entries[middle:])):
-        yield Batch(f"{batch.label}.{number}", batch.layer, entries)
+def confirmed(work, batch, output):
+    findings, notes = dict.fromkeys(batch, ""), ""
+    disputed = {} # source: the lines about it and its headers
+    for match in PLACE.finditer(output):
+        file = pathlib.Path(match[1])
+        source = next((one for one in batch if ROOT / one.name == file), None)
+        source = source or next((one for one in batch if file in one.files), batch[0])
+        disputed.setdefault(source, []).append(match[0])
+    if output and not disputed:
+        return {**findings, batch[0]: output}, notes
+    for source, lines in disputed.items():
+        findings[source] = run_alone(work, source)
+        if not findings[source]:
+            notes += f"clang-tidy: only when read with others: {lines[0]}\n"
+    return findings, notes
 
 
 def main():
@@ -153,31 +205,26 @@ def main():
         sys.exit(f"run_clang_tidy.py: no source of the project is built in {build}")
     (work / "compile_commands.json").write_text(json.dumps(entries), encoding="utf-8")
 
-    marks = {}
-    for batch in batches_of(entries):
-        key = batch.key(graph, version)
-        mark = work / (batch.label + ".passed")
-        if not mark.is_file() or mark.read_text(encoding="utf-8") != key:
-            marks[batch] = (mark, key)
-    if not marks:
+    sources = [Source(entry, graph, version) for entry in entries]
+    layers = sorted({source.layer for source in sources})
+    marks = work / "passed.json"
+    passed = json.loads(marks.read_text(encoding="utf-8")) if marks.is_file() else {}
+    stale = [source for source in sources if passed.get(source.name) != source.key]
+    if not stale:
         return
-    stale = sum(len(batch.names) for batch in marks)
-    print(f"clang-tidy: {stale} of {len(entries)} sources", flush=True)
+    print(f"clang-tidy: {len(stale)} of {len(sources)} sources", flush=True)
 
     failed = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
-        results = workers.map(lambda batch: (batch, findings_in(work, batch)), marks)
-        for batch, (findings, notes) in results:
-            print(notes, end="", flush=True)
-            mark, key = marks[batch]
-            if findings:
-                failed += 1
-                print(findings, end="", flush=True)
-            else:
-                mark.parent.mkdir(parents=True, exist_ok=True)
-                mark.write_text(key, encoding="utf-8")
+        for findings, notes in workers.map(lambda batch: findings_in(work, batch, layers),
+                                           batches_of(stale)):
+            print(notes, *findings.values(), sep="", end="", flush=True)
+            failed += sum(1 for output in findings.values() if output)
+            passed.update({source.name: source.key for source, output in findings.items()
+                           if not output})
+            marks.write_text(json.dumps(passed), encoding="utf-8")
     if failed:
-        sys.exit(f"clang-tidy: findings in {failed} places")
+        sys.exit(f"clang-tidy: findings in {failed} sources")
 
 
 if __name__ == "__main__":
