@@ -16,8 +16,9 @@ namespace {
 
 using patterns_t = std::vector<std::string>;
 
-// Leaves out checks that take half of the time and find few faults.
-constexpr const char* QUICK = "--skip loading.thousand-times --skip batches.deep-nesting";
+// Leaves out checks that take much of the time and find few faults.
+constexpr const char* QUICK =
+    "--skip loading.thousand-times --skip batches.deep-nesting --skip 'random.*'";
 
 struct planted_t {
   const char* fault;
@@ -105,7 +106,11 @@ const planted_t PLANTED[] = {
      {"batches.*", "conformance.*", "ownership.*", "memory.*", "threads.*", "random.*", "log.*",
       "lifecycle.*", "nulls.*"}},
     {"stops_at_4096", "batches.many", FAILED, {}},
-    {"depends_on_batch", "random.batching", FAILED, {"batches.many", "conformance.*"}},
+    {"depends_on_batch",
+     "random.batching",
+     FAILED,
+     {"batches.many", "conformance.*"},
+     ""},
     {"swaps_order",
      "conformance.batches",
      FAILED,
