@@ -5,11 +5,4 @@ if(VLT_BUILD_FUZZ)
     message(FATAL_ERROR "VLT_BUILD_FUZZ: libFuzzer comes with clang; see the preset `fuzz`")
   endif()
   add_compile_options(-fsanitize=fuzzer-no-link)
-  if(VLT_SANITIZE)
-    # The entry points take Message where the host's prototypes have the plain struct of the same
-    # layout; the check compares the names of types.
-    add_compile_options(-fno-sanitize=function)
-    add_compile_options(
-      -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/sanitizer_ignorelist.txt)
-  endif()
 endif()

@@ -4,11 +4,11 @@
 #
 #   group     needed by
 #   build     compiling with g++ 12 and running the tests
-#   clang     the preset `clang`, and clang-tidy's view of the sources
+#   clang     the presets `clang` and `quick`, and clang-tidy's view of the sources
 #   lint      ./dev lint, ./dev format
 #   coverage  ./dev coverage
-#   fuzz      ./dev fuzz, together with clang: the fuzzer's and the sanitizers' runtime, and names in
-#             their reports
+#   fuzz      ./dev fuzz and the preset `sanitize`, together with clang: the fuzzer's and the
+#             sanitizers' runtime, and names in their reports
 #   package   ./dev package: dependencies of a .deb, and what of a package is a program
 #   root      ./dev test-package, together with package: a clean Debian to install in
 #   bench     ./dev bench; besides, scripts/bench.sh unpacks libboost1.81-dev, which conflicts with

@@ -6,7 +6,7 @@ namespace com::velanto::connectivity::tools::check {
 
 // AddressSanitizer replaces the C library's heap by one that reports nothing in use.
 [[nodiscard]] constexpr bool countsHeap() noexcept {
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef VLT_SANITIZED
   return false;
 #else
   return true;

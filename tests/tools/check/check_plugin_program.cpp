@@ -48,7 +48,7 @@ std::map<std::string, std::string> outcomesOf(const std::string& json) {
 }
 
 bool heapIsReplaced() noexcept {
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef VLT_SANITIZED
   return true;
 #else
   return false;

@@ -237,7 +237,7 @@ TEST_F(OstroviaReplayTest, ExamplesOfTheHelpWork) {
 }
 
 TEST_F(OstroviaReplayTest, MemoryDoesNotGrowWithTheInput) {
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef VLT_SANITIZED
   GTEST_SKIP() << "AddressSanitizer keeps freed memory back";
 #endif
   // Written piece by piece: a program starts out with its parent's memory on its account.
