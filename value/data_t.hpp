@@ -83,11 +83,9 @@ class data_t {
   // content of an assignment's target.
   data_t(data_t&& other) noexcept : content_(NOT_SET) { take(other); }
   data_t& operator=(data_t&& other) noexcept {
-    if (this != &other) {
-      data_t old;
-      old.take(*this);
-      take(other);
-    }
+    data_t taken = std::move(other);
+    const data_t old = std::move(*this);
+    take(taken);
     return *this;
   }
 
