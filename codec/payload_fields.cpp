@@ -85,9 +85,9 @@ data_t extractSourceId(data_t&& source, PulsarMessageDisassembler& notification)
 }
 
 boost::optional<data_t> extractFromMapIfPresent(map_t& map, constant_t const& key) {
-  map_entry_t entry = map.extract(key);
-  if (!entry) return boost::none;
-  return std::move(entry.value);
+  boost::optional<data_t> value;
+  map.extract(key, [&](map_entry_t&& entry) noexcept { value = std::move(entry.value); });
+  return value;
 }
 
 void remapPayloadElement(constant_t const& from, constant_t const& to,

@@ -231,12 +231,6 @@ void map_t::erase(const iterator& position) {
   vacate(position.slots_[position.index_]);
 }
 
-map_entry_t map_t::extract(key_ref_t key) {
-  map_entry_t extracted;
-  extract(key, [&](map_entry_t&& entry) noexcept { extracted = std::move(entry); });
-  return extracted;
-}
-
 void map_t::clear() noexcept {
   if (block_ == nullptr) return;
   const auto slot_count = static_cast<std::size_t>(block_->capacity);

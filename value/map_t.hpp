@@ -113,11 +113,9 @@ class map_t : public owned_block_t<vlt_underlying_map_table_t, vlt_free_map> {
   // iterator of another map or one that a modification has invalidated.
   void erase(const iterator& position);
 
-  // Removes the entry under `key` and returns it; no entry when there is none.
-  [[nodiscard]] map_entry_t extract(key_ref_t key);
-  // The same, but hands the entry in its slot to `use` as map_entry_t&&, which saves moving it
-  // twice, and returns whether there was one. `use` must leave this map alone. The map frees the
-  // parts that `use` leaves; an entry for which `use` throws stays. Defined in value/map_slot.hpp.
+  // Removes the entry under `key` and returns whether there was one. Hands it in its slot to `use`
+  // as map_entry_t&&. `use` must leave this map alone. The map frees the parts that `use` leaves; an
+  // entry for which `use` throws stays. Defined in value/map_slot.hpp.
   template <class Use>
   bool extract(key_ref_t key, const Use& use);
 

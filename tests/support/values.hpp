@@ -14,6 +14,7 @@
 
 #include "standin/standin.h"
 #include "value/get_visitor.hpp"
+#include "value/map_slot.hpp"
 #include "value/message.hpp"
 #include "value/to_string.hpp"
 
@@ -96,6 +97,13 @@ inline data_t& at(map_t& map, const data_t& key) {
 }
 inline data_t& at(map_t& map, const char* key) { return at(map, data_t(key)); }
 inline bool has(const map_t& map, const char* key) { return map.find(data_t(key)) != map.end(); }
+
+// The entry under a key, out of the map; no entry when there is none.
+inline map_entry_t extracted(map_t& map, key_ref_t key) {
+  map_entry_t taken;
+  map.extract(key, [&](map_entry_t&& entry) noexcept { taken = std::move(entry); });
+  return taken;
+}
 
 // A pointer that nobody can read through: for handles that are only passed on.
 inline void* unreadable(std::uintptr_t address) { return std::bit_cast<void*>(address); }

@@ -61,7 +61,7 @@ class MapEntryTwins : public HostFixture {
       SCOPED_TRACE(n);
       const std::string key = nth_key(n % 3 == 2 ? n / 2 : n % KEYS);
       if (n % 3 == 2) {
-        static_cast<void>(twin.extract(text(key.c_str())));
+        static_cast<void>(extracted(twin, text(key.c_str())));
         reference.erase(reference.find(text(key.c_str())));
       } else if (!has(reference, key.c_str())) {
         put(twin, entry_of(key.c_str(), whole(n)));
@@ -164,11 +164,11 @@ TEST_F(MapEntryMemory, NothingElseAllocates) {
   standin_fail_allocations_from(1);
   map.insert(std::move(present));
   map.assign(std::move(assigned));
-  const map_entry_t extracted = map.extract(key);
+  const map_entry_t entry = extracted(map, key);
   map_t rest = std::move(map).drain([](map_entry_t&&) {});
   rest.clear();
   EXPECT_EQ(standin_failed_allocations(), 0u);
-  EXPECT_TRUE(extracted);
+  EXPECT_TRUE(entry);
   EXPECT_EQ(counts_of(rest), (counts_t{0, 8, 0}));
 }
 

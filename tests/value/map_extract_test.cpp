@@ -66,7 +66,7 @@ TEST_F(MapExtract, AbsentKeyGivesNoEntry) {
   map_t no_slots = table_of(0);
   map_t map = with_keys("3");
   for (map_t* searched : {&none, &no_slots, &map}) {
-    const map_entry_t entry = searched->extract(text("11"));
+    const map_entry_t entry = extracted(*searched, text("11"));
     EXPECT_FALSE(entry);
     EXPECT_TRUE(entry.key.empty());
     EXPECT_TRUE(entry.value.empty());
@@ -79,7 +79,7 @@ TEST_F(MapExtract, PresentKeyGivesItsEntryAndATombstone) {
   map_t map = with_keys("3", "11", "19");
   const std::uint64_t key_block = content_bits(slot_at(map, 4).key);
   const std::uint64_t value_block = content_bits(slot_at(map, 4).value);
-  const map_entry_t entry = map.extract(text("11"));
+  const map_entry_t entry = extracted(map, text("11"));
   EXPECT_TRUE(entry);
   EXPECT_EQ(entry.hash, 11u);
   EXPECT_EQ(entry.key, text("11"));
@@ -93,9 +93,9 @@ TEST_F(MapExtract, PresentKeyGivesItsEntryAndATombstone) {
 
 TEST_F(MapExtract, EntriesDisplacedPastTheSlotStayReachable) {
   map_t map = with_keys("7", "15", "23");
-  EXPECT_TRUE(map.extract(text("7")));
-  EXPECT_TRUE(map.extract(text("15")));
-  EXPECT_FALSE(map.extract(text("15"))) << "it is gone";
+  EXPECT_TRUE(extracted(map, text("7")));
+  EXPECT_TRUE(extracted(map, text("15")));
+  EXPECT_FALSE(extracted(map, text("15"))) << "it is gone";
   EXPECT_EQ(at(map, "23"), text("23"));
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 2}));
 }
@@ -136,15 +136,15 @@ TEST_F(MapExtract, KnownHashNeedsNoHost) {
   const hashed_key_t present("11");
   const hashed_key_t absent("19");
   standin_reset_calls();
-  const map_entry_t entry = map.extract(present);
-  EXPECT_FALSE(map.extract(absent));
+  const map_entry_t entry = extracted(map, present);
+  EXPECT_FALSE(extracted(map, absent));
   EXPECT_EQ(standin_calls_total(), 0);
   EXPECT_EQ(entry.value, text("11"));
 }
 
 TEST_F(MapExtract, EntryCanBePutBack) {
   map_t map = with_keys("3", "11");
-  map_entry_t entry = map.extract(text("3"));
+  map_entry_t entry = extracted(map, text("3"));
   map.insert(std::move(entry));
   EXPECT_EQ(slot_of(map, "3"), 3);
   EXPECT_EQ(map, with_keys("3", "11"));

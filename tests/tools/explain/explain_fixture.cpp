@@ -26,7 +26,7 @@ codec_t onPayload(const std::function<void(map_t& payload)>& change) {
   };
 }
 
-data_t taken(map_t& map, const char* key) { return map.extract(data_t(key)).value; }
+data_t taken(map_t& map, const char* key) { return extracted(map, data_t(key)).value; }
 
 tools::call_result_t ExplainFixture::run(Message& message, const codec_t& codec) {
   tools::call_result_t result;

@@ -17,8 +17,7 @@
 #include "plugin/entry_points.hpp"
 #include "plugin/logger.hpp"
 #include "tests/support/failing_operations.hpp"
-#include "value/map_entry.hpp"
-#include "value/map_t.hpp"
+#include "tests/support/values.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -46,14 +45,14 @@ class OstroviaNotifications2Codec final : public FailingOperations {
   void failIn(const char*) const override {}
 
   static void swap(map_t& payload) {
-    data_t a = payload.extract(data_t("a")).value;
-    data_t b = payload.extract(data_t("b")).value;
+    data_t a = extracted(payload, data_t("a")).value;
+    data_t b = extracted(payload, data_t("b")).value;
     payload[data_t("a")] = std::move(b);
     payload[data_t("b")] = std::move(a);
   }
   static void add(map_t& payload) {
-    const data_t a = payload.extract(data_t("a")).value;
-    const data_t b = payload.extract(data_t("b")).value;
+    const data_t a = extracted(payload, data_t("a")).value;
+    const data_t b = extracted(payload, data_t("b")).value;
     payload[data_t("sum")] = data_t(a.get<std::int64_t>() + b.get<std::int64_t>());
   }
   bool accepts(const map_t& payload) {
