@@ -80,7 +80,8 @@ data_t extractSourceId(data_t&& source, PulsarMessageDisassembler& notification)
   auto* const entries = getFromDataTReportingKey<map_t*>(source, "source", notification.getFault());
   if (entries == nullptr) return {};
   data_t id = extractRequired(*entries, DATA_T_id, "source", notification);
-  notification.getSpareParts().keep(std::move(*entries));
+  entries->clear();
+  notification.getSpareParts().keepMap(std::move(*entries));
   return id;
 }
 

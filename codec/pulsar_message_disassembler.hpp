@@ -27,7 +27,10 @@ class PulsarMessageDisassembler {
 
   // Frees the entries of the metadata, once the kind is known; the event may get the table. There is
   // no path after this.
-  void discardMetadata() noexcept { spares_.keep(std::move(notification_.getMetadataMap())); }
+  void discardMetadata() noexcept {
+    notification_.getMetadataMap().clear();
+    spares_.keepMap(std::move(notification_.getMetadataMap()));
+  }
 
   // The payload in place. Throws the typed get's error when it is no map.
   [[nodiscard]] map_t& getPayloadMap();

@@ -44,11 +44,10 @@ class SpareParts {
     return std::move(slots_[constant.number()].copy);
   }
 
-  // Frees the entries of `map` and keeps its table, or frees that as well.
-  void keep(map_t&& map) noexcept {
-    map_t table = std::move(map);
+  // Keeps the table of `cleared`, a map as map_t::clear leaves it, or frees it.
+  void keepMap(map_t&& cleared) noexcept {
+    map_t table = std::move(cleared);
     if (table.capacity() != table_rules::FIRST_CAPACITY || kept_tables_ == tables_.size()) return;
-    table.clear();
     tables_[kept_tables_++] = std::move(table);
   }
 

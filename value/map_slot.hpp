@@ -82,11 +82,15 @@ map_t map_t::drain(const Use& use) && {
   map_t drained = std::move(*this);
   map_slot_t* const end = drained.slots() + drained.capacity();
   for (map_slot_t* slot = drained.slots(); slot != end; ++slot) {
-    if (!slot->is_live()) continue;
+    if (!slot->is_live()) {
+      slot->hash = map_slot_t::FREE;
+      continue;
+    }
     --drained.block_->live;
     const std::unique_ptr<map_slot_t, decltype(make_free)> emptied(slot, make_free);
     use(std::move(static_cast<map_entry_t&>(*slot)));
   }
+  if (drained.block_ != nullptr) drained.block_->live = drained.block_->deleted = 0;
   return drained;
 }
 

@@ -1,7 +1,5 @@
 #include "value/map_t.hpp"
 
-#include <cstring>
-#include <memory>
 #include <new>
 #include <stdexcept>
 
@@ -232,16 +230,7 @@ void map_t::erase(const iterator& position) {
 }
 
 void map_t::clear() noexcept {
-  if (block_ == nullptr) return;
-  const auto slot_count = static_cast<std::size_t>(block_->capacity);
-  map_slot_t* const first = slots();
-  // Every slot, since the head may claim fewer entries than there are.
-  for (map_slot_t* slot = first; slot != first + slot_count; ++slot) {
-    if (slot->is_live()) std::destroy_at(slot);
-  }
-  std::memset(static_cast<void*>(first), 0, slot_count * sizeof(map_slot_t));
-  block_->live = 0;
-  block_->deleted = 0;
+  *this = std::move(*this).drain([](map_entry_t&&) noexcept {});
 }
 
 // ---- iteration and equality

@@ -120,12 +120,12 @@ class map_t : public owned_block_t<vlt_underlying_map_table_t, vlt_free_map> {
   bool extract(key_ref_t key, const Use& use);
 
   // Hands every entry to `use`, in the order of iteration, as map_entry_t&&, and returns the
-  // emptied map. An exception of `use` ends it, and frees the rest. Defined in value/map_slot.hpp.
+  // cleared map. An exception of `use` ends it, and frees the rest. Defined in value/map_slot.hpp.
   template <class Use>
   map_t drain(const Use& use) &&;
 
-  // Frees all entries; the table is then as the host makes it, without tombstones, but keeps the
-  // host's own word in its head.
+  // Frees all entries and keeps the table: all its slots are free then, and its head keeps the
+  // host's own word.
   void clear() noexcept;
 
   [[nodiscard]] iterator begin();

@@ -46,7 +46,7 @@ MeasurementMessageBuilder::MeasurementMessageBuilder(data_t&& id, data_t&& sourc
 bool MeasurementMessageBuilder::tryAddMeasurementFragment(data_t& candidate, SpareParts& spares) {
   auto* const fragment = candidate.get_if<map_t>();
   if (fragment == nullptr || !isValidFragment(*fragment)) return false;
-  spares.keep(std::move(*fragment).drain([&](map_entry_t&& entry) {
+  spares.keepMap(std::move(*fragment).drain([&](map_entry_t&& entry) {
     entry.value = createMeasurementValue(std::move(entry.value.get<map_t>()), spares);
     measurements.insert(std::move(entry));
   }));
