@@ -51,12 +51,11 @@ inline map_slot_t* map_t::slots() const noexcept {
 }
 
 // Moves an entry into a vacant slot, which holds nothing to free.
-inline void map_t::put(std::int64_t vacant, std::uint64_t hash, data_t& key,
+inline void map_t::put(map_slot_t& vacant, std::uint64_t hash, data_t& key,
                        data_t& value) noexcept {
-  map_slot_t& slot = slots()[vacant];
-  slot.hash = hash;
-  new (&slot.key) data_t(std::move(key));
-  new (&slot.value) data_t(std::move(value));
+  vacant.hash = hash;
+  new (&vacant.key) data_t(std::move(key));
+  new (&vacant.value) data_t(std::move(value));
   ++block_->live;
 }
 

@@ -67,7 +67,8 @@ map_slot_t* map_t::find_slot(key_ref_t key) const {
   const std::int64_t start = table_rules::home_slot(key.hash, slot_count);
   std::int64_t i = start;
   do {
-    if (slot[i].hash == key.hash && slot[i].is_live() && slot[i].key == key.key) return &slot[i];
+    // No vacant slot: its hash is not the one of an empty key.
+    if (slot[i].hash == key.hash && slot[i].key == key.key) return &slot[i];
     if (slot[i].is_free()) return nullptr;
     if (++i == slot_count) i = 0;
   } while (i != start);
@@ -76,51 +77,52 @@ map_slot_t* map_t::find_slot(key_ref_t key) const {
 
 map_t::probe_t map_t::find_for_insert(key_ref_t key) const {
   const std::int64_t slot_count = capacity();
-  if (slot_count == 0) return {NONE, NONE};
-  const map_slot_t* const slot = slots();
-  const std::int64_t start = table_rules::home_slot(key.hash, slot_count);
-  std::int64_t vacant = NONE;
-  std::int64_t i = start;
+  if (slot_count == 0) return {nullptr, nullptr};
+  map_slot_t* const first = slots();
+  map_slot_t* const end = first + slot_count;
+  map_slot_t* const start = first + table_rules::home_slot(key.hash, slot_count);
+  map_slot_t* vacant = nullptr;
+  map_slot_t* slot = start;
   do {
-    if (slot[i].is_vacant()) {
-      if (vacant == NONE) vacant = i;
-      if (slot[i].hash == map_slot_t::FREE) break;
-    } else if (slot[i].hash == key.hash) [[unlikely]] {
-      return find_among_equal_hashes(key, {i, vacant});
+    if (slot->is_vacant()) {
+      if (vacant == nullptr) vacant = slot;
+      if (slot->hash == map_slot_t::FREE) break;
+    } else if (slot->hash == key.hash) [[unlikely]] {
+      return find_among_equal_hashes(key, {slot, vacant});
     }
-    if (++i == slot_count) i = 0;
-  } while (i != start);
-  return {NONE, vacant};
+    if (++slot == end) slot = first;
+  } while (slot != start);
+  return {nullptr, vacant};
 }
 
 // The same from a slot on that holds an entry of the hash. Apart, since comparing keys takes calls,
 // and most insertions pass no other entry of their hash.
 map_t::probe_t map_t::find_among_equal_hashes(key_ref_t key, probe_t at) const {
-  const std::int64_t slot_count = capacity();
-  const map_slot_t* const slot = slots();
-  const std::int64_t start = table_rules::home_slot(key.hash, slot_count);
-  std::int64_t i = at.found;
+  map_slot_t* const first = slots();
+  map_slot_t* const end = first + capacity();
+  map_slot_t* const start = first + table_rules::home_slot(key.hash, capacity());
+  map_slot_t* slot = at.found;
   do {
-    if (slot[i].is_vacant()) {
-      if (at.vacant == NONE) at.vacant = i;
-      if (slot[i].hash == map_slot_t::FREE) break;
-    } else if (slot[i].hash == key.hash && slot[i].key == key.key) {
-      return {i, NONE};
+    if (slot->is_vacant()) {
+      if (at.vacant == nullptr) at.vacant = slot;
+      if (slot->hash == map_slot_t::FREE) break;
+    } else if (slot->hash == key.hash && slot->key == key.key) {
+      return {slot, nullptr};
     }
-    if (++i == slot_count) i = 0;
-  } while (i != start);
-  return {NONE, at.vacant};
+    if (++slot == end) slot = first;
+  } while (slot != start);
+  return {nullptr, at.vacant};
 }
 
 // The first slot on the way of `hash` that holds no entry; there must be one.
-std::int64_t map_t::find_vacant(std::uint64_t hash) const noexcept {
+map_slot_t* map_t::find_vacant(std::uint64_t hash) const noexcept {
   const std::int64_t slot_count = capacity();
-  const map_slot_t* const slot = slots();
+  map_slot_t* const slot = slots();
   std::int64_t i = table_rules::home_slot(hash, slot_count);
   while (!slot[i].is_vacant()) {
     if (++i == slot_count) i = 0;
   }
-  return i;
+  return &slot[i];
 }
 
 std::int64_t map_t::index_of(key_ref_t key) const {
@@ -156,54 +158,52 @@ std::pair<map_t::iterator, bool> map_t::insert(std::pair<data_t, data_t>&& entry
 void map_t::insert(map_entry_t&& entry) {
   require_key_of(entry);
   const probe_t probe = find_for_insert(entry);
-  if (probe.found == NONE) place(entry.hash, probe.vacant, entry.key, entry.value);
+  if (probe.found == nullptr) place(entry.hash, probe.vacant, entry.key, entry.value);
 }
 
 void map_t::assign(map_entry_t&& entry) {
   require_key_of(entry);
   const probe_t probe = find_for_insert(entry);
-  if (probe.found == NONE) {
+  if (probe.found == nullptr) {
     place(entry.hash, probe.vacant, entry.key, entry.value);
   } else {
-    slots()[probe.found].value = std::move(entry.value);
+    probe.found->value = std::move(entry.value);
   }
 }
 
 void map_t::add(std::uint64_t hash, data_t&& key, data_t&& value) {
   if (must_grow()) grow();
-  put(find_vacant(hash), hash, key, value);
+  put(*find_vacant(hash), hash, key, value);
 }
 
 std::pair<map_t::iterator, bool> map_t::maybe_insert(const const_pair& entry) {
   const key_ref_t key = entry.first;
   const probe_t probe = find_for_insert(key);
-  if (probe.found != NONE) return {iterator(this, probe.found), false};
+  if (probe.found != nullptr) return {iterator(this, probe.found - slots()), false};
   // Both copies before any change of the table: a copy that fails leaves it as it was.
   data_t copied_key = entry.first;
   data_t copied_value = entry.second;
-  const std::int64_t slot = place(key.hash, probe.vacant, copied_key, copied_value);
-  return {iterator(this, slot), true};
+  return {iterator(this, place(key.hash, probe.vacant, copied_key, copied_value)), true};
 }
 
 std::pair<map_t::iterator, bool> map_t::maybe_insert(pair&& entry) {
   require_key(entry.first);
   const key_ref_t key = entry.first;
   const probe_t probe = find_for_insert(key);
-  if (probe.found != NONE) return {iterator(this, probe.found), false};
-  const std::int64_t slot = place(key.hash, probe.vacant, entry.first, entry.second);
-  return {iterator(this, slot), true};
+  if (probe.found != nullptr) return {iterator(this, probe.found - slots()), false};
+  return {iterator(this, place(key.hash, probe.vacant, entry.first, entry.second)), true};
 }
 
 // Moves an absent key and its value into the slot of the lookup, or, after growing, into the first
 // vacant one on its way. No second lookup: the copy of a borrowed string is an owned one, which may
-// equal another key. Returns the slot.
-std::int64_t map_t::place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value) {
-  if (must_grow() || vacant == NONE) {
+// equal another key. Returns the slot's index.
+std::int64_t map_t::place(std::uint64_t hash, map_slot_t* vacant, data_t& key, data_t& value) {
+  if (must_grow() || vacant == nullptr) {
     grow();
     vacant = find_vacant(hash);
   }
-  put(vacant, hash, key, value);
-  return vacant;
+  put(*vacant, hash, key, value);
+  return vacant - slots();
 }
 
 bool map_t::must_grow() const noexcept {

@@ -144,25 +144,24 @@ class map_t : public owned_block_t<vlt_underlying_map_table_t, vlt_free_map> {
   [[nodiscard]] const vlt_underlying_map_table_t* table() const noexcept { return block_; }
 
  private:
-  // The end of a lookup: the slot of the key, or NONE, and the slot for its insertion, or NONE when
+  // The end of a lookup: the slot of the key, or null, and the slot for its insertion, or null when
   // no slot is left.
   struct probe_t {
-    std::int64_t found;
-    std::int64_t vacant;
+    map_slot_t* found;
+    map_slot_t* vacant;
   };
-  static constexpr std::int64_t NONE = -1;
 
   [[nodiscard]] map_slot_t* slots() const noexcept;
   [[nodiscard]] map_slot_t* find_slot(key_ref_t key) const;
   [[nodiscard]] std::int64_t index_of(key_ref_t key) const;
   [[nodiscard]] probe_t find_for_insert(key_ref_t key) const;
   [[nodiscard, gnu::noinline]] probe_t find_among_equal_hashes(key_ref_t key, probe_t at) const;
-  [[nodiscard]] std::int64_t find_vacant(std::uint64_t hash) const noexcept;
+  [[nodiscard]] map_slot_t* find_vacant(std::uint64_t hash) const noexcept;
   [[nodiscard]] bool must_grow() const noexcept;
   void grow();
-  std::int64_t place(std::uint64_t hash, std::int64_t vacant, data_t& key, data_t& value);
+  std::int64_t place(std::uint64_t hash, map_slot_t* vacant, data_t& key, data_t& value);
   void vacate(map_slot_t& slot) noexcept;
-  void put(std::int64_t vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept;
+  void put(map_slot_t& vacant, std::uint64_t hash, data_t& key, data_t& value) noexcept;
 };
 
 template <bool IS_CONST>
