@@ -1,6 +1,8 @@
-// The first thing that is wrong with a notification. The steps of a conversion note it here, and the
-// steps after that do nothing; the conversion gives up in one place. Nothing is thrown for a fault:
-// unwinding would cost more than a whole conversion, and notifications may all be bad.
+// The first thing that is wrong with a notification. Nothing is thrown for a fault: unwinding would
+// cost more than a whole conversion, and notifications may all be bad.
+//
+// Each step that can note a fault looks for an earlier one itself. With one it does nothing, and its
+// result means nothing. So only a conversion looks as well: once, before it makes its builder.
 #ifndef VLT_CODEC_FAULT_HPP
 #define VLT_CODEC_FAULT_HPP
 

@@ -21,8 +21,7 @@ constexpr vlt_log_level_t TRACE_LEVEL = 6;
 
 // The configured string, which may be null, or the default when the setting is absent or no string.
 const char* readMeasurementChannel(const MapExtractor& settings) {
-  const data_t key(
-      STR_measurementSplittingChannel); // outside the try: without memory, creation fails
+  const data_t key(STR_measurementSplittingChannel); // not caught: without memory, no codec
   try {
     return settings.doGet(key).get<const char*>();
   } catch (const std::exception&) {

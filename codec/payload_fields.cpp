@@ -69,10 +69,9 @@ double extractTimeTimestamp(PulsarMessageDisassembler& notification) {
   const char* const text =
       text_or_empty(getFromDataTReportingKey<char const*>(time, "time", fault));
   if (const auto seconds = tryParseTime(text)) return *seconds;
-  if (!fault) {
-    fault.note(
-        std::runtime_error("Error parsing timestamp '" + std::string(text) + "' in key 'time'"));
-  }
+  if (fault) return 0;
+  fault.note(
+      std::runtime_error("Error parsing timestamp '" + std::string(text) + "' in key 'time'"));
   return 0;
 }
 

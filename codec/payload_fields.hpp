@@ -3,9 +3,7 @@
 //
 // Extracting a field removes it. The last step of a conversion moves all other fields to the event,
 // so no field is both converted and copied. A missing field, one of the wrong kind and an
-// unreadable time are faults whose message names the key. The notification notes the first one;
-// after that, the functions that extract required fields do nothing, and their results mean
-// nothing.
+// unreadable time are faults (codec/fault.hpp) whose message names the key.
 #ifndef VLT_CODEC_PAYLOAD_FIELDS_HPP
 #define VLT_CODEC_PAYLOAD_FIELDS_HPP
 
@@ -24,7 +22,7 @@ namespace com::velanto::connectivity::plugins::pulsar {
 
 // The content of `value` as T: char const* (which may be null), std::int64_t, or map_t* (which points
 // into the value). A value of another kind is a fault, "Problem with key 'KEY': " followed by the
-// typed get's error. With a fault the result is null or 0 and means nothing.
+// typed get's error. With a fault the result is null or 0.
 template <class T, class Value>
 [[nodiscard]] T getFromDataTReportingKey(Value& value, char const* key, Fault& fault) {
   using Content = std::conditional_t<std::is_same_v<T, map_t*>, map_t, T>;

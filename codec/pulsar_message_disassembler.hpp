@@ -25,8 +25,7 @@ class PulsarMessageDisassembler {
   // path found", or the typed get's error for a path that is no string.
   [[nodiscard]] const char* getStartCharOfMessageType() const;
 
-  // Frees the entries of the metadata, once the kind is known; the event may get the table. There is
-  // no path after this.
+  // Frees the metadata's entries; the event may get the table. There is no path after this.
   void discardMetadata() noexcept {
     notification_.getMetadataMap().clear();
     spares_.keepMap(std::move(notification_.getMetadataMap()));
