@@ -127,7 +127,8 @@ static_assert(offsetof(vlt_underlying_map_table_t, live) == 8,
               "the live count follows the host's word");
 static_assert(offsetof(vlt_underlying_map_table_t, capacity) == 16,
               "the capacity follows the live count");
-static_assert(offsetof(vlt_underlying_map_table_t, deleted) == 24, "tombstones are counted last");
+static_assert(offsetof(vlt_underlying_map_table_t, deleted) == 24,
+              "deleted slots are counted last");
 static_assert(sizeof(vlt_underlying_map_table_entry_t) == 40, "slots are 40 bytes apart");
 static_assert(offsetof(vlt_underlying_map_table_entry_t, hash) == 0, "a slot opens with the hash");
 static_assert(offsetof(vlt_underlying_map_table_entry_t, key) == 8, "the key follows the hash");

@@ -59,7 +59,7 @@ inline void map_t::put(map_slot_t& vacant, std::uint64_t hash, data_t& key,
   ++block_->live;
 }
 
-// Frees the content of the slot and leaves a tombstone.
+// Frees the content of the slot, which is deleted then.
 inline void map_t::vacate(map_slot_t& slot) noexcept {
   --block_->live;
   ++block_->deleted;

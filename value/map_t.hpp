@@ -17,12 +17,12 @@
 // Insertion of a key that is not there into a map without a table allocates 8 slots. Otherwise it
 // first grows the table when it has no slots at all or capacity × 0.75 < live + deleted, to
 // 2 × live + 2 slots but at least 8: the new capacity follows the live count, so a table full of
-// tombstones may be rebuilt at the same size or smaller. Worked: the 7th key of a fresh table finds
-// 0.75 × 8 = 6 not below 6 and stays; the 8th makes 2 × 7 + 2 = 16 slots. Reusing a deleted slot
-// leaves the deleted count alone: it counts deletions since the last rebuild, so that frequent
+// deleted slots may be rebuilt at the same size or smaller. Worked: the 7th key of a fresh table
+// finds 0.75 × 8 = 6 not below 6 and stays; the 8th makes 2 × 7 + 2 = 16 slots. Reusing a deleted
+// slot leaves the deleted count alone: it counts deletions since the last rebuild, so that frequent
 // erasing brings the next rebuild forward.
 //
-// Erasing leaves a tombstone, since lookups must still reach entries displaced past the slot.
+// Erasing leaves a deleted slot, since lookups must still reach entries displaced past the slot.
 //
 // An iterator remembers the slot array, the capacity and the live count; it is valid while the map
 // still has them. Use after that throws "Iterator invalidated by modifying map".
@@ -69,7 +69,7 @@ class map_t : public owned_block_t<vlt_underlying_map_table_t, vlt_free_map> {
 
   using owned_block_t::owned_block_t;
 
-  // A deep copy, slot by slot: same capacity, positions, hashes, tombstones and counts.
+  // A deep copy, slot by slot: same capacity, positions, hashes, deleted slots and counts.
   // Throws std::bad_alloc; nothing leaks then.
   [[nodiscard]] map_t copy() const;
 

@@ -96,7 +96,7 @@ TEST_F(Copy, ListCopyHasRoomForItsElementsOnly) {
 TEST_F(Copy, MapKeepsCapacitySlotsHashesAndCounts) {
   table_t* original = tableOf(5, {{1, 6, string("a"), integer(1)}, {3, 11, string("b"), list({})}});
   markDeleted(original, 2);
-  original->deleted = 4; // counts deletions since the last rebuild, not tombstones
+  original->deleted = 4; // counts deletions since the last rebuild, not deleted slots
   const Held source(map(original));
   const Held copy(vlt_copy_data(&source.value));
   const table_t* copied = copy.value.value.map;

@@ -83,7 +83,7 @@ TEST_F(Maps, HashesWithTheHighestBitAreUnsigned) {
             (std::vector<int64_t>{-1, -1, -1, -1, -1, 1, -1, -1, -1, -1}));
 }
 
-TEST_F(Maps, TombstonesAreDropped) {
+TEST_F(Maps, DeletedSlotsAreDropped) {
   table_t* old = tableOf(4, {entry(0, 4, 1), entry(2, 4, 2)});
   markDeleted(old, 1);
   table_t* made = vlt_reallocate_map(old, 4);

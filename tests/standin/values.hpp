@@ -91,7 +91,7 @@ inline table_t* tableOf(int64_t capacity, std::initializer_list<placed_t> entrie
   return made;
 }
 
-// A tombstone, as erasing leaves it.
+// A deleted slot, as erasing leaves it.
 inline void markDeleted(table_t* changed, int64_t slot) {
   slotsOf(changed)[slot] = {DELETED_HASH, empty(), empty()};
   ++changed->deleted;

@@ -167,7 +167,7 @@ TEST_F(MapClear, FreesEveryKindOfValue) {
   expect_free_slots(map);
 }
 
-TEST_F(MapClear, RemovesTombstonesThatAreAlone) {
+TEST_F(MapClear, RemovesDeletedSlotsThatAreAlone) {
   map_t map = with_keys("3", "11");
   EXPECT_TRUE(extracted(map, text("3")));
   EXPECT_TRUE(extracted(map, text("11")));

@@ -1,5 +1,5 @@
 // A table filled with entries that bring their hashes is the same, slot for slot, as one filled
-// under keys that the map hashes itself: through growth, past tombstones, and when memory runs out.
+// under keys that the map hashes itself: through growth, past deleted slots, and without memory.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -53,10 +53,10 @@ class MapEntryTwins : public HostFixture {
   }
 
   // Every third step takes an earlier entry out; a later one puts it in again.
-  static void expect_twins_with_tombstones(Put* put) {
+  static void expect_twins_with_deleted_slots(Put* put) {
     map_t twin;
     map_t reference;
-    bool had_tombstones = false;
+    bool had_deleted_slots = false;
     for (std::int64_t n = 0; n < 3 * KEYS; ++n) {
       SCOPED_TRACE(n);
       const std::string key = nth_key(n % 3 == 2 ? n / 2 : n % KEYS);
@@ -70,9 +70,9 @@ class MapEntryTwins : public HostFixture {
       expect_same_slots(twin, reference);
       expect_reachable_entries(twin);
       if (HasFatalFailure()) return;
-      had_tombstones = had_tombstones || counts_of(twin).deleted > 2;
+      had_deleted_slots = had_deleted_slots || counts_of(twin).deleted > 2;
     }
-    EXPECT_TRUE(had_tombstones);
+    EXPECT_TRUE(had_deleted_slots);
   }
 };
 
@@ -86,9 +86,9 @@ TEST_F(MapEntryTwins, Insert) { expect_twins(insert_entry); }
 TEST_F(MapEntryTwins, Assign) { expect_twins(assign_entry); }
 TEST_F(MapEntryTwins, Add) { expect_twins(add_entry); }
 
-TEST_F(MapEntryTwins, InsertWithTombstones) { expect_twins_with_tombstones(insert_entry); }
-TEST_F(MapEntryTwins, AssignWithTombstones) { expect_twins_with_tombstones(assign_entry); }
-TEST_F(MapEntryTwins, AddWithTombstones) { expect_twins_with_tombstones(add_entry); }
+TEST_F(MapEntryTwins, InsertWithDeletedSlots) { expect_twins_with_deleted_slots(insert_entry); }
+TEST_F(MapEntryTwins, AssignWithDeletedSlots) { expect_twins_with_deleted_slots(assign_entry); }
+TEST_F(MapEntryTwins, AddWithDeletedSlots) { expect_twins_with_deleted_slots(add_entry); }
 
 TEST_F(MapEntryTwins, AssignOfPresentKeys) {
   map_t twin;

@@ -76,7 +76,7 @@ TEST_P(MapEntryAbsent, CollidingKeysTakeTheNextSlotsAndWrap) {
   EXPECT_EQ(slot_of(map, "22"), 0);
 }
 
-TEST_P(MapEntryAbsent, ReusesTheFirstTombstoneAndKeepsTheCount) {
+TEST_P(MapEntryAbsent, ReusesTheFirstDeletedSlotKeepsTheCount) {
   map_t map = with_keys("3", "11", "19");
   map.erase(map.find(text("11")));
   map.erase(map.find(text("3")));
@@ -157,7 +157,7 @@ TEST_F(MapEntryPresent, NeverGrowsTheTable) {
   EXPECT_EQ(at(map, "5"), whole(2));
 }
 
-TEST_F(MapEntryPresent, AfterATombstoneIsFound) {
+TEST_F(MapEntryPresent, AfterADeletedSlotIsFound) {
   map_t map = with_keys("3", "11", "19");
   map.erase(map.find(text("3")));
   map.insert(entry_of("11", whole(1)));

@@ -41,9 +41,9 @@ TEST_F(MapFind, KeyWithAnotherHashIsAnotherKey) {
   EXPECT_EQ(map.find_value(same), &slot_at(map, 3).value);
 }
 
-TEST_F(MapFind, PassesTombstonesAndEndsWithoutFreeSlots) {
+TEST_F(MapFind, PassesDeletedSlotsAndEndsWithoutFreeSlots) {
   const map_t map = table_of(3);
-  put_tombstone(map, 0);
+  put_deleted_slot(map, 0);
   put(map, 1, 0, text("0"), whole(0));
   put(map, 2, 3, text("3"), whole(3));
   EXPECT_EQ(map.find_value(text("3")), &slot_at(map, 2).value);
@@ -75,7 +75,7 @@ TEST_F(MapExtract, AbsentKeyGivesNoEntry) {
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 0}));
 }
 
-TEST_F(MapExtract, PresentKeyGivesItsEntryAndATombstone) {
+TEST_F(MapExtract, PresentKeyGivesItsEntryAndADeletedSlot) {
   map_t map = with_keys("3", "11", "19");
   const std::uint64_t key_block = content_bits(slot_at(map, 4).key);
   const std::uint64_t value_block = content_bits(slot_at(map, 4).value);

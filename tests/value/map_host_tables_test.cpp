@@ -1,5 +1,5 @@
 // Tables that this side never builds but a host may hand over: without slots, full, crowded with
-// tombstones, of odd capacities. String keys hash to the number at their start.
+// deleted slots, of odd capacities. String keys hash to the number at their start.
 #include <gtest/gtest.h>
 
 #include "tests/value/tables.hpp"
@@ -63,17 +63,17 @@ TEST_F(HostTables, FullTableGrowsOnInsertion) {
   EXPECT_EQ(at(map, "4"), whole(4));
 }
 
-TEST_F(HostTables, TombstonesInEverySlotEndTheSearch) {
+TEST_F(HostTables, OnlyDeletedSlotsEndTheSearch) {
   map_t map = table_of(4);
-  for (std::int64_t i = 0; i < 4; ++i) put_tombstone(map, i);
+  for (std::int64_t i = 0; i < 4; ++i) put_deleted_slot(map, i);
   EXPECT_FALSE(has(map, "2"));
   map[text("2")] = whole(2);
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 0}));
 }
 
-TEST_F(HostTables, UncountedTombstonesAreReusedInProbeOrder) {
+TEST_F(HostTables, UncountedDeletedSlotsAreReusedInProbeOrder) {
   map_t map = table_of(4);
-  for (std::int64_t i = 0; i < 4; ++i) put_tombstone(map, i);
+  for (std::int64_t i = 0; i < 4; ++i) put_deleted_slot(map, i);
   head_of(map).deleted = 0;
   map[text("6")] = whole(6);
   EXPECT_EQ(counts_of(map), (counts_t{1, 4, 0}));

@@ -11,7 +11,7 @@ namespace {
 
 using MapErase = PlacedKeys;
 
-TEST_F(MapErase, LeavesATombstoneWithoutKeyAndValue) {
+TEST_F(MapErase, LeavesADeletedSlotWithoutKeyAndValue) {
   map_t map = with_keys("3");
   map.erase(map.find(text("3")));
   EXPECT_EQ(counts_of(map), (counts_t{0, 8, 1}));
@@ -68,7 +68,7 @@ TEST_F(MapErase, FirstAndLastSlot) {
   EXPECT_EQ((*map.begin()).first, text("4"));
 }
 
-TEST_F(MapErase, InsertedAgainReusesTheTombstone) {
+TEST_F(MapErase, InsertedAgainReusesTheDeletedSlot) {
   map_t map = with_keys("3");
   map.erase(map.find(text("3")));
   map.insert(text("3"), whole(2));
@@ -76,7 +76,7 @@ TEST_F(MapErase, InsertedAgainReusesTheTombstone) {
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 1}));
 }
 
-TEST_F(MapErase, FirstOfSeveralTombstonesIsReused) {
+TEST_F(MapErase, FirstOfSeveralDeletedSlotsIsReused) {
   map_t map = with_keys("3", "11", "19");
   map.erase(map.find(text("11")));
   map.erase(map.find(text("3")));
@@ -85,7 +85,7 @@ TEST_F(MapErase, FirstOfSeveralTombstonesIsReused) {
   EXPECT_EQ(slot_at(map, 4).hash, 1u);
 }
 
-TEST_F(MapErase, KeyAfterATombstoneIsFound) {
+TEST_F(MapErase, KeyAfterADeletedSlotIsFound) {
   map_t map = with_keys("3", "11");
   map.erase(map.find(text("3")));
   EXPECT_FALSE(map.insert(text("11"), whole(1)).second);
@@ -118,7 +118,7 @@ TEST_F(MapCopy, MapWithoutTableIsCopiedWithoutOne) {
   EXPECT_EQ(standin_calls_total(), 0);
 }
 
-TEST_F(MapCopy, KeepsEverySlotTombstonesIncluded) {
+TEST_F(MapCopy, KeepsEverySlotDeletedSlotsIncluded) {
   map_t map = with_keys("3", "11", "19", "0", "1");
   map.erase(map.find(text("3")));
   map.erase(map.find(text("0")));
@@ -154,7 +154,7 @@ TEST_F(MapCopy, BorrowedStringsBecomeOwned) {
   EXPECT_EQ(slot_at(copy, 3).value, text("v"));
 }
 
-TEST_F(MapCopy, CopiedValueKeepsTheTombstonesOfItsMap) {
+TEST_F(MapCopy, CopiedValueKeepsTheDeletedSlotsOfItsMap) {
   map_t map = with_keys("3", "11");
   map.erase(map.find(text("3")));
   const data_t value(std::move(map));
@@ -165,7 +165,7 @@ TEST_F(MapCopy, CopiedValueKeepsTheTombstonesOfItsMap) {
 
 TEST_F(MapCopy, StaleValuesOfVacantSlotsAreNotCopied) {
   const map_t map = with_keys("3", "11");
-  put_tombstone(map, 0);
+  put_deleted_slot(map, 0);
   const data_t stale = text("freed elsewhere");
   for (const std::int64_t vacant : {0, 1}) {
     std::memcpy(static_cast<void*>(&slot_at(map, vacant).value), static_cast<const void*>(&stale),
@@ -253,7 +253,7 @@ TEST_F(MapEquality, OrderAndCapacityDoNotMatter) {
   EXPECT_TRUE(large == with_keys("3", "11", "19"));
 }
 
-TEST_F(MapEquality, TombstonesDoNotMatter) {
+TEST_F(MapEquality, DeletedSlotsDoNotMatter) {
   map_t map = with_keys("3", "11", "19");
   map.erase(map.find(text("3")));
   EXPECT_TRUE(map == with_keys("11", "19"));

@@ -29,7 +29,7 @@ class MapProgram {
     return first;
   }
 
-  // Few keys make tables of tombstones and re-insertions, many make them grow.
+  // Few keys make tables of deleted slots and re-insertions, many make them grow.
   void choose_keys() {
     static constexpr std::array<unsigned, 4> COUNTS = {6, 20, 90, 600};
     key_count_ = COUNTS[byte() % COUNTS.size()];

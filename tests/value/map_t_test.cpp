@@ -65,7 +65,7 @@ TEST_F(MapT, GrowthFollowsTheLiveCountNotTheCapacity) {
   EXPECT_EQ(seen, 4u);
 }
 
-TEST_F(MapT, TombstonesCountTowardsGrowthThatDropsThem) {
+TEST_F(MapT, DeletedSlotsCountTowardsGrowthThatDropsThem) {
   map_t map = with_keys("0", "1", "2", "3", "4", "5", "6");
   for (const char* key : {"1", "2", "3", "4", "5", "6"}) map.erase(map.find(text(key)));
   EXPECT_EQ(counts_of(map), (counts_t{1, 8, 6}));
@@ -74,10 +74,10 @@ TEST_F(MapT, TombstonesCountTowardsGrowthThatDropsThem) {
   for (std::int64_t i = 1; i < 8; ++i) EXPECT_EQ(slot_at(map, i).hash, i == 5 ? 5u : 0u) << i;
 }
 
-TEST_F(MapT, TableFullOfTombstonesIsRebuiltSmaller) {
+TEST_F(MapT, TableFullOfDeletedSlotsIsRebuiltSmaller) {
   map_t map = table_of(100);
   put(map, 99, 99, text("99"), whole(9));
-  for (std::int64_t i = 0; i < 75; ++i) put_tombstone(map, i);
+  for (std::int64_t i = 0; i < 75; ++i) put_deleted_slot(map, i);
   map.insert(text("80"), whole(8)); // 75 is below 1 + 75
   EXPECT_EQ(counts_of(map), (counts_t{2, 8, 0}));
   EXPECT_EQ(slot_of(map, "99"), 3);
@@ -86,7 +86,7 @@ TEST_F(MapT, TableFullOfTombstonesIsRebuiltSmaller) {
 
 TEST_F(MapT, ThreeQuartersAreNotYetTooMuch) {
   map_t map = table_of(100);
-  for (std::int64_t i = 0; i < 75; ++i) put_tombstone(map, i);
+  for (std::int64_t i = 0; i < 75; ++i) put_deleted_slot(map, i);
   map.insert(text("80"), whole(8)); // 75 is not below 0 + 75
   EXPECT_EQ(counts_of(map), (counts_t{1, 100, 75}));
 }

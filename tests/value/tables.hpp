@@ -67,7 +67,7 @@ inline void put(const map_t& map, std::int64_t index, std::uint64_t hash, data_t
 inline bool is_deleted(const map_slot_t& slot) {
   return slot.hash == map_slot_t::DELETED && slot.key.empty();
 }
-inline void put_tombstone(const map_t& map, std::int64_t index) {
+inline void put_deleted_slot(const map_t& map, std::int64_t index) {
   slot_at(map, index).hash = map_slot_t::DELETED;
   ++head_of(map).deleted;
 }
