@@ -25,9 +25,9 @@ std::string wayOf(const explanation_t& explanation) {
     appendPaths(text, row.to);
     appendPaths(text, row.with);
   }
-  for (const fault_t& fault : explanation.blame.faults) appendJson(text, fault.path);
+  for (const faulty_place_t& fault : explanation.blame.faults) appendJson(text, fault.path);
   text += ';';
-  for (const fault_t& fault : explanation.blame.suspects) appendJson(text, fault.path);
+  for (const faulty_place_t& fault : explanation.blame.suspects) appendJson(text, fault.path);
   return text;
 }
 

@@ -41,9 +41,9 @@ void writeRow(JsonLine& line, const row_t& row) {
   line.close('}');
 }
 
-void writeFaults(JsonLine& line, const char* name, const std::vector<fault_t>& faults) {
+void writeFaults(JsonLine& line, const char* name, const std::vector<faulty_place_t>& faults) {
   line.item(name).open('[');
-  for (const fault_t& fault : faults) {
+  for (const faulty_place_t& fault : faults) {
     line.item(nullptr).open('{');
     line.item("path").raw(jsonOf(fault.path));
     line.item("missing").raw(fault.missing ? "true" : "false");

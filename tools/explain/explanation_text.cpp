@@ -255,7 +255,7 @@ void Teller::tellUnknown(const row_t& row) {
                  " out: the message is too large to be run again for each of them");
 }
 
-std::string phraseOf(const fault_t& fault) {
+std::string phraseOf(const faulty_place_t& fault) {
   if (fault.missing) return cutBefore(textOf(fault.path), PHRASE_WIDTH - 12) + " is missing";
   if (!fault.found.empty()) return phraseOf(place_t{fault.path, fault.found});
   return cutBefore(textOf(fault.path), PHRASE_WIDTH - 18) + ", a list or map";
@@ -265,11 +265,11 @@ void tellDropped(const record_t& record, const blame_t& blame, Page& page) {
   for (const log_line_t& line : record.log) {
     if (line.level <= DROPPED_LEVEL) page.text("logged", Colour::NONE, line.text);
   }
-  for (const fault_t& fault : blame.faults) {
+  for (const faulty_place_t& fault : blame.faults) {
     page.entry("at fault", Colour::RED,
                {phraseOf(fault) + ";", cutBehind(fault.mended, PHRASE_WIDTH - 10) + " would do"});
   }
-  for (const fault_t& fault : blame.suspects) {
+  for (const faulty_place_t& fault : blame.suspects) {
     page.entry("suspect", Colour::YELLOW, {phraseOf(fault)});
   }
 }

@@ -49,13 +49,13 @@ class Stage {
 
   // Whether at most `faults_left` mendings lead to a message that comes out; `faults` then has
   // them.
-  bool solve(std::size_t faults_left, std::vector<fault_t>& faults);
+  bool solve(std::size_t faults_left, std::vector<faulty_place_t>& faults);
 
   // From now on it tries to mend every leaf.
   void suspectAll();
 
   // The ones with the closest link to the log lines, among all that it tried to mend.
-  [[nodiscard]] std::vector<fault_t> suspects() const;
+  [[nodiscard]] std::vector<faulty_place_t> suspects() const;
 
  private:
   struct candidate_t {
@@ -70,8 +70,8 @@ class Stage {
   void addMissing(std::vector<change_t>& mendings) const;
   [[nodiscard]] std::optional<answer_t> askWith(const change_t& change);
   [[nodiscard]] bool saysSomethingElse(const change_t& change, const answer_t& answer) const;
-  [[nodiscard]] fault_t faultAt(const path_t& path) const;
-  [[nodiscard]] fault_t faultOf(const change_t& change) const;
+  [[nodiscard]] faulty_place_t faultAt(const path_t& path) const;
+  [[nodiscard]] faulty_place_t faultOf(const change_t& change) const;
 
   Probe& probe_;
   std::vector<change_t> changes_;
@@ -142,7 +142,7 @@ bool Stage::isOnlyMentioned(const path_t& path) {
   return true;
 }
 
-std::vector<fault_t> Stage::suspects() const {
+std::vector<faulty_place_t> Stage::suspects() const {
   std::vector<path_t> paths = named_;
   const auto add_candidates = [&](bool missing) {
     for (const candidate_t& candidate : candidates_) {
@@ -154,7 +154,7 @@ std::vector<fault_t> Stage::suspects() const {
   add_candidates(true);
   if (paths.empty()) paths = altering_;
   if (paths.empty()) add_candidates(false);
-  std::vector<fault_t> suspects;
+  std::vector<faulty_place_t> suspects;
   suspects.reserve(paths.size());
   for (const path_t& path : paths) suspects.push_back(faultAt(path));
   return suspects;
@@ -205,18 +205,18 @@ bool Stage::saysSomethingElse(const change_t& change, const answer_t& answer) co
          !isWithoutMention(answer_.log, answer.log, old_text);
 }
 
-fault_t Stage::faultAt(const path_t& path) const {
+faulty_place_t Stage::faultAt(const path_t& path) const {
   const node_t* const found = answer_.before.find(path);
   return {path, found == nullptr ? "" : found->json, found == nullptr};
 }
 
-fault_t Stage::faultOf(const change_t& change) const {
-  fault_t fault = faultAt(change.path);
+faulty_place_t Stage::faultOf(const change_t& change) const {
+  faulty_place_t fault = faultAt(change.path);
   writeJson(fault.mended, *change.value);
   return fault;
 }
 
-bool Stage::solve(std::size_t faults_left, std::vector<fault_t>& faults) {
+bool Stage::solve(std::size_t faults_left, std::vector<faulty_place_t>& faults) {
   std::set<std::tuple<std::string, path_t, std::uint32_t>> tried; // reason, place, kind
   candidates_.clear();
   for (const change_t& change : mendings()) {
@@ -250,7 +250,7 @@ blame_t blameFor(Probe& probe, const answer_t& base) {
   Stage stage(probe, {}, base);
   blame_t blame;
   if (stage.solve(1, blame.faults)) return blame;
-  std::vector<fault_t> suspects = stage.suspects();
+  std::vector<faulty_place_t> suspects = stage.suspects();
   stage.suspectAll();
   for (std::size_t faults = 1; faults <= MOST_FAULTS; ++faults) {
     if (stage.solve(faults, blame.faults)) return blame;

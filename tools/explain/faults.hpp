@@ -19,18 +19,18 @@
 
 namespace com::velanto::connectivity::tools {
 
-struct fault_t {
+struct faulty_place_t {
   path_t path;
   std::string found;    // JSON of a leaf; empty: a list or map,
   bool missing = false; // or nothing at all
   std::string mended{}; // JSON of a value with which it goes on; empty: none
-  bool operator==(const fault_t&) const = default;
+  bool operator==(const faulty_place_t&) const = default;
 };
 
 struct blame_t {
   // In the order of discovery; with all of them mended the message comes out.
-  std::vector<fault_t> faults;
-  std::vector<fault_t> suspects; // when there are no faults
+  std::vector<faulty_place_t> faults;
+  std::vector<faulty_place_t> suspects; // when there are no faults
 };
 
 // `base` is the probe's answer without a change; the message was dropped.

@@ -12,14 +12,14 @@ class FaultsTest : public ExplainFixture {
   std::string faults(const std::string& payload, const codec_t& codec) {
     const tools::blame_t blame = explained(payload, codec).blame;
     std::string text;
-    const auto append = [&text](const tools::fault_t& fault) {
+    const auto append = [&text](const tools::faulty_place_t& fault) {
       text += tools::textOf(fault.path) + (fault.missing ? " missing" : " " + fault.found);
     };
-    for (const tools::fault_t& fault : blame.faults) {
+    for (const tools::faulty_place_t& fault : blame.faults) {
       append(fault);
       text += " → " + fault.mended + "\n";
     }
-    for (const tools::fault_t& fault : blame.suspects) {
+    for (const tools::faulty_place_t& fault : blame.suspects) {
       text += "? ";
       append(fault);
       text += "\n";

@@ -74,7 +74,7 @@ TEST_F(SamplesTest, MendingEachFaultHelps) {
     ++proven;
     Message mended = copyOf(sample.message);
     JsonReader reader;
-    for (const tools::fault_t& fault : told.blame.faults) {
+    for (const tools::faulty_place_t& fault : told.blame.faults) {
       tools::apply(mended, {fault.path, reader.parseValue(fault.mended)});
     }
     EXPECT_EQ(send(mended).outputs.size(), 1u) << sample.place;
