@@ -26,7 +26,7 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
 
   // Returns true for an event, and for a message without a path, which stays as it is. Reports any
   // other notification, drops it and returns false. A dropped notification keeps its "id" alone, if
-  // that is a string and there is memory for it. A payload that is no map stays whole. Throws,
+  // that is a string and there is memory for it. A payload that is not a map stays whole. Throws,
   // with the message whole, when the trace fails or there is no memory for a long id.
   bool transformMessageTowardsHost(Message& message) override;
   // Returns true and changes nothing.
@@ -36,7 +36,7 @@ class OstroviaNotifications2Codec final : public AbstractSimpleCodec {
 
  private:
   // The event, or an empty message for a notification with a fault. A custom value in a field's key,
-  // a path that is no string and exhausted memory are thrown.
+  // a path that is not a string and exhausted memory are thrown.
   [[nodiscard]] Message processPulsarMessage(PulsarMessageDisassembler& notification) const;
   // Write the line about a dropped message, if the level asks for it. `id` is null for a message
   // without one, `what` for a failure without a message. Only a line of unusual length takes

@@ -22,7 +22,7 @@ class PulsarMessageDisassembler {
 
   // The first character of the type segment, inside the stored path: valid as long as the metadata.
   // The terminating NUL when the path has fewer than two '/'. Throws std::runtime_error "No Pulsar
-  // path found", or the typed get's error for a path that is no string.
+  // path found", or the typed get's error for a path that is not a string.
   [[nodiscard]] const char* getStartCharOfMessageType() const;
 
   // Frees the metadata's entries; the event may get the table. There is no path after this.
@@ -31,7 +31,7 @@ class PulsarMessageDisassembler {
     spares_.keepMap(std::move(notification_.getMetadataMap()));
   }
 
-  // The payload in place. Throws the typed get's error when it is no map.
+  // The payload in place. Throws the typed get's error when it is not a map.
   [[nodiscard]] map_t& getPayloadMap();
 
   // Moves the payload map out and leaves an empty map. Throws as getPayloadMap does.

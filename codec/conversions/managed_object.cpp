@@ -22,7 +22,7 @@ void addSupported(constant_t const& from, constant_t const& to,
   if (value) builder.fields.assign(to.with(std::move(*value)));
 }
 
-// Numeric components become "position", the others fields of their own. A value that is no map
+// Numeric components become "position", the others fields of their own. A value that is not a map
 // vanishes.
 void addPosition(PulsarMessageDisassembler& notification, ManagedObjectBuilder& builder) {
   boost::optional<data_t> position =
