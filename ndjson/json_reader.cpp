@@ -49,7 +49,8 @@ class JsonReader::Parser {
   data_t read(ondemand::value value, int depth);
   [[nodiscard]] bool isNotation(ondemand::value value) const;
   data_t readNotation(ondemand::value value, int depth);
-  std::vector<data_t> readElements(ondemand::array array, int depth);
+  void readPairs(ondemand::array array, int depth, std::vector<data_t>& parts);
+  list_t readList(ondemand::array array, int depth);
   map_t readMap(ondemand::object object, int depth);
   data_t readMetadata(ondemand::value value);
   static data_t readNull(ondemand::value value);
@@ -236,7 +237,7 @@ data_t JsonReader::Parser::read(ondemand::value value, int depth) {
     case ondemand::json_type::string:
       return readString(value);
     case ondemand::json_type::array:
-      return makeList(readElements(require(value.get_array()), below(depth)));
+      return readList(require(value.get_array()), below(depth));
     case ondemand::json_type::object:
       if (is_recorded_ && isNotation(value)) return readNotation(value, depth);
       return readMap(require(value.get_object()), below(depth));
@@ -303,10 +304,10 @@ data_t JsonReader::Parser::readText(std::string_view text, const char* place) {
   return data_t(text_.c_str());
 }
 
-std::vector<data_t> JsonReader::Parser::readElements(ondemand::array array, int depth) {
+list_t JsonReader::Parser::readList(ondemand::array array, int depth) {
   std::vector<data_t> elements;
   for (auto element : array) elements.push_back(read(require(element), depth));
-  return elements;
+  return makeList(std::move(elements));
 }
 
 map_t JsonReader::Parser::readMap(ondemand::object object, int depth) {
@@ -340,7 +341,6 @@ bool JsonReader::Parser::isNotation(ondemand::value value) const {
   return member != std::string_view::npos && line.substr(member).starts_with(R"("$")");
 }
 
-// The two levels of lists in a map of pairs are none of the message.
 data_t JsonReader::Parser::readNotation(ondemand::value value, int depth) {
   const std::size_t column = columnOf(value.raw_json_token().data());
   std::vector<data_t> parts;
@@ -350,12 +350,34 @@ data_t JsonReader::Parser::readNotation(ondemand::value value, int depth) {
     if (++count > 1) throw MalformedJson(R"(member next to "$")", columnOf(field.key().raw() - 1));
     ondemand::value content = field.value();
     if (require(content.type()) != ondemand::json_type::array) break;
-    parts = readElements(require(content.get_array()), depth - 1);
+    for (auto element : require(content.get_array())) {
+      ondemand::value part = require(element);
+      if (require(part.type()) == ondemand::json_type::array) {
+        readPairs(require(part.get_array()), below(depth), parts);
+      } else {
+        parts.push_back(read(part, depth));
+      }
+    }
   }
   try {
     return valueOfNotation(std::move(parts));
   } catch (const MalformedJson& e) {
     throw MalformedJson(e.what(), column);
+  }
+}
+
+// Appends an empty list and all keys and values in turn; an empty value for a list of anything else.
+// Without values for the lists, which take stack.
+void JsonReader::Parser::readPairs(ondemand::array array, int depth, std::vector<data_t>& parts) {
+  const std::size_t begin = parts.size();
+  parts.emplace_back(list_t());
+  for (auto element : array) {
+    ondemand::value pair = require(element);
+    const std::size_t before = parts.size();
+    if (require(pair.type()) == ondemand::json_type::array) {
+      for (auto part : require(pair.get_array())) parts.push_back(read(require(part), depth));
+    }
+    if (parts.size() - before != 2) parts[begin] = data_t();
   }
 }
 

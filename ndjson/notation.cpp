@@ -149,20 +149,19 @@ value_t readTag(parts_t& content) {
 }
 
 value_t readPairs(parts_t& content) {
-  list_t* const pairs = content[0].get_if<list_t>();
-  if (pairs == nullptr) return std::nullopt;
+  if (content.size() % 2 == 0 || content[0].type_tag() != VLT_TAG_LIST) return std::nullopt;
   map_t map;
-  for (data_t& element : *pairs) {
-    list_t* const pair = element.get_if<list_t>();
-    if (pair == nullptr || pair->size() != 2) return std::nullopt;
-    insertPair(map, std::move((*pair)[0]), std::move((*pair)[1]));
+  for (std::size_t i = 1; i < content.size(); i += 2) {
+    insertPair(map, std::move(content[i]), std::move(content[i + 1]));
   }
   return map;
 }
 
+constexpr std::size_t ANY = SIZE_MAX;
+
 struct kind_t {
   std::string_view name;
-  std::size_t size; // parts after the name
+  std::size_t size; // parts after the name, or ANY
   value_t (*read)(parts_t& content);
   const char* needs;
 };
@@ -178,7 +177,7 @@ constexpr std::array KINDS = {
     kind_t{"borrowed-bytes", 1, readBorrowedBytes, "base64 without a NUL"},
     kind_t{"double", 1, readBits, "16 hexadecimal digits"},
     kind_t{"tag", 2, readTag, "a tag above 10 and 16 hexadecimal digits"},
-    kind_t{"map", 1, readPairs, "a list of pairs [key, value]"}};
+    kind_t{"map", ANY, readPairs, "a list of pairs [key, value]"}};
 
 } // namespace
 
@@ -189,7 +188,8 @@ data_t valueOfNotation(parts_t&& parts) {
     if (kind.name != *name) continue;
     const std::string begin = R"({"$":[")" + std::string(kind.name) + "\"";
     parts.erase(parts.begin());
-    value_t value = parts.size() == kind.size ? kind.read(parts) : std::nullopt;
+    const bool fits = kind.size == ANY || parts.size() == kind.size;
+    value_t value = fits ? kind.read(parts) : std::nullopt;
     if (value) return std::move(*value);
     throw MalformedJson(begin + "…]} needs " + kind.needs);
   }
