@@ -13,7 +13,7 @@ namespace com::velanto::connectivity::recorder {
 namespace {
 
 constexpr std::uint64_t ANY = std::numeric_limits<std::int64_t>::max();
-constexpr std::uint64_t MEBIBYTE = 1024 * 1024;
+constexpr std::uint64_t MEBIBYTE = 1U << 20U;
 constexpr std::size_t LONGEST_NAME = 200;   // a file's name adds 13 bytes; most systems take 255
 constexpr std::size_t LONGEST_JSON = 65536; // every file begins with it
 
@@ -33,7 +33,7 @@ class Settings {
     const data_t* const value = map_.find_value(data_t(key));
     if (value == nullptr && fallback.empty()) return fallback;
     if (value != nullptr) requireText(key, "a string", *value);
-    const std::string content = value == nullptr ? fallback : value->get<const char*>();
+    std::string content = value == nullptr ? fallback : value->get<const char*>();
     keep(key, quoted(content.c_str()));
     return content;
   }
@@ -159,7 +159,7 @@ configuration_t readConfiguration(const map_t& settings, const std::string& plug
   read.folder = reader.text("recordingFolder", "");
   if (read.folder.empty()) throw std::runtime_error("Setting 'recordingFolder' is missing");
   read.name = asName(reader.text("recordingName", asName(plugin_name + "-" + chain_id)));
-  read.max_file_bytes = MEBIBYTE * reader.integer("maxFileMebibytes", 64, 1024 * 1024);
+  read.max_file_bytes = MEBIBYTE * reader.integer("maxFileMebibytes", 64, 1048576);
   read.max_files = reader.integer("maxFiles", 16, 100000);
   read.is_ring = readWhenFull(reader);
   read.stop_after_messages = reader.integer("stopAfterMessages", 0, ANY);

@@ -19,7 +19,9 @@ std::uint64_t makeRun() noexcept {
   return ((timeNow() * 0x9E3779B97F4A7C15U) ^ (process << 1U)) | 1U;
 }
 
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): of the whole library
 std::atomic<std::uint64_t> run{makeRun()};
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): for the same reason
 std::atomic<std::uint64_t> batches{0};
 
 } // namespace
@@ -58,7 +60,7 @@ class LastCall {
 
 namespace {
 
-LastCall last_call;
+LastCall last_call; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
 
 void beginChild() {
   run = makeRun();
@@ -70,11 +72,11 @@ void beginChild() {
 std::uint64_t currentRun() noexcept { return run.load(std::memory_order_relaxed); }
 
 void watchForks() {
-  static const bool watched = [] {
+  static const bool WATCHED = [] {
     if (pthread_atfork(nullptr, nullptr, beginChild) != 0) throw std::bad_alloc();
     return true;
   }();
-  static_cast<void>(watched);
+  static_cast<void>(WATCHED);
 }
 
 std::uint64_t BatchNumber::get() noexcept {

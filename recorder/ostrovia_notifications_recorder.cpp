@@ -18,7 +18,6 @@ namespace {
 using recorder::BatchNumber;
 using recorder::configuration_t;
 using recorder::Direction;
-using recorder::RecordingBuffer;
 using State = recorder::RecordingBuffer::State;
 
 constexpr std::size_t LONGEST_HEAD = 131072; // a file has room for it and the longest line
@@ -26,8 +25,8 @@ constexpr std::size_t LONGEST_HEAD = 131072; // a file has room for it and the l
 // In quotes, as 16 hexadecimal digits.
 std::string quotedDigits(std::uint64_t number) {
   std::array<char, 16> digits{};
-  const auto end = std::to_chars(digits.begin(), digits.end(), number, 16).ptr;
-  const std::string text(digits.begin(), end);
+  char* const end = std::to_chars(digits.begin(), digits.end(), number, 16).ptr;
+  const std::string text(digits.data(), end);
   return '"' + std::string(digits.size() - text.size(), '0') + text + '"';
 }
 
@@ -35,11 +34,11 @@ std::string quotedDigits(std::uint64_t number) {
 std::pair<std::string, std::string> headLine(const PluginConstructorParameters& params,
                                              const configuration_t& configuration) {
   std::string before = R"({"recording":{"head":{"format":1,"recorder":")" VLT_VERSION "\"";
-  before += ",\"plugin\":";
+  before += R"(,"plugin":)";
   appendJsonText(before, params.getPluginName());
-  before += ",\"chain\":";
+  before += R"(,"chain":)";
   appendJsonText(before, params.getChainId());
-  before += ",\"productVersion\":\"" + std::string(entry_points::PRODUCT_VERSION) + "\"";
+  before += R"(,"productVersion":")" + std::string(entry_points::PRODUCT_VERSION) + '"';
   before += ",\"run\":" + quotedDigits(recorder::currentRun()) + ",\"file\":";
 
   std::string after = ",\"started\":" + std::to_string(recorder::timeNow());

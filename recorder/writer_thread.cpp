@@ -20,7 +20,7 @@ namespace {
 using State = RecordingBuffer::State;
 
 constexpr vlt_log_level_t FAILURE_LEVEL = 3;
-constexpr std::size_t STACK_SIZE = 256 * 1024;
+constexpr std::size_t STACK_SIZE = 1U << 18U;
 constexpr std::uint64_t SECOND = 1000;
 constexpr unsigned TICK = 100;
 

@@ -130,13 +130,16 @@ TEST_F(RecorderTroubleTest, RecorderFromBeforeAForkStartsInTheChild) {
 
 // The status maps that a host gets.
 class StatusTest : public RecorderFixture {
- protected:
+ public:
   StatusTest() {
     handle_ = unreadable(0x10);
     standin_set_status_sink(take, this);
   }
+  StatusTest(const StatusTest&) = delete;
+  StatusTest& operator=(const StatusTest&) = delete;
   ~StatusTest() override { standin_set_status_sink(nullptr, nullptr); }
 
+ protected:
   texts_t takeStatus() {
     const std::lock_guard guard(mutex_);
     return std::exchange(status_, {});

@@ -18,7 +18,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-constexpr std::uint64_t MEBIBYTE = 1024 * 1024;
+constexpr std::uint64_t MEBIBYTE = 1U << 20U;
 
 // The files of this process can be so large for the length of a test.
 class FileSizeLimit {
