@@ -79,7 +79,7 @@ class Follower {
       last_ = numbers.last;
     }
     if (!file.foot) return "";
-    const std::string breach = judge(*file.foot);
+    std::string breach = judge(*file.foot);
     if (!file.foot->next) last_ = -1; // another recorder, or this one switched on again
     return breach;
   }
@@ -113,6 +113,7 @@ std::vector<recorded_file_t> readRecording(const std::filesystem::path& folder,
   }
   std::sort(paths.begin(), paths.end());
   std::vector<recorded_file_t> files;
+  files.reserve(paths.size());
   for (const std::filesystem::path& path : paths) files.push_back(readFile(path));
   return files;
 }

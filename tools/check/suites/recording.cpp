@@ -146,12 +146,13 @@ void readsBack(Trial& trial) {
   batch.push_back(notification(EVENT_PATH, buffer("\xff")));
   batch.push_back(notification(EVENT_PATH, borrowed("\xfe")));
   batch.push_back(notification(EVENT_PATH, bare(NEWER)));
-  batch.push_back(notification(EVENT_PATH, value(R"({"$": ["decimal", "00000000000000ff"]})")));
+  JsonReader reader;
+  const char* const like_a_decimal = R"({"$": ["decimal", "00000000000000ff"]})";
+  batch.push_back(notification(EVENT_PATH, reader.parseValue(like_a_decimal)));
   Recorder recorder(trial);
   recorder.send(trial, batch);
   recorder.end(trial);
   std::istringstream lines(recordingIn(trial.folder()).text);
-  JsonReader reader;
   std::size_t records = 0;
   for (std::string line; std::getline(lines, line);) {
     if (!line.starts_with(R"({"recorded":)")) continue;
