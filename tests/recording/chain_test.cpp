@@ -109,8 +109,10 @@ TEST_F(RecordedChain, FailureOfTheHostReachesTheTransport) {
               {&transport_, Received::take});
   std::vector<Message> batch(1);
   EXPECT_FALSE(chain.sendTowardsHost(batch));
+  const std::vector<log_line_t> logged = takeLog();
   std::vector<std::string> lines;
-  for (const log_line_t& line : takeLog()) lines.push_back(line.text);
+  lines.reserve(logged.size());
+  for (const log_line_t& line : logged) lines.push_back(line.text);
   const auto failed = [](const std::string& plugin, const std::string& reason) {
     return "<connectivity." + plugin + ".chain> Exception from sendBatchTowardsHost: " + reason;
   };

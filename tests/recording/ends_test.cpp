@@ -46,8 +46,10 @@ class LoneRecorder {
 
  private:
   static std::vector<Message> messages() {
+    constexpr int MESSAGES = 10;
     std::vector<Message> batch;
-    for (int i = 0; i < 10; ++i) {
+    batch.reserve(MESSAGES);
+    for (int i = 0; i < MESSAGES; ++i) {
       batch.push_back(notification(
           "t/s/events/1", mapOf("id", whole(i), "text", text(std::string(300, 'x').c_str()))));
     }

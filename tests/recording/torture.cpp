@@ -81,6 +81,7 @@ void count(void* counter, vlt_underlying_message_t* start, vlt_underlying_messag
 
 std::vector<Message> batchOf(std::size_t size) {
   std::vector<Message> batch;
+  batch.reserve(size);
   for (std::size_t i = 0; i < size; ++i) {
     // One in seven is of no kind that the codec knows.
     batch.push_back(

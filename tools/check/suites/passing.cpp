@@ -20,6 +20,7 @@ namespace {
 void expectPasses(Trial& trial, const std::string& where, bool towards_host, Codec& recorder,
                   std::vector<Message>& batch) {
   std::vector<std::string> before;
+  before.reserve(batch.size());
   for (const Message& message : batch) before.push_back(bytesOf(message));
   recorder.host.calls.clear();
   recorder.transport.calls.clear();
