@@ -111,7 +111,10 @@ TEST_F(ReportSchemasTest, SummariesAreAccepted) {
   schema_ = std::make_unique<JsonSchema>("docs/replay-summary.schema.json");
   for (const char* const arguments :
        {VLT_PROJECT_ROOT "/samples/site-day.ndjson", VLT_PROJECT_ROOT "/samples/failing.ndjson",
-        "--direction transport " VLT_PROJECT_ROOT "/samples/events.ndjson", "/dev/null"}) {
+        "--direction transport " VLT_PROJECT_ROOT "/samples/events.ndjson",
+        "--expect-events " VLT_PROJECT_ROOT "/samples/recordings/after " VLT_PROJECT_ROOT
+        "/samples/recordings/before",
+        "/dev/null"}) {
     const std::string json = runShell(std::string("ostrovia-replay --summary=json --log-level 2 ") +
                                       arguments + " 2>&1 >/dev/null | grep '^{'")
                                  .out;
