@@ -98,8 +98,9 @@ TEST_F(OstroviaReplayTest, UnusableFilesCostALineEach) {
     EXPECT_NE(plugin.diagnostics.find(path), std::string::npos) << plugin.diagnostics;
   }
   const result_t folder = run({"/etc/apt"});
-  EXPECT_EQ(folder.status, tools::EXIT_IO);
-  EXPECT_EQ(folder.diagnostics, "ostrovia-replay: /etc/apt: Is a directory\n");
+  EXPECT_EQ(folder.status, tools::EXIT_USAGE);
+  EXPECT_EQ(folder.diagnostics,
+            "ostrovia-replay: /etc/apt has no recording, no file NAME.000001.ndjson\n");
 }
 
 TEST_F(OstroviaReplayTest, MalformedLinesAreStatus3) {

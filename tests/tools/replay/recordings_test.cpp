@@ -191,7 +191,8 @@ TEST_F(RecordingsTest, OptionsThatExcludeEachOtherAreNamed) {
   const std::vector<std::pair<std::vector<std::string>, std::string>> rows = {
       {{"--follow", "--repeat", "2", "in"}, "--follow takes no --repeat or --threads"},
       {{"--follow", "--threads", "2", "in"}, "--follow takes no --repeat or --threads"},
-      {{"--expect-events", "rec", "--repeat", "2", "in"}, "--expect-events and --redact take no --repeat"},
+      {{"--expect-events", "rec", "--repeat", "2", "in"},
+       "--expect-events and --redact take no --repeat"},
       {{"--as-recorded", "--batch-size", "2", "in"},
        "--as-recorded takes no --batch-size, --direction or --explain"}};
   for (const auto& [arguments, complaint] : rows) {

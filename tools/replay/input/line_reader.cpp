@@ -78,7 +78,8 @@ bool LineReader::isMessage(record_t& record) {
 }
 
 bool LineReader::nextLine(std::string& line) {
-  if (input().is_standard_input && mayWait()) {
+  // A terminal would wait for more after its end.
+  if (input().is_standard_input && !stream_->eof() && mayWait()) {
     waitForStandardInput();
     if (isInterrupted()) return false;
   }
