@@ -50,6 +50,13 @@ exit_status_t Consumers::finish() {
   return worst;
 }
 
+bool Consumers::hasNoUse() const noexcept {
+  const bool closed = explainer_ ? explainer_->closed() : events_.closed();
+  return closed && !options_.strict && !options_.summary && !options_.dropped &&
+         !options_.redacted && !options_.record && !options_.expect && !options_.expect_events &&
+         !options_.against;
+}
+
 std::string Consumers::summaryOf(const run_figures_t& run) const {
   if (!summary_) return "";
   if (*options_.summary == "json") return summaryJson(*summary_, run);

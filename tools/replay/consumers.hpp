@@ -58,10 +58,8 @@ class Consumers final : public Consumer {
   void add(Consumer& consumer) { all_.push_back(&consumer); }
   void remove(Consumer& consumer) { std::erase(all_, &consumer); }
 
-  // The output has no reader any more.
-  [[nodiscard]] bool closed() const noexcept {
-    return events_.closed() || (explainer_ && explainer_->closed());
-  }
+  // Standard output has no reader any more, and the run has no other result.
+  [[nodiscard]] bool hasNoUse() const noexcept;
   [[nodiscard]] Figures& figures() noexcept { return figures_; }
   // Time during which the run's plug-in was at rest, and blocks that another one kept for good.
   [[nodiscard]] std::chrono::nanoseconds pauses() const noexcept {

@@ -43,6 +43,7 @@ class Replay {
   void drive(LineReader& reader);
   void checkCopy(const Recordings& recordings) const;
   void replayAll(LineReader& reader, ChainPool& pool);
+  void noteCut(const std::exception_ptr& failure);
   std::function<std::string()> summaryAbove(const LineReader& reader);
   void reportIncidents(incidents_t& incidents);
   void shutDown(ChainPool& pool);
@@ -62,6 +63,7 @@ class Replay {
   Consumers consumers_;
   Figures& figures_;
   bool law_broken_ = false;
+  std::string cut_; // why the run ended before its input; empty: it did not
   std::chrono::nanoseconds elapsed_{};
   exit_status_t status_ = EXIT_FINE;
 };
@@ -124,8 +126,7 @@ void Replay::drive(LineReader& reader) {
   worsen(consumers_.finish());
   consumers_.pause();
   checkCopy(reader.recordings());
-  // A followed run has no other end than Ctrl-C.
-  if (!consumers_.closed() && (!isInterrupted() || options_.follow)) consumers_.commit();
+  if (cut_.empty()) consumers_.commit();
 }
 
 // A copy without some messages would contradict the counts of its recorder.
@@ -144,15 +145,36 @@ void Replay::replayAll(LineReader& reader, ChainPool& pool) {
     consumers_.add(progress_.emplace(
         *terminal_, [&reader] { return reader.fractionRead(); }, summaryAbove(reader)));
   }
-  pool.run(reader, {[this](const record_t& record) {
-                      if (!record.remarks.empty()) consumers_.takeRemarks(record.remarks);
-                      consumers_.take(record);
-                    },
-                    [this](incidents_t& incidents) { reportIncidents(incidents); },
-                    [this] { return consumers_.closed(); }, [this] { consumers_.pause(); }});
+  const std::exception_ptr failure =
+      pool.run(reader, {[this](const record_t& record) {
+                          if (!record.remarks.empty()) consumers_.takeRemarks(record.remarks);
+                          consumers_.take(record);
+                        },
+                        [this](incidents_t& incidents) { reportIncidents(incidents); },
+                        [this] { return consumers_.hasNoUse(); }, [this] { consumers_.pause(); }});
   if (!reader.lastRemarks().empty()) consumers_.takeRemarks(reader.lastRemarks());
-  if (isInterrupted()) worsen(EXIT_INTERRUPTED);
   if (progress_) consumers_.remove(*progress_);
+  noteCut(failure);
+}
+
+// Notes why the run has ended before its input, if it has. Ctrl-C is no such end for a followed one.
+void Replay::noteCut(const std::exception_ptr& failure) {
+  if (failure && figures_.read() == 0) std::rethrow_exception(failure); // there is nothing to say
+  if (failure) {
+    consumers_.pause();
+    try {
+      std::rethrow_exception(failure);
+    } catch (const ReplayError& error) {
+      report(error.what());
+      worsen(error.status());
+    }
+    cut_ = "the input cannot be read on";
+  } else if (isInterrupted()) {
+    worsen(EXIT_INTERRUPTED);
+    if (!options_.follow) cut_ = "interrupted";
+  } else if (consumers_.hasNoUse()) {
+    cut_ = "nobody reads on";
+  }
 }
 
 // The summary so far, for a run that may go on for days; otherwise nothing.
@@ -221,8 +243,9 @@ std::string Replay::reachedText() const {
 void Replay::writeFigures(std::optional<std::int64_t> blocks, const Recordings& recordings) {
   const std::optional<pairing_t> pairing = consumers_.pairing();
   diagnostics_ << consumers_.summaryOf(
-      {figures_.read(), figures_.out(), elapsed_, blocks, recordings, pairing});
+      {figures_.read(), figures_.out(), elapsed_, blocks, recordings, pairing, cut_.empty()});
   if (options_.summary == "json") return; // it has all that the lines below say
+  if (!cut_.empty() && (!options_.quiet || options_.summary)) report("incomplete: " + cut_);
   if (!options_.quiet || options_.summary) diagnostics_ << recordingsText(recordings, pairing);
   if (options_.quiet) return;
   std::array<char, 400> digits{}; // room for any double

@@ -82,7 +82,13 @@ TEST_F(LongRunsTest, BrokenCompressionIsAnErrorAfterItsLines) {
     input_ = input;
     const result_t result = run({});
     EXPECT_EQ(result.status, 7);
-    return result.diagnostics;
+    // A run that has read nothing has no figures.
+    const bool has_read = result.diagnostics.find("too early") != std::string::npos;
+    EXPECT_EQ(result.diagnostics.find(
+                  "\nostrovia-replay: incomplete: the input cannot be read on\nread ") !=
+                  std::string::npos,
+              has_read);
+    return result.diagnostics.substr(0, result.diagnostics.find('\n') + 1);
   };
   EXPECT_EQ(complaint_about(gzip.substr(0, gzip.size() - 20)),
             "ostrovia-replay: <stdin>: the gzip data ends too early\n");
@@ -201,7 +207,44 @@ TEST_F(LongRunsTest, WaitForTheFirstByteCanBeInterrupted) {
   close(in[1]);
   EXPECT_EQ(result.status, 130);
   EXPECT_EQ(result.diagnostics,
+            "ostrovia-replay: incomplete: interrupted\n"
             "read 0, reached the host 0, dropped 0, malformed 0, T ms, 0 blocks live\n");
+}
+
+TEST_F(LongRunsTest, FilesAndVerdictsNeedNoReader) {
+  std::string text;
+  for (int i = 0; i < 3000; ++i) text += eventLine("1") + textlessLine("2");
+  folder_.write("in.ndjson", text);
+  folder_.write("changed.ndjson", text + textlessLine("3"));
+  run({"--quiet", "--record", "golden", "--dropped", "lost", "in.ndjson"});
+  const auto status_without_reader = [this](const std::string& arguments) {
+    return runShell("{ ostrovia-replay --quiet --log-level 2 " + arguments +
+                    " 2> /dev/null; echo $? > status; } | head -1; cat status >&2")
+        .diagnostics;
+  };
+  EXPECT_EQ(status_without_reader("--record g --dropped l in.ndjson"), "0\n");
+  EXPECT_TRUE(folder_.read("g") == folder_.read("golden"));
+  EXPECT_TRUE(folder_.read("l") == folder_.read("lost"));
+  EXPECT_EQ(status_without_reader("--expect golden in.ndjson"), "0\n");
+  EXPECT_EQ(status_without_reader("--expect golden changed.ndjson"), "5\n");
+  EXPECT_EQ(status_without_reader("--strict in.ndjson"), "1\n");
+}
+
+TEST_F(LongRunsTest, CutRunSaysSo) {
+  const std::string text = manyLines();
+  folder_.write("in.ndjson", text);
+  folder_.write("cut.gz", gzipped(text).substr(0, 5000));
+  const result_t closed = runShell("ostrovia-replay in.ndjson | head -1");
+  EXPECT_TRUE(closed.diagnostics.starts_with("ostrovia-replay: incomplete: nobody reads on\nread "))
+      << closed.diagnostics;
+  const result_t cut = run({"--summary=json", "cut.gz"});
+  EXPECT_TRUE(
+      cut.diagnostics.starts_with("ostrovia-replay: cut.gz: the gzip data ends too early\n"
+                                  R"({"version":1,"complete":false,"read":)"))
+      << cut.diagnostics;
+  const std::string summary = run({"--quiet", "--summary", "cut.gz"}).diagnostics;
+  EXPECT_NE(summary.find("ostrovia-replay: incomplete: the input cannot be read on\n"),
+            std::string::npos);
 }
 
 TEST_F(LongRunsTest, TerminalShowsHowFarTheRunHasCome) {

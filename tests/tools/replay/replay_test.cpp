@@ -289,7 +289,10 @@ TEST_F(ReplayTest, InputThatBreaksIsAFailure) {
   const input_t broken = {"disk", [] { return std::make_unique<BrokenStream>(); }};
   EXPECT_EQ(replay({input("a", "{\"payload\":1}\n"), broken, input("c", "x\n")}), tools::EXIT_IO);
   EXPECT_EQ(events(), "{\"metadata\":{},\"payload\":1}\n");
-  EXPECT_EQ(diagnostics(), "ostrovia-replay: disk: cannot be read to its end\n");
+  EXPECT_EQ(diagnostics(),
+            "ostrovia-replay: disk: cannot be read to its end\n"
+            "ostrovia-replay: incomplete: the input cannot be read on\n"
+            "read 1, reached the host 1, dropped 0, malformed 0, T ms, 0 blocks live\n");
 }
 
 TEST_F(ReplayTest, LinesBeforeAFailureAreHandled) {

@@ -75,8 +75,8 @@ ChainPool::ChainPool(const PluginLibrary& library, const data_t& configuration, 
   }
 }
 
-void ChainPool::run(LineReader& reader, const pool_listener_t& listener) {
-  workers_.size() == 1 ? runAlone(reader, listener) : runTogether(reader, listener);
+std::exception_ptr ChainPool::run(LineReader& reader, const pool_listener_t& listener) {
+  return workers_.size() == 1 ? runAlone(reader, listener) : runTogether(reader, listener);
 }
 
 bool ChainPool::readOne(LineReader& reader, record_t& record) {
@@ -120,22 +120,23 @@ void ChainPool::read(LineReader& reader, block_t& block) {
   }
 }
 
-void ChainPool::runAlone(LineReader& reader, const pool_listener_t& listener) {
+std::exception_ptr ChainPool::runAlone(LineReader& reader, const pool_listener_t& listener) {
   Worker& worker = *workers_.front();
   block_t block;
   while (!listener.finished()) {
     read(reader, block);
     worker.process(std::span(block.records).first(block.count), listener.take);
     listener.report(worker.incidents());
-    if (block.failure) std::rethrow_exception(block.failure);
+    if (block.failure) return block.failure;
     if (block.count == 0 && !reader.hasMoreLater()) break;
     if (reader.mayWait() || reader.hasMoreLater()) listener.pause();
     if (reader.hasMoreLater()) LineReader::wait();
   }
+  return {};
 }
 
 // A ring of blocks: the caller fills them and publishes each when its chain has served it.
-void ChainPool::runTogether(LineReader& reader, const pool_listener_t& listener) {
+std::exception_ptr ChainPool::runTogether(LineReader& reader, const pool_listener_t& listener) {
   std::vector<block_t> blocks(options_.undisturbed ? 1 : workers_.size() * AHEAD);
   std::vector<std::future<void>> served(blocks.size());
   std::vector<TaskThread> threads(workers_.size()); // after the blocks: ends before them
@@ -155,8 +156,9 @@ void ChainPool::runTogether(LineReader& reader, const pool_listener_t& listener)
     served[published % blocks.size()].get();
     for (record_t& record : std::span(block.records).first(block.count)) listener.take(record);
     listener.report(block.incidents);
-    if (block.failure) std::rethrow_exception(block.failure);
+    if (block.failure) return block.failure;
   }
+  return {};
 }
 
 void ChainPool::serve(block_t& block, Worker& worker) {

@@ -41,9 +41,9 @@ class ChainPool {
   ChainPool(const PluginLibrary& library, const data_t& configuration, Direction direction,
             const pool_options_t& options, std::vector<log_line_t>& log);
 
-  // Takes all lines of `reader` through the chains. Throws a failed read after publishing the lines
-  // before it.
-  void run(LineReader& reader, const pool_listener_t& listener);
+  // Takes all lines of `reader` through the chains. Returns the failure of a read, a ReplayError,
+  // after publishing the lines before it; null: there was none.
+  [[nodiscard]] std::exception_ptr run(LineReader& reader, const pool_listener_t& listener);
 
   // Ends every chain; the results in their order.
   std::vector<call_result_t> shutdown();
@@ -59,9 +59,9 @@ class ChainPool {
 
   void read(LineReader& reader, block_t& block);
   bool readOne(LineReader& reader, record_t& record);
-  void runAlone(LineReader& reader, const pool_listener_t& listener);
+  [[nodiscard]] std::exception_ptr runAlone(LineReader& reader, const pool_listener_t& listener);
   static void serve(block_t& block, Worker& worker);
-  void runTogether(LineReader& reader, const pool_listener_t& listener);
+  [[nodiscard]] std::exception_ptr runTogether(LineReader& reader, const pool_listener_t& listener);
 
   pool_options_t options_;
   std::optional<record_t> ahead_; // read, but of the batch after the last block

@@ -64,6 +64,7 @@ struct run_figures_t {
   std::optional<std::int64_t> blocks; // not given back; nothing when the host library cannot tell
   const Recordings& recordings;
   std::optional<pairing_t> pairing; // with recorded events, if that was asked for
+  bool complete = true;             // the run has reached the end of its input
 };
 
 // Lines of at most 79 columns.

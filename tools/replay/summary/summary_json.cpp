@@ -54,6 +54,7 @@ std::string summaryJson(const Summary& summary, const run_figures_t& run) {
   JsonLine line;
   line.open('{');
   line.item("version").number(1); // of the form; a change that breaks readers raises it
+  line.item("complete").raw(run.complete ? "true" : "false");
   line.item("read").number(run.read);
   line.item("reached").number(run.out);
   for (const Outcome outcome :

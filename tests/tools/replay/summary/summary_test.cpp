@@ -81,7 +81,7 @@ TEST_F(SummaryTest, ProgramsGetOneLineOfJson) {
   const std::string shown = run({"--summary=json", "--log-level", "2"}).diagnostics;
   EXPECT_EQ(
       shown.rfind(
-          R"({"version":1,"read":3,"reached":2,"converted":1,"passed":1,"dropped":1,"malformed":0,)"
+          R"({"version":1,"complete":true,"read":3,"reached":2,"converted":1,"passed":1,"dropped":1,"malformed":0,)"
           R"("blocks_live":0,"kinds":{"alarms":{"converted":0,"passed":0,"dropped":0},)"
           R"("events":{"converted":1,"passed":0,"dropped":1},)"
           R"("managedobjects":{"converted":0,"passed":0,"dropped":0},)"
