@@ -180,7 +180,8 @@ bool isReadBack(const data_t& recorded, const data_t& read) {
     case VLT_TAG_EMPTY:
       return true;
     case VLT_TAG_BOOLEAN:
-      return std::memcmp(&before, &after, 1) == 0;
+      return reinterpret_cast<const unsigned char&>(before) ==
+             reinterpret_cast<const unsigned char&>(after);
     case VLT_TAG_STRING:
     case VLT_TAG_BORROWED_STRING:
       return isSameText(before.string, after.string);
@@ -194,7 +195,7 @@ bool isReadBack(const data_t& recorded, const data_t& read) {
     case VLT_TAG_BUFFER:
       return recorded == read;
     default:
-      return std::memcmp(&before, &after, sizeof before) == 0;
+      return before.decimal.bits == after.decimal.bits;
   }
 }
 
