@@ -60,7 +60,7 @@ TEST_F(NotationTest, EachKindReadsBack) {
       mapOf(nullText(), truth(true)), mapOf(listOf(whole(1)), mapOf(whole(2), text("v"))),
       mapOf(real(std::nan("")), whole(1)), mapOf(tagged(11, 5), whole(1)), bytes(""), bytes("a"),
       bytes("ab"), bytes("abc"), bytes(std::string("\0\xff", 2)), custom(), tagged(11, 5),
-      tagged(4294967295), real(std::bit_cast<double>(0x7ff8000000000001)), real(-INFINITY));
+      tagged(4294967295), real(std::bit_cast<double>(0x7ff8000000000001)), real(-HUGE_VAL));
 }
 
 TEST_F(NotationTest, KeysOfDifferentTruthStayApart) {
@@ -179,10 +179,13 @@ TEST_F(NotationTest, DeepestMessagesReadBack) {
 }
 
 TEST_F(NotationTest, DeeperNestingIsRefused) {
-  std::string json = "1";
   const int maps = DEEPEST == JsonReader::MAX_DEPTH ? DEEPEST + 1 : 1;
-  for (int i = 0; i < maps; ++i) json = R"({"$":["map",[[1,)" + json + "]]]}";
-  for (int i = maps; i <= JsonReader::MAX_DEPTH; ++i) json = "[" + json + "]";
+  const int lists = JsonReader::MAX_DEPTH + 1 - maps;
+  std::string json(static_cast<std::size_t>(lists), '[');
+  for (int i = 0; i < maps; ++i) json += R"({"$":["map",[[1,)";
+  json += '1';
+  for (int i = 0; i < maps; ++i) json += "]]]}";
+  json.append(static_cast<std::size_t>(lists), ']');
   EXPECT_THAT(errorAt(json), ::testing::EndsWith(": nested deeper than 1024 levels"));
 }
 
