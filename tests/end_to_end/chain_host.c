@@ -111,7 +111,7 @@ static char* read_string(const char** at) {
       *at += 4;
     } else {
       const char* const escape = strchr(ESCAPES, **at);
-      *to++ = escape == NULL ? **at : escape[1];
+      *to++ = (char)(escape == NULL ? **at : escape[1]);
     }
   }
   *to = '\0';
@@ -206,7 +206,7 @@ static void find(void* library, const char* function, const char* class_name, vo
 
 /* Makes a plug-in; frees its settings. */
 static plugin_t make(void* library, const char* class_name, const char* name, table_t* settings) {
-  void* (*create)(const char*, const char*, const value_t*, void*, void*);
+  void* (*create)(const char*, const char*, const value_t*, void*, void*) = NULL;
   plugin_t p;
   find(library, "vlt_create_plugin_with_params", class_name, &create);
   find(library, "vlt_plugin_setNextTowardsHost", class_name, &p.set_next_towards_host);

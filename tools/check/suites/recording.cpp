@@ -199,7 +199,7 @@ void staysBelowItsBound(Trial& trial) {
   recorder.end(trial);
   trial.holds(largest <= 2 * MEBIBYTE, "bytes in the folder", "at most 2 MiB",
               std::to_string(largest));
-  trial.equal("seen", 100 * 20 * 2 * batch.size(),
+  trial.equal("seen", std::size_t{100} * 20 * 2 * batch.size(),
               numberAt(recordingIn(trial.folder()).foot, "seen"));
 }
 
