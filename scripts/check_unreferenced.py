@@ -36,9 +36,7 @@ NAMESPACE = "com::velanto::connectivity"
 
 # Functions that only tests call, as a report names them, each with its reason.
 EXCEPTIONS = {
-    "data_t::data_t(buffer_t &&) noexcept": "the value layer takes over every kind of container",
     "map_t::insert(std::pair<data_t, data_t> &&)": "the form of insertion for pairs",
-    "map_t::maybe_insert(const const_pair &)": "the copying worker beside the moving one",
     "map_t::begin()": "values can be changed in place while a map is walked",
     "map_t::end()": "the end of that walk",
 }

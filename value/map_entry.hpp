@@ -10,8 +10,6 @@
 namespace com::velanto::connectivity {
 
 struct map_entry_t {
-  explicit operator bool() const noexcept { return !key.empty(); }
-
   std::uint64_t hash = 0;
   data_t key;
   data_t value;

@@ -200,7 +200,9 @@ TEST_F(ExplainProgramTest, OtherFilesAreWrittenBesides) {
   const result_t result =
       run({"--explain", "--summary=json", "--dropped", "lost", "--record", "golden"});
   EXPECT_EQ(result.status, 0);
-  EXPECT_TRUE(result.diagnostics.starts_with(R"({"version":1,"complete":true,"read":2,"reached":1,)")) << result.diagnostics;
+  EXPECT_TRUE(
+      result.diagnostics.starts_with(R"({"version":1,"complete":true,"read":2,"reached":1,)"))
+      << result.diagnostics;
   EXPECT_NE(folder_.read("lost").find(R"("reason":"missing-key")"), std::string::npos);
   EXPECT_NE(folder_.read("golden").find(R"("firstOccurrenceTime":5.0)"), std::string::npos);
   EXPECT_EQ(run({"--explain", "--expect", "golden"}).status, 0);
@@ -209,9 +211,10 @@ TEST_F(ExplainProgramTest, OtherFilesAreWrittenBesides) {
 TEST_F(ExplainProgramTest, SuitesHaveNoExplanations) {
   const result_t result = run({"--suite", ".", "--explain"});
   EXPECT_EQ(result.status, tools::EXIT_USAGE);
-  EXPECT_EQ(result.diagnostics,
-            "ostrovia-replay: --suite takes no FILES, --expect, --expect-events, --record, --dropped, "
-            "--redacted, --summary, --explain or --follow\n");
+  EXPECT_EQ(
+      result.diagnostics,
+      "ostrovia-replay: --suite takes no FILES, --expect, --expect-events, --record, --dropped, "
+      "--redacted, --summary, --explain or --follow\n");
 }
 
 TEST_F(ExplainProgramTest, AFullDeviceIsAnError) {
