@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t DIGITS = 6; // at least; more after a million files
+constexpr std::size_t LEAST_DIGITS = 6; // at least; more after a million files
 constexpr std::array<std::string_view, 3> SUFFIXES = {".ndjson", ".ndjson.gz", ".ndjson.zst"};
 
 std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
@@ -39,7 +39,7 @@ std::optional<recording_file_t> recordingFile(const std::string& path) {
   if (suffix == SUFFIXES.end()) return {};
   rest.remove_suffix(suffix->size());
   const std::size_t dot = rest.rfind('.');
-  if (dot == std::string_view::npos || dot == 0 || rest.size() - dot - 1 < DIGITS) return {};
+  if (dot == std::string_view::npos || dot == 0 || rest.size() - dot - 1 < LEAST_DIGITS) return {};
   const char* const end = rest.data() + rest.size();
   const std::from_chars_result result = std::from_chars(rest.data() + dot + 1, end, file.number);
   if (result.ec != std::errc() || result.ptr != end || file.number == 0) return {};

@@ -72,7 +72,7 @@ void LineRedactor::member(const spot_t& of) {
   switch (of.role) {
     case spot_t::LINE:
       is_recorded_ = is_recorded_ || name == "recorded";
-      if (name == "metadata") return value({spot_t::METADATA, fields_.places.metadata()});
+      if (name == "metadata") return value({spot_t::METADATA_MAP, fields_.places.metadata()});
       if (name == "payload") return value({spot_t::MESSAGE, fields_.places.payload()});
       return value({spot_t::OWN});
     case spot_t::OWN:
@@ -169,7 +169,7 @@ std::string LineRedactor::standInFor(const spot_t& of, const std::string& text) 
 }
 
 LineRedactor::spot_t LineRedactor::below(const spot_t& of, std::string_view name) {
-  const bool is_path = of.role == spot_t::METADATA && name == "pulsarPath";
+  const bool is_path = of.role == spot_t::METADATA_MAP && name == "pulsarPath";
   return {is_path ? spot_t::PATH : spot_t::MESSAGE, FieldSet::below(of.place, name)};
 }
 

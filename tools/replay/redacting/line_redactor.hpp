@@ -38,7 +38,7 @@ class LineRedactor {
   // What a value is: the line, the metadata, the path in it, any other part of a message, or what a
   // recording says of itself or of a message (in its head: one more member).
   struct spot_t {
-    enum { LINE, METADATA, PATH, MESSAGE, OWN, HEAD } role;
+    enum { LINE, METADATA_MAP, PATH, MESSAGE, OWN, HEAD } role;
     place_t place = nullptr;
   };
   // An open bracket. Pairs: a map in the notation, a list of lists [key, value].

@@ -192,7 +192,7 @@ TEST_F(RecordedEventsTest, PartsOfABatchAreComparedAsFarAsCertain) {
 
 TEST_F(RecordedEventsTest, SamplesOfTheSameBatchesAreCompared) {
   head_before_.one_in = head_after_.one_in = 10;
-  for (const unsigned id : {10, 20, 30}) {
+  for (const unsigned id : {10U, 20U, 30U}) {
     number_before_ = number_after_ = id - 1;
     add(id);
     if (id == 10) before_ += recordedLine({15, 15}, eventLine("15"));
@@ -238,7 +238,7 @@ TEST_F(RecordedEventsTest, ThreadsMayOvertakeEachOther) {
     before_ += recordedLine({++number_before_, id}, message);
     events.push_back(eventOf(message));
   }
-  for (const unsigned first : {21, 1}) {
+  for (const unsigned first : {21U, 1U}) {
     for (unsigned id = first; id < first + 20; ++id) {
       after_ += recordedLine({++number_after_, id}, events[id - 1]);
     }

@@ -78,7 +78,7 @@ TEST_F(LineRedactorTest, TimestampsMoveOnlyWhenNamed) {
 }
 
 TEST_F(LineRedactorTest, NotationOfRecordedLinesIsKept) {
-  constexpr std::string_view BEGIN =
+  constexpr std::string_view START =
       R"({"recorded":{"time":5,"number":1,"direction":"host"},"metadata":{},"payload":)";
   const std::string bytes = pseudonyms_.ofBytes("/w==", false);
   struct row_t {
@@ -100,23 +100,23 @@ TEST_F(LineRedactorTest, NotationOfRecordedLinesIsKept) {
          R"({"$":["map",[["$",)" + standIn("a") + R"(],[7,{"b":)" + standIn("c") +
              R"(}],[["k"],[]]]]})"}}) {
     const std::string line =
-        std::string(BEGIN) + R"([)" + row.value + R"(,{"k":)" + row.value + "}]}";
+        std::string(START) + R"([)" + row.value + R"(,{"k":)" + row.value + "}]}";
     EXPECT_EQ(redacted("all-texts", line),
-              std::string(BEGIN) + "[" + row.expected + R"(,{"k":)" + row.expected + "}]}");
+              std::string(START) + "[" + row.expected + R"(,{"k":)" + row.expected + "}]}");
     EXPECT_EQ(redacted("other", line), line);
   }
 }
 
 TEST_F(LineRedactorTest, NamedFieldsAreFoundInTheNotation) {
-  constexpr std::string_view BEGIN = R"({"recorded":{"number":1},"payload":)";
+  constexpr std::string_view START = R"({"recorded":{"number":1},"payload":)";
   EXPECT_EQ(
       redacted("a.b",
-               std::string(BEGIN) +
+               std::string(START) +
                    R"({"$":["map",[[{"$":["borrowed","a"]},{"b":"x","c":"x"}],["$","x"]]]}})"),
-      std::string(BEGIN) + R"({"$":["map",[[{"$":["borrowed","a"]},{"b":)" + standIn("x") +
+      std::string(START) + R"({"$":["map",[[{"$":["borrowed","a"]},{"b":)" + standIn("x") +
           R"(,"c":"x"}],["$","x"]]]}})");
-  EXPECT_EQ(redacted("a", std::string(BEGIN) + R"({"a":{"$":["decimal","00000000000000ff"]}}})"),
-            std::string(BEGIN) + R"({"a":{"$":["decimal",")" +
+  EXPECT_EQ(redacted("a", std::string(START) + R"({"a":{"$":["decimal","00000000000000ff"]}}})"),
+            std::string(START) + R"({"a":{"$":["decimal",")" +
                 pseudonyms_.ofBits("00000000000000ff") + R"("]}}})");
 }
 
