@@ -44,7 +44,7 @@ WITHOUT_NAMES = "-readability-identifier-naming" # whose rules are those of C++
 # The analysis begins with functions of included files, too: in a batch those are all there are.
 ANALYSE_INCLUDED = ["--extra-arg=-Xclang", "--extra-arg=-analyzer-opt-analyze-headers"]
 # One name that every fuzz target has.
-LINES_OF_SOURCE = """#define LLVMFuzzerTestOneInput LLVMFuzzerTestOneInput{number}
+LINES_OF_SOURCE = """#define LLVMFuzzerTestOneInput LLVMFuzzerTestOneInput{number} // NOLINT
 #include "{path}"
 #undef LLVMFuzzerTestOneInput
 """

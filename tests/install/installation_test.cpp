@@ -159,7 +159,8 @@ TEST_F(InstallationTest, ReplayAloneTakesAHostsOwnLibrary) {
 
 TEST_F(InstallationTest, StrippedPlugInsKeepTheirInterface) {
   for (const std::string name : {"OstroviaNotifications2Codec", "OstroviaNotificationsRecorder"}) {
-    const std::string plugin = " \"$HERE/" + LIB + "/plugin/lib" + name + ".so\"";
+    std::string plugin = " \"$HERE/" + LIB + "/plugin/lib";
+    plugin.append(name).append(".so\"");
     EXPECT_THAT(shell("readelf --dynamic" + plugin).out,
                 AllOf(HasSubstr("[libtvclient.so.10.15]"), Not(HasSubstr("PATH)"))));
     std::string exported;

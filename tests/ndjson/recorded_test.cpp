@@ -41,9 +41,9 @@ TEST_F(RecordedTest, RemarkIsRead) {
 }
 
 TEST_F(RecordedTest, LinesOfOthersHaveNoRemark) {
-  for (const char* const line : {"", "{}", "[]", R"({"payload":{}})",
-                                 R"({"payload":1,"recorded":{"time":1,"number":1,"batch":1,)"
-                                 R"("place":0,"of":1,"direction":"host"}})"}) {
+  const char* const remark_comes_last = R"({"payload":1,"recorded":{"time":1,"number":1,"batch":1,)"
+                                        R"("place":0,"of":1,"direction":"host"}})";
+  for (const char* const line : {"", "{}", "[]", R"({"payload":{}})", remark_comes_last}) {
     EXPECT_EQ(recordedIn(line), std::nullopt) << line;
   }
 }

@@ -12,8 +12,8 @@ struct head_t {
   unsigned file = 1;
   std::string run = "00000000000000a1";
   unsigned one_in = 1;
-  std::string omitted = "";       // elements of a list
-  std::string configuration = ""; // members
+  std::string omitted{};       // elements of a list
+  std::string configuration{}; // members
 };
 
 struct remark_t {

@@ -47,7 +47,7 @@ class OutputFileTest : public Program {
     EXPECT_EQ(write(in[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
     usleep(300000);
     kill(child, signal);
-    const result_t result = waitFor(child);
+    result_t result = waitFor(child);
     for (const int descriptor : in) close(descriptor);
     in_descriptor_ = -1;
     return result;

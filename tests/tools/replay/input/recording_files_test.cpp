@@ -15,6 +15,7 @@ using tools::recording_file_t;
 
 std::vector<std::string> namesOf(const std::vector<recording_file_t>& files) {
   std::vector<std::string> names;
+  names.reserve(files.size());
   for (const recording_file_t& file : files) names.push_back(file.path.substr(file.folder.size()));
   return names;
 }
