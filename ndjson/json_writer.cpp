@@ -51,7 +51,7 @@ class ValueWriter {
   [[nodiscard]] std::size_t size() const {
     return static_cast<std::size_t>(out_.position() - string_.data());
   }
-  // Doubles the room for the JSON, of which `size` bytes of the string are left.
+  // Doubles the memory for the JSON and keeps the first `size` bytes.
   void grow(std::size_t size) {
     string_.resize(size + std::max<std::size_t>(512, 2 * (string_.size() - begin_)));
     out_ = JsonMemory(&string_[size], string_.data() + string_.size());

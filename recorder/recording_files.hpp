@@ -75,7 +75,7 @@ class RecordingFiles {
   void lose(std::string_view lines) noexcept;
 
   // Writes the foot into the open file, if there is one, and closes it. `seen` and `filtered` are the
-  // recorder's so far, of which all other messages are in lines written or lost here. Throws
+  // recorder's so far; lines written or lost here have all its other messages. Throws
   // DiskError; the file then waits for the next call.
   void finish(std::uint64_t seen, std::uint64_t filtered);
 

@@ -197,7 +197,7 @@ TEST_F(RecorderTest, CreationWithoutMemoryLeavesNothing) {
   const map_t settings =
       mapOf("recordingFolder", text(folder_.path().c_str()), "kinds", listOf(text("alarms")),
             "omit", listOf(text("payload.text")), "whenFull", text("stop"));
-  makeNamed("before", settings); // what is made once for the process
+  makeNamed("before", settings); // objects of the process
   const auto check = [&, held = allocationsHeld()] { EXPECT_EQ(allocationsHeld(), held); };
   EXPECT_GT(failEachAllocation([&] { makeNamed("before", settings); }, check), 5U);
   for (std::uint64_t n = 1, refused = 1; refused != 0; ++n) {

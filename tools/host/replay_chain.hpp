@@ -33,7 +33,7 @@ class ReplayChain {
   ReplayChain& operator=(const ReplayChain&) = delete;
   ~ReplayChain() = default;
 
-  // Sends in the direction of the chain, or in another one; the outputs are those that came out in
+  // Sends in the direction of the chain, or in another one; the outputs came out in
   // the same direction. The result is valid until the next call; `messages` are in any state after
   // it. Throws std::bad_alloc without memory for the result.
   call_result_t& send(std::span<Message> messages) { return send(messages, direction_); }

@@ -119,7 +119,7 @@ bool RecordedBatches::isBeyond(const std::string& run, const recorded_t& wanted)
   return later && (last_run_ != run || last_->batch > wanted.batch + WINDOW);
 }
 
-// Drops what is so far before the wanted batch that nobody will ask for it.
+// Drops batches so far before the wanted one that nobody will ask for them.
 void RecordedBatches::forget(const std::string& run, const recorded_t& wanted) {
   while (!ahead_.empty()) {
     const recorded_batch_t& oldest = ahead_.begin()->second;

@@ -158,7 +158,7 @@ void RecordedEvents::align(messages_t events, messages_t own) {
   settle(events.subspan(event_done), own.subspan(own_done));
 }
 
-// Steps (2) and (3), for neighbours none of which has a pair.
+// Steps (2) and (3), for neighbours without a pair.
 void RecordedEvents::settle(messages_t events, messages_t own) {
   std::vector<message_t*> more;
   for (message_t& event : events) {

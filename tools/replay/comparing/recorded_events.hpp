@@ -45,7 +45,7 @@ inline constexpr std::size_t UNPAIRED = 4;
 
 struct pairing_t {
   const Recordings& events;   // of the recording of events
-  std::uint64_t compared = 0; // messages, also those that both sides dropped
+  std::uint64_t compared = 0; // messages, also dropped on both sides
   std::uint64_t different = 0;
   std::array<std::uint64_t, UNPAIRED> unpaired{};
 };
