@@ -27,7 +27,7 @@ declare -A package_groups=(
     gcc-12=gcc-12 g++-12=g++-12 libc6-dev=stdlib.h
     binutils=readelf
     libboost-dev=boost/optional.hpp
-    libcli11-dev=CLI/CLI.hpp libsimdjson-dev=simdjson.h rapidjson-dev=rapidjson/document.h
+    libsimdjson-dev=simdjson.h rapidjson-dev=rapidjson/document.h
     zlib1g-dev=zlib.h libzstd-dev=zstd.h libsodium-dev=sodium.h libyaml-cpp-dev=yaml-cpp/yaml.h
     libgtest-dev=gtest/gtest.h libgmock-dev=gmock/gmock.h
     man-db=man
@@ -48,7 +48,7 @@ declare -A package_groups=(
     debian-archive-keyring=/usr/share/keyrings/debian-archive-keyring.gpg
   "
   [bench]="
-    git=git jq=jq valgrind=valgrind
+    git=git jq=jq valgrind=valgrind libcli11-dev=CLI/CLI.hpp
     libbenchmark-dev=benchmark/benchmark.h nlohmann-json3-dev=nlohmann/json.hpp
   "
 )
