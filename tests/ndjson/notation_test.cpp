@@ -160,7 +160,7 @@ TEST_F(NotationTest, DamagedNotationIsRefused) {
   for (const auto& [json, error] : rows) EXPECT_EQ(errorAt(json), error) << json;
 }
 
-// The sanitizers make the reader's frames many times as large, of which a level takes three.
+// A level takes three frames of the reader, and the sanitizers make frames many times as large.
 #ifdef __SANITIZE_ADDRESS__
 constexpr int DEEPEST = 256;
 #else

@@ -15,7 +15,7 @@ using namespace tools::check;
 
 void checksNothing(Trial&) {}
 const check_t CHECK = {"suite.name", "what holds", "Heading", checksNothing};
-const check_t ADVISED_CHECK = {"suite.other", "what is good", ADVISED_ONLY, checksNothing};
+const check_t ADVISED_CHECK = {"suite.other", "advice alone", ADVISED_ONLY, checksNothing};
 
 std::string textOf(const result_t& result, bool coloured = false) {
   std::ostringstream out;
@@ -111,7 +111,7 @@ TEST(ReportTest, NoLineOfTheListExceeds80Columns) {
 TEST(ReportTest, AdvisedCheckWarnsUnlessStrict) {
   const verdict_t crashed = {Ending::CRASHED, "SIGBUS, Bus error", {}, ""};
   const std::string rest =
-      " suite.other                        what is good\n"
+      " suite.other                        advice alone\n"
       "        advised, not required by docs/host-interface.md\n"
       "        SIGBUS, Bus error\n";
   EXPECT_EQ(textOf({&ADVISED_CHECK, crashed, {}, false}), "WARN " + rest);
@@ -133,7 +133,7 @@ TEST(ReportTest, JsonHasTheContentOfTheLine) {
             R"({"name":"suite.name","claim":"what holds","level":"required","clause":"Heading",)"
             R"("outcome":"skipped","milliseconds":5,"reason":"no ? such"},)"
             "\n"
-            R"({"name":"suite.other","claim":"what is good","level":"advised",)"
+            R"({"name":"suite.other","claim":"advice alone","level":"advised",)"
             R"("outcome":"failed","milliseconds":0,)"
             R"("differences":[{"where":"w","expected":"e","came":"c"}],"printed":"p"})"
             "\n"

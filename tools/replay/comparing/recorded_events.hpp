@@ -58,7 +58,7 @@ class RecordedEvents final : public Consumer {
 
   void take(const record_t& record) override;
   void takeRemarks(std::string_view lines) override;
-  // Says what was not compared. Nothing compared at all is EXIT_DIFFERENT, too.
+  // Names the batches and messages left out. Nothing compared at all is EXIT_DIFFERENT, too.
   exit_status_t finish() override;
 
   [[nodiscard]] pairing_t figures() const;

@@ -3,8 +3,8 @@
 // own and must have the outcome of the original, and a dropped one the same reason and key. The
 // first that has not ends the run, and there is no copy.
 //
-// Malformed lines are no messages, and nobody can tell what they hold: they are left out. So is the
-// remark of an earlier run, which quotes the message.
+// It leaves out malformed lines, since nobody can tell which of their texts to hide, and the remark
+// of an earlier run, which quotes the message.
 #ifndef VLT_TOOLS_REPLAY_REDACTING_REDACTION_HPP
 #define VLT_TOOLS_REPLAY_REDACTING_REDACTION_HPP
 
