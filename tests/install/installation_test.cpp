@@ -115,16 +115,14 @@ TEST_F(InstallationTest, PutsEveryFileInItsPlace) {
 TEST_F(InstallationTest, ReplayFindsItsPlugIn) {
   const result_t run = shell("\"$HERE/bin/ostrovia-replay\" \"$HERE/" + DOC +
                              "/samples/events.ndjson\" --log-level 2 | cut -c 1-60");
-  EXPECT_EQ(run.diagnostics,
-            "read 8, reached the host 5, dropped 3, malformed 0, T ms, 0 blocks live\n");
+  EXPECT_EQ(run.diagnostics, "read 8, reached the host 5, dropped 3, malformed 0, T ms\n");
   EXPECT_THAT(run.out, StartsWith("{\"metadata\":{\"vlt.type\":\"com.tivra.ostrovia.Event\","));
 }
 
 TEST_F(InstallationTest, ReplayIsFoundThroughALink) {
   const result_t run = shell("ln -s \"$HERE/bin/ostrovia-replay\" linked && ./linked < /dev/null");
   EXPECT_EQ(run.status, 0);
-  EXPECT_EQ(run.diagnostics,
-            "read 0, reached the host 0, dropped 0, malformed 0, T ms, 0 blocks live\n");
+  EXPECT_EQ(run.diagnostics, "read 0, reached the host 0, dropped 0, malformed 0, T ms\n");
 }
 
 TEST_F(InstallationTest, PlugInBesideTheToolGoesFirst) {

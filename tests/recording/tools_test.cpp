@@ -26,12 +26,10 @@ class RecordedSamples : public Program {
 };
 
 TEST_F(RecordedSamples, BothRecordingsReplay) {
-  EXPECT_THAT(
-      runShell("ostrovia-replay --log-level 2 rec/before > events").diagnostics,
-      EndsWith("read 469, reached the host 395, dropped 74, malformed 0, T ms, 0 blocks live\n"));
-  EXPECT_THAT(
-      runShell("ostrovia-replay --log-level 2 rec/after > events").diagnostics,
-      EndsWith("read 395, reached the host 395, dropped 0, malformed 0, T ms, 0 blocks live\n"));
+  EXPECT_THAT(runShell("ostrovia-replay --log-level 2 rec/before > events").diagnostics,
+              EndsWith("read 469, reached the host 395, dropped 74, malformed 0, T ms\n"));
+  EXPECT_THAT(runShell("ostrovia-replay --log-level 2 rec/after > events").diagnostics,
+              EndsWith("read 395, reached the host 395, dropped 0, malformed 0, T ms\n"));
 }
 
 TEST_F(RecordedSamples, SameBuildGivesTheRecordedEvents) {

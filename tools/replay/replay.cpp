@@ -5,6 +5,7 @@
 #include <charconv>
 #include <chrono>
 #include <cstdint>
+#include <cstdlib>
 #include <string_view>
 
 #include "tools/host/host_library.hpp"
@@ -23,6 +24,14 @@ namespace {
 
 using stopwatch_t = std::chrono::steady_clock;
 using milliseconds_t = std::chrono::duration<double, std::milli>;
+
+// `blocks` is not 0.
+std::string blocksFault(std::int64_t blocks) {
+  const std::string number =
+      std::to_string(std::abs(blocks)) + (std::abs(blocks) == 1 ? " block" : " blocks");
+  return blocks > 0 ? "the plug-in leaked " + number + " of the host"
+                    : "the plug-in freed " + number + " of the host that it did not own";
+}
 
 class Replay {
  public:
@@ -222,6 +231,7 @@ void Replay::shutDown(ChainPool& pool) {
 void Replay::judge(std::optional<std::int64_t> blocks, const Recordings& recordings) {
   const std::string broken = figures_.brokenLaw();
   if (!broken.empty()) report(broken);
+  if (blocks.value_or(0) != 0) report(blocksFault(*blocks));
   if (!broken.empty() || law_broken_ || blocks.value_or(0) != 0) worsen(EXIT_LAW);
   for (const std::string& fault : recordings.faults()) report(fault);
   if (figures_.count(Outcome::MALFORMED) > 0 || !recordings.faults().empty()) {
@@ -254,12 +264,13 @@ void Replay::writeFigures(std::optional<std::int64_t> blocks, const Recordings& 
   diagnostics_ << "read " << figures_.read() << ", reached the " << reachedText() << ", dropped "
                << figures_.count(Outcome::DROPPED) << ", malformed "
                << figures_.count(Outcome::MALFORMED) << ", "
-               << std::string_view(digits.begin(), end.ptr) << " ms, ";
-  if (blocks) {
-    diagnostics_ << *blocks << " blocks live\n";
-  } else {
-    diagnostics_ << "live blocks not counted by this host library\n";
+               << std::string_view(digits.begin(), end.ptr) << " ms";
+  if (!blocks) {
+    diagnostics_ << ", live blocks not counted by this host library";
+  } else if (*blocks != 0 || options_.summary) {
+    diagnostics_ << ", " << *blocks << " blocks live";
   }
+  diagnostics_ << '\n';
 }
 
 } // namespace

@@ -28,7 +28,7 @@ std::string payloadLine(unsigned payload) {
 
 std::string figures(unsigned read) {
   return "read " + std::to_string(read) + ", reached the host " + std::to_string(read) +
-         ", dropped 0, malformed 0, T ms, 0 blocks live\n";
+         ", dropped 0, malformed 0, T ms\n";
 }
 
 } // namespace
