@@ -7,8 +7,8 @@
 #include <charconv>
 #include <cstdint>
 #include <fstream>
-#include <iterator>
 #include <optional>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 
@@ -37,13 +37,20 @@ std::optional<Number> numberIn(std::string_view text, int base) {
   return number;
 }
 
+std::string placeOf(const YAML::Mark& mark) {
+  return std::to_string(mark.line + 1) + ":" + std::to_string(mark.column + 1);
+}
+
 class Converter {
  public:
   explicit Converter(const std::string& path) : path_(path) {}
 
   data_t convert(const YAML::Node& node, int depth);
   [[noreturn]] void refuse(const YAML::Mark& mark, const std::string& reason) const {
-    throw ReplayError(EXIT_PLUGIN, path_ + ":" + std::to_string(mark.line + 1) + ": " + reason);
+    throw ReplayError(EXIT_PLUGIN, path_ + ":" + placeOf(mark) + ": " + reason);
+  }
+  [[noreturn]] void refuseRepeated(const YAML::Node& key) const {
+    refuse(key.Mark(), "repeated key '" + key.Scalar() + "'");
   }
   data_t textOf(const YAML::Node& node) const {
     if (node.Scalar().find('\0') != std::string::npos) {
@@ -71,7 +78,9 @@ data_t Converter::convert(const YAML::Node& node, int depth) {
   map_t map;
   for (const auto& entry : node) {
     if (!entry.first.IsScalar()) refuse(entry.first.Mark(), "a key that is no string");
-    map[textOf(entry.first)] = convert(entry.second, depth + 1);
+    data_t key = textOf(entry.first);
+    if (map.find_value(key) != nullptr) refuseRepeated(entry.first);
+    map[std::move(key)] = convert(entry.second, depth + 1);
   }
   return map;
 }
@@ -102,12 +111,21 @@ data_t Converter::scalar(const YAML::Node& node) const {
 std::string contentOf(const std::string& path) {
   errno = 0;
   std::ifstream file(path, std::ios::binary);
-  std::string content{std::istreambuf_iterator<char>(file), {}};
-  // A folder opens like a file, but reading it fails.
-  if (!file.is_open() || errno == EISDIR) {
+  std::ostringstream content;
+  if (file.peek() != std::ifstream::traits_type::eof()) content << file.rdbuf();
+  if (!file.is_open() || file.bad()) {
     throw ReplayError(EXIT_IO, path + ": " + std::generic_category().message(errno));
   }
-  return content;
+  return content.str();
+}
+
+// The mapping of the first document; a null node without one.
+YAML::Node rootOf(const std::string& path, const Converter& converter) {
+  const std::vector<YAML::Node> documents = YAML::LoadAll(contentOf(path));
+  for (std::size_t i = 1; i < documents.size(); ++i) {
+    if (!documents[i].IsNull()) converter.refuse(documents[i].Mark(), "a second document");
+  }
+  return documents.empty() ? YAML::Node() : documents.front();
 }
 
 } // namespace
@@ -116,19 +134,20 @@ std::vector<configuration_entry_t> readConfiguration(const std::string& path) {
   Converter converter(path);
   std::vector<configuration_entry_t> entries;
   try {
-    const YAML::Node root = YAML::Load(contentOf(path));
+    const YAML::Node root = rootOf(path, converter);
     if (root.IsNull()) return entries;
     if (!root.IsMap()) converter.refuse(root.Mark(), "not a mapping of keys to values");
     for (const auto& entry : root) {
-      const YAML::Mark mark = entry.first.Mark();
-      if (!entry.first.IsScalar()) converter.refuse(mark, "a key that is no string");
+      if (!entry.first.IsScalar()) converter.refuse(entry.first.Mark(), "a key that is no string");
       const std::string key = entry.first.Scalar();
       const bool repeated = std::any_of(entries.begin(), entries.end(),
                                         [&key](const auto& known) { return known.key == key; });
-      if (repeated) converter.refuse(mark, "repeated key '" + key + "'");
+      if (repeated) converter.refuseRepeated(entry.first);
       converter.textOf(entry.first);
-      entries.push_back(
-          {key, static_cast<std::size_t>(mark.line) + 1, converter.convert(entry.second, 0)});
+      // Nothing has no place of its own.
+      const YAML::Node& placed = entry.second.IsNull() ? entry.first : entry.second;
+      entries.push_back({key, placeOf(entry.first.Mark()), placeOf(placed.Mark()),
+                         converter.convert(entry.second, 0)});
     }
   } catch (const YAML::Exception& e) {
     converter.refuse(e.mark, e.msg);

@@ -11,7 +11,6 @@
 #ifndef VLT_TOOLS_REPLAY_INPUT_CONFIGURATION_FILE_HPP
 #define VLT_TOOLS_REPLAY_INPUT_CONFIGURATION_FILE_HPP
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -21,12 +20,14 @@ namespace com::velanto::connectivity::tools {
 
 struct configuration_entry_t {
   std::string key;
-  std::size_t line; // from 1
+  std::string key_place; // "LINE:COLUMN", from 1
+  std::string place;     // of the value
   data_t value;
 };
 
 // The entries in the order of the file. Throws ReplayError: with EXIT_IO for a failed read, with
-// EXIT_PLUGIN "FILE:LINE: reason" for a file that is no such mapping or repeats a key.
+// EXIT_PLUGIN "FILE:LINE:COLUMN: reason" for a file that is no such mapping, repeats a key or has a
+// second document.
 [[nodiscard]] std::vector<configuration_entry_t> readConfiguration(const std::string& path);
 
 } // namespace com::velanto::connectivity::tools

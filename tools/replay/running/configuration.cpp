@@ -10,6 +10,7 @@
 #include "tools/options/exit_status.hpp"
 #include "tools/options/guess.hpp"
 #include "tools/replay/input/configuration_file.hpp"
+#include "value/convert_to.hpp"
 #include "value/get_visitor.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -22,29 +23,37 @@ constexpr const char* CHANNEL = "measurementSplittingChannel";
 
 constexpr std::array<std::string_view, 3> KEYS = {TENANT, PREFIX, CHANNEL};
 
-// The mistake in an entry that the plug-in accepts, or nothing.
-std::string faultOf(const configuration_entry_t& entry) {
-  const data_t& value = entry.value;
-  const std::string kind = value.empty() ? "nothing" : kind_name(value.type_tag());
-  if (std::find(KEYS.begin(), KEYS.end(), entry.key) == KEYS.end()) {
-    return "unknown key '" + entry.key + "' is ignored" + guessFor(entry.key, KEYS);
-  }
-  if (entry.key == CHANNEL && !value.is_string()) {
-    return "'" + entry.key + "' is " + kind +
-           ", not string, and silently becomes the default 'ostrovia.measurements'";
-  }
-  // The codec takes numbers and booleans as strings.
-  const bool has_text = value.is_string() || value.type_tag() == VLT_TAG_BOOLEAN ||
-                        value.type_tag() == VLT_TAG_INTEGER || value.type_tag() == VLT_TAG_DOUBLE;
-  if (entry.key == PREFIX && !has_text) {
-    return "'" + entry.key + "' is " + kind + ", not string, and silently becomes no prefix";
-  }
-  return "";
+bool isEmptyText(const data_t& text) { return *text_or_empty(text.get<const char*>()) == '\0'; }
+
+bool isNumberOrBoolean(const data_t& value) {
+  return value.type_tag() == VLT_TAG_BOOLEAN || value.type_tag() == VLT_TAG_INTEGER ||
+         value.type_tag() == VLT_TAG_DOUBLE;
 }
 
-bool isEmptyTenant(const configuration_entry_t& entry) {
-  return entry.key == TENANT && entry.value.is_string() &&
-         *text_or_empty(entry.value.get<const char*>()) == '\0';
+// What becomes of the value of a known key that is no string.
+std::string fateOf(const configuration_entry_t& entry) {
+  if (entry.key == TENANT) return "so a host gets no codec";
+  if (entry.key == CHANNEL) return "and silently becomes the default 'ostrovia.measurements'";
+  if (!isNumberOrBoolean(entry.value)) return "and silently becomes no prefix";
+  return "and becomes '" + convert_to<std::string>(entry.value) + "'";
+}
+
+// The mistake in an entry, after its place, or nothing.
+std::string faultOf(const configuration_entry_t& entry) {
+  const data_t& value = entry.value;
+  const std::string name = "'" + entry.key + "'";
+  if (std::find(KEYS.begin(), KEYS.end(), entry.key) == KEYS.end()) {
+    return entry.key_place + ": unknown key " + name + " is ignored" + guessFor(entry.key, KEYS);
+  }
+  if (value.is_string()) {
+    const bool nameless = entry.key == CHANNEL && isEmptyText(value);
+    return nameless
+               ? entry.place + ": " + name + " is empty: measurements get a channel without a name"
+               : "";
+  }
+  const std::string kind = value.empty() ? "nothing" : kind_name(value.type_tag());
+  return entry.place + ": " + name + " is " + kind + ", not string, " + fateOf(entry) +
+         (isNumberOrBoolean(value) ? "; put it in quotes" : "");
 }
 
 // Whether a host would get its codec; says why not.
@@ -87,19 +96,22 @@ data_t configurationOf(const ReplayOptions& options) {
 }
 
 int checkConfiguration(const ReplayOptions& options, std::ostream& out, std::ostream& diagnostics) {
-  bool fine = true;
-  for (const configuration_entry_t& entry : readConfiguration(*options.config)) {
-    const std::string place = *options.config + ":" + std::to_string(entry.line) + ": ";
+  const std::string& path = *options.config;
+  bool usable = true;
+  bool warned = false;
+  for (const configuration_entry_t& entry : readConfiguration(path)) {
     const std::string fault = faultOf(entry);
-    if (!fault.empty()) diagnostics << place << fault << '\n';
-    fine = fine && fault.empty();
-    if (isEmptyTenant(entry)) {
-      diagnostics << place << "'tenantId' is empty: events get no tenant\n";
+    if (!fault.empty()) diagnostics << path << ':' << fault << '\n';
+    usable = usable && fault.empty();
+    if (entry.key == TENANT && entry.value.is_string() && isEmptyText(entry.value)) {
+      diagnostics << path << ':' << entry.place
+                  << ": warning: 'tenantId' is empty: events get no tenant\n";
+      warned = true;
     }
   }
-  fine = canBeCreated(options, diagnostics) && fine;
-  if (!fine) return EXIT_PLUGIN;
-  out << *options.config << ": fine\n";
+  usable = canBeCreated(options, diagnostics) && usable;
+  if (!usable) return EXIT_PLUGIN;
+  out << path << (warned ? ": usable, with a warning\n" : ": fine\n");
   if (!out.flush()) throw ReplayError(EXIT_IO, "cannot write to standard output");
   return EXIT_FINE;
 }

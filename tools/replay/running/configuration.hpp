@@ -16,9 +16,9 @@ namespace com::velanto::connectivity::tools {
 [[nodiscard]] data_t configurationOf(const ReplayOptions& options);
 
 // Creates, starts and ends a plug-in with the configuration, as a host would. Says on `diagnostics`
-// why that fails, which keys are unknown, which values silently become a default, and whether the
-// tenant is empty. Says on `out` whether all is fine. Returns EXIT_FINE, also for an empty tenant,
-// or EXIT_PLUGIN. Throws as readConfiguration does, and PluginError when the plug-in does not load.
+// why that fails, which keys are unknown, which values are of a wrong kind, and whether a text is
+// empty. Says on `out` whether all is fine. Returns EXIT_FINE, also for an empty tenant, which is a
+// warning, or EXIT_PLUGIN. Throws as readConfiguration does, and PluginError when the plug-in does not load.
 int checkConfiguration(const ReplayOptions& options, std::ostream& out, std::ostream& diagnostics);
 
 } // namespace com::velanto::connectivity::tools

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <utility>
 #include <vector>
 
@@ -77,13 +78,15 @@ TEST_F(ConfigurationTest, FileWithoutATenantIsRefused) {
 
 TEST_F(ConfigurationTest, OtherFilesAreRefusedWithTheirLine) {
   const std::vector<std::pair<std::string, std::string>> rows = {
-      {"- a\n", "c.yaml:1: not a mapping of keys to values"},
-      {"tenantId: a\n\ntenantId: b\n", "c.yaml:3: repeated key 'tenantId'"},
-      {"tenantId: t\nx: 9223372036854775808\n", "c.yaml:2: integer beyond 64 bits"},
-      {"tenantId: t\n[1]: x\n", "c.yaml:2: a key that is no string"},
-      {"tenantId: \"a\\0b\"\n", "c.yaml:1: string with an embedded NUL"},
-      {"a: 1\nb: [1\n", "c.yaml:3: end of sequence flow not found"},
-      {"tenantId: t\nx: &a [*a]\n", "c.yaml:2: too much, or too deep"}};
+      {"- a\n", "c.yaml:1:1: not a mapping of keys to values"},
+      {"tenantId: a\n\ntenantId: b\n", "c.yaml:3:1: repeated key 'tenantId'"},
+      {"tenantId: t\nx:\n  - {a: 1, a: 2}\n", "c.yaml:3:12: repeated key 'a'"},
+      {"tenantId: t\n---\ntenantId: u\n", "c.yaml:3:1: a second document"},
+      {"tenantId: t\nx: 9223372036854775808\n", "c.yaml:2:4: integer beyond 64 bits"},
+      {"tenantId: t\n[1]: x\n", "c.yaml:2:1: a key that is no string"},
+      {"tenantId: \"a\\0b\"\n", "c.yaml:1:11: string with an embedded NUL"},
+      {"a: 1\nb: [1\n", "c.yaml:3:1: end of sequence flow not found"},
+      {"tenantId: t\nx: &a [*a]\n", "c.yaml:2:4: too much, or too deep"}};
   for (const auto& [yaml, complaint] : rows) {
     const result_t result = check(yaml);
     EXPECT_EQ(result.status, 4) << yaml;
@@ -92,12 +95,15 @@ TEST_F(ConfigurationTest, OtherFilesAreRefusedWithTheirLine) {
   const result_t missing = run({"--config", "/nowhere/c.yaml"});
   EXPECT_EQ(missing.status, 7);
   EXPECT_EQ(missing.diagnostics, "ostrovia-replay: /nowhere/c.yaml: No such file or directory\n");
-  EXPECT_EQ(run({"--config", "."}).status, 7);
+  std::filesystem::create_directory(folder_.path("d"));
+  const result_t folder = run({"--config", "d", "--check-config"});
+  EXPECT_EQ(folder.status, 7);
+  EXPECT_EQ(folder.diagnostics, "ostrovia-replay: d: Is a directory\n");
 }
 
 TEST_F(ConfigurationTest, GoodConfigurationIsFine) {
   const result_t result =
-      check("tenantId: t1\ntowardsHostChannelPrefix: 5\nmeasurementSplittingChannel: \"m\"\n");
+      check("tenantId: t1\ntowardsHostChannelPrefix: '5'\nmeasurementSplittingChannel: \"m\"\n");
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out, "c.yaml: fine\n");
   EXPECT_EQ(result.diagnostics, "");
@@ -116,27 +122,63 @@ TEST_F(ConfigurationTest, SilentlyIgnoredEntriesAreReported) {
   EXPECT_EQ(result.out, "");
   // The codec itself writes a line past the log when it reads the wrong kind.
   EXPECT_EQ(result.diagnostics.substr(0, result.diagnostics.find("GetVisitor<")),
-            "c.yaml:3: unknown key 'tenantID' is ignored, did you mean 'tenantId'?\n"
-            "c.yaml:4: unknown key 'towardHostChannelPrefix' is ignored, did you mean "
+            "c.yaml:3:1: unknown key 'tenantID' is ignored, did you mean 'tenantId'?\n"
+            "c.yaml:4:1: unknown key 'towardHostChannelPrefix' is ignored, did you mean "
             "'towardsHostChannelPrefix'?\n"
-            "c.yaml:5: unknown key 'colour' is ignored\n"
-            "c.yaml:6: 'measurementSplittingChannel' is integer, not string, and silently becomes "
-            "the default 'ostrovia.measurements'\n"
-            "c.yaml:7: 'towardsHostChannelPrefix' is list, not string, and silently becomes no "
+            "c.yaml:5:1: unknown key 'colour' is ignored\n"
+            "c.yaml:6:30: 'measurementSplittingChannel' is integer, not string, and silently "
+            "becomes the default 'ostrovia.measurements'; put it in quotes\n"
+            "c.yaml:7:27: 'towardsHostChannelPrefix' is list, not string, and silently becomes no "
             "prefix\n");
 }
 
 TEST_F(ConfigurationTest, KeysWithoutAValueArePointedOut) {
-  EXPECT_EQ(check("tenantId: t\nmeasurementSplittingChannel:\n").diagnostics,
-            "c.yaml:2: 'measurementSplittingChannel' is nothing, not string, and silently becomes "
-            "the default 'ostrovia.measurements'\n");
+  EXPECT_EQ(
+      check("tenantId: t\nmeasurementSplittingChannel:\n").diagnostics,
+      "c.yaml:2:1: 'measurementSplittingChannel' is nothing, not string, and silently becomes "
+      "the default 'ostrovia.measurements'\n");
 }
 
-TEST_F(ConfigurationTest, EmptyTenantIsPointedOutAndFine) {
+TEST_F(ConfigurationTest, PrefixesThatAreNumbersAreReportedWithTheirText) {
+  const std::vector<std::pair<std::string, std::string>> rows = {
+      {"1.0", "double, not string, and becomes '1'"},
+      {"012", "integer, not string, and becomes '12'"},
+      {"True", "boolean, not string, and becomes 'true'"}};
+  for (const auto& [yaml, fate] : rows) {
+    const result_t result = check("tenantId: t\ntowardsHostChannelPrefix: " + yaml + "\n");
+    EXPECT_EQ(result.status, 4);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.diagnostics,
+              "c.yaml:2:27: 'towardsHostChannelPrefix' is " + fate + "; put it in quotes\n");
+  }
+}
+
+TEST_F(ConfigurationTest, EmptyMeasurementChannelIsReported) {
+  const result_t result = check("tenantId: t\nmeasurementSplittingChannel: ''\n");
+  EXPECT_EQ(result.status, 4);
+  EXPECT_EQ(result.diagnostics,
+            "c.yaml:2:30: 'measurementSplittingChannel' is empty: measurements get a channel "
+            "without a name\n");
+}
+
+TEST_F(ConfigurationTest, TenantThatIsNoStringIsReported) {
+  const std::vector<std::pair<std::string, std::string>> rows = {
+      {"4100", "integer, not string, so a host gets no codec; put it in quotes\n"},
+      {"[t]", "list, not string, so a host gets no codec\n"}};
+  for (const auto& [yaml, fault] : rows) {
+    const result_t result = check("tenantId: " + yaml + "\n");
+    EXPECT_EQ(result.status, 4);
+    EXPECT_TRUE(result.diagnostics.starts_with("c.yaml:1:11: 'tenantId' is " + fault))
+        << result.diagnostics;
+  }
+}
+
+TEST_F(ConfigurationTest, EmptyTenantIsAWarning) {
   const result_t result = check("tenantId: ''\n");
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.out, "c.yaml: fine\n");
-  EXPECT_EQ(result.diagnostics, "c.yaml:1: 'tenantId' is empty: events get no tenant\n");
+  EXPECT_EQ(result.out, "c.yaml: usable, with a warning\n");
+  EXPECT_EQ(result.diagnostics,
+            "c.yaml:1:11: warning: 'tenantId' is empty: events get no tenant\n");
 }
 
 TEST_F(ConfigurationTest, RefusedConfigurationIsNeverFine) {
