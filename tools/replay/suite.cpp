@@ -24,31 +24,61 @@ class NullBuffer final : public std::streambuf {
   std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
 };
 
-std::vector<fs::path> casesIn(const std::string& folder) {
+fs::path goldenOf(fs::path input) { return input.replace_extension(".golden"); }
+
+struct case_t {
+  fs::path input;
+  std::string obstacle; // why it does not run; empty: it does
+};
+
+// Nothing for a case, and for a file that no case has.
+std::string obstacleOf(const fs::path& path) {
+  const std::string name = path.filename();
+  if (fs::is_directory(path)) return " is a folder: its cases do not run";
+  if (path.extension() == ".golden" && !fs::exists(fs::path(path).replace_extension(".ndjson"))) {
+    return " has no case " + path.stem().string() + ".ndjson";
+  }
+  if (name.find(".ndjson.") != std::string::npos)
+    return " does not run: its name must end in .ndjson";
+  return "";
+}
+
+// Hidden files and other kinds of files are nobody's case.
+std::vector<case_t> casesIn(const std::string& folder) {
   std::error_code error;
-  std::vector<fs::path> cases;
+  std::vector<case_t> cases;
   for (const auto& entry : fs::directory_iterator(folder, error)) {
-    if (entry.path().extension() == ".ndjson") cases.push_back(entry.path());
+    const fs::path& path = entry.path();
+    if (path.filename().string().starts_with('.')) continue;
+    std::string obstacle = obstacleOf(path);
+    if (path.extension() == ".ndjson" || !obstacle.empty()) cases.push_back({path, obstacle});
   }
   if (error) throw ReplayError(EXIT_IO, folder + ": " + error.message());
-  if (cases.empty()) throw ReplayError(EXIT_USAGE, folder + " has no case, no file NAME.ndjson");
-  std::sort(cases.begin(), cases.end());
+  if (std::none_of(cases.begin(), cases.end(),
+                   [](const case_t& each) { return each.obstacle.empty(); })) {
+    throw ReplayError(EXIT_USAGE, folder + " has no case, no file NAME.ndjson");
+  }
+  std::sort(cases.begin(), cases.end(),
+            [](const case_t& a, const case_t& b) { return a.input < b.input; });
   return cases;
 }
 
-fs::path goldenOf(fs::path input) { return input.replace_extension(".golden"); }
-
-void checkFilesOf(const ReplayOptions& options, const std::vector<fs::path>& cases) {
+void checkFilesOf(const ReplayOptions& options, const std::vector<case_t>& cases) {
   std::vector<std::string> read;
   std::vector<std::string> written;
-  for (const fs::path& input : cases) {
-    read.push_back(input);
-    (options.update ? written : read).push_back(goldenOf(input));
+  for (const case_t& each : cases) {
+    if (!each.obstacle.empty()) continue;
+    read.push_back(each.input);
+    (options.update ? written : read).push_back(goldenOf(each.input));
   }
   checkFiles(options, read, written);
 }
 
-case_result_t runCase(const ReplayOptions& suite, const fs::path& input) {
+case_result_t runCase(const ReplayOptions& suite, const case_t& each) {
+  const fs::path& input = each.input;
+  if (!each.obstacle.empty()) {
+    return {input.filename(), EXIT_DIFFERENT, input.string() + each.obstacle + "\n"};
+  }
   ReplayOptions options = suite;
   options.quiet = true;
   options.strict = false;
@@ -80,10 +110,10 @@ int runSuite(const ReplayOptions& options, std::ostream& diagnostics) {
   std::vector<case_result_t> results;
   int worst = EXIT_FINE;
   std::size_t failed = 0;
-  const std::vector<fs::path> cases = casesIn(*options.suite);
+  const std::vector<case_t> cases = casesIn(*options.suite);
   checkFilesOf(options, cases);
-  for (const fs::path& input : cases) {
-    const case_result_t& result = results.emplace_back(runCase(options, input));
+  for (const case_t& each : cases) {
+    const case_result_t& result = results.emplace_back(runCase(options, each));
     worst = std::max<int>(worst, result.status);
     if (result.status != EXIT_FINE) ++failed;
     const char* const word = options.update ? "made  " : "ok    ";

@@ -64,6 +64,31 @@ TEST_F(SuiteTest, CaseWithoutAGoldenFileFails) {
             "2 cases, 2 failed\n");
 }
 
+TEST_F(SuiteTest, WhatDoesNotRunFails) {
+  run({"--suite", "suite", "--update"});
+  folder_.write("suite/c.ndjson.gz", "");
+  folder_.write("suite/d.golden", "");
+  std::filesystem::create_directory(folder_.path("suite/e.ndjson"));
+  folder_.write("suite/.hidden.golden", "");
+  folder_.write("suite/notes.txt", "");
+  for (const char* const mode : {"", "--update"}) {
+    std::vector<std::string> arguments = {"--suite", "suite", "--junit", "report.xml"};
+    if (*mode != '\0') arguments.emplace_back(mode);
+    const result_t result = run(arguments);
+    EXPECT_EQ(result.status, 5) << mode;
+    EXPECT_EQ(result.diagnostics.substr(result.diagnostics.find("FAILED")),
+              "FAILED  c.ndjson.gz\n"
+              "suite/c.ndjson.gz does not run: its name must end in .ndjson\n"
+              "FAILED  d.golden\n"
+              "suite/d.golden has no case d.ndjson\n"
+              "FAILED  e.ndjson\n"
+              "suite/e.ndjson is a folder: its cases do not run\n"
+              "5 cases, 3 failed\n");
+    EXPECT_NE(folder_.read("report.xml").find("message=\"suite/d.golden has no case d.ndjson\">"),
+              std::string::npos);
+  }
+}
+
 TEST_F(SuiteTest, ReportHasTheFormOfJUnit) {
   run({"--suite", "suite", "--update"});
   folder_.write("suite/b.ndjson", passingLine("\"<&>\\u0001\""));
@@ -75,7 +100,8 @@ TEST_F(SuiteTest, ReportHasTheFormOfJUnit) {
                    "<testsuite name=\"suite\" tests=\"2\" failures=\"1\" errors=\"0\" time=T>\n"
                    "  <testcase classname=\"suite\" name=\"a\" time=T/>\n"
                    "  <testcase classname=\"suite\" name=\"b\" time=T>\n"
-                   "    <failure message=\"exit status 5\">--- suite/b.golden:1\n",
+                   "    <failure message=\"1 of 1 messages differ from suite/b.golden\">--- "
+                   "suite/b.golden:1\n",
                    0),
       0u)
       << report;

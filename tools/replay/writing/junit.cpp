@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "ndjson/utf8.hpp"
+#include "tools/options/replay_options.hpp"
 #include "tools/record/output_file.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -54,13 +55,23 @@ std::string secondsOf(double seconds) {
   return {digits.begin(), end.ptr};
 }
 
+// The last line of the complaint, which sums it up.
+std::string verdictOf(const case_result_t& result) {
+  std::string_view text = result.complaint;
+  if (text.ends_with('\n')) text.remove_suffix(1);
+  text.remove_prefix(text.rfind('\n') + 1);
+  const std::string name = std::string(REPLAY_NAME) + ": ";
+  if (text.starts_with(name)) text.remove_prefix(name.size());
+  return std::string(text);
+}
+
 std::string caseOf(const std::string& suite, const case_result_t& result) {
   std::string xml = "  <testcase classname=\"" + escaped(suite) + "\" name=\"" +
                     escaped(result.name) + "\" time=\"" + secondsOf(result.seconds) + "\"";
   if (result.status == EXIT_FINE) return xml + "/>\n";
   const std::string element = result.status == EXIT_DIFFERENT ? "failure" : "error";
-  return xml + ">\n    <" + element + " message=\"exit status " + std::to_string(result.status) +
-         "\">" + escaped(result.complaint) + "</" + element + ">\n  </testcase>\n";
+  return xml + ">\n    <" + element + " message=\"" + escaped(verdictOf(result)) + "\">" +
+         escaped(result.complaint) + "</" + element + ">\n  </testcase>\n";
 }
 
 } // namespace
