@@ -19,6 +19,7 @@ from includes import IncludeGraph
 # Fuzz targets check against the models that the tests have; those stay with the tests. The plain
 # build is a second reading of the documents, so it must see nothing of the first.
 LAYERS = {
+    "identity": [],
     "host": [],
     "value": ["host"],
     "ndjson": ["value"],
@@ -26,8 +27,8 @@ LAYERS = {
     "codec": ["plugin"],
     "recorder": ["plugin", "ndjson"],
     "standin": ["host"],
-    "tools/options": ["host"],
-    "tools/host": ["value", "standin"],
+    "tools/options": ["host", "identity"],
+    "tools/host": ["value", "standin", "identity"],
     "tools/record": ["ndjson", "tools/host", "tools/options"],
     "tools/explain": ["tools/record"],
     "tools/replay/input": ["tools/record"],

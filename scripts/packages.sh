@@ -3,13 +3,14 @@
 # installs missing packages. Sourced by ./dev.
 #
 #   group     needed by
-#   build     compiling with g++ 12 and running the tests
+#   build     compiling with g++ 12 and running the tests; git tells the commit of a build
 #   clang     the presets `clang` and `quick`, and clang-tidy's view of the sources
 #   lint      ./dev lint, ./dev format
 #   coverage  ./dev coverage
 #   fuzz      ./dev fuzz and the preset `sanitize`, together with clang: the fuzzer's and the
 #             sanitizers' runtime, and names in their reports
-#   package   ./dev package: dependencies of a .deb, and what of a package is a program
+#   package   ./dev package: dependencies of a .deb, what of a package is a program, and the bill
+#             of materials
 #   root      ./dev test-package, together with package: a clean Debian to install in
 #   bench     ./dev bench; besides, scripts/bench.sh unpacks libboost1.81-dev, which conflicts with
 #             libboost-dev
@@ -25,7 +26,7 @@ declare -A package_groups=(
   [build]="
     cmake=cmake ninja-build=ninja
     gcc-12=gcc-12 g++-12=g++-12 libc6-dev=stdlib.h
-    binutils=readelf
+    binutils=readelf git=git
     libboost-dev=boost/optional.hpp
     libsimdjson-dev=simdjson.h rapidjson-dev=rapidjson/document.h
     zlib1g-dev=zlib.h libzstd-dev=zstd.h libsodium-dev=sodium.h libyaml-cpp-dev=yaml-cpp/yaml.h
@@ -42,13 +43,13 @@ declare -A package_groups=(
     libclang-rt-14-dev=/usr/lib/llvm-14/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a
     llvm-14=llvm-symbolizer-14 python3=python3
   "
-  [package]="git=git dpkg-dev=dpkg-shlibdeps file=file"
+  [package]="dpkg-dev=dpkg-shlibdeps file=file python3=python3"
   [root]="
     debootstrap=debootstrap python3=python3
     debian-archive-keyring=/usr/share/keyrings/debian-archive-keyring.gpg
   "
   [bench]="
-    git=git jq=jq valgrind=valgrind libcli11-dev=CLI/CLI.hpp
+    jq=jq valgrind=valgrind libcli11-dev=CLI/CLI.hpp
     libbenchmark-dev=benchmark/benchmark.h nlohmann-json3-dev=nlohmann/json.hpp
   "
 )

@@ -112,6 +112,7 @@ TEST_F(ReportSchemasTest, SummariesAreAccepted) {
   for (const char* const arguments :
        {VLT_PROJECT_ROOT "/samples/site-day.ndjson", VLT_PROJECT_ROOT "/samples/failing.ndjson",
         "--direction transport " VLT_PROJECT_ROOT "/samples/events.ndjson",
+        "--against " VLT_PLUGIN_PATH " " VLT_PROJECT_ROOT "/samples/events.ndjson",
         "--expect-events " VLT_PROJECT_ROOT "/samples/recordings/after " VLT_PROJECT_ROOT
         "/samples/recordings/before",
         "/dev/null"}) {
@@ -131,6 +132,7 @@ TEST_F(ReportSchemasTest, OtherSummariesAreRefused) {
   expectEveryMemberCounts(summary, summary);
   auto& members = summary.get<map_t>();
   expectEveryMemberCounts(summary, members[text("batches")]);
+  expectEveryMemberCounts(summary, members[text("plugin")]);
   expectEveryMemberCounts(summary, *members[text("reasons")].get<list_t>().begin());
   data_t& kinds = members[text("kinds")];
   expectEveryMemberCounts(summary, kinds);

@@ -219,6 +219,14 @@ TEST_P(BuiltLibraryTest, CodecAsksForNoLockAndNoThread) {
 
 // ---- loaded for good
 
+TEST_P(BuiltLibraryTest, NamesItsBuildOnceInANote) {
+  EXPECT_THAT(readelf("--string-dump=.note.ostrovia"), HasSubstr("ostrovia-notifications "));
+  std::ifstream file(libraryUnderTest(), std::ios::binary);
+  const std::string content{std::istreambuf_iterator<char>(file), {}};
+  static const Pattern NAME("ostrovia-notifications [0-9.]+, (unknown commit|commit [0-9a-f]{12})");
+  EXPECT_THAT(NAME.allIn(content), SizeIs(1));
+}
+
 TEST_P(BuiltLibraryTest, CanBeUnloaded) {
   EXPECT_THAT(dynamicEntries("FLAGS_1"), Not(Contains(HasSubstr("NODELETE"))));
   EXPECT_THAT(namesOf([](const auto& symbol) { return symbol.binding == "UNIQUE"; }), IsEmpty());

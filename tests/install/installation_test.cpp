@@ -165,6 +165,7 @@ TEST_F(InstallationTest, StrippedPlugInsKeepTheirInterface) {
     for (const std::string& symbol : tools::entryPoints(name)) exported += symbol + "\n";
     EXPECT_EQ(shell("LC_ALL=C nm --dynamic --defined-only --just-symbols" + plugin).out, exported);
     EXPECT_THAT(shell("readelf --segments" + plugin).out, HasSubstr("GNU_RELRO"));
+    EXPECT_THAT(shell("strings" + plugin).out, HasSubstr("\nostrovia-notifications "));
   }
 }
 

@@ -61,8 +61,8 @@ result_t skippedResult(const check_t& check, const std::string& reason) {
 int checkPlugin(const run_settings_t& settings, std::span<const check_t> checks, bool strict,
                 Format format, std::ostream& out) {
   const std::optional<std::string> obstacle = whyNotLoaded(settings);
-  const std::unique_ptr<Report> report =
-      makeReport(out, {settings.subject.path, settings.seed, !obstacle, strict}, format);
+  const std::unique_ptr<Report> report = makeReport(
+      out, {identityOf(settings.subject.path), settings.seed, !obstacle, strict}, format);
   Counts counts;
   for (const check_t& check : checks) {
     result_t result = obstacle && check.use != Use::READ ? skippedResult(check, *obstacle)

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "identity/build_name.hpp"
 #include "ndjson/json_text.hpp"
 #include "ndjson/utf8.hpp"
 
@@ -188,7 +189,16 @@ void TextReport::add(const result_t& result) {
 
 void TextReport::close(const Counts& counts) {
   out_ << '\n';
-  writeWrapped(out_, 0, 0, printable(heading_.path) + ", seed " + std::to_string(heading_.seed));
+  const file_identity_t& library = heading_.library;
+  writeWrapped(out_, 0, 0, printable(library.path) + ", seed " + std::to_string(heading_.seed));
+  const auto or_else = [](const std::string& text, const char* other) {
+    return text.empty() ? other : text;
+  };
+  writeWrapped(out_, 0, 4,
+               "  size " + std::to_string(library.size) + " bytes, build id " +
+                   or_else(library.build_id, "unknown"));
+  out_ << "  SHA-256 " << library.sha256 << "\n  build " << or_else(library.build_name, "unknown")
+       << "\n  checked by " << VLT_BUILD_NAME << '\n';
   out_ << counts.total() << " checks: " << counts.of(Ending::OK) << " ok, " << counts.warned()
        << " warned, " << counts.of(Ending::FAILED) << " failed, " << counts.of(Ending::CRASHED)
        << " crashed, " << counts.of(Ending::HUNG) << " hung, " << counts.of(Ending::SKIPPED)
@@ -197,7 +207,12 @@ void TextReport::close(const Counts& counts) {
 }
 
 JsonReport::JsonReport(std::ostream& out, const heading_t& heading) : out_(out) {
-  out_ << R"({"version":1,"library":)" << quoted(heading.path) << ",\"seed\":" << heading.seed
+  const file_identity_t& library = heading.library;
+  const auto or_null = [](const std::string& text) { return text.empty() ? "null" : quoted(text); };
+  out_ << R"({"version":1,"tool":)" << quoted(VLT_BUILD_NAME) << R"(,"library":)"
+       << quoted(library.path) << ",\"size\":" << library.size << R"(,"sha256":)"
+       << quoted(library.sha256) << R"(,"build_id":)" << or_null(library.build_id) << R"(,"build":)"
+       << or_null(library.build_name) << ",\"seed\":" << heading.seed
        << ",\"loads\":" << (heading.loads ? "true" : "false")
        << ",\"strict\":" << (heading.strict ? "true" : "false") << ",\"checks\":[";
 }

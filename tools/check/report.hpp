@@ -16,6 +16,7 @@
 
 #include "tools/check/check.hpp"
 #include "tools/check/verdict.hpp"
+#include "tools/host/file_identity.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 
@@ -59,7 +60,7 @@ class Report {
 };
 
 struct heading_t {
-  std::string path; // of the library
+  file_identity_t library;
   std::uint64_t seed = 0;
   bool loads = true;
   bool strict = false;

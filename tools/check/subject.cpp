@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "tools/check/elf_file.hpp"
+#include "tools/host/elf_file.hpp"
 #include "tools/host/plugin_library.hpp"
 
 namespace com::velanto::connectivity::tools::check {

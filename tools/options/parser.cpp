@@ -19,6 +19,7 @@
 #include <system_error>
 #include <type_traits>
 
+#include "identity/build_name.hpp"
 #include "tools/options/guess.hpp"
 #include "tools/options/help.hpp"
 
@@ -182,7 +183,8 @@ bool parse(const tool_t& tool, int count, const char* const* arguments, std::ost
   const std::span all(arguments, static_cast<std::size_t>(count));
   const std::string_view question = Parser(tool, all.subspan(1)).readAll();
   if (question == "--help") out << helpText(tool);
-  if (question == "--version") out << tool.name << ' ' << VLT_VERSION << '\n';
+  if (question == "--version")
+    out << tool.name << VLT_BUILD_NAME + std::strlen(PROJECT_NAME) << '\n';
   return question.empty();
 }
 

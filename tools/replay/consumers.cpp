@@ -18,7 +18,7 @@ Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::os
   if (!options.suite) all_.push_back(&diagnostics_);
   if (options.summary) all_.push_back(&summary_.emplace());
   if (options.dropped) all_.push_back(&dead_letters_.emplace(*options.dropped));
-  if (options.record) all_.push_back(&golden_.emplace(*options.record));
+  if (options.record) all_.push_back(&golden_.emplace(*options.record, options.plugin_path));
   if (options.expect) all_.push_back(&expectation_.emplace(*options.expect, diagnostics));
   if (options.expect_events) {
     add(recorded_events_.emplace(*options.expect_events, diagnostics));
@@ -38,6 +38,11 @@ void Consumers::addPlugins(const PluginLibrary& library, const data_t& configura
     add(explainer_.emplace(library, configuration, direction,
                            *options_.explain == "json" ? ExplanationForm::JSON : text,
                            events_out_));
+  }
+  if (summary_) {
+    summary_->takeBuilds(
+        {identityOf(options_.plugin_path),
+         options_.against ? std::optional(identityOf(*options_.against)) : std::nullopt});
   }
 }
 

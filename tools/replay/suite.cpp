@@ -4,9 +4,11 @@
 #include <chrono>
 #include <filesystem>
 #include <sstream>
+#include <stdexcept>
 #include <streambuf>
 #include <system_error>
 
+#include "tools/host/file_identity.hpp"
 #include "tools/replay/input/interruption.hpp"
 #include "tools/replay/replay.hpp"
 #include "tools/replay/writing/junit.hpp"
@@ -104,6 +106,15 @@ case_result_t runCase(const ReplayOptions& suite, const case_t& each) {
   return result;
 }
 
+// For the report, also when there is no such plug-in: then the report has the reason.
+std::string buildOf(const std::string& plugin_path) {
+  try {
+    return buildText(identityOf(plugin_path));
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+}
+
 } // namespace
 
 int runSuite(const ReplayOptions& options, std::ostream& diagnostics) {
@@ -127,7 +138,8 @@ int runSuite(const ReplayOptions& options, std::ostream& diagnostics) {
                 << " cases not run\n";
     return EXIT_INTERRUPTED;
   }
-  if (options.junit) writeJunit(*options.junit, *options.suite, results);
+  if (options.junit)
+    writeJunit(*options.junit, *options.suite, buildOf(options.plugin_path), results);
   return worst;
 }
 

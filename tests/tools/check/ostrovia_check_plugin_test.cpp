@@ -9,11 +9,13 @@
 #include <string>
 #include <vector>
 
+#include "identity/build_name.hpp"
 #include "ndjson/json_reader.hpp"
 #include "tests/support/pattern.hpp"
 #include "tests/support/values.hpp"
 #include "tests/tools/check/check_plugin_program.hpp"
 #include "tools/check/selection.hpp"
+#include "tools/host/file_identity.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -56,6 +58,14 @@ class OstroviaCheckPluginTest : public ::testing::Test {
 
 const std::string LIBRARY = "libOstroviaNotifications2Codec.so";
 
+// The lines below the library's path.
+std::string linesOfBuilds(const std::string& path) {
+  const tools::file_identity_t library = tools::identityOf(path);
+  return "  size " + std::to_string(std::filesystem::file_size(path)) + " bytes, build id " +
+         library.build_id + "\n  SHA-256 " + library.sha256 + "\n  build unknown\n  checked by " +
+         VLT_BUILD_NAME + "\n";
+}
+
 } // namespace
 
 TEST_F(OstroviaCheckPluginTest, GoodBuildPassesEverything) {
@@ -65,7 +75,7 @@ TEST_F(OstroviaCheckPluginTest, GoodBuildPassesEverything) {
   strings_t lines = unwrapped(run.out);
   ASSERT_GT(lines.size(), 60U);
   const int skipped = heapIsReplaced() ? 3 : 0;
-  if (heapIsReplaced()) std::erase_if(lines, [](const auto& line) { return line[0] == ' '; });
+  std::erase_if(lines, [](const auto& line) { return line.starts_with("  "); }); // of the builds
   const std::size_t checks = lines.size() - 3;
   EXPECT_EQ(lines[checks + 1], LIBRARY + ", seed 1");
   EXPECT_EQ(lines.back(), std::to_string(checks) + " checks: " +
@@ -151,8 +161,9 @@ TEST_F(OstroviaCheckPluginTest, FailureShowsExpectedAndActualValues) {
             "        docs/host-interface.md, \"Versions\"\n"
             "        interface version: expected 4, came 3\n"
             "\n"
-            "wrong_interface_version.so, seed 1\n"
-            "1 checks: 0 ok, 0 warned, 1 failed, 0 crashed, 0 hung, 0 skipped\n");
+            "wrong_interface_version.so, seed 1\n" +
+                linesOfBuilds(faultyPlugin("wrong_interface_version")) +
+                "1 checks: 0 ok, 0 warned, 1 failed, 0 crashed, 0 hung, 0 skipped\n");
 }
 
 TEST_F(OstroviaCheckPluginTest, CrashAndHangDiffer) {
@@ -264,6 +275,10 @@ TEST_F(OstroviaCheckPluginTest, JsonIsOneDocument) {
   data_t document = reader.parseValue(run.out);
   auto& members = document.get<map_t>();
   EXPECT_EQ(at(members, "seed"), whole(5));
+  const tools::file_identity_t library = tools::identityOf(faultyPlugin("wrong_product_version"));
+  EXPECT_EQ(at(members, "sha256"), text(library.sha256.c_str()));
+  EXPECT_EQ(at(members, "build_id"), text(library.build_id.c_str()));
+  EXPECT_TRUE(at(members, "build").empty());
   EXPECT_EQ(at(members, "loads"), truth(true));
   EXPECT_EQ(at(members, "counts"),
             data_t(mapOf("ok", whole(2), "warned", whole(0), "failed", whole(2), "crashed",
@@ -310,7 +325,7 @@ TEST_F(OstroviaCheckPluginTest, ExamplesOfTheHelpRun) {
 
 TEST_F(OstroviaCheckPluginTest, VersionIsTheProjects) {
   EXPECT_EQ(program_.run("--version").out,
-            std::string("ostrovia-check-plugin ") + VLT_VERSION + "\n");
+            "ostrovia-check-plugin" + std::string(VLT_BUILD_NAME).substr(22) + "\n");
 }
 
 TEST_F(OstroviaCheckPluginTest, DocumentListsTheChecks) {

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <string>
 
+#include "identity/build_name.hpp"
 #include "tools/check/selection.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -19,7 +20,7 @@ const check_t ADVISED_CHECK = {"suite.other", "advice alone", ADVISED_ONLY, chec
 
 std::string textOf(const result_t& result, bool coloured = false) {
   std::ostringstream out;
-  TextReport(out, {"lib.so", 7, true}, coloured).add(result);
+  TextReport(out, {{"lib.so"}, 7, true}, coloured).add(result);
   return out.str();
 }
 
@@ -120,25 +121,28 @@ TEST(ReportTest, AdvisedCheckWarnsUnlessStrict) {
 
 TEST(ReportTest, JsonHasTheContentOfTheLine) {
   std::ostringstream out;
-  JsonReport report(out, {"li\"b.so", 7, false});
+  JsonReport report(out, {{"li\"b.so", 9, "5a", "", "b"}, 7, false});
   report.add({&CHECK, {Ending::SKIPPED, "no \xff such", {}, ""}, std::chrono::milliseconds(5)});
   report.add({&ADVISED_CHECK, {Ending::FAILED, "", {{"w", "e", "c"}}, "p"}, {}});
   Counts counts;
   counts.add({&CHECK, {Ending::SKIPPED, "", {}, ""}, {}});
   counts.add({&ADVISED_CHECK, {Ending::FAILED, "", {}, ""}, {}});
   report.close(counts);
-  EXPECT_EQ(out.str(),
-            R"({"version":1,"library":"li\"b.so","seed":7,"loads":false,"strict":false,"checks":[)"
-            "\n"
-            R"({"name":"suite.name","claim":"what holds","level":"required","clause":"Heading",)"
-            R"("outcome":"skipped","milliseconds":5,"reason":"no ? such"},)"
-            "\n"
-            R"({"name":"suite.other","claim":"advice alone","level":"advised",)"
-            R"("outcome":"failed","milliseconds":0,)"
-            R"("differences":[{"where":"w","expected":"e","came":"c"}],"printed":"p"})"
-            "\n"
-            R"(],"counts":{"warned":1,"ok":0,"failed":0,"crashed":0,"hung":0,"skipped":1}})"
-            "\n");
+  EXPECT_EQ(
+      out.str(),
+      R"({"version":1,"tool":")" + std::string(VLT_BUILD_NAME) +
+          R"(","library":"li\"b.so","size":9,"sha256":"5a","build_id":null,"build":"b",)"
+          R"("seed":7,"loads":false,"strict":false,"checks":[)"
+          "\n"
+          R"({"name":"suite.name","claim":"what holds","level":"required","clause":"Heading",)"
+          R"("outcome":"skipped","milliseconds":5,"reason":"no ? such"},)"
+          "\n"
+          R"({"name":"suite.other","claim":"advice alone","level":"advised",)"
+          R"("outcome":"failed","milliseconds":0,)"
+          R"("differences":[{"where":"w","expected":"e","came":"c"}],"printed":"p"})"
+          "\n"
+          R"(],"counts":{"warned":1,"ok":0,"failed":0,"crashed":0,"hung":0,"skipped":1}})"
+          "\n");
 }
 
 TEST(ReportTest, SkippedIsGoodFailedIsNot) {

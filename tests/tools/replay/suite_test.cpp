@@ -5,12 +5,15 @@
 
 #include <filesystem>
 
+#include "identity/build_name.hpp"
 #include "tests/support/pattern.hpp"
 #include "tests/tools/program.hpp"
 
 namespace com::velanto::connectivity::test {
 
 namespace {
+
+const std::string BUILD = VLT_BUILD_NAME;
 
 class SuiteTest : public Program {
  protected:
@@ -98,10 +101,18 @@ TEST_F(SuiteTest, ReportHasTheFormOfJUnit) {
   EXPECT_EQ(
       report.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                    "<testsuite name=\"suite\" tests=\"2\" failures=\"1\" errors=\"0\" time=T>\n"
-                   "  <testcase classname=\"suite\" name=\"a\" time=T/>\n"
-                   "  <testcase classname=\"suite\" name=\"b\" time=T>\n"
-                   "    <failure message=\"1 of 1 messages differ from suite/b.golden\">--- "
-                   "suite/b.golden:1\n",
+                   "  <properties>\n"
+                   "    <property name=\"tool\" value=\"" +
+                       BUILD +
+                       "\"/>\n"
+                       "    <property name=\"plug-in\" value=\"" +
+                       BUILD +
+                       "\"/>\n"
+                       "  </properties>\n"
+                       "  <testcase classname=\"suite\" name=\"a\" time=T/>\n"
+                       "  <testcase classname=\"suite\" name=\"b\" time=T>\n"
+                       "    <failure message=\"1 of 1 messages differ from suite/b.golden\">--- "
+                       "suite/b.golden:1\n",
                    0),
       0u)
       << report;
@@ -113,6 +124,9 @@ TEST_F(SuiteTest, CaseThatCannotRunIsAnError) {
   run({"--suite", "suite", "--update"});
   EXPECT_EQ(run({"--suite", "suite", "--junit", "r", "--plugin", "/nowhere.so"}).status, 4);
   EXPECT_NE(folder_.read("r").find("failures=\"0\" errors=\"2\""), std::string::npos);
+  EXPECT_NE(
+      folder_.read("r").find("name=\"plug-in\" value=\"/nowhere.so: No such file or directory\""),
+      std::string::npos);
 }
 
 TEST_F(SuiteTest, WrongUseIsNamed) {

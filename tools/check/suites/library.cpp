@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/check/elf_file.hpp"
+#include "tools/host/elf_file.hpp"
 #include "tools/check/suites/suites.hpp"
 #include "tools/host/interface_names.hpp"
 

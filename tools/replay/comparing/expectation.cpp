@@ -14,9 +14,11 @@ Expectation::Expectation(const std::string& path, std::ostream& diagnostics)
 }
 
 side_t Expectation::nextExpected() {
-  std::string line;
-  if (!std::getline(file_, line)) return {path_, {}};
-  return {path_ + ":" + std::to_string(++line_number_), line};
+  for (std::string line; std::getline(file_, line);) {
+    ++line_number_;
+    if (!isGoldenRemark(line)) return {path_ + ":" + std::to_string(line_number_), line};
+  }
+  return {path_, {}};
 }
 
 void Expectation::take(const record_t& record) {

@@ -1,4 +1,4 @@
-// Holds a run to a golden file: the n-th record to its n-th line.
+// Holds a run to a golden file: the n-th record to its n-th line, remarks about builds left out.
 #ifndef VLT_TOOLS_REPLAY_COMPARING_EXPECTATION_HPP
 #define VLT_TOOLS_REPLAY_COMPARING_EXPECTATION_HPP
 

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/host/file_identity.hpp"
 #include "tools/record/record.hpp"
 #include "tools/replay/comparing/recorded_events.hpp"
 #include "tools/replay/summary/durations.hpp"
@@ -25,10 +26,17 @@ struct ranked_reason_t {
   std::string first; // FILE:LINE
 };
 
+// The plug-ins of a run.
+struct builds_t {
+  file_identity_t plugin;
+  std::optional<file_identity_t> against;
+};
+
 class Summary final : public Consumer {
  public:
   void take(const record_t& record) override;
   void takeBatch(std::size_t messages, std::chrono::nanoseconds time) override;
+  void takeBuilds(builds_t builds) { builds_ = std::move(builds); }
 
   [[nodiscard]] std::uint64_t count(Kind kind, Outcome outcome) const noexcept {
     return counts_[static_cast<std::size_t>(kind)][static_cast<std::size_t>(outcome)];
@@ -41,6 +49,7 @@ class Summary final : public Consumer {
   [[nodiscard]] std::vector<std::pair<std::string, std::uint64_t>> channels() const;
 
   [[nodiscard]] const Durations& batches() const noexcept { return batches_; }
+  [[nodiscard]] const builds_t& builds() const noexcept { return builds_; }
 
  private:
   struct reason_count_t {
@@ -54,6 +63,7 @@ class Summary final : public Consumer {
   std::map<std::pair<std::string, std::string>, reason_count_t> reasons_;
   std::map<std::string, std::uint64_t, std::less<>> channels_;
   Durations batches_;
+  builds_t builds_;
 };
 
 // The other parts of the summary.

@@ -1,4 +1,5 @@
 // The summary as one line of JSON, in the form of docs/replay-summary.schema.json.
+#include "identity/build_name.hpp"
 #include "ndjson/json_line.hpp"
 #include "tools/replay/summary/recordings.hpp"
 #include "tools/replay/summary/summary.hpp"
@@ -48,6 +49,26 @@ void writeTimes(JsonLine& line, const Summary& summary, const run_figures_t& run
   line.close('}');
 }
 
+void writeBuild(JsonLine& line, const char* name, const file_identity_t& file) {
+  const auto write = [&line](const char* member, const std::string& text) {
+    line.item(member);
+    text.empty() ? line.raw("null") : line.text(text);
+  };
+  line.item(name).open('{');
+  line.item("path").text(file.path);
+  line.item("size").number(file.size);
+  line.item("sha256").text(file.sha256);
+  write("build_id", file.build_id);
+  write("build", file.build_name);
+  line.close('}');
+}
+
+void writeBuilds(JsonLine& line, const builds_t& builds) {
+  line.item("tool").text(VLT_BUILD_NAME);
+  writeBuild(line, "plugin", builds.plugin);
+  if (builds.against) writeBuild(line, "against", *builds.against);
+}
+
 } // namespace
 
 std::string summaryJson(const Summary& summary, const run_figures_t& run) {
@@ -68,6 +89,7 @@ std::string summaryJson(const Summary& summary, const run_figures_t& run) {
   for (const auto& [channel, count] : summary.channels()) line.item(channel.c_str()).number(count);
   line.close('}');
   writeTimes(line, summary, run);
+  writeBuilds(line, summary.builds());
   writeRecordings(line, run.recordings, run.pairing);
   line.close('}');
   return std::move(line).take();

@@ -1,6 +1,7 @@
 #include <array>
 #include <cstdio>
 
+#include "identity/build_name.hpp"
 #include "tools/record/columns.hpp"
 #include "tools/replay/summary/summary.hpp"
 
@@ -66,6 +67,15 @@ void appendChannels(std::string& out, const Summary& summary) {
   }
 }
 
+void appendBuilds(std::string& out, const builds_t& builds) {
+  const auto append = [&out](const char* name, const std::string& build) {
+    out += padded(name, 9) + cutBehind(build, 70) + "\n";
+  };
+  append("tool", VLT_BUILD_NAME);
+  append("plug-in", buildText(builds.plugin));
+  if (builds.against) append("against", buildText(*builds.against));
+}
+
 } // namespace
 
 std::string summaryText(const Summary& summary, const run_figures_t& run) {
@@ -76,6 +86,7 @@ std::string summaryText(const Summary& summary, const run_figures_t& run) {
   const double seconds = std::chrono::duration<double>(run.elapsed).count();
   const double rate = seconds > 0 ? static_cast<double>(run.read) / seconds : 0;
   out += '\n';
+  appendBuilds(out, summary.builds());
   out += number(rate, "%.0f messages/s") + ", a batch: median " +
          microsecondsText(summary.batches().quantile(0.5)) + ", 99th percentile " +
          microsecondsText(summary.batches().quantile(0.99)) + "\n";

@@ -1,5 +1,6 @@
 #include "tools/replay/writing/golden.hpp"
 
+#include "identity/build_name.hpp"
 #include "ndjson/json_text.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -7,6 +8,7 @@ namespace com::velanto::connectivity::tools {
 namespace {
 
 constexpr std::string_view BEHIND_AT = ",\"outcome\":";
+constexpr std::string_view REMARK = R"({"made by":)";
 
 std::string beginOf(std::string_view place, std::string_view outcome) {
   std::string line = "{\"at\":";
@@ -59,6 +61,18 @@ std::string goldenLineOf(std::span<const log_line_t> lines) {
   appendLog(line, lines);
   line += '}';
   return line;
+}
+
+std::string goldenRemark(const std::string& plugin_build) {
+  std::string line(REMARK);
+  appendJsonText(line, VLT_BUILD_NAME);
+  line += R"(,"plug-in":)";
+  appendJsonText(line, plugin_build);
+  return line + "}";
+}
+
+bool isGoldenRemark(std::string_view golden_line) noexcept {
+  return golden_line.starts_with(REMARK);
 }
 
 std::string_view contentOf(std::string_view golden_line) noexcept {

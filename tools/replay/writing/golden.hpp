@@ -4,14 +4,16 @@
 //   {"at":"in.ndjson:7","outcome":"converted","event":{"metadata":{…},"payload":{…}}}
 //   {"at":"in.ndjson:8","outcome":"malformed","reason":"…"}
 //   {"at":"","outcome":"no message","log":[…]}      logged at creation, start or end
+//   {"made by":"…","plug-in":"…"}                   the builds of tool and plug-in, the last line
 //
-// "at" is for people: comparisons ignore the place of a message.
+// The last line and "at" are for people: comparisons ignore the builds and the place of a message.
 #ifndef VLT_TOOLS_REPLAY_WRITING_GOLDEN_HPP
 #define VLT_TOOLS_REPLAY_WRITING_GOLDEN_HPP
 
 #include <string>
 #include <string_view>
 
+#include "tools/host/file_identity.hpp"
 #include "tools/record/output_file.hpp"
 #include "tools/record/record.hpp"
 
@@ -24,21 +26,30 @@ namespace com::velanto::connectivity::tools {
 // The part of such a line that comparisons read: all after "at".
 [[nodiscard]] std::string_view contentOf(std::string_view golden_line) noexcept;
 
+// The last line.
+[[nodiscard]] std::string goldenRemark(const std::string& plugin_build);
+[[nodiscard]] bool isGoldenRemark(std::string_view golden_line) noexcept;
+
 // Writes the file.
 class GoldenWriter final : public Consumer {
  public:
   // Throws ReplayError with EXIT_IO.
-  explicit GoldenWriter(const std::string& path) : file_(path) {}
+  GoldenWriter(const std::string& path, const std::string& plugin_path)
+      : file_(path), plugin_path_(plugin_path) {}
 
   void take(const record_t& record) override { file_.write(goldenLineOf(record) + "\n"); }
   void takeLog(std::span<const log_line_t> lines) override {
     if (!lines.empty()) file_.write(goldenLineOf(lines) + "\n");
   }
   void pause() override { file_.flush(); }
-  void commit() override { file_.commit(); }
+  void commit() override {
+    file_.write(goldenRemark(buildText(identityOf(plugin_path_))) + "\n");
+    file_.commit();
+  }
 
  private:
   OutputFile file_;
+  std::string plugin_path_;
 };
 
 } // namespace com::velanto::connectivity::tools

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <string_view>
 
+#include "identity/build_name.hpp"
 #include "ndjson/utf8.hpp"
 #include "tools/options/replay_options.hpp"
 #include "tools/record/output_file.hpp"
@@ -76,7 +77,7 @@ std::string caseOf(const std::string& suite, const case_result_t& result) {
 
 } // namespace
 
-void writeJunit(const std::string& path, const std::string& suite,
+void writeJunit(const std::string& path, const std::string& suite, const std::string& plugin_build,
                 const std::vector<case_result_t>& results) {
   std::size_t failures = 0;
   std::size_t errors = 0;
@@ -92,6 +93,9 @@ void writeJunit(const std::string& path, const std::string& suite,
             "\" tests=\"" + std::to_string(results.size()) + "\" failures=\"" +
             std::to_string(failures) + "\" errors=\"" + std::to_string(errors) + "\" time=\"" +
             secondsOf(seconds) + "\">\n");
+  out.write("  <properties>\n    <property name=\"tool\" value=\"" + escaped(VLT_BUILD_NAME) +
+            "\"/>\n    <property name=\"plug-in\" value=\"" + escaped(plugin_build) +
+            "\"/>\n  </properties>\n");
   out.write(cases);
   out.write("</testsuite>\n");
   out.commit();

@@ -18,7 +18,7 @@ struct case_result_t {
 };
 
 // Makes or replaces the file. Throws ReplayError with EXIT_IO.
-void writeJunit(const std::string& path, const std::string& suite,
+void writeJunit(const std::string& path, const std::string& suite, const std::string& plugin_build,
                 const std::vector<case_result_t>& results);
 
 } // namespace com::velanto::connectivity::tools

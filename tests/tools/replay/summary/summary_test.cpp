@@ -5,6 +5,7 @@
 
 #include <sstream>
 
+#include "identity/build_name.hpp"
 #include "tests/support/pattern.hpp"
 #include "tests/tools/program.hpp"
 
@@ -22,7 +23,9 @@ class SummaryTest : public Program {
   }
 };
 
-const char* const TIMES = "T messages/s, a batch: median T µs, 99th percentile T µs\n";
+const std::string BUILDS =
+    "tool     " + std::string(VLT_BUILD_NAME) + "\nplug-in  " + VLT_BUILD_NAME + "\n";
+const std::string TIMES = BUILDS + "T messages/s, a batch: median T µs, 99th percentile T µs\n";
 
 } // namespace
 
@@ -46,7 +49,7 @@ TEST_F(SummaryTest, KindsReasonsAndChannelsAreCounted) {
             "      events  channel\n"
             "           3  p.ostrovia.devices\n"
             "\n" +
-                std::string(TIMES) +
+                TIMES +
                 "read 8, reached the host 4, dropped 3, malformed 1, T ms, 0 blocks live\n");
 }
 
@@ -56,7 +59,7 @@ TEST_F(SummaryTest, NothingReadIsNothingCounted) {
             "                   converted      passed     dropped\n"
             "all                        0           0           0\n"
             "\n" +
-                std::string(TIMES) +
+                TIMES +
                 "read 0, reached the host 0, dropped 0, malformed 0, T ms, 0 blocks live\n");
 }
 
@@ -95,9 +98,21 @@ TEST_F(SummaryTest, ProgramsGetOneLineOfJson) {
       0u)
       << shown;
   const Pattern times(R"("messages_per_second":[0-9.e+]+,"batches":\{"count":3,)"
-                      R"("median_us":[0-9.]+,"p99_us":[0-9.]+\},"recordings":\[\],)"
+                      R"("median_us":[0-9.]+,"p99_us":[0-9.]+\},"tool":"[^"]*",)"
+                      R"("plugin":\{"path":"[^"]*","size":[0-9]+,"sha256":"[0-9a-f]{64}",)"
+                      R"("build_id":"[0-9a-f]{40}","build":"[^"]*"\},"recordings":\[\],)"
                       R"("deleted_files":\[\],"headless_bytes":0\}\n$)");
   EXPECT_TRUE(times.isIn(shown)) << shown;
+}
+
+TEST_F(SummaryTest, BothBuildsOfAComparisonAreNamed) {
+  const std::vector<std::string> against = {"--against", VLT_PLAIN_BUILD_PATH};
+  EXPECT_NE(summaryOf({"--summary", against[0], against[1]}).find(BUILDS + "against  build id "),
+            std::string::npos);
+  const std::string json = summaryOf({"--summary=json", against[0], against[1]});
+  EXPECT_TRUE(
+      Pattern(R"("against":\{"path":"[^"]*libplain_build.so","size":.*"build":null\})").isIn(json))
+      << json;
 }
 
 TEST_F(SummaryTest, BatchSizeChangesTheTimesAlone) {

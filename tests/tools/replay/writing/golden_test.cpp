@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "identity/build_name.hpp"
 #include "tests/tools/program.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -13,6 +14,9 @@ namespace com::velanto::connectivity::test {
 namespace {
 
 const char* const READ_2 = "read 2, reached the host 1, dropped 1, malformed 0, T ms\n";
+
+const std::string REMARK =
+    R"({"made by":")" + std::string(VLT_BUILD_NAME) + R"(","plug-in":")" + VLT_BUILD_NAME + "\"}\n";
 
 class GoldenTest : public Program {
  protected:
@@ -42,7 +46,17 @@ TEST_F(GoldenTest, FileHoldsEventsDropsAndLogInOrder) {
       "{\"at\":\"<stdin>:1\",\"outcome\":\"passed\",\"event\":{\"metadata\":{},\"payload\":1}}\n"
       "{\"at\":\"<stdin>:2\",\"outcome\":\"malformed\",\"reason\":\"not well-formed JSON\"}\n"
       "{\"at\":\"<stdin>:3\",\"outcome\":\"dropped\",\"log\":[{\"level\":3,\"text\":\"" +
-          textlessLog("2") + "\"}]}\n");
+          textlessLog("2") + "\"}]}\n" + REMARK);
+}
+
+TEST_F(GoldenTest, BuildsInTheFileAreNotCompared) {
+  record(passingLine("1"));
+  EXPECT_EQ(expectWith(VLT_BUILD_NAME, "another build").status, 0);
+  folder_.write("golden", folder_.read("golden") + REMARK);
+  EXPECT_EQ(expect().status, 0);
+  run({"--plugin", VLT_PLAIN_BUILD_PATH, "--record", golden_});
+  EXPECT_NE(folder_.read("golden").find("\"plug-in\":\"build id "), std::string::npos);
+  EXPECT_EQ(expect().status, 0);
 }
 
 TEST_F(GoldenTest, SameRunIsAsExpected) {

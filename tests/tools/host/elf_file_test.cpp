@@ -1,4 +1,4 @@
-#include "tools/check/elf_file.hpp"
+#include "tools/host/elf_file.hpp"
 
 #include <elf.h>
 #include <gtest/gtest.h>
@@ -16,9 +16,9 @@ namespace com::velanto::connectivity::test {
 
 namespace {
 
-using tools::check::elf_file_t;
-using tools::check::MalformedElf;
-using tools::check::readElf;
+using tools::elf_file_t;
+using tools::MalformedElf;
+using tools::readElf;
 
 using bytes_t = std::vector<std::byte>;
 
@@ -101,7 +101,7 @@ TEST_F(ElfFileTest, PluginIsReadAsItWasLinked) {
 
 TEST_F(ElfFileTest, RunPathIsRead) {
   const elf_file_t plugin =
-      tools::check::readElfFile(std::string(VLT_FAULTY_PLUGINS) + "/has_run_path.so");
+      tools::readElfFile(std::string(VLT_FAULTY_PLUGINS) + "/has_run_path.so");
   EXPECT_EQ(plugin.run_paths, std::vector<std::string>{"/opt/velanto/lib"});
 }
 
@@ -109,7 +109,7 @@ TEST_F(ElfFileTest, OtherFilesAreRefused) {
   EXPECT_EQ(errorOf([] { static_cast<void>(readElf({})); }), "no ELF file");
   const bytes_t text(100, std::byte{'x'});
   EXPECT_EQ(errorOf([&] { static_cast<void>(readElf(text)); }), "no ELF file");
-  EXPECT_EQ(errorOf([] { static_cast<void>(tools::check::readElfFile("/nowhere")); }),
+  EXPECT_EQ(errorOf([] { static_cast<void>(tools::readElfFile("/nowhere")); }),
             "/nowhere: No such file or directory");
 }
 
@@ -178,11 +178,12 @@ TEST_F(ElfFileTest, DamagedAnywhereItIsReadOrRefused) {
   std::mt19937 dice(7);
   const bytes_t whole = file_;
   const std::size_t dynamic = peek<Elf64_Phdr>(programHeader(PT_DYNAMIC)).p_offset;
+  const std::size_t notes = peek<Elf64_Phdr>(programHeader(PT_NOTE)).p_offset;
   const std::size_t hash = peek<Elf64_Dyn>(dynamicEntry(DT_GNU_HASH)).d_un.d_ptr;
   std::size_t refused = 0;
   for (int i = 0; i < 3000; ++i) {
-    const std::size_t regions[] = {0, 64, dynamic, hash, 64 + dice() % 4096};
-    const std::size_t start = regions[dice() % 5];
+    const std::size_t regions[] = {0, 64, dynamic, hash, notes, 64 + dice() % 4096};
+    const std::size_t start = regions[dice() % 6];
     const std::size_t at = start + dice() % 256;
     file_[at] = static_cast<std::byte>(dice());
     file_[start + dice() % 256] = std::byte{0xff};

@@ -5,11 +5,12 @@
 //   (3) the dynamic section: needed libraries, soname, run paths, and where the tables are
 //   (4) the hash tables: how many symbols there are
 //   (5) the symbols: names that the library exports, and names that it asks for
+//   (6) the notes: which build it is
 //
 // Does not use section headers: a stripped library need not have them. Checks every offset and size
 // against the file first, so a damaged file is an error and nothing worse.
-#ifndef VLT_TOOLS_CHECK_ELF_FILE_HPP
-#define VLT_TOOLS_CHECK_ELF_FILE_HPP
+#ifndef VLT_TOOLS_HOST_ELF_FILE_HPP
+#define VLT_TOOLS_HOST_ELF_FILE_HPP
 
 #include <cstddef>
 #include <optional>
@@ -18,7 +19,7 @@
 #include <string>
 #include <vector>
 
-namespace com::velanto::connectivity::tools::check {
+namespace com::velanto::connectivity::tools {
 
 // The file is no such library, or damaged; what() has the place, without a full stop.
 class MalformedElf : public std::runtime_error {
@@ -43,6 +44,8 @@ struct elf_file_t {
   std::vector<std::string> run_paths; // of either kind
   std::vector<exported_t> exported;   // in the order of the table
   std::vector<std::string> undefined;
+  std::string build_id;   // the linker's, as hexadecimal digits; empty: none
+  std::string build_name; // as in identity/build_name.hpp, of printable ASCII; empty: none
 };
 
 [[nodiscard]] elf_file_t readElf(std::span<const std::byte> file);
@@ -50,6 +53,9 @@ struct elf_file_t {
 // The same for the file at `path`; std::runtime_error when reading it fails.
 [[nodiscard]] elf_file_t readElfFile(const std::string& path);
 
-} // namespace com::velanto::connectivity::tools::check
+// All bytes of a file. Throws std::runtime_error "PATH: reason".
+[[nodiscard]] std::string contentOfFile(const std::string& path);
+
+} // namespace com::velanto::connectivity::tools
 
 #endif

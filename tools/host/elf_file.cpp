@@ -1,4 +1,4 @@
-#include "tools/check/elf_file.hpp"
+#include "tools/host/elf_file.hpp"
 
 #include <elf.h>
 
@@ -8,10 +8,14 @@
 #include <cstring>
 #include <fstream>
 #include <sstream>
+#include <string_view>
 #include <system_error>
 #include <type_traits>
+#include <utility>
 
-namespace com::velanto::connectivity::tools::check {
+#include "identity/build_name.hpp"
+
+namespace com::velanto::connectivity::tools {
 
 namespace {
 
@@ -35,6 +39,7 @@ class Reader {
     readDynamicSection();
     readNames();
     readSymbols();
+    for (const Elf64_Phdr& segment : notes_) readNotes(segment);
     return std::move(result_);
   }
 
@@ -42,9 +47,11 @@ class Reader {
   void readHeader();
   void readSegments();
   void readDynamicSection();
-  void note(const Elf64_Dyn& entry);
+  void noteEntry(const Elf64_Dyn& entry);
   void readNames();
   void readSymbols();
+  void readNotes(const Elf64_Phdr& segment);
+  void takeNote(std::string_view owner, std::uint32_t type, std::string_view content);
   [[nodiscard]] std::uint64_t countSymbols() const;
   [[nodiscard]] std::uint64_t countByGnuHash() const;
 
@@ -73,10 +80,17 @@ class Reader {
   }
   [[nodiscard]] std::uint64_t offsetOf(std::uint64_t address, const char* what) const;
   [[nodiscard]] std::string name(std::uint64_t offset) const;
+  // So many bytes of the file.
+  [[nodiscard]] std::string_view bytes(std::uint64_t offset, std::uint64_t size,
+                                       const char* what) const {
+    if (offset > file_.size() || file_.size() - offset < size) failBeyondTheEnd(what);
+    return {reinterpret_cast<const char*>(file_.data()) + offset, size};
+  }
 
   std::span<const std::byte> file_;
   Elf64_Ehdr header_{};
   std::vector<Elf64_Phdr> segments_; // loaded segments
+  std::vector<Elf64_Phdr> notes_;
   std::optional<Elf64_Phdr> dynamic_;
   std::vector<std::uint64_t> needed_names_;
   std::vector<std::uint64_t> run_path_names_;
@@ -111,6 +125,7 @@ void Reader::readSegments() {
         at<Elf64_Phdr>(header_.e_phoff + i * sizeof(Elf64_Phdr), "a program header");
     if (segment.p_type == PT_LOAD) segments_.push_back(segment);
     if (segment.p_type == PT_DYNAMIC) dynamic_ = segment;
+    if (segment.p_type == PT_NOTE) notes_.push_back(segment);
   }
   if (!dynamic_) throw MalformedElf("no dynamic section");
 }
@@ -122,12 +137,12 @@ void Reader::readDynamicSection() {
     const auto entry =
         at<Elf64_Dyn>(dynamic_->p_offset + i * sizeof(Elf64_Dyn), "the dynamic section");
     if (entry.d_tag == DT_NULL) return;
-    note(entry);
+    noteEntry(entry);
   }
   throw MalformedElf("the dynamic section has no end");
 }
 
-void Reader::note(const Elf64_Dyn& entry) {
+void Reader::noteEntry(const Elf64_Dyn& entry) {
   switch (entry.d_tag) {
     case DT_NEEDED:
       needed_names_.push_back(entry.d_un.d_val);
@@ -178,6 +193,41 @@ void Reader::readSymbols() {
       result_.exported.push_back({name(symbol.st_name), ELF64_ST_TYPE(symbol.st_info) == STT_FUNC});
     }
   }
+}
+
+//   0 owner's size (4)   4 content's size (4)   8 type (4)   12 owner, content; each padded
+void Reader::readNotes(const Elf64_Phdr& segment) {
+  const char* const what = "a note";
+  const std::uint64_t alignment = segment.p_align == 8 ? 8 : 4;
+  const auto padded = [&](std::uint64_t size) {
+    return (size + alignment - 1) / alignment * alignment;
+  };
+  static_cast<void>(bytes(segment.p_offset, segment.p_filesz, what));
+  const std::uint64_t end = segment.p_offset + segment.p_filesz;
+  for (std::uint64_t at_note = segment.p_offset; at_note < end;) {
+    const auto note = at<Elf64_Nhdr>(at_note, what);
+    const std::uint64_t owner = at_note + sizeof note;
+    const std::uint64_t content = owner + padded(note.n_namesz);
+    takeNote(bytes(owner, note.n_namesz, what), note.n_type, bytes(content, note.n_descsz, what));
+    at_note = content + padded(note.n_descsz);
+  }
+}
+
+void Reader::takeNote(std::string_view owner, std::uint32_t type, std::string_view content) {
+  const auto owned_by = [owner](const char* name) {
+    return owner.substr(0, owner.find('\0')) == name;
+  };
+  if (owned_by(ELF_NOTE_GNU) && type == NT_GNU_BUILD_ID) {
+    for (const char c : content) {
+      constexpr const char* DIGITS = "0123456789abcdef";
+      result_.build_id += {DIGITS[static_cast<unsigned char>(c) >> 4], DIGITS[c & 15]};
+    }
+  }
+  if (!owned_by(BUILD_NOTE_OWNER)) return;
+  const std::string_view text = content.substr(0, content.find('\0'));
+  const bool printable =
+      std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+  if (printable) result_.build_name = text;
 }
 
 // The file does not say it; the hash tables, which hold every symbol of a lookup, do.
@@ -234,6 +284,11 @@ std::string Reader::name(std::uint64_t offset) const {
 elf_file_t readElf(std::span<const std::byte> file) { return Reader(file).read(); }
 
 elf_file_t readElfFile(const std::string& path) {
+  const std::string content = contentOfFile(path);
+  return readElf(std::as_bytes(std::span(content)));
+}
+
+std::string contentOfFile(const std::string& path) {
   errno = 0;
   std::ifstream stream(path, std::ios::binary);
   std::ostringstream content;
@@ -241,7 +296,7 @@ elf_file_t readElfFile(const std::string& path) {
   if (!stream.is_open() || stream.bad()) {
     throw std::runtime_error(path + ": " + std::generic_category().message(errno));
   }
-  return readElf(std::as_bytes(std::span(content.view())));
+  return std::move(content).str();
 }
 
-} // namespace com::velanto::connectivity::tools::check
+} // namespace com::velanto::connectivity::tools
