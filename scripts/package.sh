@@ -1,7 +1,8 @@
 # shellcheck shell=bash
 # Making the packages. Sourced by ./dev, which runs in the project's root.
 #
-#   package            a .deb and a .tar.gz in build/package; prints their names
+#   package            a .deb and a .tar.gz in build/package, with their bill of materials and
+#                      hashes; prints the names
 #   package_into DIR   the same, into a folder, without building
 
 # commit_time: seconds since 1970 of the packaged sources: of the last commit, or of the newest file
@@ -25,6 +26,14 @@ package_into() {
     cpack --config build/release/CPackConfig.cmake -B "$1" 2>&1) ||
     fail "cpack failed:"$'\n'"$output"
   rm -rf "$1/_CPack_Packages"
+  (
+    umask 022
+    python3 packaging/bill_of_materials.py "$1" "$(commit_time)"
+    cd "$1" || return
+    LC_ALL=C
+    sha256sum -- * >SHA256SUMS.part
+    mv SHA256SUMS.part SHA256SUMS
+  )
 }
 
 # build_for_packages: all installed targets, and the host that tests the packages.

@@ -109,6 +109,25 @@ check_same_bytes() {
   diff --recursive build/package "$package_folder/again"
 }
 
+check_hashes() {
+  "${in_root[@]}" sha256sum --check --strict SHA256SUMS
+  expect_same 3 "$("${in_root[@]}" grep -c . SHA256SUMS)"
+}
+
+# Each file of the installed package is in the bill of materials with its hash.
+check_bill() {
+  local bill file count=0
+  bill=$(echo build/package/*.spdx.json)
+  while IFS= read -r file; do
+    [[ -f $package_root$file && ! -L $package_root$file ]] || continue
+    grep -A 20 "\"fileName\": \".$file\"" "$bill" |
+      grep "\"$(sha256sum "$package_root$file" | cut -d ' ' -f 1)\""
+    count=$((count + 1))
+  done < <("${in_root[@]}" dpkg --listfiles "$package_name")
+  ((count > 30))
+  grep "\"sourceInfo\": \"made from $package_name " "$bill"
+}
+
 check_two_commands() {
   python3 scripts/console_blocks.py docs/operating.md debian "${in_root[@]}"
 }
@@ -205,11 +224,13 @@ check_nothing_left() {
 
 package_checks=(
   "same_bytes     packaging a second time gives the same bytes, with any umask"
+  "hashes         SHA256SUMS holds the hashes of the packages and of their bill of materials"
   "two_commands   the .deb installs with its dependencies and converts, as docs/operating.md shows"
   "same_events    the installed ostrovia-replay makes the same of every sample as the build"
   "plugins        the installed codec and recorder pass ostrovia-check-plugin"
   "recording      a host records with the installed plug-ins, and the tool gives the recorded events"
   "files          the installed files are the package's"
+  "bill           the bill of materials has each installed file, with its hash"
   "man_pages      man finds and shows both pages"
   "completion     bash loads the completion and completes an option"
   "linker_path    the linker's path knows neither the stand-in nor a plug-in"
