@@ -7,7 +7,8 @@
 
 namespace standin {
 
-constinit thread_local thread_counters_t thread_counters;
+// Named again, since g++ forgets the model of the declaration.
+constinit thread_local thread_counters_t thread_counters [[gnu::tls_model("initial-exec")]];
 
 namespace {
 

@@ -44,19 +44,29 @@ constexpr uint64_t finish(uint64_t state) noexcept {
   return state ^ (state >> 32);
 }
 
-uint64_t readWord(const char* bytes, std::size_t count) noexcept {
-  uint64_t word = 0;
-  std::memcpy(&word, bytes, count);
+template <typename Word>
+uint64_t readWord(const char* bytes) noexcept {
+  Word word = 0;
+  std::memcpy(&word, bytes, sizeof word);
   return word;
+}
+
+// The last 1 to 7 bytes as a word. Loads that overlap take the place of a copy of unknown size.
+uint64_t readRest(const char* bytes, std::size_t count) noexcept {
+  if (count >= 4) {
+    return readWord<uint32_t>(bytes) | readWord<uint32_t>(bytes + count - 4) << (8 * (count - 4));
+  }
+  return readWord<uint8_t>(bytes) | readWord<uint8_t>(bytes + count / 2) << (8 * (count / 2)) |
+         readWord<uint8_t>(bytes + count - 1) << (8 * (count - 1));
 }
 
 uint64_t ownHash(const char* text, uint64_t seed) {
   std::size_t left = std::strlen(text);
   uint64_t state = seed ^ (left * LENGTH_FACTOR);
   for (; left >= sizeof(uint64_t); left -= sizeof(uint64_t), text += sizeof(uint64_t)) {
-    state = mixIn(state, readWord(text, sizeof(uint64_t)));
+    state = mixIn(state, readWord<uint64_t>(text));
   }
-  if (left > 0) state = mixIn(state, readWord(text, left));
+  if (left > 0) state = mixIn(state, readRest(text, left));
   return finish(state);
 }
 

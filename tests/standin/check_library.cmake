@@ -24,3 +24,10 @@ list(SORT exported)
 if(NOT exported STREQUAL hostFunctions)
   message(FATAL_ERROR "exported beside standin_*:\n${exported}\nexpected:\n${hostFunctions}")
 endif()
+
+# The counters of a thread are at a fixed place: no call looks for them.
+execute_process(COMMAND ${READELF} -rW ${LIBRARY} OUTPUT_VARIABLE relocations
+                        COMMAND_ERROR_IS_FATAL ANY)
+if(relocations MATCHES "R_X86_64_DTPMOD64")
+  message(FATAL_ERROR "a call looks up the storage of a thread:\n${relocations}")
+endif()
