@@ -56,19 +56,18 @@ class JsonReader::Parser {
   static data_t readNull(ondemand::value value);
   static data_t readTruth(ondemand::value value);
   [[nodiscard]] data_t readNumber(ondemand::value value) const;
-  data_t readString(ondemand::value value);
-  // `place` is the string's opening quote.
-  std::string_view unescaped(simdjson::simdjson_result<std::string_view> text,
-                             const char* place) const;
-  data_t readText(std::string_view text, const char* place);
+  data_t readText(ondemand::raw_json_string text);
+  // In text_, with a NUL at its end, until the next call.
+  std::string_view unescaped(ondemand::raw_json_string text);
   static int below(int depth);
 
   ondemand::parser parser_;
-  std::size_t before_ = 0;   // bytes in front of the line
-  std::string padded_;       // the current line, with the bytes after it that the parser may read
-  text_part_t remark_;       // of the message read last
-  bool is_recorded_ = false; // the current line is, so that it has the notation
-  std::string text_;         // a string on its way to the host, with its NUL
+  std::size_t before_ = 0;    // bytes in front of the line
+  std::string padded_;        // the current line, with the bytes after it that the parser may read
+  text_part_t remark_;        // of the message read last
+  bool is_recorded_ = false;  // the current line is, so that it has the notation
+  bool may_have_nul_ = false; // a string of the current line may
+  std::string text_; // as long as the longest line so far, and so room for any string of it
 };
 
 ondemand::document JsonReader::Parser::open(std::string_view before, std::string_view json,
@@ -78,6 +77,8 @@ ondemand::document JsonReader::Parser::open(std::string_view before, std::string
   if (json.starts_with("\xEF\xBB\xBF")) padded_.replace(before.size(), 3, 3, ' ');
   const std::size_t length = padded_.size();
   padded_.append(simdjson::SIMDJSON_PADDING, ' ');
+  if (text_.size() < padded_.size()) text_.resize(padded_.size());
+  may_have_nul_ = json.find("\\u0000") != std::string_view::npos; // no other escape is one
   before_ = before.size();
   ondemand::document document;
   const simdjson::error_code error =
@@ -137,7 +138,7 @@ Message JsonReader::Parser::readMessage(ondemand::document& document) {
   for (auto member : object) {
     ondemand::field field = require(std::move(member));
     const char* const place = field.key().raw() - 1;
-    const std::string_view name = unescaped(field.unescaped_key(), place);
+    const std::string_view name = unescaped(field.key());
     const auto is_new = [&](bool& is_present) {
       if (std::exchange(is_present, true)) refuseRepeated(name, place);
       return true;
@@ -235,7 +236,7 @@ data_t JsonReader::Parser::read(ondemand::value value, int depth) {
     case ondemand::json_type::number:
       return readNumber(value);
     case ondemand::json_type::string:
-      return readString(value);
+      return readText(require(value.get_raw_json_string()));
     case ondemand::json_type::array:
       return readList(require(value.get_array()), below(depth));
     case ondemand::json_type::object:
@@ -282,25 +283,20 @@ data_t JsonReader::Parser::readNumber(ondemand::value value) const {
   return data_t(real);
 }
 
-data_t JsonReader::Parser::readString(ondemand::value value) {
-  const char* const place = value.raw_json_token().data();
-  return readText(unescaped(value.get_string(), place), place);
+std::string_view JsonReader::Parser::unescaped(ondemand::raw_json_string text) {
+  auto* const begin = reinterpret_cast<std::uint8_t*>(text_.data());
+  std::uint8_t* end = begin;
+  const simdjson::error_code error = parser_.unescape(text, end).error();
+  if (error != simdjson::SUCCESS) throw MalformedJson(reasonOf(error), columnOf(text.raw() - 1));
+  *end = '\0';
+  return std::string_view(text_).substr(0, static_cast<std::size_t>(end - begin));
 }
 
-std::string_view JsonReader::Parser::unescaped(simdjson::simdjson_result<std::string_view> text,
-                                               const char* place) const {
-  std::string_view result;
-  const simdjson::error_code error = std::move(text).get(result);
-  if (error == simdjson::STRING_ERROR) throw MalformedJson(reasonOf(error), columnOf(place));
-  check(error);
-  return result;
-}
-
-data_t JsonReader::Parser::readText(std::string_view text, const char* place) {
-  if (text.find('\0') != std::string_view::npos) {
-    throw MalformedJson("string with an embedded NUL", columnOf(place));
+data_t JsonReader::Parser::readText(ondemand::raw_json_string text) {
+  const std::string_view bytes = unescaped(text);
+  if (may_have_nul_ && bytes.find('\0') != std::string_view::npos) {
+    throw MalformedJson("string with an embedded NUL", columnOf(text.raw() - 1));
   }
-  text_.assign(text);
   return data_t(text_.c_str());
 }
 
@@ -314,13 +310,12 @@ map_t JsonReader::Parser::readMap(ondemand::object object, int depth) {
   map_t map;
   for (auto member : object) {
     ondemand::field field = require(std::move(member));
-    const char* const place = field.key().raw() - 1;
-    data_t key = readText(unescaped(field.unescaped_key(), place), place);
+    data_t key = readText(field.key());
     data_t content = read(field.value(), depth);
     if (!map.insert(std::move(key), std::move(content)).second) {
       // A refused insertion leaves its arguments alone.
       // NOLINTNEXTLINE(bugprone-use-after-move)
-      refuseRepeated(text_or_empty(key.get<const char*>()), place);
+      refuseRepeated(text_or_empty(key.get<const char*>()), field.key().raw() - 1);
     }
   }
   return map;
