@@ -57,12 +57,13 @@ unsigned findSpecial(__m128i chunk) noexcept {
 
 bool JsonMemory::text(std::string_view text) noexcept {
   char* const begin = at_;
-  put('"');
   const char* from = text.data();
   const char* const end = from + text.size();
+  // Room for the rest without escapes, and the quotes.
+  if (!hasRoom(text.size() + 2)) return true;
+  *at_++ = '"';
   while (from != end) {
     const std::size_t size = std::min(CHUNK, static_cast<std::size_t>(end - from));
-    if (!hasRoom(size)) return true;
     const __m128i chunk = load(from, size);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(at_), chunk);
     const unsigned special = findSpecial(chunk) | 1U << size; // the end of the chunk, too
@@ -72,6 +73,7 @@ bool JsonMemory::text(std::string_view text) noexcept {
     if (plain == size) continue;
     if (static_cast<unsigned char>(*from) < 0x80) {
       escape(*from++);
+      if (!hasRoom(static_cast<std::size_t>(end - from) + 1)) return true;
       continue;
     }
     // Text that is not ASCII comes in runs.
@@ -81,11 +83,10 @@ bool JsonMemory::text(std::string_view text) noexcept {
         at_ = begin;
         return false;
       }
-      if (!hasRoom(length)) return true;
       for (const char* const next = from + length; from != next;) *at_++ = *from++;
     }
   }
-  put('"');
+  *at_++ = '"';
   return true;
 }
 

@@ -42,7 +42,7 @@ class ValueWriter {
   ~ValueWriter() { string_.resize(size()); }
 
   void write(const data_t& value) {
-    begin(value);
+    put([&] { begin(value); });
     finish();
   }
   void write(const Message& message);
@@ -56,20 +56,21 @@ class ValueWriter {
     string_.resize(size + std::max<std::size_t>(512, 2 * (string_.size() - begin_)));
     out_ = JsonMemory(&string_[size], string_.data() + string_.size());
   }
-  // Calls `write` until all that it writes to out_ fits.
+  // Calls `write` until all that it writes to out_ fits. It may open a container.
   template <class Write>
   void put(const Write& write) {
     const std::size_t before = size();
-    for (write(); out_.isFull(); write()) grow(before);
-  }
-  void put(char c) {
-    put([&] { out_.put(c); });
+    const auto open = static_cast<std::ptrdiff_t>(open_.size());
+    for (write(); out_.isFull(); write()) {
+      grow(before);
+      open_.erase(open_.begin() + open, open_.end());
+    }
   }
 
   void begin(const data_t& value);
   void begin(const map_t& map);
   void finish();
-  void writeEntry(const map_slot_t& slot);
+  void writeKey(const data_t& key);
   void writeText(std::string_view text);
   void writeDouble(double content);
 
@@ -80,14 +81,16 @@ class ValueWriter {
 };
 
 void ValueWriter::write(const Message& message) {
-  put([&] { out_.raw("{\"metadata\":"); });
-  begin(message.getMetadataMap());
+  put([&] {
+    out_.raw("{\"metadata\":");
+    begin(message.getMetadataMap());
+  });
   finish();
   if (!message.getPayload().empty()) {
     put([&] { out_.raw(",\"payload\":"); });
     write(message.getPayload());
   }
-  put('}');
+  put([&] { out_.put('}'); });
 }
 
 // Writes a scalar, opens a container.
@@ -95,19 +98,19 @@ void ValueWriter::begin(const data_t& value) {
   const vlt_underlying_content_t& content = value.underlying()->value;
   switch (value.type_tag()) {
     case VLT_TAG_EMPTY:
-      return put([&] { out_.raw("null"); });
+      return out_.raw("null");
     case VLT_TAG_BOOLEAN:
-      return put([&] { is_true(content.boolean) ? out_.raw("true") : out_.raw("false"); });
+      return is_true(content.boolean) ? out_.raw("true") : out_.raw("false");
     case VLT_TAG_DOUBLE:
       return writeDouble(content.real);
     case VLT_TAG_INTEGER:
-      return put([&] { out_.integer(content.integer); });
+      return out_.integer(content.integer);
     case VLT_TAG_STRING:
     case VLT_TAG_BORROWED_STRING:
       return writeText(text_or_empty(content.string));
     case VLT_TAG_LIST: {
       const std::span<const data_t> elements = elements_of(content.list);
-      put('[');
+      out_.put('[');
       open_.push_back({.is_map = false, .element = elements.data(), .left = elements.size()});
       return;
     }
@@ -120,7 +123,7 @@ void ValueWriter::begin(const data_t& value) {
 
 void ValueWriter::begin(const map_t& map) {
   const std::span<const map_slot_t> slots = slots_of(map.table());
-  put('{');
+  out_.put('{');
   open_.push_back({.is_map = true, .slot = slots.data(), .left = slots.size()});
 }
 
@@ -132,46 +135,44 @@ void ValueWriter::finish() {
       ++top.slot;
       --top.left;
     }
+    const bool is_first = out_.last() == (top.is_map ? '{' : '[');
     if (top.left == 0) {
-      put(top.is_map ? '}' : ']');
+      put([&] { out_.put(top.is_map ? '}' : ']'); });
       open_.pop_back();
       continue;
     }
     --top.left;
-    if (out_.last() != (top.is_map ? '{' : '[')) put(',');
-    top.is_map ? writeEntry(*top.slot++) : begin(*top.element++);
+    const map_slot_t* const slot = top.is_map ? top.slot++ : nullptr;
+    const data_t& value = slot != nullptr ? slot->value : *top.element++;
+    put([&] {
+      if (!is_first) out_.put(',');
+      if (slot != nullptr) writeKey(slot->key);
+      begin(value);
+    });
   }
 }
 
-void ValueWriter::writeEntry(const map_slot_t& slot) {
-  if (slot.key.is_string()) {
-    writeText(text_or_empty(slot.key.underlying()->value.string));
+void ValueWriter::writeKey(const data_t& key) {
+  if (key.is_string()) {
+    writeText(text_or_empty(key.underlying()->value.string));
   } else {
-    writeText(to_string(slot.key));
+    writeText(to_string(key));
   }
-  put(':');
-  begin(slot.value);
+  out_.put(':');
 }
 
 void ValueWriter::writeText(std::string_view text) {
-  bool is_utf8 = true;
-  put([&] { is_utf8 = out_.text(text); });
-  if (!is_utf8) writeText(asUtf8(text));
+  if (!out_.text(text)) static_cast<void>(out_.text(asUtf8(text)));
 }
 
 void ValueWriter::writeDouble(double content) {
-  bool is_short = true;
-  put([&] { is_short = out_.shortReal(content); });
-  if (is_short) return;
+  if (out_.shortReal(content)) return;
   std::array<char, 32> digits{}; // the longest shortest form has 24 characters
   const std::to_chars_result end = std::to_chars(digits.begin(), digits.end(), content);
   const std::string_view text(digits.begin(), static_cast<std::size_t>(end.ptr - digits.begin()));
   if (!std::isfinite(content)) return writeText(text);
-  const bool is_integer = text.find_first_of(".e") == std::string_view::npos;
-  put([&] {
-    out_.raw(text);
-    if (is_integer) out_.raw(".0");
-  });
+  out_.raw(text);
+  if (text.find_first_of(".e") == std::string_view::npos) out_.raw(".0");
 }
 
 } // namespace
