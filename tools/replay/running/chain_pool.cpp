@@ -125,7 +125,10 @@ std::exception_ptr ChainPool::runAlone(LineReader& reader, const pool_listener_t
   block_t block;
   while (!listener.finished()) {
     read(reader, block);
-    worker.process(std::span(block.records).first(block.count), listener.take);
+    worker.process(std::span(block.records).first(block.count), [&listener](record_t& record) {
+      listener.take(record);
+      record.outputs.clear(); // the next message gets their blocks, which the processor still has
+    });
     listener.report(worker.incidents());
     if (block.failure) return block.failure;
     if (block.count == 0 && !reader.hasMoreLater()) break;
