@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Times ostrovia-replay against jq on the mapping of alarms: the same file, in the same run, taking
 # turns. Makes the file from LINES alarms (default 200000). Prints the best of ROUNDS (default 3) of
-# each and the ratio; fails when ostrovia-replay is not at least twelve times as fast.
+# each and the ratio; fails when ostrovia-replay is not at least fourteen times as fast.
 #
 #   scripts/replay_speed.sh TOOL [LINES [ROUNDS]]
 set -euo pipefail
 
-readonly wanted_ratio=12
+readonly wanted_ratio=14
 tool=$1
 lines=${2:-200000}
 rounds=${3:-3}
