@@ -76,13 +76,20 @@ result_t Program::waitFor(pid_t child) {
           withoutElapsed(folder_.read("diagnostics")), usage.ru_maxrss};
 }
 
-std::string Program::shownOnTerminal(int& descriptor, const std::vector<std::string>& arguments) {
+int Program::startOnTerminal(int& descriptor, const std::vector<std::string>& arguments,
+                             pid_t& child) {
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
   EXPECT_EQ(grantpt(terminal), 0);
   EXPECT_EQ(unlockpt(terminal), 0);
   descriptor = ::open(ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
-  const pid_t child = start(VLT_REPLAY_PATH, arguments);
+  child = start(VLT_REPLAY_PATH, arguments);
   close(descriptor);
+  return terminal;
+}
+
+std::string Program::shownOnTerminal(int& descriptor, const std::vector<std::string>& arguments) {
+  pid_t child = 0;
+  const int terminal = startOnTerminal(descriptor, arguments, child);
   std::string shown;
   char piece[1000];
   for (ssize_t size = 0; (size = read(terminal, piece, sizeof piece)) > 0;) {

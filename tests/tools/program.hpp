@@ -29,8 +29,10 @@ class Program : public ::testing::Test {
   // Starts it without waiting for its end.
   pid_t start(const std::string& program, std::vector<std::string> arguments);
   result_t waitFor(pid_t child);
-  // Runs the tool with `descriptor`, one of the numbers below, on a terminal, and expects status 0;
-  // returns the output on the terminal.
+  // Starts the tool with `descriptor`, one of the numbers below, on a terminal. Returns the
+  // descriptor to read the output from, for the caller to close.
+  int startOnTerminal(int& descriptor, const std::vector<std::string>& arguments, pid_t& child);
+  // The same until its end with status 0; returns the output on the terminal.
   std::string shownOnTerminal(int& descriptor, const std::vector<std::string>& arguments);
 
   const TemporaryFolder folder_;

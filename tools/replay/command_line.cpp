@@ -7,6 +7,7 @@
 
 #include "tools/host/plugin_library.hpp"
 #include "tools/options/parser.hpp"
+#include "tools/replay/input/interruption.hpp"
 #include "tools/replay/replay.hpp"
 #include "tools/replay/running/configuration.hpp"
 #include "tools/replay/suite.hpp"
@@ -77,6 +78,18 @@ void explainTheWait(const std::vector<input_t>& inputs, std::ostream& diagnostic
               << std::flush;
 }
 
+// Returns when the input to follow has its first file, or the user has interrupted the wait.
+void awaitFirstFile(const ReplayOptions& options, std::ostream& diagnostics) {
+  if (!options.follow || options.paths.empty() || options.paths.back() == "-") return;
+  const std::string& path = options.paths.back();
+  for (bool is_said = options.quiet; !isInterrupted() && mayComeLater(path); is_said = true) {
+    if (!is_said) {
+      diagnostics << REPLAY_NAME << ": waits for the first file of " << path << '\n' << std::flush;
+    }
+    waitForFile();
+  }
+}
+
 } // namespace
 
 int runReplay(int count, const char* const* arguments, std::ostream& out, std::ostream& diagnostics,
@@ -91,6 +104,8 @@ int runReplay(int count, const char* const* arguments, std::ostream& out, std::o
     if (options.plugin_path.empty()) options.plugin_path = PluginLibrary::defaultPath();
     if (options.check_config) return checkConfiguration(options, out, diagnostics);
     if (options.suite) return runSuite(options, diagnostics);
+    awaitFirstFile(options, diagnostics);
+    if (isInterrupted()) return EXIT_INTERRUPTED;
     const std::vector<input_t> inputs = inputsFrom(options.paths);
     checkFiles(options, pathsOf(inputs, options), {});
     if (display.typed && !options.quiet) explainTheWait(inputs, diagnostics);

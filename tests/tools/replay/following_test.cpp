@@ -19,6 +19,53 @@ std::string eventOf(unsigned payload) {
   return "{\"metadata\":{},\"payload\":" + std::to_string(payload) + "}\n";
 }
 
+// The lines of a terminal that knows as much as the tool makes use of.
+class Screen {
+ public:
+  explicit Screen(int terminal) : terminal_(terminal) {}
+
+  // Reads on until the last line that is not empty begins with `begin`.
+  void await(const std::string& begin) {
+    while (!lines_[lines_.size() - (lines_.back().empty() ? 2 : 1)].starts_with(begin)) {
+      char piece[1000];
+      const ssize_t size = read(terminal_, piece, sizeof piece);
+      ASSERT_GT(size, 0) << "before " << begin;
+      pending_.append(piece, static_cast<std::size_t>(size));
+      take();
+    }
+  }
+  const std::string& line(std::size_t number) const { return lines_.at(number); }
+  std::size_t height() const { return lines_.size(); }
+
+ private:
+  // Shows whole controls and lines; each erased line is the last one.
+  void take() {
+    static const std::string ERASE = "\r\x1B[K";
+    static const std::string UP = "\x1B[A";
+    while (!pending_.empty()) {
+      if (pending_.starts_with(ERASE)) {
+        lines_.back().clear();
+        pending_.erase(0, ERASE.size());
+      } else if (pending_.starts_with(UP)) {
+        lines_.pop_back();
+        pending_.erase(0, UP.size());
+      } else if (pending_.starts_with("\r\n")) {
+        lines_.emplace_back();
+        pending_.erase(0, 2);
+      } else if (ERASE.starts_with(pending_) || UP.starts_with(pending_)) {
+        return; // the rest is on its way
+      } else {
+        lines_.back() += pending_[0];
+        pending_.erase(0, 1);
+      }
+    }
+  }
+
+  int terminal_;
+  std::string pending_;
+  std::vector<std::string> lines_{2}; // below an empty one
+};
+
 class FollowingTest : public Program {
  protected:
   void append(const std::string& name, const std::string& text) const {
@@ -27,11 +74,12 @@ class FollowingTest : public Program {
 
   void follow(const std::string& path) { child_ = start(VLT_REPLAY_PATH, {"--follow", path}); }
 
-  // Waits until the tool has written `out`.
-  void awaitOutput(const std::string& out) const {
-    for (int i = 0; i < 1000 && folder_.read("out") != out; ++i) usleep(10000);
-    EXPECT_EQ(folder_.read("out"), out);
+  // Waits until the tool has written `text`.
+  void awaitFile(const std::string& name, const std::string& text) const {
+    for (int i = 0; i < 1000 && folder_.read(name) != text; ++i) usleep(10000);
+    EXPECT_EQ(folder_.read(name), text);
   }
+  void awaitOutput(const std::string& out) const { awaitFile("out", out); }
 
   // Ends it as Ctrl-C does and returns its diagnostics.
   std::string interrupt() {
@@ -85,6 +133,34 @@ TEST_F(FollowingTest, RecordingGoesOnInItsNextFile) {
             "read 3, reached the host 3, dropped 0, malformed 0, T ms\n");
 }
 
+TEST_F(FollowingTest, RecordingMayBeginLater) {
+  for (const std::string path : {"rec", "rec/a"}) {
+    fs::create_directory(folder_.path("rec"));
+    follow(path);
+    awaitFile("diagnostics", "ostrovia-replay: waits for the first file of " + path + "\n");
+    append("rec/a.000001.ndjson", headLine({"a", 1}) + recordedLine({1, 1}, eventOf(1)));
+    awaitOutput(eventOf(1));
+    EXPECT_EQ(interrupt(),
+              "ostrovia-replay: waits for the first file of " + path +
+                  "\na: 1 messages, files 1, run 00000000000000a1\n  recorder a in chain site\n"
+                  "  no counts yet; no end\n"
+                  "read 1, reached the host 1, dropped 0, malformed 0, T ms, 0 blocks live\n");
+    fs::remove_all(folder_.path("rec"));
+  }
+}
+
+TEST_F(FollowingTest, WaitForTheFirstFileCanBeInterrupted) {
+  follow("rec");
+  awaitFile("diagnostics", "ostrovia-replay: waits for the first file of rec\n");
+  EXPECT_EQ(interrupt(), "ostrovia-replay: waits for the first file of rec\n");
+}
+
+TEST_F(FollowingTest, FolderThatDoesNotExistIsRefused) {
+  const result_t result = run({"--follow", "typo/rec"});
+  EXPECT_EQ(result.status, 7);
+  EXPECT_EQ(result.diagnostics, "ostrovia-replay: typo/rec: No such file or directory\n");
+}
+
 TEST_F(FollowingTest, FilesThatTheRingDeletedAreNamed) {
   fs::create_directory(folder_.path("rec"));
   append("rec/a.000001.ndjson", headLine({"a", 1}) + recordedLine({1, 1}, eventOf(1)));
@@ -98,6 +174,23 @@ TEST_F(FollowingTest, FilesThatTheRingDeletedAreNamed) {
             "  no counts yet; no end\n"
             "a: files 2-3 deleted before the tool read them\n"
             "read 2, reached the host 2, dropped 0, malformed 0, T ms\n");
+}
+
+TEST_F(FollowingTest, TerminalShowsOneSummaryThatGrows) {
+  append("log", eventOf(1));
+  const int terminal = startOnTerminal(error_descriptor_, {"--follow", "--summary", "log"}, child_);
+  Screen screen(terminal);
+  screen.await("1 messages, ");
+  EXPECT_EQ(screen.line(4), "all                        0           1           0");
+  append("log", eventOf(2));
+  screen.await("2 messages, ");
+  EXPECT_EQ(screen.line(4), "all                        0           2           0");
+  kill(child_, SIGINT);
+  screen.await("read 2, ");
+  EXPECT_EQ(waitFor(child_).status, 130);
+  EXPECT_EQ(screen.line(4), "all                        0           2           0");
+  EXPECT_EQ(screen.height(), 9U);
+  close(terminal);
 }
 
 TEST_F(FollowingTest, BatchesAreNotHeldBackUntilTheyAreFull) {

@@ -28,6 +28,13 @@ bool comesBefore(const recording_file_t& a, const recording_file_t& b) {
          std::make_tuple(std::string_view(b.name), b.number, b.path.size());
 }
 
+// Whether nothing is there, in a folder.
+bool mayBeName(const std::string& path) {
+  std::error_code ignored;
+  const std::string folder = folderOf(path);
+  return !fs::exists(path, ignored) && fs::is_directory(folder.empty() ? "." : folder, ignored);
+}
+
 } // namespace
 
 std::optional<recording_file_t> recordingFile(const std::string& path) {
@@ -70,13 +77,17 @@ std::vector<recording_file_t> recordingFilesIn(const std::string& folder, const 
   return files;
 }
 
+bool mayComeLater(const std::string& path) {
+  std::error_code ignored;
+  return fs::is_directory(path, ignored) ? recordingFilesIn(path).empty()
+                                         : mayBeName(path) && recordingAt(path).empty();
+}
+
 std::vector<recording_file_t> recordingAt(const std::string& path) {
   std::error_code ignored; // a path that cannot be looked at names no folder
   if (!fs::is_directory(path, ignored)) {
+    if (!mayBeName(path)) return {};
     const std::string folder = folderOf(path);
-    const bool may_be_name =
-        !fs::exists(path, ignored) && fs::is_directory(folder.empty() ? "." : folder, ignored);
-    if (!may_be_name) return {};
     return recordingFilesIn(folder, path.substr(folder.size()));
   }
   std::vector<recording_file_t> files = recordingFilesIn(path);

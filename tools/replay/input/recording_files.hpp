@@ -31,6 +31,10 @@ struct recording_file_t {
 // recording or several.
 [[nodiscard]] std::vector<recording_file_t> recordingAt(const std::string& path);
 
+// Whether `path` means a recording without a file so far: a folder without one, or nothing in a
+// folder that exists. Throws ReplayError with EXIT_IO.
+[[nodiscard]] bool mayComeLater(const std::string& path);
+
 } // namespace com::velanto::connectivity::tools
 
 #endif
