@@ -8,6 +8,7 @@
 #include <streambuf>
 #include <vector>
 
+#include "ndjson/visible_text.hpp"
 #include "tools/check/check_plugin.hpp"
 #include "tools/check/report.hpp"
 #include "tools/check/selection.hpp"
@@ -84,7 +85,7 @@ int runCheckPlugin(int count, const char* const* arguments, bool may_colour, std
     if (!out.flush()) throw std::runtime_error("cannot write to standard output");
     return status;
   } catch (const std::exception& error) {
-    diagnostics << PROGRAM_NAME << ": " << error.what() << '\n';
+    diagnostics << PROGRAM_NAME << ": " << visible(error.what()) << '\n';
     return STATUS_NOT_CHECKED;
   }
 }

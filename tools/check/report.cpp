@@ -7,7 +7,7 @@
 
 #include "identity/build_name.hpp"
 #include "ndjson/json_text.hpp"
-#include "ndjson/utf8.hpp"
+#include "ndjson/visible_text.hpp"
 
 namespace com::velanto::connectivity::tools::check {
 
@@ -39,16 +39,6 @@ style_t styleOf(const result_t& result) {
       return {"skip ", "\x1b[33m"};
   }
   return {"", ""};
-}
-
-// The output of a faulty library may be any bytes.
-std::string printable(std::string text) {
-  const bool is_text = findInvalidUtf8(text) == std::string::npos;
-  for (char& c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if ((byte < 0x20 && c != '\n') || byte == 0x7f || (byte >= 0x80 && !is_text)) c = '?';
-  }
-  return text;
 }
 
 bool startsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xc0) != 0x80; }
@@ -98,9 +88,9 @@ void writeValue(std::ostream& out, const char* label, const std::string& value) 
 
 // One line, unless that is too long or a value has lines of its own.
 void writeMismatch(std::ostream& out, const mismatch_t& mismatch) {
-  const std::string where = printable(mismatch.where);
-  const std::string expected = printable(mismatch.expected);
-  const std::string actual = printable(mismatch.actual);
+  const std::string where = visibleLines(mismatch.where);
+  const std::string expected = visibleLines(mismatch.expected);
+  const std::string actual = visibleLines(mismatch.actual);
   const std::string line = where + ": expected " + expected + ", came " + actual;
   if (line.find('\n') == std::string::npos && columnsOf(line) <= LINE_WIDTH - DETAIL_INDENT) {
     return writeDetail(out, line);
@@ -126,8 +116,8 @@ std::string clauseOf(const check_t& check) {
 
 std::string quoted(const std::string& text) {
   std::string json;
-  appendJsonText(json, printable(text));
-  return json;
+  appendJsonText(json, text);
+  return visible(json);
 }
 
 std::string jsonOf(const mismatch_t& mismatch) {
@@ -181,16 +171,16 @@ void TextReport::add(const result_t& result) {
   out_ << (coloured_ ? style.colour : "") << style.mark << (coloured_ ? "\x1b[0m" : "") << ' ';
   writeClaim(out_, MARK_WIDTH, *result.check, "");
   if (verdict.ending != Ending::OK && !skipped) writeDetail(out_, clauseOf(*result.check));
-  if (!verdict.reason.empty()) writeDetail(out_, printable(verdict.reason));
+  if (!verdict.reason.empty()) writeDetail(out_, visibleLines(verdict.reason));
   for (const mismatch_t& each : verdict.mismatches) writeMismatch(out_, each);
-  if (!verdict.printed.empty()) writeDetail(out_, "printed:\n" + printable(verdict.printed));
+  if (!verdict.printed.empty()) writeDetail(out_, "printed:\n" + visibleLines(verdict.printed));
   out_.flush();
 }
 
 void TextReport::close(const Counts& counts) {
   out_ << '\n';
   const file_identity_t& library = heading_.library;
-  writeWrapped(out_, 0, 0, printable(library.path) + ", seed " + std::to_string(heading_.seed));
+  writeWrapped(out_, 0, 0, visibleLines(library.path) + ", seed " + std::to_string(heading_.seed));
   const auto or_else = [](const std::string& text, const char* other) {
     return text.empty() ? other : text;
   };

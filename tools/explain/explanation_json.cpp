@@ -7,6 +7,7 @@
 // one, "suspects".
 #include "ndjson/json_line.hpp"
 #include "ndjson/json_text.hpp"
+#include "ndjson/visible_text.hpp"
 #include "tools/explain/explanation.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -91,7 +92,7 @@ std::string explanationJson(const record_t& record, const explanation_t& explana
   line.item("limited").raw(explanation.limited ? "true" : "false");
   line.item("stable").raw(explanation.stable ? "true" : "false");
   line.close('}');
-  return std::move(line).take();
+  return visibleLines(std::move(line).take());
 }
 
 } // namespace com::velanto::connectivity::tools

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "ndjson/visible_text.hpp"
 #include "tools/record/columns.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -22,7 +23,7 @@ std::string Page::coloured(std::string_view text, Colour colour) const {
 }
 
 void Page::heading(std::string_view text) {
-  out_ += coloured(text, Colour::BOLD) + "\n";
+  out_ += coloured(visible(text), Colour::BOLD) + "\n";
   label_.clear();
 }
 
@@ -32,7 +33,8 @@ void Page::entry(std::string_view label, Colour colour, const std::vector<std::s
   label_ = label;
   std::size_t columns_left = WIDTH;
   bool first = true;
-  for (const std::string& part : parts) {
+  for (const std::string& each : parts) {
+    const std::string part = visible(each);
     const std::size_t width = widthOf(part);
     if (!first && width + 1 > columns_left) {
       out_ += "\n" + std::string(CONTINUED, ' ');
@@ -47,7 +49,9 @@ void Page::entry(std::string_view label, Colour colour, const std::vector<std::s
   out_ += '\n';
 }
 
-void Page::text(std::string_view label, Colour colour, std::string_view text) {
+void Page::text(std::string_view label, Colour colour, std::string_view of) {
+  const std::string shown = visible(of);
+  std::string_view text = shown;
   std::vector<std::string> words;
   while (!text.empty()) {
     const std::size_t blank = text.find(' ');

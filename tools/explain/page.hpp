@@ -1,4 +1,5 @@
-// Lays out the explanation of a message in 79 columns, a label and its parts:
+// Lays out the explanation of a message in 79 columns, a label and its parts, with all control
+// characters of the parts made visible:
 //
 //     unchanged  id, self, text
 //     converted  time "2024-05-14T06:14:40.250+02:00"

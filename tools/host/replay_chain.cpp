@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "tools/host/standard_error_capture.hpp"
+
 namespace com::velanto::connectivity::tools {
 
 namespace {
@@ -43,6 +45,7 @@ call_result_t& ReplayChain::record(Direction direction, const Call& call) {
   const auto start = std::chrono::steady_clock::now();
   result_.failed = !call();
   result_.time = std::chrono::steady_clock::now() - start;
+  result_.printed = StandardErrorCapture::takeOfCall();
   result_.outputs.swap(received.messages);
   if (received.failure) std::rethrow_exception(std::exchange(received.failure, nullptr));
   return result_;

@@ -1,5 +1,5 @@
-// A plug-in in a chain of its own, seen from both ends: the messages for it, and the messages and
-// log lines of each call.
+// A plug-in in a chain of its own, seen from both ends: the messages for it, and the messages, log
+// lines and text on standard error of each call.
 #ifndef VLT_TOOLS_HOST_REPLAY_CHAIN_HPP
 #define VLT_TOOLS_HOST_REPLAY_CHAIN_HPP
 
@@ -20,6 +20,7 @@ struct call_result_t {
   bool failed = false; // the plug-in reported failure
   std::vector<Message> outputs;
   std::vector<log_line_t> log;
+  std::string printed; // on standard error, past the log, as far as it is caught
   std::chrono::nanoseconds time{}; // the call alone
 };
 

@@ -29,6 +29,7 @@ constexpr std::array ARGUMENTS = {
     argument_row_t{"TEXT", ""},
     argument_row_t{"FIELDS", ""},
     argument_row_t{"COUNT", ""},
+    argument_row_t{"MIB", ""},
     argument_row_t{"SECONDS", ""},
     argument_row_t{"N", ""},
 };

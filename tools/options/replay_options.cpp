@@ -79,6 +79,14 @@ option_group_t runOptions(ReplayOptions& options) {
         "log on standard error: 2 failures of the plug-in, 3 also dropped messages, 6 also "
         "every message; default: 3",
         &options.log_level},
+       {"--log-format", "plain|json",
+        "form of the log and of malformed lines on standard error; default: plain, FILE:LINE "
+        "before each",
+        &options.log_format},
+       {"--max-line", "MIB",
+        "longest line of input, in MiB, of compressed input when it is unpacked; a longer one is "
+        "malformed; default: 64",
+        &options.max_line},
        {"--strict", "", "exit with status 1 when a message was dropped", &options.strict}}};
 }
 

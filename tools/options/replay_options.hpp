@@ -33,6 +33,8 @@ struct ReplayOptions {
   bool as_recorded = false;                 // direction and batches of the recording
   bool follow = false;                      // wait for more input
   std::optional<vlt_log_level_t> log_level; // without it one of the two above
+  std::string log_format = "plain";         // or "json"
+  std::size_t max_line = 64;                // MiB of a line of input
   bool strict = false;                      // dropped messages are a failure
 
   std::optional<std::string> summary;    // "text" or "json"

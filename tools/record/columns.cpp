@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "ndjson/visible_text.hpp"
+
 namespace com::velanto::connectivity::tools {
 
 namespace {
@@ -10,6 +12,15 @@ constexpr const char* ELLIPSIS = "…";
 
 bool beginsCharacter(char byte) noexcept {
   return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+}
+
+// The last `width` columns of `text`, or all of it.
+std::string_view lastOf(std::string_view text, std::size_t width) noexcept {
+  std::size_t begin = text.size();
+  for (std::size_t columns = 0; begin > 0 && columns < width;) {
+    if (beginsCharacter(text[--begin])) ++columns;
+  }
+  return text.substr(begin);
 }
 
 } // namespace
@@ -27,27 +38,26 @@ std::size_t bytesOf(std::string_view text, std::size_t width) noexcept {
 }
 
 std::string padded(std::string_view text, std::size_t width) {
-  const std::size_t own = widthOf(text);
-  return std::string(text) + std::string(width - std::min(own, width), ' ');
+  std::string shown = visible(text);
+  return shown.append(width - std::min(widthOf(shown), width), ' ');
 }
 
 std::string leftPadded(std::string_view text, std::size_t width) {
-  const std::size_t own = widthOf(text);
-  return std::string(width - std::min(own, width), ' ').append(text);
+  const std::string shown = visible(text);
+  return std::string(width - std::min(widthOf(shown), width), ' ').append(shown);
 }
 
 std::string cutBehind(std::string_view text, std::size_t width) {
-  if (widthOf(text) <= width) return std::string(text);
-  return std::string(text.substr(0, bytesOf(text, width - 1))) + ELLIPSIS;
+  // No character becomes narrower, so the others cannot fit.
+  const std::string shown = visible(text.substr(0, bytesOf(text, width + 1)));
+  if (widthOf(shown) <= width) return shown;
+  return shown.substr(0, bytesOf(shown, width - 1)) + ELLIPSIS;
 }
 
 std::string cutBefore(std::string_view text, std::size_t width) {
-  if (widthOf(text) <= width) return std::string(text);
-  std::size_t begin = text.size();
-  for (std::size_t characters = 0; characters < width - 1;) {
-    if (beginsCharacter(text[--begin])) ++characters;
-  }
-  return std::string(ELLIPSIS).append(text.substr(begin));
+  const std::string shown = visible(lastOf(text, width + 1));
+  if (widthOf(shown) <= width) return shown;
+  return std::string(ELLIPSIS).append(lastOf(shown, width - 1));
 }
 
 } // namespace com::velanto::connectivity::tools

@@ -1,4 +1,5 @@
-// Strings in columns of a terminal. A column is a character of UTF-8; an ellipsis marks a cut.
+// Strings in columns of a terminal. A column is a character of UTF-8; an ellipsis marks a cut. Control
+// characters are made visible.
 #ifndef VLT_TOOLS_RECORD_COLUMNS_HPP
 #define VLT_TOOLS_RECORD_COLUMNS_HPP
 

@@ -10,6 +10,8 @@
 #include <system_error>
 #include <utility>
 
+#include "ndjson/visible_text.hpp"
+#include "tools/host/standard_error_capture.hpp"
 #include "tools/options/exit_status.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -51,13 +53,16 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
   const std::optional<int> descriptor = descriptorOf(path_);
   struct stat status {};
   if (descriptor) {
-    descriptor_ = fcntl(*descriptor, F_DUPFD_CLOEXEC, 0);
+    const bool is_error = *descriptor == STDERR_FILENO;
+    descriptor_ = fcntl(is_error ? StandardErrorCapture::realDescriptor() : *descriptor,
+                        F_DUPFD_CLOEXEC, 0);
   } else if (stat(path_.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
     descriptor_ = open(path_.c_str(), O_WRONLY | O_CLOEXEC); // refuses a folder
   } else {
     openTemporary();
   }
   if (descriptor_ < 0) refuse(path_, errno);
+  on_terminal_ = isatty(descriptor_) == 1;
 }
 
 // Leaves the descriptor at -1 and the reason in errno when there can be none.
@@ -102,6 +107,7 @@ void OutputFile::write(std::string_view text) {
 }
 
 void OutputFile::flush() {
+  if (on_terminal_) pending_ = visibleLines(pending_);
   std::string_view rest = pending_;
   while (!rest.empty() && !closed_) {
     const ssize_t written = ::write(descriptor_, rest.data(), rest.size());

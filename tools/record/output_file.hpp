@@ -4,7 +4,8 @@
 //   path                                   way
 //   -                                      through standard output
 //   /dev/stdout, /dev/stderr, /dev/fd/N    through the descriptor
-//   a device, a pipe, a socket             through, as the data comes
+//   a device, a pipe, a socket             through, as the data comes; on a terminal with escapes for
+//                                          its control characters
 //   a link                                 the file that it leads to is replaced, the link stays
 //   any other                              .NAME.N beside it, renamed by commit; the new file keeps
 //                                          the rights of the old one, and its owner where it may
@@ -51,6 +52,7 @@ class OutputFile {
   int descriptor_ = -1;
   std::string pending_;
   bool closed_ = false; // its reader has gone
+  bool on_terminal_ = false;
 };
 
 } // namespace com::velanto::connectivity::tools

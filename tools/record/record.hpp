@@ -53,6 +53,7 @@ struct record_t {
   std::vector<Message> outputs; // one message, or none unless the plug-in is faulty
   std::string events;           // the outputs as lines of JSON
   std::vector<log_line_t> log;  // log lines while the plug-in had the message
+  std::string printed;          // its text on standard error meanwhile, past the log
   std::string malformed;        // why the line is no message
   std::size_t column = 0;       // where, in bytes from 1; 0: not known
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "ndjson/visible_text.hpp"
 #include "tools/host/plugin_library.hpp"
 #include "tools/options/parser.hpp"
 #include "tools/replay/input/interruption.hpp"
@@ -90,10 +91,27 @@ void awaitFirstFile(const ReplayOptions& options, std::ostream& diagnostics) {
   }
 }
 
+// Replays, or does instead what the options ask for.
+int obey(const ReplayOptions& options, std::ostream& out, std::ostream& diagnostics,
+         Terminal* terminal, const display_t& display) {
+  if (options.check_config) return checkConfiguration(options, out, diagnostics);
+  if (options.suite) return runSuite(options, diagnostics);
+  awaitFirstFile(options, diagnostics);
+  if (isInterrupted()) return EXIT_INTERRUPTED;
+  const std::vector<input_t> inputs = inputsFrom(options.paths);
+  checkFiles(options, pathsOf(inputs, options), {});
+  if (display.typed && !options.quiet) explainTheWait(inputs, diagnostics);
+  return replay(options, inputs, out, diagnostics, terminal, display.out);
+}
+
 } // namespace
 
-int runReplay(int count, const char* const* arguments, std::ostream& out, std::ostream& diagnostics,
-              const display_t& display) noexcept {
+int runReplay(int count, const char* const* arguments, std::ostream& out,
+              std::ostream& standard_error, const display_t& display) noexcept {
+  // From above: the tool's own text, made visible, past the status lines.
+  Terminal terminal(*standard_error.rdbuf());
+  VisibleLines visible(terminal);
+  std::ostream diagnostics(&visible);
   try {
     ReplayOptions options;
     const bool goes_on =
@@ -102,19 +120,7 @@ int runReplay(int count, const char* const* arguments, std::ostream& out, std::o
     if (!goes_on) return EXIT_FINE;
     checkTogether(options);
     if (options.plugin_path.empty()) options.plugin_path = PluginLibrary::defaultPath();
-    if (options.check_config) return checkConfiguration(options, out, diagnostics);
-    if (options.suite) return runSuite(options, diagnostics);
-    awaitFirstFile(options, diagnostics);
-    if (isInterrupted()) return EXIT_INTERRUPTED;
-    const std::vector<input_t> inputs = inputsFrom(options.paths);
-    checkFiles(options, pathsOf(inputs, options), {});
-    if (display.typed && !options.quiet) explainTheWait(inputs, diagnostics);
-    if (!display.progress) {
-      return replay(options, inputs, out, diagnostics, nullptr, display.colour);
-    }
-    Terminal terminal(*diagnostics.rdbuf());
-    std::ostream above(&terminal);
-    return replay(options, inputs, out, above, &terminal, display.colour);
+    return obey(options, out, diagnostics, display.progress ? &terminal : nullptr, display);
   } catch (...) {
     return reportError(diagnostics);
   }

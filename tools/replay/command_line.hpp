@@ -4,13 +4,15 @@
 
 #include <ostream>
 
+#include "tools/replay/writing/terminal.hpp"
+
 namespace com::velanto::connectivity::tools {
 
 // The readers of the streams.
 struct display_t {
   bool progress = false; // `diagnostics` leads to a terminal that shows nothing else meanwhile
-  bool colour = false;   // `out` leads to one that may show colours
-  bool typed = false;    // standard input comes from one
+  Screen out = Screen::NONE;
+  bool typed = false; // standard input comes from one
 };
 
 // Does what main's `arguments` ask for and returns the exit status: replays, or writes help or

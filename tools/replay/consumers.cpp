@@ -5,14 +5,15 @@
 namespace com::velanto::connectivity::tools {
 
 Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics,
-                     bool colour)
+                     Screen screen)
     : options_(options),
       events_out_(events),
       diagnostics_out_(diagnostics),
-      colour_(colour),
-      events_(events),
-      diagnostics_(diagnostics, shownLogLevel(options)) {
-  all_ = {&figures_};
+      screen_(screen),
+      events_(events, screen != Screen::NONE),
+      diagnostics_(diagnostics, shownLogLevel(options),
+                   options.log_format == "json" ? LogFormat::JSON : LogFormat::PLAIN) {
+  all_ = {&figures_, &printed_};
   if (!options.explain) all_.push_back(&events_);
   // Malformed lines are part of a case, and its golden file has them.
   if (!options.suite) all_.push_back(&diagnostics_);
@@ -34,7 +35,7 @@ void Consumers::addPlugins(const PluginLibrary& library, const data_t& configura
     add(redaction_.emplace(options_, library, configuration, direction, diagnostics_out_));
   }
   if (options_.explain) {
-    const ExplanationForm text = colour_ ? ExplanationForm::COLOURED_TEXT : ExplanationForm::TEXT;
+    const ExplanationForm text = screen_ == Screen::COLOURED ? ExplanationForm::COLOURED_TEXT : ExplanationForm::TEXT;
     add(explainer_.emplace(library, configuration, direction,
                            *options_.explain == "json" ? ExplanationForm::JSON : text,
                            events_out_));
@@ -64,7 +65,7 @@ bool Consumers::hasNoUse() const noexcept {
 
 std::string Consumers::summaryOf(const run_figures_t& run) const {
   if (!summary_) return "";
-  if (*options_.summary == "json") return summaryJson(*summary_, run);
+  if (*options_.summary == "json") return summaryJson(*summary_, run, printed_);
   return (explainer_ ? explainer_->groups().text() : "") + summaryText(*summary_, run);
 }
 

@@ -19,15 +19,17 @@
 #include "tools/replay/writing/diagnostics.hpp"
 #include "tools/replay/writing/event_writer.hpp"
 #include "tools/replay/writing/golden.hpp"
+#include "tools/replay/writing/printed_lines.hpp"
+#include "tools/replay/writing/terminal.hpp"
 
 namespace com::velanto::connectivity::tools {
 
 class Consumers final : public Consumer {
  public:
-  // The options and streams must outlive it; explanations may be in colours. Throws ReplayError
-  // with EXIT_IO for a file that it cannot create.
+  // The options and streams must outlive it. Throws ReplayError with EXIT_IO for a file that it
+  // cannot create.
   Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics,
-            bool colour);
+            Screen screen);
 
   // Adds the consumers that have a plug-in of their own; `library` must outlive this. Throws
   // PluginError.
@@ -61,6 +63,7 @@ class Consumers final : public Consumer {
   // Standard output has no reader any more, and the run has no other result.
   [[nodiscard]] bool hasNoUse() const noexcept;
   [[nodiscard]] Figures& figures() noexcept { return figures_; }
+  [[nodiscard]] PrintedLines& printed() noexcept { return printed_; }
   // Time during which the run's plug-in was at rest, and blocks that another one kept for good.
   [[nodiscard]] std::chrono::nanoseconds pauses() const noexcept {
     return explainer_ ? explainer_->time() : std::chrono::nanoseconds{};
@@ -79,10 +82,11 @@ class Consumers final : public Consumer {
   const ReplayOptions& options_;
   std::ostream& events_out_;
   std::ostream& diagnostics_out_;
-  bool colour_;
+  Screen screen_;
   Figures figures_;
   EventWriter events_;
   Diagnostics diagnostics_;
+  PrintedLines printed_;
   std::optional<Summary> summary_;
   std::optional<DeadLetters> dead_letters_;
   std::optional<GoldenWriter> golden_;

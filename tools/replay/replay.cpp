@@ -10,6 +10,7 @@
 
 #include "tools/host/host_library.hpp"
 #include "tools/host/log_capture.hpp"
+#include "tools/host/standard_error_capture.hpp"
 #include "tools/record/files_in_use.hpp"
 #include "tools/replay/consumers.hpp"
 #include "tools/replay/input/interruption.hpp"
@@ -36,13 +37,13 @@ std::string blocksFault(std::int64_t blocks) {
 class Replay {
  public:
   Replay(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics,
-         Terminal* terminal, bool colour)
+         Terminal* terminal, Screen screen)
       : options_(options),
         terminal_(options.quiet ? nullptr : terminal),
         direction_(options.direction == "transport" ? Direction::TOWARDS_TRANSPORT
                                                     : Direction::TOWARDS_HOST),
         diagnostics_(diagnostics),
-        consumers_(options, events, diagnostics, colour),
+        consumers_(options, events, diagnostics, screen),
         figures_(consumers_.figures()) {}
 
   int run(const std::vector<input_t>& inputs);
@@ -50,6 +51,7 @@ class Replay {
  private:
   void setLevel();
   void drive(LineReader& reader);
+  void takePrinted();
   void checkCopy(const Recordings& recordings) const;
   void replayAll(LineReader& reader, ChainPool& pool);
   void noteCut(const std::exception_ptr& failure);
@@ -68,7 +70,9 @@ class Replay {
   std::ostream& diagnostics_;
   std::optional<Progress> progress_; // outlives the consumers, which point at it
   const LogCapture capture_;
-  std::optional<PluginLibrary> library_; // while the plug-in lives
+  // While a plug-in lives. A host library that keeps its log to itself writes it there.
+  std::optional<StandardErrorCapture> standard_error_;
+  std::optional<PluginLibrary> library_;
   Consumers consumers_;
   Figures& figures_;
   bool law_broken_ = false;
@@ -87,8 +91,20 @@ int Replay::run(const std::vector<input_t>& inputs) {
   if (!options_.as_recorded) reading.direction = direction_;
   reading.follow = options_.follow;
   LineReader reader(inputs, reading);
-  drive(reader);
+  if (capture_.works()) {
+    standard_error_.emplace(options_.threads == 1 ? StandardErrorCapture::Calls::IN_TURN
+                                                  : StandardErrorCapture::Calls::AT_ONCE);
+  }
+  try {
+    drive(reader);
+  } catch (...) {
+    takePrinted();
+    diagnostics_ << consumers_.printed().text(); // it may say why
+    throw;
+  }
   library_.reset();
+  takePrinted();
+  standard_error_.reset();
   std::optional<std::int64_t> blocks = liveBlocks();
   if (blocks) *blocks -= before.value_or(0) + consumers_.lostBlocks();
   judge(blocks, reader.recordings());
@@ -104,11 +120,18 @@ void Replay::setLevel() {
   }
 }
 
+// Takes what the plug-in has printed without a message.
+void Replay::takePrinted() {
+  if (standard_error_) consumers_.printed().add(standard_error_->take(), "");
+}
+
 // The plug-in's whole life. An error ends it without the rest of the input and without shutdown.
 void Replay::drive(LineReader& reader) {
   library_.emplace(options_.plugin_path);
+  takePrinted();
   const data_t configuration = configurationOf(options_);
   consumers_.addPlugins(*library_, configuration, direction_);
+  if (standard_error_) static_cast<void>(standard_error_->take()); // of other plug-ins
   std::vector<log_line_t> log;
   std::optional<ChainPool> pool;
   try {
@@ -122,6 +145,7 @@ void Replay::drive(LineReader& reader) {
     throw;
   }
   consumers_.takeLog(log);
+  takePrinted();
   const stopwatch_t::time_point start = stopwatch_t::now();
   try {
     replayAll(reader, *pool);
@@ -208,6 +232,7 @@ void Replay::reportIncidents(incidents_t& incidents) {
   for (const batch_time_t& batch : incidents.batches) {
     consumers_.takeBatch(batch.messages, batch.time);
   }
+  if (options_.threads > 1) takePrinted();
   // One that is broken once is often broken with every message.
   if (!incidents.broken_laws.empty() && !law_broken_) {
     report(incidents.broken_laws.front());
@@ -221,6 +246,7 @@ void Replay::reportIncidents(incidents_t& incidents) {
 void Replay::shutDown(ChainPool& pool) {
   for (const call_result_t& last : pool.shutdown()) {
     consumers_.takeLog(last.log);
+    consumers_.printed().add(last.printed, "");
     figures_.takeUnasked(last.outputs.size());
     if (!last.failed) continue;
     report("the plug-in failed in shutdown");
@@ -252,9 +278,13 @@ std::string Replay::reachedText() const {
 
 void Replay::writeFigures(std::optional<std::int64_t> blocks, const Recordings& recordings) {
   const std::optional<pairing_t> pairing = consumers_.pairing();
+  const bool in_json = options_.summary == "json";
+  if (!in_json && (!options_.quiet || options_.summary)) {
+    diagnostics_ << consumers_.printed().text();
+  }
   diagnostics_ << consumers_.summaryOf(
       {figures_.read(), figures_.out(), elapsed_, blocks, recordings, pairing, cut_.empty()});
-  if (options_.summary == "json") return; // it has all that the lines below say
+  if (in_json) return; // it has all that the lines below say
   if (!cut_.empty() && (!options_.quiet || options_.summary)) report("incomplete: " + cut_);
   if (!options_.quiet || options_.summary) diagnostics_ << recordingsText(recordings, pairing);
   if (options_.quiet) return;
@@ -309,9 +339,9 @@ int reportError(std::ostream& diagnostics) noexcept {
 }
 
 int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std::ostream& events,
-           std::ostream& diagnostics, Terminal* terminal, bool colour) noexcept {
+           std::ostream& diagnostics, Terminal* terminal, Screen screen) noexcept {
   try {
-    return Replay(options, events, diagnostics, terminal, colour).run(inputs);
+    return Replay(options, events, diagnostics, terminal, screen).run(inputs);
   } catch (...) {
     return reportError(diagnostics);
   }

@@ -22,10 +22,9 @@ namespace com::velanto::connectivity::tools {
 // Writes to `events` one line for each message that reaches the link in the chosen direction.
 // Writes to `diagnostics` problems, the plug-in's log lines and, at the end of a whole run, one
 // line with the figures. `terminal`, if there is one, is the target of `diagnostics` and shows the
-// progress. Returns one of EXIT_STATUSES. Does not throw. `colour`: explanations, which take the
-// place of the events, may be in colours.
+// progress; `screen` is that of `events`. Returns one of EXIT_STATUSES. Does not throw.
 int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std::ostream& events,
-           std::ostream& diagnostics, Terminal* terminal = nullptr, bool colour = false) noexcept;
+           std::ostream& diagnostics, Terminal* terminal = nullptr, Screen screen = Screen::NONE) noexcept;
 
 // Throws ReplayError with EXIT_USAGE when a file that the run writes has another use in it, such as
 // being read. The run has the files of the options, the standard streams, and those given here; "-"

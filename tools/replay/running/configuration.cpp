@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ndjson/visible_text.hpp"
 #include "tools/host/replay_chain.hpp"
 #include "tools/options/exit_status.hpp"
 #include "tools/options/guess.hpp"
@@ -111,7 +112,7 @@ int checkConfiguration(const ReplayOptions& options, std::ostream& out, std::ost
   }
   usable = canBeCreated(options, diagnostics) && usable;
   if (!usable) return EXIT_PLUGIN;
-  out << path << (warned ? ": usable, with a warning\n" : ": fine\n");
+  out << visible(path) << (warned ? ": usable, with a warning\n" : ": fine\n");
   if (!out.flush()) throw ReplayError(EXIT_IO, "cannot write to standard output");
   return EXIT_FINE;
 }

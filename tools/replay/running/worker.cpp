@@ -57,6 +57,7 @@ bool Worker::read(record_t& record, Message& message) {
   record.outputs.clear();
   record.events.clear();
   record.log.clear();
+  record.printed.clear();
   record.malformed.clear();
   record.kind = Kind::NONE;
   try {
@@ -83,7 +84,8 @@ void Worker::sendBatch(std::span<record_t> records) {
   if (batch_.empty()) return;
   call_result_t& result = send(batch_, wayOf(records.front()));
   if (result.failed) incidents_.failed.push_back(batch_.size());
-  const bool whole = !result.failed && result.log.empty() && result.outputs.size() == batch_.size();
+  const bool whole = !result.failed && result.log.empty() && result.printed.empty() &&
+                     result.outputs.size() == batch_.size();
   if (whole || batch_.size() == 1) {
     distribute(result, records);
   } else {
@@ -99,6 +101,7 @@ void Worker::distribute(call_result_t& result, std::span<record_t> records) {
     if (batch_.size() == 1) {
       std::swap(record.outputs, result.outputs);
       std::swap(record.log, result.log);
+      std::swap(record.printed, result.printed);
     } else {
       record.outputs.push_back(std::move(result.outputs[next]));
     }

@@ -1,8 +1,9 @@
 // Takes lines through one chain and completes their records. Which message an output or a log line
 // belongs to does not depend on the build of the plug-in:
 //
-//   batches of one    all results and log lines of a call belong to its message
-//   larger batches    when as many messages come out as went in and nothing is logged, they belong
+//   batches of one    all results, log lines and lines on standard error of a call belong to its
+//                     message
+//   larger batches    when as many messages come out as went in and nothing else does, they belong
 //                     to each other in order. Otherwise it reads each message of the batch again and
 //                     sends it alone. The result must be the same, since no message may depend on
 //                     its neighbours; a difference is a broken law

@@ -16,6 +16,7 @@
 #include "tools/record/record.hpp"
 #include "tools/replay/comparing/recorded_events.hpp"
 #include "tools/replay/summary/durations.hpp"
+#include "tools/replay/writing/printed_lines.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -81,7 +82,8 @@ struct run_figures_t {
 [[nodiscard]] std::string summaryText(const Summary& summary, const run_figures_t& run);
 
 // One line with an object.
-[[nodiscard]] std::string summaryJson(const Summary& summary, const run_figures_t& run);
+[[nodiscard]] std::string summaryJson(const Summary& summary, const run_figures_t& run,
+                                      const PrintedLines& printed);
 
 } // namespace com::velanto::connectivity::tools
 

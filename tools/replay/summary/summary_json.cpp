@@ -69,9 +69,23 @@ void writeBuilds(JsonLine& line, const builds_t& builds) {
   if (builds.against) writeBuild(line, "against", *builds.against);
 }
 
+void writePrinted(JsonLine& line, const PrintedLines& printed) {
+  line.item("printed").open('[');
+  for (const printed_line_t& each : printed.lines()) {
+    line.item(nullptr).open('{');
+    line.item("text").text(each.text);
+    line.item("count").number(each.count);
+    if (!each.first.empty()) line.item("first").text(each.first);
+    line.close('}');
+  }
+  line.close(']');
+  line.item("printed_otherwise").number(printed.others());
+}
+
 } // namespace
 
-std::string summaryJson(const Summary& summary, const run_figures_t& run) {
+std::string summaryJson(const Summary& summary, const run_figures_t& run,
+                        const PrintedLines& printed) {
   JsonLine line;
   line.open('{');
   line.item("version").number(1); // of the form; a change that breaks readers raises it
@@ -88,6 +102,7 @@ std::string summaryJson(const Summary& summary, const run_figures_t& run) {
   line.item("channels").open('{');
   for (const auto& [channel, count] : summary.channels()) line.item(channel.c_str()).number(count);
   line.close('}');
+  writePrinted(line, printed);
   writeTimes(line, summary, run);
   writeBuilds(line, summary.builds());
   writeRecordings(line, run.recordings, run.pairing);

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "ndjson/visible_text.hpp"
 #include "tools/record/output.hpp"
 #include "tools/record/record.hpp"
 
@@ -13,10 +14,14 @@ namespace com::velanto::connectivity::tools {
 
 class EventWriter final : public Consumer {
  public:
-  // `out` must outlive the writer.
-  explicit EventWriter(std::ostream& out) : out_(out, "cannot write the events") {}
+  // `out` must outlive the writer. On a terminal the lines have escapes for its control characters,
+  // and mean the same.
+  EventWriter(std::ostream& out, bool on_terminal)
+      : out_(out, "cannot write the events"), on_terminal_(on_terminal) {}
 
-  void take(const record_t& record) override { out_.write(record.events); }
+  void take(const record_t& record) override {
+    on_terminal_ ? out_.write(visibleLines(record.events)) : out_.write(record.events);
+  }
   void pause() override { out_.flush(); }
 
   // The reader of the events has closed the pipe, as `| head` does: nothing is left to do.
@@ -24,6 +29,7 @@ class EventWriter final : public Consumer {
 
  private:
   Output out_;
+  bool on_terminal_;
 };
 
 } // namespace com::velanto::connectivity::tools

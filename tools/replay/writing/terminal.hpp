@@ -9,6 +9,9 @@
 
 namespace com::velanto::connectivity::tools {
 
+// The kind of terminal that an output leads to: none, one to be spared colours, one with them.
+enum class Screen { NONE, PLAIN, COLOURED };
+
 class Terminal final : public std::streambuf {
  public:
   // `out` must outlive this.
