@@ -37,7 +37,9 @@ void Explainer::take(const record_t& record) {
   if (record.pass > 0) return;
   const auto start = std::chrono::steady_clock::now();
   const explanation_t explanation = explanationOf(record);
-  if (record.outcome != Outcome::MALFORMED) groups_.add(record, explanation);
+  if (record.outcome != Outcome::MALFORMED && explanation.stopped.empty()) {
+    groups_.add(record, explanation);
+  }
   // An empty line separates explanations.
   const bool first = std::exchange(first_, false);
   if (!first && form_ != ExplanationForm::JSON && record.outcome != Outcome::MALFORMED)
@@ -50,6 +52,10 @@ void Explainer::take(const record_t& record) {
 
 explanation_t Explainer::explanationOf(const record_t& record) {
   if (record.outcome == Outcome::MALFORMED) return {};
+  explanation_t stopped;
+  stopped.stopped = whyTooLarge(record.line);
+  stopped.limited = true;
+  if (!stopped.stopped.empty()) return stopped;
   const BlockCount count(lost_blocks_);
   const Silence silence;
   const Message message = reader_.parseMessage(record.line);

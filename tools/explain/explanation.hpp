@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tools/explain/fates.hpp"
@@ -21,7 +22,12 @@ struct explanation_t {
   std::size_t runs = 0;      // of the message with something changed
   std::vector<row_t> rows{}; // the fate of each field
   blame_t blame{};           // when nothing came out
+  std::string stopped{};     // why there is nothing else, for a message too large for any run
 };
+
+// Why a line has a message that is too large to run again; empty: it is not. Four traces of the
+// message then take up to 200 MB.
+[[nodiscard]] std::string whyTooLarge(std::string_view line);
 
 // `record` has the result of the message in the run, `probe` asks for it again.
 [[nodiscard]] explanation_t explain(const record_t& record, Probe& probe);

@@ -50,6 +50,7 @@ void writeFaults(JsonLine& line, const char* name, const std::vector<faulty_plac
     line.item("missing").raw(fault.missing ? "true" : "false");
     if (!fault.found.empty()) line.item("value").raw(fault.found);
     if (!fault.mended.empty()) line.item("mended").raw(fault.mended);
+    if (!fault.defect.empty()) line.item("defect").text(fault.defect);
     line.close('}');
   }
   line.close(']');
@@ -90,6 +91,7 @@ std::string explanationJson(const record_t& record, const explanation_t& explana
   writeLog(line, record);
   line.item("runs").number(explanation.runs);
   line.item("limited").raw(explanation.limited ? "true" : "false");
+  if (!explanation.stopped.empty()) line.item("stopped").text(explanation.stopped);
   line.item("stable").raw(explanation.stable ? "true" : "false");
   line.close('}');
   return visibleLines(std::move(line).take());

@@ -266,8 +266,11 @@ void tellDropped(const record_t& record, const blame_t& blame, Page& page) {
     if (line.level <= DROPPED_LEVEL) page.text("logged", Colour::NONE, line.text);
   }
   for (const faulty_place_t& fault : blame.faults) {
-    page.entry("at fault", Colour::RED,
-               {phraseOf(fault) + ";", cutBehind(fault.mended, PHRASE_WIDTH - 10) + " would do"});
+    parts_t parts = {phraseOf(fault)};
+    if (!fault.defect.empty()) parts.push_back(fault.defect);
+    parts.back() += ';';
+    parts.push_back(cutBehind(fault.mended, PHRASE_WIDTH - 10) + " would do");
+    page.entry("at fault", Colour::RED, parts);
   }
   for (const faulty_place_t& fault : blame.suspects) {
     page.entry("suspect", Colour::YELLOW, {phraseOf(fault)});
@@ -285,6 +288,10 @@ std::string explanationText(const record_t& record, const explanation_t& explana
     page.text("unknown", Colour::YELLOW, "when asked again, the plug-in gives something else");
   }
   if (record.outcome == Outcome::DROPPED) tellDropped(record, explanation.blame, page);
+  if (!explanation.stopped.empty()) {
+    page.text("unknown", Colour::YELLOW, explanation.stopped);
+    return std::move(page).take();
+  }
   const std::vector<row_t>& rows = explanation.rows;
   if (explanation.passed) {
     page.text("unchanged", Colour::DIM, "everything");

@@ -33,6 +33,11 @@ std::string plainText(const data_t& value) {
   return json;
 }
 
+struct mending_t {
+  change_t change;
+  std::string defect; // of the value that it replaces, if it names one
+};
+
 // A state of the message on the way to one that comes out: the changes so far, and the log lines
 // with them.
 class Stage {
@@ -59,19 +64,19 @@ class Stage {
 
  private:
   struct candidate_t {
-    change_t change;
+    mending_t mending;
     answer_t answer;
   };
 
   void findSuspects();
   void look(const node_t& leaf);
   bool isOnlyMentioned(const path_t& path);
-  [[nodiscard]] std::vector<change_t> mendings() const;
-  void addMissing(std::vector<change_t>& mendings) const;
+  [[nodiscard]] std::vector<mending_t> mendings() const;
+  void addMissing(std::vector<mending_t>& mendings) const;
   [[nodiscard]] std::optional<answer_t> askWith(const change_t& change);
   [[nodiscard]] bool saysSomethingElse(const change_t& change, const answer_t& answer) const;
   [[nodiscard]] faulty_place_t faultAt(const path_t& path) const;
-  [[nodiscard]] faulty_place_t faultOf(const change_t& change) const;
+  [[nodiscard]] faulty_place_t faultOf(const mending_t& mending) const;
 
   Probe& probe_;
   std::vector<change_t> changes_;
@@ -146,7 +151,7 @@ std::vector<faulty_place_t> Stage::suspects() const {
   std::vector<path_t> paths = named_;
   const auto add_candidates = [&](bool missing) {
     for (const candidate_t& candidate : candidates_) {
-      const path_t& path = candidate.change.path;
+      const path_t& path = candidate.mending.change.path;
       const bool is_missing = answer_.before.find(path) == nullptr;
       if (is_missing == missing && !contains(paths, path)) paths.push_back(path);
     }
@@ -160,26 +165,26 @@ std::vector<faulty_place_t> Stage::suspects() const {
   return suspects;
 }
 
-std::vector<change_t> Stage::mendings() const {
-  std::vector<change_t> mendings;
+std::vector<mending_t> Stage::mendings() const {
+  std::vector<mending_t> mendings;
   addMissing(mendings);
   for (const path_t& path : suspects_) {
-    for (data_t& value : mendedValues(*valueAt(message_, path))) {
-      mendings.push_back({path, std::move(value)});
+    for (mended_t& mended : mendedValues(*valueAt(message_, path))) {
+      mendings.push_back({{path, std::move(mended.value)}, std::move(mended.defect)});
     }
   }
   const std::vector<std::size_t> donors = differentLeaves(answer_.before);
   for (const path_t& path : suspects_) {
     for (const std::size_t donor : donors) {
       const path_t& from = answer_.before[donor].path;
-      if (from != path) mendings.push_back({path, *valueAt(message_, from)});
+      if (from != path) mendings.push_back({{path, *valueAt(message_, from)}, ""});
     }
   }
   return mendings;
 }
 
 // A quoted name into each map that does not have it.
-void Stage::addMissing(std::vector<change_t>& mendings) const {
+void Stage::addMissing(std::vector<mending_t>& mendings) const {
   const std::vector<std::size_t> donors = differentLeaves(answer_.before);
   std::size_t maps = 0;
   for (const node_t& node : answer_.before.nodes()) {
@@ -188,9 +193,9 @@ void Stage::addMissing(std::vector<change_t>& mendings) const {
       path_t path = node.path;
       path.push_back({name});
       if (answer_.before.find(path) != nullptr) continue;
-      for (data_t& value : anyValues()) mendings.push_back({path, std::move(value)});
+      for (data_t& value : anyValues()) mendings.push_back({{path, std::move(value)}, ""});
       for (const std::size_t donor : donors) {
-        mendings.push_back({path, *valueAt(message_, answer_.before[donor].path)});
+        mendings.push_back({{path, *valueAt(message_, answer_.before[donor].path)}, ""});
       }
     }
   }
@@ -210,34 +215,36 @@ faulty_place_t Stage::faultAt(const path_t& path) const {
   return {path, found == nullptr ? "" : found->json, found == nullptr};
 }
 
-faulty_place_t Stage::faultOf(const change_t& change) const {
-  faulty_place_t fault = faultAt(change.path);
-  writeJson(fault.mended, *change.value);
+faulty_place_t Stage::faultOf(const mending_t& mending) const {
+  faulty_place_t fault = faultAt(mending.change.path);
+  writeJson(fault.mended, *mending.change.value);
+  fault.defect = mending.defect;
   return fault;
 }
 
 bool Stage::solve(std::size_t faults_left, std::vector<faulty_place_t>& faults) {
   std::set<std::tuple<std::string, path_t, std::uint32_t>> tried; // reason, place, kind
   candidates_.clear();
-  for (const change_t& change : mendings()) {
+  for (const mending_t& mending : mendings()) {
+    const change_t& change = mending.change;
     std::optional<answer_t> answer = askWith(change);
     if (!answer) return false;
     if (answer->cameOut() && !answer->passed()) {
-      faults.insert(faults.begin(), faultOf(change));
+      faults.insert(faults.begin(), faultOf(mending));
       return true;
     }
     if (candidates_.size() == MOST_CANDIDATES || !saysSomethingElse(change, *answer)) continue;
     if (tried.emplace(answer->log, change.path, change.value->type_tag()).second) {
-      candidates_.push_back({change, std::move(*answer)});
+      candidates_.push_back({mending, std::move(*answer)});
     }
   }
   if (faults_left == 1) return false;
   for (const candidate_t& candidate : candidates_) {
     std::vector<change_t> changes = changes_;
-    changes.push_back(candidate.change);
+    changes.push_back(candidate.mending.change);
     Stage next(probe_, std::move(changes), candidate.answer);
     if (!next.solve(faults_left - 1, faults)) continue;
-    faults.insert(faults.begin(), faultOf(candidate.change));
+    faults.insert(faults.begin(), faultOf(candidate.mending));
     return true;
   }
   return false;

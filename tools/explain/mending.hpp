@@ -12,11 +12,16 @@
 
 namespace com::velanto::connectivity::tools {
 
-// The same in another kind: a number as a string, a string as a number, a string in capitals or
-// small letters or without blanks around it, an empty map.
-[[nodiscard]] std::vector<data_t> mendedValues(const data_t& value);
+struct mended_t {
+  data_t value;
+  std::string defect; // of the wrong value, if this value has all of it but that; otherwise empty
+};
 
-// Candidates for a missing name: a string, a number, an empty map.
+// The same in another kind: a number as a string, a string as a number, a string in capitals or
+// small letters or without blanks around it, a timestamp with all its parts, an empty map.
+[[nodiscard]] std::vector<mended_t> mendedValues(const data_t& value);
+
+// Candidates for a missing name: a string, a number, an empty map, a timestamp.
 [[nodiscard]] std::vector<data_t> anyValues();
 
 // Names in quotes in `text`, each once.

@@ -9,7 +9,7 @@ std::optional<answer_t> Probe::ask(std::span<const change_t> changes) {
   }
   ++runs_;
   answer_t answer = run(changes);
-  looked_at_ += answer.before.nodes().size() + 1;
+  looked_at_ += answer.before.effort() + 1;
   return answer;
 }
 

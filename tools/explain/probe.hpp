@@ -34,7 +34,8 @@ class Probe {
   static constexpr std::size_t MOST_VALUES = 1'000'000; // some seconds
 
   // `message` must outlive the probe. A bound limits the values that all runs together look at: a
-  // message of 1 000 values runs some 1 000 times at most, one of 20 000 values some 50 times.
+  // message of 1 000 values runs some 1 000 times at most, one of 20 000 values some 50 times. Deep
+  // and large values count as several.
   Probe(const Message& message, Plugin plugin, std::size_t most_values = MOST_VALUES)
       : message_(message), plugin_(std::move(plugin)), most_values_(most_values) {}
 

@@ -125,6 +125,18 @@ bool Trace::sameBelow(const path_t& path, const Trace& other) const {
               static_cast<std::size_t>(there - other.nodes_.data()), Compare::CONTENT);
 }
 
+std::size_t Trace::effort() const noexcept {
+  constexpr std::size_t STEPS = 64; // of a path, that take as long as a node,
+  constexpr std::size_t BYTES = 256; // and of a value
+  std::size_t steps = 0;
+  std::size_t bytes = 0;
+  for (const node_t& node : nodes_) {
+    steps += node.path.size();
+    bytes += node.json.size();
+  }
+  return nodes_.size() + steps / STEPS + bytes / BYTES;
+}
+
 bool Trace::sameContent(const Trace& other) const {
   return std::equal(nodes_.begin(), nodes_.end(), other.nodes_.begin(), other.nodes_.end(),
                     [](const node_t& one, const node_t& two) {

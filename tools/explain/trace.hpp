@@ -55,6 +55,9 @@ class Trace {
   // The same for all there is, paths included.
   [[nodiscard]] bool sameContent(const Trace& other) const;
 
+  // How much looking at it takes, in nodes with a short path and a small value.
+  [[nodiscard]] std::size_t effort() const noexcept;
+
  private:
   void add(path_t& path, const data_t& value);
   void addMap(path_t& path, const map_t& map);

@@ -41,6 +41,7 @@ struct record_t {
   std::uint64_t line_number = 0;     // in its file, from 1
   std::size_t pass = 0;              // earlier readings of the whole input
   std::string line;                  // byte for byte, without the line end
+  std::string refused;               // why the reader has left out its bytes; empty: it has not
 
   std::optional<recorded_t> recorded; // the recorder's remark, in a recorded line
   const std::string* run = nullptr;   // the recorder's process; null: not known

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <new>
 #include <string_view>
 
 #include "tools/host/host_library.hpp"
@@ -90,6 +91,7 @@ int Replay::run(const std::vector<input_t>& inputs) {
   reading.times = options_.repeat;
   if (!options_.as_recorded) reading.direction = direction_;
   reading.follow = options_.follow;
+  reading.max_line = options_.max_line << 20U;
   LineReader reader(inputs, reading);
   if (capture_.works()) {
     standard_error_.emplace(options_.threads == 1 ? StandardErrorCapture::Calls::IN_TURN
@@ -333,6 +335,9 @@ int reportError(std::ostream& diagnostics) noexcept {
     return report(error, error.status());
   } catch (const PluginError& error) {
     return report(error, EXIT_PLUGIN);
+  } catch (const std::bad_alloc&) {
+    diagnostics << REPLAY_NAME << ": memory has run out; --max-line bounds the lines of the input\n";
+    return EXIT_IO;
   } catch (const std::exception& error) {
     return report(error, EXIT_IO);
   }

@@ -17,6 +17,7 @@ void OtherBuild::take(const record_t& record) {
   same.file = record.file;
   same.line_number = record.line_number;
   same.line = record.line;
+  same.refused = record.refused;
   same.recorded = record.recorded;
   build_->worker.process({&same, 1}, [&](const record_t& other) {
     comparer_.compare({record.place(), goldenLineOf(record)},

@@ -1,5 +1,6 @@
 #include "tools/replay/input/line_reader.hpp"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -11,6 +12,8 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
+constexpr std::size_t LINE_PIECE = std::size_t{64} << 10; // bytes to read at once
+
 bool isBlank(std::string_view line) noexcept {
   return line.find_first_not_of(" \t\r") == std::string_view::npos;
 }
@@ -18,7 +21,7 @@ bool isBlank(std::string_view line) noexcept {
 } // namespace
 
 LineReader::LineReader(const std::vector<input_t>& inputs, const reading_t& reading)
-    : inputs_(inputs.begin(), inputs.end()), reading_(reading) {
+    : inputs_(inputs.begin(), inputs.end()), reading_(reading), piece_(LINE_PIECE) {
   if (reading.follow) return;
   for (const input_t& input : inputs) {
     if (input.size == 0) {
@@ -51,7 +54,15 @@ void LineReader::wait() noexcept { waitForFile(); }
 bool LineReader::nextOf(record_t& record) {
   while (nextLine(record.line)) {
     ++line_number_;
-    if (isBlank(record.line) || !isMessage(record)) continue;
+    record.refused.clear();
+    if (std::exchange(is_too_long_, false)) {
+      record.line = {};
+      record.recorded = {};
+      record.refused = "longer than " + std::to_string(reading_.max_line >> 20U) +
+                       " MiB; --max-line sets the bound";
+    } else if (isBlank(record.line) || !isMessage(record)) {
+      continue;
+    }
     record.number = ++number_;
     record.file = &input().name;
     record.line_number = line_number_;
@@ -86,13 +97,30 @@ bool LineReader::nextLine(std::string& line) {
   if (std::exchange(at_growing_end_, false)) stream_->clear();
   while (true) {
     line.clear(); // at the end of the stream, getline would leave the line before in it
-    if (std::getline(*stream_, line) && !stream_->eof()) {
+    if (appendLine(line)) {
       if (!unfinished_.empty()) line.insert(0, std::exchange(unfinished_, {}));
       return true;
     }
     unfinished_ += line;
     if (!findMore()) return !at_growing_end_ && takeRest(line);
     stream_->clear();
+  }
+}
+
+// Appends the bytes up to the next line end, as far as the line's bound allows. False: the input
+// ends before one.
+bool LineReader::appendLine(std::string& line) {
+  while (true) {
+    stream_->getline(piece_.data(), static_cast<std::streamsize>(piece_.size()));
+    const bool ended = stream_->good(); // at a line end, which counts but is not in the piece
+    const auto size = static_cast<std::size_t>(stream_->gcount()) - (ended ? 1 : 0);
+    const std::size_t room =
+        reading_.max_line - std::min(reading_.max_line, unfinished_.size() + line.size());
+    is_too_long_ = is_too_long_ || size > room;
+    line.append(piece_.data(), std::min(size, room));
+    if (ended) return true;
+    if (stream_->eof() || stream_->bad() || size == 0) return false;
+    stream_->clear(); // the line goes on after the piece
   }
 }
 
@@ -131,6 +159,7 @@ bool LineReader::open() {
   raw_ = raw->rdbuf();
   stream_ = decompressed(std::move(raw), input().name);
   line_number_ = 0;
+  is_too_long_ = false;
   in_recording_ = input().file.number != 0;
   recordings_.begin(input().file, input().name);
   return true;

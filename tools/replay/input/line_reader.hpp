@@ -23,6 +23,7 @@ struct reading_t {
   // Leaves out messages recorded in the other direction; nothing: none.
   std::optional<Direction> direction;
   bool follow = false; // waits at the end of the last input for more, and for its successor
+  std::size_t max_line = std::size_t{64} << 20; // bytes; a longer line is malformed
 };
 
 class LineReader {
@@ -30,7 +31,8 @@ class LineReader {
   // The reader must outlive every record that it fills.
   LineReader(const std::vector<input_t>& inputs, const reading_t& reading);
 
-  // Fills the origin of the next line that is not blank into `record`. False: there are no more, or
+  // Fills the origin of the next line that is not blank into `record`, and for a line that is too
+  // long, instead of its bytes, why it is malformed. False: there are no more, or
   // none yet, or the user has interrupted the wait for one. Throws ReplayError with EXIT_IO, and as
   // Recordings::take does.
   bool next(record_t& record);
@@ -55,6 +57,7 @@ class LineReader {
   bool nextOf(record_t& record);
   bool isMessage(record_t& record);
   bool nextLine(std::string& line);
+  bool appendLine(std::string& line);
   bool takeRest(std::string& line);
   bool findMore();
   bool open();
@@ -72,8 +75,10 @@ class LineReader {
   std::uint64_t line_number_ = 0;
   std::uint64_t number_ = 0;
   Recordings recordings_;
-  std::string remarks_;    // since the last record
-  std::string unfinished_; // the line at the end of a followed input, so far
+  std::vector<char> piece_;
+  bool is_too_long_ = false; // the current line: its bytes beyond the bound are left out
+  std::string remarks_;      // since the last record
+  std::string unfinished_;   // the line at the end of a followed input, so far
   bool in_recording_ = false;
   bool at_growing_end_ = false; // of the last, followed input
 };

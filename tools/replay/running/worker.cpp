@@ -58,12 +58,14 @@ bool Worker::read(record_t& record, Message& message) {
   record.events.clear();
   record.log.clear();
   record.printed.clear();
-  record.malformed.clear();
+  record.malformed = record.refused;
+  record.column = 0;
   record.kind = Kind::NONE;
+  record.outcome = Outcome::MALFORMED;
+  if (!record.refused.empty()) return false;
   try {
     message = reader_.parseMessage(record.line);
   } catch (const MalformedJson& e) {
-    record.outcome = Outcome::MALFORMED;
     record.malformed = e.what();
     record.column = e.column();
     return false;
