@@ -80,10 +80,10 @@ void addMendedTexts(std::vector<mended_t>& values, const std::string& text) {
       {trimmed, "has blanks around it"},
       {inLetters(trimmed, &std::toupper), "is not in capitals"},
       {inLetters(trimmed, &std::tolower), "is not in small letters"}};
+  addTimestamp(values, trimmed);
   for (const auto& [mended, defect] : candidates) {
     if (seen.insert(mended).second) values.push_back({data_t(mended.c_str()), defect});
   }
-  addTimestamp(values, trimmed);
 }
 
 } // namespace

@@ -107,7 +107,8 @@ TEST_F(ExplainProgramTest, DroppedMessagesHaveTheirLogLinesWithThem) {
             "  at fault   text is missing; \"x\" would do\n"
             "  lost       metadata.pulsarPath, id, source, time, type\n");
   EXPECT_EQ(result.diagnostics, "read 1, reached the host 0, dropped 1, malformed 0, T ms\n");
-  EXPECT_TRUE(run({"--explain", "--log-level", "3"}).diagnostics.starts_with(textlessLog("7")));
+  EXPECT_TRUE(run({"--explain", "--log-level", "3"})
+                  .diagnostics.starts_with("<stdin>:1: " + textlessLog("7")));
 }
 
 TEST_F(ExplainProgramTest, OtherPluginsAreExplainedJustTheSame) {
@@ -131,7 +132,7 @@ TEST_F(ExplainProgramTest, OtherPluginsAreExplainedJustTheSame) {
 TEST_F(ExplainProgramTest, OutputOfFurtherRunsIsHidden) {
   input_ = passingLine("{\"a\":1,\"b\":[]}");
   EXPECT_EQ(run({"--plugin", VLT_ODD_PLUGIN_PATH, "--tenant-id", "noise", "--explain"}).diagnostics,
-            std::string("noise\n") + FIGURES);
+            std::string("<stdin>:1: the plug-in wrote to standard error: noise\n") + FIGURES);
 }
 
 TEST_F(ExplainProgramTest, FiguresBelongToTheRunAlone) {

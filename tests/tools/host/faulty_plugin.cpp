@@ -6,9 +6,14 @@
 //   silence   drops each batch without a word
 //   greed     drops the last of several messages of a batch without a word
 //   late      makes up a message in shutdown
+//   talk      writes to standard error: at its creation, for each batch, and 2 MiB for a batch of two
+//   abort     writes to standard error and aborts
+//   exit      the same, but exits
 //
 // With any other tenant it passes all messages on. It takes the place of the real plug-in, so it
 // bears its name.
+#include <cstdio>
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 
@@ -26,10 +31,15 @@ class OstroviaNotifications2Codec final : public FailingOperations {
       const PluginConstructorParameters::CodecConstructorParameters& params)
       : FailingOperations(params), fault_(tenantOf(params)) {
     OstroviaNotifications2Codec::failIn("create");
+    if (fault_ == "talk") std::fputs("created\n", stderr);
   }
 
   void sendBatchTowardsHost(Message* start, Message* end) override {
     if (fault_ == "leak") static_cast<void>(vlt_allocate_map(1));
+    if (fault_ == "talk") talk(end - start);
+    if (fault_ == "abort" || fault_ == "exit") std::fputs("last \x1b words\n", stderr);
+    if (fault_ == "abort") std::abort();
+    if (fault_ == "exit") std::exit(3); // NOLINT(concurrency-mt-unsafe): one thread
     if (fault_ == "twice") FailingOperations::sendBatchTowardsHost(start, end);
     if (fault_ == "silence") end = start;
     if (fault_ == "greed" && end - start > 1) --end;
@@ -43,6 +53,10 @@ class OstroviaNotifications2Codec final : public FailingOperations {
   }
 
  private:
+  static void talk(std::ptrdiff_t messages) {
+    std::fputs("a batch\n", stderr);
+    if (messages > 1) std::fputs((std::string(2 << 20, 'x') + "\n").c_str(), stderr);
+  }
   void failIn(const char* operation) const override {
     if (fault_ == operation) throw std::runtime_error("boom");
   }

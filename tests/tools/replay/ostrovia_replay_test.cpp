@@ -40,10 +40,11 @@ TEST_F(OstroviaReplayTest, PluginsLogGoesToStandardError) {
   const result_t result = run({});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.diagnostics,
-            "<connectivity.OstroviaNotifications2Codec.replay> Error when transforming message "
-            "towards host ('id' = '1'): Required key 'source' missing from message payload\n"
-            "read 1, reached the host 0, dropped 1, malformed 0, T ms\n");
+  EXPECT_EQ(
+      result.diagnostics,
+      "<stdin>:1: <connectivity.OstroviaNotifications2Codec.replay> Error when transforming "
+      "message towards host ('id' = '1'): Required key 'source' missing from message payload\n"
+      "read 1, reached the host 0, dropped 1, malformed 0, T ms\n");
 }
 
 TEST_F(OstroviaReplayTest, FilesKeepOrderAndMalformedLinesAreNamed) {
@@ -221,7 +222,7 @@ TEST_F(OstroviaReplayTest, QuietRunsStillReportFailures) {
   input_ = textlessLine("1") + "x\n" + eventLine("2");
   EXPECT_EQ(run({"--quiet"}).diagnostics, "<stdin>:2:1: not well-formed JSON\n");
   EXPECT_EQ(run({"--quiet", "--log-level", "3"}).diagnostics,
-            textlessLog("1") + "\n<stdin>:2:1: not well-formed JSON\n");
+            "<stdin>:1: " + textlessLog("1") + "\n<stdin>:2:1: not well-formed JSON\n");
 }
 
 // Each in a shell, over recordings of the names that they use.

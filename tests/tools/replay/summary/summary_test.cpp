@@ -93,7 +93,7 @@ TEST_F(SummaryTest, ProgramsGetOneLineOfJson) {
           R"("other path":{"converted":0,"passed":0,"dropped":0},)"
           R"("no path":{"converted":0,"passed":1,"dropped":0}},)"
           R"("reasons":[{"reason":"missing-key","key":"text","count":1,"first":"<stdin>:2"}],)"
-          R"("channels":{"ostrovia.devices":1},"seconds":)",
+          R"("channels":{"ostrovia.devices":1},"printed":[],"printed_otherwise":0,"seconds":)",
           0),
       0u)
       << shown;

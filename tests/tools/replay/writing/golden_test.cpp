@@ -63,7 +63,7 @@ TEST_F(GoldenTest, SameRunIsAsExpected) {
   record(eventLine("1") + textlessLine("2"));
   const result_t result = run({"--expect", golden_});
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.diagnostics, textlessLog("2") + "\n" + READ_2);
+  EXPECT_EQ(result.diagnostics, "<stdin>:2: " + textlessLog("2") + "\n" + READ_2);
 }
 
 TEST_F(GoldenTest, DifferingFieldsAreShownMessageByMessage) {
@@ -200,7 +200,7 @@ TEST_F(GoldenTest, BothBuildsOfOnePluginDoTheSame) {
   input_ = eventLine("1") + textlessLine("2");
   const result_t result = run({"--against", "next.so"});
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.diagnostics, textlessLog("2") + "\n" + READ_2);
+  EXPECT_EQ(result.diagnostics, "<stdin>:2: " + textlessLog("2") + "\n" + READ_2);
 }
 
 TEST_F(GoldenTest, DifferencesOfAnotherBuildAreShown) {
