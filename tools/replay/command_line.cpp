@@ -7,11 +7,13 @@
 
 #include "ndjson/visible_text.hpp"
 #include "tools/host/plugin_library.hpp"
+#include "tools/host/standard_error_capture.hpp"
 #include "tools/options/parser.hpp"
 #include "tools/replay/input/interruption.hpp"
 #include "tools/replay/replay.hpp"
 #include "tools/replay/running/configuration.hpp"
 #include "tools/replay/suite.hpp"
+#include "tools/replay/writing/printed_lines.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -91,10 +93,20 @@ void awaitFirstFile(const ReplayOptions& options, std::ostream& diagnostics) {
   }
 }
 
+// With the lines that the plug-in itself writes to standard error after those of the check.
+int checkQuietly(const ReplayOptions& options, std::ostream& out, std::ostream& diagnostics) {
+  StandardErrorCapture capture(StandardErrorCapture::Calls::IN_TURN);
+  const int status = checkConfiguration(options, out, diagnostics);
+  PrintedLines printed;
+  printed.add(capture.take(), "");
+  diagnostics << printed.text();
+  return status;
+}
+
 // Replays, or does instead what the options ask for.
 int obey(const ReplayOptions& options, std::ostream& out, std::ostream& diagnostics,
          Terminal* terminal, const display_t& display) {
-  if (options.check_config) return checkConfiguration(options, out, diagnostics);
+  if (options.check_config) return checkQuietly(options, out, diagnostics);
   if (options.suite) return runSuite(options, diagnostics);
   awaitFirstFile(options, diagnostics);
   if (isInterrupted()) return EXIT_INTERRUPTED;

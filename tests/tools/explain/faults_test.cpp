@@ -88,7 +88,7 @@ TEST_F(FaultsTest, AWordIsProvenByItsLetters) {
 TEST_F(FaultsTest, ValueWithTheFormProvesIt) {
   EXPECT_EQ(faults(R"({"id":"7","made":"08:00Z","time":"08:00"})", checking([](map_t& payload) {
                      const std::string time = textOf(payload, "time");
-                     require(time.ends_with('Z'), "cannot read " + time);
+                     require(time.size() == 6 && time.ends_with('Z'), "cannot read " + time);
                    })),
             "time \"08:00\" → \"08:00Z\"\n");
 }

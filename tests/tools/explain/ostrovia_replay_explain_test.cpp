@@ -111,6 +111,51 @@ TEST_F(ExplainProgramTest, DroppedMessagesHaveTheirLogLinesWithThem) {
                   .diagnostics.starts_with("<stdin>:1: " + textlessLog("7")));
 }
 
+TEST_F(ExplainProgramTest, TheDefectItselfIsNamed) {
+  input_ = eventLine("1");
+  const std::string zoned = "1970-01-01T00:00:05Z";
+  input_.replace(input_.find(zoned), zoned.size(), "1970-01-01T00:00:05");
+  input_.insert(input_.find("\"type\""), R"("creationTime": "2001-02-03T04:05:06Z", )");
+  const std::string shown = run({"--explain"}).out;
+  EXPECT_NE(shown.find("  at fault   time \"1970-01-01T00:00:05\" has no zone;\n"
+                       "               \"1970-01-01T00:00:05Z\" would do\n"),
+            std::string::npos)
+      << shown;
+  EXPECT_NE(run({"--explain=json"}).out.find(
+                R"("mended":"1970-01-01T00:00:05Z","defect":"has no zone"})"),
+            std::string::npos);
+}
+
+TEST_F(ExplainProgramTest, TooLargeMessagesSaySo) {
+  input_ = passingLine("\"" + std::string(std::size_t{7} << 20, 'x') + "\"");
+  EXPECT_EQ(run({"--explain"}).out,
+            "<stdin>:1: no path, passed\n"
+            "  unknown    everything: explanations reach up to 6 MiB, this message has 7\n");
+  std::string many = "[1";
+  for (int i = 0; i < 100'000; ++i) many += ",1";
+  input_ = passingLine(many + "]");
+  const result_t result = run({"--explain", "--summary"});
+  EXPECT_EQ(result.out,
+            "<stdin>:1: no path, passed\n"
+            "  unknown    everything: the message has too many values, or is nested\n"
+            "               too deep, to run again\n");
+  EXPECT_EQ(result.diagnostics.find("alike"), std::string::npos);
+  EXPECT_NE(run({"--explain=json"}).out.find(R"("limited":true,"stopped":"everything: )"),
+            std::string::npos);
+}
+
+// 200 MB is what an explanation may take.
+TEST_F(ExplainProgramTest, DeepMessagesAreExplainedInBoundedMemory) {
+  std::string deep(1000, '[');
+  deep.append("1").append(1000, ']');
+  input_ = passingLine(deep);
+  const result_t result = run({"--explain"});
+  EXPECT_EQ(result.out, "<stdin>:1: no path, passed\n  unchanged  everything\n");
+#ifndef VLT_SANITIZED // AddressSanitizer keeps freed memory back
+  EXPECT_LT(result.memory, 200'000);
+#endif
+}
+
 TEST_F(ExplainProgramTest, OtherPluginsAreExplainedJustTheSame) {
   EXPECT_EQ(told("swap", passingLine(R"({"a":"x","b":"x","c":1})")),
             "<stdin>:1: no path, passed\n  unchanged  c\n  renamed    a → b\n             b → a\n");

@@ -54,6 +54,44 @@ class LongRunsTest : public Program {};
 
 } // namespace
 
+TEST_F(LongRunsTest, LinesBeyondTheBoundAreMalformed) {
+  const std::string mebibyte = passingLine("\"" + std::string((1 << 20) - 14, 'x') + "\"");
+  input_ = mebibyte + passingLine("\"" + std::string((1 << 20) - 13, 'x') + "\"") +
+           passingLine("2");
+  for (const char* const threads : {"1", "2"}) {
+    const result_t result = run({"--max-line", "1", "--threads", threads});
+    EXPECT_EQ(result.status, 3);
+    EXPECT_EQ(result.out.size(), 14 + mebibyte.size() + 28) << threads;
+    EXPECT_EQ(result.diagnostics,
+              "<stdin>:2: longer than 1 MiB; --max-line sets the bound\n"
+              "read 3, reached the host 2, dropped 0, malformed 1, T ms\n");
+  }
+  EXPECT_EQ(run({}).status, 0);
+}
+
+TEST_F(LongRunsTest, CompressedLinesWithoutEndTakeBoundedMemory) {
+  const result_t result = runShell(
+      "head -c 100000000 /dev/zero | tr '\\0' x | gzip -1 | ostrovia-replay --max-line 1 | cat");
+  EXPECT_EQ(result.diagnostics,
+            "<stdin>:1: longer than 1 MiB; --max-line sets the bound\n"
+            "read 1, reached the host 0, dropped 0, malformed 1, T ms\n");
+#ifndef VLT_SANITIZED // AddressSanitizer keeps freed memory back
+  EXPECT_LT(result.memory, 90'000);
+#endif
+}
+
+TEST_F(LongRunsTest, MemoryThatRunsOutIsCalledThat) {
+#ifdef VLT_SANITIZED
+  GTEST_SKIP() << "AddressSanitizer needs more than any bound";
+#endif
+  const result_t result = runShell(
+      "(printf '{\"payload\":\"'; head -c 50000000 /dev/zero | tr '\\0' x; printf '\"}\\n') |"
+      "(ulimit -v 150000; ostrovia-replay)");
+  EXPECT_EQ(result.status, 7);
+  EXPECT_EQ(result.diagnostics,
+            "ostrovia-replay: memory has run out; --max-line bounds the lines of the input\n");
+}
+
 TEST_F(LongRunsTest, CompressedInputIsKnownByItsFirstBytes) {
   for (const auto& compress : {&gzipped, &zstandard}) {
     input_ = compress(passingLine("1")) + compress(passingLine("2")); // two members in a row

@@ -1,7 +1,5 @@
 #include "tools/replay/writing/printed_lines.hpp"
 
-#include <filesystem>
-
 #include "tests/tools/program.hpp"
 #include "tools/options/exit_status.hpp"
 
@@ -25,7 +23,7 @@ class PrintedLinesTest : public Program {
 const std::string CREATED =
     "ostrovia-replay: the plug-in wrote to standard error: created\n";
 const char* const READ_3 =
-    "read 3, reached the host 3, dropped 0, malformed 0, T ms, 0 blocks live\n";
+    "read 3, reached the host 3, dropped 0, malformed 0, T ms\n";
 
 // An event whose source has the wrong kind, which the codec also tells standard error.
 std::string sourcelessLine() {
@@ -89,8 +87,7 @@ TEST_F(PrintedLinesTest, LastWordsOfAPluginAreShown) {
 }
 
 TEST_F(PrintedLinesTest, PlainHostLibrariesKeepStandardError) {
-  std::filesystem::copy(VLT_PLAIN_HOST_PATH, folder_.path("libtvclient.so.10.15"));
-  environment_ = {"LD_LIBRARY_PATH=" + folder_.path("")};
+  environment_ = {"LD_PRELOAD=" VLT_PLAIN_HOST_PATH, "ASAN_OPTIONS=verify_asan_link_order=0"};
   EXPECT_TRUE(runFaulty("talk").diagnostics.starts_with("created\na batch\na batch\na batch\n"));
 }
 
