@@ -83,7 +83,12 @@ TEST_F(Readme, SamplesAreReplayedAsTheirDocumentSays) {
             document.lines.end());
   const std::string shown = withoutTimes(runAtDoor(command));
   EXPECT_NE(shown.find("read 401, reached the host 395, dropped 6"), std::string::npos) << shown;
-  EXPECT_EQ(withoutTimes(runAtDoor("cd samples; ../dev replay site-day.ndjson")), shown);
+  std::string from_samples = shown;
+  const std::string folder = "samples/";
+  for (std::size_t at = 0; (at = from_samples.find(folder)) != std::string::npos;) {
+    from_samples.erase(at, folder.size());
+  }
+  EXPECT_EQ(withoutTimes(runAtDoor("cd samples; ../dev replay site-day.ndjson")), from_samples);
 }
 
 TEST_F(Readme, HelpOfTheToolListsNamedOptions) {

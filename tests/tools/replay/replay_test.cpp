@@ -96,7 +96,7 @@ TEST_F(ReplayTest, EventsKeepOrderAndDroppedOnesCount) {
             "{\"metadata\":{},\"payload\":1}\n"
             "{\"metadata\":{\"m\":null},\"payload\":{\"a\":3.0}}\n");
   EXPECT_EQ(diagnostics(),
-            sourcelessLog("2") + "read 3, reached the host 2, dropped 1, malformed 0, T ms\n");
+            "in:2: " + sourcelessLog("2") + "read 3, reached the host 2, dropped 1, malformed 0, T ms\n");
 }
 
 TEST_F(ReplayTest, NotificationIsDecoded) {
@@ -153,9 +153,9 @@ TEST_F(ReplayTest, BatchSizeChangesNothingButTheBatches) {
   EXPECT_EQ(replay(content), tools::EXIT_BAD_INPUT);
   const std::string one_by_one = events();
   const std::string log = diagnostics();
-  EXPECT_EQ(log, sourcelessLog("0") + sourcelessLog("3") + "in:6:1: not well-formed JSON\n" +
-                     sourcelessLog("6") + sourcelessLog("9") +
-                     "read 11, reached the host 6, dropped 4, malformed 1, T ms\n");
+  EXPECT_EQ(log, "in:1: " + sourcelessLog("0") + "in:4: " + sourcelessLog("3") +
+                     "in:6:1: not well-formed JSON\nin:8: " + sourcelessLog("6") +
+                     "in:11: " + sourcelessLog("9") + "read 11, reached the host 6, dropped 4, malformed 1, T ms\n");
   for (const std::size_t size : {2u, 3u, 5u, 10u, 256u, 1000u}) {
     options_.batch_size = size;
     EXPECT_EQ(replay(content), tools::EXIT_BAD_INPUT);
@@ -170,7 +170,9 @@ TEST_F(ReplayTest, BatchesAreAsLargeAsAskedFor) {
   options_.batch_size = 2;
   EXPECT_EQ(replayFaulty("sendBatchTowardsHost", content), tools::EXIT_PLUGIN);
   std::string expected;
-  for (int i = 0; i < 5; ++i) expected += faultLog("sendBatchTowardsHost");
+  for (int i = 1; i <= 5; ++i) {
+    expected += "in:" + std::to_string(i) + ": " + faultLog("sendBatchTowardsHost");
+  }
   EXPECT_EQ(diagnostics(), expected +
                                "ostrovia-replay: the plug-in failed on a batch, messages 2\n"
                                "ostrovia-replay: the plug-in failed on a batch, messages 2\n"
@@ -189,11 +191,11 @@ TEST_F(ReplayTest, TransportDirectionPassesMessagesUnchanged) {
 TEST_F(ReplayTest, LogIsShownUpToItsLevel) {
   const std::string figures = "read 1, reached the host 0, dropped 1, malformed 0, T ms\n";
   EXPECT_EQ(replay(bad("1")), 0);
-  EXPECT_EQ(diagnostics(), sourcelessLog("1") + figures);
+  EXPECT_EQ(diagnostics(), "in:1: " + sourcelessLog("1") + figures);
   options_.log_level = 6;
   EXPECT_EQ(replay(bad("1")), 0);
-  EXPECT_EQ(diagnostics().rfind(LABEL + "Processing message: ", 0), 0u);
-  EXPECT_NE(diagnostics().find("\n" + sourcelessLog("1") + figures), std::string::npos);
+  EXPECT_EQ(diagnostics().rfind("in:1: " + LABEL + "Processing message: ", 0), 0u);
+  EXPECT_NE(diagnostics().find("\nin:1: " + sourcelessLog("1") + figures), std::string::npos);
   options_.log_level = 2;
   EXPECT_EQ(replay(bad("1")), 0);
   EXPECT_EQ(diagnostics(), figures);
