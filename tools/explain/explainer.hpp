@@ -1,17 +1,13 @@
-// Writes the fates of the fields of each message. It asks another instance of the plug-in in
-// another chain, so the run neither shows nor counts its messages. It explains a line only at its
-// first reading.
+// Writes the fates of the fields of each message. It explains a line only at its first reading.
 #ifndef VLT_TOOLS_EXPLAIN_EXPLAINER_HPP
 #define VLT_TOOLS_EXPLAIN_EXPLAINER_HPP
 
 #include <chrono>
 #include <cstdint>
-#include <optional>
 #include <ostream>
-#include <vector>
 
 #include "tools/explain/explanation_groups.hpp"
-#include "tools/host/replay_chain.hpp"
+#include "tools/explain/inquiry.hpp"
 #include "tools/record/output.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -36,19 +32,15 @@ class Explainer final : public Consumer {
   // Time that explaining has taken.
   [[nodiscard]] std::chrono::nanoseconds time() const noexcept { return time_; }
   // Blocks of the host that its plug-in has kept for good, once it has ended.
-  [[nodiscard]] std::int64_t lostBlocks() const noexcept { return lost_blocks_; }
+  [[nodiscard]] std::int64_t lostBlocks() const noexcept { return inquiry_.lostBlocks(); }
 
  private:
-  [[nodiscard]] explanation_t explanationOf(const record_t& record);
-
   ExplanationForm form_;
   Output out_;
-  JsonReader reader_;
+  Inquiry inquiry_;
   bool first_ = true;
   ExplanationGroups groups_;
   std::chrono::nanoseconds time_{};
-  std::int64_t lost_blocks_ = 0;
-  std::optional<ReplayChain> chain_;
 };
 
 } // namespace com::velanto::connectivity::tools

@@ -98,6 +98,10 @@ option_group_t outputOptions(ReplayOptions& options) {
             &options.summary},
            {"--explain", "[=text|json]",
             "instead of the events: the fate of every field, message by message", &options.explain},
+           {"--report", "FILE",
+            "write a page about the run to FILE, for a browser: what came in, why messages were "
+            "dropped, what changed",
+            &options.report},
            {"--dropped", "FILE",
             "write the messages that did not reach the host to FILE, as lines to correct and read "
             "again",

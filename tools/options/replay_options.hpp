@@ -39,6 +39,7 @@ struct ReplayOptions {
 
   std::optional<std::string> summary;    // "text" or "json"
   std::optional<std::string> explain;    // the same
+  std::optional<std::string> report;     // path of the page
   std::optional<std::string> dropped;    // path of the file of dead letters
   std::vector<std::string> redact;       // lists of fields,
   std::optional<std::string> redacted;   // path of the copy with stand-ins for them,

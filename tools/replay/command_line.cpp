@@ -40,10 +40,10 @@ void checkTogether(const ReplayOptions& options) {
   }
   if (options.suite && (!options.paths.empty() || options.expect || options.record ||
                         options.dropped || options.redacted || options.summary || options.explain ||
-                        options.expect_events || options.follow)) {
+                        options.report || options.expect_events || options.follow)) {
     throw ReplayError(EXIT_USAGE,
                       "--suite takes no FILES, --expect, --expect-events, --record, --dropped, "
-                      "--redacted, --summary, --explain or --follow");
+                      "--redacted, --report, --summary, --explain or --follow");
   }
   if (options.follow && (options.repeat > 1 || options.threads > 1)) {
     throw ReplayError(EXIT_USAGE, "--follow takes no --repeat or --threads");

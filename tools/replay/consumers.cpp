@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "tools/replay/summary/recordings.hpp"
+
 namespace com::velanto::connectivity::tools {
 
 Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::ostream& diagnostics,
@@ -24,6 +26,7 @@ Consumers::Consumers(const ReplayOptions& options, std::ostream& events, std::os
   if (options.expect_events) {
     add(recorded_events_.emplace(*options.expect_events, diagnostics));
   }
+  if (options.report) add(report_.emplace(options));
 }
 
 void Consumers::addPlugins(const PluginLibrary& library, const data_t& configuration,
@@ -45,6 +48,44 @@ void Consumers::addPlugins(const PluginLibrary& library, const data_t& configura
         {identityOf(options_.plugin_path),
          options_.against ? std::optional(identityOf(*options_.against)) : std::nullopt});
   }
+  if (report_) addToReport(library, configuration, direction);
+}
+
+void Consumers::addToReport(const PluginLibrary& library, const data_t& configuration,
+                            Direction direction) {
+  report_->explainWith(library, configuration, direction);
+  report_->nameBuild("Plug-in", options_.plugin_path, library);
+  if (expectation_) {
+    showDifferences(expectation_->comparer(),
+                    report_->compare("changes-expect", *options_.expect, "Golden run", "This run"));
+  }
+  if (recorded_events_) {
+    showDifferences(
+        recorded_events_->comparer(),
+        report_->compare("changes-events", *options_.expect_events, "Recorded", "This run"));
+  }
+  if (other_build_) {
+    report_->nameBuild("Other build", *options_.against, other_build_->library());
+    showDifferences(other_build_->comparer(), report_->compare("changes-against", *options_.against,
+                                                               "This build", "Other build"));
+  }
+}
+
+void Consumers::showDifferences(Comparer& comparer, report::Changes& changes) {
+  comparer.listen([&changes](const side_t& before, const side_t& after,
+                             const std::vector<difference_t>& differences) {
+    changes.add(before.line ? before.place : "", after.line ? after.place : "", differences);
+  });
+  compared_.emplace_back(&comparer, &changes);
+}
+
+void Consumers::writeReport(const run_figures_t& run, exit_status_t status) {
+  if (!report_) return;
+  for (const auto& [comparer, changes] : compared_) {
+    changes->close(comparer->compared(), comparer->different());
+  }
+  report_->write(
+      {run.read, run.out, run.blocks, status, recordingsText(run.recordings, run.pairing)});
 }
 
 exit_status_t Consumers::finish() {
@@ -60,7 +101,7 @@ bool Consumers::hasNoUse() const noexcept {
   const bool closed = explainer_ ? explainer_->closed() : events_.closed();
   return closed && !options_.strict && !options_.summary && !options_.dropped &&
          !options_.redacted && !options_.record && !options_.expect && !options_.expect_events &&
-         !options_.against;
+         !options_.against && !options_.report;
 }
 
 std::string Consumers::summaryOf(const run_figures_t& run) const {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tools/explain/explainer.hpp"
@@ -21,6 +22,7 @@
 #include "tools/replay/writing/golden.hpp"
 #include "tools/replay/writing/printed_lines.hpp"
 #include "tools/replay/writing/terminal.hpp"
+#include "tools/report/report.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -69,7 +71,7 @@ class Consumers final : public Consumer {
     return explainer_ ? explainer_->time() : std::chrono::nanoseconds{};
   }
   [[nodiscard]] std::int64_t lostBlocks() const noexcept {
-    return explainer_ ? explainer_->lostBlocks() : 0;
+    return (explainer_ ? explainer_->lostBlocks() : 0) + (report_ ? report_->lostBlocks() : 0);
   }
   // How the comparison with recorded events came out, if the options ask for one.
   [[nodiscard]] std::optional<pairing_t> pairing() const {
@@ -77,8 +79,13 @@ class Consumers final : public Consumer {
   }
   // The summary, if the options ask for one.
   [[nodiscard]] std::string summaryOf(const run_figures_t& run) const;
+  // Writes the page, if the options ask for one. Throws ReplayError with EXIT_IO.
+  void writeReport(const run_figures_t& run, exit_status_t status);
 
  private:
+  void addToReport(const PluginLibrary& library, const data_t& configuration, Direction direction);
+  void showDifferences(Comparer& comparer, report::Changes& changes);
+
   const ReplayOptions& options_;
   std::ostream& events_out_;
   std::ostream& diagnostics_out_;
@@ -95,6 +102,8 @@ class Consumers final : public Consumer {
   std::optional<OtherBuild> other_build_;
   std::optional<Explainer> explainer_;
   std::optional<Redaction> redaction_;
+  std::optional<report::Report> report_;
+  std::vector<std::pair<const Comparer*, report::Changes*>> compared_; // for the report
   std::vector<Consumer*> all_;
 };
 

@@ -62,7 +62,7 @@ class Replay {
   void report(const std::string& text) { diagnostics_ << REPLAY_NAME << ": " + text + "\n"; }
   void worsen(exit_status_t status) { status_ = std::max(status_, status); }
   void judge(std::optional<std::int64_t> blocks, const Recordings& recordings);
-  void writeFigures(std::optional<std::int64_t> blocks, const Recordings& recordings);
+  void writeFigures(const run_figures_t& run);
   [[nodiscard]] std::string reachedText() const;
 
   const ReplayOptions& options_;
@@ -110,7 +110,10 @@ int Replay::run(const std::vector<input_t>& inputs) {
   std::optional<std::int64_t> blocks = liveBlocks();
   if (blocks) *blocks -= before.value_or(0) + consumers_.lostBlocks();
   judge(blocks, reader.recordings());
-  writeFigures(blocks, reader.recordings());
+  const run_figures_t run = {figures_.read(),     figures_.out(),       elapsed_,    blocks,
+                             reader.recordings(), consumers_.pairing(), cut_.empty()};
+  writeFigures(run);
+  if (run.complete) consumers_.writeReport(run, status_);
   return status_;
 }
 
@@ -278,17 +281,17 @@ std::string Replay::reachedText() const {
          std::to_string(figures_.out());
 }
 
-void Replay::writeFigures(std::optional<std::int64_t> blocks, const Recordings& recordings) {
-  const std::optional<pairing_t> pairing = consumers_.pairing();
+void Replay::writeFigures(const run_figures_t& run) {
   const bool in_json = options_.summary == "json";
   if (!in_json && (!options_.quiet || options_.summary)) {
     diagnostics_ << consumers_.printed().text();
   }
-  diagnostics_ << consumers_.summaryOf(
-      {figures_.read(), figures_.out(), elapsed_, blocks, recordings, pairing, cut_.empty()});
+  diagnostics_ << consumers_.summaryOf(run);
   if (in_json) return; // it has all that the lines below say
   if (!cut_.empty() && (!options_.quiet || options_.summary)) report("incomplete: " + cut_);
-  if (!options_.quiet || options_.summary) diagnostics_ << recordingsText(recordings, pairing);
+  if (!options_.quiet || options_.summary) {
+    diagnostics_ << recordingsText(run.recordings, run.pairing);
+  }
   if (options_.quiet) return;
   std::array<char, 400> digits{}; // room for any double
   const std::to_chars_result end = std::to_chars(
@@ -297,10 +300,10 @@ void Replay::writeFigures(std::optional<std::int64_t> blocks, const Recordings& 
                << figures_.count(Outcome::DROPPED) << ", malformed "
                << figures_.count(Outcome::MALFORMED) << ", "
                << std::string_view(digits.begin(), end.ptr) << " ms";
-  if (!blocks) {
+  if (!run.blocks) {
     diagnostics_ << ", live blocks not counted by this host library";
-  } else if (*blocks != 0 || options_.summary) {
-    diagnostics_ << ", " << *blocks << " blocks live";
+  } else if (*run.blocks != 0 || options_.summary) {
+    diagnostics_ << ", " << *run.blocks << " blocks live";
   }
   diagnostics_ << '\n';
 }
@@ -319,7 +322,7 @@ void checkFiles(const ReplayOptions& options, const std::vector<std::string>& re
   files.writeStreams();
   for (const std::string& path : written) files.write(path);
   for (const std::optional<std::string>& path :
-       {options.dropped, options.record, options.redacted, options.junit}) {
+       {options.report, options.dropped, options.record, options.redacted, options.junit}) {
     if (path) files.write(*path);
   }
 }

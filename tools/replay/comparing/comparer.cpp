@@ -13,9 +13,10 @@ namespace com::velanto::connectivity::tools {
 void Comparer::compare(const side_t& before, const side_t& after) {
   ++compared_;
   if (before.line && after.line && contentOf(*before.line) == contentOf(*after.line)) return;
-  const std::string fields = before.line && after.line ? fieldsOf(*before.line, *after.line) : "";
-  if (before.line && after.line && fields.empty()) return; // in the order of entries alone
-  show(before, after, fields);
+  std::vector<difference_t> differences;
+  if (before.line && after.line) differences = fieldsOf(*before.line, *after.line);
+  if (before.line && after.line && differences.empty()) return; // in the order of entries alone
+  show(before, after, differences);
 }
 
 void Comparer::compare(const value_side_t& before, const value_side_t& after,
@@ -27,12 +28,12 @@ void Comparer::compare(const value_side_t& before, const value_side_t& after,
     if (side.value == nullptr) return {side.place, {}};
     return {side.place, both ? "" : toJson(*side.value)};
   };
-  std::string fields;
-  for (const difference_t& difference : differences) fields += unified(difference);
-  show(side_of(before), side_of(after), fields);
+  show(side_of(before), side_of(after), differences);
 }
 
-void Comparer::show(const side_t& before, const side_t& after, const std::string& fields) {
+void Comparer::show(const side_t& before, const side_t& after,
+                    const std::vector<difference_t>& differences) {
+  if (listener_) listener_(before, after, differences);
   if (different_++ >= SHOWN) return;
   std::string text;
   const auto append_place = [&text](const char* sign, const side_t& side) {
@@ -44,7 +45,8 @@ void Comparer::show(const side_t& before, const side_t& after, const std::string
   append_place("+++ ", after);
   if (!before.line) text.append("+ ").append(cutBehind(*after.line, 77)).append("\n");
   if (!after.line) text.append("- ").append(cutBehind(*before.line, 77)).append("\n");
-  out_ << text + fields;
+  for (const difference_t& difference : differences) text += unified(difference);
+  out_ << text;
 }
 
 exit_status_t Comparer::report() const {
@@ -56,25 +58,24 @@ exit_status_t Comparer::report() const {
   return EXIT_DIFFERENT;
 }
 
-// The differing fields, written out; empty when there are none.
-std::string Comparer::fieldsOf(const std::string& before, const std::string& after) {
+// The differing fields.
+std::vector<difference_t> Comparer::fieldsOf(const std::string& before, const std::string& after) {
   // The content alone is an object again with a brace for its first comma.
   const auto value_of = [this](const std::string& line) {
     std::string object(contentOf(line));
     if (object.starts_with(',')) object.front() = '{';
     return reader_.parseValue(object);
   };
-  std::string text;
+  std::vector<difference_t> differences;
   try {
-    std::vector<difference_t> differences = differencesOf(value_of(before), value_of(after));
+    differences = differencesOf(value_of(before), value_of(after));
     // A difference in the outcome explains the rest.
     std::stable_partition(differences.begin(), differences.end(),
                           [](const difference_t& d) { return d.path == "outcome"; });
-    for (const difference_t& difference : differences) text += unified(difference);
   } catch (const MalformedJson&) { // names that occur twice, or no golden line at all
-    text = unified({"", before, after});
+    differences = {{"", before, after}};
   }
-  return text;
+  return differences;
 }
 
 } // namespace com::velanto::connectivity::tools

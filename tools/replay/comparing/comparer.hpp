@@ -3,6 +3,7 @@
 #define VLT_TOOLS_REPLAY_COMPARING_COMPARER_HPP
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -45,6 +46,12 @@ class Comparer {
   // A pair without a difference, which the caller has compared.
   void countSame() noexcept { ++compared_; }
 
+  // Calls `listener` for each pair that differs from now on; `differences` are none when one side has
+  // nothing, or when a line is no golden one.
+  using listener_t = std::function<void(const side_t& before, const side_t& after,
+                                        const std::vector<difference_t>& differences)>;
+  void listen(listener_t listener) { listener_ = std::move(listener); }
+
   [[nodiscard]] std::uint64_t compared() const noexcept { return compared_; }
   [[nodiscard]] std::uint64_t different() const noexcept { return different_; }
 
@@ -52,12 +59,15 @@ class Comparer {
   [[nodiscard]] exit_status_t report() const;
 
  private:
-  void show(const side_t& before, const side_t& after, const std::string& fields);
-  [[nodiscard]] std::string fieldsOf(const std::string& before, const std::string& after);
+  void show(const side_t& before, const side_t& after,
+            const std::vector<difference_t>& differences);
+  [[nodiscard]] std::vector<difference_t> fieldsOf(const std::string& before,
+                                                   const std::string& after);
 
   std::ostream& out_;
   std::string from_;
   JsonReader reader_;
+  listener_t listener_;
   std::uint64_t compared_ = 0;
   std::uint64_t different_ = 0;
 };

@@ -23,6 +23,9 @@ class Expectation final : public Consumer {
   // The run is over: reports the rest of the file as missing.
   exit_status_t finish() override;
 
+  // It shows the differences; whoever listens gets them, too.
+  [[nodiscard]] Comparer& comparer() noexcept { return comparer_; }
+
  private:
   [[nodiscard]] side_t nextExpected();
 

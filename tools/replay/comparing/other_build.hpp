@@ -27,6 +27,11 @@ class OtherBuild final : public Consumer {
   // Ends the other plug-in, too, and unloads its library.
   exit_status_t finish() override;
 
+  // It shows the differences; whoever listens gets them, too.
+  [[nodiscard]] Comparer& comparer() noexcept { return comparer_; }
+  // Until finish().
+  [[nodiscard]] const PluginLibrary& library() const noexcept { return build_->library; }
+
  private:
   void compareLogs();
 

@@ -63,6 +63,9 @@ class RecordedEvents final : public Consumer {
 
   [[nodiscard]] pairing_t figures() const;
 
+  // It shows the differences; whoever listens gets them, too.
+  [[nodiscard]] Comparer& comparer() noexcept { return comparer_; }
+
  private:
   // A message of the batch: of the input, with this build's event, or an event of the recording.
   struct message_t {

@@ -1,0 +1,169 @@
+#include "tools/report/chart.hpp"
+
+#include <algorithm>
+
+namespace com::velanto::connectivity::tools::report {
+
+namespace {
+
+// In units of the drawing; the page stretches it.
+constexpr std::uint64_t COLUMN = 12;
+constexpr std::uint64_t GAP = 2;
+constexpr std::uint64_t ABOVE = 1000; // the height of the highest column
+constexpr std::uint64_t BELOW = 250;  // the same for dropped messages
+constexpr std::uint64_t AXIS = 1020;  // where the part below begins
+constexpr std::uint64_t LEAST = 60;   // so that a single dropped message shows
+
+struct scale_t {
+  std::uint64_t messages = 0; // of the highest column
+  std::uint64_t dropped = 0;
+};
+
+scale_t scaleOf(const timeline_view_t& view) noexcept {
+  scale_t scale;
+  for (const bar_t& bar : view.bars) {
+    scale.messages = std::max(scale.messages, bar.sum());
+    scale.dropped = std::max(scale.dropped, bar.dropped);
+  }
+  return scale;
+}
+
+std::vector<std::size_t> kindsIn(const timeline_view_t& view) {
+  std::vector<std::size_t> kinds;
+  for (std::size_t kind = 0; kind < KINDS; ++kind) {
+    if (std::any_of(view.bars.begin(), view.bars.end(),
+                    [kind](const bar_t& bar) { return bar.messages[kind] > 0; })) {
+      kinds.push_back(kind);
+    }
+  }
+  return kinds;
+}
+
+void writeRectangle(Html& html, std::uint64_t x, std::uint64_t y, std::uint64_t height) {
+  html << " x=\"" << x << "\" y=\"" << y << "\" width=\"" << COLUMN - GAP << "\" height=\""
+       << height << "\"/>";
+}
+
+void writeColumn(Html& html, const bar_t& bar, std::uint64_t x, const scale_t& scale,
+                 const std::string& label) {
+  if (bar.sum() == 0) return;
+  html << "<g><title>"
+       << shown(label + ": " + counted(bar.sum(), "message") + ", " + grouped(bar.dropped) +
+                " dropped")
+       << "</title>";
+  std::uint64_t below = 0;
+  for (std::size_t kind = 0; kind < KINDS; ++kind) {
+    if (bar.messages[kind] == 0) continue;
+    const std::uint64_t from = below * ABOVE / scale.messages;
+    below += bar.messages[kind];
+    const std::uint64_t to = below * ABOVE / scale.messages;
+    html << "<rect class=\"k" << kind << "\"";
+    writeRectangle(html, x, ABOVE - to, std::max<std::uint64_t>(to - from, 1));
+  }
+  if (bar.dropped > 0) {
+    html << "<rect class=\"drop\"";
+    writeRectangle(html, x, AXIS, std::max(LEAST, bar.dropped * BELOW / scale.dropped));
+  }
+  html << "</g>\n";
+}
+
+void writeTable(Html& html, markup_t title, markup_t axis, const timeline_view_t& view,
+                const label_t& label) {
+  const std::vector<std::size_t> kinds = kindsIn(view);
+  html << "<details><summary>Numbers of this chart</summary>\n<div class=\"scroll\" tabindex=\"0\" "
+          "role=\"region\" aria-label=\"Numbers: "
+       << title << "\"><table><caption>" << title << "</caption><thead><tr><th scope=\"col\">"
+       << axis << "</th>";
+  for (const std::size_t kind : kinds) {
+    html << "<th scope=\"col\" class=\"number\">" << shown(nameOf(static_cast<Kind>(kind)))
+         << "</th>";
+  }
+  html << "<th scope=\"col\" class=\"number\">dropped</th></tr></thead><tbody>\n";
+  for (std::size_t i = 0; i < view.bars.size(); ++i) {
+    const bar_t& bar = view.bars[i];
+    if (bar.sum() == 0) continue;
+    const std::int64_t position = view.begin + static_cast<std::int64_t>(i) * view.width;
+    html << "<tr><th scope=\"row\">" << shown(label(position)) << "</th>";
+    for (const std::size_t kind : kinds) {
+      html << "<td class=\"number\">" << shown(grouped(bar.messages[kind])) << "</td>";
+    }
+    html << "<td class=\"number\">" << shown(grouped(bar.dropped)) << "</td></tr>\n";
+  }
+  html << "</tbody></table></div></details>\n";
+}
+
+void writeLegend(Html& html, const timeline_view_t& view) {
+  html << "<ul class=\"legend\">";
+  for (const std::size_t kind : kindsIn(view)) {
+    html << "<li><svg class=\"key\" viewBox=\"0 0 1 1\" aria-hidden=\"true\"><rect class=\"k"
+         << kind << "\" width=\"1\" height=\"1\"/></svg>" << shown(nameOf(static_cast<Kind>(kind)))
+         << "</li>";
+  }
+  if (scaleOf(view).dropped > 0) {
+    html << "<li><svg class=\"key\" viewBox=\"0 0 1 1\" aria-hidden=\"true\"><rect class=\"drop\" "
+            "width=\"1\" height=\"1\"/></svg>dropped, below the line, at most "
+         << shown(grouped(scaleOf(view).dropped)) << " a column</li>";
+  }
+  html << "</ul>\n";
+}
+
+} // namespace
+
+void writeTimeline(Html& html, markup_t anchor, markup_t title, markup_t axis,
+                   const timeline_view_t& view, const label_t& label) {
+  const scale_t scale = scaleOf(view);
+  const std::int64_t end = view.begin + static_cast<std::int64_t>(view.bars.size()) * view.width;
+  const std::uint64_t height = scale.dropped > 0 ? AXIS + BELOW : AXIS;
+  html << "<figure id=\"" << anchor << "\"><figcaption><h3>" << title << "</h3><p class=\"note\">"
+       << "Highest column: " << shown(counted(scale.messages, "message")) << "</p></figcaption>\n"
+       << "<svg class=\"timeline\" viewBox=\"0 0 " << view.bars.size() * COLUMN << " " << height
+       << "\" preserveAspectRatio=\"none\" role=\"img\" aria-labelledby=\"" << anchor << "-title "
+       << anchor << "-text\"><title id=\"" << anchor << "-title\">" << title
+       << "</title><desc id=\"" << anchor << "-text\">"
+       << shown(counted(view.bars.size(), "column")) << " from " << shown(label(view.begin))
+       << " on, at most " << shown(counted(scale.messages, "message")) << " and "
+       << shown(grouped(scale.dropped))
+       << " dropped ones in a column. The table below has all numbers.</desc>\n";
+  for (std::size_t i = 0; i < view.bars.size(); ++i) {
+    const std::int64_t position = view.begin + static_cast<std::int64_t>(i) * view.width;
+    writeColumn(html, view.bars[i], i * COLUMN + GAP / 2, scale, label(position));
+  }
+  html << "<rect class=\"axis\" x=\"0\" y=\"" << ABOVE << "\" width=\"" << view.bars.size() * COLUMN
+       << "\" height=\"8\"/></svg>\n<p class=\"ends\"><span>" << shown(label(view.begin))
+       << "</span><span>" << shown(label(end)) << "</span></p>\n";
+  writeLegend(html, view);
+  writeTable(html, title, axis, view, label);
+  html << "</figure>\n";
+}
+
+void writeShare(Html& html, std::uint64_t part, std::uint64_t whole) {
+  constexpr std::uint64_t WIDTH = 1000;
+  const std::uint64_t width = whole == 0 ? 0 : std::max<std::uint64_t>(part * WIDTH / whole, 4);
+  html << "<svg class=\"share\" viewBox=\"0 0 1000 10\" preserveAspectRatio=\"none\" "
+          "aria-hidden=\"true\"><rect class=\"track\" width=\"1000\" height=\"10\"/><rect "
+          "class=\"part\" width=\""
+       << (part == 0 ? 0 : width) << "\" height=\"10\"/></svg>";
+}
+
+void writeDistribution(Html& html, markup_t caption, markup_t unit, markup_t counted_things,
+                       const Distribution& distribution) {
+  const std::vector<Distribution::class_t> classes = distribution.classes();
+  std::uint64_t most = 0;
+  for (const Distribution::class_t& each : classes) most = std::max(most, each.count);
+  html
+      << "<table><caption>" << caption << "</caption><thead><tr><th scope=\"col\" class=\"number\">"
+      << unit << "</th><th scope=\"col\" class=\"number\">" << counted_things
+      << "</th><th scope=\"col\"><span class=\"hidden\">as a bar</span></th></tr></thead><tbody>\n";
+  for (const Distribution::class_t& each : classes) {
+    const std::string range = each.first == each.last
+                                  ? grouped(each.first)
+                                  : grouped(each.first) + "–" + grouped(each.last);
+    html << "<tr><th scope=\"row\" class=\"number\">" << shown(range)
+         << "</th><td class=\"number\">" << shown(grouped(each.count)) << "</td><td class=\"bar\">";
+    writeShare(html, each.count, most);
+    html << "</td></tr>\n";
+  }
+  html << "</tbody></table>\n";
+}
+
+} // namespace com::velanto::connectivity::tools::report

@@ -1,0 +1,82 @@
+// A page of HTML under construction. Markup comes from literals of the source alone, which the
+// compiler checks. Every other text goes through escaped(), so no text can become markup:
+//
+//   & < > " '                                          an entity
+//   bytes that are not UTF-8                           U+FFFD
+//   control characters, line separators, characters    ⟨U+202E⟩, the number of the character
+//   that set the direction of text or show nothing
+//
+// The result is right within an element and within an attribute in quotes.
+#ifndef VLT_TOOLS_REPORT_HTML_HPP
+#define VLT_TOOLS_REPORT_HTML_HPP
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace com::velanto::connectivity::tools::report {
+
+struct markup_t {
+  // NOLINTNEXTLINE(google-explicit-constructor): a literal is markup wherever it is written
+  consteval markup_t(const char* literal) : text(literal) {}
+  std::string_view text;
+};
+
+inline constexpr std::size_t USUAL_LENGTH = 400; // bytes of an escaped text in a cell
+
+// A text that is no markup, cut to so many bytes when it is escaped.
+struct shown_t {
+  std::string_view text;
+  std::size_t most;
+};
+
+[[nodiscard]] constexpr shown_t shown(std::string_view text, std::size_t most = USUAL_LENGTH) {
+  return {text, most};
+}
+
+// `left_out` is the number of bytes of `text` that did not fit into `most` bytes.
+[[nodiscard]] std::string escaped(std::string_view text, std::size_t most, std::size_t& left_out);
+
+// 12 345 with a narrow space that does not break; below 10 000 without it.
+[[nodiscard]] std::string grouped(std::uint64_t number);
+// "1 message", "12 messages": `one` with an s unless there is one.
+[[nodiscard]] std::string counted(std::uint64_t number, std::string_view one);
+// Only letters and digits stay; any other byte becomes _ and two digits. Cut to 80 bytes.
+[[nodiscard]] std::string anchorOf(std::string_view text);
+
+class Html {
+ public:
+  Html& operator<<(markup_t markup) {
+    out_ += markup.text;
+    return *this;
+  }
+  // A cut text ends in an ellipsis and the number of bytes left out.
+  Html& operator<<(const shown_t& text);
+  // Digits alone, as attributes and drawings need them.
+  Html& operator<<(std::uint64_t number) {
+    out_ += std::to_string(number);
+    return *this;
+  }
+
+  // Lines of text, each escaped, with all of them cut to `most` bytes.
+  void lines(std::string_view text, std::size_t most);
+  // Says here, and once more at the end of the page, what the page leaves out.
+  void leaveOut(const std::string& sentence);
+
+  [[nodiscard]] const std::vector<std::string>& omissions() const noexcept { return omissions_; }
+  [[nodiscard]] std::uint64_t cutTexts() const noexcept { return cut_texts_; }
+  [[nodiscard]] std::string take() && { return std::move(out_); }
+
+ private:
+  void noteCut(std::size_t left_out);
+
+  std::string out_;
+  std::vector<std::string> omissions_;
+  std::uint64_t cut_texts_ = 0;
+};
+
+} // namespace com::velanto::connectivity::tools::report
+
+#endif

@@ -1,0 +1,179 @@
+// The parts of sections that show one message.
+#include <algorithm>
+
+#include "tools/explain/phrases.hpp"
+#include "tools/report/sections.hpp"
+
+namespace com::velanto::connectivity::tools::report {
+
+namespace {
+
+constexpr std::size_t LONGEST_MESSAGE = 4096; // bytes of escaped text
+constexpr std::size_t LONGEST_PLACES = 300;
+constexpr std::size_t MOST_ROWS = 40; // of a table of fates
+constexpr std::size_t MOST_FAULTS = 8;
+constexpr std::size_t MOST_LOG_LINES = 4;
+
+// The JSON in a line, an entry a line. Leaves the line's strings as they are; anything but JSON
+// comes out somehow.
+std::string indented(std::string_view json) {
+  constexpr std::size_t MOST_INDENT = 20;
+  std::string out;
+  std::size_t depth = 0;
+  bool in_text = false;
+  bool is_escaped = false;
+  const auto break_line = [&] { (out += '\n').append(2 * std::min(depth, MOST_INDENT), ' '); };
+  for (std::size_t i = 0; i < json.size() && out.size() < LONGEST_MESSAGE * 2; ++i) {
+    const char c = json[i];
+    if (in_text) {
+      out += c;
+      in_text = is_escaped || c != '"';
+      is_escaped = !is_escaped && c == '\\';
+      continue;
+    }
+    if (c == ' ' || c == '\t' || c == '\r' || c == '\n') continue;
+    const bool closes = c == '}' || c == ']';
+    const bool is_first = out.empty() || out.back() == '{' || out.back() == '[';
+    if (closes && depth > 0) --depth;
+    if (closes && !is_first) break_line();
+    if (!closes && (out.ends_with('{') || out.ends_with('[') || out.ends_with(','))) break_line();
+    out += c;
+    if (c == ':') out += ' ';
+    if (c == '{' || c == '[') ++depth;
+    in_text = c == '"';
+  }
+  return out;
+}
+
+std::string textOf(const std::vector<place_t>& places) {
+  std::string text;
+  for (const place_t& place : places) {
+    if (text.size() > LONGEST_PLACES) return text + ", …";
+    text += (text.empty() ? "" : ", ") + tools::textOf(place.path);
+    if (!place.json.empty()) text += " " + place.json.substr(0, LONGEST_PLACES);
+  }
+  return text;
+}
+
+const char* noteOf(const row_t& row) noexcept {
+  switch (row.without) {
+    case Without::SAME:
+      return row.new_block ? "copied" : "";
+    case Without::DROPPED:
+      return "needed: without it, the message is dropped";
+    case Without::PASSED:
+      return "without it, the message passes unchanged";
+    case Without::DIFFERENT:
+      return "without it, other fields change";
+  }
+  return "";
+}
+
+struct line_t {
+  Fate fate;
+  std::string from;
+  std::string to;
+};
+
+// Unchanged fields, and lost ones with the same note, share a row.
+bool shareRow(const row_t& one, const row_t& other) noexcept {
+  return one.fate == other.fate && (one.fate == Fate::UNCHANGED || one.fate == Fate::LOST) &&
+         one.without == other.without && one.new_block == other.new_block;
+}
+
+std::vector<line_t> linesOf(std::vector<row_t> rows) {
+  std::stable_sort(rows.begin(), rows.end(), [](const row_t& one, const row_t& other) {
+    return std::tie(one.fate, one.without, one.new_block) <
+           std::tie(other.fate, other.without, other.new_block);
+  });
+  std::vector<line_t> lines;
+  for (auto row = rows.begin(); row != rows.end();) {
+    const auto after = std::find_if_not(
+        row, rows.end(), [&first = *row](const row_t& other) { return shareRow(first, other); });
+    if (after == row) {
+      std::vector<place_t> from = row->from;
+      from.insert(from.end(), row->with.begin(), row->with.end());
+      const std::string note = noteOf(*row);
+      lines.push_back(
+          {row->fate, textOf(from), textOf(row->to) + (note.empty() ? "" : " (" + note + ")")});
+      ++row;
+      continue;
+    }
+    std::vector<path_t> paths;
+    for (; row != after; ++row) paths.push_back(row->from.front().path);
+    std::string names;
+    for (const std::string& phrase : pathPhrasesOf(paths)) {
+      names += (names.empty() ? "" : ", ") + phrase;
+    }
+    lines.push_back({std::prev(after)->fate, names, noteOf(*std::prev(after))});
+  }
+  return lines;
+}
+
+void writeFaults(Html& html, const blame_t& blame) {
+  const bool proven = !blame.faults.empty();
+  const std::vector<faulty_place_t>& faults = proven ? blame.faults : blame.suspects;
+  if (faults.empty()) return;
+  html << "<table><caption>" << (proven ? markup_t("Fields at fault") : markup_t("Suspects"))
+       << "</caption><thead><tr><th scope=\"col\">Field</th><th scope=\"col\">Found</th>"
+          "<th scope=\"col\">Would do</th></tr></thead><tbody>\n";
+  for (std::size_t i = 0; i < std::min(faults.size(), MOST_FAULTS); ++i) {
+    const faulty_place_t& fault = faults[i];
+    const std::string found = fault.missing         ? "nothing"
+                              : fault.found.empty() ? "a list or map"
+                                                    : fault.found;
+    html << "<tr><th scope=\"row\">" << shown(tools::textOf(fault.path), LONGEST_PLACES)
+         << "</th><td>" << shown(found) << "</td><td>"
+         << shown(fault.mended.empty() ? "not known" : fault.mended) << "</td></tr>\n";
+  }
+  html << "</tbody></table>\n";
+  if (faults.size() > MOST_FAULTS) {
+    html.leaveOut("Further fields: " + grouped(faults.size() - MOST_FAULTS) + ".");
+  }
+}
+
+} // namespace
+
+void writeMessage(Html& html, const example_t& example) {
+  html << "<pre class=\"message\">";
+  html.lines(indented(example.record.line), LONGEST_MESSAGE);
+  html << "</pre>\n";
+  if (!example.whole) {
+    html.leaveOut("The rest of the long message at " + example.place + ".");
+  }
+}
+
+void writeBlame(Html& html, const example_t& example) {
+  std::size_t lines = 0;
+  for (const log_line_t& line : example.record.log) {
+    if (line.level > DROPPED_LEVEL || ++lines > MOST_LOG_LINES) continue;
+    html << "<p class=\"log\">" << shown(line.text, 1000) << "</p>\n";
+  }
+  if (example.explanation) writeFaults(html, example.explanation->blame);
+}
+
+void writeFates(Html& html, const example_t& example) {
+  if (!example.explanation || !example.explanation->stable) {
+    html << "<p class=\"note\">The fate of its fields is not known.</p>\n";
+    return;
+  }
+  if (example.explanation->passed) {
+    html << "<p>The message passed unchanged.</p>\n";
+    return;
+  }
+  html << "<table><caption>The fate of each field</caption><thead><tr><th scope=\"col\">Fate</th>"
+          "<th scope=\"col\">Field</th><th scope=\"col\">Became</th></tr></thead><tbody>\n";
+  const std::vector<line_t> lines = linesOf(example.explanation->rows);
+  for (std::size_t i = 0; i < std::min(lines.size(), MOST_ROWS); ++i) {
+    html << "<tr><th scope=\"row\" class=\"fate\">" << shown(nameOf(lines[i].fate)) << "</th><td>"
+         << shown(lines[i].from, LONGEST_PLACES) << "</td><td>"
+         << shown(lines[i].to, LONGEST_PLACES) << "</td></tr>\n";
+  }
+  html << "</tbody></table>\n";
+  if (lines.size() > MOST_ROWS) {
+    html.leaveOut("Further fates of fields of the message at " + example.place + ": " +
+                  grouped(lines.size() - MOST_ROWS) + ".");
+  }
+}
+
+} // namespace com::velanto::connectivity::tools::report

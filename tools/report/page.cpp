@@ -1,0 +1,71 @@
+#include "tools/report/page.hpp"
+
+#include "tools/report/digest.hpp"
+#include "tools/report/html.hpp"
+#include "tools/report/sections.hpp"
+#include "tools/report/style.hpp"
+
+namespace com::velanto::connectivity::tools::report {
+
+namespace {
+
+void writeHead(Html& html, const contents_t& contents) {
+  html << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+          "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
+          "'sha256-"
+       << shown(sha256Base64(STYLE.text))
+       << "'; base-uri 'none'; form-action 'none'\">\n"
+          "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+          "<meta name=\"color-scheme\" content=\"light dark\">\n"
+          "<meta name=\"referrer\" content=\"no-referrer\">\n<title>"
+       << shown(headlineOf(contents)) << " – ostrovia-replay</title>\n<style>" << STYLE
+       << "</style>\n</head>\n";
+}
+
+void writeLink(Html& html, bool wanted, markup_t link) {
+  if (wanted) html << "<li>" << link << "</li>";
+}
+
+void writeLinks(Html& html, contents_t& contents) {
+  const Collection& collection = contents.collection;
+  html << "<nav aria-label=\"Sections\"><ul>";
+  writeLink(html, true, "<a href=\"#outcome\">Outcome</a>");
+  writeLink(html, collection.places().messages() > 0, "<a href=\"#arrivals\">Came in</a>");
+  writeLink(html, collection.count(Outcome::DROPPED) > 0, "<a href=\"#reasons\">Dropped</a>");
+  writeLink(html, !collection.malformed().empty(), "<a href=\"#malformed\">Malformed</a>");
+  writeLink(html, !contents.changes.empty(), "<a href=\"#changes\">Changed</a>");
+  writeLink(html, !contents.collection.ways().empty(), "<a href=\"#ways\">Ways</a>");
+  writeLink(html, !collection.channels().empty(), "<a href=\"#channels\">Channels</a>");
+  writeLink(html, !collection.batchSizes().classes().empty(), "<a href=\"#batches\">Batches</a>");
+  writeLink(html, true, "<a href=\"#configuration\">Configuration</a>");
+  writeLink(html, true, "<a href=\"#builds\">Builds</a>");
+  writeLink(html, true, "<a href=\"#left-out\">Left out</a>");
+  html << "</ul></nav>\n";
+}
+
+} // namespace
+
+std::string pageOf(contents_t& contents) {
+  Html html;
+  writeHead(html, contents);
+  html << "<body>\n<a class=\"skip\" href=\"#outcome\">To the outcome</a>\n<header><p "
+          "class=\"note\">ostrovia-replay, report of a run</p><h1>"
+       << shown(headlineOf(contents)) << "</h1>\n";
+  writeLinks(html, contents);
+  html << "</header>\n<main>\n";
+  writeOutcome(html, contents);
+  writeArrivals(html, contents);
+  writeReasons(html, contents);
+  writeMalformed(html, contents);
+  writeChanges(html, contents);
+  writeWays(html, contents);
+  writeChannels(html, contents);
+  writeBatches(html, contents);
+  writeConfiguration(html, contents);
+  writeBuilds(html, contents);
+  writeLeftOut(html);
+  html << "</main>\n</body>\n</html>\n";
+  return std::move(html).take();
+}
+
+} // namespace com::velanto::connectivity::tools::report
