@@ -112,7 +112,6 @@ void writeLegend(Html& html, const timeline_view_t& view) {
 void writeTimeline(Html& html, markup_t anchor, markup_t title, markup_t axis,
                    const timeline_view_t& view, const label_t& label) {
   const scale_t scale = scaleOf(view);
-  const std::int64_t end = view.begin + static_cast<std::int64_t>(view.bars.size()) * view.width;
   const std::uint64_t height = scale.dropped > 0 ? AXIS + BELOW : AXIS;
   html << "<figure id=\"" << anchor << "\"><figcaption><h3>" << title << "</h3><p class=\"note\">"
        << "Highest column: " << shown(counted(scale.messages, "message")) << "</p></figcaption>\n"
@@ -130,7 +129,7 @@ void writeTimeline(Html& html, markup_t anchor, markup_t title, markup_t axis,
   }
   html << "<rect class=\"axis\" x=\"0\" y=\"" << ABOVE << "\" width=\"" << view.bars.size() * COLUMN
        << "\" height=\"8\"/></svg>\n<p class=\"ends\"><span>" << shown(label(view.begin))
-       << "</span><span>" << shown(label(end)) << "</span></p>\n";
+       << "</span><span>" << shown(label(view.last)) << "</span></p>\n";
   writeLegend(html, view);
   writeTable(html, title, axis, view, label);
   html << "</figure>\n";

@@ -34,8 +34,8 @@ void writeNamedValues(Html& html, markup_t caption, const named_values_t& values
       << "</caption><thead><tr><th scope=\"col\">Name</th><th scope=\"col\">Value</th></tr></thead>"
          "<tbody>\n";
   for (const auto& [name, value] : values) {
-    html << "<tr><th scope=\"row\"><code>" << shown(name) << "</code></th><td>" << shown(value)
-         << "</td></tr>\n";
+    html << "<tr><th scope=\"row\"><code>" << shown(name) << "</code></th><td><code>"
+         << shown(value) << "</code></td></tr>\n";
   }
   html << "</tbody></table>\n";
 }

@@ -54,6 +54,12 @@ bool isInvisible(char32_t code) noexcept {
   });
 }
 
+std::string jsonEscapeOf(char32_t code) {
+  std::array<char, 16> text{};
+  std::snprintf(text.data(), text.size(), "\\u%04x", static_cast<unsigned>(code));
+  return text.data();
+}
+
 std::string pieceFor(const character_t& character, std::string_view bytes) {
   switch (character.code) {
     case '&':
@@ -72,9 +78,9 @@ std::string pieceFor(const character_t& character, std::string_view bytes) {
       break;
   }
   if (!isInvisible(character.code)) return std::string(bytes);
-  std::array<char, 16> digits{};
-  std::snprintf(digits.data(), digits.size(), "%04X", static_cast<unsigned>(character.code));
-  return std::string("⟨U+").append(digits.data()).append("⟩");
+  if (character.code <= 0xFFFF) return jsonEscapeOf(character.code);
+  const char32_t above = character.code - 0x10000;
+  return jsonEscapeOf(0xD800 + (above >> 10)) + jsonEscapeOf(0xDC00 + (above & 0x3FF));
 }
 
 } // namespace

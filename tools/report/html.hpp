@@ -3,7 +3,7 @@
 //
 //   & < > " '                                          an entity
 //   bytes that are not UTF-8                           U+FFFD
-//   control characters, line separators, characters    ⟨U+202E⟩, the number of the character
+//   control characters, line separators, characters    \u202e, as JSON escapes them
 //   that set the direction of text or show nothing
 //
 // The result is right within an element and within an attribute in quotes.

@@ -114,17 +114,20 @@ void writeFaults(Html& html, const blame_t& blame) {
   const bool proven = !blame.faults.empty();
   const std::vector<faulty_place_t>& faults = proven ? blame.faults : blame.suspects;
   if (faults.empty()) return;
-  html << "<table><caption>" << (proven ? markup_t("Fields at fault") : markup_t("Suspects"))
+  html << "<table class=\"faults\"><caption>"
+       << (proven ? markup_t("Fields at fault; with these values, the message arrives")
+                  : markup_t("Suspect fields; no value that the tool tried helped"))
        << "</caption><thead><tr><th scope=\"col\">Field</th><th scope=\"col\">Found</th>"
-          "<th scope=\"col\">Would do</th></tr></thead><tbody>\n";
+       << (proven ? markup_t("<th scope=\"col\">Would do</th>") : markup_t(""))
+       << "</tr></thead><tbody>\n";
   for (std::size_t i = 0; i < std::min(faults.size(), MOST_FAULTS); ++i) {
     const faulty_place_t& fault = faults[i];
-    const std::string found = fault.missing         ? "nothing"
-                              : fault.found.empty() ? "a list or map"
-                                                    : fault.found;
-    html << "<tr><th scope=\"row\">" << shown(tools::textOf(fault.path), LONGEST_PLACES)
-         << "</th><td>" << shown(found) << "</td><td>"
-         << shown(fault.mended.empty() ? "not known" : fault.mended) << "</td></tr>\n";
+    std::string found = fault.found;
+    if (found.empty()) found = fault.missing ? "nothing" : "a list or map";
+    html << "<tr><th scope=\"row\"><code>" << shown(tools::textOf(fault.path), LONGEST_PLACES)
+         << "</code></th><td><code>" << shown(found) << "</code></td>";
+    if (proven) html << "<td><code>" << shown(fault.mended) << "</code></td>";
+    html << "</tr>\n";
   }
   html << "</tbody></table>\n";
   if (faults.size() > MOST_FAULTS) {
@@ -165,8 +168,8 @@ void writeFates(Html& html, const example_t& example) {
           "<th scope=\"col\">Field</th><th scope=\"col\">Became</th></tr></thead><tbody>\n";
   const std::vector<line_t> lines = linesOf(example.explanation->rows);
   for (std::size_t i = 0; i < std::min(lines.size(), MOST_ROWS); ++i) {
-    html << "<tr><th scope=\"row\" class=\"fate\">" << shown(nameOf(lines[i].fate)) << "</th><td>"
-         << shown(lines[i].from, LONGEST_PLACES) << "</td><td>"
+    html << "<tr><th scope=\"row\" class=\"fate\">" << shown(nameOf(lines[i].fate))
+         << "</th><td><code>" << shown(lines[i].from, LONGEST_PLACES) << "</code></td><td>"
          << shown(lines[i].to, LONGEST_PLACES) << "</td></tr>\n";
   }
   html << "</tbody></table>\n";

@@ -32,7 +32,7 @@ void writeKinds(Html& html, const Collection& collection) {
   for (std::size_t i = 0; i < KINDS; ++i) {
     const Kind kind = static_cast<Kind>(i);
     if (collection.count(kind) == 0) continue;
-    html << "<tr><th scope=\"row\"><svg class=\"key\" viewBox=\"0 0 1 1\" "
+    html << "<tr><th scope=\"row\" class=\"kind\"><svg class=\"key\" viewBox=\"0 0 1 1\" "
             "aria-hidden=\"true\"><rect "
             "class=\"k"
          << i << "\" width=\"1\" height=\"1\"/></svg>" << shown(nameOf(kind)) << "</th>";
@@ -50,7 +50,7 @@ void writeTimes(Html& html, const Collection& collection) {
   for (const Outcome outcome : OUTCOMES_OF_MESSAGES) messages += collection.count(outcome);
   if (!view.bars.empty()) {
     writeTimeline(html, "by-time", "By the messages’ own time", "From (UTC)", view,
-                  [](std::int64_t seconds) { return timeText(seconds); });
+                  [&view](std::int64_t seconds) { return timeText(seconds, view.width); });
   }
   const std::uint64_t untold = messages - collection.times().messages();
   if (untold > 0) {

@@ -61,7 +61,7 @@ std::optional<std::int64_t> secondsOf(std::string_view text) noexcept {
                  numberAt(all, 17, 2) - offset);
 }
 
-std::string timeText(std::int64_t seconds) {
+std::string timeText(std::int64_t seconds, std::int64_t step) {
   const std::chrono::sys_seconds time{std::chrono::seconds(seconds)};
   const auto days = std::chrono::floor<std::chrono::days>(time);
   const std::chrono::year_month_day date(days);
@@ -72,6 +72,10 @@ std::string timeText(std::int64_t seconds) {
                 static_cast<unsigned>(date.day()), static_cast<long>(clock.hours().count()),
                 static_cast<long>(clock.minutes().count()),
                 static_cast<long>(clock.seconds().count()));
+  constexpr std::size_t DATE = 10; // characters
+  constexpr std::size_t MINUTES = 16;
+  if (step % 86'400 == 0) return {text.data(), DATE};
+  if (step % 60 == 0) return {text.data(), MINUTES};
   return text.data();
 }
 

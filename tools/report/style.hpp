@@ -63,8 +63,12 @@ caption { padding: .25rem 0; text-align: left; color: var(--soft); }
 th, td { padding: .3125rem .75rem .3125rem 0; border-bottom: 1px solid var(--line); text-align: left; vertical-align: top; font-weight: 400; }
 thead th { color: var(--soft); font-size: .875rem; }
 .number { text-align: right; font-variant-numeric: tabular-nums; white-space: nowrap; }
-.bar { width: 40%; vertical-align: middle; }
-.fate { color: var(--soft); width: 7rem; }
+.bar { width: 40%; padding-right: 0; vertical-align: middle; }
+.faults, .sides { table-layout: fixed; }
+.sides thead th:first-child { width: 24%; }
+.sides thead .number { width: 5.5rem; }
+.kind { white-space: nowrap; }
+.fate { width: 6.5rem; color: var(--soft); }
 .scroll { overflow-x: auto; }
 .scroll td, .scroll th { white-space: nowrap; }
 figure { margin: 0 0 2rem; }
@@ -75,20 +79,25 @@ figcaption h3 { margin: .5rem 0; }
 .key { width: .75rem; height: .75rem; margin-right: .375rem; }
 .ends { display: flex; justify-content: space-between; margin: .25rem 0; color: var(--soft); font-size: .875rem; font-variant-numeric: tabular-nums; }
 .legend { display: flex; flex-wrap: wrap; gap: .25rem 1.25rem; padding: 0; list-style: none; font-size: .9375rem; }
-.axis, .track { fill: var(--line); }
+.axis { fill: var(--line); }
+.track { fill: var(--panel); }
 .part { fill: var(--part); }
 .drop { fill: var(--bad); }
 .k0 { fill: var(--k0); } .k1 { fill: var(--k1); } .k2 { fill: var(--k2); } .k3 { fill: var(--k3); }
 .k4 { fill: var(--k4); } .k5 { fill: var(--k5); } .k6 { fill: var(--k6); }
 details { margin: .5rem 0; }
 summary { padding: .25rem 0; cursor: pointer; }
-details > :not(summary) { margin-left: 1rem; }
+details > :not(summary) { margin-left: 1.125rem; }
+details > table { width: calc(100% - 1.125rem); }
 @media (max-width: 40rem) {
   body { padding: 1rem .875rem 3rem; }
   h1 { font-size: 1.375rem; }
   .timeline { height: 9rem; }
   details > :not(summary) { margin-left: 0; }
-  .fate { width: 5.5rem; }
+  details > table { width: 100%; }
+  table, code, pre, .log { font-size: .8125rem; }
+  th, td { padding-right: .5rem; }
+  .fate { width: 5rem; }
   .bar { width: 25%; }
 }
 @media print {

@@ -52,7 +52,7 @@ void Timeline::add(std::int64_t position, Kind kind, bool dropped) {
   bar_t& bar = bars_[quotient(position, width_)];
   ++bar.messages[static_cast<std::size_t>(kind)];
   bar.dropped += dropped ? 1 : 0;
-  ++messages_;
+  last_ = messages_++ == 0 ? position : std::max(last_, position);
   while (bars_.size() > MOST_BARS) {
     const std::int64_t wider = widerThan(width_);
     bars_ = joined(bars_, wider / width_);
@@ -86,6 +86,7 @@ timeline_view_t Timeline::view() const {
   }
   view.begin = reach.first * view.width;
   view.bars.resize(static_cast<std::size_t>(reach.last - reach.first) + 1);
+  view.last = std::min(last_, (reach.last + 1) * view.width - 1);
   view.outside = messages_;
   for (const auto& [number, bar] : bars) {
     view.bars[static_cast<std::size_t>(number - reach.first)] = bar;

@@ -31,6 +31,7 @@ struct bar_t {
 struct timeline_view_t {
   std::int64_t begin = 0; // of the first bar
   std::int64_t width = 1; // of each bar
+  std::int64_t last = 0;  // position of the last message in the bars
   std::vector<bar_t> bars;
   std::uint64_t outside = 0; // messages before the first and after the last bar
 };
@@ -59,6 +60,7 @@ class Timeline {
   std::span<const std::int64_t> widths_;
   std::int64_t width_;
   bars_t bars_;
+  std::int64_t last_ = 0; // position
   std::uint64_t messages_ = 0;
 };
 
