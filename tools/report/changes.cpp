@@ -6,6 +6,11 @@ namespace com::velanto::connectivity::tools::report {
 
 namespace {
 
+// Whether `at` is between the bytes of one character.
+bool isInside(const std::string& text, std::size_t at) noexcept {
+  return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
+}
+
 // The part of long values around their first different byte.
 difference_t cut(difference_t difference) {
   constexpr std::size_t LEAD = 60; // bytes before it
@@ -15,12 +20,14 @@ difference_t cut(difference_t difference) {
                                          difference.after->begin(), difference.after->end());
     same = static_cast<std::size_t>(differing.first - difference.before->begin());
   }
-  const std::size_t begin = same > LEAD ? same - LEAD : 0;
+  std::size_t begin = same > LEAD ? same - LEAD : 0;
+  while (difference.before && isInside(*difference.before, begin)) --begin;
   for (std::optional<std::string>* value : {&difference.before, &difference.after}) {
     if (!*value || (*value)->size() <= Changes::LONGEST_VALUE) continue;
-    const std::string part = (*value)->substr(begin, Changes::LONGEST_VALUE);
-    const bool is_end = begin + part.size() == (*value)->size();
-    *value = (begin > 0 ? "…" : "") + part + (is_end ? "" : "…");
+    std::size_t end = std::min(begin + Changes::LONGEST_VALUE, (*value)->size());
+    while (isInside(**value, end)) --end;
+    const bool is_whole = end == (*value)->size();
+    *value = (begin > 0 ? "…" : "") + (*value)->substr(begin, end - begin) + (is_whole ? "" : "…");
   }
   return difference;
 }

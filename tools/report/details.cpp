@@ -14,10 +14,7 @@ constexpr std::size_t SHOWN_INPUTS = 20;
 
 void writeWay(Html& html, const way_t& way) {
   const record_t& record = way.example.record;
-  std::array<char, 17> digits{};
-  std::snprintf(digits.data(), digits.size(), "%016llx",
-                static_cast<unsigned long long>(way.shape));
-  html << "<details id=\"way-" << shown(digits.data()) << "\"><summary>"
+  html << "<details id=\"way-" << shown(anchorOf(way.shape)) << "\"><summary>"
        << shown(counted(way.count, "message")) << ": " << shown(nameOf(record.kind)) << ", "
        << shown(nameOf(record.outcome)) << ", first at <code>" << shown(way.example.place)
        << "</code></summary>\n";

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdio>
 
+#include "tools/report/shape.hpp"
+
 namespace com::velanto::connectivity::tools::report {
 
 namespace {
@@ -110,21 +112,24 @@ std::string counted(std::uint64_t number, std::string_view one) {
 }
 
 std::string anchorOf(std::string_view text) {
-  constexpr std::size_t LONGEST = 80;
+  constexpr std::size_t LONGEST = 40;
   constexpr std::string_view DIGITS = "0123456789abcdef";
+  if (text.size() > LONGEST) return "long-" + anchorOf(hashOf(text));
   std::string anchor;
   for (const char c : text) {
     const bool plain =
         (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
-    if (plain) {
-      anchor += c;
-    } else {
-      const auto byte = static_cast<unsigned char>(c);
-      ((anchor += '_') += DIGITS[byte >> 4]) += DIGITS[byte & 15];
-    }
-    if (anchor.size() >= LONGEST) break;
+    const auto byte = static_cast<unsigned char>(c);
+    anchor += plain ? c : '_';
+    if (!plain) (anchor += DIGITS[byte >> 4]) += DIGITS[byte & 15];
   }
   return anchor;
+}
+
+std::string anchorOf(std::uint64_t number) {
+  std::array<char, 17> digits{};
+  std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(number));
+  return digits.data();
 }
 
 Html& Html::operator<<(const shown_t& text) {

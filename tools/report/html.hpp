@@ -43,8 +43,11 @@ struct shown_t {
 [[nodiscard]] std::string grouped(std::uint64_t number);
 // "1 message", "12 messages": `one` with an s unless there is one.
 [[nodiscard]] std::string counted(std::uint64_t number, std::string_view one);
-// Only letters and digits stay; any other byte becomes _ and two digits. Cut to 80 bytes.
+// An anchor of its own for each text: letters, digits and - stay, any other byte becomes _ and two
+// hexadecimal digits; of a text of more than 40 bytes, a hash stays.
 [[nodiscard]] std::string anchorOf(std::string_view text);
+// 16 hexadecimal digits.
+[[nodiscard]] std::string anchorOf(std::uint64_t number);
 
 class Html {
  public:

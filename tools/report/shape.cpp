@@ -10,12 +10,6 @@ namespace {
 
 constexpr int DEEPEST = 30;
 
-std::uint64_t hashOf(std::string_view text) noexcept {
-  std::uint64_t hash = 0xCBF29CE484222325;
-  for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
-  return hash;
-}
-
 std::uint64_t shapeOf(const data_t& value, int depth);
 
 // A sum, so the order of the entries does not matter.
@@ -41,6 +35,12 @@ std::uint64_t shapeOf(const data_t& value, int depth) {
 }
 
 } // namespace
+
+std::uint64_t hashOf(std::string_view text) noexcept {
+  std::uint64_t hash = 0xCBF29CE484222325;
+  for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
+  return hash;
+}
 
 std::uint64_t combined(std::uint64_t one, std::uint64_t other) noexcept {
   std::uint64_t mixed = one * 0x9E3779B97F4A7C15 + other;

@@ -16,6 +16,9 @@ namespace com::velanto::connectivity::tools::report {
 // One number of several, which depends on their order.
 [[nodiscard]] std::uint64_t combined(std::uint64_t one, std::uint64_t other) noexcept;
 
+// The same number in every run.
+[[nodiscard]] std::uint64_t hashOf(std::string_view text) noexcept;
+
 } // namespace com::velanto::connectivity::tools::report
 
 #endif
