@@ -150,15 +150,15 @@ void writeDistribution(Html& html, markup_t caption, markup_t unit, markup_t cou
   std::uint64_t most = 0;
   for (const Distribution::class_t& each : classes) most = std::max(most, each.count);
   html
-      << "<table><caption>" << caption << "</caption><thead><tr><th scope=\"col\" class=\"number\">"
-      << unit << "</th><th scope=\"col\" class=\"number\">" << counted_things
+      << "<table><caption>" << caption << "</caption><thead><tr><th scope=\"col\">" << unit
+      << "</th><th scope=\"col\" class=\"number\">" << counted_things
       << "</th><th scope=\"col\"><span class=\"hidden\">as a bar</span></th></tr></thead><tbody>\n";
   for (const Distribution::class_t& each : classes) {
     const std::string range = each.first == each.last
                                   ? grouped(each.first)
                                   : grouped(each.first) + "–" + grouped(each.last);
-    html << "<tr><th scope=\"row\" class=\"number\">" << shown(range)
-         << "</th><td class=\"number\">" << shown(grouped(each.count)) << "</td><td class=\"bar\">";
+    html << "<tr><th scope=\"row\">" << shown(range) << "</th><td class=\"number\">"
+         << shown(grouped(each.count)) << "</td><td class=\"bar\">";
     writeShare(html, each.count, most);
     html << "</td></tr>\n";
   }

@@ -19,7 +19,7 @@ void writeWay(Html& html, const way_t& way) {
        << shown(nameOf(record.outcome)) << ", first at <code>" << shown(way.example.place)
        << "</code></summary>\n";
   writeFates(html, way.example);
-  html << "<h4>The message</h4>\n";
+  html << "<h3>The message</h3>\n";
   writeMessage(html, way.example);
   html << "</details>\n";
 }

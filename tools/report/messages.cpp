@@ -73,6 +73,7 @@ struct line_t {
   Fate fate;
   std::string from;
   std::string to;
+  const char* note;
 };
 
 // Unchanged fields, and lost ones with the same note, share a row.
@@ -93,9 +94,7 @@ std::vector<line_t> linesOf(std::vector<row_t> rows) {
     if (after == row) {
       std::vector<place_t> from = row->from;
       from.insert(from.end(), row->with.begin(), row->with.end());
-      const std::string note = noteOf(*row);
-      lines.push_back(
-          {row->fate, textOf(from), textOf(row->to) + (note.empty() ? "" : " (" + note + ")")});
+      lines.push_back({row->fate, textOf(from), textOf(row->to), noteOf(*row)});
       ++row;
       continue;
     }
@@ -105,7 +104,7 @@ std::vector<line_t> linesOf(std::vector<row_t> rows) {
     for (const std::string& phrase : pathPhrasesOf(paths)) {
       names += (names.empty() ? "" : ", ") + phrase;
     }
-    lines.push_back({std::prev(after)->fate, names, noteOf(*std::prev(after))});
+    lines.push_back({std::prev(after)->fate, names, "", noteOf(*std::prev(after))});
   }
   return lines;
 }
@@ -170,7 +169,8 @@ void writeFates(Html& html, const example_t& example) {
   for (std::size_t i = 0; i < std::min(lines.size(), MOST_ROWS); ++i) {
     html << "<tr><th scope=\"row\" class=\"fate\">" << shown(nameOf(lines[i].fate))
          << "</th><td><code>" << shown(lines[i].from, LONGEST_PLACES) << "</code></td><td>"
-         << shown(lines[i].to, LONGEST_PLACES) << "</td></tr>\n";
+         << "<code>" << shown(lines[i].to, LONGEST_PLACES) << "</code> " << shown(lines[i].note)
+         << "</td></tr>\n";
   }
   html << "</tbody></table>\n";
   if (lines.size() > MOST_ROWS) {

@@ -49,6 +49,7 @@ code, pre, .log { font-family: ui-monospace, "SF Mono", Consolas, "DejaVu Sans M
 pre { margin: .5rem 0; padding: .75rem 1rem; background: var(--panel); border: 1px solid var(--line); white-space: pre-wrap; }
 .log { padding: .5rem 1rem; background: var(--panel); border-left: 3px solid var(--bad); }
 .note { color: var(--soft); font-size: .9375rem; }
+td.note { font-size: inherit; }
 .bad, .bad dd, .bad dt { color: var(--bad); }
 .skip { position: absolute; left: -100rem; }
 .skip:focus { left: 1rem; top: .5rem; }
@@ -97,15 +98,17 @@ details > table { width: calc(100% - 1.125rem); }
   details > table { width: 100%; }
   table, code, pre, .log { font-size: .8125rem; }
   th, td { padding-right: .5rem; }
-  .fate { width: 5rem; }
+  .fate { width: 6rem; }
   .bar { width: 25%; }
 }
 @media print {
-  body { max-width: none; padding: 0; font-size: 10pt; }
+  :root { font-size: 10pt; }
+  body { max-width: none; padding: 0; }
   nav, .skip { display: none; }
   details::details-content { content-visibility: visible; display: block; block-size: auto; }
   .scroll { overflow: visible; }
-  .scroll table { font-size: 7pt; }
+  .scroll table { font-size: .75rem; }
+  .scroll td, .scroll th { white-space: normal; }
   h2, h3, h4, summary, caption { break-after: avoid; }
   tr, figure svg { break-inside: avoid; }
   svg { print-color-adjust: exact; }
