@@ -259,7 +259,7 @@ TEST_F(ExplainProgramTest, SuitesHaveNoExplanations) {
   EXPECT_EQ(
       result.diagnostics,
       "ostrovia-replay: --suite takes no FILES, --expect, --expect-events, --record, --dropped, "
-      "--redacted, --summary, --explain or --follow\n");
+      "--redacted, --report, --summary, --explain or --follow\n");
 }
 
 TEST_F(ExplainProgramTest, AFullDeviceIsAnError) {

@@ -136,7 +136,7 @@ TEST_F(SuiteTest, WrongUseIsNamed) {
       {{"--update"}, "--update and --junit need --suite"},
       {{"--suite", "suite", "x"},
        "--suite takes no FILES, --expect, --expect-events, --record, --dropped, --redacted, "
-       "--summary, --explain or --follow"}};
+       "--report, --summary, --explain or --follow"}};
   for (const auto& [arguments, complaint] : rows) {
     const result_t result = run(arguments);
     EXPECT_EQ(result.status, 2);
