@@ -38,7 +38,8 @@ void Consumers::addPlugins(const PluginLibrary& library, const data_t& configura
     add(redaction_.emplace(options_, library, configuration, direction, diagnostics_out_));
   }
   if (options_.explain) {
-    const ExplanationForm text = screen_ == Screen::COLOURED ? ExplanationForm::COLOURED_TEXT : ExplanationForm::TEXT;
+    const ExplanationForm text =
+        screen_ == Screen::COLOURED ? ExplanationForm::COLOURED_TEXT : ExplanationForm::TEXT;
     add(explainer_.emplace(library, configuration, direction,
                            *options_.explain == "json" ? ExplanationForm::JSON : text,
                            events_out_));
@@ -54,7 +55,7 @@ void Consumers::addPlugins(const PluginLibrary& library, const data_t& configura
 void Consumers::addToReport(const PluginLibrary& library, const data_t& configuration,
                             Direction direction) {
   report_->explainWith(library, configuration, direction);
-  report_->nameBuild("Plug-in", options_.plugin_path, library);
+  report_->nameBuild("Plug-in", identityOf(options_.plugin_path), library);
   if (expectation_) {
     showDifferences(expectation_->comparer(),
                     report_->compare("changes-expect", *options_.expect, "Golden run", "This run"));
@@ -65,7 +66,7 @@ void Consumers::addToReport(const PluginLibrary& library, const data_t& configur
         report_->compare("changes-events", *options_.expect_events, "Recorded", "This run"));
   }
   if (other_build_) {
-    report_->nameBuild("Other build", *options_.against, other_build_->library());
+    report_->nameBuild("Other build", identityOf(*options_.against), other_build_->library());
     showDifferences(other_build_->comparer(), report_->compare("changes-against", *options_.against,
                                                                "This build", "Other build"));
   }

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/host/file_identity.hpp"
 #include "tools/report/changes.hpp"
 #include "tools/report/collection.hpp"
 
@@ -23,13 +24,11 @@ struct outcome_t {
   std::string recordings; // lines about recordings in the input; empty: there are none
 };
 
-// A library file that took part.
+// A library that took part.
 struct build_t {
   std::string role;
-  std::string path;
-  std::string version; // as it tells itself
-  std::uint64_t size;  // bytes
-  std::string sha256;  // in hexadecimal digits
+  file_identity_t file;
+  std::string version; // of the product, as the library tells
 };
 
 using named_values_t = std::vector<std::pair<std::string, std::string>>;

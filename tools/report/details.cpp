@@ -2,6 +2,7 @@
 // what the page leaves out.
 #include <algorithm>
 
+#include "identity/build_name.hpp"
 #include "tools/report/chart.hpp"
 #include "tools/report/sections.hpp"
 
@@ -35,6 +36,12 @@ void writeNamedValues(Html& html, markup_t caption, const named_values_t& values
          << shown(value) << "</code></td></tr>\n";
   }
   html << "</tbody></table>\n";
+}
+
+void writeEntry(Html& html, markup_t name, const std::string& value) {
+  if (value.empty()) return;
+  html << "<tr><th scope=\"row\">" << name << "</th><td><code>" << shown(value)
+       << "</code></td></tr>\n";
 }
 
 } // namespace
@@ -122,14 +129,16 @@ void writeConfiguration(Html& html, const contents_t& contents) {
 void writeBuilds(Html& html, const contents_t& contents) {
   html << "<section id=\"builds\" aria-labelledby=\"builds-title\">"
           "<h2 id=\"builds-title\">Builds</h2>\n";
+  html << "<p>This tool: " << shown(VLT_BUILD_NAME) << "</p>\n";
   for (const build_t& build : contents.settings.builds) {
-    html << "<table><caption>" << shown(build.role)
-         << "</caption><tbody>\n<tr><th scope=\"row\">File"
-         << "</th><td><code>" << shown(build.path) << "</code></td></tr>\n<tr><th scope=\"row\">"
-         << "Product version</th><td>" << shown(build.version) << "</td></tr>\n"
-         << "<tr><th scope=\"row\">Size</th><td>" << shown(counted(build.size, "byte"))
-         << "</td></tr>\n<tr><th scope=\"row\">SHA-256</th><td><code>" << shown(build.sha256)
-         << "</code></td></tr>\n</tbody></table>\n";
+    html << "<table class=\"build\"><caption>" << shown(build.role) << "</caption><tbody>\n";
+    writeEntry(html, "File", build.file.path);
+    writeEntry(html, "Build", build.file.build_name);
+    writeEntry(html, "Build id", build.file.build_id);
+    writeEntry(html, "Product version", build.version);
+    writeEntry(html, "Size", counted(build.file.size, "byte"));
+    writeEntry(html, "SHA-256", build.file.sha256);
+    html << "</tbody></table>\n";
   }
   html << "</section>\n";
 }

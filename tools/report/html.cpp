@@ -4,66 +4,21 @@
 #include <array>
 #include <cstdio>
 
+#include "ndjson/utf8.hpp"
+#include "ndjson/visible_text.hpp"
 #include "tools/report/shape.hpp"
 
 namespace com::velanto::connectivity::tools::report {
 
 namespace {
 
-constexpr char32_t REPLACEMENT = 0xFFFD;
-
-struct character_t {
-  char32_t code;
-  std::size_t size; // bytes
-};
-
-// The first character of a text that is not empty; a byte that is no UTF-8 is one of its own.
-character_t firstOf(std::string_view text) noexcept {
-  const auto byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-  const unsigned char first = byte(0);
-  if (first < 0x80) return {first, 1};
-  const std::size_t size = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-  if (first < 0xC2 || first > 0xF4 || text.size() < size) return {REPLACEMENT, 1};
-  char32_t code = first & (0xFF >> (size + 1));
-  for (std::size_t i = 1; i < size; ++i) {
-    if ((byte(i) & 0xC0) != 0x80) return {REPLACEMENT, 1};
-    code = (code << 6) | (byte(i) & 0x3F);
-  }
-  constexpr std::array<char32_t, 5> SMALLEST = {0, 0, 0x80, 0x800, 0x10000};
-  const bool is_surrogate = code >= 0xD800 && code <= 0xDFFF;
-  if (code < SMALLEST[size] || code > 0x10FFFF || is_surrogate) return {REPLACEMENT, 1};
-  return {code, size};
+// The first character of a text that is not empty, or a byte that is no part of UTF-8.
+std::string_view firstOf(std::string_view text) noexcept {
+  return text.substr(0, std::max<std::size_t>(1, lengthOfCharacter(text)));
 }
 
-struct range_t {
-  char32_t first;
-  char32_t last;
-};
-
-// Controls, marks and overrides of direction, separators, and characters without a shape. The
-// joiners U+200C and U+200D stay: some scripts are wrong without them.
-constexpr std::array INVISIBLE = {
-    range_t{0x00, 0x1F},       range_t{0x7F, 0x9F},     range_t{0xAD, 0xAD},
-    range_t{0x61C, 0x61C},     range_t{0x180E, 0x180E}, range_t{0x200B, 0x200B},
-    range_t{0x200E, 0x200F},   range_t{0x2028, 0x202E}, range_t{0x2060, 0x206F},
-    range_t{0xFEFF, 0xFEFF},   range_t{0xFFF0, 0xFFFB}, range_t{0xFFFE, 0xFFFF},
-    range_t{0xE0000, 0xE0FFF},
-};
-
-bool isInvisible(char32_t code) noexcept {
-  return std::any_of(INVISIBLE.begin(), INVISIBLE.end(), [code](const range_t& range) {
-    return code >= range.first && code <= range.last;
-  });
-}
-
-std::string jsonEscapeOf(char32_t code) {
-  std::array<char, 16> text{};
-  std::snprintf(text.data(), text.size(), "\\u%04x", static_cast<unsigned>(code));
-  return text.data();
-}
-
-std::string pieceFor(const character_t& character, std::string_view bytes) {
-  switch (character.code) {
+std::string pieceFor(std::string_view character) {
+  switch (character.front()) {
     case '&':
       return "&amp;";
     case '<':
@@ -74,15 +29,9 @@ std::string pieceFor(const character_t& character, std::string_view bytes) {
       return "&quot;";
     case '\'':
       return "&#39;";
-    case REPLACEMENT:
-      return "\uFFFD";
     default:
-      break;
+      return visible(character);
   }
-  if (!isInvisible(character.code)) return std::string(bytes);
-  if (character.code <= 0xFFFF) return jsonEscapeOf(character.code);
-  const char32_t above = character.code - 0x10000;
-  return jsonEscapeOf(0xD800 + (above >> 10)) + jsonEscapeOf(0xDC00 + (above & 0x3FF));
 }
 
 } // namespace
@@ -90,11 +39,11 @@ std::string pieceFor(const character_t& character, std::string_view bytes) {
 std::string escaped(std::string_view text, std::size_t most, std::size_t& left_out) {
   std::string out;
   while (!text.empty()) {
-    const character_t character = firstOf(text);
-    const std::string piece = pieceFor(character, text.substr(0, character.size));
+    const std::string_view character = firstOf(text);
+    const std::string piece = pieceFor(character);
     if (out.size() + piece.size() > most) break;
     out += piece;
-    text.remove_prefix(character.size);
+    text.remove_prefix(character.size());
   }
   left_out = text.size();
   return out;

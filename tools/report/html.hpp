@@ -2,9 +2,8 @@
 // compiler checks. Every other text goes through escaped(), so no text can become markup:
 //
 //   & < > " '                                          an entity
-//   bytes that are not UTF-8                           U+FFFD
-//   control characters, line separators, characters    \u202e, as JSON escapes them
-//   that set the direction of text or show nothing
+//   characters and bytes that ndjson/visible_text.hpp  its visible form, such as \u202e
+//   names
 //
 // The result is right within an element and within an attribute in quotes.
 #ifndef VLT_TOOLS_REPORT_HTML_HPP

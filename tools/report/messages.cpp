@@ -124,7 +124,8 @@ void writeFaults(Html& html, const blame_t& blame) {
     std::string found = fault.found;
     if (found.empty()) found = fault.missing ? "nothing" : "a list or map";
     html << "<tr><th scope=\"row\"><code>" << shown(tools::textOf(fault.path), LONGEST_PLACES)
-         << "</code></th><td><code>" << shown(found) << "</code></td>";
+         << "</code></th><td><code>" << shown(found) << "</code> " << shown(fault.defect)
+         << "</td>";
     if (proven) html << "<td><code>" << shown(fault.mended) << "</code></td>";
     html << "</tr>\n";
   }

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "ndjson/json_writer.hpp"
-#include "tools/report/digest.hpp"
 #include "tools/report/page.hpp"
 #include "tools/report/sections.hpp"
 #include "value/get_visitor.hpp"
@@ -62,11 +61,9 @@ void Report::explainWith(const PluginLibrary& library, const data_t& configurati
   inquiry_.emplace(library, configuration, direction);
 }
 
-void Report::nameBuild(const std::string& role, const std::string& path,
+void Report::nameBuild(const std::string& role, const file_identity_t& file,
                        const PluginLibrary& library) {
-  const file_digest_t digest = digestOf(path);
-  contents_.settings.builds.push_back(
-      {role, path, text_or_empty(library.productVersion()), digest.size, digest.sha256});
+  contents_.settings.builds.push_back({role, file, text_or_empty(library.productVersion())});
 }
 
 // A message that was recorded on its way to the transport would go the other way here.

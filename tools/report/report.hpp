@@ -26,7 +26,8 @@ class Report final : public Consumer {
   // The plug-in of the run, whose messages another instance explains; `library` must stay until
   // finish(). Throws PluginError.
   void explainWith(const PluginLibrary& library, const data_t& configuration, Direction direction);
-  void nameBuild(const std::string& role, const std::string& path, const PluginLibrary& library);
+  void nameBuild(const std::string& role, const file_identity_t& file,
+                 const PluginLibrary& library);
 
   // A comparison with another run; the result stays valid.
   Changes& compare(const char* anchor, const std::string& title, const char* before,

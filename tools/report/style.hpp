@@ -68,6 +68,7 @@ thead th { color: var(--soft); font-size: .875rem; }
 .faults, .sides { table-layout: fixed; }
 .sides thead th:first-child { width: 24%; }
 .sides thead .number { width: 5.5rem; }
+.build th { width: 9rem; }
 .kind { white-space: nowrap; }
 .fate { width: 6.5rem; color: var(--soft); }
 .scroll { overflow-x: auto; }
