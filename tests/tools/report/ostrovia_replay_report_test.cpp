@@ -121,7 +121,9 @@ TEST_F(ReportTest, OtherBuildIsComparedAndNamed) {
   const std::string page = pageOf({"--against", VLT_PLUGIN_PATH});
   EXPECT_THAT(textOf(page, "changes-against"), HasSubstr("0 of 1 message differ"));
   const Pattern build(
-      "Other build File /\\S+ Product version [0-9.]+ Size [^S]+ SHA-256 [0-9a-f]{64} ");
+      "Other build File /\\S+ Build ostrovia-notifications [^B]+ Build id [0-9a-f]+ Product "
+      "version "
+      "[0-9.]+ Size [^S]+ SHA-256 [0-9a-f]{64} ");
   EXPECT_TRUE(build.isIn(textOf(page, "builds"))) << textOf(page, "builds");
 }
 
