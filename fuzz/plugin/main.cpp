@@ -1,7 +1,8 @@
 // The whole plug-in, as a host loads it: a batch goes through it in both directions.
 //
 //   (1) Create the plug-in, which must refuse a wrong configuration.
-//   (2) Send each message alone, and compare with the laws (fuzz/plugin/laws.hpp).
+//   (2) Send each message alone, and compare with the laws (fuzz/plugin/laws.hpp) and with the
+//       second opinion, that of the plain build (fuzz/plugin/second_opinion.hpp).
 //   (3) Send all together: towards the transport unchanged, towards the host with the same outcome
 //       as alone and in their order.
 //   (4) Destroy the plug-in; no block is left.
@@ -9,12 +10,14 @@
 // A run without memory, or with a link that throws or is missing, omits (2). In (3), it checks the
 // laws of every call only (fuzz/plugin/watched_plugin.hpp).
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "fuzz/finding.hpp"
 #include "fuzz/plugin/laws.hpp"
 #include "fuzz/plugin/samples.hpp"
+#include "fuzz/plugin/second_opinion.hpp"
 #include "standin/standin.h"
 
 namespace com::velanto::connectivity::fuzz {
@@ -56,10 +59,11 @@ struct expectation_t {
 };
 
 void sendAlone(const scenario_t& scenario, const message_t& message, WatchedPlugin& chain,
-               expectation_t& expected) {
+               WatchedPlugin* plain, expectation_t& expected) {
   Batch batch({&message, 1});
   const outcome_t outcome = chain.sendTowardsHost(batch);
   const verdict_t verdict = judge(scenario, message, batch[0], outcome);
+  if (plain != nullptr) requireSameOpinion(*plain, message, batch[0], outcome);
   count(verdict);
   if (verdict.fate != fate_t::DROPPED) expected.kept.push_back(modelOf(batch[0]));
   expected.lines.insert(expected.lines.end(), outcome.lines.begin(), outcome.lines.end());
@@ -107,8 +111,12 @@ void sendUnderFailure(const scenario_t& scenario, WatchedPlugin& chain) {
 }
 
 void run(const scenario_t& scenario) {
-  WatchedPlugin chain(scenario);
+  WatchedPlugin chain(scenario, WatchedPlugin::Build::OURS);
+  std::optional<WatchedPlugin> plain; // with memory alone: it may ask for more, or less
   if (scenario.refused_in_create == 0) {
+    plain.emplace(scenario, WatchedPlugin::Build::PLAIN);
+    require(plain->exists() == chain.exists() && plain->lines() == chain.lines(),
+            "both builds refuse the same configurations");
     require(chain.exists() != mustBeRefused(scenario),
             "a configuration is refused when it must be");
     require(chain.lines().size() == (chain.exists() || scenario.level < 2 ? 0U : 1U),
@@ -124,7 +132,7 @@ void run(const scenario_t& scenario) {
   }
   expectation_t expected;
   for (const message_t& message : scenario.messages) {
-    sendAlone(scenario, message, chain, expected);
+    sendAlone(scenario, message, chain, plain ? &*plain : nullptr, expected);
   }
   sendTogether(scenario, chain, expected);
 }
@@ -136,7 +144,7 @@ void run(const scenario_t& scenario) {
 namespace fuzz = com::velanto::connectivity::fuzz;
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  fuzz::WatchedPlugin::loadLibrary(); // with its counters, before the fuzzer looks for them
+  fuzz::WatchedPlugin::loadLibraries(); // with its counters, before the fuzzer looks for them
   static_cast<void>(fuzz::samples());
   return std::atexit(fuzz::printCounts);
 }

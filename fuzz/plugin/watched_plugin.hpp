@@ -13,6 +13,7 @@
 
 #include "fuzz/plugin/batch.hpp"
 #include "fuzz/plugin/scenario.hpp"
+#include "tools/host/plugin_library.hpp"
 
 namespace com::velanto::connectivity::fuzz {
 
@@ -31,11 +32,15 @@ struct outcome_t {
 
 class WatchedPlugin {
  public:
-  // Loads the plug-in library, which makes blocks of its own; before the first chain.
-  static void loadLibrary();
+  // Which build it is: the subject of the checks, or the plain one for comparison, from which they
+  // ask only for what is required of any build.
+  enum class Build { OURS, PLAIN };
+
+  // Loads the libraries of both builds, which make blocks of their own; before the first chain.
+  static void loadLibraries();
 
   // Creates the plug-in, unless it refuses, with its links set and started.
-  explicit WatchedPlugin(const scenario_t& scenario);
+  WatchedPlugin(const scenario_t& scenario, Build build);
   WatchedPlugin(const WatchedPlugin&) = delete;
   WatchedPlugin& operator=(const WatchedPlugin&) = delete;
   ~WatchedPlugin(); // shuts down and destroys; a finding when a block is left
@@ -57,6 +62,8 @@ class WatchedPlugin {
   static void passAndThrow(void* chain, vlt_underlying_message_t* start,
                            vlt_underlying_message_t* end);
 
+  Build build_;
+  const tools::PluginLibrary& library_;
   std::int64_t live_before_;
   std::vector<line_t> lines_;
   void* plugin_ = nullptr;
