@@ -12,6 +12,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "tools/host/file_identity.hpp"
 #include "tools/record/output_file.hpp"
@@ -34,8 +35,8 @@ namespace com::velanto::connectivity::tools {
 class GoldenWriter final : public Consumer {
  public:
   // Throws ReplayError with EXIT_IO.
-  GoldenWriter(const std::string& path, const std::string& plugin_path)
-      : file_(path), plugin_path_(plugin_path) {}
+  GoldenWriter(const std::string& path, std::string plugin_path)
+      : file_(path), plugin_path_(std::move(plugin_path)) {}
 
   void take(const record_t& record) override { file_.write(goldenLineOf(record) + "\n"); }
   void takeLog(std::span<const log_line_t> lines) override {
