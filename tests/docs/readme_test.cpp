@@ -44,9 +44,6 @@ TEST_F(Readme, EveryExampleShowsTheOutputOfTheDoor) {
 }
 
 TEST_F(Readme, PluginCheckPrintsTheOutputInItsDocument) {
-#ifdef VLT_SANITIZED
-  GTEST_SKIP() << "with another heap, the checks that measure it are left out";
-#endif
   const auto as_it_is = [](const std::string& text) { return text; };
   expectAtDoor("docs/check-plugin.md", 2, as_it_is, " --timeout 250"); // the machine may be busy
 }
