@@ -104,7 +104,12 @@ auto JsonReader::Parser::locating(ondemand::document& document, const Body& body
   } catch (const MalformedJson& e) {
     const char* place = nullptr;
     if (e.column() != 0 || document.current_location().get(place) != simdjson::SUCCESS) throw;
-    throw MalformedJson(e.what(), columnOf(place));
+    const std::size_t column = columnOf(place);
+    if (column > 1 || before_ > 0) throw MalformedJson(e.what(), column);
+    // The library looks at the last bracket first.
+    const std::string_view line(padded_);
+    throw MalformedJson(e.what(),
+                        findBracketFault(line.substr(0, line.find_last_not_of(' ') + 1)) + 1);
   }
 }
 

@@ -46,7 +46,8 @@ class MalformedJson : public std::runtime_error {
       : std::runtime_error(reason), column_(column) {}
 
   // The place of the fault, in bytes from 1. Exact for a fault of a single string, number, key or
-  // byte; at or shortly after the fault for one of the structure. 0: not known.
+  // byte, and for brackets; at or shortly after the fault for other ones of the structure. 0: not
+  // known.
   [[nodiscard]] std::size_t column() const noexcept { return column_; }
 
  private:

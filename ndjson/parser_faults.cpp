@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <new>
+#include <string>
 
 #include "ndjson/json_reader.hpp"
 #include "ndjson/utf8.hpp"
@@ -70,6 +71,24 @@ void refuseWhole(simdjson::error_code error, std::string_view json) {
   const std::size_t at =
       error == simdjson::UTF8_ERROR ? findInvalidUtf8(json) : findTextFault(json);
   throw MalformedJson(reasonOf(error), at + 1);
+}
+
+std::size_t findBracketFault(std::string_view json) {
+  std::string open; // the brackets that would close
+  bool in_text = false;
+  for (std::size_t i = 0; i < json.size(); ++i) {
+    const char c = json[i];
+    if (c == '"') in_text = !in_text;
+    if (in_text && c == '\\') ++i;
+    if (in_text) continue;
+    if (c == '{' || c == '[') open += c == '{' ? '}' : ']';
+    if (c != '}' && c != ']') continue;
+    if (!open.ends_with(c)) return i;
+    open.pop_back();
+    const std::size_t next = json.find_first_not_of(" \t\r\n", i + 1);
+    if (open.empty() && next != std::string_view::npos) return next;
+  }
+  return open.empty() ? 0 : json.size();
 }
 
 } // namespace com::velanto::connectivity

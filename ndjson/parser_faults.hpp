@@ -5,6 +5,7 @@
 
 #include <simdjson.h>
 
+#include <cstddef>
 #include <string_view>
 #include <utility>
 
@@ -28,6 +29,11 @@ T require(simdjson::simdjson_result<T> result) {
 
 // Throws MalformedJson for a fault that the parser reports for `json` as a whole: finds its column.
 [[noreturn]] void refuseWhole(simdjson::error_code error, std::string_view json);
+
+// The place of a bracket that closes another one or none, of content after the last one, or the end
+// where one is open; 0 without any. Only for JSON without faults of strings. May throw
+// std::bad_alloc.
+[[nodiscard]] std::size_t findBracketFault(std::string_view json);
 
 } // namespace com::velanto::connectivity
 

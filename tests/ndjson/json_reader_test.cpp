@@ -122,6 +122,9 @@ TEST_F(JsonReaderTest, FaultsAreLocated) {
       {R"({"payload": {"\ud83d": 1}})", 14},
       {"\xEF\xBB\xBF{\"payload\": 1, \"other\": 2}", 19},
       {"\xEF\xBB\xBF{\"payload\": \"\x80\"}", 17},
+      {R"({"payload": [1}]})", 15},
+      {R"({"payload": 1} x)", 16},
+      {R"({"payload": "}{\"", "b": [1, 2)", 31},
       {"x", 1}};
   for (const auto& [line, column] : rows) {
     try {

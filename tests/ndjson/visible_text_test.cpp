@@ -15,13 +15,13 @@ TEST(VisibleText, ControlsBecomeEscapes) {
     std::string text;
     const char* shown;
   };
-  const row_t rows[] = {{"plain ä € 😀", "plain ä € 😀"},
-                        {"\x1b[2J\r\n\t", "\\u001b[2J\\u000d\\u000a\\u0009"},
-                        {std::string(1, '\0') + "\x7f", "\\u0000\\u007f"},
-                        {"\xC2\x9B\xC2\x85\xC2\xA0", "\\u009b\\u0085\xC2\xA0"},
-                        {"\u061C\u200E\u202E\u2066\u2028\uFEFF",
-                         "\\u061c\\u200e\\u202e\\u2066\\u2028\\ufeff"},
-                        {"\xff\xC2", "\\xff\\xc2"}};
+  const row_t rows[] = {
+      {"plain ä € 😀", "plain ä € 😀"},
+      {"\x1b[2J\r\n\t", "\\u001b[2J\\u000d\\u000a\\u0009"},
+      {std::string(1, '\0') + "\x7f", "\\u0000\\u007f"},
+      {"\xC2\x9B\xC2\x85\xC2\xA0", "\\u009b\\u0085\xC2\xA0"},
+      {"\u061C\u200E\u202E\u2066\u2028\uFEFF", "\\u061c\\u200e\\u202e\\u2066\\u2028\\ufeff"},
+      {"\xff\xC2", "\\xff\\xc2"}};
   for (const row_t& row : rows) {
     EXPECT_EQ(visible(row.text), row.shown);
     EXPECT_EQ(visible(visible(row.text)), row.shown);

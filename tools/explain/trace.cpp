@@ -126,7 +126,7 @@ bool Trace::sameBelow(const path_t& path, const Trace& other) const {
 }
 
 std::size_t Trace::effort() const noexcept {
-  constexpr std::size_t STEPS = 64; // of a path, that take as long as a node,
+  constexpr std::size_t STEPS = 64;  // of a path, that take as long as a node,
   constexpr std::size_t BYTES = 256; // and of a value
   std::size_t steps = 0;
   std::size_t bytes = 0;

@@ -20,7 +20,7 @@ struct call_result_t {
   bool failed = false; // the plug-in reported failure
   std::vector<Message> outputs;
   std::vector<log_line_t> log;
-  std::string printed; // on standard error, past the log, as far as it is caught
+  std::string printed;             // on standard error, past the log, as far as it is caught
   std::chrono::nanoseconds time{}; // the call alone
 };
 

@@ -157,8 +157,8 @@ StandardErrorBuffer::int_type StandardErrorBuffer::overflow(int_type c) {
 }
 
 std::streamsize StandardErrorBuffer::xsputn(const char* text, std::streamsize count) {
-  return static_cast<std::streamsize>(writeAll(StandardErrorCapture::realDescriptor(), text,
-                                               static_cast<std::size_t>(count)));
+  return static_cast<std::streamsize>(
+      writeAll(StandardErrorCapture::realDescriptor(), text, static_cast<std::size_t>(count)));
 }
 
 } // namespace com::velanto::connectivity::tools

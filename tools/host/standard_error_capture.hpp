@@ -62,8 +62,8 @@ class StandardErrorCapture {
   int real_ = -1;   // a duplicate of the real standard error
   int memory_ = -1; // the file
   const volatile char* first_byte_;
-  char* page_ = nullptr; // the mapping
-  long taken_ = 0;       // bytes of the file
+  char* page_ = nullptr;    // the mapping
+  long taken_ = 0;          // bytes of the file
   std::vector<char> stack_; // of the handlers: the plug-in may have used up its own
   stack_t stack_before_{};
   std::vector<handler_t> handlers_;

@@ -54,8 +54,8 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
   struct stat status {};
   if (descriptor) {
     const bool is_error = *descriptor == STDERR_FILENO;
-    descriptor_ = fcntl(is_error ? StandardErrorCapture::realDescriptor() : *descriptor,
-                        F_DUPFD_CLOEXEC, 0);
+    descriptor_ =
+        fcntl(is_error ? StandardErrorCapture::realDescriptor() : *descriptor, F_DUPFD_CLOEXEC, 0);
   } else if (stat(path_.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
     descriptor_ = open(path_.c_str(), O_WRONLY | O_CLOEXEC); // refuses a folder
   } else {

@@ -95,7 +95,8 @@ void awaitFirstFile(const ReplayOptions& options, std::ostream& diagnostics) {
 
 // With the lines that the plug-in itself writes to standard error after those of the check.
 int checkQuietly(const ReplayOptions& options, std::ostream& out, std::ostream& diagnostics) {
-  StandardErrorCapture capture(StandardErrorCapture::Calls::IN_TURN);
+  // The calls of the check leave their lines here.
+  StandardErrorCapture capture(StandardErrorCapture::Calls::AT_ONCE);
   const int status = checkConfiguration(options, out, diagnostics);
   PrintedLines printed;
   printed.add(capture.take(), "");

@@ -339,7 +339,8 @@ int reportError(std::ostream& diagnostics) noexcept {
   } catch (const PluginError& error) {
     return report(error, EXIT_PLUGIN);
   } catch (const std::bad_alloc&) {
-    diagnostics << REPLAY_NAME << ": memory has run out; --max-line bounds the lines of the input\n";
+    diagnostics << REPLAY_NAME
+                << ": memory has run out; --max-line bounds the lines of the input\n";
     return EXIT_IO;
   } catch (const std::exception& error) {
     return report(error, EXIT_IO);

@@ -24,7 +24,8 @@ namespace com::velanto::connectivity::tools {
 // line with the figures. `terminal`, if there is one, is the target of `diagnostics` and shows the
 // progress; `screen` is that of `events`. Returns one of EXIT_STATUSES. Does not throw.
 int replay(const ReplayOptions& options, const std::vector<input_t>& inputs, std::ostream& events,
-           std::ostream& diagnostics, Terminal* terminal = nullptr, Screen screen = Screen::NONE) noexcept;
+           std::ostream& diagnostics, Terminal* terminal = nullptr,
+           Screen screen = Screen::NONE) noexcept;
 
 // Throws ReplayError with EXIT_USAGE when a file that the run writes has another use in it, such as
 // being read. The run has the files of the options, the standard streams, and those given here; "-"

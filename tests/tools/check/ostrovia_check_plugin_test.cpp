@@ -245,6 +245,7 @@ TEST_F(OstroviaCheckPluginTest, WrongUseIsStatus2WithOneLine) {
       {"", "which library? See --help"},
       {"--tiemout 3 x.so", "unknown option '--tiemout', did you mean '--timeout'?"},
       {"--unknown x.so", "unknown option '--unknown'; see --help"},
+      {"'--\x1b[2J' x.so", "unknown option '--\\u001b[2J'; see --help"},
       {"--only nothing.* next.so", "no check is named 'nothing.*'; see --list"},
       {"--skip nothing.* next.so", "no check is named 'nothing.*'; see --list"},
       {"--only batches.many --skip 'b*' next.so", "no check is left to run"},

@@ -24,8 +24,7 @@ class MendingTest : public HostFixture {
     std::string text;
     for (const tools::mended_t& mended : tools::mendedValues(reader_.parseValue(json))) {
       if (mended.defect.empty()) continue;
-      text += (text.empty() ? "" : ", ") + mended.defect + ": " +
-              mended.value.get<const char*>();
+      text += (text.empty() ? "" : ", ") + mended.defect + ": " + mended.value.get<const char*>();
     }
     return text;
   }
@@ -64,8 +63,7 @@ TEST_F(MendingTest, DefectsOfStringsHaveNames) {
       {" 1", "has blanks around it: 1"},
       {"2024-05-14T06:55:12", "has no zone: 2024-05-14T06:55:12Z"},
       {"2024-05-14", "has no time of day and no zone: 2024-05-14T00:00:00Z"},
-      {"2024-05-14 06:55",
-       "has a blank for 'T' and no seconds and no zone: 2024-05-14T06:55:00Z"},
+      {"2024-05-14 06:55", "has a blank for 'T' and no seconds and no zone: 2024-05-14T06:55:00Z"},
       {"2024-05-14 06:55:12.5+02:00", "has a blank for 'T': 2024-05-14T06:55:12.5+02:00"},
       {"2024-05-14T06:55:12-02", "has a zone without minutes: 2024-05-14T06:55:12-02:00"},
       {"2024-05-14T06:55+0200", "has no seconds: 2024-05-14T06:55:00+0200"}};

@@ -121,8 +121,8 @@ TEST_F(ExplainProgramTest, TheDefectItselfIsNamed) {
                        "               \"1970-01-01T00:00:05Z\" would do\n"),
             std::string::npos)
       << shown;
-  EXPECT_NE(run({"--explain=json"}).out.find(
-                R"("mended":"1970-01-01T00:00:05Z","defect":"has no zone"})"),
+  EXPECT_NE(run({"--explain=json"})
+                .out.find(R"("mended":"1970-01-01T00:00:05Z","defect":"has no zone"})"),
             std::string::npos);
 }
 
@@ -137,8 +137,8 @@ TEST_F(ExplainProgramTest, TooLargeMessagesSaySo) {
   const result_t result = run({"--explain", "--summary"});
   EXPECT_EQ(result.out,
             "<stdin>:1: no path, passed\n"
-            "  unknown    everything: the message has too many values, or is nested\n"
-            "               too deep, to run again\n");
+            "  unknown    everything: the message has too many values, or is nested too\n"
+            "               deep, to run again\n");
   EXPECT_EQ(result.diagnostics.find("alike"), std::string::npos);
   EXPECT_NE(run({"--explain=json"}).out.find(R"("limited":true,"stopped":"everything: )"),
             std::string::npos);

@@ -144,7 +144,7 @@ TEST_F(FollowingTest, RecordingMayBeginLater) {
               "ostrovia-replay: waits for the first file of " + path +
                   "\na: 1 messages, files 1, run 00000000000000a1\n  recorder a in chain site\n"
                   "  no counts yet; no end\n"
-                  "read 1, reached the host 1, dropped 0, malformed 0, T ms, 0 blocks live\n");
+                  "read 1, reached the host 1, dropped 0, malformed 0, T ms\n");
     fs::remove_all(folder_.path("rec"));
   }
 }
@@ -189,7 +189,7 @@ TEST_F(FollowingTest, TerminalShowsOneSummaryThatGrows) {
   screen.await("read 2, ");
   EXPECT_EQ(waitFor(child_).status, 130);
   EXPECT_EQ(screen.line(4), "all                        0           2           0");
-  EXPECT_EQ(screen.height(), 9U);
+  EXPECT_EQ(screen.height(), 11U);
   close(terminal);
 }
 

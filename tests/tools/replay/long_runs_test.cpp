@@ -56,8 +56,8 @@ class LongRunsTest : public Program {};
 
 TEST_F(LongRunsTest, LinesBeyondTheBoundAreMalformed) {
   const std::string mebibyte = passingLine("\"" + std::string((1 << 20) - 14, 'x') + "\"");
-  input_ = mebibyte + passingLine("\"" + std::string((1 << 20) - 13, 'x') + "\"") +
-           passingLine("2");
+  input_ =
+      mebibyte + passingLine("\"" + std::string((1 << 20) - 13, 'x') + "\"") + passingLine("2");
   for (const char* const threads : {"1", "2"}) {
     const result_t result = run({"--max-line", "1", "--threads", threads});
     EXPECT_EQ(result.status, 3);

@@ -55,7 +55,7 @@ TEST_F(OstroviaReplayTest, FilesKeepOrderAndMalformedLinesAreNamed) {
   EXPECT_EQ(result.out, "{\"metadata\":{},\"payload\":1}\n{\"metadata\":{},\"payload\":2}\n");
   EXPECT_EQ(result.diagnostics,
             first +
-                ":2:1: not well-formed JSON\n<stdin>:2:1: not well-formed JSON\n"
+                ":2:1: not well-formed JSON\n<stdin>:2:3: not well-formed JSON\n"
                 "read 4, reached the host 2, dropped 0, malformed 2, T ms\n");
 }
 
@@ -260,7 +260,7 @@ TEST_F(OstroviaReplayTest, MemoryDoesNotGrowWithTheInput) {
   out_path_ = "/dev/null";
   const result_t many = run(arguments);
   EXPECT_TRUE(many.diagnostics.ends_with(
-      "read 51000, reached the host 51000, dropped 0, malformed 0, T ms\n"));
+      "read 51000, reached the host 51000, dropped 0, malformed 0, T ms, 0 blocks live\n"));
   EXPECT_LT(many.memory, some.memory + 8192);
 }
 

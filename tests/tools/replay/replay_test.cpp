@@ -95,8 +95,8 @@ TEST_F(ReplayTest, EventsKeepOrderAndDroppedOnesCount) {
   EXPECT_EQ(events(),
             "{\"metadata\":{},\"payload\":1}\n"
             "{\"metadata\":{\"m\":null},\"payload\":{\"a\":3.0}}\n");
-  EXPECT_EQ(diagnostics(),
-            "in:2: " + sourcelessLog("2") + "read 3, reached the host 2, dropped 1, malformed 0, T ms\n");
+  EXPECT_EQ(diagnostics(), "in:2: " + sourcelessLog("2") +
+                               "read 3, reached the host 2, dropped 1, malformed 0, T ms\n");
 }
 
 TEST_F(ReplayTest, NotificationIsDecoded) {
@@ -155,7 +155,8 @@ TEST_F(ReplayTest, BatchSizeChangesNothingButTheBatches) {
   const std::string log = diagnostics();
   EXPECT_EQ(log, "in:1: " + sourcelessLog("0") + "in:4: " + sourcelessLog("3") +
                      "in:6:1: not well-formed JSON\nin:8: " + sourcelessLog("6") +
-                     "in:11: " + sourcelessLog("9") + "read 11, reached the host 6, dropped 4, malformed 1, T ms\n");
+                     "in:11: " + sourcelessLog("9") +
+                     "read 11, reached the host 6, dropped 4, malformed 1, T ms\n");
   for (const std::size_t size : {2u, 3u, 5u, 10u, 256u, 1000u}) {
     options_.batch_size = size;
     EXPECT_EQ(replay(content), tools::EXIT_BAD_INPUT);

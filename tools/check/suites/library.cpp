@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/host/elf_file.hpp"
 #include "tools/check/suites/suites.hpp"
+#include "tools/host/elf_file.hpp"
 #include "tools/host/interface_names.hpp"
 
 namespace com::velanto::connectivity::tools::check {

@@ -29,10 +29,9 @@ bool isHarmless(std::string text) {
 
 TEST_F(DiagnosticsTest, PlainLinesBeginWithTheirPlace) {
   input_ = eventLine("1") + textlessLine("2") + "x\n";
-  EXPECT_EQ(run({}).diagnostics,
-            "<stdin>:2: " + textlessLog("2") +
-                "\n<stdin>:3:1: not well-formed JSON\n"
-                "read 3, reached the host 1, dropped 1, malformed 1, T ms\n");
+  EXPECT_EQ(run({}).diagnostics, "<stdin>:2: " + textlessLog("2") +
+                                     "\n<stdin>:3:1: not well-formed JSON\n"
+                                     "read 3, reached the host 1, dropped 1, malformed 1, T ms\n");
 }
 
 TEST_F(DiagnosticsTest, MachinesGetALineOfJson) {

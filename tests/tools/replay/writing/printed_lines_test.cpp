@@ -20,10 +20,8 @@ class PrintedLinesTest : public Program {
   }
 };
 
-const std::string CREATED =
-    "ostrovia-replay: the plug-in wrote to standard error: created\n";
-const char* const READ_3 =
-    "read 3, reached the host 3, dropped 0, malformed 0, T ms\n";
+const std::string CREATED = "ostrovia-replay: the plug-in wrote to standard error: created\n";
+const char* const READ_3 = "read 3, reached the host 3, dropped 0, malformed 0, T ms\n";
 
 // An event whose source has the wrong kind, which the codec also tells standard error.
 std::string sourcelessLine() {
@@ -36,7 +34,8 @@ std::string sourcelessLine() {
 TEST_F(PrintedLinesTest, EachDistinctLineAppearsOnceWithItsCount) {
   input_ = eventLine("1") + sourcelessLine() + sourcelessLine();
   const std::string shown = run({"--log-level", "2"}).diagnostics;
-  EXPECT_TRUE(shown.starts_with("<stdin>:2: the plug-in wrote 2 times to standard error: GetVisitor<"))
+  EXPECT_TRUE(
+      shown.starts_with("<stdin>:2: the plug-in wrote 2 times to standard error: GetVisitor<"))
       << shown;
   EXPECT_EQ(shown.find("GetVisitor<", shown.find("GetVisitor<") + 1), std::string::npos) << shown;
 }
