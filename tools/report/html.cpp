@@ -51,7 +51,6 @@ std::string escaped(std::string_view text, std::size_t most, std::size_t& left_o
 
 std::string grouped(std::uint64_t number) {
   std::string digits = std::to_string(number);
-  if (number < 10'000) return digits;
   for (std::size_t at = digits.size(); at > 3;) digits.insert(at -= 3, "\u202F");
   return digits;
 }

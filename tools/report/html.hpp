@@ -38,7 +38,7 @@ struct shown_t {
 // `left_out` is the number of bytes of `text` that did not fit into `most` bytes.
 [[nodiscard]] std::string escaped(std::string_view text, std::size_t most, std::size_t& left_out);
 
-// 12 345 with a narrow space that does not break; below 10 000 without it.
+// 12 345, with narrow spaces that do not break.
 [[nodiscard]] std::string grouped(std::uint64_t number);
 // "1 message", "12 messages": `one` with an s unless there is one.
 [[nodiscard]] std::string counted(std::uint64_t number, std::string_view one);

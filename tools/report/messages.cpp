@@ -135,6 +135,11 @@ void writeFaults(Html& html, const blame_t& blame) {
   }
 }
 
+void writeLimit(Html& html, const explanation_t& explanation) {
+  if (!explanation.limited) return;
+  html << "<p class=\"note\">The message is too large to try all that could be tried.</p>\n";
+}
+
 } // namespace
 
 void writeMessage(Html& html, const example_t& example) {
@@ -152,7 +157,9 @@ void writeBlame(Html& html, const example_t& example) {
     if (line.level > DROPPED_LEVEL || ++lines > MOST_LOG_LINES) continue;
     html << "<p class=\"log\">" << shown(line.text, 1000) << "</p>\n";
   }
-  if (example.explanation) writeFaults(html, example.explanation->blame);
+  if (!example.explanation) return;
+  writeFaults(html, example.explanation->blame);
+  writeLimit(html, *example.explanation);
 }
 
 void writeFates(Html& html, const example_t& example) {
@@ -174,6 +181,7 @@ void writeFates(Html& html, const example_t& example) {
          << "</td></tr>\n";
   }
   html << "</tbody></table>\n";
+  writeLimit(html, *example.explanation);
   if (lines.size() > MOST_ROWS) {
     html.leaveOut("Further fates of fields of the message at " + example.place + ": " +
                   grouped(lines.size() - MOST_ROWS) + ".");

@@ -65,8 +65,8 @@ TEST(Html, OmissionsAreSaidAndKept) {
 }
 
 TEST(Html, LongNumbersAreGrouped) {
-  EXPECT_EQ(tools::report::grouped(9999), "9999");
-  EXPECT_EQ(tools::report::grouped(10'000), "10\u202F000");
+  EXPECT_EQ(tools::report::grouped(999), "999");
+  EXPECT_EQ(tools::report::grouped(1000), "1\u202F000");
   EXPECT_EQ(tools::report::grouped(1'234'567), "1\u202F234\u202F567");
   EXPECT_EQ(tools::report::counted(1, "message"), "1 message");
   EXPECT_EQ(tools::report::counted(0, "message"), "0 messages");

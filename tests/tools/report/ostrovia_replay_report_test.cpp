@@ -236,7 +236,7 @@ TEST_F(ReportTest, RunGoesOnWithoutAReaderOfEvents) {
   const result_t result =
       runShell("ostrovia-replay --quiet --report page.html in.ndjson | head -1");
   EXPECT_EQ(result.status, 0);
-  EXPECT_THAT(folder_.read("page.html"), HasSubstr("<h1>All 5000 messages arrived</h1>"));
+  EXPECT_THAT(folder_.read("page.html"), HasSubstr("<h1>All 5\u202F000 messages arrived</h1>"));
 }
 
 } // namespace com::velanto::connectivity::test
