@@ -40,8 +40,8 @@ std::vector<std::size_t> kindsIn(const timeline_view_t& view) {
 }
 
 void writeRectangle(Html& html, std::uint64_t x, std::uint64_t y, std::uint64_t height) {
-  html << " x=\"" << x << "\" y=\"" << y << "\" width=\"" << COLUMN - GAP << "\" height=\""
-       << height << "\"/>";
+  html << R"( x=")" << x << R"(" y=")" << y << R"(" width=")" << COLUMN - GAP << R"(" height=")"
+       << height << R"("/>)";
 }
 
 void writeColumn(Html& html, const bar_t& bar, std::uint64_t x, const scale_t& scale,
@@ -57,11 +57,11 @@ void writeColumn(Html& html, const bar_t& bar, std::uint64_t x, const scale_t& s
     const std::uint64_t from = below * ABOVE / scale.messages;
     below += bar.messages[kind];
     const std::uint64_t to = below * ABOVE / scale.messages;
-    html << "<rect class=\"k" << kind << "\"";
+    html << R"(<rect class="k)" << kind << R"(")";
     writeRectangle(html, x, ABOVE - to, std::max<std::uint64_t>(to - from, 1));
   }
   if (bar.dropped > 0) {
-    html << "<rect class=\"drop\"";
+    html << R"(<rect class="drop")";
     writeRectangle(html, x, AXIS, std::max(LEAST, bar.dropped * BELOW / scale.dropped));
   }
   html << "</g>\n";
@@ -71,11 +71,11 @@ void writeTable(Html& html, markup_t title, markup_t axis, const timeline_view_t
                 const label_t& label) {
   const std::vector<std::size_t> kinds = kindsIn(view);
   html << "<details><summary>Numbers of this chart</summary>\n<div class=\"scroll\" tabindex=\"0\" "
-          "role=\"region\" aria-label=\"Numbers: "
-       << title << "\"><table><caption>" << title << "</caption><thead><tr><th scope=\"col\">"
+          R"(role="region" aria-label="Numbers: )"
+       << title << R"("><table><caption>)" << title << R"(</caption><thead><tr><th scope="col">)"
        << axis << "</th>";
   for (const std::size_t kind : kinds) {
-    html << "<th scope=\"col\" class=\"number\">" << shown(nameOf(static_cast<Kind>(kind)))
+    html << R"(<th scope="col" class="number">)" << shown(nameOf(static_cast<Kind>(kind)))
          << "</th>";
   }
   html << "<th scope=\"col\" class=\"number\">dropped</th></tr></thead><tbody>\n";
@@ -83,25 +83,25 @@ void writeTable(Html& html, markup_t title, markup_t axis, const timeline_view_t
     const bar_t& bar = view.bars[i];
     if (bar.sum() == 0) continue;
     const std::int64_t position = view.begin + static_cast<std::int64_t>(i) * view.width;
-    html << "<tr><th scope=\"row\">" << shown(label(position)) << "</th>";
+    html << R"(<tr><th scope="row">)" << shown(label(position)) << "</th>";
     for (const std::size_t kind : kinds) {
-      html << "<td class=\"number\">" << shown(grouped(bar.messages[kind])) << "</td>";
+      html << R"(<td class="number">)" << shown(grouped(bar.messages[kind])) << "</td>";
     }
-    html << "<td class=\"number\">" << shown(grouped(bar.dropped)) << "</td></tr>\n";
+    html << R"(<td class="number">)" << shown(grouped(bar.dropped)) << "</td></tr>\n";
   }
   html << "</tbody></table></div></details>\n";
 }
 
 void writeLegend(Html& html, const timeline_view_t& view) {
-  html << "<ul class=\"legend\">";
+  html << R"(<ul class="legend">)";
   for (const std::size_t kind : kindsIn(view)) {
-    html << "<li><svg class=\"key\" viewBox=\"0 0 1 1\" aria-hidden=\"true\"><rect class=\"k"
-         << kind << "\" width=\"1\" height=\"1\"/></svg>" << shown(nameOf(static_cast<Kind>(kind)))
+    html << R"(<li><svg class="key" viewBox="0 0 1 1" aria-hidden="true"><rect class="k)" << kind
+         << R"(" width="1" height="1"/></svg>)" << shown(nameOf(static_cast<Kind>(kind)))
          << "</li>";
   }
   if (scaleOf(view).dropped > 0) {
-    html << "<li><svg class=\"key\" viewBox=\"0 0 1 1\" aria-hidden=\"true\"><rect class=\"drop\" "
-            "width=\"1\" height=\"1\"/></svg>dropped, below the line, at most "
+    html << R"(<li><svg class="key" viewBox="0 0 1 1" aria-hidden="true"><rect class="drop" )"
+            R"(width="1" height="1"/></svg>dropped, below the line, at most )"
          << shown(grouped(scaleOf(view).dropped)) << " a column</li>";
   }
   html << "</ul>\n";
@@ -113,12 +113,13 @@ void writeTimeline(Html& html, markup_t anchor, markup_t title, markup_t axis,
                    const timeline_view_t& view, const label_t& label) {
   const scale_t scale = scaleOf(view);
   const std::uint64_t height = scale.dropped > 0 ? AXIS + BELOW : AXIS;
-  html << "<figure id=\"" << anchor << "\"><figcaption><h3>" << title << "</h3><p class=\"note\">"
+  html << R"(<figure id=")" << anchor << R"("><figcaption><h3>)" << title
+       << R"(</h3><p class="note">)"
        << "Highest column: " << shown(counted(scale.messages, "message")) << "</p></figcaption>\n"
-       << "<svg class=\"timeline\" viewBox=\"0 0 " << view.bars.size() * COLUMN << " " << height
-       << "\" preserveAspectRatio=\"none\" role=\"img\" aria-labelledby=\"" << anchor << "-title "
-       << anchor << "-text\"><title id=\"" << anchor << "-title\">" << title
-       << "</title><desc id=\"" << anchor << "-text\">"
+       << R"(<svg class="timeline" viewBox="0 0 )" << view.bars.size() * COLUMN << " " << height
+       << R"(" preserveAspectRatio="none" role="img" aria-labelledby=")" << anchor << "-title "
+       << anchor << R"(-text"><title id=")" << anchor << R"(-title">)" << title
+       << R"(</title><desc id=")" << anchor << R"(-text">)"
        << shown(counted(view.bars.size(), "column")) << " from " << shown(label(view.begin))
        << " on, at most " << shown(counted(scale.messages, "message")) << " and "
        << shown(grouped(scale.dropped))
@@ -127,7 +128,7 @@ void writeTimeline(Html& html, markup_t anchor, markup_t title, markup_t axis,
     const std::int64_t position = view.begin + static_cast<std::int64_t>(i) * view.width;
     writeColumn(html, view.bars[i], i * COLUMN + GAP / 2, scale, label(position));
   }
-  html << "<rect class=\"axis\" x=\"0\" y=\"" << ABOVE << "\" width=\"" << view.bars.size() * COLUMN
+  html << R"(<rect class="axis" x="0" y=")" << ABOVE << R"(" width=")" << view.bars.size() * COLUMN
        << "\" height=\"8\"/></svg>\n<p class=\"ends\"><span>" << shown(label(view.begin))
        << "</span><span>" << shown(label(view.last)) << "</span></p>\n";
   writeLegend(html, view);
@@ -138,10 +139,10 @@ void writeTimeline(Html& html, markup_t anchor, markup_t title, markup_t axis,
 void writeShare(Html& html, std::uint64_t part, std::uint64_t whole) {
   constexpr std::uint64_t WIDTH = 1000;
   const std::uint64_t width = whole == 0 ? 0 : std::max<std::uint64_t>(part * WIDTH / whole, 4);
-  html << "<svg class=\"share\" viewBox=\"0 0 1000 10\" preserveAspectRatio=\"none\" "
-          "aria-hidden=\"true\"><rect class=\"track\" width=\"1000\" height=\"10\"/><rect "
-          "class=\"part\" width=\""
-       << (part == 0 ? 0 : width) << "\" height=\"10\"/></svg>";
+  html << R"(<svg class="share" viewBox="0 0 1000 10" preserveAspectRatio="none" )"
+          R"(aria-hidden="true"><rect class="track" width="1000" height="10"/><rect )"
+          R"(class="part" width=")"
+       << (part == 0 ? 0 : width) << R"(" height="10"/></svg>)";
 }
 
 void writeDistribution(Html& html, markup_t caption, markup_t unit, markup_t counted_things,
@@ -150,15 +151,15 @@ void writeDistribution(Html& html, markup_t caption, markup_t unit, markup_t cou
   std::uint64_t most = 0;
   for (const Distribution::class_t& each : classes) most = std::max(most, each.count);
   html
-      << "<table><caption>" << caption << "</caption><thead><tr><th scope=\"col\">" << unit
-      << "</th><th scope=\"col\" class=\"number\">" << counted_things
+      << "<table><caption>" << caption << R"(</caption><thead><tr><th scope="col">)" << unit
+      << R"(</th><th scope="col" class="number">)" << counted_things
       << "</th><th scope=\"col\"><span class=\"hidden\">as a bar</span></th></tr></thead><tbody>\n";
   for (const Distribution::class_t& each : classes) {
     const std::string range = each.first == each.last
                                   ? grouped(each.first)
                                   : grouped(each.first) + "–" + grouped(each.last);
-    html << "<tr><th scope=\"row\">" << shown(range) << "</th><td class=\"number\">"
-         << shown(grouped(each.count)) << "</td><td class=\"bar\">";
+    html << R"(<tr><th scope="row">)" << shown(range) << R"(</th><td class="number">)"
+         << shown(grouped(each.count)) << R"(</td><td class="bar">)";
     writeShare(html, each.count, most);
     html << "</td></tr>\n";
   }

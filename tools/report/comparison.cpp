@@ -11,14 +11,14 @@ void writeValue(Html& html, const std::optional<std::string>& value) {
   if (value) {
     html << "<td><code>" << shown(*value) << "</code></td>";
   } else {
-    html << "<td class=\"note\">nothing</td>";
+    html << R"(<td class="note">nothing</td>)";
   }
 }
 
 void writeHeadOf(Html& html, const Changes& changes, markup_t caption, markup_t count) {
-  html << "<table class=\"sides\"><caption>" << caption
-       << "</caption><thead><tr><th scope=\"col\">Field</th>" << count << "<th scope=\"col\">"
-       << shown(changes.before()) << "</th><th scope=\"col\">" << shown(changes.after())
+  html << R"(<table class="sides"><caption>)" << caption
+       << R"(</caption><thead><tr><th scope="col">Field</th>)" << count << R"(<th scope="col">)"
+       << shown(changes.before()) << R"(</th><th scope="col">)" << shown(changes.after())
        << "</th></tr></thead><tbody>\n";
 }
 
@@ -26,14 +26,14 @@ void writeFields(Html& html, const Changes& changes) {
   const std::vector<const changed_field_t*> fields = changes.fields();
   if (fields.empty()) return;
   writeHeadOf(html, changes, "Fields that changed, each with its first message",
-              "<th scope=\"col\" class=\"number\">Messages</th>");
+              R"(<th scope="col" class="number">Messages</th>)");
   std::uint64_t others = changes.otherFields();
   for (std::size_t i = 0; i < fields.size(); ++i) {
     if (i >= SHOWN_FIELDS) {
       others += fields[i]->count;
       continue;
     }
-    html << "<tr><th scope=\"row\">" << shown(fields[i]->path) << "</th><td class=\"number\">"
+    html << R"(<tr><th scope="row">)" << shown(fields[i]->path) << R"(</th><td class="number">)"
          << shown(grouped(fields[i]->count)) << "</td>";
     writeValue(html, fields[i]->first.before);
     writeValue(html, fields[i]->first.after);
@@ -51,7 +51,7 @@ void writeChanged(Html& html, const Changes& changes, const changed_message_t& m
   if (!message.fields.empty()) {
     writeHeadOf(html, changes, "Fields of this message that changed", "");
     for (const difference_t& field : message.fields) {
-      html << "<tr><th scope=\"row\">" << shown(field.path) << "</th>";
+      html << R"(<tr><th scope="row">)" << shown(field.path) << "</th>";
       writeValue(html, field.before);
       writeValue(html, field.after);
       html << "</tr>\n";
@@ -69,10 +69,10 @@ void writeChanged(Html& html, const Changes& changes, const changed_message_t& m
 
 void writeChanges(Html& html, const contents_t& contents) {
   if (contents.changes.empty()) return;
-  html << "<section id=\"changes\" aria-labelledby=\"changes-title\">"
+  html << R"(<section id="changes" aria-labelledby="changes-title">)"
           "<h2 id=\"changes-title\">What changed</h2>\n";
   for (const Changes& changes : contents.changes) {
-    html << "<article id=\"" << shown(changes.anchor()) << "\"><h3>Compared with "
+    html << R"(<article id=")" << shown(changes.anchor()) << R"("><h3>Compared with )"
          << shown(changes.title()) << "</h3>\n<p>"
          << shown(grouped(changes.different()) + " of " + counted(changes.compared(), "message"))
          << " differ.</p>\n";

@@ -15,7 +15,7 @@ constexpr std::size_t SHOWN_INPUTS = 20;
 
 void writeWay(Html& html, const way_t& way) {
   const record_t& record = way.example.record;
-  html << "<details id=\"way-" << shown(anchorOf(way.shape)) << "\"><summary>"
+  html << R"(<details id="way-)" << shown(anchorOf(way.shape)) << R"("><summary>)"
        << shown(counted(way.count, "message")) << ": " << shown(nameOf(record.kind)) << ", "
        << shown(nameOf(record.outcome)) << ", first at <code>" << shown(way.example.place)
        << "</code></summary>\n";
@@ -27,12 +27,11 @@ void writeWay(Html& html, const way_t& way) {
 
 void writeNamedValues(Html& html, markup_t caption, const named_values_t& values) {
   if (values.empty()) return;
-  html
-      << "<table><caption>" << caption
-      << "</caption><thead><tr><th scope=\"col\">Name</th><th scope=\"col\">Value</th></tr></thead>"
-         "<tbody>\n";
+  html << "<table><caption>" << caption
+       << R"(</caption><thead><tr><th scope="col">Name</th><th scope="col">Value</th></tr></thead>)"
+          "<tbody>\n";
   for (const auto& [name, value] : values) {
-    html << "<tr><th scope=\"row\"><code>" << shown(name) << "</code></th><td><code>"
+    html << R"(<tr><th scope="row"><code>)" << shown(name) << "</code></th><td><code>"
          << shown(value) << "</code></td></tr>\n";
   }
   html << "</tbody></table>\n";
@@ -40,7 +39,7 @@ void writeNamedValues(Html& html, markup_t caption, const named_values_t& values
 
 void writeEntry(Html& html, markup_t name, const std::string& value) {
   if (value.empty()) return;
-  html << "<tr><th scope=\"row\">" << name << "</th><td><code>" << shown(value)
+  html << R"(<tr><th scope="row">)" << name << "</th><td><code>" << shown(value)
        << "</code></td></tr>\n";
 }
 
@@ -49,7 +48,7 @@ void writeEntry(Html& html, markup_t name, const std::string& value) {
 void writeWays(Html& html, contents_t& contents) {
   const std::vector<way_t*> ways = contents.collection.ways();
   if (ways.empty()) return;
-  html << "<section id=\"ways\" aria-labelledby=\"ways-title\">"
+  html << R"(<section id="ways" aria-labelledby="ways-title">)"
           "<h2 id=\"ways-title\">Ways that messages went</h2>\n<p>Messages went the same way when "
           "they have the same fields and kinds of values, before and after. Of each way, the tool "
           "has explained the first message.</p>\n";
@@ -68,9 +67,9 @@ void writeWays(Html& html, contents_t& contents) {
 void writeChannels(Html& html, const contents_t& contents) {
   const auto channels = contents.collection.channels();
   if (channels.empty()) return;
-  html << "<section id=\"channels\" aria-labelledby=\"channels-title\">"
+  html << R"(<section id="channels" aria-labelledby="channels-title">)"
           "<h2 id=\"channels-title\">Channels</h2>\n<table><caption>Events by channel</caption>"
-          "<thead><tr><th scope=\"col\">Channel</th><th scope=\"col\" class=\"number\">Events</th>"
+          R"(<thead><tr><th scope="col">Channel</th><th scope="col" class="number">Events</th>)"
           "<th scope=\"col\"><span class=\"hidden\">as a bar</span></th></tr></thead><tbody>\n";
   std::uint64_t others = contents.collection.otherChannels();
   for (std::size_t i = 0; i < channels.size(); ++i) {
@@ -78,9 +77,9 @@ void writeChannels(Html& html, const contents_t& contents) {
       others += channels[i].second;
       continue;
     }
-    html << "<tr><th scope=\"row\"><code>" << shown(channels[i].first)
-         << "</code></th><td class=\"number\">" << shown(grouped(channels[i].second))
-         << "</td><td class=\"bar\">";
+    html << R"(<tr><th scope="row"><code>)" << shown(channels[i].first)
+         << R"(</code></th><td class="number">)" << shown(grouped(channels[i].second))
+         << R"(</td><td class="bar">)";
     writeShare(html, channels[i].second, channels.front().second);
     html << "</td></tr>\n";
   }
@@ -91,7 +90,7 @@ void writeChannels(Html& html, const contents_t& contents) {
 
 void writeBatches(Html& html, const contents_t& contents) {
   if (contents.collection.batchSizes().classes().empty()) return;
-  html << "<section id=\"batches\" aria-labelledby=\"batches-title\">"
+  html << R"(<section id="batches" aria-labelledby="batches-title">)"
           "<h2 id=\"batches-title\">Batches</h2>\n";
   writeDistribution(html, "Batches by size", "Messages", "Batches",
                     contents.collection.batchSizes());
@@ -99,7 +98,7 @@ void writeBatches(Html& html, const contents_t& contents) {
     writeDistribution(html, "Batches by the time that the plug-in took", "Microseconds", "Batches",
                       contents.collection.batchTimes());
   } else {
-    html << "<p class=\"note\">With <code>--summary</code>, the page also shows the time that the "
+    html << R"(<p class="note">With <code>--summary</code>, the page also shows the time that the )"
             "plug-in took.</p>\n";
   }
   html << "</section>\n";
@@ -107,7 +106,7 @@ void writeBatches(Html& html, const contents_t& contents) {
 
 void writeConfiguration(Html& html, const contents_t& contents) {
   const settings_t& settings = contents.settings;
-  html << "<section id=\"configuration\" aria-labelledby=\"configuration-title\">"
+  html << R"(<section id="configuration" aria-labelledby="configuration-title">)"
           "<h2 id=\"configuration-title\">Configuration and input</h2>\n<ul>";
   for (std::size_t i = 0; i < std::min(settings.inputs.size(), SHOWN_INPUTS); ++i) {
     html << "<li>Input <code>" << shown(settings.inputs[i]) << "</code></li>";
@@ -127,11 +126,11 @@ void writeConfiguration(Html& html, const contents_t& contents) {
 }
 
 void writeBuilds(Html& html, const contents_t& contents) {
-  html << "<section id=\"builds\" aria-labelledby=\"builds-title\">"
+  html << R"(<section id="builds" aria-labelledby="builds-title">)"
           "<h2 id=\"builds-title\">Builds</h2>\n";
   html << "<p>This tool: " << shown(VLT_BUILD_NAME) << "</p>\n";
   for (const build_t& build : contents.settings.builds) {
-    html << "<table class=\"build\"><caption>" << shown(build.role) << "</caption><tbody>\n";
+    html << R"(<table class="build"><caption>)" << shown(build.role) << "</caption><tbody>\n";
     writeEntry(html, "File", build.file.path);
     writeEntry(html, "Build", build.file.build_name);
     writeEntry(html, "Build id", build.file.build_id);
@@ -145,7 +144,7 @@ void writeBuilds(Html& html, const contents_t& contents) {
 
 void writeLeftOut(Html& html) {
   const std::vector<std::string>& omissions = html.omissions();
-  html << "<section id=\"left-out\" aria-labelledby=\"left-out-title\">"
+  html << R"(<section id="left-out" aria-labelledby="left-out-title">)"
           "<h2 id=\"left-out-title\">Left out of this page</h2>\n";
   if (omissions.empty() && html.cutTexts() == 0) html << "<p>Nothing.</p>\n";
   html << "<ul>";

@@ -107,7 +107,7 @@ void Html::lines(std::string_view text, std::size_t most) {
 }
 
 void Html::leaveOut(const std::string& sentence) {
-  *this << "<p class=\"note\">" << shown(sentence) << "</p>\n";
+  *this << R"(<p class="note">)" << shown(sentence) << "</p>\n";
   omissions_.push_back(sentence);
 }
 

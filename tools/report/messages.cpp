@@ -1,5 +1,6 @@
 // The parts of sections that show one message.
 #include <algorithm>
+#include <cctype>
 
 #include "tools/explain/phrases.hpp"
 #include "tools/report/sections.hpp"
@@ -14,33 +15,32 @@ constexpr std::size_t MOST_ROWS = 40; // of a table of fates
 constexpr std::size_t MOST_FAULTS = 8;
 constexpr std::size_t MOST_LOG_LINES = 4;
 
-// The JSON in a line, an entry a line. Leaves the line's strings as they are; anything but JSON
-// comes out somehow.
+// After the closing quote of the string that begins at `begin`.
+std::size_t endOfText(std::string_view json, std::size_t begin) noexcept {
+  std::size_t at = begin + 1;
+  while (at < json.size() && json[at] != '"') at += json[at] == '\\' ? 2 : 1;
+  return std::min(at + 1, json.size());
+}
+
+// The JSON in a line, an entry a line; strings stay as they are. Anything but JSON comes out somehow.
 std::string indented(std::string_view json) {
   constexpr std::size_t MOST_INDENT = 20;
   std::string out;
   std::size_t depth = 0;
-  bool in_text = false;
-  bool is_escaped = false;
   const auto break_line = [&] { (out += '\n').append(2 * std::min(depth, MOST_INDENT), ' '); };
-  for (std::size_t i = 0; i < json.size() && out.size() < LONGEST_MESSAGE * 2; ++i) {
+  for (std::size_t i = 0; i < json.size() && out.size() < LONGEST_MESSAGE * 2;) {
     const char c = json[i];
-    if (in_text) {
-      out += c;
-      in_text = is_escaped || c != '"';
-      is_escaped = !is_escaped && c == '\\';
-      continue;
-    }
-    if (c == ' ' || c == '\t' || c == '\r' || c == '\n') continue;
+    const std::size_t end = c == '"' ? endOfText(json, i) : i + 1;
+    const std::string_view token = json.substr(i, end - i);
+    i = end;
+    if (std::isspace(static_cast<unsigned char>(c)) != 0) continue;
+    const bool opened = out.ends_with('{') || out.ends_with('[');
     const bool closes = c == '}' || c == ']';
-    const bool is_first = out.empty() || out.back() == '{' || out.back() == '[';
     if (closes && depth > 0) --depth;
-    if (closes && !is_first) break_line();
-    if (!closes && (out.ends_with('{') || out.ends_with('[') || out.ends_with(','))) break_line();
-    out += c;
+    if (closes ? !opened : opened || out.ends_with(',')) break_line();
+    out += token;
     if (c == ':') out += ' ';
     if (c == '{' || c == '[') ++depth;
-    in_text = c == '"';
   }
   return out;
 }
@@ -113,17 +113,17 @@ void writeFaults(Html& html, const blame_t& blame) {
   const bool proven = !blame.faults.empty();
   const std::vector<faulty_place_t>& faults = proven ? blame.faults : blame.suspects;
   if (faults.empty()) return;
-  html << "<table class=\"faults\"><caption>"
+  html << R"(<table class="faults"><caption>)"
        << (proven ? markup_t("Fields at fault; with these values, the message arrives")
                   : markup_t("Suspect fields; no value that the tool tried helped"))
-       << "</caption><thead><tr><th scope=\"col\">Field</th><th scope=\"col\">Found</th>"
-       << (proven ? markup_t("<th scope=\"col\">Would do</th>") : markup_t(""))
+       << R"(</caption><thead><tr><th scope="col">Field</th><th scope="col">Found</th>)"
+       << (proven ? markup_t(R"(<th scope="col">Would do</th>)") : markup_t(""))
        << "</tr></thead><tbody>\n";
   for (std::size_t i = 0; i < std::min(faults.size(), MOST_FAULTS); ++i) {
     const faulty_place_t& fault = faults[i];
     std::string found = fault.found;
     if (found.empty()) found = fault.missing ? "nothing" : "a list or map";
-    html << "<tr><th scope=\"row\"><code>" << shown(tools::textOf(fault.path), LONGEST_PLACES)
+    html << R"(<tr><th scope="row"><code>)" << shown(tools::textOf(fault.path), LONGEST_PLACES)
          << "</code></th><td><code>" << shown(found) << "</code> " << shown(fault.defect)
          << "</td>";
     if (proven) html << "<td><code>" << shown(fault.mended) << "</code></td>";
@@ -143,7 +143,7 @@ void writeLimit(Html& html, const explanation_t& explanation) {
 } // namespace
 
 void writeMessage(Html& html, const example_t& example) {
-  html << "<pre class=\"message\">";
+  html << R"(<pre class="message">)";
   html.lines(indented(example.record.line), LONGEST_MESSAGE);
   html << "</pre>\n";
   if (!example.whole) {
@@ -155,7 +155,7 @@ void writeBlame(Html& html, const example_t& example) {
   std::size_t lines = 0;
   for (const log_line_t& line : example.record.log) {
     if (line.level > DROPPED_LEVEL || ++lines > MOST_LOG_LINES) continue;
-    html << "<p class=\"log\">" << shown(line.text, 1000) << "</p>\n";
+    html << R"(<p class="log">)" << shown(line.text, 1000) << "</p>\n";
   }
   if (!example.explanation) return;
   writeFaults(html, example.explanation->blame);
@@ -171,11 +171,11 @@ void writeFates(Html& html, const example_t& example) {
     html << "<p>The message passed unchanged.</p>\n";
     return;
   }
-  html << "<table><caption>The fate of each field</caption><thead><tr><th scope=\"col\">Fate</th>"
+  html << R"(<table><caption>The fate of each field</caption><thead><tr><th scope="col">Fate</th>)"
           "<th scope=\"col\">Field</th><th scope=\"col\">Became</th></tr></thead><tbody>\n";
   const std::vector<line_t> lines = linesOf(example.explanation->rows);
   for (std::size_t i = 0; i < std::min(lines.size(), MOST_ROWS); ++i) {
-    html << "<tr><th scope=\"row\" class=\"fate\">" << shown(nameOf(lines[i].fate))
+    html << R"(<tr><th scope="row" class="fate">)" << shown(nameOf(lines[i].fate))
          << "</th><td><code>" << shown(lines[i].from, LONGEST_PLACES) << "</code></td><td>"
          << "<code>" << shown(lines[i].to, LONGEST_PLACES) << "</code> " << shown(lines[i].note)
          << "</td></tr>\n";

@@ -18,28 +18,29 @@ const char* meaningOf(exit_status_t status) noexcept {
 }
 
 void writeFigure(Html& html, markup_t name, std::uint64_t number, bool is_bad = false) {
-  html << (is_bad ? markup_t("<div class=\"bad\">") : markup_t("<div>")) << "<dt>" << name
+  html << (is_bad ? markup_t(R"(<div class="bad">)") : markup_t("<div>")) << "<dt>" << name
        << "</dt><dd>" << shown(grouped(number)) << "</dd></div>";
 }
 
 void writeKinds(Html& html, const Collection& collection) {
-  html << "<table id=\"kinds\"><caption>Messages by kind and outcome</caption><thead><tr>"
-          "<th scope=\"col\">Kind</th>";
+  html << R"(<table id="kinds"><caption>Messages by kind and outcome</caption><thead><tr>)"
+          R"(<th scope="col">Kind</th>)";
   for (const Outcome outcome : OUTCOMES_OF_MESSAGES) {
-    html << "<th scope=\"col\" class=\"number\">" << shown(nameOf(outcome)) << "</th>";
+    html << R"(<th scope="col" class="number">)" << shown(nameOf(outcome)) << "</th>";
   }
   html << "<th scope=\"col\" class=\"number\">all</th></tr></thead><tbody>\n";
   for (std::size_t i = 0; i < KINDS; ++i) {
     const Kind kind = static_cast<Kind>(i);
     if (collection.count(kind) == 0) continue;
-    html << "<tr><th scope=\"row\" class=\"kind\"><svg class=\"key\" viewBox=\"0 0 1 1\" "
-            "aria-hidden=\"true\"><rect "
-            "class=\"k"
-         << i << "\" width=\"1\" height=\"1\"/></svg>" << shown(nameOf(kind)) << "</th>";
+    html << R"(<tr><th scope="row" class="kind"><svg class="key" viewBox="0 0 1 1" )"
+            R"(aria-hidden="true"><rect )"
+            R"(class="k)"
+         << i << R"(" width="1" height="1"/></svg>)" << shown(nameOf(kind)) << "</th>";
     for (const Outcome outcome : OUTCOMES_OF_MESSAGES) {
-      html << "<td class=\"number\">" << shown(grouped(collection.count(kind, outcome))) << "</td>";
+      html << R"(<td class="number">)" << shown(grouped(collection.count(kind, outcome)))
+           << "</td>";
     }
-    html << "<td class=\"number\">" << shown(grouped(collection.count(kind))) << "</td></tr>\n";
+    html << R"(<td class="number">)" << shown(grouped(collection.count(kind))) << "</td></tr>\n";
   }
   html << "</tbody></table>\n";
 }
@@ -85,7 +86,7 @@ std::string headlineOf(const contents_t& contents) {
 
 void writeOutcome(Html& html, const contents_t& contents) {
   const Collection& collection = contents.collection;
-  html << "<section id=\"outcome\" aria-labelledby=\"outcome-title\">"
+  html << R"(<section id="outcome" aria-labelledby="outcome-title">)"
           "<h2 id=\"outcome-title\">Outcome</h2>\n<dl class=\"figures\">";
   writeFigure(html, "read", contents.outcome.read);
   writeFigure(html, "converted", collection.count(Outcome::CONVERTED));
@@ -96,7 +97,7 @@ void writeOutcome(Html& html, const contents_t& contents) {
   if (malformed > 0) writeFigure(html, "malformed", malformed, true);
   html << "</dl>\n<ul>";
   for (const Changes& changes : contents.changes) {
-    html << "<li><a href=\"#" << shown(changes.anchor()) << "\">"
+    html << R"(<li><a href="#)" << shown(changes.anchor()) << R"(">)"
          << shown(grouped(changes.different()) + " of " + counted(changes.compared(), "message"))
          << " differ</a> from " << shown(changes.title()) << ".</li>";
   }
@@ -105,7 +106,7 @@ void writeOutcome(Html& html, const contents_t& contents) {
   if (!contents.outcome.blocks) {
     html << "<li>The host library does not count its blocks of memory.</li>";
   } else if (*contents.outcome.blocks != 0) {
-    html << "<li class=\"bad\">Blocks of memory that the host did not get back: "
+    html << R"(<li class="bad">Blocks of memory that the host did not get back: )"
          << shown(std::to_string(*contents.outcome.blocks)) << ".</li>";
   }
   html << "</ul></section>\n";
@@ -115,7 +116,7 @@ void writeArrivals(Html& html, const contents_t& contents) {
   const Collection& collection = contents.collection;
   const timeline_view_t places = collection.places().view();
   if (places.bars.empty()) return;
-  html << "<section id=\"arrivals\" aria-labelledby=\"arrivals-title\">"
+  html << R"(<section id="arrivals" aria-labelledby="arrivals-title">)"
           "<h2 id=\"arrivals-title\">Messages that came in</h2>\n";
   writeTimes(html, collection);
   writeTimeline(html, "by-place", "By their place in the input", "From number", places,

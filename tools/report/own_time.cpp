@@ -22,8 +22,8 @@ bool takeForm(std::string_view& text, std::string_view form) noexcept {
   return true;
 }
 
-int numberAt(std::string_view text, std::size_t at, std::size_t digits) noexcept {
-  int number = 0;
+std::int64_t numberAt(std::string_view text, std::size_t at, std::size_t digits) noexcept {
+  std::int64_t number = 0;
   for (const char c : text.substr(at, digits)) number = number * 10 + (c - '0');
   return number;
 }
@@ -52,7 +52,7 @@ std::optional<std::int64_t> secondsOf(std::string_view text) noexcept {
     text.remove_prefix(1);
   }
   const std::chrono::year_month_day date(
-      std::chrono::year(numberAt(all, 0, 4)),
+      std::chrono::year(static_cast<int>(numberAt(all, 0, 4))),
       std::chrono::month(static_cast<unsigned>(numberAt(all, 5, 2))),
       std::chrono::day(static_cast<unsigned>(numberAt(all, 8, 2))));
   if (!text.empty() || !date.ok()) return {};
@@ -80,14 +80,14 @@ std::string timeText(std::int64_t seconds, std::int64_t step) {
 }
 
 std::optional<std::int64_t> OwnTimeReader::timeOf(const Message& message) const {
-  const map_t* const payload = message.getPayload().get_if<map_t>();
+  const auto* const payload = message.getPayload().get_if<map_t>();
   if (payload == nullptr) return {};
   for (const hashed_key_t& key : keys_) {
     const data_t* const value = payload->find_value(key);
     if (value == nullptr) continue;
     std::optional<std::int64_t> seconds;
     if (value->is_string()) seconds = secondsOf(text_or_empty(value->get<const char*>()));
-    const double* const number = value->get_if<double>();
+    const auto* const number = value->get_if<double>();
     if (number != nullptr && *number >= 0 && *number <= static_cast<double>(LAST)) {
       seconds = static_cast<std::int64_t>(*number);
     }

@@ -23,7 +23,7 @@ std::string sha256Of(std::string_view text) {
 
 void writeHead(Html& html, const contents_t& contents) {
   html << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-          "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
+          R"(<meta http-equiv="Content-Security-Policy" content="default-src 'none'; style-src )"
           "'sha256-"
        << shown(sha256Of(STYLE.text))
        << "'; base-uri 'none'; form-action 'none'\">\n"
@@ -40,18 +40,18 @@ void writeLink(Html& html, bool wanted, markup_t link) {
 
 void writeLinks(Html& html, contents_t& contents) {
   const Collection& collection = contents.collection;
-  html << "<nav aria-label=\"Sections\"><ul>";
-  writeLink(html, true, "<a href=\"#outcome\">Outcome</a>");
-  writeLink(html, collection.places().messages() > 0, "<a href=\"#arrivals\">Came in</a>");
-  writeLink(html, collection.count(Outcome::DROPPED) > 0, "<a href=\"#reasons\">Dropped</a>");
-  writeLink(html, !collection.malformed().empty(), "<a href=\"#malformed\">Malformed</a>");
-  writeLink(html, !contents.changes.empty(), "<a href=\"#changes\">Changed</a>");
-  writeLink(html, !contents.collection.ways().empty(), "<a href=\"#ways\">Ways</a>");
-  writeLink(html, !collection.channels().empty(), "<a href=\"#channels\">Channels</a>");
-  writeLink(html, !collection.batchSizes().classes().empty(), "<a href=\"#batches\">Batches</a>");
-  writeLink(html, true, "<a href=\"#configuration\">Configuration</a>");
-  writeLink(html, true, "<a href=\"#builds\">Builds</a>");
-  writeLink(html, true, "<a href=\"#left-out\">Left out</a>");
+  html << R"(<nav aria-label="Sections"><ul>)";
+  writeLink(html, true, R"(<a href="#outcome">Outcome</a>)");
+  writeLink(html, collection.places().messages() > 0, R"(<a href="#arrivals">Came in</a>)");
+  writeLink(html, collection.count(Outcome::DROPPED) > 0, R"(<a href="#reasons">Dropped</a>)");
+  writeLink(html, !collection.malformed().empty(), R"(<a href="#malformed">Malformed</a>)");
+  writeLink(html, !contents.changes.empty(), R"(<a href="#changes">Changed</a>)");
+  writeLink(html, !contents.collection.ways().empty(), R"(<a href="#ways">Ways</a>)");
+  writeLink(html, !collection.channels().empty(), R"(<a href="#channels">Channels</a>)");
+  writeLink(html, !collection.batchSizes().classes().empty(), R"(<a href="#batches">Batches</a>)");
+  writeLink(html, true, R"(<a href="#configuration">Configuration</a>)");
+  writeLink(html, true, R"(<a href="#builds">Builds</a>)");
+  writeLink(html, true, R"(<a href="#left-out">Left out</a>)");
   html << "</ul></nav>\n";
 }
 
@@ -61,7 +61,7 @@ std::string pageOf(contents_t& contents) {
   Html html;
   writeHead(html, contents);
   html << "<body>\n<a class=\"skip\" href=\"#outcome\">To the outcome</a>\n<header><p "
-          "class=\"note\">ostrovia-replay, report of a run</p><h1>"
+          R"(class="note">ostrovia-replay, report of a run</p><h1>)"
        << shown(headlineOf(contents)) << "</h1>\n";
   writeLinks(html, contents);
   html << "</header>\n<main>\n";

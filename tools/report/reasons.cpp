@@ -47,13 +47,13 @@ void writePhrase(Html& html, const reason_t& reason) {
 
 void writeRanking(Html& html, const std::vector<reason_t*>& reasons, std::uint64_t dropped) {
   html << "<table><caption>Reasons, the most frequent first</caption><thead><tr>"
-          "<th scope=\"col\">Reason</th><th scope=\"col\" class=\"number\">Messages</th>"
+          R"(<th scope="col">Reason</th><th scope="col" class="number">Messages</th>)"
           "<th scope=\"col\"><span class=\"hidden\">as a bar</span></th></tr></thead><tbody>\n";
   for (const reason_t* reason : reasons) {
-    html << "<tr><th scope=\"row\"><a href=\"#" << shown(anchorOf(*reason)) << "\">";
+    html << R"(<tr><th scope="row"><a href="#)" << shown(anchorOf(*reason)) << R"(">)";
     writePhrase(html, *reason);
-    html << "</a></th><td class=\"number\">" << shown(grouped(reason->count))
-         << "</td><td class=\"bar\">";
+    html << R"(</a></th><td class="number">)" << shown(grouped(reason->count))
+         << R"(</td><td class="bar">)";
     writeShare(html, reason->count, dropped);
     html << "</td></tr>\n";
   }
@@ -75,7 +75,7 @@ void writeExample(Html& html, const example_t& example, bool is_first) {
 }
 
 void writeReason(Html& html, const reason_t& reason) {
-  html << "<article id=\"" << shown(anchorOf(reason)) << "\"><h3>";
+  html << R"(<article id=")" << shown(anchorOf(reason)) << R"("><h3>)";
   writePhrase(html, reason);
   html << "</h3>\n<p>" << shown(counted(reason.count, "message")) << " with the reason <code>"
        << shown(reason.code) << "</code>, first at ";
@@ -98,7 +98,7 @@ void writeReasons(Html& html, contents_t& contents) {
   std::uint64_t others = contents.collection.otherReasons();
   for (std::size_t i = SHOWN_REASONS; i < reasons.size(); ++i) others += reasons[i]->count;
   reasons.resize(std::min(reasons.size(), SHOWN_REASONS));
-  html << "<section id=\"reasons\" aria-labelledby=\"reasons-title\">"
+  html << R"(<section id="reasons" aria-labelledby="reasons-title">)"
           "<h2 id=\"reasons-title\">Why messages were dropped</h2>\n";
   writeRanking(html, reasons, contents.collection.count(Outcome::DROPPED));
   if (others > 0) html.leaveOut("Messages dropped for further reasons: " + grouped(others) + ".");
@@ -109,12 +109,12 @@ void writeReasons(Html& html, contents_t& contents) {
 void writeMalformed(Html& html, const contents_t& contents) {
   const std::vector<malformed_t>& lines = contents.collection.malformed();
   if (lines.empty()) return;
-  html << "<section id=\"malformed\" aria-labelledby=\"malformed-title\">"
+  html << R"(<section id="malformed" aria-labelledby="malformed-title">)"
           "<h2 id=\"malformed-title\">Malformed lines</h2>\n<table><caption>Lines that are no "
-          "messages</caption><thead><tr><th scope=\"col\">Place</th><th scope=\"col\">Why</th>"
+          R"(messages</caption><thead><tr><th scope="col">Place</th><th scope="col">Why</th>)"
           "</tr></thead><tbody>\n";
   for (const malformed_t& line : lines) {
-    html << "<tr><th scope=\"row\"><code>" << shown(line.place) << "</code></th><td>"
+    html << R"(<tr><th scope="row"><code>)" << shown(line.place) << "</code></th><td>"
          << shown(line.reason) << "</td></tr>\n";
   }
   html << "</tbody></table>\n";
