@@ -10,6 +10,7 @@
 
 #include "tests/recording/chain.hpp"
 #include "tests/recording/child.hpp"
+#include "tests/recording/death_in_write.hpp"
 #include "tests/recording/recording.hpp"
 #include "tests/recording/small_disk.hpp"
 #include "tests/support/host_fixture.hpp"
@@ -90,6 +91,24 @@ TEST_F(RecordingEnds, KilledProcessLeavesWholeLines) {
   EXPECT_GT(recordsIn(recording()), 0);
   EXPECT_FALSE(recording().back().foot);
   EXPECT_LE(bytesIn(folder_.path("")), 4U << 20U);
+}
+
+TEST_F(RecordingEnds, ProcessKilledWithinAWriteLeavesACutLine) {
+  const int end = inChild([this] {
+    LoneRecorder recorder(settings());
+    dieInNextWrite();
+    while (recorder.send(1)) std::this_thread::sleep_for(1ms);
+    return 1;
+  });
+  EXPECT_EQ(end, -SIGKILL);
+  ASSERT_EQ(recording().size(), 1U);
+  EXPECT_GT(recording()[0].left_over, 0U);
+  const std::int64_t before = recordsIn(recording());
+  EXPECT_GT(before, 0);
+  LoneRecorder next(settings());
+  EXPECT_TRUE(next.send(1));
+  EXPECT_TRUE(next.plugin().shutdown());
+  EXPECT_EQ(recordsIn(recording()), before + 10);
 }
 
 // A write beyond the limit also raises a signal, which ends a process by default.
