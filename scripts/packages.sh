@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# The one table of the project's needs of its operating system, Debian 12, and the function that
-# installs missing packages. Sourced by ./dev.
+# The one table of the project's needs of its operating system, Debian 12, and the functions that
+# install missing packages, npm's included. Sourced by ./dev.
 #
 #   group     needed by
 #   build     compiling with g++ 12 and running the tests; git tells the commit of a build
@@ -9,6 +9,7 @@
 #   coverage  ./dev coverage
 #   fuzz      ./dev fuzz and the preset `sanitize`, together with clang: the fuzzer's and the
 #             sanitizers' runtime, and names in their reports
+#   page      tests/page: a browser, what drives it, and npm, which installs the rest
 #   package   ./dev package: dependencies of a .deb, what of a package is a program, and the bill
 #             of materials
 #   root      ./dev test-package, together with package: a clean Debian to install in
@@ -43,6 +44,7 @@ declare -A package_groups=(
     libclang-rt-14-dev=/usr/lib/llvm-14/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a
     llvm-14=llvm-symbolizer-14 python3=python3
   "
+  [page]="chromium=chromium nodejs=node npm=npm"
   [package]="dpkg-dev=dpkg-shlibdeps file=file python3=python3"
   [root]="
     debootstrap=debootstrap python3=python3
@@ -108,4 +110,16 @@ apt_get() {
   output=$("${prefix[@]}" env DEBIAN_FRONTEND=noninteractive apt-get --quiet \
     --option Acquire::Retries=3 --option DPkg::Lock::Timeout=120 --option Dpkg::Use-Pty=0 \
     "$@" 2>&1 </dev/null) || fail "apt-get $1 failed:"$'\n'"$output"
+}
+
+# set_up_modules: installs what tests/page needs from npm into build/page, after a change of the list.
+set_up_modules() {
+  local list=tests/page/package-lock.json
+  [[ build/page/node_modules/.package-lock.json -nt $list ]] && return
+  note "installing npm's packages into build/page"
+  mkdir -p build/page
+  cp tests/page/package.json "$list" build/page
+  local output
+  output=$(npm ci --prefix build/page --prefer-offline --no-audit --no-fund 2>&1) ||
+    fail "npm ci failed:"$'\n'"$output"
 }
