@@ -51,5 +51,5 @@ function(vlt_install_documents)
   install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md
           DESTINATION ${VLT_DOCUMENT_FOLDER})
   install(DIRECTORY docs samples DESTINATION ${VLT_DOCUMENT_FOLDER} FILES_MATCHING
-          PATTERN "*.md" PATTERN "*.json" PATTERN "*.ndjson")
+          PATTERN "*.md" PATTERN "*.json" PATTERN "*.ndjson" PATTERN "*.png")
 endfunction()

@@ -54,6 +54,7 @@ const names_t INSTALLED = {
     DOC + "/docs/reliability.md",
     DOC + "/docs/replay-summary.schema.json",
     DOC + "/docs/replay.md",
+    DOC + "/docs/report.png",
     DOC + "/docs/scaling.md",
     DOC + "/samples/README.md",
     DOC + "/samples/alarms.ndjson",
