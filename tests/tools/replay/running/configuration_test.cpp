@@ -129,7 +129,8 @@ TEST_F(ConfigurationTest, SilentlyIgnoredEntriesAreReported) {
             "c.yaml:6:30: 'measurementSplittingChannel' is integer, not string, and silently "
             "becomes the default 'ostrovia.measurements'; put it in quotes\n"
             "c.yaml:7:27: 'towardsHostChannelPrefix' is list, not string, and silently becomes no "
-            "prefix\n");
+            "prefix\n"
+            "ostrovia-replay: the plug-in wrote to standard error: ");
 }
 
 TEST_F(ConfigurationTest, KeysWithoutAValueArePointedOut) {
