@@ -49,6 +49,8 @@ class RecordedWriter {
   // their end. Null when they do not fit between `begin` and `end - JsonMemory::SLACK`, or are
   // nested deeper than MAX_DEPTH; the bytes up to `end` may then be anything.
   [[nodiscard]] char* write(const Message& message, char* begin, const char* end) noexcept;
+  // Whether the last message was nested deeper than MAX_DEPTH, as far as it fitted.
+  [[nodiscard]] bool isTooDeep() const noexcept { return is_too_deep_; }
 
  private:
   using place_t = FieldSet::place_t;

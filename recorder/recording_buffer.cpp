@@ -67,7 +67,9 @@ bool RecordingBuffer::append(const Message& message, const remark_t& remark) noe
     at = writer_.write(message, at, std::min(begin + room, begin + gap_size + longest_line_));
   }
   if (at == nullptr) {
-    lose(remark.number, room < longest_line_ + gap_size ? "buffer" : "message");
+    const bool is_too_deep = room >= LEAST_ROOM && writer_.isTooDeep();
+    const bool is_cramped = room < longest_line_ + gap_size && !is_too_deep;
+    lose(remark.number, is_cramped ? "buffer" : "message");
     return false;
   }
   std::memcpy(begin, gap, gap_size);

@@ -108,6 +108,17 @@ TEST_F(RecordingBufferTest, FullBufferLosesMessagesAndSaysSo) {
   EXPECT_EQ(take().recorded, 1U);
 }
 
+TEST_F(RecordingBufferTest, DepthIsTheFaultOfTheMessageAlone) {
+  buffer_.begin(ENDLESS);
+  add(message(1'000'000));
+  data_t deep;
+  for (std::size_t i = 0; i <= RecordedWriter::MAX_DEPTH; ++i) deep = listOf(std::move(deep));
+  add(notification("t/s/events/1", std::move(deep)));
+  EXPECT_EQ(take().lost, 1U);
+  EXPECT_TRUE(lines_.ends_with(
+      "{\"recording\":{\"gap\":{\"first\":2,\"last\":2,\"lost\":1,\"reason\":\"message\"}}}\n"));
+}
+
 TEST_F(RecordingBufferTest, GapComesBeforeTheNextLine) {
   buffer_.begin(ENDLESS);
   add(message(3'000'000));
