@@ -14,35 +14,16 @@
 
 #include "tests/tools/check/faulty/host_calls.hpp"
 #include "tests/tools/check/faulty/messages.hpp"
+#include "tests/tools/check/faulty/real_plugin.hpp"
 
-extern "C" {
-std::uint64_t vlt_plugin_api_version_RealCodec();
-const char* vlt_plugin_product_version_RealCodec();
-void* vlt_create_plugin_with_params_RealCodec(const char*, const char*,
-                                              const vlt_underlying_data_t*, void*, void*);
-int vlt_destroy_plugin_RealCodec(void*);
-int vlt_plugin_start_RealCodec(void*);
-int vlt_plugin_hostReady_RealCodec(void*);
-int vlt_plugin_shutdown_RealCodec(void*);
-int vlt_plugin_setNextTowardsHost_RealCodec(void*, void*, vlt_batch_function);
-int vlt_plugin_setNextTowardsTransport_RealCodec(void*, void*, vlt_batch_function);
-int vlt_plugin_sendBatchTowardsHost_RealCodec(void*, message_t*, message_t*);
-int vlt_plugin_sendBatchTowardsTransport_RealCodec(void*, message_t*, message_t*);
-}
+using com::velanto::connectivity::test::front_t;
+using com::velanto::connectivity::test::setNext;
 
 namespace {
 
 // ---- The front -----------------------------------------------------------------------------------
 
-struct link_t {
-  void* handle = nullptr;
-  vlt_batch_function function = nullptr;
-};
-
-struct front_t {
-  void* real = nullptr;
-  link_t host;
-  link_t transport;
+struct codec_front_t : front_t {
   const vlt_underlying_data_t* configuration = nullptr;
   bool started = false;
 };
@@ -96,7 +77,7 @@ int sendTowardsHost(const front_t& front, message_t* start, message_t* end) {
   batch_end = end;
   void* real = front.real;
   if (has(Fault::uses_latest_codec) && latest != nullptr) real = latest->real;
-  const int result = vlt_plugin_sendBatchTowardsHost_RealCodec(real, start, end);
+  const int result = vlt_plugin_sendBatchTowardsHost_RealPlugin(real, start, end);
   if (has(Fault::empties_dropped)) emptyDropped();
   return result;
 }
@@ -118,7 +99,7 @@ void* createWithoutTenant(const char* name, const char* chain,
   if (copy.tag != VLT_TAG_MAP) return nullptr;
   vlt_underlying_data_t* const tenant = find(copy.value.map, "tenantId");
   if (isText(tenant)) replaceText(*tenant, "");
-  void* const made = vlt_create_plugin_with_params_RealCodec(name, chain, &copy, handle1, handle2);
+  void* const made = vlt_create_plugin_with_params_RealPlugin(name, chain, &copy, handle1, handle2);
   vlt_free_map(copy.value.map);
   return made;
 }
@@ -139,7 +120,7 @@ void* createReal(const char* name, const char* chain, const vlt_underlying_data_
     return createWithoutTenant(name, chain, *settings, handle1, handle2);
   }
   void* const made =
-      vlt_create_plugin_with_params_RealCodec(name, chain, settings, handle1, handle2);
+      vlt_create_plugin_with_params_RealPlugin(name, chain, settings, handle1, handle2);
   if (has(Fault::writes_configuration) && is_map && settings->value.map != nullptr) {
     ++settings->value.map->host;
   }
@@ -153,11 +134,6 @@ void* createReal(const char* name, const char* chain, const vlt_underlying_data_
 
 // ---- The twelve entry points, and more -------------------------------------------------------------
 
-#define EXPORT extern "C" __attribute__((visibility("default")))
-#define FORWARD(operation, plugin) \
-  ((plugin) == nullptr ? 1         \
-                       : vlt_plugin_##operation##_RealCodec(static_cast<front_t*>(plugin)->real))
-
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the host looks these up
 
 // The version scripts of single builds export these two, all others hide them.
@@ -168,7 +144,7 @@ int vlt_plugin_data_OstroviaNotifications2Codec = 0;
 
 EXPORT std::uint64_t vlt_plugin_api_version_OstroviaNotifications2Codec() {
   if (has(Fault::asks_level_in_version)) static_cast<void>(vlt_get_log_level("codec"));
-  return has(Fault::wrong_interface_version) ? 3 : vlt_plugin_api_version_RealCodec();
+  return has(Fault::wrong_interface_version) ? 3 : vlt_plugin_api_version_RealPlugin();
 }
 
 EXPORT const char* vlt_plugin_product_version_OstroviaNotifications2Codec() {
@@ -177,9 +153,9 @@ EXPORT const char* vlt_plugin_product_version_OstroviaNotifications2Codec() {
     static std::array<std::array<char, 10>, 2> copies{};
     static std::size_t turn = 0;
     turn = 1 - turn;
-    return std::strcpy(copies[turn].data(), vlt_plugin_product_version_RealCodec());
+    return std::strcpy(copies[turn].data(), vlt_plugin_product_version_RealPlugin());
   }
-  return vlt_plugin_product_version_RealCodec();
+  return vlt_plugin_product_version_RealPlugin();
 }
 
 EXPORT void _vlt_plugin_checkIsCodec_OstroviaNotifications2Codec() {}
@@ -189,11 +165,11 @@ EXPORT void* vlt_create_plugin_with_params_OstroviaNotifications2Codec(
     void* handle2) {
   void* const real = createReal(name, chain, configuration, handle1, handle2);
   if (real == nullptr) return nullptr;
-  auto* const front = new front_t;
+  auto* const front = new codec_front_t;
   front->real = real;
   front->configuration = configuration;
   latest = front;
-  return front;
+  return latest;
 }
 
 EXPORT int vlt_destroy_plugin_OstroviaNotifications2Codec(void* plugin) {
@@ -202,15 +178,15 @@ EXPORT int vlt_destroy_plugin_OstroviaNotifications2Codec(void* plugin) {
   if (latest == front) latest = nullptr;
   if (has(Fault::leaks_in_destroy)) static_cast<void>(vlt_copy_string("leak"));
   if (has(Fault::sets_status_in_destroy)) vlt_set_user_status_map(nullptr, nullptr);
-  const int result = vlt_destroy_plugin_RealCodec(front->real);
-  delete front;
+  const int result = vlt_destroy_plugin_RealPlugin(front->real);
+  delete static_cast<codec_front_t*>(front);
   return result;
 }
 
 EXPORT int vlt_plugin_start_OstroviaNotifications2Codec(void* plugin) {
   if (has(Fault::crashes_on_null)) static_cast<void>(*static_cast<volatile char*>(plugin));
   while (has(Fault::hangs_in_start)) sched_yield();
-  if (plugin != nullptr) static_cast<front_t*>(plugin)->started = true;
+  if (plugin != nullptr) static_cast<codec_front_t*>(static_cast<front_t*>(plugin))->started = true;
   return FORWARD(start, plugin);
 }
 
@@ -229,13 +205,11 @@ EXPORT int vlt_plugin_setNextTowardsHost_OstroviaNotifications2Codec(void* plugi
                                                                      vlt_batch_function next) {
   if (plugin == nullptr) return 1;
   auto* const front = static_cast<front_t*>(plugin);
-  if (next == nullptr) {
-    if (has(Fault::accepts_null_function)) return 0;
-    return vlt_plugin_setNextTowardsHost_RealCodec(front->real, handle, nullptr);
-  }
-  if (has(Fault::keeps_first_link) && front->host.function != nullptr) return 0;
-  front->host = {handle, next};
-  return vlt_plugin_setNextTowardsHost_RealCodec(front->real, front, towardsHost);
+  if (has(Fault::accepts_null_function) && next == nullptr) return 0;
+  const bool is_linked = next != nullptr && front->host.function != nullptr;
+  if (has(Fault::keeps_first_link) && is_linked) return 0;
+  return setNext(vlt_plugin_setNextTowardsHost_RealPlugin, *front, front->host, {handle, next},
+                 towardsHost);
 }
 
 EXPORT int vlt_plugin_setNextTowardsTransport_OstroviaNotifications2Codec(void* plugin,
@@ -243,18 +217,15 @@ EXPORT int vlt_plugin_setNextTowardsTransport_OstroviaNotifications2Codec(void* 
                                                                           vlt_batch_function next) {
   if (plugin == nullptr) return 1;
   auto* const front = static_cast<front_t*>(plugin);
-  if (next == nullptr) {
-    return vlt_plugin_setNextTowardsTransport_RealCodec(front->real, handle, nullptr);
-  }
-  front->transport = {handle, next};
-  return vlt_plugin_setNextTowardsTransport_RealCodec(front->real, front, towardsTransport);
+  return setNext(vlt_plugin_setNextTowardsTransport_RealPlugin, *front, front->transport,
+                 {handle, next}, towardsTransport);
 }
 
 EXPORT int vlt_plugin_sendBatchTowardsHost_OstroviaNotifications2Codec(void* plugin,
                                                                        message_t* start,
                                                                        message_t* end) {
   if (plugin == nullptr) return 1;
-  auto& front = *static_cast<front_t*>(plugin);
+  auto& front = static_cast<codec_front_t&>(*static_cast<front_t*>(plugin));
   if (has(Fault::needs_start) && !front.started) return 1;
   if (has(Fault::keeps_configuration) && front.configuration->tag != VLT_TAG_MAP) return 0;
   if (has(Fault::drops_first_of_many) && end - start > 1) ++start;
@@ -271,6 +242,6 @@ EXPORT int vlt_plugin_sendBatchTowardsTransport_OstroviaNotifications2Codec(void
   if (plugin == nullptr) return 1;
   auto& front = *static_cast<front_t*>(plugin);
   if (has(Fault::converts_towards_transport)) return sendTowardsHost(front, start, end);
-  return vlt_plugin_sendBatchTowardsTransport_RealCodec(front.real, start, end);
+  return vlt_plugin_sendBatchTowardsTransport_RealPlugin(front.real, start, end);
 }
 // NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)

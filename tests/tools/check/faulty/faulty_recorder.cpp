@@ -11,25 +11,16 @@
 
 #include "host/storage.h"
 #include "tests/tools/check/faulty/faults.hpp"
+#include "tests/tools/check/faulty/real_plugin.hpp"
 
 using com::velanto::connectivity::test::Fault;
+using com::velanto::connectivity::test::front_t;
 using com::velanto::connectivity::test::has;
+using com::velanto::connectivity::test::link_t;
+using com::velanto::connectivity::test::setNext;
 using message_t = vlt_underlying_message_t;
 
 extern "C" {
-std::uint64_t vlt_plugin_api_version_RealRecorder();
-const char* vlt_plugin_product_version_RealRecorder();
-void* vlt_create_plugin_with_params_RealRecorder(const char*, const char*,
-                                                 const vlt_underlying_data_t*, void*, void*);
-int vlt_destroy_plugin_RealRecorder(void*);
-int vlt_plugin_start_RealRecorder(void*);
-int vlt_plugin_hostReady_RealRecorder(void*);
-int vlt_plugin_shutdown_RealRecorder(void*);
-int vlt_plugin_setNextTowardsHost_RealRecorder(void*, void*, vlt_batch_function);
-int vlt_plugin_setNextTowardsTransport_RealRecorder(void*, void*, vlt_batch_function);
-int vlt_plugin_sendBatchTowardsHost_RealRecorder(void*, message_t*, message_t*);
-int vlt_plugin_sendBatchTowardsTransport_RealRecorder(void*, message_t*, message_t*);
-
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the linker's names
 ssize_t __real_write(int, const void*, std::size_t);
 
@@ -52,15 +43,7 @@ ssize_t __wrap_write(int file, const void* bytes, std::size_t size) {
 
 namespace {
 
-struct link_t {
-  void* handle = nullptr;
-  vlt_batch_function function = nullptr;
-};
-
-struct front_t {
-  void* real = nullptr;
-  link_t host;
-  link_t transport;
+struct recorder_front_t : front_t {
   unsigned batches = 0;
 };
 
@@ -85,13 +68,13 @@ void* create(const char* name, const char* chain, const vlt_underlying_data_t* c
                               : has(Fault::ignores_name)        ? "recordingName"
                                                                 : nullptr;
   if (ignored == nullptr || configuration == nullptr || find(*configuration, ignored) == nullptr) {
-    return vlt_create_plugin_with_params_RealRecorder(name, chain, configuration, handle1, handle2);
+    return vlt_create_plugin_with_params_RealPlugin(name, chain, configuration, handle1, handle2);
   }
   const vlt_underlying_data_t settings = vlt_copy_data(configuration);
   // No lookup finds the entry under its key any more.
   const_cast<char*>(find(settings, ignored)->key.value.string)[0] = '?';
   void* const made =
-      vlt_create_plugin_with_params_RealRecorder(name, chain, &settings, handle1, handle2);
+      vlt_create_plugin_with_params_RealPlugin(name, chain, &settings, handle1, handle2);
   vlt_free_map(settings.value.map);
   return made;
 }
@@ -145,19 +128,13 @@ void towardsTransport(void* handle, message_t* start, message_t* end) {
 
 } // namespace
 
-#define EXPORT extern "C" __attribute__((visibility("default")))
-#define FORWARD(operation, plugin) \
-  ((plugin) == nullptr             \
-       ? 1                         \
-       : vlt_plugin_##operation##_RealRecorder(static_cast<front_t*>(plugin)->real))
-
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the host looks these up
 EXPORT std::uint64_t vlt_plugin_api_version_OstroviaNotificationsRecorder() {
-  return vlt_plugin_api_version_RealRecorder();
+  return vlt_plugin_api_version_RealPlugin();
 }
 
 EXPORT const char* vlt_plugin_product_version_OstroviaNotificationsRecorder() {
-  return vlt_plugin_product_version_RealRecorder();
+  return vlt_plugin_product_version_RealPlugin();
 }
 
 EXPORT void _vlt_plugin_checkIsCodec_OstroviaNotificationsRecorder() {}
@@ -166,14 +143,17 @@ EXPORT void* vlt_create_plugin_with_params_OstroviaNotificationsRecorder(
     const char* name, const char* chain, const vlt_underlying_data_t* configuration, void* handle1,
     void* handle2) {
   void* const real = create(name, chain, configuration, handle1, handle2);
-  return real == nullptr ? nullptr : new front_t{real, {}, {}};
+  if (real == nullptr) return nullptr;
+  front_t* const front = new recorder_front_t;
+  front->real = real;
+  return front;
 }
 
 EXPORT int vlt_destroy_plugin_OstroviaNotificationsRecorder(void* plugin) {
   if (plugin == nullptr) return 0;
   auto* const front = static_cast<front_t*>(plugin);
-  const int result = vlt_destroy_plugin_RealRecorder(front->real);
-  delete front;
+  const int result = vlt_destroy_plugin_RealPlugin(front->real);
+  delete static_cast<recorder_front_t*>(front);
   return result;
 }
 
@@ -193,29 +173,23 @@ EXPORT int vlt_plugin_setNextTowardsHost_OstroviaNotificationsRecorder(void* plu
                                                                        vlt_batch_function next) {
   if (plugin == nullptr) return 1;
   auto* const front = static_cast<front_t*>(plugin);
-  if (next == nullptr) {
-    return vlt_plugin_setNextTowardsHost_RealRecorder(front->real, handle, nullptr);
-  }
-  front->host = {handle, next};
-  return vlt_plugin_setNextTowardsHost_RealRecorder(front->real, front, towardsHost);
+  return setNext(vlt_plugin_setNextTowardsHost_RealPlugin, *front, front->host, {handle, next},
+                 towardsHost);
 }
 
 EXPORT int vlt_plugin_setNextTowardsTransport_OstroviaNotificationsRecorder(
     void* plugin, void* handle, vlt_batch_function next) {
   if (plugin == nullptr) return 1;
   auto* const front = static_cast<front_t*>(plugin);
-  if (next == nullptr) {
-    return vlt_plugin_setNextTowardsTransport_RealRecorder(front->real, handle, nullptr);
-  }
-  front->transport = {handle, next};
-  return vlt_plugin_setNextTowardsTransport_RealRecorder(front->real, front, towardsTransport);
+  return setNext(vlt_plugin_setNextTowardsTransport_RealPlugin, *front, front->transport,
+                 {handle, next}, towardsTransport);
 }
 
 EXPORT int vlt_plugin_sendBatchTowardsHost_OstroviaNotificationsRecorder(void* plugin,
                                                                          message_t* start,
                                                                          message_t* end) {
   if (plugin == nullptr) return 1;
-  auto& front = *static_cast<front_t*>(plugin);
+  auto& front = static_cast<recorder_front_t&>(*static_cast<front_t*>(plugin));
   if (has(Fault::overlooks_batches) && ++front.batches % 10 == 0) {
     front.host.function(front.host.handle, start, end);
     return 0;
@@ -226,14 +200,14 @@ EXPORT int vlt_plugin_sendBatchTowardsHost_OstroviaNotificationsRecorder(void* p
     vlt_free_string(copy);
   }
   if (has(Fault::leaks_in_batches)) static_cast<void>(vlt_copy_string("leak"));
-  return vlt_plugin_sendBatchTowardsHost_RealRecorder(front.real, start, end);
+  return vlt_plugin_sendBatchTowardsHost_RealPlugin(front.real, start, end);
 }
 
 EXPORT int vlt_plugin_sendBatchTowardsTransport_OstroviaNotificationsRecorder(void* plugin,
                                                                               message_t* start,
                                                                               message_t* end) {
   if (plugin == nullptr) return 1;
-  return vlt_plugin_sendBatchTowardsTransport_RealRecorder(static_cast<front_t*>(plugin)->real,
-                                                           start, end);
+  return vlt_plugin_sendBatchTowardsTransport_RealPlugin(static_cast<front_t*>(plugin)->real, start,
+                                                         end);
 }
 // NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)

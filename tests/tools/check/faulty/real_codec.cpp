@@ -2,6 +2,6 @@
 #include "codec/ostrovia_notifications2_codec.hpp"
 #include "plugin/entry_points.hpp"
 
-using RealCodec = com::velanto::connectivity::plugins::pulsar::OstroviaNotifications2Codec;
+using RealPlugin = com::velanto::connectivity::plugins::pulsar::OstroviaNotifications2Codec;
 
-VLT_EXPORT_CODEC(RealCodec);
+VLT_EXPORT_CODEC(RealPlugin);

@@ -2,6 +2,6 @@
 #include "plugin/entry_points.hpp"
 #include "recorder/ostrovia_notifications_recorder.hpp"
 
-using RealRecorder = com::velanto::connectivity::plugins::pulsar::OstroviaNotificationsRecorder;
+using RealPlugin = com::velanto::connectivity::plugins::pulsar::OstroviaNotificationsRecorder;
 
-VLT_EXPORT_CODEC(RealRecorder);
+VLT_EXPORT_CODEC(RealPlugin);
