@@ -62,7 +62,7 @@ nav ul { display: flex; flex-wrap: wrap; gap: .25rem 1.25rem; padding: 0; list-s
 table { width: 100%; margin: 1rem 0; border-collapse: collapse; font-size: .9375rem; }
 caption { padding: .25rem 0; text-align: left; color: var(--soft); }
 th, td { padding: .3125rem .75rem .3125rem 0; border-bottom: 1px solid var(--line); text-align: left; vertical-align: top; font-weight: 400; }
-thead th { color: var(--soft); font-size: .875rem; }
+thead th { color: var(--soft); font-size: .9375em; }
 .number { text-align: right; font-variant-numeric: tabular-nums; white-space: nowrap; }
 .bar { width: 40%; padding-right: 0; vertical-align: middle; }
 .faults, .sides { table-layout: fixed; }
