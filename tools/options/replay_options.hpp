@@ -30,13 +30,14 @@ struct ReplayOptions {
   std::size_t repeat = 1;                   // number of readings of the input, at least 1
   std::size_t threads = 1;                  // chains, each with a thread, at least 1
   std::string direction = "host";           // or "transport"
-  bool as_recorded = false;                 // direction and batches of the recording
-  bool follow = false;                      // wait for more input
-  std::optional<vlt_log_level_t> log_level; // without it one of the two above
   std::string log_format = "plain";         // or "json"
   std::size_t max_line = 64;                // MiB of a line of input
+  std::optional<vlt_log_level_t> log_level; // without it one of the two above
+  bool as_recorded = false;                 // direction and batches of the recording
+  bool follow = false;                      // wait for more input
   bool strict = false;                      // dropped messages are a failure
 
+  bool quiet = false;                    // no progress, no closing line, QUIET_LOG_LEVEL
   std::optional<std::string> summary;    // "text" or "json"
   std::optional<std::string> explain;    // the same
   std::optional<std::string> report;     // path of the page
@@ -44,7 +45,6 @@ struct ReplayOptions {
   std::vector<std::string> redact;       // lists of fields,
   std::optional<std::string> redacted;   // path of the copy with stand-ins for them,
   std::optional<std::string> redact_key; // and of the file with the key for these
-  bool quiet = false;                    // no progress, no closing line, QUIET_LOG_LEVEL
 
   std::optional<std::string> record;        // path of the golden file to write,
   std::optional<std::string> expect;        // and of the one to compare with
