@@ -1,7 +1,8 @@
 // Recorded lines, in both directions: what the writer writes, the reader reads as the same message.
 //
 //   input   an even byte, then bytes that describe a message; or an odd byte, then the rest of a
-//           recorded line. What the reader accepts of that is a message, too
+//           recorded line. What the reader accepts of that is a message, too, and the redactor
+//           makes of it another line that the reader accepts
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -12,9 +13,11 @@
 #include "ndjson/json_reader.hpp"
 #include "standin/standin.h"
 #include "tests/ndjson/recorded_law.hpp"
+#include "tools/replay/redacting/line_redactor.hpp"
 
 namespace fuzz = com::velanto::connectivity::fuzz;
 namespace test = com::velanto::connectivity::test;
+namespace tools = com::velanto::connectivity::tools;
 using com::velanto::connectivity::JsonReader;
 using com::velanto::connectivity::MalformedJson;
 using com::velanto::connectivity::Message;
@@ -25,11 +28,29 @@ void requireReadBack(const Message& message) {
   fuzz::require(test::isReadBack(message), "a recorded message reads back as the same");
 }
 
+// `line` is a message.
+void checkRedaction(JsonReader& reader, const std::string& line) {
+  static const tools::Pseudonyms PSEUDONYMS({});
+  static const tools::redacted_fields_t ALL =
+      tools::redactedFields({"all-texts,all-times,payload"});
+  static const tools::redacted_fields_t NONE = tools::redactedFields({"metadata.\"\\u0001\""});
+  static tools::LineRedactor all(ALL, PSEUDONYMS);
+  static tools::LineRedactor none(NONE, PSEUDONYMS);
+  try {
+    static_cast<void>(reader.parseMessage(all.redacted(line)));
+  } catch (const MalformedJson& e) {
+    fuzz::requireNone(e.what(), "a redacted line is a message");
+  }
+  const bool has_field = line.find("\\u0001") != std::string::npos;
+  fuzz::require(has_field || none.redacted(line) == line, "fields that are not named stay");
+}
+
 void checkLine(std::string_view rest) {
   static JsonReader reader;
+  const std::string line = test::REMARK + std::string(rest);
   Message message;
   try {
-    message = reader.parseMessage(test::REMARK + std::string(rest));
+    message = reader.parseMessage(line);
   } catch (const MalformedJson& e) {
     const std::string_view reason = e.what();
     fuzz::require(!reason.empty() && reason.find('\n') == std::string_view::npos,
@@ -37,6 +58,7 @@ void checkLine(std::string_view rest) {
     return;
   }
   requireReadBack(message);
+  checkRedaction(reader, line);
 }
 
 } // namespace
