@@ -11,7 +11,6 @@
 #   corpus/TARGET     inputs that reached something new; later runs go on from there
 #   findings/TARGET   inputs that broke a check, crashed, leaked or took too long
 #   log/TARGET        the last run's output
-#   log/TARGET        the last run's output
 
 fuzz_targets=(plugin map replay recording time number)
 
