@@ -44,8 +44,10 @@ void sendReportsTo(int descriptor) noexcept {
 
 } // namespace
 
-StandardErrorCapture::StandardErrorCapture(Calls calls) : calls_(calls), first_byte_(&NO_TEXT) {
-  memory_ = memfd_create("standard error of a plug-in", MFD_CLOEXEC);
+StandardErrorCapture::StandardErrorCapture(Calls calls)
+    : calls_(calls),
+      memory_(memfd_create("standard error of a plug-in", MFD_CLOEXEC)),
+      first_byte_(&NO_TEXT) {
   if (memory_ < 0 || ftruncate(memory_, PAGE) != 0) return;
   void* const page = mmap(nullptr, PAGE, PROT_READ | PROT_WRITE, MAP_SHARED, memory_, 0);
   if (page == MAP_FAILED) return;
@@ -53,16 +55,16 @@ StandardErrorCapture::StandardErrorCapture(Calls calls) : calls_(calls), first_b
   real_ = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
   if (real_ < 0) return;
   catchSignals();
-  static const bool shows_at_exit = std::atexit(&showAtExit) == 0;
-  static_cast<void>(shows_at_exit);
+  static const bool SHOWS_AT_EXIT = std::atexit(&showAtExit) == 0;
+  static_cast<void>(SHOWS_AT_EXIT);
   if (calls == Calls::IN_TURN) first_byte_ = page_;
   sendReportsTo(real_);
   dup2(memory_, STDERR_FILENO);
-  current = this;
+  current_ = this;
 }
 
 StandardErrorCapture::~StandardErrorCapture() {
-  if (current == this) restore();
+  if (current_ == this) restore();
   if (page_ != nullptr) munmap(page_, PAGE);
   if (real_ >= 0) close(real_);
   if (memory_ >= 0) close(memory_);
@@ -73,7 +75,7 @@ void StandardErrorCapture::restore() noexcept {
   sendReportsTo(STDERR_FILENO);
   for (const handler_t& handler : handlers_) sigaction(handler.signal, &handler.before, nullptr);
   sigaltstack(&stack_before_, nullptr);
-  current = nullptr;
+  current_ = nullptr;
 }
 
 void StandardErrorCapture::catchSignals() {
@@ -94,7 +96,7 @@ void StandardErrorCapture::catchSignals() {
 }
 
 std::string StandardErrorCapture::take() {
-  if (current != this) return "";
+  if (current_ != this) return "";
   const long end = lseek(memory_, 0, SEEK_CUR); // the offset of descriptor 2, too
   std::string text(static_cast<std::size_t>(std::min(end - taken_, MOST)), '\0');
   const ssize_t size = pread(memory_, text.data(), text.size(), taken_);
@@ -115,12 +117,12 @@ std::string StandardErrorCapture::take() {
 }
 
 int StandardErrorCapture::realDescriptor() noexcept {
-  return current == nullptr ? STDERR_FILENO : current->real_;
+  return current_ == nullptr ? STDERR_FILENO : current_->real_;
 }
 
 // Hands the signal on to whoever had it before: the system, or a sanitizer.
 void StandardErrorCapture::showAndDie(int signal) noexcept {
-  if (StandardErrorCapture* const capture = current; capture != nullptr) {
+  if (StandardErrorCapture* const capture = current_; capture != nullptr) {
     capture->showRest();
     capture->restore();
   }
@@ -128,7 +130,7 @@ void StandardErrorCapture::showAndDie(int signal) noexcept {
 }
 
 void StandardErrorCapture::showAtExit() noexcept {
-  if (current != nullptr) current->showRest();
+  if (current_ != nullptr) current_->showRest();
 }
 
 // Calls nothing that a signal handler may not call.

@@ -38,7 +38,7 @@ class StandardErrorCapture {
   // The same for the plug-in's call that has just returned. Nothing when there is no capture, or
   // calls come at once.
   [[nodiscard]] static std::string takeOfCall() {
-    return current == nullptr || *current->first_byte_ == '\0' ? std::string() : current->take();
+    return current_ == nullptr || *current_->first_byte_ == '\0' ? std::string() : current_->take();
   }
 
   // Where standard error leads without a capture.
@@ -56,7 +56,9 @@ class StandardErrorCapture {
   void catchSignals();
   void restore() noexcept;
 
-  static inline StandardErrorCapture* current = nullptr;
+  // Standard error is the process's, and signal handlers find the capture here.
+  // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
+  static inline StandardErrorCapture* current_ = nullptr;
 
   Calls calls_;
   int real_ = -1;   // a duplicate of the real standard error

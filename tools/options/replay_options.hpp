@@ -32,9 +32,9 @@ struct ReplayOptions {
   std::string direction = "host";           // or "transport"
   std::string log_format = "plain";         // or "json"
   std::size_t max_line = 64;                // MiB of a line of input
-  std::optional<vlt_log_level_t> log_level; // without it one of the two above
   bool as_recorded = false;                 // direction and batches of the recording
   bool follow = false;                      // wait for more input
+  std::optional<vlt_log_level_t> log_level; // without it one of the two above
   bool strict = false;                      // dropped messages are a failure
 
   bool quiet = false;                    // no progress, no closing line, QUIET_LOG_LEVEL

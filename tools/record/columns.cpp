@@ -49,13 +49,13 @@ std::string leftPadded(std::string_view text, std::size_t width) {
 
 std::string cutBehind(std::string_view text, std::size_t width) {
   // No character becomes narrower, so the others cannot fit.
-  const std::string shown = visible(text.substr(0, bytesOf(text, width + 1)));
+  std::string shown = visible(text.substr(0, bytesOf(text, width + 1)));
   if (widthOf(shown) <= width) return shown;
   return shown.substr(0, bytesOf(shown, width - 1)) + ELLIPSIS;
 }
 
 std::string cutBefore(std::string_view text, std::size_t width) {
-  const std::string shown = visible(lastOf(text, width + 1));
+  std::string shown = visible(lastOf(text, width + 1));
   if (widthOf(shown) <= width) return shown;
   return std::string(ELLIPSIS).append(lastOf(shown, width - 1));
 }

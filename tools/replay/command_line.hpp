@@ -10,15 +10,15 @@ namespace com::velanto::connectivity::tools {
 
 // The readers of the streams.
 struct display_t {
-  bool progress = false; // `diagnostics` leads to a terminal that shows nothing else meanwhile
+  bool progress = false; // standard error leads to a terminal that shows nothing else meanwhile
   Screen out = Screen::NONE;
   bool typed = false; // standard input comes from one
 };
 
 // Does what main's `arguments` ask for and returns the exit status: replays, or writes help or
-// version to `out`, or names a fault of the arguments on `diagnostics` (status 2). Does not throw.
-int runReplay(int count, const char* const* arguments, std::ostream& out, std::ostream& diagnostics,
-              const display_t& display = {}) noexcept;
+// version to `out`, or names a fault of the arguments on `standard_error` (status 2). Does not throw.
+int runReplay(int count, const char* const* arguments, std::ostream& out,
+              std::ostream& standard_error, const display_t& display = {}) noexcept;
 
 } // namespace com::velanto::connectivity::tools
 
