@@ -35,6 +35,7 @@ TEST(Changes, MemoryIsBoundedAndTheRestCounted) {
 TEST(Changes, FurtherFieldsOfAMessageAreCounted) {
   Changes changes("changes-expect", "a.golden", "Golden run", "This run");
   std::vector<difference_t> differences;
+  differences.reserve(12);
   for (int i = 0; i < 12; ++i) differences.push_back({std::to_string(i), "1", "2"});
   changes.add("a", "b", differences);
   EXPECT_EQ(changes.messages().front().fields.size(), Changes::MOST_FIELDS);
