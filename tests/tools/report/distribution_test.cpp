@@ -14,7 +14,7 @@ TEST(Distribution, WithoutNumbersThereAreNoClasses) {
 
 TEST(Distribution, BoundsDouble) {
   Distribution distribution;
-  for (const std::uint64_t number : {1, 2, 3, 4, 7, 8, 16}) distribution.add(number);
+  for (const std::uint64_t number : {1U, 2U, 3U, 4U, 7U, 8U, 16U}) distribution.add(number);
   std::string text;
   for (const auto& [first, last, count] : distribution.classes()) {
     text +=

@@ -25,7 +25,7 @@ TEST(Html, TextsCannotBecomeMarkup) {
 
 TEST(Html, InvisibleCharactersAndStrayBytesAreShown) {
   EXPECT_EQ(escaped("a\t\n\x1B[31m\x7F"), "a\\u0009\\u000a\\u001b[31m\\u007f");
-  EXPECT_EQ(escaped("\u0085\u202Eabc\u2066\uFEFF"), "\\u0085\\u202eabc\\u2066\\ufeff");
+  EXPECT_EQ(escaped("\u0085\xE2\x80\xAEo\xE2\x81\xA6\uFEFF"), "\\u0085\\u202eo\\u2066\\ufeff");
   EXPECT_EQ(escaped("a\xFFz\xE2\x82<"), "a\\xffz\\xe2\\x82&lt;");
   EXPECT_EQ(escaped(std::string_view("a\0b", 3)), "a\\u0000b");
 }

@@ -188,10 +188,15 @@ TEST_F(ReportTest, PageIsBounded) {
   std::string input;
   const std::string large = std::string(6000, '<');
   for (int i = 0; i < 60; ++i) {
-    const std::string key = "\"k" + std::to_string(i) + large + "\":\"" + large + "\"";
+    const std::string number = std::to_string(i);
+    const std::string key = "\"k" + number + large + "\":\"" + large + "\"";
     input += passingLine("{" + key + "}");
-    input += R"({"metadata":{"pulsarPath":"t/s/events/7"},"payload":{"id":"x'): Required key '")" +
-             std::to_string(i) + R"(' missing from message payload",)" + key + "}}\n";
+    input
+        .append(R"({"metadata":{"pulsarPath":"t/s/events/7"},"payload":{"id":"x'): Required key ')")
+        .append(number)
+        .append(R"(' missing from message payload",)")
+        .append(key)
+        .append("}}\n");
   }
   input_ = input;
   run({"--quiet", "--record", "golden", "--tenant-id", "t1"});
