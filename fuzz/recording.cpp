@@ -33,7 +33,7 @@ void checkRedaction(JsonReader& reader, const std::string& line) {
   static const tools::Pseudonyms PSEUDONYMS({});
   static const tools::redacted_fields_t ALL =
       tools::redactedFields({"all-texts,all-times,payload"});
-  static const tools::redacted_fields_t NONE = tools::redactedFields({"metadata.\"\\u0001\""});
+  static const tools::redacted_fields_t NONE = tools::redactedFields({R"(metadata."\u0001")"});
   static tools::LineRedactor all(ALL, PSEUDONYMS);
   static tools::LineRedactor none(NONE, PSEUDONYMS);
   try {

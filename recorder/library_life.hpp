@@ -20,6 +20,7 @@ struct batch_on_its_way_t {
 };
 // In the library's own part of each thread's storage: the other kind allocates at first use, and
 // ends the process without memory.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): each thread has its own
 inline thread_local constinit batch_on_its_way_t current_batch
     [[gnu::tls_model("initial-exec")]] = {0, 0};
 

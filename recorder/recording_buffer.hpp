@@ -38,7 +38,7 @@ class Waker {
 class RecordingBuffer {
  public:
   // Bytes of one half.
-  static constexpr std::size_t CAPACITY = 4 * 1024 * 1024;
+  static constexpr std::size_t CAPACITY = std::size_t{4} * 1024 * 1024;
 
   enum class State {
     CLOSED, // messages are lost: not started, shut down, or stopped at the bound

@@ -26,12 +26,15 @@
 
 namespace com::velanto::connectivity::recorder {
 
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): nothing derives from it
 class WriterThread final : private Guest {
  public:
   // `buffer`, `files` and `logger` must outlive it. `status` is the host's handle for the status,
   // null for none. Starts nothing.
   WriterThread(const configuration_t& configuration, RecordingBuffer& buffer, RecordingFiles& files,
                const Logger& logger, void* status);
+  WriterThread(const WriterThread&) = delete;
+  WriterThread& operator=(const WriterThread&) = delete;
   // Stops the thread, and reports the last counts.
   ~WriterThread();
 

@@ -49,8 +49,8 @@ void Page::entry(std::string_view label, Colour colour, const std::vector<std::s
   out_ += '\n';
 }
 
-void Page::text(std::string_view label, Colour colour, std::string_view of) {
-  const std::string shown = visible(of);
+void Page::text(std::string_view label, Colour colour, std::string_view content) {
+  const std::string shown = visible(content);
   std::string_view text = shown;
   std::vector<std::string> words;
   while (!text.empty()) {

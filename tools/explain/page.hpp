@@ -37,7 +37,7 @@ class Page {
   // parts as fit, with blanks between them; each part must fit a line.
   void entry(std::string_view label, Colour colour, const std::vector<std::string>& parts);
   // An entry of one string, broken between words and, where there is none, within one.
-  void text(std::string_view label, Colour colour, std::string_view text);
+  void text(std::string_view label, Colour colour, std::string_view content);
 
   [[nodiscard]] std::string take() && { return std::move(out_); }
 

@@ -88,7 +88,7 @@ void StandardErrorCapture::catchSignals() {
   for (const int signal : FATAL) {
     struct sigaction action {};
     action.sa_handler = &showAndDie;
-    action.sa_flags = SA_ONSTACK | SA_RESETHAND;
+    action.sa_flags = SA_ONSTACK | static_cast<int>(SA_RESETHAND);
     struct sigaction before {};
     sigaction(signal, &action, &before);
     handlers_.push_back({signal, before});

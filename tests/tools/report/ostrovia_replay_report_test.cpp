@@ -189,7 +189,8 @@ TEST_F(ReportTest, PageIsBounded) {
   const std::string large = std::string(6000, '<');
   for (int i = 0; i < 60; ++i) {
     const std::string number = std::to_string(i);
-    const std::string key = "\"k" + number + large + "\":\"" + large + "\"";
+    std::string key = "\"k";
+    key.append(number).append(large).append("\":\"").append(large).append("\"");
     input += passingLine("{" + key + "}");
     input
         .append(R"({"metadata":{"pulsarPath":"t/s/events/7"},"payload":{"id":"x'): Required key ')")
