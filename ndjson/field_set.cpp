@@ -102,4 +102,12 @@ void FieldSet::add(std::string_view path) {
   node->is_listed = true;
 }
 
+FieldSet::place_t FieldSet::at(std::string_view path) const {
+  std::list<std::string> names = PathReader(path).names();
+  place_t place = names.front() == payload_.name ? &payload_ : &metadata_;
+  names.pop_front();
+  for (const std::string& name : names) place = below(place, name);
+  return place;
+}
+
 } // namespace com::velanto::connectivity

@@ -31,6 +31,10 @@ class FieldSet {
   // Throws std::invalid_argument "path '…': reason", std::bad_alloc; nothing is added then.
   void add(std::string_view path);
 
+  // The place of the values that `path`, once added, stands for: its own, or that of a shorter path
+  // in the set. Null when neither is. Throws as add does.
+  [[nodiscard]] place_t at(std::string_view path) const;
+
   [[nodiscard]] place_t payload() const noexcept { return &payload_; }
   [[nodiscard]] place_t metadata() const noexcept { return &metadata_; }
 

@@ -55,6 +55,13 @@ TEST(FieldSetTest, RootAloneCoversEverything) {
   EXPECT_FALSE(FieldSet::covers(set.payload()));
 }
 
+TEST(FieldSetTest, PathLeadsToThePlaceThatCoversIt) {
+  const FieldSet set = setOf({"source.id", "text", "source"});
+  EXPECT_EQ(set.at("text"), FieldSet::below(set.payload(), "text"));
+  EXPECT_EQ(set.at("source.id"), set.at("payload.source"));
+  EXPECT_EQ(set.at("metadata.text"), nullptr);
+}
+
 TEST(FieldSetTest, NamesInQuotesMayHoldAnything) {
   EXPECT_TRUE(covers(setOf({R"(payload."a.b"."")"}), {"a.b", ""}));
   EXPECT_TRUE(

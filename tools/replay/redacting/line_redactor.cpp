@@ -134,6 +134,7 @@ void LineRedactor::pair(const spot_t& of) {
 }
 
 void LineRedactor::value(const spot_t& of) {
+  if (isNamed(of)) met_.insert(of.place);
   switch (next()) {
     case '{':
       open_.push_back({frame_t::OBJECT, of});

@@ -11,6 +11,7 @@
 #define VLT_TOOLS_REPLAY_REDACTING_LINE_REDACTOR_HPP
 
 #include <cstddef>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,9 @@ class LineRedactor {
   // `line` is one that JsonReader accepts as a message, or one of a recording's own. The result is
   // valid until the next call.
   [[nodiscard]] const std::string& redacted(std::string_view line);
+
+  // Whether a line so far had a value at `place` of the fields.
+  [[nodiscard]] bool hasMet(FieldSet::place_t place) const { return met_.contains(place); }
 
  private:
   using place_t = FieldSet::place_t;
@@ -73,6 +77,7 @@ class LineRedactor {
 
   const redacted_fields_t& fields_;
   const Pseudonyms& pseudonyms_;
+  std::set<place_t> met_;
   JsonReader reader_;
   std::vector<frame_t> open_;
   std::string_view line_;

@@ -39,6 +39,7 @@ redacted_fields_t redactedFields(const std::vector<std::string>& lists) {
       } else {
         try {
           fields.places.add(field);
+          fields.paths.push_back(field);
         } catch (const std::invalid_argument& e) {
           throw ReplayError(EXIT_USAGE, std::string("--redact: ") + e.what());
         }

@@ -14,6 +14,7 @@ namespace com::velanto::connectivity::tools {
 
 struct redacted_fields_t {
   std::vector<std::string> names; // as given
+  std::vector<std::string> paths; // the names but the two words
   FieldSet places;
   bool all_texts = false;
   bool all_times = false;

@@ -38,7 +38,6 @@ void Redaction::take(const record_t& record) {
   copy.file = record.file;
   copy.line_number = record.line_number;
   copy.recorded = record.recorded;
-  copy.recorded = record.recorded;
   std::string line = record.line;
   line.erase(record.annotation.begin, record.annotation.size);
   copy.line = redactor_.redacted(line);
@@ -72,6 +71,10 @@ exit_status_t Redaction::finish() {
     diagnostics_ << REPLAY_NAME
                  << ": " + std::to_string(left_out_) + " malformed lines are not in " +
                         file_.path() + "\n";
+  }
+  for (const std::string& path : fields_.paths) {
+    if (redactor_.hasMet(fields_.places.at(path))) continue;
+    diagnostics_ << REPLAY_NAME << ": --redact: no message has the field " + path + "\n";
   }
   return EXIT_FINE;
 }

@@ -73,6 +73,15 @@ TEST_F(RedactionTest, OneKeyGivesOneCopy) {
   EXPECT_NE(copy(), first);
 }
 
+TEST_F(RedactionTest, FieldsOfNoMessageAreReported) {
+  input_ = eventLine("1");
+  const result_t result = redact("source,source.id,all-text,payload.txt,metadata.pulsarPath");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.diagnostics,
+            "ostrovia-replay: --redact: no message has the field all-text\n"
+            "ostrovia-replay: --redact: no message has the field payload.txt\n");
+}
+
 TEST_F(RedactionTest, DifferingOutcomeLeavesTheOldFile) {
   folder_.write("copy.ndjson", "old\n");
   // The codec takes blanks for digits here, a stand-in has none of them.
