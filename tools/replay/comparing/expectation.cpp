@@ -16,7 +16,12 @@ Expectation::Expectation(const std::string& path, std::ostream& diagnostics)
 side_t Expectation::nextExpected() {
   for (std::string line; std::getline(file_, line);) {
     ++line_number_;
-    if (!isGoldenRemark(line)) return {path_ + ":" + std::to_string(line_number_), line};
+    if (isGoldenRemark(line)) continue;
+    const std::string place = path_ + ":" + std::to_string(line_number_);
+    if (!isGoldenLine(line)) {
+      throw ReplayError(EXIT_IO, place + ": no line of a golden file, which --record makes");
+    }
+    return {place, line};
   }
   return {path_, {}};
 }

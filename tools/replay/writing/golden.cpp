@@ -7,11 +7,12 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
+constexpr std::string_view AT = "{\"at\":";
 constexpr std::string_view BEHIND_AT = ",\"outcome\":";
 constexpr std::string_view REMARK = R"({"made by":)";
 
 std::string beginOf(std::string_view place, std::string_view outcome) {
-  std::string line = "{\"at\":";
+  std::string line(AT);
   appendJsonText(line, place);
   line += BEHIND_AT;
   appendJsonText(line, outcome);
@@ -69,6 +70,10 @@ std::string goldenRemark(const std::string& plugin_build) {
   line += R"(,"plug-in":)";
   appendJsonText(line, plugin_build);
   return line + "}";
+}
+
+bool isGoldenLine(std::string_view line) noexcept {
+  return line.starts_with(AT) && line.find(BEHIND_AT) != std::string_view::npos;
 }
 
 bool isGoldenRemark(std::string_view golden_line) noexcept {

@@ -24,6 +24,9 @@ namespace com::velanto::connectivity::tools {
 [[nodiscard]] std::string goldenLineOf(const record_t& record);
 [[nodiscard]] std::string goldenLineOf(std::span<const log_line_t> lines);
 
+// Whether `line` is such a line, judged by its beginning.
+[[nodiscard]] bool isGoldenLine(std::string_view line) noexcept;
+
 // The part of such a line that comparisons read: all after "at".
 [[nodiscard]] std::string_view contentOf(std::string_view golden_line) noexcept;
 

@@ -183,10 +183,14 @@ TEST_F(GoldenTest, LinesWithoutAMessageBelongToTheRun) {
   EXPECT_EQ(run({"--expect", golden_}).status, 5);
 }
 
-TEST_F(GoldenTest, FileThatIsNoGoldenFileDiffers) {
-  input_ = passingLine("1");
-  folder_.write("golden", "garbage\n");
-  EXPECT_EQ(expect().status, 5);
+TEST_F(GoldenTest, FileOfAnotherKindIsRefused) {
+  record(eventLine("1"));
+  folder_.write("golden", folder_.read("golden") + eventLine("2"));
+  input_ = eventLine("1") + eventLine("2");
+  const result_t result = expect();
+  EXPECT_EQ(result.status, 7);
+  EXPECT_EQ(result.diagnostics,
+            "ostrovia-replay: " + golden_ + ":3: no line of a golden file, which --record makes\n");
 }
 
 TEST_F(GoldenTest, MissingGoldenFileIsAnError) {
