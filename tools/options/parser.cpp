@@ -41,7 +41,7 @@ class Setter {
   void operator()(std::optional<std::string>* target) const { *target = chosen(); }
   void operator()(std::vector<std::string>* target) const { target->push_back(chosen()); }
   void operator()(std::size_t* target) const {
-    *target = number<std::size_t>(1, SIZE_MAX, "is not a number of at least 1");
+    *target = number<std::size_t>(1, SIZE_MAX, "is not a whole number from 1 to 2^64-1");
   }
   void operator()(double* target) const {
     *target = number(0.001, 86400.0, "is not a number of seconds between 0.001 and 86400");

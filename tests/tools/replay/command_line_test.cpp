@@ -119,7 +119,8 @@ TEST_F(CommandLineTest, EmptyValueIsTheEmptyText) {
   EXPECT_EQ(out().find("tenantId"), std::string::npos) << out();
   EXPECT_NE(out(), "");
   EXPECT_EQ(run({"--batch-size=", events_.c_str()}), tools::EXIT_USAGE);
-  EXPECT_EQ(diagnostics(), "ostrovia-replay: --batch-size: '' is not a number of at least 1\n");
+  EXPECT_EQ(diagnostics(),
+            "ostrovia-replay: --batch-size: '' is not a whole number from 1 to 2^64-1\n");
 }
 
 TEST_F(CommandLineTest, TwoDashesEndTheOptions) {
@@ -130,8 +131,8 @@ TEST_F(CommandLineTest, TwoDashesEndTheOptions) {
 TEST_F(CommandLineTest, BatchSizeIsAWholeNumberFrom1) {
   for (const std::string size : {"0", "-1", "1x", "0.5", "99999999999999999999", ""}) {
     EXPECT_EQ(run({"--batch-size", size.c_str(), events_.c_str()}), tools::EXIT_USAGE) << size;
-    EXPECT_EQ(diagnostics(),
-              "ostrovia-replay: --batch-size: '" + size + "' is not a number of at least 1\n");
+    EXPECT_EQ(diagnostics(), "ostrovia-replay: --batch-size: '" + size +
+                                 "' is not a whole number from 1 to 2^64-1\n");
   }
   EXPECT_EQ(run({"--batch-size", "1", events_.c_str()}), 0);
 }
