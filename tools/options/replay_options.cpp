@@ -129,7 +129,7 @@ option_group_t comparingOptions(ReplayOptions& options) {
        {"--expect", "FILE", "compare the run with a golden file and show the differences",
         &options.expect},
        {"--expect-events", "RECORDING",
-        "compare the run with the events that were recorded behind the codec, batch by batch, and "
+        "compare the run with the events that were recorded after the codec, batch by batch, and "
         "show the differences",
         &options.expect_events},
        {"--against", "PATH",

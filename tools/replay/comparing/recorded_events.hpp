@@ -1,4 +1,4 @@
-// Compares the events of this build with the events that a recorder got behind the codec of
+// Compares the events of this build with the events that a recorder got after the codec of
 // production, whichever codec ran there. The input is the recording before that codec. Both
 // recorders give a batch the same number, so batches are paired by run, number and direction.
 // Within a batch:
