@@ -164,7 +164,11 @@ void Replay::drive(LineReader& reader) {
   worsen(consumers_.finish());
   consumers_.pause();
   checkCopy(reader.recordings());
-  if (cut_.empty()) consumers_.commit();
+  if (cut_.empty()) {
+    consumers_.commit();
+  } else if (options_.record || options_.dropped || options_.redacted || options_.report) {
+    cut_ += "; no file is written";
+  }
 }
 
 // A copy without some messages would contradict the counts of its recorder.
@@ -206,12 +210,12 @@ void Replay::noteCut(const std::exception_ptr& failure) {
       report(error.what());
       worsen(error.status());
     }
-    cut_ = "the input cannot be read on";
+    cut_ = "the input cannot be read further";
   } else if (isInterrupted()) {
     worsen(EXIT_INTERRUPTED);
     if (!options_.follow) cut_ = "interrupted";
   } else if (consumers_.hasNoUse()) {
-    cut_ = "nobody reads on";
+    cut_ = "nobody reads the output any more";
   }
 }
 

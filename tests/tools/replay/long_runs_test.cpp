@@ -124,7 +124,7 @@ TEST_F(LongRunsTest, BrokenCompressionIsAnErrorAfterItsLines) {
     // A run that has read nothing has no figures.
     const bool has_read = result.diagnostics.find("too early") != std::string::npos;
     EXPECT_EQ(result.diagnostics.find(
-                  "\nostrovia-replay: incomplete: the input cannot be read on\nread ") !=
+                  "\nostrovia-replay: incomplete: the input cannot be read further\nread ") !=
                   std::string::npos,
               has_read);
     return result.diagnostics.substr(0, result.diagnostics.find('\n') + 1);
@@ -273,15 +273,21 @@ TEST_F(LongRunsTest, CutRunSaysSo) {
   folder_.write("in.ndjson", text);
   folder_.write("cut.gz", gzipped(text).substr(0, 5000));
   const result_t closed = runShell("ostrovia-replay in.ndjson | head -1");
-  EXPECT_TRUE(closed.diagnostics.starts_with("ostrovia-replay: incomplete: nobody reads on\nread "))
+  EXPECT_TRUE(closed.diagnostics.starts_with(
+      "ostrovia-replay: incomplete: nobody reads the output any more\nread "))
       << closed.diagnostics;
+  const result_t unwritten = run({"--record", "g", "--log-level", "2", "cut.gz"});
+  EXPECT_NE(unwritten.diagnostics.find(
+                "incomplete: the input cannot be read further; no file is written\n"),
+            std::string::npos)
+      << unwritten.diagnostics;
   const result_t cut = run({"--summary=json", "cut.gz"});
   EXPECT_TRUE(
       cut.diagnostics.starts_with("ostrovia-replay: cut.gz: the gzip data ends too early\n"
                                   R"({"version":1,"complete":false,"read":)"))
       << cut.diagnostics;
   const std::string summary = run({"--quiet", "--summary", "cut.gz"}).diagnostics;
-  EXPECT_NE(summary.find("ostrovia-replay: incomplete: the input cannot be read on\n"),
+  EXPECT_NE(summary.find("ostrovia-replay: incomplete: the input cannot be read further\n"),
             std::string::npos);
 }
 

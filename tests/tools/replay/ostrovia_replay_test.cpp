@@ -167,7 +167,7 @@ TEST_F(OstroviaReplayTest, ReaderThatGoesAwayIsNoError) {
   close(writer);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.diagnostics,
-            "ostrovia-replay: incomplete: nobody reads on\n"
+            "ostrovia-replay: incomplete: nobody reads the output any more\n"
             "read 1, reached the host 1, dropped 0, malformed 0, T ms\n");
 }
 

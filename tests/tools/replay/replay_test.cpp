@@ -286,7 +286,7 @@ TEST_F(ReplayTest, InputThatBreaksIsAFailure) {
   EXPECT_EQ(events(), "{\"metadata\":{},\"payload\":1}\n");
   EXPECT_EQ(diagnostics(),
             "ostrovia-replay: disk: cannot be read to its end\n"
-            "ostrovia-replay: incomplete: the input cannot be read on\n"
+            "ostrovia-replay: incomplete: the input cannot be read further\n"
             "read 1, reached the host 1, dropped 0, malformed 0, T ms\n");
 }
 
