@@ -4,7 +4,8 @@
 #   lib/ostrovia-notifications/plugin/    codec and recorder, which a host loads by their paths
 #   lib/ostrovia-notifications/standin/   the stand-in, for the tools alone
 #   share/man/man1/, share/bash-completion/completions/
-#   share/doc/ostrovia-notifications/     documents and samples, laid out as in the sources
+#   share/doc/ostrovia-notifications/     documents, their programs with headers, and samples, laid
+#                                         out as in the sources
 #
 # No linker searches the two folders in lib/. They are two because the stand-in bears the name of
 # the host's client library: a host that searches the plug-in's folder must not find it there. The
@@ -52,4 +53,8 @@ function(vlt_install_documents)
           DESTINATION ${VLT_DOCUMENT_FOLDER})
   install(DIRECTORY docs samples DESTINATION ${VLT_DOCUMENT_FOLDER} FILES_MATCHING
           PATTERN "*.md" PATTERN "*.json" PATTERN "*.ndjson" PATTERN "*.png")
+  # What the programs of the documents include, and the programs.
+  install(DIRECTORY host standin DESTINATION ${VLT_DOCUMENT_FOLDER} FILES_MATCHING PATTERN "*.h")
+  install(DIRECTORY tests/end_to_end DESTINATION ${VLT_DOCUMENT_FOLDER}/tests
+          FILES_MATCHING PATTERN "*.c")
 endfunction()
