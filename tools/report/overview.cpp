@@ -50,7 +50,7 @@ void writeTimes(Html& html, const Collection& collection) {
   std::uint64_t messages = 0;
   for (const Outcome outcome : OUTCOMES_OF_MESSAGES) messages += collection.count(outcome);
   if (!view.bars.empty()) {
-    writeTimeline(html, "by-time", "By the messages’ own time", "From (UTC)", view,
+    writeTimeline(html, "by-time", "By the messages’ own time (UTC)", "From", view,
                   [&view](std::int64_t seconds) { return timeText(seconds, view.width); });
   }
   const std::uint64_t untold = messages - collection.times().messages();
@@ -81,6 +81,12 @@ std::string headlineOf(const contents_t& contents) {
            (dropped == 1 ? " was dropped" : " were dropped");
   }
   if (malformed > 0) text += ", " + counted(malformed, "line") + " malformed";
+  for (const Changes& changes : contents.changes) {
+    const std::uint64_t different = changes.different();
+    if (different == 0) continue;
+    text += ", " + grouped(different) + (different == 1 ? " differs" : " differ") + " from " +
+            changes.title();
+  }
   return text;
 }
 
@@ -95,7 +101,8 @@ void writeOutcome(Html& html, const contents_t& contents) {
   writeFigure(html, "dropped", dropped, dropped > 0);
   const std::uint64_t malformed = collection.count(Outcome::MALFORMED);
   if (malformed > 0) writeFigure(html, "malformed", malformed, true);
-  html << "</dl>\n<ul>";
+  html << "</dl>\n<p>Converted messages came out as typed events, passed ones without "
+          "an event type, dropped ones not at all.</p>\n<ul>";
   for (const Changes& changes : contents.changes) {
     html << R"(<li><a href="#)" << shown(changes.anchor()) << R"(">)"
          << shown(grouped(changes.different()) + " of " + counted(changes.compared(), "message"))

@@ -82,6 +82,7 @@ TEST_F(ReportTest, ArrivalsAreCountedByTimePlaceAndKind) {
   EXPECT_EQ(textOf(page, "kinds"),
             " Messages by kind and outcome Kind converted passed dropped all alarms 1 0 0 1 events "
             "1 0 1 2 no path 0 1 0 1 ");
+  EXPECT_THAT(textOf(page, "arrivals"), HasSubstr("By the messages’ own time (UTC)"));
   EXPECT_THAT(textOf(page, "by-time"), HasSubstr("1970-01-01 00:00:05: 3 messages, 1 dropped"));
   EXPECT_THAT(textOf(page, "by-place"), HasSubstr("2: 1 message, 1 dropped"));
   EXPECT_THAT(textOf(page, "left-out"), HasSubstr("not in the chart of times: 1."));
@@ -108,6 +109,7 @@ TEST_F(ReportTest, ChangesStandSideBySide) {
   input_ = eventLine("1") + textlessLine("2");
   const std::string page =
       pageOf({"--expect", "golden", "--tenant-id", "t1"}, tools::EXIT_DIFFERENT);
+  EXPECT_THAT(page, HasSubstr("<h1>1 of 2 messages was dropped, 3 differ from golden</h1>"));
   EXPECT_THAT(textOf(page, "outcome"), HasSubstr("3 of 3 messages differ from golden"));
   const std::string changes = textOf(page, "changes-expect");
   EXPECT_THAT(changes, HasSubstr(" Field Messages Golden run This run "));
