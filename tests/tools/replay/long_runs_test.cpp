@@ -92,6 +92,15 @@ TEST_F(LongRunsTest, MemoryThatRunsOutIsCalledThat) {
             "ostrovia-replay: memory has run out; --max-line bounds the lines of the input\n");
 }
 
+TEST_F(LongRunsTest, ThreadsThatTheSystemRefusesAreNamed) {
+  const result_t result =
+      runShell("ulimit -s 100000000000 && ostrovia-replay --threads 2 < /dev/null");
+  EXPECT_EQ(result.status, 7);
+  EXPECT_EQ(result.diagnostics,
+            "ostrovia-replay: the system does not start 2 threads: Resource temporarily "
+            "unavailable\n");
+}
+
 TEST_F(LongRunsTest, CompressedInputIsKnownByItsFirstBytes) {
   for (const auto& compress : {&gzipped, &zstandard}) {
     input_ = compress(passingLine("1")) + compress(passingLine("2")); // two members in a row

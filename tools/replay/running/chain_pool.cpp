@@ -6,6 +6,8 @@
 #include <exception>
 #include <future>
 #include <mutex>
+#include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -63,6 +65,15 @@ class TaskThread {
   bool ended_ = false;
   std::thread thread_;
 };
+
+std::vector<TaskThread> startThreads(std::size_t count) {
+  try {
+    return std::vector<TaskThread>(count);
+  } catch (const std::system_error& error) {
+    throw ReplayError(EXIT_IO, "the system does not start " + std::to_string(count) +
+                                   " threads: " + error.code().message());
+  }
+}
 
 } // namespace
 
@@ -142,7 +153,8 @@ std::exception_ptr ChainPool::runAlone(LineReader& reader, const pool_listener_t
 std::exception_ptr ChainPool::runTogether(LineReader& reader, const pool_listener_t& listener) {
   std::vector<block_t> blocks(options_.undisturbed ? 1 : workers_.size() * AHEAD);
   std::vector<std::future<void>> served(blocks.size());
-  std::vector<TaskThread> threads(workers_.size()); // after the blocks: ends before them
+  std::vector<TaskThread> threads =
+      startThreads(workers_.size()); // after the blocks: ends before them
   std::size_t filled = 0;
   bool more = true;
   for (std::size_t published = 0; !listener.finished(); ++published) {
