@@ -70,7 +70,11 @@ data_t borrowed(const char* text) {
   return adopted(VLT_TAG_BORROWED_STRING, content);
 }
 
-data_t bare(std::uint32_t tag) { return adopted(tag, {}); }
+data_t bare(std::uint32_t tag) {
+  vlt_underlying_content_t content; // empty braces would set the one byte of the first member
+  content.custom = {};
+  return adopted(tag, content);
+}
 
 data_t decimal(std::uint64_t bits) { return data_t(vlt_underlying_decimal_t{bits}); }
 
