@@ -33,7 +33,7 @@ struct outcome_t {
 class WatchedPlugin {
  public:
   // Which build it is: the subject of the checks, or the plain one for comparison, from which they
-  // ask only for what is required of any build.
+  // check only the rules that hold for any build.
   enum class Build { OURS, PLAIN };
 
   // Loads the libraries of both builds, which make blocks of their own; before the first chain.

@@ -18,4 +18,4 @@ command -v chromium >/dev/null || skip "there is no chromium"
   skip "there is no playwright-core or axe-core in $modules; ./dev test installs both"
 
 export NODE_PATH=$modules
-exec node --test --test-reporter=spec "$(dirname "${BASH_SOURCE[0]}")"/*_test.js
+exec node --test --test-reporter=tap "$(dirname "${BASH_SOURCE[0]}")"/*_test.js

@@ -24,7 +24,7 @@ struct faulty_place_t {
   std::string found;    // JSON of a leaf; empty: a list or map,
   bool missing = false; // or nothing at all
   std::string mended{}; // JSON of a value with which it goes on; empty: none
-  std::string defect{}; // what is wrong with the value, as far as the mended one tells
+  std::string defect{}; // the fault of the value, as far as the mended one tells
   bool operator==(const faulty_place_t&) const = default;
 };
 

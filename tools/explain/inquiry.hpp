@@ -1,5 +1,5 @@
 // Explains single messages with another instance of the plug-in in another chain, so the run neither
-// shows nor counts what it takes to find out.
+// shows nor counts the messages sent to find out.
 #ifndef VLT_TOOLS_EXPLAIN_INQUIRY_HPP
 #define VLT_TOOLS_EXPLAIN_INQUIRY_HPP
 

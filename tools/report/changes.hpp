@@ -36,7 +36,7 @@ class Changes {
   static constexpr std::size_t MOST_PATHS = 500;     // of different fields
   static constexpr std::size_t LONGEST_VALUE = 1000; // bytes
 
-  // `anchor` is its place on the page, `title` what it compares; `before` and `after` head the
+  // `anchor` is its place on the page, `title` names the runs compared; `before` and `after` head the
   // columns.
   Changes(const char* anchor, std::string title, const char* before, const char* after)
       : anchor_(anchor), title_(std::move(title)), before_(before), after_(after) {}

@@ -1,4 +1,4 @@
-// The section about other runs with the same messages: what changed, side by side.
+// The section about other runs with the same messages: their differences, side by side.
 #include "tools/report/sections.hpp"
 
 namespace com::velanto::connectivity::tools::report {
