@@ -64,9 +64,14 @@ struct text_part_t {
 // time.
 class JsonReader {
  public:
-  // Lists and objects within each other, counted from the payload, from the metadata or from the
-  // value that parseValue reads. A deeper line is malformed.
-  static constexpr int MAX_DEPTH = 1024;
+  // Lists and objects within each other, counted from the payload or the metadata. A deeper line is
+  // malformed. Reading takes no stack for them.
+  static constexpr int MAX_DEPTH = 200'000;
+  // In the payload of a message without "pulsarPath": the event of such a notification puts the
+  // further members of a series into "params".
+  static constexpr int MAX_EVENT_DEPTH = MAX_DEPTH + 1;
+  // In parseValue: the tools' own lines have such events within other values.
+  static constexpr int MAX_VALUE_DEPTH = MAX_EVENT_DEPTH + 3;
 
   JsonReader();
   JsonReader(const JsonReader&) = delete;

@@ -6,8 +6,10 @@
 #include <string>
 #include <vector>
 
+#include "ndjson/json_writer.hpp"
 #include "tests/support/failing_allocations.hpp"
 #include "tests/support/host_fixture.hpp"
+#include "tests/support/small_stack.hpp"
 #include "tests/support/values.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -245,24 +247,31 @@ TEST_F(JsonReaderTest, JsonOverSeveralLinesIsRecognised) {
 }
 
 TEST_F(JsonReaderTest, DeepestAllowedNestingIsRead) {
-  const data_t lists = reader_.parseValue(times(1024, "[") + times(1024, "]"));
-  const data_t maps = reader_.parseValue(times(1024, R"({"a":)") + "1" + times(1024, "}"));
-  const data_t* inner = &maps;
-  int depth = 0;
-  for (; inner->type_tag() == VLT_TAG_MAP; ++depth) inner = &(*inner->get<map_t>().begin()).second;
-  EXPECT_EQ(depth, 1024);
-  EXPECT_EQ(*inner, whole(1));
-  EXPECT_EQ(lists.type_tag(), std::uint32_t{VLT_TAG_LIST});
+  constexpr std::size_t DEEPEST = JsonReader::MAX_DEPTH;
+  runOnSmallStack([&] {
+    const std::string lists = times(DEEPEST, "[") + times(DEEPEST, "]");
+    const std::string maps = times(DEEPEST, R"({"a":)") + "1" + times(DEEPEST, "}");
+    const std::string line = R"({"metadata":)" + maps + R"(,"payload":)" + lists + "}";
+    EXPECT_TRUE(toJson(reader_.parseMessage(line)) == line); // too long to show
+  });
 }
 
 TEST_F(JsonReaderTest, DeeperNestingIsRefused) {
-  const char* const reason = "nested deeper than 1024 levels";
-  expectErrors({{times(1025, "[") + times(1025, "]"), reason},
-                {times(1025, R"({"a":)") + "1" + times(1025, "}"), reason},
-                {times(100000, "["), reason},
-                {times(100000, "[") + times(100000, "]"), reason}});
-  EXPECT_EQ(messageError(R"({"metadata":)" + times(1025, R"({"a":)") + "1" + times(1026, "}")),
-            reason);
+  const auto lists = [](std::size_t levels) { return times(levels, "[") + times(levels, "]"); };
+  const std::string path = R"({"metadata":{"pulsarPath":"t1/sub/events/7"},"payload":)";
+  runOnSmallStack([&] {
+    for (const std::size_t levels : {200'001U, 2'000'000U}) {
+      const std::string maps = times(levels, R"({"a":)") + "1" + times(levels, "}");
+      EXPECT_EQ(messageError(R"({"metadata":)" + maps + "}"), "nested deeper than 200000 levels");
+    }
+    EXPECT_EQ(messageError(path + lists(200'000) + "}"), "nothing thrown");
+    EXPECT_EQ(messageError(path + lists(200'001) + "}"), "nested deeper than 200000 levels");
+    EXPECT_EQ(messageError(R"({"payload":)" + lists(200'001) + "}"), "nothing thrown");
+    EXPECT_EQ(messageError(R"({"payload":)" + lists(200'002) + "}"),
+              "nested deeper than 200001 levels");
+    EXPECT_EQ(valueError(lists(200'004)), "nothing thrown");
+    EXPECT_EQ(valueError(lists(200'005)), "nested deeper than 200004 levels");
+  });
 }
 
 TEST_F(JsonReaderTest, MessageHasMetadataAndPayload) {
