@@ -15,6 +15,12 @@ void writeValue(Html& html, const std::optional<std::string>& value) {
   }
 }
 
+void writePath(Html& html, const difference_t& field) {
+  html << R"(<th scope="row">)" << shown(field.path);
+  if (field.is_whole) html << R"( <span class="note">)" << shown(TOO_DEEP) << "</span>";
+  html << "</th>";
+}
+
 void writeHeadOf(Html& html, const Changes& changes, markup_t caption, markup_t count) {
   html << R"(<table class="sides"><caption>)" << caption
        << R"(</caption><thead><tr><th scope="col">Field</th>)" << count << R"(<th scope="col">)"
@@ -33,8 +39,9 @@ void writeFields(Html& html, const Changes& changes) {
       others += fields[i]->count;
       continue;
     }
-    html << R"(<tr><th scope="row">)" << shown(fields[i]->path) << R"(</th><td class="number">)"
-         << shown(grouped(fields[i]->count)) << "</td>";
+    html << "<tr>";
+    writePath(html, fields[i]->first);
+    html << R"(<td class="number">)" << shown(grouped(fields[i]->count)) << "</td>";
     writeValue(html, fields[i]->first.before);
     writeValue(html, fields[i]->first.after);
     html << "</tr>\n";
@@ -51,7 +58,8 @@ void writeChanged(Html& html, const Changes& changes, const changed_message_t& m
   if (!message.fields.empty()) {
     writeHeadOf(html, changes, "Fields of this message that changed", "");
     for (const difference_t& field : message.fields) {
-      html << R"(<tr><th scope="row">)" << shown(field.path) << "</th>";
+      html << "<tr>";
+      writePath(html, field);
       writeValue(html, field.before);
       writeValue(html, field.after);
       html << "</tr>\n";

@@ -15,6 +15,8 @@ namespace com::velanto::connectivity::tools {
 namespace {
 
 constexpr std::size_t WIDTH = 77; // columns of a value, after its sign
+// Each level entered takes stack and compares all that is below it once more.
+constexpr int DEEPEST = 30;
 
 // Plain names as they are, all others in quotes.
 std::string plainOrQuoted(const data_t& key) {
@@ -36,26 +38,33 @@ bool haveSameBits(const data_t& one, const data_t& other) {
 class Comparison {
  public:
   void compare(const std::string& path, const data_t* before, const data_t* after) {
-    if (before != nullptr && after != nullptr) {
-      if (*before == *after || haveSameBits(*before, *after)) return;
-      if (before->type_tag() == after->type_tag()) {
-        if (before->type_tag() == VLT_TAG_MAP) {
-          return compareMaps(path, before->get<map_t>(), after->get<map_t>());
-        }
-        if (before->type_tag() == VLT_TAG_LIST) {
-          return compareLists(path, before->get<list_t>(), after->get<list_t>());
-        }
-      }
+    if (before == nullptr || after == nullptr) return note(path, before, after);
+    if (*before == *after || haveSameBits(*before, *after)) return;
+    const bool are_maps = areBoth(VLT_TAG_MAP, *before, *after);
+    if (!are_maps && !areBoth(VLT_TAG_LIST, *before, *after)) return note(path, before, after);
+    if (depth_ == DEEPEST) {
+      note(path, before, after);
+      found_.back().is_whole = true;
+      return;
     }
-    difference_t difference{path, {}, {}};
-    if (before != nullptr) difference.before = toJson(*before);
-    if (after != nullptr) difference.after = toJson(*after);
-    found_.push_back(std::move(difference));
+    ++depth_;
+    are_maps ? compareMaps(path, before->get<map_t>(), after->get<map_t>())
+             : compareLists(path, before->get<list_t>(), after->get<list_t>());
+    --depth_;
   }
 
   [[nodiscard]] std::vector<difference_t> take() && { return std::move(found_); }
 
  private:
+  static bool areBoth(std::uint32_t tag, const data_t& before, const data_t& after) noexcept {
+    return before.type_tag() == tag && after.type_tag() == tag;
+  }
+  void note(const std::string& path, const data_t* before, const data_t* after) {
+    difference_t difference{path, {}, {}};
+    if (before != nullptr) difference.before = toJson(*before);
+    if (after != nullptr) difference.after = toJson(*after);
+    found_.push_back(std::move(difference));
+  }
   void compareMaps(const std::string& path, const map_t& before, const map_t& after) {
     const std::string prefix = path.empty() ? "" : path + ".";
     for (const auto& [key, value] : before) {
@@ -73,6 +82,7 @@ class Comparison {
   }
 
   std::vector<difference_t> found_;
+  int depth_ = 0; // values that are entered
 };
 
 // `text` after `sign` in lines of WIDTH columns; from shortly before byte `at` on, if the whole
@@ -110,6 +120,7 @@ std::string unified(const difference_t& difference) {
   std::string text = "@ ";
   text += cutBefore(difference.path, WIDTH);
   text += '\n';
+  if (difference.is_whole) text.append("  ").append(TOO_DEEP).append("\n");
   if (difference.before) text += inLines("- ", before, at);
   if (difference.after) text += inLines("+ ", after, at);
   return text;

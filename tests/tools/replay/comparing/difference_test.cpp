@@ -39,6 +39,20 @@ TEST_F(DifferenceTest, PathsLeadToTheField) {
   EXPECT_EQ(shown("1", "1.0"), "@ \n- 1\n+ 1.0\n");
 }
 
+TEST_F(DifferenceTest, PathsEnterThirtyLevels) {
+  const auto lists = [](int levels, const char* inner) {
+    return std::string(static_cast<std::size_t>(levels), '[') + inner +
+           std::string(static_cast<std::size_t>(levels), ']');
+  };
+  std::string path;
+  for (int i = 0; i < 30; ++i) path += "[0]";
+  EXPECT_EQ(shown(lists(30, "1").c_str(), lists(30, "2").c_str()),
+            "@ …" + path.substr(14) + "\n- 1\n+ 2\n");
+  EXPECT_EQ(
+      shown(lists(31, "1").c_str(), lists(31, "2").c_str()),
+      "@ …" + path.substr(14) + "\n  too deep for paths: the value as a whole\n- [1]\n+ [2]\n");
+}
+
 TEST_F(DifferenceTest, FieldsOfOneSideAppearWhole) {
   EXPECT_EQ(shown(R"({"a":{"b":1}})", "{}"), "@ a\n- {\"b\":1}\n");
   EXPECT_EQ(shown("[1]", "[1,2]"), "@ [1]\n+ 2\n");
