@@ -42,8 +42,8 @@ void writeBuffer(JsonMemory& out, const vlt_underlying_buffer_t* block) noexcept
 
 } // namespace
 
-RecordedWriter::RecordedWriter(FieldSet omitted)
-    : omitted_(std::move(omitted)), open_(new std::array<open_t, MAX_DEPTH>) {}
+RecordedWriter::RecordedWriter(FieldSet omitted, std::size_t max_depth)
+    : omitted_(std::move(omitted)), open_(max_depth) {}
 
 char* RecordedWriter::write(const Message& message, char* begin, const char* end) noexcept {
   out_ = JsonMemory(begin, end);
@@ -59,7 +59,7 @@ char* RecordedWriter::write(const Message& message, char* begin, const char* end
 }
 
 void RecordedWriter::finish() noexcept {
-  while (depth_ > 0 && !out_.isFull() && !is_too_deep_) proceed((*open_)[depth_ - 1]);
+  while (depth_ > 0 && !out_.isFull() && !is_too_deep_) proceed(open_[depth_ - 1]);
 }
 
 void RecordedWriter::proceed(open_t& top) noexcept {
@@ -198,8 +198,8 @@ void RecordedWriter::writeText(const vlt_underlying_data_t& value, place_t place
 }
 
 RecordedWriter::open_t* RecordedWriter::open() noexcept {
-  is_too_deep_ = is_too_deep_ || depth_ == MAX_DEPTH;
-  return is_too_deep_ ? nullptr : &(*open_)[depth_++];
+  is_too_deep_ = is_too_deep_ || depth_ == open_.size();
+  return is_too_deep_ ? nullptr : &open_[depth_++];
 }
 
 void RecordedWriter::write(std::span<const data_t> elements, place_t place) noexcept {

@@ -21,10 +21,9 @@
 #ifndef VLT_NDJSON_RECORDED_WRITER_HPP
 #define VLT_NDJSON_RECORDED_WRITER_HPP
 
-#include <array>
 #include <cstddef>
-#include <memory>
 #include <span>
+#include <vector>
 
 #include "ndjson/field_set.hpp"
 #include "ndjson/json_memory.hpp"
@@ -36,20 +35,21 @@ namespace com::velanto::connectivity {
 // Reads values directly: calls no function of the host. One thread at a time.
 class RecordedWriter {
  public:
-  // Lists and maps within each other, counted from the payload or the metadata, as in JsonReader.
+  // Lists and maps within each other that a recorder writes, counted from the payload or the
+  // metadata, as in JsonReader.
   static constexpr std::size_t MAX_DEPTH = 1024;
   // Written in place of a string that is in `omitted`; borrowed strings stay borrowed, null
   // strings null.
   static constexpr const char* PLACEHOLDER = "omitted";
 
   // Allocates the stack of open containers; throws std::bad_alloc.
-  explicit RecordedWriter(FieldSet omitted = {});
+  explicit RecordedWriter(FieldSet omitted = {}, std::size_t max_depth = MAX_DEPTH);
 
   // Writes "metadata":{…},"payload":… (the members, without braces around them) at `begin`. Returns
   // their end. Null when they do not fit between `begin` and `end - JsonMemory::SLACK`, or are
-  // nested deeper than MAX_DEPTH; the bytes up to `end` may then be anything.
+  // nested deeper than the bound; the bytes up to `end` may then be anything.
   [[nodiscard]] char* write(const Message& message, char* begin, const char* end) noexcept;
-  // Whether the last message was nested deeper than MAX_DEPTH, as far as it fitted.
+  // Whether the last message was nested deeper than the bound, as far as it fitted.
   [[nodiscard]] bool isTooDeep() const noexcept { return is_too_deep_; }
 
  private:
@@ -85,8 +85,8 @@ class RecordedWriter {
 
   FieldSet omitted_;
   JsonMemory out_;
-  std::unique_ptr<std::array<open_t, MAX_DEPTH>> open_;
-  std::size_t depth_ = 0; // of open_ in use
+  std::vector<open_t> open_; // as many as may be open
+  std::size_t depth_ = 0;    // of open_ in use
   bool is_too_deep_ = false;
 };
 

@@ -63,6 +63,7 @@ const char* textOf(Unpaired reason) noexcept {
 RecordedEvents::RecordedEvents(const std::string& path, std::ostream& diagnostics)
     : diagnostics_(diagnostics),
       path_(path),
+      writer_({}, JsonReader::MAX_EVENT_DEPTH),
       id_("id"),
       events_(path),
       comparer_(diagnostics, path) {}
@@ -226,7 +227,8 @@ data_t RecordedEvents::valueOf(const message_t& message) {
   return value;
 }
 
-// Empty for a message that no recorder writes, either: it is too large or nested too deeply.
+// Empty for a message that is too large for a recorder, too. A recorder does not write deep ones,
+// either, but the other side may have an event that is less deep, or none.
 std::string RecordedEvents::recordedFormOf(const Message& message) {
   for (std::size_t size = std::max(room_.size(), FIRST_ROOM); size <= MOST_ROOM; size *= 2) {
     room_.resize(size);

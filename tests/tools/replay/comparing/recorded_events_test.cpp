@@ -111,6 +111,20 @@ TEST_F(RecordedEventsTest, EventThatThisBuildDropsIsADifference) {
       textlessLog("1").substr(153) + "\"\n" + differences("1 of 1"));
 }
 
+TEST_F(RecordedEventsTest, EventsTooDeepToRecordAreCompared) {
+  std::string deep = eventLine("1");
+  const std::string lists = std::string(1023, '[') + std::string(1023, ']');
+  deep.insert(deep.find("\"id\""), "\"deep\": [" + lists + "], ");
+  before_ += recordedLine({++number_before_, 1}, deep);
+  after_ += recordedLine({++number_after_, 1}, eventOf(eventLine("1")));
+  const std::string brackets(76, '[');
+  expectDifferent(
+      "--- rec/after.000001.ndjson:2\n+++ rec/before.000001.ndjson:2\n"
+      "@ event.payload.deep\n+ " +
+      brackets + "[\n  " + brackets + "[\n  " + brackets + "[\n  " + brackets + "…\n" +
+      differences("1 of 1"));
+}
+
 TEST_F(RecordedEventsTest, MessageDroppedByBothIsNoDifference) {
   add(1);
   before_ += recordedLine({++number_before_, 2}, textlessLine("2"));
