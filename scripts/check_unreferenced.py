@@ -204,7 +204,7 @@ class Functions:
 
 
 def library_and_users(root, entries):
-    """The sources of LIBRARY, and those of USERS that include any of it, by folder."""
+    """The sources of LIBRARY, by folder, and those of USERS that include any of it, by layer."""
     graph = IncludeGraph(root)
     folders = {}
     for entry in entries:
@@ -212,7 +212,8 @@ def library_and_users(root, entries):
         layer = name.split("/", 1)[0]
         layers = {included.split("/", 1)[0] for included in graph.closure(name)}
         if layer in LIBRARY or layer in USERS and layers.intersection(LIBRARY):
-            folders.setdefault(name.rsplit("/", 1)[0], []).append(entry)
+            names = name.split("/")[:-1]
+            folders.setdefault(tuple(names if layer in LIBRARY else names[:2]), []).append(entry)
     return [Sources(root, group) for group in folders.values()]
 
 

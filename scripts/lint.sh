@@ -8,6 +8,7 @@
 #   lint_calls    no function of the library is there for tests alone
 #   lint_headers  every header is self-contained
 #   lint_tidy     clang-tidy is content with every source
+#   lint_paths    clang's path analysis finds nothing; not a step of lint
 #
 # The cheap checks come first.
 
@@ -60,11 +61,20 @@ lint_calls() {
   python3 scripts/check_unreferenced.py build/lint
 }
 
-lint_headers() { build release headers; }
+# Headers of the tests and of the benchmarks get definitions from the commands of their sources.
+lint_headers() {
+  project_files '*.h' '*.hpp' | grep --invert-match -E '^(bench|fuzz|tests)/' |
+    xargs python3 scripts/check_headers.py build/lint/headers.passed
+}
 
 lint_tidy() {
   list_sources
   python3 scripts/run_clang_tidy.py build/lint
+}
+
+lint_paths() {
+  list_sources
+  python3 scripts/run_clang_tidy.py build/lint --paths
 }
 
 lint() {

@@ -3,8 +3,7 @@ processors busy, and skips sources that passed before unchanged: a full run take
 seconds.
 
 A source costs mostly the headers that it includes, since every check walks them. So up to BATCH_SIZE
-sources of a group are read together, included by one file. The path analysis (clang-analyzer) is for
-code that is loaded into a host's process; all else runs under the sanitizers instead.
+sources of a group are read together, included by one file.
 
 For each batch: (1) the compiler reads it; sources that disagree with earlier ones, mostly over a
 name, go into a batch of their own  (2) clang-tidy reads it  (3) sources with findings are read alone,
@@ -14,7 +13,10 @@ names it.
 A source that passes is remembered by its key, a hash over everything of ours that can change the
 outcome, in <build>/clang-tidy/passed.json.
 
-usage: run_clang_tidy.py BUILD_FOLDER     in the project's root; exit status 1 on any finding
+With --paths it makes the path analysis (clang-analyzer) instead, which takes minutes: for the code
+that is loaded into a host's process, each source alone. All else runs under the sanitizers.
+
+usage: run_clang_tidy.py BUILD_FOLDER [--paths]    in the project's root; exit status 1 on any finding
 """
 
 import concurrent.futures
@@ -33,19 +35,14 @@ from includes import IncludeGraph
 
 CLANG_TIDY = "clang-tidy-14"
 ROOT = pathlib.Path.cwd().resolve()
-ANALYSED_LAYERS = ("codec", "plugin", "recorder", "value")
+LAYERS_OF_PATHS = ("codec", "plugin", "recorder", "value")
 # Layers whose .clang-tidy chooses checks; other settings hold for a file wherever it is read.
 OWN_GROUPS = ("fuzz", "standin", "tests")
 BATCH_SIZE = 110
 # Only a batch would draw it: it includes sources.
 NOT_IN_BATCHES = "-bugprone-suspicious-include"
-WITHOUT_ANALYSIS = "-clang-analyzer-*"
+PATHS_ALONE = "-*,clang-analyzer-*"
 WITHOUT_NAMES = "-readability-identifier-naming" # whose rules are those of C++
-# The analysis begins with functions of included files, too: in a batch those are all there are. It
-# gives a function up after a quarter of its usual steps, which halves its time.
-ANALYSE_INCLUDED = [f"--extra-arg={word}" for word in (
-    "-Xclang", "-analyzer-opt-analyze-headers",
-    "-Xclang", "-analyzer-config", "-Xclang", "max-nodes=56000")]
 # One name that every fuzz target has.
 LINES_OF_SOURCE = """#define LLVMFuzzerTestOneInput LLVMFuzzerTestOneInput{number} // NOLINT
 #include "{path}"
@@ -74,24 +71,18 @@ class Source:
             digest.update(content)
         return digest.hexdigest()
 
-    def is_analysed(self):
-        return self.layer in ANALYSED_LAYERS
-
     def group(self):
         if self.name.endswith(".c"):
             return self.name
-        if self.layer in OWN_GROUPS:
-            return self.layer
-        return "analysed" if self.is_analysed() else "others"
+        return self.layer if self.layer in OWN_GROUPS else "others"
 
 
-def batches_of(sources):
+def batches_of(sources, size):
     groups = {}
     for source in sorted(sources, key=lambda source: source.name):
         groups.setdefault(source.group(), []).append(source)
-    # The analysis takes longest, so it comes first.
-    for group in sorted(groups.values(), key=lambda group: not group[0].is_analysed()):
-        count = -(-len(group) // BATCH_SIZE)
+    for group in groups.values():
+        count = -(-len(group) // size)
         for number in range(count):
             yield group[len(group) * number // count:len(group) * (number + 1) // count]
 
@@ -150,17 +141,18 @@ def run(arguments):
 
 
 def run_alone(work, source):
-    checks = [] if source.is_analysed() else [WITHOUT_ANALYSIS]
-    checks += [WITHOUT_NAMES] if source.name.endswith(".c") else []
-    return run(["-p", str(work), f"--checks={','.join(checks)}", source.name])
+    checks = WITHOUT_NAMES if source.name.endswith(".c") else ""
+    return run(["-p", str(work), f"--checks={checks}", source.name])
+
+
+def analyse_paths(work, source):
+    return run(["-p", str(work), f"--checks={PATHS_ALONE}", source.name])
 
 
 def run_together(folder, batch, layers):
-    analysed = batch[0].is_analysed()
-    checks = NOT_IN_BATCHES if analysed else f"{NOT_IN_BATCHES},{WITHOUT_ANALYSIS}"
     filter_of_sources = f"/({'|'.join(layers)})/([^/]+/)*[^/]+\\.[ch]pp$"
-    return run(["-p", str(folder), f"--checks={checks}", f"--header-filter={filter_of_sources}",
-                *(ANALYSE_INCLUDED if analysed else []), str(folder / "batch.cpp")])
+    return run(["-p", str(folder), f"--checks={NOT_IN_BATCHES}",
+                f"--header-filter={filter_of_sources}", str(folder / "batch.cpp")])
 
 
 def findings_in(work, batch, layers):
@@ -198,7 +190,7 @@ def confirmed(work, batch, output):
 
 
 def main():
-    build = pathlib.Path(sys.argv[1])
+    build, paths = pathlib.Path(sys.argv[1]), sys.argv[2:] == ["--paths"]
     work = build / "clang-tidy"
     work.mkdir(exist_ok=True)
     graph = IncludeGraph(ROOT)
@@ -211,17 +203,23 @@ def main():
 
     sources = [Source(entry, graph, version) for entry in entries]
     layers = sorted({source.layer for source in sources})
-    marks = work / "passed.json"
+    if paths:
+        sources = [source for source in sources if source.layer in LAYERS_OF_PATHS]
+    marks = work / ("passed_paths.json" if paths else "passed.json")
     passed = json.loads(marks.read_text(encoding="utf-8")) if marks.is_file() else {}
     stale = [source for source in sources if passed.get(source.name) != source.key]
     if not stale:
         return
     print(f"clang-tidy: {len(stale)} of {len(sources)} sources", flush=True)
 
+    def read(batch):
+        if paths:
+            return {source: analyse_paths(work, source) for source in batch}, ""
+        return findings_in(work, batch, layers)
+
     failed = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
-        for findings, notes in workers.map(lambda batch: findings_in(work, batch, layers),
-                                           batches_of(stale)):
+        for findings, notes in workers.map(read, batches_of(stale, 1 if paths else BATCH_SIZE)):
             print(notes, *findings.values(), sep="", end="", flush=True)
             failed += sum(1 for output in findings.values() if output)
             passed.update({source.name: source.key for source, output in findings.items()
