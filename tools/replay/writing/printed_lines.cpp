@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t LONGEST = 4096; // bytes of a line that are kept
 
 std::string times(std::uint64_t count) {
-  return count == 1 ? "" : " " + std::to_string(count) + " times";
+  return count == 1 ? "" : std::string(1, ' ') + std::to_string(count) + " times";
 }
 
 } // namespace
