@@ -57,6 +57,7 @@ class PipeBuffer final : public std::streambuf {
 };
 
 int obey(const command_t& command, bool may_colour, std::ostream& out) {
+  if (command.list && command.json) throw std::runtime_error("--list takes no --json");
   if (!command.list && command.path.empty()) throw std::runtime_error("which library? See --help");
   const Plugin plugin = command.path.empty() ? Plugin::CODEC : pluginIn(command.path);
   const std::vector<check_t> all = command.path.empty() ? allChecks() : checksOf(plugin);

@@ -180,7 +180,7 @@ void TextReport::add(const result_t& result) {
 void TextReport::close(const Counts& counts) {
   out_ << '\n';
   const file_identity_t& library = heading_.library;
-  writeWrapped(out_, 0, 0, visibleLines(library.path) + ", seed " + std::to_string(heading_.seed));
+  out_ << visible(library.path) << "\n  seed " << heading_.seed << '\n'; // whole, to be copied
   const auto or_else = [](const std::string& text, const char* other) {
     return text.empty() ? other : text;
   };
@@ -189,10 +189,10 @@ void TextReport::close(const Counts& counts) {
                    or_else(library.build_id, "unknown"));
   out_ << "  SHA-256 " << library.sha256 << "\n  build " << or_else(library.build_name, "unknown")
        << "\n  checked by " << VLT_BUILD_NAME << '\n';
-  out_ << counts.total() << " checks: " << counts.of(Ending::OK) << " ok, " << counts.warned()
-       << " warned, " << counts.of(Ending::FAILED) << " failed, " << counts.of(Ending::CRASHED)
-       << " crashed, " << counts.of(Ending::HUNG) << " hung, " << counts.of(Ending::SKIPPED)
-       << " skipped\n";
+  out_ << counts.total() << (counts.total() == 1 ? " check: " : " checks: ")
+       << counts.of(Ending::OK) << " ok, " << counts.warned() << " warned, "
+       << counts.of(Ending::FAILED) << " failed, " << counts.of(Ending::CRASHED) << " crashed, "
+       << counts.of(Ending::HUNG) << " hung, " << counts.of(Ending::SKIPPED) << " skipped\n";
   out_.flush();
 }
 

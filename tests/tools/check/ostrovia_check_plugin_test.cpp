@@ -77,7 +77,7 @@ TEST_F(OstroviaCheckPluginTest, GoodBuildPassesEverything) {
   const int skipped = heapIsReplaced() ? 3 : 0;
   std::erase_if(lines, [](const auto& line) { return line.starts_with("  "); }); // of the builds
   const std::size_t checks = lines.size() - 3;
-  EXPECT_EQ(lines[checks + 1], LIBRARY + ", seed 1");
+  EXPECT_EQ(lines[checks + 1], LIBRARY);
   EXPECT_EQ(lines.back(), std::to_string(checks) + " checks: " +
                               std::to_string(checks - static_cast<std::size_t>(skipped)) +
                               " ok, 0 warned, 0 failed, 0 crashed, 0 hung, " +
@@ -144,9 +144,9 @@ TEST_F(OstroviaCheckPluginTest, OtherSeedsPassToo) {
 
 TEST_F(OstroviaCheckPluginTest, SeedIsAnotherEachTimeAndPrinted) {
   const std::string arguments = "--only versions.interface " + LIBRARY;
-  const std::string first = linesOf(program_.run(arguments).out).at(3);
-  const std::string second = linesOf(program_.run(arguments).out).at(3);
-  EXPECT_TRUE(Pattern(", seed [0-9]+$").isIn(first)) << first;
+  const std::string first = linesOf(program_.run(arguments).out).at(4);
+  const std::string second = linesOf(program_.run(arguments).out).at(4);
+  EXPECT_TRUE(Pattern("^  seed [0-9]+$").isIn(first)) << first;
   EXPECT_NE(first, second);
 }
 
@@ -161,9 +161,23 @@ TEST_F(OstroviaCheckPluginTest, FailureShowsExpectedAndActualValues) {
             "        docs/host-interface.md, \"Versions\"\n"
             "        interface version: expected 4, came 3\n"
             "\n"
-            "wrong_interface_version.so, seed 1\n" +
+            "wrong_interface_version.so\n  seed 1\n" +
                 linesOfBuilds(faultyPlugin("wrong_interface_version")) +
-                "1 checks: 0 ok, 0 warned, 1 failed, 0 crashed, 0 hung, 0 skipped\n");
+                "1 check: 0 ok, 0 warned, 1 failed, 0 crashed, 0 hung, 0 skipped\n");
+}
+
+TEST_F(OstroviaCheckPluginTest, PathOfTheLibraryIsOneLine) {
+  const std::string path = "a folder/" + std::string(90, 'n') + ".so";
+  const run_t run =
+      program_.shell("mkdir 'a folder' && ln -s \"$PWD\"/" + LIBRARY + " '" + path +
+                     "' && ostrovia-check-plugin --only versions.interface '" + path + "'");
+  EXPECT_NE(run.out.find("\n" + path + "\n  seed "), std::string::npos) << run.out;
+}
+
+TEST_F(OstroviaCheckPluginTest, ClosedStandardOutputIsStatus2) {
+  const run_t run = program_.shell("ostrovia-check-plugin --list >&-");
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.diagnostics, "ostrovia-check-plugin: cannot write to standard output\n");
 }
 
 TEST_F(OstroviaCheckPluginTest, CrashAndHangDiffer) {
@@ -243,6 +257,7 @@ TEST_F(OstroviaCheckPluginTest, SelectionIsByPattern) {
 TEST_F(OstroviaCheckPluginTest, WrongUseIsStatus2WithOneLine) {
   const std::pair<const char*, const char*> rows[] = {
       {"", "which library? See --help"},
+      {"--list --json", "--list takes no --json"},
       {"--tiemout 3 x.so", "unknown option '--tiemout', did you mean '--timeout'?"},
       {"--unknown x.so", "unknown option '--unknown'; see --help"},
       {"'--\x1b[2J' x.so", "unknown option '--\\u001b[2J'; see --help"},
@@ -251,7 +266,7 @@ TEST_F(OstroviaCheckPluginTest, WrongUseIsStatus2WithOneLine) {
       {"--only batches.many --skip 'b*' next.so", "no check is left to run"},
       {"--timeout 0 x.so", "--timeout: '0' is not a number of seconds between 0.001 and 86400"},
       {"--timeout nan x.so", "--timeout: 'nan' is not a number of seconds between 0.001 and 86400"},
-      {"--seed -1 x.so", "--seed: '-1' is not a whole number of 64 bits"},
+      {"--seed -1 x.so", "--seed: '-1' is not a whole number from 0 to 2^64-1"},
       {"x.so y.so", "unexpected argument 'y.so'"},
   };
   for (const auto& [arguments, complaint] : rows) {
