@@ -10,13 +10,18 @@ namespace {
 constexpr std::uint64_t COLUMN = 12;
 constexpr std::uint64_t GAP = 2;
 constexpr std::uint64_t ABOVE = 1000; // the height of the highest column
-constexpr std::uint64_t BELOW = 250;  // the same for dropped messages
 constexpr std::uint64_t AXIS = 1020;  // where the part below begins
 constexpr std::uint64_t LEAST = 60;   // so that a single dropped message shows
 
 struct scale_t {
   std::uint64_t messages = 0; // of the highest column
   std::uint64_t dropped = 0;
+
+  // Of the part below the line, on the same scale as the one above.
+  [[nodiscard]] std::uint64_t heightOf(std::uint64_t dropped_messages) const noexcept {
+    if (dropped_messages == 0) return 0;
+    return std::max(LEAST, dropped_messages * ABOVE / messages);
+  }
 };
 
 scale_t scaleOf(const timeline_view_t& view) noexcept {
@@ -62,7 +67,7 @@ void writeColumn(Html& html, const bar_t& bar, std::uint64_t x, const scale_t& s
   }
   if (bar.dropped > 0) {
     html << R"(<rect class="drop")";
-    writeRectangle(html, x, AXIS, std::max(LEAST, bar.dropped * BELOW / scale.dropped));
+    writeRectangle(html, x, AXIS, scale.heightOf(bar.dropped));
   }
   html << "</g>\n";
 }
@@ -112,7 +117,7 @@ void writeLegend(Html& html, const timeline_view_t& view) {
 void writeTimeline(Html& html, markup_t anchor, markup_t title, markup_t axis,
                    const timeline_view_t& view, const label_t& label) {
   const scale_t scale = scaleOf(view);
-  const std::uint64_t height = scale.dropped > 0 ? AXIS + BELOW : AXIS;
+  const std::uint64_t height = AXIS + scale.heightOf(scale.dropped);
   html << R"(<figure id=")" << anchor << R"("><figcaption><h3>)" << title
        << R"(</h3><p class="note">)"
        << "Highest column: " << shown(counted(scale.messages, "message")) << "</p></figcaption>\n"

@@ -48,10 +48,13 @@ void writeEntry(Html& html, markup_t name, const std::string& value) {
 void writeWays(Html& html, contents_t& contents) {
   const std::vector<way_t*> ways = contents.collection.ways();
   if (ways.empty()) return;
-  html << R"(<section id="ways" aria-labelledby="ways-title">)"
-          "<h2 id=\"ways-title\">Ways that messages went</h2>\n<p>Messages went the same way when "
-          "they have the same fields and kinds of values, before and after. Of each way, the tool "
-          "has explained the first message.</p>\n";
+  html
+      << R"(<section id="ways" aria-labelledby="ways-title">)"
+         "<h2 id=\"ways-title\">Ways that messages went</h2>\n<p>Messages went the same way when "
+         "they have the same fields and kinds of values, before and after. Of each way, the tool "
+         "has explained the first message. A gathered field came out in a list or map that the "
+         "plug-in has put together. A copied one came out once more, in addition to its own place. "
+         "A replaced one vanished, and another value has its place.</p>\n";
   std::uint64_t others = contents.collection.otherWays();
   for (std::size_t i = 0; i < ways.size(); ++i) {
     if (i < SHOWN_WAYS) {

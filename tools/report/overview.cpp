@@ -94,7 +94,7 @@ void writeOutcome(Html& html, const contents_t& contents) {
   const Collection& collection = contents.collection;
   html << R"(<section id="outcome" aria-labelledby="outcome-title">)"
           "<h2 id=\"outcome-title\">Outcome</h2>\n<dl class=\"figures\">";
-  writeFigure(html, "read", contents.outcome.read);
+  writeFigure(html, "lines read", contents.outcome.read);
   writeFigure(html, "converted", collection.count(Outcome::CONVERTED));
   writeFigure(html, "passed", collection.count(Outcome::PASSED));
   const std::uint64_t dropped = collection.count(Outcome::DROPPED);

@@ -53,6 +53,22 @@ TEST_F(ReportTest, OutcomeIsTheHeadline) {
               HasSubstr("<h1>1 message arrived, 1 line malformed</h1>"));
 }
 
+TEST_F(ReportTest, WordsOfFiguresAndFatesAreExplained) {
+  const std::string page = pageOfInput(eventLine("1"));
+  EXPECT_THAT(textOf(page, "outcome"), HasSubstr(" lines read 1 "));
+  EXPECT_THAT(textOf(page, "ways"),
+              HasSubstr("A gathered field came out in a list or map that the plug-in has put "
+                        "together. A copied one came out once more, in addition to its own place. "
+                        "A replaced one vanished, and another value has its place."));
+}
+
+TEST_F(ReportTest, DroppedMessagesHaveTheScaleOfAll) {
+  const std::string page =
+      pageOfInput(eventLine("1") + textlessLine("2") + eventLine("3") + textlessLine("4"));
+  EXPECT_THAT(page, HasSubstr(R"(viewBox="0 0 12 1520")")); // by time: a column of 4, 2 dropped
+  EXPECT_THAT(page, HasSubstr(R"(<rect class="drop" x="1" y="1020" width="10" height="500"/>)"));
+}
+
 TEST_F(ReportTest, SectionsHaveStableAnchors) {
   input_ = eventLine("1");
   run({"--quiet", "--record", "golden"});
