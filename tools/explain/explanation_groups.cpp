@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "ndjson/visible_text.hpp"
 #include "tools/record/columns.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -32,8 +33,7 @@ std::string wayOf(const explanation_t& explanation) {
 }
 
 std::string lineOf(std::uint64_t count, const std::string& about, const std::string& first) {
-  return leftPadded(std::to_string(count), 12) + "  " + padded(about, 26) + cutBefore(first, 39) +
-         "\n";
+  return leftPadded(std::to_string(count), 12) + "  " + padded(about, 26) + visible(first) + "\n";
 }
 
 } // namespace

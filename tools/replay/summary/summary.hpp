@@ -78,7 +78,7 @@ struct run_figures_t {
   bool complete = true;             // the run has reached the end of its input
 };
 
-// Lines of at most 79 columns.
+// Lines of at most 79 columns, or longer for a place, which is whole.
 [[nodiscard]] std::string summaryText(const Summary& summary, const run_figures_t& run);
 
 // One line with an object.

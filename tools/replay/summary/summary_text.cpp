@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "identity/build_name.hpp"
+#include "ndjson/visible_text.hpp"
 #include "tools/record/columns.hpp"
 #include "tools/replay/summary/summary.hpp"
 
@@ -53,7 +54,7 @@ void appendReasons(std::string& out, const Summary& summary) {
   out += leftPadded("dropped", 12) + "  " + padded("reason", 16) + padded("key", 20) + "first in\n";
   for (const ranked_reason_t& reason : reasons) {
     out += leftPadded(std::to_string(reason.count), 12) + "  " + padded(reason.code, 16) +
-           padded(cutBehind(reason.key, 19), 20) + cutBefore(reason.first, 29) + "\n";
+           padded(cutBehind(reason.key, 19), 20) + visible(reason.first) + "\n";
   }
 }
 

@@ -63,7 +63,7 @@ TEST_F(SummaryTest, NothingReadIsNothingCounted) {
                 "read 0, reached the host 0, dropped 0, malformed 0, T ms, 0 blocks live\n");
 }
 
-TEST_F(SummaryTest, LinesFit80Columns) {
+TEST_F(SummaryTest, OnlyPlacesMayExceed80Columns) {
   const std::string file = folder_.write(std::string(100, 'f'), textlessLine("1") + eventLine("2"));
   input_.clear();
   std::istringstream lines(
@@ -73,10 +73,10 @@ TEST_F(SummaryTest, LinesFit80Columns) {
   for (std::string line; std::getline(lines, line);) {
     std::size_t width = 0;
     for (const char c : line) width += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
-    EXPECT_LT(width, 80u) << line;
+    EXPECT_TRUE(width < 80 || line.ends_with("  " + file + ":1")) << line;
     if (line.find("…") != std::string::npos) ++cut;
   }
-  EXPECT_EQ(cut, 2); // the file's name and the channel's
+  EXPECT_EQ(cut, 1); // the channel's name
 }
 
 TEST_F(SummaryTest, ProgramsGetOneLineOfJson) {
