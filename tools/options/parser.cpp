@@ -27,6 +27,16 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
+// Whether `value` is one of `choices`, "a|b|…".
+bool isChoice(std::string_view choices, std::string_view value) {
+  while (!choices.empty()) {
+    const std::string_view choice = choices.substr(0, choices.find('|'));
+    if (choice == value) return true;
+    choices.remove_prefix(std::min(choice.size() + 1, choices.size()));
+  }
+  return false;
+}
+
 // Sets the target of an option or of the operands to an argument. Throws std::runtime_error
 // "NAME: fault" for a bad one.
 class Setter {
@@ -47,10 +57,11 @@ class Setter {
     *target = number(0.001, 86400.0, "is not a number of seconds between 0.001 and 86400");
   }
   void operator()(std::optional<std::uint64_t>* target) const {
-    *target = number<std::uint64_t>(0, UINT64_MAX, "is not a whole number of 64 bits");
+    *target = number<std::uint64_t>(0, UINT64_MAX, "is not a whole number from 0 to 2^64-1");
   }
   void operator()(std::optional<vlt_log_level_t>* target) const {
-    *target = number<vlt_log_level_t>(INT32_MIN, INT32_MAX, "is not a whole number of 32 bits");
+    *target = number<vlt_log_level_t>(INT32_MIN, INT32_MAX,
+                                      "is not a level of the log, such as 2, 3 or 6");
   }
 
  private:
@@ -60,11 +71,8 @@ class Setter {
   }
 
   std::string chosen() const {
-    if (choices_.find('|') == std::string_view::npos) return std::string(value_);
-    for (std::string_view rest = choices_; !rest.empty();) {
-      const std::string_view choice = rest.substr(0, rest.find('|'));
-      if (choice == value_) return std::string(value_);
-      rest.remove_prefix(std::min(choice.size() + 1, rest.size()));
+    if (choices_.find('|') == std::string_view::npos || isChoice(choices_, value_)) {
+      return std::string(value_);
     }
     refuse(std::string("is none of ").append(choices_));
   }
@@ -146,7 +154,7 @@ class Parser {
     std::string_view value = has_value ? argument.substr(equals + 1) : std::string_view();
     if (form.starts_with('[')) { // "[=a|b]"
       form = form.substr(2, form.size() - 3);
-      if (!has_value) value = form.substr(0, form.find('|'));
+      if (!has_value) value = defaultOf(row, form);
     } else if (!has_value) {
       if (rest_.empty() || std::string_view(rest_.front()).starts_with("--")) {
         throw std::runtime_error(std::string(row.name) + " needs a value: " + row.argument);
@@ -155,6 +163,16 @@ class Parser {
     }
     std::visit(Setter(row.name, form, value), row.target);
     return row;
+  }
+
+  // The value of an option that can do without one. Refuses a value that would be an operand.
+  std::string_view defaultOf(const option_row_t& row, std::string_view form) const {
+    if (!rest_.empty() && isChoice(form, rest_.front())) {
+      const std::string value = rest_.front();
+      throw std::runtime_error(std::string(row.name) + " " + value + ": write " + row.name + "=" +
+                               value + ", or ./" + value + " for a file");
+    }
+    return form.substr(0, form.find('|'));
   }
 
   const option_row_t& rowOf(std::string_view name) const {

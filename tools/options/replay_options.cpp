@@ -62,7 +62,7 @@ option_group_t runOptions(ReplayOptions& options) {
        {"--repeat", "COUNT", "read all input so many times; default: 1", &options.repeat},
        {"--threads", "COUNT",
         "chains, each with a codec and a thread of its own; the output keeps the order of the "
-        "input; default: 1",
+        "input; default: 1, at most 1024",
         &options.threads},
        {"--direction", "host|transport",
         "side that gets the messages; default: host; recorded messages of the other direction are "

@@ -15,6 +15,7 @@ namespace com::velanto::connectivity::tools {
 inline constexpr const char* REPLAY_NAME = "ostrovia-replay"; // how its diagnostics begin
 inline constexpr vlt_log_level_t DEFAULT_LOG_LEVEL = 3;       // failures and dropped messages
 inline constexpr vlt_log_level_t QUIET_LOG_LEVEL = 2;         // failures alone
+inline constexpr std::size_t MOST_THREADS = 1024;             // more than a machine has use for
 
 struct ReplayOptions {
   std::vector<std::string> paths; // of the inputs; none: standard input
@@ -28,7 +29,7 @@ struct ReplayOptions {
 
   std::size_t batch_size = 1;               // messages, at least 1
   std::size_t repeat = 1;                   // number of readings of the input, at least 1
-  std::size_t threads = 1;                  // chains, each with a thread, at least 1
+  std::size_t threads = 1;                  // chains, each with a thread, 1 to MOST_THREADS
   std::string direction = "host";           // or "transport"
   std::string log_format = "plain";         // or "json"
   std::size_t max_line = 64;                // MiB of a line of input

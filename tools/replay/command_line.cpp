@@ -1,14 +1,18 @@
 #include "tools/replay/command_line.hpp"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ndjson/visible_text.hpp"
 #include "tools/host/plugin_library.hpp"
 #include "tools/host/standard_error_capture.hpp"
 #include "tools/options/parser.hpp"
+#include "tools/record/output_file.hpp"
 #include "tools/replay/input/interruption.hpp"
 #include "tools/replay/replay.hpp"
 #include "tools/replay/running/configuration.hpp"
@@ -19,8 +23,23 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
+// Standard output has the events. Dead letters among them are lines with a member of their own.
+void checkOutputs(const ReplayOptions& options) {
+  for (const auto& [name, path] :
+       {std::pair("--report", options.report), std::pair("--record", options.record),
+        std::pair("--redacted", options.redacted)}) {
+    if (path && descriptorOf(*path) == STDOUT_FILENO) {
+      throw ReplayError(EXIT_USAGE,
+                        std::string(name) + " needs a file: standard output has the events");
+    }
+  }
+}
+
 // The rules between options.
 void checkTogether(const ReplayOptions& options) {
+  if (options.threads > MOST_THREADS) {
+    throw ReplayError(EXIT_USAGE, "--threads takes at most " + std::to_string(MOST_THREADS));
+  }
   const bool reads_standard_input =
       options.paths.empty() ||
       std::find(options.paths.begin(), options.paths.end(), "-") != options.paths.end();
@@ -87,7 +106,7 @@ void awaitFirstFile(const ReplayOptions& options, std::ostream& diagnostics) {
   const std::string& path = options.paths.back();
   for (bool is_said = options.quiet; !isInterrupted() && mayComeLater(path); is_said = true) {
     if (!is_said) {
-      diagnostics << REPLAY_NAME << ": waits for the first file of " << path << '\n' << std::flush;
+      diagnostics << REPLAY_NAME << ": waits for input at " << path << '\n' << std::flush;
     }
     waitForFile();
   }
@@ -132,6 +151,7 @@ int runReplay(int count, const char* const* arguments, std::ostream& out,
     if (!out.flush()) throw ReplayError(EXIT_IO, "cannot write to standard output");
     if (!goes_on) return EXIT_FINE;
     checkTogether(options);
+    checkOutputs(options);
     if (options.plugin_path.empty()) options.plugin_path = PluginLibrary::defaultPath();
     return obey(options, out, diagnostics, display.progress ? &terminal : nullptr, display);
   } catch (...) {

@@ -14,6 +14,7 @@
 #include "tools/host/standard_error_capture.hpp"
 #include "tools/record/files_in_use.hpp"
 #include "tools/replay/consumers.hpp"
+#include "tools/replay/input/form_check.hpp"
 #include "tools/replay/input/interruption.hpp"
 #include "tools/replay/running/chain_pool.hpp"
 #include "tools/replay/running/configuration.hpp"
@@ -53,8 +54,13 @@ class Replay {
   void setLevel();
   void drive(LineReader& reader);
   void takePrinted();
+  // Whether lines that the plug-in writes to standard error are shown as lines of text.
+  [[nodiscard]] bool showsPrinted() const {
+    return options_.summary != "json" && (!options_.quiet || options_.summary);
+  }
   void checkCopy(const Recordings& recordings) const;
   void replayAll(LineReader& reader, ChainPool& pool);
+  [[nodiscard]] std::exception_ptr runThrough(LineReader& reader, ChainPool& pool);
   void noteCut(const std::exception_ptr& failure);
   std::function<std::string()> summaryAbove(const LineReader& reader);
   void reportIncidents(incidents_t& incidents);
@@ -187,16 +193,30 @@ void Replay::replayAll(LineReader& reader, ChainPool& pool) {
     consumers_.add(progress_.emplace(
         *terminal_, [&reader] { return reader.fractionRead(); }, summaryAbove(reader)));
   }
-  const std::exception_ptr failure =
-      pool.run(reader, {[this](const record_t& record) {
-                          if (!record.remarks.empty()) consumers_.takeRemarks(record.remarks);
-                          consumers_.take(record);
-                        },
-                        [this](incidents_t& incidents) { reportIncidents(incidents); },
-                        [this] { return consumers_.hasNoUse(); }, [this] { consumers_.pause(); }});
+  const std::exception_ptr failure = runThrough(reader, pool);
   if (!reader.lastRemarks().empty()) consumers_.takeRemarks(reader.lastRemarks());
   if (progress_) consumers_.remove(*progress_);
   noteCut(failure);
+}
+
+// The whole input through the pool. Returns why the input cannot be read further, or null.
+std::exception_ptr Replay::runThrough(LineReader& reader, ChainPool& pool) {
+  FormCheck form;
+  const auto take = [this, &form](const record_t& record) {
+    if (!record.remarks.empty()) consumers_.takeRemarks(record.remarks);
+    consumers_.take(record);
+    if (!options_.suite) form.take(record); // its cases may have malformed lines alone
+  };
+  const auto pause = [this] {
+    consumers_.pause();
+    if (options_.follow && showsPrinted()) diagnostics_ << consumers_.printed().firstText();
+  };
+  try {
+    return pool.run(reader, {take, [this](incidents_t& incidents) { reportIncidents(incidents); },
+                             [this] { return consumers_.hasNoUse(); }, pause});
+  } catch (const WrongForm&) {
+    return std::current_exception();
+  }
 }
 
 // Notes why the run has ended before its input, if it has. Ctrl-C is no such end for a followed one.
@@ -287,9 +307,7 @@ std::string Replay::reachedText() const {
 
 void Replay::writeFigures(const run_figures_t& run) {
   const bool in_json = options_.summary == "json";
-  if (!in_json && (!options_.quiet || options_.summary)) {
-    diagnostics_ << consumers_.printed().text();
-  }
+  if (showsPrinted()) diagnostics_ << consumers_.printed().text();
   diagnostics_ << consumers_.summaryOf(run);
   if (in_json) return; // it has all that the lines below say
   if (!cut_.empty() && (!options_.quiet || options_.summary)) report("incomplete: " + cut_);

@@ -132,7 +132,8 @@ int runSuite(const ReplayOptions& options, std::ostream& diagnostics) {
                 << result.complaint;
     if (isInterrupted()) break;
   }
-  diagnostics << results.size() << " cases, " << failed << " failed\n";
+  diagnostics << results.size() << (results.size() == 1 ? " case, " : " cases, ") << failed
+              << " failed\n";
   if (isInterrupted()) {
     diagnostics << REPLAY_NAME << ": interrupted, with " << cases.size() - results.size()
                 << " cases not run\n";

@@ -187,9 +187,15 @@ TEST_F(OutputFileTest, ClosedStreamsGetNoneOfTheFiles) {
   folder_.write("in.ndjson", lines_);
   runShell("ostrovia-replay --quiet --record x in.ndjson");
   const std::string golden = folder_.read("x");
-  for (const char* const streams : {"2>&-", ">&- 2>&-", "<&- >&- 2>&-"}) {
+  for (const char* const streams : {"2>&-", "<&- 2>&-"}) {
     EXPECT_EQ(runShell(std::string("ostrovia-replay --record y in.ndjson ") + streams).status, 0);
     EXPECT_EQ(folder_.read("y"), golden) << streams;
+  }
+  for (const char* const streams : {">&-", ">&- 2>&-", "<&- >&- 2>&-"}) {
+    EXPECT_EQ(runShell(std::string("ostrovia-replay --record x in.ndjson ") + streams).status,
+              tools::EXIT_IO);
+    EXPECT_EQ(folder_.read("x"), golden) << streams;
+    EXPECT_EQ(folder_.read("in.ndjson"), lines_) << streams;
   }
 }
 

@@ -137,11 +137,11 @@ TEST_F(FollowingTest, RecordingMayBeginLater) {
   for (const std::string path : {"rec", "rec/a"}) {
     fs::create_directory(folder_.path("rec"));
     follow(path);
-    awaitFile("diagnostics", "ostrovia-replay: waits for the first file of " + path + "\n");
+    awaitFile("diagnostics", "ostrovia-replay: waits for input at " + path + "\n");
     append("rec/a.000001.ndjson", headLine({"a", 1}) + recordedLine({1, 1}, eventOf(1)));
     awaitOutput(eventOf(1));
     EXPECT_EQ(interrupt(),
-              "ostrovia-replay: waits for the first file of " + path +
+              "ostrovia-replay: waits for input at " + path +
                   "\na: 1 messages, files 1, run 00000000000000a1\n  recorder a in chain site\n"
                   "  no counts yet; no end\n"
                   "read 1, reached the host 1, dropped 0, malformed 0, T ms\n");
@@ -149,10 +149,32 @@ TEST_F(FollowingTest, RecordingMayBeginLater) {
   }
 }
 
+TEST_F(FollowingTest, PlainFileMayBeginLater) {
+  follow("x.ndjson");
+  awaitFile("diagnostics", "ostrovia-replay: waits for input at x.ndjson\n");
+  append("x.ndjson", eventOf(1));
+  awaitOutput(eventOf(1));
+  interrupt();
+}
+
+TEST_F(FollowingTest, PluginsOwnLinesAppearAsTheyCome) {
+  const std::string created = "ostrovia-replay: the plug-in wrote to standard error: created\n";
+  const std::string batch = "log:1: the plug-in wrote to standard error: a batch\n";
+  append("log", eventOf(1));
+  child_ = start(VLT_REPLAY_PATH,
+                 {"--follow", "log", "--plugin", VLT_FAULTY_PLUGIN_PATH, "--tenant-id", "talk"});
+  awaitFile("diagnostics", created + batch);
+  append("log", eventOf(2));
+  awaitOutput(eventOf(1) + eventOf(2));
+  EXPECT_EQ(interrupt(), created + batch +
+                             "log:1: the plug-in wrote 2 times to standard error: a batch\n"
+                             "read 2, reached the host 2, dropped 0, malformed 0, T ms\n");
+}
+
 TEST_F(FollowingTest, WaitForTheFirstFileCanBeInterrupted) {
   follow("rec");
-  awaitFile("diagnostics", "ostrovia-replay: waits for the first file of rec\n");
-  EXPECT_EQ(interrupt(), "ostrovia-replay: waits for the first file of rec\n");
+  awaitFile("diagnostics", "ostrovia-replay: waits for input at rec\n");
+  EXPECT_EQ(interrupt(), "ostrovia-replay: waits for input at rec\n");
 }
 
 TEST_F(FollowingTest, FolderThatDoesNotExistIsRefused) {

@@ -140,6 +140,38 @@ TEST_F(OstroviaReplayTest, UnreadableInputIsStatus7) {
   EXPECT_EQ(missing.diagnostics, "ostrovia-replay: /nowhere/in: No such file or directory\n");
 }
 
+TEST_F(OstroviaReplayTest, FileOfAnotherFormEndsTheRun) {
+  std::string lines;
+  std::string shown;
+  for (int i = 1; i <= 20; ++i) {
+    lines += "x\n";
+    shown += "bad:" + std::to_string(i) + ":1: not well-formed JSON\n";
+  }
+  folder_.write("good", passingLine("1"));
+  folder_.write("bad", lines + "x\n" + passingLine("1"));
+  for (const char* const threads : {"1", "2"}) {
+    const result_t result =
+        run({"good", "bad", "good", "--record", "golden", "--threads", threads});
+    EXPECT_EQ(result.status, tools::EXIT_IO) << threads;
+    EXPECT_EQ(result.diagnostics,
+              shown +
+                  "ostrovia-replay: bad: the first 20 lines are malformed; a line of input is one "
+                  "JSON object\n"
+                  "ostrovia-replay: incomplete: the input cannot be read further; no file is "
+                  "written\n"
+                  "read 21, reached the host 1, dropped 0, malformed 20, T ms\n");
+  }
+  folder_.write("bad", lines.substr(2) + passingLine("1") + lines + lines);
+  EXPECT_EQ(run({"bad", "bad"}).status, tools::EXIT_BAD_INPUT);
+}
+
+TEST_F(OstroviaReplayTest, ClosedStandardOutputIsStatus7) {
+  folder_.write("in.ndjson", passingLine("1"));
+  const result_t result = runShell("ostrovia-replay in.ndjson >&-");
+  EXPECT_EQ(result.status, tools::EXIT_IO);
+  EXPECT_EQ(result.diagnostics, "ostrovia-replay: cannot write the events: Bad file descriptor\n");
+}
+
 TEST_F(OstroviaReplayTest, FullDeviceIsStatus7) {
   input_ = "{\"payload\":1}\n";
   out_path_ = "/dev/full";

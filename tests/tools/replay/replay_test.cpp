@@ -202,6 +202,16 @@ TEST_F(ReplayTest, LogIsShownUpToItsLevel) {
   EXPECT_EQ(diagnostics(), figures);
 }
 
+TEST_F(ReplayTest, TerminalShowsEventsBeforeLaterLogLines) {
+  std::ostringstream screen;
+  options_.log_level = 3;
+  tools::replay(options_, {input("in", good("1") + bad("2") + good("3"))}, screen, screen, nullptr,
+                tools::Screen::PLAIN);
+  EXPECT_TRUE(screen.str().starts_with("{")) << screen.str();
+  const std::string after_first = screen.str().substr(screen.str().find('\n') + 1);
+  EXPECT_TRUE(after_first.starts_with("in:2: " + sourcelessLog("2") + "{")) << after_first;
+}
+
 TEST_F(ReplayTest, BlocksOfTheCallerAreNotCounted) {
   const std::int64_t before = standin_live_blocks_total();
   vlt_underlying_map_table_t* const own = vlt_allocate_map(8);

@@ -58,6 +58,20 @@ TEST_F(SuiteTest, DifferingCaseFailsAndTheOthersRun) {
   EXPECT_NE(result.diagnostics.find("\nok      b\n2 cases, 1 failed\n"), std::string::npos);
 }
 
+TEST_F(SuiteTest, OneCaseIsCalledOne) {
+  std::filesystem::remove(folder_.path("suite/b.ndjson"));
+  EXPECT_EQ(run({"--suite", "suite", "--update"}).diagnostics, "made    a\n1 case, 0 failed\n");
+}
+
+TEST_F(SuiteTest, CaseOfMalformedLinesRunsToItsEnd) {
+  std::string lines;
+  for (int i = 0; i < 30; ++i) lines += "x\n";
+  folder_.write("suite/a.ndjson", lines + eventLine("1"));
+  EXPECT_EQ(run({"--suite", "suite", "--update"}).status, 0);
+  EXPECT_NE(folder_.read("suite/a.golden").find("{\"at\":\"a.ndjson:31\",\"outcome\":"),
+            std::string::npos);
+}
+
 TEST_F(SuiteTest, CaseWithoutAGoldenFileFails) {
   const result_t result = run({"--suite", "suite"});
   EXPECT_EQ(result.status, 5);

@@ -10,7 +10,10 @@ namespace com::velanto::connectivity::tools {
 
 Expectation::Expectation(const std::string& path, std::ostream& diagnostics)
     : path_(path), file_(path, std::ios::binary), comparer_(diagnostics, path) {
-  if (!file_) throw ReplayError(EXIT_IO, path + ": " + std::generic_category().message(errno));
+  file_.peek(); // a folder opens, too
+  if (!file_.is_open() || file_.bad()) {
+    throw ReplayError(EXIT_IO, path + ": " + std::generic_category().message(errno));
+  }
 }
 
 side_t Expectation::nextExpected() {
@@ -23,6 +26,7 @@ side_t Expectation::nextExpected() {
     }
     return {place, line};
   }
+  if (file_.bad()) throw ReplayError(EXIT_IO, path_ + ": cannot be read to its end");
   return {path_, {}};
 }
 

@@ -150,7 +150,9 @@ std::vector<configuration_entry_t> readConfiguration(const std::string& path) {
                          converter.convert(entry.second, 0)});
     }
   } catch (const YAML::Exception& e) {
-    converter.refuse(e.mark, e.msg);
+    converter.refuse(e.mark,
+                     "not well-formed YAML, here or just before; look at indentation, "
+                     "colons and quotes");
   }
   return entries;
 }

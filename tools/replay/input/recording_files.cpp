@@ -28,6 +28,17 @@ bool comesBefore(const recording_file_t& a, const recording_file_t& b) {
          std::make_tuple(std::string_view(b.name), b.number, b.path.size());
 }
 
+// A hint at the files that are no part of a recording, if there are some.
+std::string otherFilesIn(const fs::path& folder) {
+  for (const std::string_view suffix : SUFFIXES) {
+    for (const auto& entry : fs::directory_iterator(folder)) {
+      if (!entry.path().native().ends_with(suffix)) continue;
+      return "; for its other files: " + (folder / "*").string().append(suffix);
+    }
+  }
+  return "";
+}
+
 // Whether nothing is there, in a folder.
 bool mayBeName(const std::string& path) {
   std::error_code ignored;
@@ -92,7 +103,8 @@ std::vector<recording_file_t> recordingAt(const std::string& path) {
   }
   std::vector<recording_file_t> files = recordingFilesIn(path);
   if (files.empty()) {
-    throw ReplayError(EXIT_USAGE, path + " has no recording, no file NAME.000001.ndjson");
+    throw ReplayError(EXIT_USAGE,
+                      path + " has no recording, no file NAME.000001.ndjson" + otherFilesIn(path));
   }
   if (files.front().name == files.back().name) return files;
   std::set<std::string> choices;

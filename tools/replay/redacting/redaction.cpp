@@ -33,6 +33,7 @@ void Redaction::take(const record_t& record) {
     ++left_out_;
     return;
   }
+  has_message_ = true;
   record_t& copy = chain_->record;
   copy.number = record.number;
   copy.file = record.file;
@@ -72,11 +73,14 @@ exit_status_t Redaction::finish() {
                  << ": " + std::to_string(left_out_) + " malformed lines are not in " +
                         file_.path() + "\n";
   }
+  std::size_t unmet = 0;
   for (const std::string& path : fields_.paths) {
     if (redactor_.hasMet(fields_.places.at(path))) continue;
     diagnostics_ << REPLAY_NAME << ": --redact: no message has the field " + path + "\n";
+    ++unmet;
   }
-  return EXIT_FINE;
+  if (unmet < fields_.names.size() || !has_message_) return EXIT_FINE;
+  throw ReplayError(EXIT_USAGE, "nothing would be hidden; " + file_.path() + " is not written");
 }
 
 } // namespace com::velanto::connectivity::tools

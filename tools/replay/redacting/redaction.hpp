@@ -32,6 +32,7 @@ class Redaction final : public Consumer {
   // Throws ReplayError with EXIT_DIFFERENT "PLACE: …" where the results differ.
   void take(const record_t& record) override;
   void takeRemarks(std::string_view lines) override;
+  // Throws ReplayError with EXIT_USAGE when the messages have none of the fields.
   exit_status_t finish() override;
   void commit() override { file_.commit(); }
 
@@ -56,6 +57,7 @@ class Redaction final : public Consumer {
   std::vector<log_line_t> log_; // of the chain, without a message
   std::optional<chain_t> chain_;
   std::uint64_t left_out_ = 0;
+  bool has_message_ = false;
 };
 
 } // namespace com::velanto::connectivity::tools

@@ -1,5 +1,6 @@
 // Writes the events of each record as lines of JSON. Holds them back until there are many or the
-// input pauses: a write costs more than a message.
+// input pauses: a write costs more than a message. A terminal gets them at once, before later lines
+// of the log.
 #ifndef VLT_TOOLS_REPLAY_WRITING_EVENT_WRITER_HPP
 #define VLT_TOOLS_REPLAY_WRITING_EVENT_WRITER_HPP
 
@@ -20,7 +21,9 @@ class EventWriter final : public Consumer {
       : out_(out, "cannot write the events"), on_terminal_(on_terminal) {}
 
   void take(const record_t& record) override {
-    on_terminal_ ? out_.write(visibleLines(record.events)) : out_.write(record.events);
+    if (!on_terminal_) return out_.write(record.events);
+    out_.write(visibleLines(record.events));
+    out_.flush();
   }
   void pause() override { out_.flush(); }
 

@@ -9,6 +9,7 @@ namespace com::velanto::connectivity::tools {
 namespace {
 
 constexpr std::size_t LONGEST = 4096; // bytes of a line that are kept
+constexpr const char* WROTE = ": the plug-in wrote";
 
 std::string times(std::uint64_t count) {
   return count == 1 ? "" : std::string(1, ' ') + std::to_string(count) + " times";
@@ -28,21 +29,30 @@ void PrintedLines::add(std::string_view text, const std::string& place) {
       ++others_;
     } else {
       numbers_.emplace(line, lines_.size());
-      lines_.push_back({line, place, 1});
+      lines_.push_back({line, place, 1, 0});
     }
   }
 }
 
-std::string PrintedLines::text() const {
-  const std::string wrote = ": the plug-in wrote";
+std::string PrintedLines::textOf(printed_line_t& line) {
+  line.shown = line.count;
+  return (line.first.empty() ? REPLAY_NAME : line.first) + WROTE + times(line.count) +
+         " to standard error: " + line.text + "\n";
+}
+
+std::string PrintedLines::text() {
   std::string text;
-  for (const printed_line_t& line : lines_) {
-    text.append(line.first.empty() ? REPLAY_NAME : line.first).append(wrote);
-    text.append(times(line.count)).append(" to standard error: ").append(line.text).append("\n");
+  for (printed_line_t& line : lines_) {
+    if (line.shown < line.count) text += textOf(line);
   }
-  if (others_ > 0) {
-    text.append(REPLAY_NAME).append(wrote).append(" other lines").append(times(others_));
-    text.append("\n");
+  if (others_ == 0) return text;
+  return text.append(REPLAY_NAME).append(WROTE) + " other lines" + times(others_) + "\n";
+}
+
+std::string PrintedLines::firstText() {
+  std::string text;
+  for (printed_line_t& line : lines_) {
+    if (line.shown == 0) text += textOf(line);
   }
   return text;
 }

@@ -1,5 +1,6 @@
 // The lines that the plug-in writes to standard error past its log: each distinct one once, with its
-// number and the message that the plug-in had when it wrote it first.
+// number and the message that the plug-in had when it wrote it first. A run that follows its input
+// shows each at once, and again at the end if it came more often.
 #ifndef VLT_TOOLS_REPLAY_WRITING_PRINTED_LINES_HPP
 #define VLT_TOOLS_REPLAY_WRITING_PRINTED_LINES_HPP
 
@@ -18,6 +19,7 @@ struct printed_line_t {
   std::string text;
   std::string first; // FILE:LINE; empty: no message, or one of several
   std::uint64_t count = 0;
+  std::uint64_t shown = 0; // the count when it was shown last
 };
 
 class PrintedLines final : public Consumer {
@@ -34,10 +36,14 @@ class PrintedLines final : public Consumer {
   [[nodiscard]] const std::vector<printed_line_t>& lines() const noexcept { return lines_; }
   // Lines beyond MOST distinct ones.
   [[nodiscard]] std::uint64_t others() const noexcept { return others_; }
-  // One line for each, with its end; empty without lines.
-  [[nodiscard]] std::string text() const;
+  // One line for each that has come since it was shown, with its end; empty without lines.
+  [[nodiscard]] std::string text();
+  // The same for the lines that have not been shown at all.
+  [[nodiscard]] std::string firstText();
 
  private:
+  static std::string textOf(printed_line_t& line);
+
   std::vector<printed_line_t> lines_;
   std::unordered_map<std::string, std::size_t> numbers_;
   std::uint64_t others_ = 0;

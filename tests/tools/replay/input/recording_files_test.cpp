@@ -67,6 +67,9 @@ TEST(RecordingFilesTest, OneOfSeveralRecordingsIsChosenByName) {
     return errorOf([&] { static_cast<void>(tools::recordingAt(path)); });
   };
   EXPECT_EQ(error(), path + " has no recording, no file NAME.000001.ndjson");
+  folder.write("rec/day.ndjson.gz", "");
+  EXPECT_EQ(error(), path + " has no recording, no file NAME.000001.ndjson; for its other files: " +
+                         path + "/*.ndjson.gz");
   folder.write("rec/before.000001.ndjson", "");
   EXPECT_EQ(namesOf(tools::recordingAt(path)), std::vector<std::string>{"before.000001.ndjson"});
   folder.write("rec/after.000001.ndjson", "");

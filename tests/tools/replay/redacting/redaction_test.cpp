@@ -82,6 +82,19 @@ TEST_F(RedactionTest, FieldsOfNoMessageAreReported) {
             "ostrovia-replay: --redact: no message has the field payload.txt\n");
 }
 
+TEST_F(RedactionTest, CopyThatHidesNothingIsNotWritten) {
+  input_ = eventLine("1");
+  const result_t result = redact("all-text,source.nmae");
+  EXPECT_EQ(result.status, tools::EXIT_USAGE);
+  EXPECT_EQ(result.diagnostics,
+            "ostrovia-replay: --redact: no message has the field all-text\n"
+            "ostrovia-replay: --redact: no message has the field source.nmae\n"
+            "ostrovia-replay: nothing would be hidden; copy.ndjson is not written\n");
+  EXPECT_FALSE(fs::exists(folder_.path("copy.ndjson")));
+  input_ = "";
+  EXPECT_EQ(redact("id").status, 0);
+}
+
 TEST_F(RedactionTest, DifferingOutcomeLeavesTheOldFile) {
   folder_.write("copy.ndjson", "old\n");
   // The codec takes blanks for digits here, a stand-in has none of them.

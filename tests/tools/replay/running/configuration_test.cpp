@@ -85,7 +85,12 @@ TEST_F(ConfigurationTest, OtherFilesAreRefusedWithTheirLine) {
       {"tenantId: t\nx: 9223372036854775808\n", "c.yaml:2:4: integer beyond 64 bits"},
       {"tenantId: t\n[1]: x\n", "c.yaml:2:1: a key that is no string"},
       {"tenantId: \"a\\0b\"\n", "c.yaml:1:11: string with an embedded NUL"},
-      {"a: 1\nb: [1\n", "c.yaml:3:1: end of sequence flow not found"},
+      {"a: 1\nb: [1\n",
+       "c.yaml:3:1: not well-formed YAML, here or just before; look at indentation, colons and "
+       "quotes"},
+      {"a: 1\n b: 2\n",
+       "c.yaml:2:3: not well-formed YAML, here or just before; look at indentation, colons and "
+       "quotes"},
       {"tenantId: t\nx: &a [*a]\n", "c.yaml:2:4: too much, or too deep"}};
   for (const auto& [yaml, complaint] : rows) {
     const result_t result = check(yaml);

@@ -193,6 +193,13 @@ TEST_F(GoldenTest, FileOfAnotherKindIsRefused) {
             "ostrovia-replay: " + golden_ + ":3: no line of a golden file, which --record makes\n");
 }
 
+TEST_F(GoldenTest, FolderIsNoGoldenFile) {
+  std::filesystem::create_directory(folder_.path("d"));
+  const result_t result = run({"--expect", "d"});
+  EXPECT_EQ(result.status, tools::EXIT_IO);
+  EXPECT_EQ(result.diagnostics, "ostrovia-replay: d: Is a directory\n");
+}
+
 TEST_F(GoldenTest, MissingGoldenFileIsAnError) {
   const result_t result = run({"--expect", "/nowhere/golden"});
   EXPECT_EQ(result.status, 7);
