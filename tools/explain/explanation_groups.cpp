@@ -1,10 +1,10 @@
 #include "tools/explain/explanation_groups.hpp"
 
-#include <algorithm>
 #include <vector>
 
 #include "ndjson/visible_text.hpp"
 #include "tools/record/columns.hpp"
+#include "tools/record/tally.hpp"
 
 namespace com::velanto::connectivity::tools {
 
@@ -54,12 +54,7 @@ void ExplanationGroups::add(const record_t& record, const explanation_t& explana
 
 std::string ExplanationGroups::text() const {
   if (ways_.empty()) return "";
-  std::vector<const way_t*> ways;
-  for (const auto& [key, way] : ways_) ways.push_back(&way);
-  std::sort(ways.begin(), ways.end(), [](const way_t* one, const way_t* other) {
-    if (one->count != other->count) return one->count > other->count;
-    return one->first_number < other->first_number;
-  });
+  const std::vector<const way_t*> ways = ranked(ways_);
   std::string text(1, '\n');
   text += leftPadded("messages", 12) + "  " + padded("explained alike", 26) + "first in\n";
   std::uint64_t rest = others_;

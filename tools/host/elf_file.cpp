@@ -195,11 +195,11 @@ void Reader::readSymbols() {
   }
 }
 
-//   0 owner's size (4)   4 content's size (4)   8 type (4)   12 owner, content; each padded
+//   0 owner's size (4)   4 content's size (4)   8 type (4)   12 owner, content; each aligned
 void Reader::readNotes(const Elf64_Phdr& segment) {
   const char* const what = "a note";
   const std::uint64_t alignment = segment.p_align == 8 ? 8 : 4;
-  const auto padded = [&](std::uint64_t size) {
+  const auto aligned = [&](std::uint64_t size) {
     return (size + alignment - 1) / alignment * alignment;
   };
   static_cast<void>(bytes(segment.p_offset, segment.p_filesz, what));
@@ -207,9 +207,9 @@ void Reader::readNotes(const Elf64_Phdr& segment) {
   for (std::uint64_t at_note = segment.p_offset; at_note < end;) {
     const auto note = at<Elf64_Nhdr>(at_note, what);
     const std::uint64_t owner = at_note + sizeof note;
-    const std::uint64_t content = owner + padded(note.n_namesz);
+    const std::uint64_t content = owner + aligned(note.n_namesz);
     takeNote(bytes(owner, note.n_namesz, what), note.n_type, bytes(content, note.n_descsz, what));
-    at_note = content + padded(note.n_descsz);
+    at_note = content + aligned(note.n_descsz);
   }
 }
 

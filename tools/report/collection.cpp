@@ -28,7 +28,7 @@ example_t exampleOf(const record_t& record) {
 } // namespace
 
 void Collection::take(const record_t& record) {
-  ++counts_[static_cast<std::size_t>(record.kind)][static_cast<std::size_t>(record.outcome)];
+  Tally::take(record);
   if (record.outcome == Outcome::MALFORMED) {
     if (malformed_.size() < MOST_MALFORMED) {
       malformed_.push_back({record.place(), record.malformed});
@@ -43,7 +43,6 @@ void Collection::take(const record_t& record) {
   places_.add(static_cast<std::int64_t>(record.number) - 1, record.kind, dropped);
   if (dropped) return takeReason(record);
   takeWay(record, message);
-  takeChannels(record);
 }
 
 void Collection::takeReason(const record_t& record) {
@@ -73,22 +72,7 @@ void Collection::takeWay(const record_t& record, const Message& message) {
   } else if (ways_.size() == MOST_WAYS) {
     ++other_ways_;
   } else {
-    ways_.emplace(key, way_t{shape, 1, exampleOf(record)});
-  }
-}
-
-void Collection::takeChannels(const record_t& record) {
-  if (record.outcome != Outcome::CONVERTED) return;
-  for (const Message& output : record.outputs) {
-    const std::string_view channel = metadata_.channelOf(output);
-    const auto found = channels_.find(channel);
-    if (found != channels_.end()) {
-      ++found->second;
-    } else if (channels_.size() == MOST_CHANNELS) {
-      ++other_channels_;
-    } else {
-      channels_.emplace(channel, 1);
-    }
+    ways_.emplace(key, way_t{shape, 1, record.number, exampleOf(record)});
   }
 }
 
@@ -97,47 +81,6 @@ void Collection::takeBatch(std::size_t messages, std::chrono::nanoseconds time) 
   batch_sizes_.add(messages);
   batch_times_.add(static_cast<std::uint64_t>(std::max<std::int64_t>(0, time.count())) /
                    NANOSECONDS);
-}
-
-std::uint64_t Collection::count(Kind kind) const noexcept {
-  std::uint64_t sum = 0;
-  for (const Outcome outcome : {Outcome::CONVERTED, Outcome::PASSED, Outcome::DROPPED}) {
-    sum += count(kind, outcome);
-  }
-  return sum;
-}
-
-std::uint64_t Collection::count(Outcome outcome) const noexcept {
-  std::uint64_t sum = 0;
-  for (const auto& of_kind : counts_) sum += of_kind[static_cast<std::size_t>(outcome)];
-  return sum;
-}
-
-std::vector<reason_t*> Collection::reasons() {
-  std::vector<reason_t*> ranked;
-  for (auto& [key, reason] : reasons_) ranked.push_back(&reason);
-  std::sort(ranked.begin(), ranked.end(), [](const reason_t* one, const reason_t* other) {
-    if (one->count != other->count) return one->count > other->count;
-    return one->first_number < other->first_number;
-  });
-  return ranked;
-}
-
-std::vector<way_t*> Collection::ways() {
-  std::vector<way_t*> ranked;
-  for (auto& [key, way] : ways_) ranked.push_back(&way);
-  std::sort(ranked.begin(), ranked.end(), [](const way_t* one, const way_t* other) {
-    if (one->count != other->count) return one->count > other->count;
-    return one->example.record.number < other->example.record.number;
-  });
-  return ranked;
-}
-
-std::vector<std::pair<std::string, std::uint64_t>> Collection::channels() const {
-  std::vector<std::pair<std::string, std::uint64_t>> ranked(channels_.begin(), channels_.end());
-  std::stable_sort(ranked.begin(), ranked.end(),
-                   [](const auto& a, const auto& b) { return a.second > b.second; });
-  return ranked;
 }
 
 } // namespace com::velanto::connectivity::tools::report

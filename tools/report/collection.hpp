@@ -6,10 +6,8 @@
 #ifndef VLT_TOOLS_REPORT_COLLECTION_HPP
 #define VLT_TOOLS_REPORT_COLLECTION_HPP
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -20,6 +18,7 @@
 #include "ndjson/json_reader.hpp"
 #include "tools/explain/explanation.hpp"
 #include "tools/record/record.hpp"
+#include "tools/record/tally.hpp"
 #include "tools/report/distribution.hpp"
 #include "tools/report/own_time.hpp"
 #include "tools/report/timeline.hpp"
@@ -46,6 +45,7 @@ struct reason_t {
 struct way_t {
   std::uint64_t shape = 0; // the same in every run
   std::uint64_t count = 0;
+  std::uint64_t first_number = 0; // of the record
   example_t example{};
 };
 
@@ -54,7 +54,7 @@ struct malformed_t {
   std::string reason;
 };
 
-class Collection {
+class Collection : public Tally {
  public:
   static constexpr std::size_t MOST_REASONS = 200;
   static constexpr std::size_t MOST_WAYS = 500;
@@ -64,14 +64,10 @@ class Collection {
   static constexpr std::size_t EXAMPLES = 2;                            // of a reason
   static constexpr std::size_t LONGEST_EXAMPLE = std::size_t{64} << 10; // bytes
 
+  Collection() : Tally(MOST_CHANNELS) {}
+
   void take(const record_t& record);
   void takeBatch(std::size_t messages, std::chrono::nanoseconds time);
-
-  [[nodiscard]] std::uint64_t count(Kind kind, Outcome outcome) const noexcept {
-    return counts_[static_cast<std::size_t>(kind)][static_cast<std::size_t>(outcome)];
-  }
-  [[nodiscard]] std::uint64_t count(Kind kind) const noexcept;
-  [[nodiscard]] std::uint64_t count(Outcome outcome) const noexcept;
 
   [[nodiscard]] const Timeline& times() const noexcept { return times_; }
   [[nodiscard]] const Timeline& places() const noexcept { return places_; }
@@ -80,31 +76,24 @@ class Collection {
   [[nodiscard]] const Distribution& batchTimes() const noexcept { return batch_times_; } // µs
 
   // The most frequent first, among equals the earliest. The pointers are valid until the next take.
-  [[nodiscard]] std::vector<reason_t*> reasons();
-  [[nodiscard]] std::vector<way_t*> ways();
-  [[nodiscard]] std::vector<std::pair<std::string, std::uint64_t>> channels() const;
+  [[nodiscard]] std::vector<reason_t*> reasons() { return ranked(reasons_); }
+  [[nodiscard]] std::vector<way_t*> ways() { return ranked(ways_); }
   // Messages beyond the bounds.
   [[nodiscard]] std::uint64_t otherReasons() const noexcept { return other_reasons_; }
   [[nodiscard]] std::uint64_t otherWays() const noexcept { return other_ways_; }
-  [[nodiscard]] std::uint64_t otherChannels() const noexcept { return other_channels_; }
 
  private:
   void takeReason(const record_t& record);
   void takeWay(const record_t& record, const Message& message);
-  void takeChannels(const record_t& record);
 
   JsonReader reader_;
-  MetadataReader metadata_;
   OwnTimeReader own_time_;
-  std::array<std::array<std::uint64_t, OUTCOMES>, KINDS> counts_{};
   Timeline times_{WIDTHS_OF_TIMES};
   Timeline places_{WIDTHS_OF_PLACES};
   std::map<std::pair<std::string, std::string>, reason_t> reasons_; // by code and key
   std::uint64_t other_reasons_ = 0;
   std::map<std::tuple<Kind, Outcome, std::uint64_t>, way_t> ways_; // by shape as well
   std::uint64_t other_ways_ = 0;
-  std::map<std::string, std::uint64_t, std::less<>> channels_;
-  std::uint64_t other_channels_ = 0;
   std::vector<malformed_t> malformed_;
   Distribution batch_sizes_;
   Distribution batch_times_;

@@ -4,7 +4,6 @@
 #ifndef VLT_TOOLS_REPLAY_SUMMARY_SUMMARY_HPP
 #define VLT_TOOLS_REPLAY_SUMMARY_SUMMARY_HPP
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -14,17 +13,19 @@
 
 #include "tools/host/file_identity.hpp"
 #include "tools/record/record.hpp"
+#include "tools/record/tally.hpp"
 #include "tools/replay/comparing/recorded_events.hpp"
 #include "tools/replay/summary/durations.hpp"
 #include "tools/replay/writing/printed_lines.hpp"
 
 namespace com::velanto::connectivity::tools {
 
-struct ranked_reason_t {
+struct counted_reason_t {
   std::string code;
   std::string key;
-  std::uint64_t count;
-  std::string first; // FILE:LINE
+  std::uint64_t count = 0;
+  std::uint64_t first_number = 0; // of the record
+  std::string first;              // FILE:LINE
 };
 
 // The plug-ins of a run.
@@ -33,36 +34,22 @@ struct builds_t {
   std::optional<file_identity_t> against;
 };
 
-class Summary final : public Consumer {
+class Summary final : public Consumer, public Tally {
  public:
+  Summary() : Tally(SIZE_MAX) {}
+
   void take(const record_t& record) override;
   void takeBatch(std::size_t messages, std::chrono::nanoseconds time) override;
   void takeBuilds(builds_t builds) { builds_ = std::move(builds); }
 
-  [[nodiscard]] std::uint64_t count(Kind kind, Outcome outcome) const noexcept {
-    return counts_[static_cast<std::size_t>(kind)][static_cast<std::size_t>(outcome)];
-  }
-  [[nodiscard]] std::uint64_t count(Outcome outcome) const noexcept;
-
   // The most frequent first, among equals the earliest.
-  [[nodiscard]] std::vector<ranked_reason_t> reasons() const;
-  // The channels of converted messages with their number, the most frequent first.
-  [[nodiscard]] std::vector<std::pair<std::string, std::uint64_t>> channels() const;
+  [[nodiscard]] std::vector<const counted_reason_t*> reasons() const { return ranked(reasons_); }
 
   [[nodiscard]] const Durations& batches() const noexcept { return batches_; }
   [[nodiscard]] const builds_t& builds() const noexcept { return builds_; }
 
  private:
-  struct reason_count_t {
-    std::uint64_t count = 0;
-    std::uint64_t first_number = 0; // of the record
-    std::string first;
-  };
-
-  MetadataReader metadata_;
-  std::array<std::array<std::uint64_t, OUTCOMES>, KINDS> counts_{};
-  std::map<std::pair<std::string, std::string>, reason_count_t> reasons_;
-  std::map<std::string, std::uint64_t, std::less<>> channels_;
+  std::map<std::pair<std::string, std::string>, counted_reason_t> reasons_; // by code and key
   Durations batches_;
   builds_t builds_;
 };

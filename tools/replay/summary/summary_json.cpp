@@ -27,12 +27,12 @@ void writeKinds(JsonLine& line, const Summary& summary) {
 
 void writeReasons(JsonLine& line, const Summary& summary) {
   line.item("reasons").open('[');
-  for (const ranked_reason_t& reason : summary.reasons()) {
+  for (const counted_reason_t* reason : summary.reasons()) {
     line.item(nullptr).open('{');
-    line.item("reason").text(reason.code);
-    line.item("key").text(reason.key);
-    line.item("count").number(reason.count);
-    line.item("first").text(reason.first);
+    line.item("reason").text(reason->code);
+    line.item("key").text(reason->key);
+    line.item("count").number(reason->count);
+    line.item("first").text(reason->first);
     line.close('}');
   }
   line.close(']');

@@ -29,9 +29,7 @@ void appendKinds(std::string& out, const Summary& summary) {
   out += '\n';
   for (std::size_t i = 0; i < KINDS; ++i) {
     const Kind kind = static_cast<Kind>(i);
-    std::uint64_t sum = 0;
-    for (const Outcome outcome : SHOWN) sum += summary.count(kind, outcome);
-    if (sum == 0) continue;
+    if (summary.count(kind) == 0) continue;
     out += padded(nameOf(kind), 16);
     for (const Outcome outcome : SHOWN) {
       out += leftPadded(std::to_string(summary.count(kind, outcome)), 12);
@@ -48,13 +46,13 @@ void appendKinds(std::string& out, const Summary& summary) {
 }
 
 void appendReasons(std::string& out, const Summary& summary) {
-  const std::vector<ranked_reason_t> reasons = summary.reasons();
+  const std::vector<const counted_reason_t*> reasons = summary.reasons();
   if (reasons.empty()) return;
   out += '\n';
   out += leftPadded("dropped", 12) + "  " + padded("reason", 16) + padded("key", 20) + "first in\n";
-  for (const ranked_reason_t& reason : reasons) {
-    out += leftPadded(std::to_string(reason.count), 12) + "  " + padded(reason.code, 16) +
-           padded(cutBehind(reason.key, 19), 20) + visible(reason.first) + "\n";
+  for (const counted_reason_t* reason : reasons) {
+    out += leftPadded(std::to_string(reason->count), 12) + "  " + padded(reason->code, 16) +
+           padded(cutBehind(reason->key, 19), 20) + visible(reason->first) + "\n";
   }
 }
 
