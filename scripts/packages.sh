@@ -27,7 +27,7 @@ declare -A package_groups=(
   [build]="
     cmake=cmake ninja-build=ninja
     gcc-12=gcc-12 g++-12=g++-12 libc6-dev=stdlib.h
-    binutils=readelf git=git
+    abigail-tools=abidiff binutils=readelf git=git
     libboost-dev=boost/optional.hpp
     libsimdjson-dev=simdjson.h rapidjson-dev=rapidjson/document.h
     zlib1g-dev=zlib.h libzstd-dev=zstd.h libsodium-dev=sodium.h libyaml-cpp-dev=yaml-cpp/yaml.h
