@@ -9,6 +9,7 @@
 #include <string>
 
 #include "plugin/map_extractor.hpp"
+#include "plugin/probes.hpp"
 #include "value/get_visitor.hpp"
 #include "value/to_string.hpp"
 
@@ -118,6 +119,7 @@ void OstroviaNotifications2Codec::reportExceptionInFlight(const char* id,
 
 void OstroviaNotifications2Codec::reportDropped(const char* id, bool towards_transport,
                                                 const char* what) const noexcept {
+  probes::dropped(what, id);
   if (!getLogger().enabled(DROPPED_LEVEL)) return;
   const auto describe = [=](char* text, std::size_t size) noexcept {
     const int length =

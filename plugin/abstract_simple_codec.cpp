@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "plugin/probes.hpp"
+
 namespace com::velanto::connectivity {
 
 namespace {
@@ -22,6 +24,7 @@ Message* keepInFront(Message* start, Message* end, const Keep& keep) {
 } // namespace
 
 void AbstractSimpleCodec::sendBatchTowardsHost(Message* start, Message* end) {
+  const probes::Batch probe;
   Message* const kept = keepInFront(start, end, [this](Message& message) {
     try {
       return message.getPayload().empty() ? transformNullPayloadTowardsHost(message)
@@ -30,6 +33,7 @@ void AbstractSimpleCodec::sendBatchTowardsHost(Message* start, Message* end) {
       return handleException(message, false);
     }
   });
+  probe.end(end - start, kept - start);
   if (hostSide) hostSide->sendBatchTowardsHost(start, kept);
 }
 

@@ -10,6 +10,7 @@
 #   fuzz      ./dev fuzz and the preset `sanitize`, together with clang: the fuzzer's and the
 #             sanitizers' runtime, and names in their reports
 #   page      tests/page: a browser, what drives it, and npm, which installs the rest
+#   trace     the test of the tracer's lines in docs/operating.md
 #   package   ./dev package: dependencies of a .deb, what of a package is a program, and the bill
 #             of materials
 #   root      ./dev test-package, together with package: a clean Debian to install in
@@ -31,6 +32,7 @@ declare -A package_groups=(
     libboost-dev=boost/optional.hpp
     libsimdjson-dev=simdjson.h rapidjson-dev=rapidjson/document.h
     zlib1g-dev=zlib.h libzstd-dev=zstd.h libsodium-dev=sodium.h libyaml-cpp-dev=yaml-cpp/yaml.h
+    systemtap-sdt-dev=sys/sdt.h
     libgtest-dev=gtest/gtest.h libgmock-dev=gmock/gmock.h
     man-db=man
   "
@@ -45,6 +47,7 @@ declare -A package_groups=(
     llvm-14=llvm-symbolizer-14 python3=python3
   "
   [page]="chromium=chromium nodejs=node npm=npm"
+  [trace]="bpftrace=bpftrace"
   [package]="dpkg-dev=dpkg-shlibdeps file=file python3=python3"
   [root]="
     debootstrap=debootstrap python3=python3

@@ -234,7 +234,8 @@ TEST_F(Operating, SettingsFailAndDefaultAsTheTableSays) {
 // blocks of the packages.
 TEST_F(Operating, EveryBlockIsRun) {
   for (const block_t& block : readBlocks(readDocument(OPERATING))) {
-    EXPECT_THAT(block.info, AnyOf("console", "console debian", "console archive"))
+    EXPECT_THAT(block.info,
+                AnyOf("console", "console debian", "console archive", "console bpftrace"))
         << placeOf(readDocument(OPERATING), block.line);
   }
 }

@@ -232,6 +232,20 @@ TEST_P(BuiltLibraryTest, CanBeUnloaded) {
   EXPECT_THAT(namesOf([](const auto& symbol) { return symbol.binding == "UNIQUE"; }), IsEmpty());
 }
 
+// ---- probes; see docs/operating.md
+
+// A note without the address of a semaphore would have tracers listen to silence.
+TEST(BuiltCodecTest, NamesItsProbesAndSemaphoresInNotes) {
+  names_t probes;
+  const Pattern note(R"(Provider: (\w+)\n +Name: (\w+)\n.*Semaphore: (0x\w+)\n +Arguments: (.*))");
+  for (const auto& found : note.allIn(readelf("--notes", VLT_PLUGIN_PATH))) {
+    EXPECT_NE(std::stoull(found[3], nullptr, 16), 0U) << found[2];
+    const auto arguments = std::count(found[4].begin(), found[4].end(), '@');
+    probes.push_back(found[1] + ':' + found[2] + '/' + std::to_string(arguments));
+  }
+  EXPECT_THAT(probes, UnorderedElementsAreArray({"ostrovia:batch/4", "ostrovia:dropped/2"}));
+}
+
 // ---- hardening
 
 TEST_P(BuiltLibraryTest, BindsAllItsAddressesWhenItIsLoaded) {

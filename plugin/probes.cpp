@@ -1,0 +1,35 @@
+#include "plugin/probes.hpp"
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <ctime>
+
+#include "value/data_t.hpp"
+
+#define _SDT_HAS_SEMAPHORES 1
+#include <sys/sdt.h>
+
+// Tracers know the section, and the notes their names.
+[[gnu::used, gnu::section(".probes")]] volatile unsigned short ostrovia_batch_semaphore = 0;
+[[gnu::used, gnu::section(".probes")]] volatile unsigned short ostrovia_dropped_semaphore = 0;
+
+namespace com::velanto::connectivity::probes {
+
+// The system call itself: C libraries before 2.17 have clock_gettime in a library of its own.
+std::int64_t Batch::nanoseconds() noexcept {
+  std::timespec now{};
+  syscall(SYS_clock_gettime, CLOCK_MONOTONIC, &now);
+  return now.tv_sec * 1'000'000'000 + now.tv_nsec;
+}
+
+void Batch::fire(std::ptrdiff_t messages, std::ptrdiff_t kept) const noexcept {
+  const std::int64_t elapsed = nanoseconds() - began_;
+  STAP_PROBE4(ostrovia, batch, messages, kept, messages - kept, elapsed);
+}
+
+void fireDropped(const char* reason, const char* id) noexcept {
+  STAP_PROBE2(ostrovia, dropped, text_or_empty(reason), text_or_empty(id));
+}
+
+} // namespace com::velanto::connectivity::probes
