@@ -63,7 +63,9 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
   const data_t& payload = message.getPayload();
   const auto* const fields = payload.get_if<map_t>();
   if (fields == nullptr) {
-    reportDropped(nullptr, false, payload.report_mismatch<map_t>().what());
+    const auto mismatch = payload.report_mismatch<map_t>();
+    probes::dropped(mismatch.what(), nullptr);
+    reportDropped(nullptr, false, mismatch.what());
     return false;
   }
 
@@ -76,6 +78,7 @@ bool OstroviaNotifications2Codec::transformMessageTowardsHost(Message& message) 
   try {
     message = processPulsarMessage(notification);
     if (!notification.getFault()) return true;
+    probes::dropped(notification.getFault().what(), id);
     reportDropped(id, false, notification.getFault().what());
   } catch (...) {
     reportExceptionInFlight(id, false);
@@ -111,15 +114,16 @@ void OstroviaNotifications2Codec::reportExceptionInFlight(const char* id,
   try {
     throw;
   } catch (const std::exception& e) {
+    probes::dropped(e.what(), id);
     reportDropped(id, towards_transport, e.what());
   } catch (...) {
+    probes::dropped(nullptr, id);
     reportDropped(id, towards_transport, nullptr);
   }
 }
 
 void OstroviaNotifications2Codec::reportDropped(const char* id, bool towards_transport,
                                                 const char* what) const noexcept {
-  probes::dropped(what, id);
   if (!getLogger().enabled(DROPPED_LEVEL)) return;
   const auto describe = [=](char* text, std::size_t size) noexcept {
     const int length =
