@@ -32,7 +32,7 @@ declare -A package_groups=(
     libboost-dev=boost/optional.hpp
     libsimdjson-dev=simdjson.h rapidjson-dev=rapidjson/document.h
     zlib1g-dev=zlib.h libzstd-dev=zstd.h libsodium-dev=sodium.h libyaml-cpp-dev=yaml-cpp/yaml.h
-    systemtap-sdt-dev=sys/sdt.h
+    systemtap-sdt-dev=sys/sdt.h libmimalloc2.0=/usr/lib/*/libmimalloc.so.2.0
     libgtest-dev=gtest/gtest.h libgmock-dev=gmock/gmock.h
     man-db=man
   "
