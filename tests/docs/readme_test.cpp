@@ -97,7 +97,7 @@ TEST_F(Readme, HelpOfTheToolListsNamedOptions) {
 
 TEST_F(Readme, QuickTestTakesArgumentsOfCtest) {
   runAtDoor("./dev test --quick -R Alarm");
-  EXPECT_EQ(takeCalls(), "ctest --preset quick -R Alarm\nstatus 0\n");
+  EXPECT_EQ(takeCalls(), "ctest --preset quick --label-exclude whole -R Alarm\nstatus 0\n");
 }
 
 TEST_F(Readme, NamedPresetsExist) {
