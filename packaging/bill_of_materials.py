@@ -1,6 +1,6 @@
 """Writes the bill of materials of the packages in a folder, NAME-VERSION.spdx.json beside them: each
-file of each package with its hashes, the commit, and the packages of this machine that the build
-used. The form is SPDX 2.3; the same packages and time give the same bytes.
+file of each package with its hashes, the commit, the works of others that are linked in, and the
+packages of this machine that the build used. The form is SPDX 2.3; the same packages and time give the same bytes.
 
     bill_of_materials.py FOLDER TIME      TIME in seconds since 1970
 """
@@ -15,9 +15,11 @@ import subprocess
 import sys
 import tarfile
 
+from notices import LINKED
+
 NAME = "ostrovia-notifications"
 # What becomes part of the libraries and programs, or makes them, without a trace in a package's Depends.
-BUILT_WITH = ("g++-12", "binutils", "cmake", "libboost-dev")
+BUILT_WITH = ("g++-12", "binutils", "cmake")
 
 
 def output_of(*command):
@@ -62,7 +64,9 @@ def file_element(number, name, content):
 def shipped_element(package, files, version, build):
     hashes = sorted(file["checksums"][0]["checksumValue"] for file in files)
     element = {
-        "SPDXID": "SPDXRef-Package-" + package.suffix.strip("."), "name": NAME, "versionInfo": version,
+        "SPDXID": "SPDXRef-Package-" + re.sub(r"[^A-Za-z0-9.-]", "-", package.name),
+        "name": package.name.partition("_")[0] if package.suffix == ".deb" else NAME,
+        "versionInfo": version,
         "packageFileName": package.name, "downloadLocation": "NOASSERTION", "filesAnalyzed": True,
         "packageVerificationCode": {
             "packageVerificationCodeValue": hashlib.sha1("".join(hashes).encode()).hexdigest()},
@@ -75,7 +79,8 @@ def shipped_element(package, files, version, build):
 def debian_element(package):
     element = {
         "SPDXID": "SPDXRef-Debian-" + re.sub(r"[^A-Za-z0-9.-]", "-", package), "name": package,
-        "downloadLocation": "NOASSERTION", "filesAnalyzed": False, "licenseDeclared": "NOASSERTION"}
+        "downloadLocation": "NOASSERTION", "filesAnalyzed": False,
+        "licenseDeclared": LINKED.get(package, ("", "NOASSERTION"))[1]}
     version = debian_version(package)
     if version:
         element["versionInfo"] = version
@@ -92,25 +97,35 @@ def build_name(contents):
     return re.search(rb"ostrovia-notifications [0-9.]+, [ -~]+", codec).group().decode()
 
 
+def depends_of(debs):
+    """Names of all Debian packages that a package needs, but for each other."""
+    depends = ",".join(output_of("dpkg-deb", "--field", deb, "Depends").decode() for deb in debs)
+    names = set(re.findall(r"(?:^|,)\s*([a-z0-9.+-]+)", depends))
+    return sorted(name for name in names if not name.startswith(NAME))
+
+
 def bill_of(folder, time):
-    deb, archive = next(folder.glob("*.deb")), next(folder.glob("*.tar.gz"))
-    version = output_of("dpkg-deb", "--field", deb, "Version").decode().strip()
-    depends = output_of("dpkg-deb", "--field", deb, "Depends").decode()
-    needed = sorted(set(re.findall(r"(?:^|,)\s*([a-z0-9.+-]+)", depends)))
+    debs, archive = sorted(folder.glob("*.deb")), next(folder.glob("*.tar.gz"))
+    version = output_of("dpkg-deb", "--field", debs[0], "Version").decode().strip()
+    build = build_name(contents_of(archive))
     packages, files, relationships = [], [], []
-    for package in (deb, archive):
-        contents = list(contents_of(package))
-        own = [file_element(len(files) + i, *file) for i, file in enumerate(contents, 1)]
-        element = shipped_element(package, own, version, build_name(contents))
+    for package in (*debs, archive):
+        own = [file_element(len(files) + i, *file)
+               for i, file in enumerate(contents_of(package), 1)]
+        element = shipped_element(package, own, version, build)
         packages.append(element)
         files += own
         relationships.append(relationship("SPDXRef-DOCUMENT", "DESCRIBES", element["SPDXID"]))
     shipped = [element["SPDXID"] for element in packages]
-    for debian, kind in [(n, "RUNTIME") for n in needed] + [(n, "BUILD") for n in BUILT_WITH]:
+    for debian, kind in [(n, "RUNTIME") for n in depends_of(debs)] + [(n, "BUILD") for n in BUILT_WITH]:
         element = debian_element(debian)
         packages.append(element)
         relationships += [relationship(element["SPDXID"], kind + "_DEPENDENCY_OF", each)
                           for each in shipped]
+    for debian in LINKED:
+        element = debian_element(debian)
+        packages.append(element)
+        relationships.append(relationship(shipped[-1], "STATIC_LINK", element["SPDXID"]))
     return version, {
         "spdxVersion": "SPDX-2.3", "dataLicense": "CC0-1.0", "SPDXID": "SPDXRef-DOCUMENT",
         "name": f"{NAME}-{version}",

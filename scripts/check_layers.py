@@ -20,6 +20,7 @@ from includes import IncludeGraph
 # build is a second reading of the documents, so it must see nothing of the first.
 LAYERS = {
     "identity": [],
+    "runtime": [],
     "host": [],
     "value": ["host"],
     "ndjson": ["value"],

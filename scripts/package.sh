@@ -1,9 +1,12 @@
 # shellcheck shell=bash
 # Making the packages. Sourced by ./dev, which runs in the project's root.
 #
-#   package            a .deb and a .tar.gz in build/package, with their bill of materials and
-#                      hashes; prints the names
+#   package            the .deb files and the .tar.gz in build/package, with their bill of materials
+#                      and hashes; prints the names
 #   package_into DIR   the same, into a folder, without building
+#
+# All of it is of the preset in package_preset.
+package_preset=dist
 
 # commit_time: seconds since 1970 of the packaged sources: of the last commit, or of the newest file
 # of an unpacked archive. SOURCE_DATE_EPOCH overrides it.
@@ -18,14 +21,36 @@ commit_time() {
   fi
 }
 
+# finish_debug_package FILE.ddeb: makes a FILE.deb of it that apt installs. CPack leaves paths of its own
+# folders among the hashes, and no document of the package.
+finish_debug_package() {
+  local name content=$1.content
+  dpkg-deb --raw-extract "$1" "$content"
+  name=$(dpkg-deb --field "$1" Package)
+  mkdir -p "$content/usr/share/doc"
+  chmod -R u=rwX,go=rX "$content" # not the caller's own permissions
+  find "$content" -name '*.debug' -exec chmod 644 {} +
+  ln -s "${name%-dbgsym}" "$content/usr/share/doc/$name"
+  (cd "$content" && find usr -type f -print0 | LC_ALL=C sort --zero-terminated |
+    xargs -0 md5sum >DEBIAN/md5sums)
+  chmod 644 "$content/DEBIAN/md5sums"
+  SOURCE_DATE_EPOCH=$(commit_time) dpkg-deb --root-owner-group --build "$content" "${1%.ddeb}.deb" \
+    >/dev/null
+  rm -r "$content" "$1"
+}
+
 package_into() {
   local output
   rm -rf "$1"
   # Folders get the usual permissions, not the caller's own.
   output=$(umask 022 && SOURCE_DATE_EPOCH=$(commit_time) LC_ALL=C.UTF-8 \
-    cpack --config build/release/CPackConfig.cmake -B "$1" 2>&1) ||
+    cpack --config "build/$package_preset/CPackConfig.cmake" -B "$1" 2>&1) ||
     fail "cpack failed:"$'\n'"$output"
   rm -rf "$1/_CPack_Packages"
+  local package
+  for package in "$1"/*.ddeb; do
+    finish_debug_package "$package"
+  done
   (
     umask 022
     python3 packaging/bill_of_materials.py "$1" "$(commit_time)"
@@ -36,13 +61,12 @@ package_into() {
   )
 }
 
-# build_for_packages: all installed targets, and the host that tests the packages.
+# build_for_packages: all that is installed.
 build_for_packages() {
-  configure release
-  grep --quiet '^VLT_CLIENT_LIBRARY:[A-Z]*=$' build/release/CMakeCache.txt ||
-    fail "build/release is configured with VLT_CLIENT_LIBRARY: there is no package of that"
-  build release chain_host OstroviaNotifications2Codec OstroviaNotificationsRecorder \
-    ostrovia-replay ostrovia-check-plugin manual_files
+  configure "$package_preset"
+  grep --quiet '^VLT_CLIENT_LIBRARY:[A-Z]*=$' "build/$package_preset/CMakeCache.txt" ||
+    fail "build/$package_preset is configured with VLT_CLIENT_LIBRARY: there is no package of that"
+  build "$package_preset" all ostrovia-replay-shared ostrovia-check-plugin-shared
 }
 
 package() {

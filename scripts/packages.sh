@@ -11,9 +11,10 @@
 #             sanitizers' runtime, and names in their reports
 #   page      tests/page: a browser, what drives it, and npm, which installs the rest
 #   trace     the test of the tracer's lines in docs/operating.md
-#   package   ./dev package: dependencies of a .deb, what of a package is a program, and the bill
-#             of materials
-#   root      ./dev test-package, together with package: a clean Debian to install in
+#   package   ./dev package: dependencies of a .deb, what of a package is a program, the bill of
+#             materials, and the source of a library that the tools link
+#   root      ./dev test-package, together with package: a clean Debian to install in, judges of
+#             packages, and a second user and processor
 #   bench     ./dev bench; besides, scripts/bench.sh unpacks libboost1.81-dev, which conflicts with
 #             libboost-dev
 #
@@ -51,6 +52,7 @@ declare -A package_groups=(
   [package]="dpkg-dev=dpkg-shlibdeps file=file python3=python3"
   [root]="
     debootstrap=debootstrap python3=python3
+    lintian=lintian rpm=/usr/lib/rpm/elfdeps pkg-config=pkg-config util-linux=setpriv
     debian-archive-keyring=/usr/share/keyrings/debian-archive-keyring.gpg
   "
   [bench]="
@@ -75,6 +77,27 @@ is_present() {
       ;;
     *) command -v "$1" >/dev/null || [[ -x /usr/sbin/$1 ]] ;;
   esac
+}
+
+debian_suite=bookworm # Debian 12
+
+# debian_mirror: where this machine's own apt gets the suite.
+debian_mirror() {
+  local mirror
+  mirror=$(mirror_in_lists)
+  if [[ -z $mirror ]]; then
+    ((EUID != 0)) || apt_get -- update
+    mirror=$(mirror_in_lists)
+  fi
+  [[ -n $mirror ]] || fail "this machine's apt has no source of Debian $debian_suite"
+  echo "$mirror"
+}
+
+mirror_in_lists() {
+  # shellcheck disable=SC2016 # the dollars are apt's
+  apt-get indextargets --format '$(ORIGIN) $(CODENAME) $(COMPONENT) $(REPO_URI)' \
+    'Identifier: Packages' |
+    awk -v suite="$debian_suite" '$1 == "Debian" && $2 == suite && $3 == "main" { print $4; exit }'
 }
 
 # set_up GROUP…: installs missing packages of the groups; silent when there are none.
@@ -113,6 +136,31 @@ apt_get() {
   output=$("${prefix[@]}" env DEBIAN_FRONTEND=noninteractive apt-get --quiet \
     --option Acquire::Retries=3 --option DPkg::Lock::Timeout=120 --option Dpkg::Use-Pty=0 \
     "$@" 2>&1 </dev/null) || fail "apt-get $1 failed:"$'\n'"$output"
+}
+
+# set_up_simdjson: unpacks the one source of Debian's source package, and its licence, into
+# build/simdjson: Debian has the library for shared linking only (cmake/ForeignLibraries.cmake). apt
+# checks the signatures, with lists of its own, since most machines have none of sources.
+set_up_simdjson() {
+  local folder=build/simdjson part=$PWD/build/simdjson.part version mirror
+  version=$(dpkg-query --show --showformat='${source:Version}' libsimdjson-dev)
+  [[ -f $folder/simdjson.cpp && $(cat "$folder/version") == "$version" ]] && return
+  note "unpacking the source of simdjson $version into $folder"
+  mirror=$(debian_mirror)
+  rm -rf "$part" "$folder"
+  mkdir -p "$part/lists/partial"
+  echo "deb-src $mirror $debian_suite main" >"$part/sources.list"
+  local -a lists=(--option "Dir::Etc::SourceList=$part/sources.list"
+    --option Dir::Etc::SourceParts=/dev/null --option "Dir::State::Lists=$part/lists"
+    --option "APT::Sandbox::User=$(id --user --name)")
+  apt_get -- update "${lists[@]}"
+  (cd "$part" && apt_get -- source "${lists[@]}" --download-only "simdjson=$version")
+  dpkg-source --no-check --extract "$part"/*.dsc "$part/source" >/dev/null
+  mkdir "$folder"
+  cp "$part"/source/singleheader/simdjson.{cpp,h} "$part/source/debian/copyright" "$folder"
+  echo "$version" >"$folder/version"
+  rm -rf "$part"
+  rm -f build/*/build.ninja # which know nothing of it yet
 }
 
 # set_up_modules: installs what tests/page needs from npm into build/page, after a change of the list.

@@ -1,6 +1,7 @@
 # shellcheck shell=bash
 # Installing, running, upgrading and purging the packages in a clean Debian 12 with their
-# dependencies and nothing else. Sourced by ./dev, which runs in the project's root.
+# dependencies and nothing else; running the .tar.gz where there is only a C library; and making all
+# of it again elsewhere. Sourced by ./dev, which runs in the project's root.
 #
 #   test_package   makes the packages and the clean root, and runs every check_… below in the order of
 #                  package_checks. Prints a line for each, and at the end how many held
@@ -9,30 +10,24 @@
 #
 #   base.tar    the root as debootstrap made it, for the next run; remove it for a newer one
 #   root        the root of this run; the packages are in its folder /srv/packages
-#   again       the packages, made a second time
+#   bare        a root with nothing but the C library and coreutils, where the .tar.gz is unpacked
 #
 # Commands in the root have mounts and processes of their own, which end with them.
 
-package_suite=bookworm # Debian 12
+# shellcheck disable=SC2154 # of scripts/packages.sh
+readonly package_suite=$debian_suite
 package_name=ostrovia-notifications
 package_folder=$PWD/build/package-test
 package_root=$package_folder/root
 package_libraries=/usr/lib/$package_name
 package_samples=/usr/share/doc/$package_name/samples
+installed_packages=("$package_name" "$package_name-tools" "$package_name-dev")
 
 in_root=(
   unshare --mount --pid --fork --kill-child "--mount-proc=$package_root/proc"
   chroot "$package_root" env --ignore-environment --chdir=/srv/packages
   PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive
 )
-
-# debian_mirror: where this machine's own apt gets the suite.
-debian_mirror() {
-  # shellcheck disable=SC2016 # the dollars are apt's
-  apt-get indextargets --format '$(ORIGIN) $(CODENAME) $(COMPONENT) $(REPO_URI)' \
-    'Identifier: Packages' |
-    awk -v suite="$package_suite" '$1 == "Debian" && $2 == suite && $3 == "main" { print $4; exit }'
-}
 
 # use_proxy: the one that this machine's apt has, for debootstrap and the root, too.
 use_proxy() {
@@ -46,11 +41,6 @@ use_proxy() {
 make_base() {
   local mirror packages=bash-completion,man-db
   mirror=$(debian_mirror)
-  if [[ -z $mirror ]]; then
-    apt_get -- update
-    mirror=$(debian_mirror)
-  fi
-  [[ -n $mirror ]] || fail "this machine's apt has no source of Debian $package_suite"
   [[ $mirror != https:* ]] || packages+=,ca-certificates
   note "making a clean Debian $package_suite with debootstrap"
   rm -rf "$package_root"
@@ -75,6 +65,11 @@ make_root() {
   files_of_root >"$package_folder/files.before"
 }
 
+# package_file NAME: where the Debian package is.
+package_file() {
+  echo "build/package/$1"_*.deb
+}
+
 # files_of_root: every path but the ones that any installation changes: caches, logs and the package
 # manager's own lists.
 files_of_root() {
@@ -87,7 +82,7 @@ files_of_root() {
 older_package() {
   local content=$package_folder/older
   rm -rf "$content"
-  dpkg-deb --raw-extract build/package/*.deb "$content"
+  dpkg-deb --raw-extract "$(package_file "$package_name")" "$content"
   sed -i 's/^Version: .*/Version: 0.0.1/' "$content/DEBIAN/control"
   echo "gone" >"$content$package_samples/gone.ndjson"
   dpkg-deb --root-owner-group --build "$content" "$1"
@@ -103,15 +98,9 @@ expect_same() {
   return 1
 }
 
-check_same_bytes() {
-  umask 077
-  package_into "$package_folder/again"
-  diff --recursive build/package "$package_folder/again"
-}
-
 check_hashes() {
   "${in_root[@]}" sha256sum --check --strict SHA256SUMS
-  expect_same 3 "$("${in_root[@]}" grep -c . SHA256SUMS)"
+  expect_same 7 "$("${in_root[@]}" grep -c . SHA256SUMS)"
 }
 
 # Each file of the installed package is in the bill of materials with its hash.
@@ -123,8 +112,9 @@ check_bill() {
     grep -A 20 "\"fileName\": \".$file\"" "$bill" |
       grep "\"$(sha256sum "$package_root$file" | cut -d ' ' -f 1)\""
     count=$((count + 1))
-  done < <("${in_root[@]}" dpkg --listfiles "$package_name")
-  ((count > 30))
+  done < <("${in_root[@]}" dpkg --listfiles "${installed_packages[@]}")
+  ((count > 40))
+  grep '"relationshipType": "STATIC_LINK"' "$bill"
   grep "\"sourceInfo\": \"made from $package_name " "$bill"
 }
 
@@ -136,7 +126,7 @@ check_same_events() {
   local sample
   for sample in samples/*.ndjson; do
     cmp <("${in_root[@]}" ostrovia-replay "$package_samples/${sample#samples/}" 2>/dev/null) \
-      <(build/release/bin/ostrovia-replay "$sample" 2>/dev/null)
+      <(build/dist/bin/ostrovia-replay "$sample" 2>/dev/null)
   done
 }
 
@@ -157,7 +147,8 @@ replayed() {
 # the events are what the installed tool makes of the notifications, and a copy to hand on fails where
 # the recording does.
 check_recording() {
-  cp build/release/bin/chain_host "$package_root/srv/packages/"
+  gcc-12 -std=c11 -I. tests/end_to_end/chain_host.c -o "$package_root/srv/packages/chain_host" \
+    build/dist/bin/libtvclient.so.10.15 -ldl
   "${in_root[@]}" "LD_LIBRARY_PATH=$package_libraries/standin" sh -c "
     mkdir recordings && touch recordings/on && ./chain_host \
       $package_libraries/plugin/libOstroviaNotifications2Codec.so \
@@ -177,7 +168,7 @@ check_recording() {
 }
 
 check_files() {
-  expect_same "" "$("${in_root[@]}" dpkg --verify "$package_name")"
+  expect_same "" "$("${in_root[@]}" dpkg --verify "${installed_packages[@]}")"
 }
 
 check_man_pages() {
@@ -211,24 +202,148 @@ check_linker_path() {
 
 check_upgrade() {
   older_package "$package_root/srv/packages/older.deb"
+  "${in_root[@]}" dpkg --remove "$package_name-tools" "$package_name-dev"
   "${in_root[@]}" apt-get --quiet=2 install --yes --allow-downgrades ./older.deb
   [[ -f $package_root$package_samples/gone.ndjson ]]
-  "${in_root[@]}" bash -c "apt-get --quiet=2 install --yes ./${package_name}_*.deb"
+  "${in_root[@]}" bash -c "apt-get --quiet=2 install --yes ./${package_name}{,-tools}_*.deb"
   [[ ! -e $package_root$package_samples/gone.ndjson ]]
-  expect_same "$package_name"$'\t'"$(dpkg-deb --field build/package/*.deb Version)" \
+  expect_same "$package_name"$'\t'"$(dpkg-deb --field "$(package_file "$package_name")" Version)" \
     "$("${in_root[@]}" dpkg-query --show "$package_name")"
   check_same_events
 }
 
 check_purge() {
-  "${in_root[@]}" apt-get --quiet=2 purge --yes "$package_name"
+  "${in_root[@]}" apt-get --quiet=2 purge --yes "$package_name" "$package_name-tools"
   expect_same "" "$(files_of_root | grep -i ostrovia || true)"
   expect_same "" "$("${in_root[@]}" dpkg --list | grep "$package_name" || true)"
 }
 
-# While the libraries that the package depended on are still there.
+# With the C++ library in place that the plug-in needs.
 check_archive() {
   python3 scripts/console_blocks.py docs/operating.md archive "${in_root[@]}"
+}
+
+# copy_to_bare PACKAGE…: the files of packages, out of the root.
+copy_to_bare() {
+  "${in_root[@]}" dpkg --listfiles "$@" | sed 's|^/||; /^\.$/d' | LC_ALL=C sort --unique |
+    tar --create --directory "$package_root" --no-recursion --files-from - |
+    tar --extract --directory "$package_folder/bare" --keep-directory-symlink
+}
+
+# The tools start without a C++ library. The codec alone asks for one; with its two files in place,
+# all is as in the packaged README.
+check_bare() {
+  local bare=$package_folder/bare
+  local -a in_bare=(
+    unshare --mount --pid --fork --kill-child "--mount-proc=$bare/proc"
+    chroot "$bare" /usr/bin/env --ignore-environment --chdir=/unpacked PATH=/usr/bin
+  )
+  rm -rf "$bare"
+  mkdir -p "$bare"/{proc,tmp,unpacked,usr/{bin,lib,lib64}}
+  local folder
+  for folder in bin lib lib64; do
+    ln -s "usr/$folder" "$bare/$folder"
+  done
+  copy_to_bare libc6 coreutils libacl1 libattr1 libgmp10 libpcre2-8-0 libselinux1
+  tar --extract --file build/package/*.tar.gz --directory "$bare/unpacked" --strip-components=1
+  expect_same "" "$(find "$bare" -name 'libstdc++*' -o -name 'libgcc_s*' -o -name 'libz*' \
+    -o -name 'libsimdjson*' -o -name 'libyaml*' -o -name 'libsodium*')"
+  local tool
+  for tool in ostrovia-replay ostrovia-check-plugin; do
+    "${in_bare[@]}" "bin/$tool" --version
+    "${in_bare[@]}" "bin/$tool" --help >/dev/null
+  done
+  expect_same 'ostrovia-replay: cannot load libstdc++.so.6: cannot open shared object file: No such file or directory' \
+    "$("${in_bare[@]}" bin/ostrovia-replay copyright 2>&1)"
+  copy_to_bare libstdc++6 libgcc-s1
+  copy_to_bare bash libtinfo6 # to run the commands of the README
+  python3 scripts/console_blocks.py packaging/README.md readme "${in_bare[@]}"
+}
+
+check_readme() {
+  local top=$package_folder/bare/unpacked
+  [[ -f $top/README.md && -f $top/copyright ]]
+  expect_same "" "$(grep -F './dev' "$top/README.md" "$top/share/doc/$package_name/README.md" || true)"
+  expect_same 1 "$(grep -c 'chosen no licence yet' "$top/copyright")"
+  local path # all that the README names is there
+  # shellcheck disable=SC2016 # backquotes of the README
+  while IFS= read -r path; do
+    [[ -e $top/$path ]]
+  done < <(grep -oE '`(bin|include|lib|share)/[^`]*`' "$top/README.md" | tr -d '`')
+}
+
+# The generator that RPM runs on each packaged file.
+check_rpm() {
+  local file
+  while IFS= read -r file; do
+    expect_same "" "$(/usr/lib/rpm/elfdeps --provides "$file" | grep -v '^libOstrovia' || true)"
+  done < <(find "$package_folder/bare/unpacked" "$package_root/usr/lib/$package_name" -type f \
+    \( -name '*.so*' -o -path '*/bin/*' \))
+  /usr/lib/rpm/elfdeps --provides build/dist/bin/libtvclient.so.10.15 | grep tvclient
+}
+
+check_lintian() {
+  expect_same "" "$(lintian --allow-root build/package/*.deb)"
+  expect_same "copyright-without-copyright-notice" \
+    "$(lintian --allow-root --show-overrides build/package/*.deb | sed -n 's/^O: [^ ]* //p' | sort -u |
+      cut -d ' ' -f 1)"
+}
+
+# With the headers of the packages and the stand-in as they ship.
+check_examples() {
+  local prefix=$package_folder/bare/unpacked work=$package_folder/examples
+  local examples=$prefix/share/doc/$package_name-dev/examples plugin
+  plugin=$prefix/lib/$package_name/plugin/libOstroviaNotifications2Codec.so
+  rm -rf "$work"
+  cmake -S "$examples" -B "$work" "-DCMAKE_PREFIX_PATH=$prefix" -DCMAKE_C_COMPILER=gcc-12
+  cmake --build "$work"
+  local -a flags
+  read -r -a flags <<<"$(PKG_CONFIG_PATH=$prefix/share/pkgconfig pkg-config --cflags --libs \
+    "$package_name")"
+  gcc-12 "$examples/minimal_host.c" -o "$work/by_pkg_config" "${flags[@]}" -ldl
+  local host
+  for host in minimal_host by_pkg_config; do
+    readelf --dynamic "$work/$host" | grep -F '[libtvclient.so.10.15]'
+    LD_LIBRARY_PATH=$prefix/lib/$package_name/standin "$work/$host" "$plugin" |
+      grep '^vlt.type: com.tivra.ostrovia.Event$'
+  done
+}
+
+check_debug_information() {
+  "${in_root[@]}" bash -c "apt-get --quiet=2 install --yes ./$package_name-dbgsym_*.deb"
+  local id
+  id=$(readelf --notes "$package_root$package_libraries/plugin/libOstroviaNotifications2Codec.so" |
+    sed -n 's/.*Build ID: //p')
+  readelf --debug-dump=decodedline "$package_root/usr/lib/debug/.build-id/${id:0:2}/${id:2}.debug" |
+    grep 'codec/dispatch.cpp'
+  "${in_root[@]}" dpkg --purge "$package_name-dbgsym"
+}
+
+# make_elsewhere: begins a second build, in another folder, by another user with another umask, locale
+# and time zone, at another time, on one processor.
+make_elsewhere() {
+  mkdir -p "$package_folder"
+  elsewhere=$(mktemp --directory)
+  mkdir "$elsewhere/build"
+  tar --create --exclude=./build . | tar --extract --directory "$elsewhere"
+  cp -r build/simdjson "$elsewhere/build"
+  chown --recursive nobody "$elsewhere"
+  (
+    cd "$elsewhere"
+    umask 077
+    exec taskset --cpu-list 0 setpriv --reuid nobody --clear-groups env --ignore-environment \
+      "PATH=$PATH" "HOME=$elsewhere/build" LC_ALL=C.UTF-8 LANGUAGE=tr TZ=Pacific/Apia \
+      CMAKE_BUILD_PARALLEL_LEVEL=1 ./dev package
+  ) >"$package_folder/elsewhere.log" 2>&1 </dev/null &
+  elsewhere_process=$!
+}
+
+# Waits as any process may, since a check is no parent of the second build.
+
+check_reproducible() {
+  tail --pid "$elsewhere_process" --follow /dev/null
+  tail -20 "$package_folder/elsewhere.log"
+  diff --recursive build/package "$elsewhere/build/package"
 }
 
 check_nothing_left() {
@@ -237,12 +352,12 @@ check_nothing_left() {
 }
 
 package_checks=(
-  "same_bytes     packaging a second time gives the same bytes, with any umask"
   "hashes         SHA256SUMS holds the hashes of the packages and of their bill of materials"
   "two_commands   the .deb installs with its dependencies and converts, as docs/operating.md shows"
   "same_events    the installed ostrovia-replay makes the same of every sample as the build"
   "plugins        the installed codec and recorder pass ostrovia-check-plugin"
   "recording      a host records with the installed plug-ins, and the tool gives the recorded events"
+  "debug_information    the -dbgsym package has the lines of the installed codec"
   "files          the installed files are the package's"
   "bill           the bill of materials has each installed file, with its hash"
   "man_pages      man finds and shows both pages"
@@ -251,7 +366,13 @@ package_checks=(
   "upgrade        an older version is upgraded, and a file that is gone since goes"
   "purge          purging the package removes everything of it"
   "archive        the .tar.gz runs in a folder with a blank in its name, as docs/operating.md shows"
+  "bare           the tools start with nothing but the C library; with the C++ library, the codec works"
+  "readme         the archive's README and copyright are on top, and name what is there"
+  "examples       the hosts in C build with CMake and pkg-config, and run the codec"
+  "rpm            RPM's generator finds no library of a host in any packaged file"
+  "lintian        lintian finds nothing but the licence to be chosen"
   "nothing_left   the root is as it was before"
+  "reproducible   another user in another folder, with one processor, makes the same bytes"
 )
 
 # run_check NAME TEXT: in a shell of its own that ends with the first command that fails; a
@@ -279,13 +400,16 @@ test_package() {
   local failed_checks=0 name text
   package >/dev/null
   use_proxy
+  make_elsewhere
   make_root >&2
   while read -r name text; do
     run_check "$name" "$text"
   done < <(printf '%s\n' "${package_checks[@]}")
   if ((failed_checks > 0)); then
+    note "the second build is in $elsewhere"
     echo "test-package: $failed_checks of ${#package_checks[@]} checks failed"
     return 1
   fi
+  rm -rf "$elsewhere"
   echo "test-package: all ${#package_checks[@]} checks passed"
 }

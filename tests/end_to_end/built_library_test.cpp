@@ -4,13 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <stdexcept>
-#include <utility>
 
+#include "tests/end_to_end/built_file.hpp"
 #include "tests/support/pattern.hpp"
 #include "tools/host/interface_names.hpp"
 
@@ -45,54 +43,6 @@ const built_t BUILT[] = {
 
 void PrintTo(const built_t& built, std::ostream* out) { *out << built.class_name; }
 
-std::string libraryUnderTest() { return ::testing::TestWithParam<built_t>::GetParam().path; }
-
-// The output of readelf about a built file.
-std::string readelf(const std::string& options, const std::string& path = libraryUnderTest()) {
-  const std::string command = "LC_ALL=C readelf --wide " + options + " '" + path + "'";
-  // NOLINTNEXTLINE(cert-env33-c): a command of this test's own
-  std::FILE* const pipe = popen(command.c_str(), "r");
-  if (pipe == nullptr) throw std::runtime_error("cannot run " + command);
-  std::string output;
-  char part[4096];
-  for (std::size_t n = 0; (n = std::fread(part, 1, sizeof part, pipe)) > 0;) output.append(part, n);
-  if (pclose(pipe) != 0) throw std::runtime_error(command + " failed");
-  return output;
-}
-
-struct symbol_t {
-  std::string binding; // "GLOBAL"
-  bool defined;
-  std::string name;
-  std::string version; // the version asked for, "GLIBC_2.14"; empty for none
-};
-
-// Values and texts of all dynamic entries of one type: "NEEDED".
-names_t dynamicEntries(const std::string& type, const std::string& path = libraryUnderTest()) {
-  names_t entries;
-  const Pattern line("\\(" + type + R"(\) +(?:[^\[\n]*\[(.*)\]|(.*)))");
-  for (const auto& found : line.allIn(readelf("--dynamic", path))) {
-    entries.push_back(found[1] + found[2]);
-  }
-  return entries;
-}
-
-// Address, size in memory and flags ("RW") of all segments of one type: "GNU_STACK".
-struct segment_t {
-  std::uint64_t address;
-  std::uint64_t size;
-  std::string flags;
-};
-std::vector<segment_t> segments(const std::string& type) {
-  std::vector<segment_t> segments;
-  const Pattern line(type + R"( +\S+ (0x\w+) \S+ \S+ (0x\w+) ([RWE ]{3}))");
-  for (const auto& found : line.allIn(readelf("--segments"))) {
-    segments.push_back(
-        {std::stoull(found[1], nullptr, 16), std::stoull(found[2], nullptr, 16), found[3]});
-  }
-  return segments;
-}
-
 bool belongsToTheHost(const std::string& name) {
   return name.starts_with("vlt_") || name.starts_with("_vlt_") || name.starts_with("standin_");
 }
@@ -124,57 +74,33 @@ names_t foldersOf(const std::string& run_path) {
 
 class BuiltLibraryTest : public ::testing::TestWithParam<built_t> {
  protected:
-  BuiltLibraryTest() {
-    const Pattern line(
-        R"( (GLOBAL|WEAK|UNIQUE) +\w+ +(\w+) (\w+)(?:@+(\w[\w.]*))?(?: \(\d+\))?\n)");
-    for (const auto& found : line.allIn(readelf("--dyn-syms"))) {
-      symbols_.push_back({found[1], found[2] != "UND", found[3], found[4]});
-    }
-  }
-
   template <class Selection>
   names_t namesOf(const Selection& selected) const {
     names_t names;
-    for (const symbol_t& symbol : symbols_) {
+    for (const symbol_t& symbol : file_.symbols()) {
       if (selected(symbol)) names.push_back(symbol.name);
     }
     return names;
   }
 
-  // The highest version of a family, "GLIBC_", that the library asks for, with the symbol.
-  std::pair<std::vector<int>, std::string> highest(const std::string& family) const {
-    std::pair<std::vector<int>, std::string> found;
-    for (const symbol_t& symbol : symbols_) {
-      if (!symbol.version.starts_with(family)) continue;
-      std::vector<int> numbers;
-      for (std::size_t at = family.size() - 1; at != std::string::npos;
-           at = symbol.version.find('.', at + 1)) {
-        numbers.push_back(std::stoi(symbol.version.substr(at + 1)));
-      }
-      found = std::max(found, {numbers, symbol.version + " (" + symbol.name + ")"});
-    }
-    std::cout << "highest of " << family << "*: " << found.second << '\n';
-    return found;
-  }
-
-  std::vector<symbol_t> symbols_;
+  const BuiltFile file_{GetParam().path};
 };
 
 // ---- exports and needs
 
 TEST_P(BuiltLibraryTest, IsNamedAfterItsClass) {
-  EXPECT_THAT(dynamicEntries("SONAME"),
+  EXPECT_THAT(file_.dynamicEntries("SONAME"),
               ElementsAre(std::string("lib") + GetParam().class_name + ".so"));
 }
 
 TEST_P(BuiltLibraryTest, NamesTheHostsClientLibraryAsNeeded) {
-  EXPECT_THAT(dynamicEntries("NEEDED"), Contains("libtvclient.so.10.15"));
+  EXPECT_THAT(file_.dynamicEntries("NEEDED"), Contains("libtvclient.so.10.15"));
 }
 
 // The host has its client library loaded; a path of the build machine must not lead elsewhere.
 TEST_P(BuiltLibraryTest, HasNoRunPath) {
-  EXPECT_THAT(dynamicEntries("RPATH"), IsEmpty());
-  EXPECT_THAT(dynamicEntries("RUNPATH"), IsEmpty());
+  EXPECT_THAT(file_.dynamicEntries("RPATH"), IsEmpty());
+  EXPECT_THAT(file_.dynamicEntries("RUNPATH"), IsEmpty());
 }
 
 // The loader takes an empty folder for the current one. Whoever supplies a recording could put a
@@ -184,7 +110,7 @@ TEST(BuiltFilesTest, SearchNoFolderRelativeToTheCurrentOne) {
   EXPECT_THAT(files, Contains(VLT_PLUGIN_PATH));
   for (const std::string& file : files) {
     for (const char* const type : {"RPATH", "RUNPATH"}) {
-      for (const std::string& run_path : dynamicEntries(type, file)) {
+      for (const std::string& run_path : BuiltFile(file).dynamicEntries(type)) {
         EXPECT_THAT(foldersOf(run_path), Each(AnyOf(StartsWith("/"), StartsWith("$ORIGIN"))))
             << file;
       }
@@ -220,15 +146,15 @@ TEST_P(BuiltLibraryTest, CodecAsksForNoLockAndNoThread) {
 // ---- loaded for good
 
 TEST_P(BuiltLibraryTest, NamesItsBuildOnceInANote) {
-  EXPECT_THAT(readelf("--string-dump=.note.ostrovia"), HasSubstr("ostrovia-notifications "));
-  std::ifstream file(libraryUnderTest(), std::ios::binary);
+  EXPECT_THAT(file_.readelf("--string-dump=.note.ostrovia"), HasSubstr("ostrovia-notifications "));
+  std::ifstream file(GetParam().path, std::ios::binary);
   const std::string content{std::istreambuf_iterator<char>(file), {}};
   static const Pattern NAME("ostrovia-notifications [0-9.]+, (unknown commit|commit [0-9a-f]{12})");
   EXPECT_THAT(NAME.allIn(content), SizeIs(1));
 }
 
 TEST_P(BuiltLibraryTest, CanBeUnloaded) {
-  EXPECT_THAT(dynamicEntries("FLAGS_1"), Not(Contains(HasSubstr("NODELETE"))));
+  EXPECT_THAT(file_.dynamicEntries("FLAGS_1"), Not(Contains(HasSubstr("NODELETE"))));
   EXPECT_THAT(namesOf([](const auto& symbol) { return symbol.binding == "UNIQUE"; }), IsEmpty());
 }
 
@@ -238,7 +164,7 @@ TEST_P(BuiltLibraryTest, CanBeUnloaded) {
 TEST(BuiltCodecTest, NamesItsProbesAndSemaphoresInNotes) {
   names_t probes;
   const Pattern note(R"(Provider: (\w+)\n +Name: (\w+)\n.*Semaphore: (0x\w+)\n +Arguments: (.*))");
-  for (const auto& found : note.allIn(readelf("--notes", VLT_PLUGIN_PATH))) {
+  for (const auto& found : note.allIn(BuiltFile(VLT_PLUGIN_PATH).readelf("--notes"))) {
     EXPECT_NE(std::stoull(found[3], nullptr, 16), 0U) << found[2];
     const auto arguments = std::count(found[4].begin(), found[4].end(), '@');
     probes.push_back(found[1] + ':' + found[2] + '/' + std::to_string(arguments));
@@ -249,15 +175,15 @@ TEST(BuiltCodecTest, NamesItsProbesAndSemaphoresInNotes) {
 // ---- hardening
 
 TEST_P(BuiltLibraryTest, BindsAllItsAddressesWhenItIsLoaded) {
-  EXPECT_THAT(dynamicEntries("FLAGS"), ElementsAre(HasSubstr("BIND_NOW")));
+  EXPECT_THAT(file_.dynamicEntries("FLAGS"), ElementsAre(HasSubstr("BIND_NOW")));
 }
 
 TEST_P(BuiltLibraryTest, MakesBoundAddressesOfFunctionsReadOnly) {
-  const std::vector<segment_t> read_only = segments("GNU_RELRO");
+  const std::vector<segment_t> read_only = file_.segments("GNU_RELRO");
   ASSERT_THAT(read_only, SizeIs(1));
   std::size_t addresses = 0;
   const Pattern line(R"((\w{16}) +\w+ +R_X86_64_(?:JUMP_SLOT|GLOB_DAT))");
-  for (const auto& found : line.allIn(readelf("--relocs"))) {
+  for (const auto& found : line.allIn(file_.readelf("--relocs"))) {
     const std::uint64_t place = std::stoull(found[1], nullptr, 16);
     ++addresses;
     EXPECT_GE(place, read_only[0].address);
@@ -267,15 +193,15 @@ TEST_P(BuiltLibraryTest, MakesBoundAddressesOfFunctionsReadOnly) {
 }
 
 TEST_P(BuiltLibraryTest, AsksForAStackThatIsNotExecutable) {
-  const std::vector<segment_t> stack = segments("GNU_STACK");
+  const std::vector<segment_t> stack = file_.segments("GNU_STACK");
   ASSERT_THAT(stack, SizeIs(1));
   EXPECT_THAT(stack[0].flags, Not(HasSubstr("E")));
 }
 
 TEST_P(BuiltLibraryTest, HasNoWritableExecutableMemory) {
-  EXPECT_THAT(segments("LOAD"), SizeIs(::testing::Ge(2)));
-  for (const segment_t& segment : segments("LOAD")) EXPECT_NE(segment.flags, "RWE");
-  EXPECT_THAT(dynamicEntries("TEXTREL"), IsEmpty());
+  EXPECT_THAT(file_.segments("LOAD"), SizeIs(::testing::Ge(2)));
+  for (const segment_t& segment : file_.segments("LOAD")) EXPECT_NE(segment.flags, "RWE");
+  EXPECT_THAT(file_.dynamicEntries("TEXTREL"), IsEmpty());
 }
 
 TEST_P(BuiltLibraryTest, GuardsArraysOnTheStack) {
@@ -295,12 +221,12 @@ TEST_P(BuiltLibraryTest, UsesTheCheckedFunctionsOfTheCLibrary) {
 // ---- systems that it runs on; see docs/reliability.md
 
 TEST_P(BuiltLibraryTest, RunsOnOldCLibraries) {
-  EXPECT_LE(highest("GLIBC_").first, GetParam().c_library);
+  EXPECT_LE(file_.highest("GLIBC_").first, GetParam().c_library);
 }
 
 TEST_P(BuiltLibraryTest, RunsOnTheCppLibraryFromGcc5) {
-  EXPECT_LE(highest("GLIBCXX_").first, (std::vector{3, 4, 21}));
-  EXPECT_LE(highest("CXXABI_").first, (std::vector{1, 3, 9}));
+  EXPECT_LE(file_.highest("GLIBCXX_").first, (std::vector{3, 4, 21}));
+  EXPECT_LE(file_.highest("CXXABI_").first, (std::vector{1, 3, 9}));
 }
 #endif
 

@@ -28,21 +28,32 @@ using names_t = std::vector<std::string>;
 
 const std::string LIB = VLT_LIBRARY_FOLDER;
 const std::string DOC = "share/doc/ostrovia-notifications";
+const std::string EXAMPLES = DOC + "-dev/examples";
+const std::string HEADERS = "include/ostrovia-notifications";
 const std::string PLUGIN = "libOstroviaNotifications2Codec.so";
 
 const names_t INSTALLED = {
     "bin/ostrovia-check-plugin",
     "bin/ostrovia-replay",
+    HEADERS + "/host/logging.h",
+    HEADERS + "/host/status.h",
+    HEADERS + "/host/storage.h",
+    HEADERS + "/host/types.h",
+    HEADERS + "/standin/standin.h",
     LIB + "/plugin/" + PLUGIN,
     LIB + "/plugin/libOstroviaNotificationsRecorder.so",
     LIB + "/standin/libtvclient.so.10.15",
     "share/bash-completion/completions/ostrovia-check-plugin",
     "share/bash-completion/completions/ostrovia-replay",
+    "share/cmake/ostrovia-notifications/ostrovia-notifications-config-version.cmake",
+    "share/cmake/ostrovia-notifications/ostrovia-notifications-config.cmake",
+    EXAMPLES + "/CMakeLists.txt",
+    EXAMPLES + "/c_host.c",
+    EXAMPLES + "/chain_host.c",
+    EXAMPLES + "/minimal_host.c",
     DOC + "/CHANGELOG.md",
-    DOC + "/CONTRIBUTING.md",
     DOC + "/README.md",
     DOC + "/SECURITY.md",
-    DOC + "/docs/architecture.md",
     DOC + "/docs/check-plugin.md",
     DOC + "/docs/check-report.schema.json",
     DOC + "/docs/event.schema.json",
@@ -56,10 +67,6 @@ const names_t INSTALLED = {
     DOC + "/docs/replay.md",
     DOC + "/docs/report.png",
     DOC + "/docs/scaling.md",
-    DOC + "/host/logging.h",
-    DOC + "/host/status.h",
-    DOC + "/host/storage.h",
-    DOC + "/host/types.h",
     DOC + "/samples/README.md",
     DOC + "/samples/alarms.ndjson",
     DOC + "/samples/events.ndjson",
@@ -71,12 +78,9 @@ const names_t INSTALLED = {
     DOC + "/samples/recordings/after.000001.ndjson",
     DOC + "/samples/recordings/before.000001.ndjson",
     DOC + "/samples/site-day.ndjson",
-    DOC + "/standin/standin.h",
-    DOC + "/tests/end_to_end/c_host.c",
-    DOC + "/tests/end_to_end/chain_host.c",
-    DOC + "/tests/end_to_end/minimal_host.c",
     "share/man/man1/ostrovia-check-plugin.1",
     "share/man/man1/ostrovia-replay.1",
+    "share/pkgconfig/ostrovia-notifications.pc",
 };
 
 class InstallationTest : public ::testing::Test {
@@ -165,11 +169,12 @@ TEST_F(InstallationTest, ReplayAloneTakesAHostsOwnLibrary) {
 }
 
 TEST_F(InstallationTest, InstalledHostProgramBuildsAndRuns) {
-  const result_t run = shell("cd \"$HERE/" + DOC + "\" && LIB=\"$HERE/" + LIB +
-                             "\" && cc -I. tests/end_to_end/minimal_host.c -o host.out "
-                             "\"$LIB/standin/libtvclient.so.10.15\" -ldl && "
-                             "LD_LIBRARY_PATH=\"$LIB/standin\" ./host.out \"$LIB/plugin/" +
-                             PLUGIN + "\"");
+  const result_t run =
+      shell("'" VLT_CMAKE "' -S \"$HERE/" + EXAMPLES +
+            "\" -B host -DCMAKE_PREFIX_PATH=\"$HERE\" > log && '" VLT_CMAKE
+            "' --build host > log && LIB=\"$HERE/" +
+            LIB + "\" && LD_LIBRARY_PATH=\"$LIB/standin\" host/minimal_host \"$LIB/plugin/" +
+            PLUGIN + "\"");
   EXPECT_EQ(run.status, 0) << run.diagnostics;
   EXPECT_THAT(run.out, HasSubstr("vlt.type: com.tivra.ostrovia.Event\n"));
 }

@@ -1,9 +1,10 @@
 #include "tools/check/command_line.hpp"
 
+#include <sodium.h>
+
 #include <cerrno>
 #include <cmath>
 #include <cstdint>
-#include <random>
 #include <stdexcept>
 #include <streambuf>
 #include <vector>
@@ -20,7 +21,7 @@ namespace com::velanto::connectivity::tools::check {
 namespace {
 
 run_settings_t settingsOf(const command_t& command, Plugin plugin) {
-  const std::uint64_t seed = command.seed ? *command.seed : std::random_device()();
+  const std::uint64_t seed = command.seed ? *command.seed : randombytes_random();
   const double milliseconds = std::ceil(command.timeout_seconds * 1000);
   return {{command.path, plugin, {}},
           seed,
