@@ -54,13 +54,13 @@ double offsetOf(int hours, int minutes) noexcept {
 //
 //   characters   . . . . m m m .   . ± h h : m m .
 //   from         16                18 or 22
+static_assert(std::endian::native == std::endian::little, "character i must be byte i of a word");
 class EightCharacters {
  public:
   // `digits` has FF for every character that must be a digit, 00 for all others.
   EightCharacters(const char* text, std::uint64_t digits) noexcept {
     std::uint64_t word = 0;
     std::memcpy(&word, text, sizeof word);
-    if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
     word = (word ^ 0x3030303030303030) & digits; // a digit is its value now
     // A byte up to 9 stays below 80 with 76 added. A byte from 80 on keeps its top bit.
     valid_ = (((word + 0x7676767676767676) | word) & 0x8080808080808080) == 0;

@@ -29,6 +29,8 @@ char* copyText(const char* text) noexcept {
 
 namespace {
 
+static_assert(std::endian::native == std::endian::little, "words are read as they are in memory");
+
 // Odd, and so bijective factors, with about half of their bits set in no pattern.
 constexpr uint64_t WORD_FACTOR = 0x9e3779b97f4a7c15;
 constexpr uint64_t STATE_FACTOR = 0xd6e8feb86659fd93;

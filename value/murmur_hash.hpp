@@ -1,5 +1,5 @@
 // MurmurHash64A, the mixing function of the host's tables. Reads the blocks little-endian, as the
-// host does on its only platform.
+// host does on all its machines.
 //
 //   h = seed ^ (length × m)
 //   per 8 bytes:  k ×= m;  k ^= k >> 47;  k ×= m;  h ^= k;  h ×= m
@@ -8,11 +8,14 @@
 #ifndef VLT_VALUE_MURMUR_HASH_HPP
 #define VLT_VALUE_MURMUR_HASH_HPP
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
 namespace com::velanto::connectivity::hashes {
+
+static_assert(std::endian::native == std::endian::little, "a block is read as it is in memory");
 
 inline constexpr std::uint64_t MULTIPLIER = 0xc6a4a7935bd1e995;
 inline constexpr unsigned SHIFT = 47;
