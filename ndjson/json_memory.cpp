@@ -1,10 +1,10 @@
 #include "ndjson/json_memory.hpp"
 
-#include <emmintrin.h>
 #include <rapidjson/internal/dtoa.h>
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 
@@ -24,9 +24,14 @@ Word wordAt(const char* from) noexcept {
   return word;
 }
 
+using chunk_t [[gnu::vector_size(CHUNK)]] = signed char;
+using words_t = std::array<std::uint64_t, 2>;
+
+static_assert(std::endian::native == std::endian::little, "byte i must be byte i of the words");
+
 // The `size` bytes at `from`, 1 to 16, then zeros. Two loads that overlap take the place of a loop.
-__m128i load(const char* from, std::size_t size) noexcept {
-  if (size == CHUNK) return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+words_t load(const char* from, std::size_t size) noexcept {
+  if (size == CHUNK) return wordAt<words_t>(from);
   std::uint64_t low = 0;
   std::uint64_t high = 0;
   if (size >= 8) {
@@ -40,17 +45,17 @@ __m128i load(const char* from, std::size_t size) noexcept {
       low |= std::uint64_t{wordAt<unsigned char>(from + i)} << (8 * i);
     }
   }
-  return _mm_set_epi64x(static_cast<std::int64_t>(high), static_cast<std::int64_t>(low));
+  return {low, high};
 }
 
-// A bit for each byte that is a control character, a quote, a backslash or not ASCII.
-unsigned findSpecial(__m128i chunk) noexcept {
+// The number of bytes before the first one that is a control character, a quote, a backslash or not
+// ASCII.
+std::size_t countPlain(chunk_t chunk) noexcept {
   // Bytes from 0x80 on are negative.
-  const __m128i outside = _mm_cmplt_epi8(chunk, _mm_set1_epi8(0x20));
-  const __m128i quote = _mm_cmpeq_epi8(chunk, _mm_set1_epi8('"'));
-  const __m128i backslash = _mm_cmpeq_epi8(chunk, _mm_set1_epi8('\\'));
-  const __m128i special = _mm_or_si128(outside, _mm_or_si128(quote, backslash));
-  return static_cast<unsigned>(_mm_movemask_epi8(special));
+  const chunk_t special = (chunk < 0x20) | (chunk == '"') | (chunk == '\\');
+  const auto [low, high] = std::bit_cast<words_t>(special);
+  if (low != 0) return static_cast<std::size_t>(std::countr_zero(low)) / 8;
+  return 8 + static_cast<std::size_t>(std::countr_zero(high)) / 8;
 }
 
 } // namespace
@@ -64,10 +69,9 @@ bool JsonMemory::text(std::string_view text) noexcept {
   *at_++ = '"';
   while (from != end) {
     const std::size_t size = std::min(CHUNK, static_cast<std::size_t>(end - from));
-    const __m128i chunk = load(from, size);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(at_), chunk);
-    const unsigned special = findSpecial(chunk) | 1U << size; // the end of the chunk, too
-    const auto plain = static_cast<std::size_t>(__builtin_ctz(special));
+    const words_t chunk = load(from, size);
+    std::memcpy(at_, &chunk, sizeof chunk);
+    const std::size_t plain = countPlain(std::bit_cast<chunk_t>(chunk)); // a zero is not plain
     from += plain;
     at_ += plain;
     if (plain == size) continue;
