@@ -19,6 +19,14 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
+#ifdef __aarch64__
+constexpr Elf64_Half MACHINE = EM_AARCH64;
+constexpr const char* NOT_FOR_MACHINE = "not for aarch64";
+#else
+constexpr Elf64_Half MACHINE = EM_X86_64;
+constexpr const char* NOT_FOR_MACHINE = "not for x86-64";
+#endif
+
 [[noreturn]] void failBeyondTheEnd(const char* what) {
   throw MalformedElf(std::string(what) + " is beyond the file's end");
 }
@@ -109,8 +117,8 @@ void Reader::readHeader() {
   }
   header_ = at<Elf64_Ehdr>(0, "the header");
   if (header_.e_ident[EI_CLASS] != ELFCLASS64 || header_.e_ident[EI_DATA] != ELFDATA2LSB ||
-      header_.e_machine != EM_X86_64) {
-    throw MalformedElf("not for x86-64");
+      header_.e_machine != MACHINE) {
+    throw MalformedElf(NOT_FOR_MACHINE);
   }
   if (header_.e_type != ET_DYN) throw MalformedElf("no shared object");
 }

@@ -1,6 +1,6 @@
 // A shared library's file as the loader sees it, read without loading it:
 //
-//   (1) the header: 64-bit, little-endian, x86-64, a shared object
+//   (1) the header: 64-bit, little-endian, this program's machine, a shared object
 //   (2) the program headers: where the file's bytes lie in memory, and the dynamic section
 //   (3) the dynamic section: needed libraries, soname, run paths, and where the tables are
 //   (4) the hash tables: how many symbols there are
