@@ -9,6 +9,8 @@
 #   coverage  ./dev coverage
 #   fuzz      ./dev fuzz and the preset `sanitize`, together with clang: the fuzzer's and the
 #             sanitizers' runtime, and names in their reports
+#   arm64     ./dev test-arm64 and a step of ./dev test: the compiler for aarch64 and an emulator;
+#             scripts/arm64.sh unpacks the libraries of group build for aarch64
 #   page      tests/page: a browser, what drives it, and npm, which installs the rest
 #   trace     the test of the tracer's lines in docs/operating.md
 #   package   ./dev package: dependencies of a .deb, what of a package is a program, the bill of
@@ -46,6 +48,11 @@ declare -A package_groups=(
   [fuzz]="
     libclang-rt-14-dev=/usr/lib/llvm-14/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a
     llvm-14=llvm-symbolizer-14 python3=python3
+  "
+  [arm64]="
+    gcc-12-aarch64-linux-gnu=aarch64-linux-gnu-gcc-12
+    g++-12-aarch64-linux-gnu=aarch64-linux-gnu-g++-12
+    qemu-user=qemu-aarch64
   "
   [page]="chromium=chromium nodejs=node npm=npm"
   [trace]="bpftrace=bpftrace"

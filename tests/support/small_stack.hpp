@@ -10,7 +10,12 @@
 
 namespace com::velanto::connectivity::test {
 
-inline constexpr std::size_t SMALL_STACK = 65536; // bytes; a few hundred calls
+// Bytes; a few hundred calls. Systems refuse less than this, and on aarch64 less than twice as much.
+#ifdef __aarch64__
+inline constexpr std::size_t SMALL_STACK = 131072;
+#else
+inline constexpr std::size_t SMALL_STACK = 65536;
+#endif
 
 // Runs `body`, which must not throw, to its end.
 template <class Body>

@@ -126,7 +126,7 @@ TEST_F(OstroviaCheckPluginTest, NoLineExceeds80Columns) {
 }
 
 TEST_F(OstroviaCheckPluginTest, GoodRecorderPassesEverything) {
-  const run_t run = program_.run("--json --seed 1 " VLT_RECORDER_PATH);
+  const run_t run = program_.run("--json --seed 1 --timeout 60 " VLT_RECORDER_PATH);
   EXPECT_EQ(run.status, 0) << run.out;
   EXPECT_EQ(run.diagnostics, "");
   for (const auto& [name, outcome] : outcomesOf(run.out)) {
