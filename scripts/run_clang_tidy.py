@@ -43,10 +43,12 @@ BATCH_SIZE = 110
 NOT_IN_BATCHES = "-bugprone-suspicious-include"
 PATHS_ALONE = "-*,clang-analyzer-*"
 WITHOUT_NAMES = "-readability-identifier-naming" # whose rules are those of C++
-# One name that every fuzz target has.
-LINES_OF_SOURCE = """#define LLVMFuzzerTestOneInput LLVMFuzzerTestOneInput{number} // NOLINT
+# Two names that every program has, and every fuzz target.
+LINES_OF_SOURCE = """#define main main{number}
+#define LLVMFuzzerTestOneInput LLVMFuzzerTestOneInput{number} // NOLINT
 #include "{path}"
 #undef LLVMFuzzerTestOneInput
+#undef main
 """
 PLACE = re.compile(r"^(/[^:\n]+):\d+:\d+: (?:fatal )?(?:error|warning): .*$", re.MULTILINE)
 INCLUDED_BY_BATCH = re.compile(r"In file included from [^:]*/batch\.cpp:(\d+):")

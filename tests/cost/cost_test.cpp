@@ -56,15 +56,15 @@ map_t objectOfComponents(int count) {
                numbers(count));
 }
 
-struct kind_t {
+struct costed_kind_t {
   const char* path;
   shape_t make;
 };
-constexpr kind_t EVENT = {"a/b/events/1", eventOfFields};
-constexpr kind_t MEASUREMENT = {"a/b/measurements/1", measurementOfSeries};
-constexpr kind_t MANAGED_OBJECT = {"a/b/managedobjects/1", objectOfComponents};
+constexpr costed_kind_t EVENT = {"a/b/events/1", eventOfFields};
+constexpr costed_kind_t MEASUREMENT = {"a/b/measurements/1", measurementOfSeries};
+constexpr costed_kind_t MANAGED_OBJECT = {"a/b/managedobjects/1", objectOfComponents};
 
-void PrintTo(const kind_t& kind, std::ostream* out) { *out << kind.path; }
+void PrintTo(const costed_kind_t& kind, std::ostream* out) { *out << kind.path; }
 
 // Gives a table another capacity; the host places its entries by their hashes.
 void rebuild(map_t& map, std::int64_t capacity) {
@@ -94,7 +94,7 @@ class CostTest : public CodecFixture {
 
   // Basic blocks entered for each part of one message. `capacity`: that of the large table, 0 to
   // leave it as insertions made it.
-  double workPerPart(const kind_t& kind, int parts, std::int64_t capacity = 0) {
+  double workPerPart(const costed_kind_t& kind, int parts, std::int64_t capacity = 0) {
     map_t payload = kind.make(parts);
     if (capacity != 0) rebuild(largeTableOf(payload), capacity);
     Message message = notification(kind.path, std::move(payload));
@@ -110,7 +110,7 @@ class CostTest : public CodecFixture {
   std::unique_ptr<OstroviaNotifications2Codec> codec_ = codec();
 };
 
-class KindCostTest : public CostTest, public ::testing::WithParamInterface<kind_t> {};
+class KindCostTest : public CostTest, public ::testing::WithParamInterface<costed_kind_t> {};
 
 TEST_P(KindCostTest, StaysFlatFromTenTo100000Parts) {
   const double hundred = workPerPart(GetParam(), 100);

@@ -20,14 +20,14 @@ namespace com::velanto::connectivity::test {
 
 namespace {
 
-struct kind_t {
+struct schema_kind_t {
   const char* word; // after com.tivra.ostrovia.
   std::vector<const char*> typed;
   std::vector<const char*> untyped; // required, but of any kind
   std::vector<const char*> never;
 };
 
-const std::vector<kind_t> KINDS = {
+const std::vector<schema_kind_t> SCHEMA_KINDS = {
     {"Event", {"id", "source", "text", "type"}, {"firstOccurrenceTime", "measurements"}, {"time"}},
     {"Alarm",
      {"id", "source", "count", "severity", "status", "text", "time", "type"},
@@ -147,7 +147,7 @@ TEST_F(EventSchemaTest, EveryEventOfTheConformanceCasesIsAccepted) {
 }
 
 TEST_F(EventSchemaTest, EventWithoutARequiredFieldIsRefused) {
-  for (const kind_t& kind : KINDS) {
+  for (const schema_kind_t& kind : SCHEMA_KINDS) {
     std::vector<const char*> required = kind.typed;
     required.insert(required.end(), kind.untyped.begin(), kind.untyped.end());
     for (const char* field : required) {
@@ -160,7 +160,7 @@ TEST_F(EventSchemaTest, EventWithoutARequiredFieldIsRefused) {
 }
 
 TEST_F(EventSchemaTest, FieldOfAWrongKindIsRefused) {
-  for (const kind_t& kind : KINDS) {
+  for (const schema_kind_t& kind : SCHEMA_KINDS) {
     for (const char* field : kind.typed) {
       for (const char* wrong : {"null", "true", "1.5", "\"2024\"", "[]", "{}"}) {
         Message event = sampleOf(kind.word);
@@ -175,7 +175,7 @@ TEST_F(EventSchemaTest, FieldOfAWrongKindIsRefused) {
 }
 
 TEST_F(EventSchemaTest, FieldThatIsAlwaysConsumedIsRefused) {
-  for (const kind_t& kind : KINDS) {
+  for (const schema_kind_t& kind : SCHEMA_KINDS) {
     for (const char* field : kind.never) {
       Message event = sampleOf(kind.word);
       set(fieldsOf(event), field, text("x"));
@@ -185,7 +185,7 @@ TEST_F(EventSchemaTest, FieldThatIsAlwaysConsumedIsRefused) {
 }
 
 TEST_F(EventSchemaTest, UnknownFieldsAreAccepted) {
-  for (const kind_t& kind : KINDS) {
+  for (const schema_kind_t& kind : SCHEMA_KINDS) {
     Message event = sampleOf(kind.word);
     set(fieldsOf(event), "o6a_Unheard", reader_.parseValue(R"({"of": [null, 1]})"));
     EXPECT_TRUE(accepted(event)) << kind.word;
@@ -207,7 +207,7 @@ TEST_F(EventSchemaTest, MetadataIsTypeAndChannelAndNothingElse) {
 }
 
 TEST_F(EventSchemaTest, EventOfAnUnknownTypeIsRefused) {
-  for (const kind_t& kind : KINDS) {
+  for (const schema_kind_t& kind : SCHEMA_KINDS) {
     Message event = sampleOf(kind.word);
     set(event.getMetadataMap(), "vlt.type", text("com.tivra.ostrovia.Inventory"));
     EXPECT_FALSE(accepted(event)) << kind.word;

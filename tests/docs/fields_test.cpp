@@ -36,7 +36,7 @@ class Fields : public HostFixture {
     return codec.hostGets(std::move(batch));
   }
 
-  void expectAsDocumented(ReplayCodec& codec, const example_t& example) {
+  void expectAsDocumented(ReplayCodec& codec, const documented_example_t& example) {
     const std::vector<Message> reached = sendLine(codec, example.input);
     std::vector<log_line_t> expected_log;
     if (!example.log.empty()) expected_log.push_back({CATEGORY, 3, example.log});
@@ -54,7 +54,7 @@ class Fields : public HostFixture {
 TEST_F(Fields, EveryExampleShowsWhatThePluginDoes) {
   const examples_t documented = readExamples(readDocument(FIELDS));
   ReplayCodec codec(reader_.parseValue(documented.configuration));
-  for (const example_t& example : documented.examples) {
+  for (const documented_example_t& example : documented.examples) {
     SCOPED_TRACE(example.place);
     expectAsDocumented(codec, example);
   }
@@ -62,7 +62,7 @@ TEST_F(Fields, EveryExampleShowsWhatThePluginDoes) {
 
 TEST_F(Fields, EveryKindHasAnExampleThatSucceeds) {
   std::set<std::string> types;
-  for (const example_t& example : readExamples(readDocument(FIELDS)).examples) {
+  for (const documented_example_t& example : readExamples(readDocument(FIELDS)).examples) {
     if (example.output.empty()) continue;
     Message output = reader_.parseMessage(example.output);
     map_t& metadata = output.getMetadataMap();

@@ -22,11 +22,11 @@ namespace {
 constexpr const char* HOST_INTERFACE = "docs/host-interface.md";
 constexpr const char* PROGRAM = "tests/end_to_end/minimal_host.c";
 
-using names_t = std::set<std::string>;
+using name_set_t = std::set<std::string>;
 using tools::check::case_t;
 
 // In the order of standin_function_t.
-const std::array<std::string, STANDIN_FUNCTIONS> HOST_FUNCTIONS = {
+const std::array<std::string, STANDIN_FUNCTIONS> ORDERED_FUNCTIONS = {
     "vlt_allocate_map", "vlt_reallocate_map",     "vlt_free_map",    "vlt_copy_data",
     "vlt_copy_string",  "vlt_free_string",        "vlt_free_vector", "vlt_free_buffer",
     "vlt_free_custom",  "vlt_data_to_string",     "vlt_hash_string", "vlt_get_log_level",
@@ -53,30 +53,30 @@ std::string withoutCommentMarks(const std::string& text) {
 }
 
 // The names after which `text` has `pattern`, a regular expression with one group.
-names_t namesIn(const std::string& text, const char* pattern) {
-  names_t names;
+name_set_t namesIn(const std::string& text, const char* pattern) {
+  name_set_t names;
   for (const Pattern::match_t& found : Pattern(pattern).allIn(text)) names.insert(found[1]);
   return names;
 }
 
-names_t firstColumn(const char* head) {
-  names_t names;
+name_set_t firstColumn(const char* head) {
+  name_set_t names;
   for (const auto& row : readTable(readDocument(HOST_INTERFACE), head)) names.insert(row[0]);
   return names;
 }
 
 // "a, b" as a set; "never" is the empty one.
-names_t phasesIn(const std::string& cell) {
-  return cell == "never" ? names_t() : namesIn(cell, "([a-z]+)");
+name_set_t phasesIn(const std::string& cell) {
+  return cell == "never" ? name_set_t() : namesIn(cell, "([a-z]+)");
 }
 
 class HostInterface : public HostFixture {
  protected:
   // Adds the host functions called since the last time to `phase`.
   void note(const char* phase) {
-    for (std::size_t i = 0; i < HOST_FUNCTIONS.size(); ++i) {
+    for (std::size_t i = 0; i < ORDERED_FUNCTIONS.size(); ++i) {
       if (standin_calls(static_cast<standin_function_t>(i)) > 0) {
-        phases_[HOST_FUNCTIONS[i]].insert(phase);
+        phases_[ORDERED_FUNCTIONS[i]].insert(phase);
       }
     }
   }
@@ -118,7 +118,7 @@ class HostInterface : public HostFixture {
 
   static void lookAtNothing(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) {}
 
-  std::map<std::string, names_t> phases_;
+  std::map<std::string, name_set_t> phases_;
   JsonReader reader_;
 };
 
@@ -133,7 +133,7 @@ TEST_F(HostInterface, ProgramIsQuotedWhole) {
 }
 
 TEST_F(HostInterface, HeadersAreQuotedAsTheyAre) {
-  names_t quoted;
+  name_set_t quoted;
   for (const block_t& block : readBlocks(readDocument(HOST_INTERFACE))) {
     if (block.info == "c" || block.info == "console") continue;
     quoted.insert(block.info);
@@ -142,7 +142,7 @@ TEST_F(HostInterface, HeadersAreQuotedAsTheyAre) {
                           withoutCommentMarks(header).find(block.text) != std::string::npos;
     EXPECT_TRUE(is_there) << placeOf(readDocument(HOST_INTERFACE), block.line);
   }
-  EXPECT_EQ(quoted, (names_t{"host/logging.h", "host/storage.h", "host/types.h"}));
+  EXPECT_EQ(quoted, (name_set_t{"host/logging.h", "host/storage.h", "host/types.h"}));
 }
 
 TEST_F(HostInterface, TablesHaveEveryFunction) {
@@ -150,7 +150,7 @@ TEST_F(HostInterface, TablesHaveEveryFunction) {
       textOf("host/storage.h") + textOf("host/logging.h") + textOf("host/status.h");
   EXPECT_EQ(firstColumn("Host function"), namesIn(headers, "\\b(vlt_[a-z_]+)\\("));
 
-  names_t exported;
+  name_set_t exported;
   for (const std::string& name : firstColumn("Function")) {
     exported.insert(name + "_OstroviaNotifications2Codec");
   }
@@ -158,7 +158,7 @@ TEST_F(HostInterface, TablesHaveEveryFunction) {
 }
 
 TEST_F(HostInterface, TagsAgreeWithTheHeader) {
-  names_t documented;
+  name_set_t documented;
   for (const auto& row : readTable(readDocument(HOST_INTERFACE), "Tag")) {
     std::string name = row[1];
     std::replace(name.begin(), name.end(), ' ', '_');

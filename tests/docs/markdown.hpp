@@ -40,7 +40,7 @@ struct block_t {
 [[nodiscard]] std::vector<block_t> readBlocks(const document_t& document);
 
 // One example: a message, and its event or its log line.
-struct example_t {
+struct documented_example_t {
   std::string place;
   std::string input;
   std::string output; // empty: the codec drops the message
@@ -49,7 +49,7 @@ struct example_t {
 
 struct examples_t {
   std::string configuration;
-  std::vector<example_t> examples;
+  std::vector<documented_example_t> examples;
 };
 
 // The blocks "json configuration" (one, before all others), "json input", "json output" and "log".

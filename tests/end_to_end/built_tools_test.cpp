@@ -14,7 +14,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using names_t = std::vector<std::string>;
+using texts_t = std::vector<std::string>;
 
 const char* const WITH_STANDIN[] = {VLT_REPLAY_PATH, VLT_CHECK_PLUGIN_PATH, VLT_STANDIN_PATH};
 const char* const TOOLS[] = {VLT_REPLAY_PATH, VLT_CHECK_PLUGIN_PATH};

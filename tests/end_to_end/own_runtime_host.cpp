@@ -13,7 +13,7 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-void require(bool holds, const char* what) {
+void verify(bool holds, const char* what) {
   if (holds) return;
   std::cerr << "own_runtime_host: not so: " << what << '\n';
   std::exit(EXIT_FAILURE);
@@ -28,21 +28,21 @@ void run(const char* path) {
   const PluginLibrary library(path);
   const data_t settings = mapOf("tenantId", text("t1"));
   void* const codec = library.create("codec", "chain", settings.underlying(), nullptr, nullptr);
-  require(codec != nullptr, "the codec is created");
+  verify(codec != nullptr, "the codec is created");
 
   Received host;
   library.setNextTowardsHost(codec, &host, Received::take);
   Message unknown = notification("tenant/subscription/inventory/1", mapOf("id", text("1")));
-  require(library.sendBatchTowardsHost(codec, &unknown, &unknown + 1) == 0, "the batch succeeds");
-  require(host.calls == 1 && host.messages.empty(), "the message is dropped");
+  verify(library.sendBatchTowardsHost(codec, &unknown, &unknown + 1) == 0, "the batch succeeds");
+  verify(host.calls == 1 && host.messages.empty(), "the message is dropped");
 
   int number = 0;
   for (void* kind : {static_cast<void*>(nullptr), static_cast<void*>(&number)}) {
     library.setNextTowardsHost(codec, kind, jam);
     Message passing;
-    require(library.sendBatchTowardsHost(codec, &passing, &passing + 1) == 1, "the batch fails");
+    verify(library.sendBatchTowardsHost(codec, &passing, &passing + 1) == 1, "the batch fails");
   }
-  require(library.destroy(codec) == 0, "the codec is destroyed");
+  verify(library.destroy(codec) == 0, "the codec is destroyed");
 }
 
 } // namespace

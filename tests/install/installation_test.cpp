@@ -24,15 +24,15 @@ using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
-using names_t = std::vector<std::string>;
+using texts_t = std::vector<std::string>;
 
 const std::string LIB = VLT_LIBRARY_FOLDER;
 const std::string DOC = "share/doc/ostrovia-notifications";
-const std::string EXAMPLES = DOC + "-dev/examples";
+const std::string EXAMPLE_FOLDER = DOC + "-dev/examples";
 const std::string HEADERS = "include/ostrovia-notifications";
 const std::string PLUGIN = "libOstroviaNotifications2Codec.so";
 
-const names_t INSTALLED = {
+const texts_t INSTALLED = {
     "bin/ostrovia-check-plugin",
     "bin/ostrovia-replay",
     HEADERS + "/host/logging.h",
@@ -47,10 +47,10 @@ const names_t INSTALLED = {
     "share/bash-completion/completions/ostrovia-replay",
     "share/cmake/ostrovia-notifications/ostrovia-notifications-config-version.cmake",
     "share/cmake/ostrovia-notifications/ostrovia-notifications-config.cmake",
-    EXAMPLES + "/CMakeLists.txt",
-    EXAMPLES + "/c_host.c",
-    EXAMPLES + "/chain_host.c",
-    EXAMPLES + "/minimal_host.c",
+    EXAMPLE_FOLDER + "/CMakeLists.txt",
+    EXAMPLE_FOLDER + "/c_host.c",
+    EXAMPLE_FOLDER + "/chain_host.c",
+    EXAMPLE_FOLDER + "/minimal_host.c",
     DOC + "/CHANGELOG.md",
     DOC + "/README.md",
     DOC + "/SECURITY.md",
@@ -116,7 +116,7 @@ class InstallationTest : public ::testing::Test {
 } // namespace
 
 TEST_F(InstallationTest, PutsEveryFileInItsPlace) {
-  names_t names;
+  texts_t names;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(prefix())) {
     if (entry.is_directory()) continue;
     names.push_back(std::filesystem::relative(entry.path(), prefix()));
@@ -170,7 +170,7 @@ TEST_F(InstallationTest, ReplayAloneTakesAHostsOwnLibrary) {
 
 TEST_F(InstallationTest, InstalledHostProgramBuildsAndRuns) {
   const result_t run =
-      shell("'" VLT_CMAKE "' -S \"$HERE/" + EXAMPLES +
+      shell("'" VLT_CMAKE "' -S \"$HERE/" + EXAMPLE_FOLDER +
             "\" -B host -DCMAKE_PREFIX_PATH=\"$HERE\" > log && '" VLT_CMAKE
             "' --build host > log && LIB=\"$HERE/" +
             LIB + "\" && LD_LIBRARY_PATH=\"$LIB/standin\" host/minimal_host \"$LIB/plugin/" +

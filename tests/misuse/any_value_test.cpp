@@ -13,7 +13,7 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
-class SamplesHolder {
+class MostSamplesHolder {
  protected:
   // All but the day of a site: its 401 notifications would take four times as long again.
   static std::vector<sample_t> read() {
@@ -24,7 +24,7 @@ class SamplesHolder {
   const std::vector<sample_t> samples_ = read();
 };
 
-class AnyValue : private SamplesHolder, public EndToEnd {
+class AnyValue : private MostSamplesHolder, public EndToEnd {
  protected:
   // All lines, traces included.
   AnyValue() { standin_set_default_log_level(6); }

@@ -18,6 +18,7 @@
 #include "recorder/ostrovia_notifications_recorder.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"
+#include "tests/tools/temporary_folder.hpp"
 
 namespace com::velanto::connectivity::test {
 
@@ -47,18 +48,9 @@ inline texts_t startingWith(const std::string& begin, const texts_t& lines) {
   return selected;
 }
 
-// A folder that is removed with all its files.
-class TemporaryFolder {
+// A temporary folder with recordings.
+class RecordingFolder {
  public:
-  TemporaryFolder() {
-    char name[] = "/tmp/recorder_test_XXXXXX";
-    if (mkdtemp(name) == nullptr) throw std::runtime_error("no temporary folder");
-    path_ = name;
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-
   [[nodiscard]] const std::filesystem::path& path() const noexcept { return path_; }
   // The names of its recordings, in order.
   [[nodiscard]] texts_t recordings() const {
@@ -87,7 +79,8 @@ class TemporaryFolder {
   }
 
  private:
-  std::filesystem::path path_;
+  TemporaryFolder folder_;
+  std::filesystem::path path_ = folder_.path("");
 };
 
 // Waits until `condition` holds, as it must at some time.
@@ -137,7 +130,7 @@ class RecorderFixture : public HostFixture {
     recorder.sendBatchTowardsHost(batch.data(), batch.data() + batch.size());
   }
 
-  TemporaryFolder folder_;
+  RecordingFolder folder_;
   void* handle_ = nullptr; // for the status
 };
 

@@ -70,7 +70,7 @@ class RecordingFilesTest : public HostFixture {
     return total;
   }
 
-  TemporaryFolder folder_;
+  RecordingFolder folder_;
   std::uint64_t number_ = 0;
 };
 

@@ -34,7 +34,7 @@ class UnloadingTest : public HostFixture {
   }
 
   static constexpr const char* CLASS_NAME = "OstroviaNotificationsRecorder";
-  TemporaryFolder folder_;
+  RecordingFolder folder_;
   std::optional<PluginLibrary> library_;
 };
 

@@ -22,7 +22,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-void ignore(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) noexcept {}
+void ignoreBatch(void*, vlt_underlying_message_t*, vlt_underlying_message_t*) noexcept {}
 
 // A recorder of a library loaded for it alone.
 class LoneRecorder {
@@ -31,7 +31,7 @@ class LoneRecorder {
       : library_(VLT_RECORDER_PATH, tools::PluginLibrary::Version::OURS,
                  tools::PluginLibrary::RECORDER_CLASS_NAME),
         plugin_(library_, "r", "c", settings) {
-    plugin_.link({nullptr, ignore}, {nullptr, ignore});
+    plugin_.link({nullptr, ignoreBatch}, {nullptr, ignoreBatch});
     plugin_.start();
   }
 

@@ -59,8 +59,8 @@ TEST_F(RecordersTest, ThreadsShareARecorder) {
 
 TEST_F(RecordersTest, EachThreadHasItsRecorder) {
   std::vector<std::unique_ptr<OstroviaNotificationsRecorder>> recorders;
-  TemporaryFolder folders[THREADS];
-  for (const TemporaryFolder& folder : folders) {
+  RecordingFolder folders[THREADS];
+  for (const RecordingFolder& folder : folders) {
     recorders.push_back(makeNamed("before", mapOf("recordingFolder", text(folder.path().c_str()))));
   }
   inParallel([&](int i) {
@@ -69,7 +69,7 @@ TEST_F(RecordersTest, EachThreadHasItsRecorder) {
     sendTraffic(recorder);
     recorder.shutdown();
   });
-  for (const TemporaryFolder& folder : folders) EXPECT_EQ(folder.counts().seen, 4 * BATCHES);
+  for (const RecordingFolder& folder : folders) EXPECT_EQ(folder.counts().seen, 4 * BATCHES);
 }
 
 } // namespace

@@ -15,7 +15,7 @@ std::string asFile(const std::string& path) {
   return path.find('/') == std::string::npos ? "./" + path : path;
 }
 
-void* open(const std::string& path) {
+void* loaded(const std::string& path) {
   void* const handle = openLibrary(path);
   if (handle == nullptr) throw PluginError(std::string("cannot load ") + dlerror());
   return handle;
@@ -31,7 +31,7 @@ void PluginLibrary::close_t::operator()(void* handle) const noexcept { dlclose(h
 
 PluginLibrary::PluginLibrary(const std::string& path, Version accepted,
                              const std::string& class_name)
-    : path_(asFile(path)), handle_(open(path_)) {
+    : path_(asFile(path)), handle_(loaded(path_)) {
   load(apiVersion, "vlt_plugin_api_version_" + class_name);
   // Before the others: another version may well have other functions.
   const std::uint64_t version = apiVersion();

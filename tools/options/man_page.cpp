@@ -24,7 +24,7 @@ std::string choicesText(const std::string& choices) {
 }
 
 // Placeholders, such as "FILE", in italics.
-std::string headOf(const option_row_t& option) {
+std::string tagOf(const option_row_t& option) {
   std::string name = bold(option.name);
   const std::string argument = option.argument;
   if (argument.empty()) return name;
@@ -48,7 +48,7 @@ std::string tableOfOptions(const tool_t& tool) {
   for (const option_group_t& group : tool.groups) {
     text += ".SS " + roff(group.title) + "\n";
     for (const option_row_t& option : group.rows) {
-      text += ".TP\n" + headOf(option) + "\n" + roff(option.help) + "\n";
+      text += ".TP\n" + tagOf(option) + "\n" + roff(option.help) + "\n";
     }
   }
   return text;

@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t LARGE_PIECE = std::size_t{64} << 10; // bytes
 
-[[noreturn]] void refuse(const std::string& path, int error) {
+[[noreturn]] void refuseOutput(const std::string& path, int error) {
   throw ReplayError(EXIT_IO, path + ": " + std::generic_category().message(error));
 }
 
@@ -61,7 +61,7 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
   } else {
     openTemporary();
   }
-  if (descriptor_ < 0) refuse(path_, errno);
+  if (descriptor_ < 0) refuseOutput(path_, errno);
   on_terminal_ = isatty(descriptor_) == 1;
 }
 

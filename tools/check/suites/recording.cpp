@@ -252,7 +252,7 @@ void refusesWrongSettings(Trial& trial) {
   }
 }
 
-void mayVanish(Trial& trial) {
+void configurationMayVanish(Trial& trial) {
   const PluginLibrary library = load(trial);
   data_t settings = configured(trial, R"({"recordingName": "kept"})");
   std::string name = PLUGIN_NAME;
@@ -292,7 +292,7 @@ const check_t RECORDING_CHECKS[] = {
     {"recording.refuses", "wrong settings are refused with one line of the log", "Recorders",
      refusesWrongSettings, Use::LOAD_RECORDER},
     {"recording.may-vanish", "configuration and names may vanish when create has returned",
-     "Recorders", mayVanish, Use::LOAD_RECORDER},
+     "Recorders", configurationMayVanish, Use::LOAD_RECORDER},
 };
 
 } // namespace

@@ -6,12 +6,12 @@ namespace com::velanto::connectivity::tools {
 
 namespace {
 
-constexpr std::size_t COLUMNS = 79;
+constexpr std::size_t LINE_COLUMNS = 79;
 
 std::string number(std::uint64_t value) { return std::to_string(value); }
 
 void appendLine(std::string& out, const std::string& line) {
-  out += cutBehind(line, COLUMNS) + "\n";
+  out += cutBehind(line, LINE_COLUMNS) + "\n";
 }
 
 // "1-4, 6"
