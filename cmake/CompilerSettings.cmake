@@ -19,13 +19,10 @@ if(VLT_SANITIZE)
   add_link_options(-fsanitize=${VLT_SANITIZE})
 endif()
 
-# vlt_compile_quickly(SOURCE…): for code that runs once and takes long to optimise, such as the
-# parser of a command line. The build type applies to all other code.
-function(vlt_compile_quickly)
-  if(VLT_SANITIZE)
-    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O0)
-  elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
-    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O1)
+# vlt_compile_quickly(TARGET): for code that takes longer to optimise than it ever runs.
+function(vlt_compile_quickly target)
+  if(CMAKE_BUILD_TYPE STREQUAL "Release")
+    target_compile_options(${target} PRIVATE -O1)
   endif()
 endfunction()
 

@@ -5,12 +5,14 @@
 #   lint_shell    shellcheck is content with every script
 #   lint_scripts  the scripts that have tests pass them
 #   lint_layers   includes point down, no cycles, files stay short
-#   lint_calls    no function of the library is there for tests alone
-#   lint_headers  every header is self-contained
 #   lint_tidy     clang-tidy is content with every source
-#   lint_paths    clang's path analysis finds nothing; not a step of lint
 #
-# The cheap checks come first.
+#   prove_headers  every header is self-contained
+#   prove_calls    no function of the library is there for tests alone
+#   prove_paths    clang's path analysis finds nothing in code that a host loads
+#
+# The cheap checks come first. The second group takes minutes and seldom finds anything, so it is not
+# part of each run of the tests.
 
 # project_files PATTERN…: the project's own files whose path matches one of the shell patterns,
 # added to git or not, one per line. Git's own list leaves out what .gitignore names; an unpacked
@@ -46,7 +48,7 @@ lint_scripts() {
     fail "a script is broken:"$'\n'"$output"
 }
 
-# list_sources: compile_commands.json as clang-tidy and lint_calls read it.
+# list_sources: compile_commands.json as clang reads it in several checks.
 list_sources() {
   configure lint
   cmake --build build/lint --target build.ninja >&2 # its list of sources may be an older one
@@ -56,13 +58,13 @@ lint_layers() {
   c_and_cpp_files | xargs python3 scripts/check_layers.py
 }
 
-lint_calls() {
+prove_calls() {
   list_sources
   python3 scripts/check_unreferenced.py build/lint
 }
 
 # Headers of the tests and of the benchmarks get definitions from the commands of their sources.
-lint_headers() {
+prove_headers() {
   project_files '*.h' '*.hpp' | grep --invert-match -E '^(bench|fuzz|tests)/' |
     xargs python3 scripts/check_headers.py build/lint/headers.passed
 }
@@ -72,16 +74,22 @@ lint_tidy() {
   python3 scripts/run_clang_tidy.py build/lint
 }
 
-lint_paths() {
+prove_paths() {
   list_sources
   python3 scripts/run_clang_tidy.py build/lint --paths
 }
 
-lint() {
-  local step
-  for step in format shell scripts layers calls headers tidy; do
-    note "lint: $step"
-    "lint_$step" >&2
+lint() { run_checks lint format shell scripts layers tidy; }
+
+prove() { run_checks prove calls headers paths; }
+
+# run_checks GROUP STEP…
+run_checks() {
+  local group=$1 step
+  shift
+  for step in "$@"; do
+    note "$group: $step"
+    "${group}_$step" >&2
   done
 }
 
