@@ -1,6 +1,7 @@
 #include "tools/host/plugin_library.hpp"
 
 #include <dlfcn.h>
+#include <execinfo.h>
 
 #include <filesystem>
 
@@ -24,6 +25,10 @@ void* loaded(const std::string& path) {
 } // namespace
 
 void* openLibrary(const std::string& path, int more_flags) {
+  // A tool with an unwinder of its own may throw into a plug-in with the shared one, which prepares
+  // itself in its first walk and would give up without.
+  void* here = nullptr;
+  backtrace(&here, 1);
   return dlopen(asFile(path).c_str(), RTLD_NOW | RTLD_LOCAL | more_flags);
 }
 
