@@ -91,34 +91,39 @@ option_group_t runOptions(ReplayOptions& options) {
 }
 
 option_group_t outputOptions(ReplayOptions& options) {
-  return {"Output",
-          {{"--summary", "[=text|json]",
-            "at the end, on standard error: kinds and their outcomes, reasons of drops, channels, "
-            "times",
-            &options.summary},
-           {"--explain", "[=text|json]",
-            "instead of the events: the fate of every field, message by message", &options.explain},
-           {"--report", "FILE",
-            "write a page about the run to FILE, for a browser: what came in, why messages were "
-            "dropped, what changed",
-            &options.report},
-           {"--dropped", "FILE",
-            "write the messages that did not reach the host to FILE, as lines to correct and read "
-            "again",
-            &options.dropped},
-           {"--redact", "FIELDS",
-            "fields to hide in the copy of the input that --redacted names: paths with commas "
-            "between them, all-texts, all-times",
-            &options.redact},
-           {"--redacted", "FILE",
-            "write the copy to FILE; every message of it has the same outcome", &options.redacted},
-           {"--redact-key", "FILE",
-            "take the key of the stand-ins from FILE, so that other copies get the same; default: "
-            "a new key that is never written",
-            &options.redact_key},
-           {"--quiet", "",
-            "neither progress nor the closing line, and --log-level 2 unless another is given",
-            &options.quiet}}};
+  return {
+      "Output",
+      {{"--summary", "[=text|json]",
+        "at the end, on standard error: kinds and their outcomes, reasons of drops, channels, "
+        "times",
+        &options.summary},
+       {"--merge-summaries", "",
+        "instead of a run: print the one summary, as JSON, of a run over all parts of an input; "
+        "FILES have the --summary=json of each part",
+        &options.merge_summaries},
+       {"--explain", "[=text|json]",
+        "instead of the events: the fate of every field, message by message", &options.explain},
+       {"--report", "FILE",
+        "write a page about the run to FILE, for a browser: what came in, why messages were "
+        "dropped, what changed",
+        &options.report},
+       {"--dropped", "FILE",
+        "write the messages that did not reach the host to FILE, as lines to correct and read "
+        "again",
+        &options.dropped},
+       {"--redact", "FIELDS",
+        "fields to hide in the copy of the input that --redacted names: paths with commas "
+        "between them, all-texts, all-times",
+        &options.redact},
+       {"--redacted", "FILE", "write the copy to FILE; every message of it has the same outcome",
+        &options.redacted},
+       {"--redact-key", "FILE",
+        "take the key of the stand-ins from FILE, so that other copies get the same; default: "
+        "a new key that is never written",
+        &options.redact_key},
+       {"--quiet", "",
+        "neither progress nor the closing line, and --log-level 2 unless another is given",
+        &options.quiet}}};
 }
 
 option_group_t comparingOptions(ReplayOptions& options) {

@@ -54,6 +54,8 @@ struct ReplayOptions {
   std::optional<std::string> suite;         // path of a folder of cases
   bool update = false;                      // make the suite's golden files again
   std::optional<std::string> junit;         // path of the suite's report
+
+  bool merge_summaries = false; // add up summaries, instead of replaying
 };
 
 // The largest level of log lines on standard error. An explanation has the lines of its message

@@ -3,18 +3,19 @@
 namespace com::velanto::connectivity::tools {
 
 void Tally::take(const record_t& record) {
-  ++counts_[static_cast<std::size_t>(record.kind)][static_cast<std::size_t>(record.outcome)];
+  add(record.kind, record.outcome, 1);
   if (record.outcome != Outcome::CONVERTED) return;
-  for (const Message& output : record.outputs) {
-    const std::string_view channel = metadata_.channelOf(output);
-    const auto found = channels_.find(channel);
-    if (found != channels_.end()) {
-      ++found->second;
-    } else if (channels_.size() == most_channels_) {
-      ++other_channels_;
-    } else {
-      channels_.emplace(channel, 1);
-    }
+  for (const Message& output : record.outputs) addEvents(metadata_.channelOf(output), 1);
+}
+
+void Tally::addEvents(std::string_view channel, std::uint64_t events) {
+  const auto found = channels_.find(channel);
+  if (found != channels_.end()) {
+    found->second += events;
+  } else if (channels_.size() == most_channels_) {
+    other_channels_ += events;
+  } else {
+    channels_.emplace(channel, events);
   }
 }
 

@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -24,6 +25,10 @@ class Tally {
   explicit Tally(std::size_t most_channels) : most_channels_(most_channels) {}
 
   void take(const record_t& record);
+  void add(Kind kind, Outcome outcome, std::uint64_t messages) noexcept {
+    counts_[static_cast<std::size_t>(kind)][static_cast<std::size_t>(outcome)] += messages;
+  }
+  void addEvents(std::string_view channel, std::uint64_t events);
 
   [[nodiscard]] std::uint64_t count(Kind kind, Outcome outcome) const noexcept {
     return counts_[static_cast<std::size_t>(kind)][static_cast<std::size_t>(outcome)];

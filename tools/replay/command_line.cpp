@@ -17,6 +17,7 @@
 #include "tools/replay/replay.hpp"
 #include "tools/replay/running/configuration.hpp"
 #include "tools/replay/suite.hpp"
+#include "tools/replay/summary/merging.hpp"
 #include "tools/replay/writing/printed_lines.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -35,8 +36,35 @@ void checkOutputs(const ReplayOptions& options) {
   }
 }
 
+// Whether the options ask for what only a run over FILES gives.
+bool wantsFilesRun(const ReplayOptions& options) {
+  return options.expect || options.record || options.dropped || options.redacted ||
+         options.summary || options.explain || options.report || options.expect_events ||
+         options.follow;
+}
+
+// The rules of what the tool does instead of a run over FILES.
+void checkOtherTasks(const ReplayOptions& options) {
+  if (options.check_config && (!options.config || !options.paths.empty())) {
+    throw ReplayError(EXIT_USAGE, "--check-config needs --config and takes no FILES");
+  }
+  if (!options.suite && (options.update || options.junit)) {
+    throw ReplayError(EXIT_USAGE, "--update and --junit need --suite");
+  }
+  if (options.suite && (!options.paths.empty() || wantsFilesRun(options))) {
+    throw ReplayError(EXIT_USAGE,
+                      "--suite takes no FILES, --expect, --expect-events, --record, --dropped, "
+                      "--redacted, --report, --summary, --explain or --follow");
+  }
+  if (options.merge_summaries && (options.suite || options.check_config || options.against ||
+                                  options.strict || wantsFilesRun(options))) {
+    throw ReplayError(EXIT_USAGE, "--merge-summaries takes FILES alone");
+  }
+}
+
 // The rules between options.
 void checkTogether(const ReplayOptions& options) {
+  checkOtherTasks(options);
   if (options.threads > MOST_THREADS) {
     throw ReplayError(EXIT_USAGE, "--threads takes at most " + std::to_string(MOST_THREADS));
   }
@@ -46,23 +74,10 @@ void checkTogether(const ReplayOptions& options) {
   if (options.repeat > 1 && reads_standard_input && !options.suite && !options.check_config) {
     throw ReplayError(EXIT_USAGE, "--repeat cannot read standard input again");
   }
-  if (options.check_config && (!options.config || !options.paths.empty())) {
-    throw ReplayError(EXIT_USAGE, "--check-config needs --config and takes no FILES");
-  }
   if (options.redact.empty() == options.redacted.has_value() ||
       (options.redact_key && !options.redacted)) {
     throw ReplayError(EXIT_USAGE,
                       "--redact and --redacted need each other, --redact-key needs both");
-  }
-  if (!options.suite && (options.update || options.junit)) {
-    throw ReplayError(EXIT_USAGE, "--update and --junit need --suite");
-  }
-  if (options.suite && (!options.paths.empty() || options.expect || options.record ||
-                        options.dropped || options.redacted || options.summary || options.explain ||
-                        options.report || options.expect_events || options.follow)) {
-    throw ReplayError(EXIT_USAGE,
-                      "--suite takes no FILES, --expect, --expect-events, --record, --dropped, "
-                      "--redacted, --report, --summary, --explain or --follow");
   }
   if (options.follow && (options.repeat > 1 || options.threads > 1)) {
     throw ReplayError(EXIT_USAGE, "--follow takes no --repeat or --threads");
@@ -123,6 +138,12 @@ int checkQuietly(const ReplayOptions& options, std::ostream& out, std::ostream& 
   return status;
 }
 
+int mergeSummaries(const std::vector<input_t>& inputs, std::ostream& out) {
+  out << mergedSummaries(inputs) << std::flush;
+  if (!out) throw ReplayError(EXIT_IO, "cannot write to standard output");
+  return EXIT_FINE;
+}
+
 // Replays, or does instead what the options ask for.
 int obey(const ReplayOptions& options, std::ostream& out, std::ostream& diagnostics,
          Terminal* terminal, const display_t& display) {
@@ -132,6 +153,7 @@ int obey(const ReplayOptions& options, std::ostream& out, std::ostream& diagnost
   if (isInterrupted()) return EXIT_INTERRUPTED;
   const std::vector<input_t> inputs = inputsFrom(options.paths);
   checkFiles(options, pathsOf(inputs, options), {});
+  if (options.merge_summaries) return mergeSummaries(inputs, out);
   if (display.typed && !options.quiet) explainTheWait(inputs, diagnostics);
   return replay(options, inputs, out, diagnostics, terminal, display.out);
 }

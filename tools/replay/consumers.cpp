@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "identity/build_name.hpp"
 #include "tools/replay/summary/recordings.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -46,7 +47,7 @@ void Consumers::addPlugins(const PluginLibrary& library, const data_t& configura
   }
   if (summary_) {
     summary_->takeBuilds(
-        {identityOf(options_.plugin_path),
+        {VLT_BUILD_NAME, identityOf(options_.plugin_path),
          options_.against ? std::optional(identityOf(*options_.against)) : std::nullopt});
   }
   if (report_) addToReport(library, configuration, direction);

@@ -107,6 +107,8 @@ TEST_F(CommandLineTest, WrongArgumentsAreNamed) {
       {{"--summary="}, "--summary: '' is none of text|json"},
       {{"--summary", "json"}, "--summary json: write --summary=json, or ./json for a file"},
       {{"--threads", "1025"}, "--threads takes at most 1024"},
+      {{"--merge-summaries", "--strict"}, "--merge-summaries takes FILES alone"},
+      {{"--merge-summaries", "--summary=json"}, "--merge-summaries takes FILES alone"},
       {{"--report", "-"}, "--report needs a file: standard output has the events"},
       {{"--record", "/dev/stdout"}, "--record needs a file: standard output has the events"},
       {{"--redact", "id", "--redacted", "/dev/fd/1"},

@@ -136,7 +136,8 @@ TEST_F(RecordingsTest, ProgramsGetTheSameAsJson) {
                 R"("recordings":[{"name":"before","plugin":"before","chain":"site",)"
                 R"("run":"00000000000000a1","files":[2],"messages":1,"other_direction":1,"gaps":1,)"
                 R"("lost_in_gaps":1,"counts":{"seen":2,"recorded":1,"filtered":0,"lost":1},)"
-                R"("ended":true,"bytes_left_over":1,"one_in":1,"omitted":[]}],"deleted_files":[],)"
+                R"("ended":true,"bytes_left_over":1,"one_in":1,"omitted":[]}],)"
+                R"("files_read":[{"name":"before","first":2,"last":2}],"deleted_files":[],)"
                 R"("headless_bytes":0})"),
             std::string::npos)
       << result.diagnostics;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 #include "tools/options/exit_status.hpp"
@@ -65,12 +66,14 @@ void Recordings::begin(const recording_file_t& file, const std::string& name) {
   input_ = file.number == 0 ? name : file.name;
   current_ = nullptr;
   counts_ = true;
-  if (file.number == 0) return;
-  const auto last = last_.find(file.name);
-  if (last != last_.end() && last->second + 1 < file.number) {
-    deleted_.push_back({file.name, last->second + 1, file.number - 1});
-  }
-  last_[file.name] = file.number;
+  if (file.number != 0) takeFiles({file.name, file.number, file.number});
+}
+
+// Files between two that were read are gone.
+void Recordings::takeFiles(const file_range_t& files) {
+  std::uint64_t& last = read_.try_emplace(files.name, files).first->second.last;
+  if (last + 1 < files.first) deleted_.push_back({files.name, last + 1, files.first - 1});
+  last = files.last;
 }
 
 void Recordings::skip(const recording_file_t& file) {
@@ -107,11 +110,7 @@ void Recordings::takeHead(const map_t& head, const std::string& place) {
   next.plugin = textOf(memberOf(head, "plugin"));
   next.chain = textOf(memberOf(head, "chain"));
   next.run = textOf(memberOf(head, "run"));
-  const auto known = std::find_if(all_.begin(), all_.end(), [&next](const recording_t& other) {
-    return other.name == next.name && other.run == next.run && other.plugin == next.plugin &&
-           other.chain == next.chain;
-  });
-  current_ = known == all_.end() ? &all_.emplace_back(std::move(next)) : &*known;
+  current_ = &recordingLike(next);
   const std::uint64_t number = countIn(head, "file");
   counts_ =
       std::find(current_->files.begin(), current_->files.end(), number) == current_->files.end();
@@ -136,6 +135,21 @@ void Recordings::takeFoot(const map_t& foot, const std::string& place) {
   if (memberOf(foot, "next") == nullptr) current_->ended = numberIn(foot, "ended");
 }
 
+// The recording with the identity of `other`, a new one if there is none.
+recording_t& Recordings::recordingLike(const recording_t& other) {
+  const auto known = std::find_if(all_.begin(), all_.end(), [&other](const recording_t& each) {
+    return each.name == other.name && each.run == other.run && each.plugin == other.plugin &&
+           each.chain == other.chain;
+  });
+  if (known != all_.end()) return *known;
+  recording_t& added = all_.emplace_back();
+  added.name = other.name;
+  added.plugin = other.plugin;
+  added.chain = other.chain;
+  added.run = other.run;
+  return added;
+}
+
 void Recordings::takeMessage(bool wanted) noexcept {
   if (current_ == nullptr || !counts_) return;
   ++current_->messages;
@@ -145,6 +159,29 @@ void Recordings::takeMessage(bool wanted) noexcept {
 void Recordings::takeRest(std::size_t bytes) noexcept {
   if (current_ != nullptr && counts_) current_->left_over += bytes;
   if (current_ == nullptr) headless_ += bytes;
+}
+
+void Recordings::add(const recordings_part_t& part) {
+  for (const file_range_t& files : part.read) takeFiles(files);
+  deleted_.insert(deleted_.end(), part.deleted.begin(), part.deleted.end());
+  headless_ += part.headless;
+  for (const recording_t& recording : part.all) {
+    recording_t& sum = recordingLike(recording);
+    // Pieces of one file, each with its head, are one file.
+    std::copy_if(recording.files.begin(), recording.files.end(), std::back_inserter(sum.files),
+                 [&sum](std::uint64_t file) {
+                   return std::find(sum.files.begin(), sum.files.end(), file) == sum.files.end();
+                 });
+    sum.messages += recording.messages;
+    sum.other_direction += recording.other_direction;
+    sum.gaps += recording.gaps;
+    sum.lost += recording.lost;
+    if (recording.counts) sum.counts = recording.counts;
+    sum.ended = recording.ended;
+    sum.left_over += recording.left_over;
+    sum.one_in = recording.one_in;
+    sum.omitted = recording.omitted;
+  }
 }
 
 } // namespace com::velanto::connectivity::tools

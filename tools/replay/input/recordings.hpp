@@ -52,11 +52,19 @@ struct recording_t {
   std::uint64_t left_over = 0;             // bytes after the last whole line
 };
 
-// Files of a recording that were gone when their turn came.
-struct deleted_files_t {
-  std::string name;
-  std::uint64_t first;
-  std::uint64_t last;
+// Numbers of files of a recording.
+struct file_range_t {
+  std::string name; // of the recording
+  std::uint64_t first = 0;
+  std::uint64_t last = 0;
+};
+
+// What a summary has of the recordings in a part of an input.
+struct recordings_part_t {
+  std::vector<recording_t> all;
+  std::vector<file_range_t> read;
+  std::vector<file_range_t> deleted;
+  std::uint64_t headless = 0;
 };
 
 class Recordings {
@@ -76,12 +84,17 @@ class Recordings {
   void takeMessage(bool wanted) noexcept;
   // The input ends with so many bytes after its last whole line.
   void takeRest(std::size_t bytes) noexcept;
+  // Adds the next part of an input.
+  void add(const recordings_part_t& part);
 
   // The recording of the current line; null before its head.
   [[nodiscard]] const recording_t* current() const noexcept { return current_; }
 
   [[nodiscard]] const std::deque<recording_t>& all() const noexcept { return all_; }
-  [[nodiscard]] const std::vector<deleted_files_t>& deleted() const noexcept { return deleted_; }
+  // For each name the first and the last file that was read, in the order of reading.
+  [[nodiscard]] const std::map<std::string, file_range_t>& read() const noexcept { return read_; }
+  // Files that were gone when their turn came.
+  [[nodiscard]] const std::vector<file_range_t>& deleted() const noexcept { return deleted_; }
   // Bytes of files that end before their head does.
   [[nodiscard]] std::uint64_t headless() const noexcept { return headless_; }
   // Feet whose counts contradict each other: a line for each.
@@ -90,15 +103,17 @@ class Recordings {
  private:
   void takeHead(const map_t& head, const std::string& place);
   void takeFoot(const map_t& foot, const std::string& place);
+  void takeFiles(const file_range_t& files);
+  recording_t& recordingLike(const recording_t& other);
 
   JsonReader reader_;
   std::string input_;           // name of the current one
   std::deque<recording_t> all_; // a deque, so that current_ and the names of runs stay in place
   recording_t* current_ = nullptr;
-  bool counts_ = true;                        // false: the current file is read again
-  std::map<std::string, std::uint64_t> last_; // number of the last file of each name
+  bool counts_ = true; // false: the current file is read again
+  std::map<std::string, file_range_t> read_;
   std::uint64_t headless_ = 0;
-  std::vector<deleted_files_t> deleted_;
+  std::vector<file_range_t> deleted_;
   std::vector<std::string> faults_;
 };
 

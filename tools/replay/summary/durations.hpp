@@ -8,15 +8,17 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
+#include <vector>
 
 namespace com::velanto::connectivity::tools {
 
 class Durations {
  public:
-  void add(std::chrono::nanoseconds duration) noexcept {
+  void add(std::chrono::nanoseconds duration, std::uint64_t times = 1) noexcept {
     const std::int64_t count = duration.count();
-    ++classes_[classOf(count < 0 ? 0 : static_cast<std::uint64_t>(count))];
-    ++count_;
+    classes_[classOf(count < 0 ? 0 : static_cast<std::uint64_t>(count))] += times;
+    count_ += times;
   }
 
   [[nodiscard]] std::uint64_t count() const noexcept { return count_; }
@@ -32,6 +34,15 @@ class Durations {
       }
     }
     return {};
+  }
+
+  // The classes with a duration in them, from the shortest: lower bound and number of durations.
+  [[nodiscard]] std::vector<std::pair<std::chrono::nanoseconds, std::uint64_t>> classes() const {
+    std::vector<std::pair<std::chrono::nanoseconds, std::uint64_t>> used;
+    for (std::size_t i = 0; i < classes_.size(); ++i) {
+      if (classes_[i] > 0) used.emplace_back(lowerBoundOf(i), classes_[i]);
+    }
+    return used;
   }
 
  private:

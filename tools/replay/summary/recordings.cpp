@@ -102,9 +102,17 @@ void writeRecording(JsonLine& line, const recording_t& recording) {
   line.close('}');
 }
 
+void writeFiles(JsonLine& line, const file_range_t& files) {
+  line.item(nullptr).open('{');
+  line.item("name").text(files.name);
+  line.item("first").number(files.first);
+  line.item("last").number(files.last);
+  line.close('}');
+}
+
 void appendRecordings(std::string& out, const Recordings& recordings) {
   for (const recording_t& recording : recordings.all()) appendRecording(out, recording);
-  for (const deleted_files_t& files : recordings.deleted()) {
+  for (const file_range_t& files : recordings.deleted()) {
     const std::string range = files.first == files.last
                                   ? "file " + number(files.first)
                                   : "files " + number(files.first) + "-" + number(files.last);
@@ -119,14 +127,11 @@ void writeRecordings(JsonLine& line, const Recordings& recordings) {
   line.item("recordings").open('[');
   for (const recording_t& recording : recordings.all()) writeRecording(line, recording);
   line.close(']');
+  line.item("files_read").open('[');
+  for (const auto& [name, files] : recordings.read()) writeFiles(line, files);
+  line.close(']');
   line.item("deleted_files").open('[');
-  for (const deleted_files_t& files : recordings.deleted()) {
-    line.item(nullptr).open('{');
-    line.item("name").text(files.name);
-    line.item("first").number(files.first);
-    line.item("last").number(files.last);
-    line.close('}');
-  }
+  for (const file_range_t& files : recordings.deleted()) writeFiles(line, files);
   line.close(']');
   line.item("headless_bytes").number(recordings.headless());
 }

@@ -16,8 +16,8 @@ namespace com::velanto::connectivity::tools {
 [[nodiscard]] std::string recordingsText(const Recordings& recordings,
                                          const std::optional<pairing_t>& pairing);
 
-// The members "recordings", "deleted_files", "headless_bytes" and, with a comparison, "events", which
-// has the same members for the recording of events.
+// The members "recordings", "files_read", "deleted_files", "headless_bytes" and, with a comparison,
+// "events", which has the same members for the recording of events.
 void writeRecordings(JsonLine& line, const Recordings& recordings,
                      const std::optional<pairing_t>& pairing);
 

@@ -8,10 +8,12 @@ void Summary::take(const record_t& record) {
   Tally::take(record);
   if (record.outcome != Outcome::DROPPED) return;
   drop_reason_t reason = dropReasonOf(record.log);
-  counted_reason_t& counted = reasons_[{reason.code, reason.key}];
-  if (counted.count++ == 0) {
-    counted = {reason.code, std::move(reason.key), 1, record.number, record.place()};
-  }
+  addReason({reason.code, std::move(reason.key), 1, record.number, record.place()});
+}
+
+void Summary::addReason(counted_reason_t reason) {
+  const auto [known, is_new] = reasons_.try_emplace({reason.code, reason.key}, reason);
+  if (!is_new) known->second.count += reason.count;
 }
 
 void Summary::takeBatch(std::size_t, std::chrono::nanoseconds time) { batches_.add(time); }

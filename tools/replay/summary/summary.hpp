@@ -1,5 +1,5 @@
 // The totals of a run: kinds by outcomes, reasons of drops, channels, times. Counted here, written
-// by summary_text.cpp for people and by summary_json.cpp for programs. Its memory grows with the
+// by summary_text.cpp for people and by summary_json.cpp for programs, added up by merging.cpp. Its memory grows with the
 // number of different reasons and channels, not with the messages.
 #ifndef VLT_TOOLS_REPLAY_SUMMARY_SUMMARY_HPP
 #define VLT_TOOLS_REPLAY_SUMMARY_SUMMARY_HPP
@@ -28,8 +28,9 @@ struct counted_reason_t {
   std::string first;              // FILE:LINE
 };
 
-// The plug-ins of a run.
+// The builds in a run.
 struct builds_t {
+  std::string tool; // its name
   file_identity_t plugin;
   std::optional<file_identity_t> against;
 };
@@ -40,6 +41,10 @@ class Summary final : public Consumer, public Tally {
 
   void take(const record_t& record) override;
   void takeBatch(std::size_t messages, std::chrono::nanoseconds time) override;
+  void addReason(counted_reason_t reason);
+  void addBatches(std::chrono::nanoseconds time, std::uint64_t batches) {
+    batches_.add(time, batches);
+  }
   void takeBuilds(builds_t builds) { builds_ = std::move(builds); }
 
   // The most frequent first, among equals the earliest.
@@ -67,6 +72,9 @@ struct run_figures_t {
 
 // Lines of at most 79 columns, or longer for a place, which is whole.
 [[nodiscard]] std::string summaryText(const Summary& summary, const run_figures_t& run);
+
+// Of the form of summaryJson(); a change that breaks readers raises it.
+inline constexpr std::int64_t SUMMARY_VERSION = 1;
 
 // One line with an object.
 [[nodiscard]] std::string summaryJson(const Summary& summary, const run_figures_t& run,

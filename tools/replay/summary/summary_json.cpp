@@ -1,5 +1,4 @@
 // The summary as one line of JSON, in the form of docs/replay-summary.schema.json.
-#include "identity/build_name.hpp"
 #include "ndjson/json_line.hpp"
 #include "tools/replay/summary/recordings.hpp"
 #include "tools/replay/summary/summary.hpp"
@@ -33,6 +32,7 @@ void writeReasons(JsonLine& line, const Summary& summary) {
     line.item("key").text(reason->key);
     line.item("count").number(reason->count);
     line.item("first").text(reason->first);
+    line.item("number").number(reason->first_number);
     line.close('}');
   }
   line.close(']');
@@ -46,6 +46,14 @@ void writeTimes(JsonLine& line, const Summary& summary, const run_figures_t& run
   line.item("count").number(summary.batches().count());
   line.item("median_us").real(microseconds(summary.batches().quantile(0.5)));
   line.item("p99_us").real(microseconds(summary.batches().quantile(0.99)));
+  line.item("classes").open('[');
+  for (const auto& [bound, count] : summary.batches().classes()) {
+    line.item(nullptr).open('[');
+    line.item(nullptr).number(static_cast<std::uint64_t>(bound.count()));
+    line.item(nullptr).number(count);
+    line.close(']');
+  }
+  line.close(']');
   line.close('}');
 }
 
@@ -64,7 +72,7 @@ void writeBuild(JsonLine& line, const char* name, const file_identity_t& file) {
 }
 
 void writeBuilds(JsonLine& line, const builds_t& builds) {
-  line.item("tool").text(VLT_BUILD_NAME);
+  line.item("tool").text(builds.tool);
   writeBuild(line, "plugin", builds.plugin);
   if (builds.against) writeBuild(line, "against", *builds.against);
 }
@@ -88,7 +96,7 @@ std::string summaryJson(const Summary& summary, const run_figures_t& run,
                         const PrintedLines& printed) {
   JsonLine line;
   line.open('{');
-  line.item("version").number(1); // of the form; a change that breaks readers raises it
+  line.item("version").number(SUMMARY_VERSION);
   line.item("complete").raw(run.complete ? "true" : "false");
   line.item("read").number(run.read);
   line.item("reached").number(run.out);

@@ -1,7 +1,6 @@
 #include <array>
 #include <cstdio>
 
-#include "identity/build_name.hpp"
 #include "ndjson/visible_text.hpp"
 #include "tools/record/columns.hpp"
 #include "tools/replay/summary/summary.hpp"
@@ -70,7 +69,7 @@ void appendBuilds(std::string& out, const builds_t& builds) {
   const auto append = [&out](const char* name, const std::string& build) {
     out += padded(name, 9) + cutBehind(build, 70) + "\n";
   };
-  append("tool", VLT_BUILD_NAME);
+  append("tool", builds.tool);
   append("plug-in", buildText(builds.plugin));
   if (builds.against) append("against", buildText(*builds.against));
 }

@@ -20,17 +20,20 @@ std::string times(std::uint64_t count) {
 void PrintedLines::add(std::string_view text, const std::string& place) {
   while (!text.empty()) {
     const std::size_t size = std::min(text.find('\n'), text.size());
-    const std::string line(text.substr(0, std::min(size, LONGEST)));
+    addLine(std::string(text.substr(0, std::min(size, LONGEST))), place, 1);
     text.remove_prefix(std::min(size + 1, text.size()));
-    const auto found = numbers_.find(line);
-    if (found != numbers_.end()) {
-      ++lines_[found->second].count;
-    } else if (lines_.size() == MOST) {
-      ++others_;
-    } else {
-      numbers_.emplace(line, lines_.size());
-      lines_.push_back({line, place, 1, 0});
-    }
+  }
+}
+
+void PrintedLines::addLine(const std::string& line, const std::string& place, std::uint64_t times) {
+  const auto found = numbers_.find(line);
+  if (found != numbers_.end()) {
+    lines_[found->second].count += times;
+  } else if (lines_.size() == MOST) {
+    others_ += times;
+  } else {
+    numbers_.emplace(line, lines_.size());
+    lines_.push_back({line, place, times, 0});
   }
 }
 

@@ -31,6 +31,10 @@ class PrintedLines final : public Consumer {
   }
   // Whole lines; the end of `text` ends one, too.
   void add(std::string_view text, const std::string& place);
+  // One line, without its end, so many times.
+  void addLine(const std::string& line, const std::string& place, std::uint64_t times);
+  // Lines beyond MOST distinct ones.
+  void addOthers(std::uint64_t lines) noexcept { others_ += lines; }
 
   // In the order of their first appearance.
   [[nodiscard]] const std::vector<printed_line_t>& lines() const noexcept { return lines_; }

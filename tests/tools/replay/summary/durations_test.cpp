@@ -29,6 +29,16 @@ TEST(Durations, LargeOnesAreExactTo3Percent) {
   }
 }
 
+TEST(Durations, ClassesMakeTheSameDurationsAgain) {
+  tools::Durations durations;
+  for (int i = 0; i < 1000; ++i) durations.add(nanoseconds(i * i));
+  tools::Durations again;
+  for (const auto& [bound, count] : durations.classes()) again.add(bound, count);
+  EXPECT_EQ(again.classes(), durations.classes());
+  EXPECT_EQ(again.count(), durations.count());
+  EXPECT_EQ(again.quantile(0.99), durations.quantile(0.99));
+}
+
 TEST(Durations, TailIsSeen) {
   tools::Durations durations;
   for (int i = 0; i < 980; ++i) durations.add(nanoseconds(10));

@@ -92,16 +92,17 @@ TEST_F(SummaryTest, ProgramsGetOneLineOfJson) {
           R"("operations":{"converted":0,"passed":0,"dropped":0},)"
           R"("other path":{"converted":0,"passed":0,"dropped":0},)"
           R"("no path":{"converted":0,"passed":1,"dropped":0}},)"
-          R"("reasons":[{"reason":"missing-key","key":"text","count":1,"first":"<stdin>:2"}],)"
+          R"("reasons":[{"reason":"missing-key","key":"text","count":1,"first":"<stdin>:2","number":2}],)"
           R"("channels":{"ostrovia.devices":1},"printed":[],"printed_otherwise":0,"seconds":)",
           0),
       0u)
       << shown;
-  const Pattern times(R"("messages_per_second":[0-9.e+]+,"batches":\{"count":3,)"
-                      R"("median_us":[0-9.]+,"p99_us":[0-9.]+\},"tool":"[^"]*",)"
-                      R"("plugin":\{"path":"[^"]*","size":[0-9]+,"sha256":"[0-9a-f]{64}",)"
-                      R"("build_id":"[0-9a-f]{40}","build":"[^"]*"\},"recordings":\[\],)"
-                      R"("deleted_files":\[\],"headless_bytes":0\}\n$)");
+  const Pattern times(
+      R"("messages_per_second":[0-9.e+]+,"batches":\{"count":3,)"
+      R"("median_us":[0-9.]+,"p99_us":[0-9.]+,"classes":\[(\[[0-9]+,[123]\],?)+\]\},"tool":"[^"]*",)"
+      R"("plugin":\{"path":"[^"]*","size":[0-9]+,"sha256":"[0-9a-f]{64}",)"
+      R"("build_id":"[0-9a-f]{40}","build":"[^"]*"\},"recordings":\[\],)"
+      R"("files_read":\[\],"deleted_files":\[\],"headless_bytes":0\}\n$)");
   EXPECT_TRUE(times.isIn(shown)) << shown;
 }
 
