@@ -17,6 +17,8 @@
 #             materials, and the source of a library that the tools link
 #   root      ./dev test-package, together with package: a clean Debian to install in, judges of
 #             packages, and a second user and processor
+#   cluster   ./dev test-cluster, together with package: a clean Debian for its daemons, and what
+#             enters it
 #   bench     ./dev bench; besides, scripts/bench.sh unpacks libboost1.81-dev, which conflicts with
 #             libboost-dev
 #
@@ -60,6 +62,10 @@ declare -A package_groups=(
   [root]="
     debootstrap=debootstrap python3=python3
     lintian=lintian rpm=/usr/lib/rpm/elfdeps pkg-config=pkg-config util-linux=setpriv
+    debian-archive-keyring=/usr/share/keyrings/debian-archive-keyring.gpg
+  "
+  [cluster]="
+    debootstrap=debootstrap python3=python3 util-linux=nsenter
     debian-archive-keyring=/usr/share/keyrings/debian-archive-keyring.gpg
   "
   [bench]="

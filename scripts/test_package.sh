@@ -38,8 +38,9 @@ use_proxy() {
   in_root+=("http_proxy=$proxy")
 }
 
+# make_base PACKAGES: a clean root with these, separated by commas.
 make_base() {
-  local mirror packages=bash-completion,man-db
+  local mirror packages=$1
   mirror=$(debian_mirror)
   [[ $mirror != https:* ]] || packages+=,ca-certificates
   note "making a clean Debian $package_suite with debootstrap"
@@ -53,7 +54,7 @@ make_base() {
 
 make_root() {
   mkdir -p "$package_folder"
-  [[ -f $package_folder/base.tar ]] || make_base
+  [[ -f $package_folder/base.tar ]] || make_base bash-completion,man-db
   rm -rf "$package_root"
   mkdir "$package_root"
   tar --extract --file "$package_folder/base.tar" --directory "$package_root" --numeric-owner
