@@ -79,12 +79,12 @@ prove_paths() {
   python3 scripts/run_clang_tidy.py build/lint --paths
 }
 
-lint() { run_checks lint format shell scripts layers tidy; }
+lint() { run_steps lint format shell scripts layers tidy; }
 
-prove() { run_checks prove calls headers paths; }
+prove() { run_steps prove calls headers paths; }
 
-# run_checks GROUP STEP…
-run_checks() {
+# run_steps GROUP STEP…
+run_steps() {
   local group=$1 step
   shift
   for step in "$@"; do
