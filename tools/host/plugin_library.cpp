@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <execinfo.h>
+#include <unwind.h>
 
 #include <filesystem>
 
@@ -16,6 +17,15 @@ std::string asFile(const std::string& path) {
   return path.find('/') == std::string::npos ? "./" + path : path;
 }
 
+// A tool that is linked statically has an unwinder of its own, and a plug-in the shared one. Either may
+// throw into the other's code. An unwinder prepares itself in its first walk, and gives the process up
+// where the other one began.
+void prepareUnwinders() {
+  void* here = nullptr;
+  backtrace(&here, 1); // the C library calls the shared one
+  _Unwind_Backtrace([](_Unwind_Context*, void*) { return _URC_END_OF_STACK; }, nullptr);
+}
+
 void* loaded(const std::string& path) {
   void* const handle = openLibrary(path);
   if (handle == nullptr) throw PluginError(std::string("cannot load ") + dlerror());
@@ -25,10 +35,7 @@ void* loaded(const std::string& path) {
 } // namespace
 
 void* openLibrary(const std::string& path, int more_flags) {
-  // A tool with an unwinder of its own may throw into a plug-in with the shared one, which prepares
-  // itself in its first walk and would give up without.
-  void* here = nullptr;
-  backtrace(&here, 1);
+  prepareUnwinders();
   return dlopen(asFile(path).c_str(), RTLD_NOW | RTLD_LOCAL | more_flags);
 }
 
