@@ -15,22 +15,15 @@ import subprocess
 import sys
 import tarfile
 
-from notices import LINKED
+from notices import LINKED, used, version_of
 
 NAME = "ostrovia-notifications"
 # What becomes part of the libraries and programs, or makes them, without a trace in a package's Depends.
-BUILT_WITH = ("g++-12", "binutils", "cmake")
+BUILT_WITH = (used("g++-12"), used("binutils"), "cmake")
 
 
 def output_of(*command):
     return subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout
-
-
-def debian_version(package):
-    """The version installed here, or None."""
-    done = subprocess.run(("dpkg-query", "--show", "--showformat=${Version}", package), check=False,
-                          capture_output=True, text=True)
-    return done.stdout or None
 
 
 def contents_of(package):
@@ -81,7 +74,7 @@ def debian_element(package):
         "SPDXID": "SPDXRef-Debian-" + re.sub(r"[^A-Za-z0-9.-]", "-", package), "name": package,
         "downloadLocation": "NOASSERTION", "filesAnalyzed": False,
         "licenseDeclared": LINKED.get(package, ("", "NOASSERTION"))[1]}
-    version = debian_version(package)
+    version = version_of(package)
     if version:
         element["versionInfo"] = version
     return unlicensed(element, "licenseConcluded")

@@ -4,16 +4,30 @@ and libraries, as the Debian packages have them that the build used.
     notices.py SIMDJSONS_COPYRIGHT OUTPUT
 """
 
+import os
 import pathlib
 import re
 import subprocess
 import sys
 
+# For aarch64, these packages of the machine that builds stand in for the compiler's own.
+CROSS = {
+    "binutils": "binutils-aarch64-linux-gnu",
+    "g++-12": "g++-12-aarch64-linux-gnu",
+    "libstdc++-12-dev": "libstdc++-12-dev-arm64-cross",
+} if os.environ.get("DEB_HOST_ARCH") == "arm64" else {}
+
+
+def used(package):
+    """The package that this build used in the place of the one for its own machine."""
+    return CROSS.get(package, package)
+
+
 # Debian package: its part here, and the licence of that part by its name in SPDX.
 LINKED = {
     "libboost-dev": ("headers of Boost.Optional, in the codec", "BSL-1.0"),
     "rapidjson-dev": ("headers, in recorder and tools", "MIT"),
-    "libstdc++-12-dev": ("C++ library and unwinder, in the tools", "GPL-3.0-or-later WITH GCC-exception-3.1"),
+    used("libstdc++-12-dev"): ("C++ library and unwinder, in the tools", "GPL-3.0-or-later WITH GCC-exception-3.1"),
     "libsimdjson-dev": ("in the tools", "Apache-2.0"),
     "libsodium-dev": ("in the tools", "ISC"),
     "libyaml-cpp-dev": ("in the tools", "MIT"),
@@ -26,8 +40,14 @@ RULE = "=" * 78 + "\n"
 
 
 def version_of(package):
-    return subprocess.run(("dpkg-query", "--show", "--showformat=${Version}", package), check=True,
-                          stdout=subprocess.PIPE, text=True).stdout
+    """The version that the build used, or None. Libraries for another machine are in a database of
+    their own, which DPKG_ADMINDIR names; compilers are this machine's."""
+    for database in ((), ("--admindir=/var/lib/dpkg",)):
+        done = subprocess.run(("dpkg-query", *database, "--show", "--showformat=${Version}", package),
+                              check=False, capture_output=True, text=True)
+        if done.stdout:
+            return done.stdout
+    return None
 
 
 def boosts_licence():

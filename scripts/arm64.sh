@@ -6,8 +6,12 @@
 #   test_arm64 [ARGS…]   the optimised build and its tests; ARGS go to ctest
 #   test_arm64_shortly   both plug-ins, not optimised, in hosts written in C: seconds
 #
-# The libraries are unpacked into build/arm64-libraries, C library included. So this machine's dpkg
-# need not know of another architecture, whose -dev packages could conflict with its own.
+# The libraries are unpacked into build/arm64-libraries, C library included, with a database of dpkg's
+# for them alone. So this machine's dpkg need not know of another architecture, whose -dev packages
+# could conflict with its own.
+
+arm64_libraries=$PWD/build/arm64-libraries
+arm64_database=var/lib/dpkg # of dpkg, in that folder
 
 # Programs of tests that end in time when they are emulated. value_tests, misuse_tests and
 # check_plugin_tests take more than ten minutes on a busy machine.
@@ -20,14 +24,14 @@ arm64_hosts=(c_host chain_host ending_host minimal_host own_runtime_host)
 
 set_up_arm64() {
   set_up build arm64
-  local folder=$PWD/build/arm64-libraries part=$PWD/build/arm64-libraries.part row
+  local folder=$arm64_libraries part=$arm64_libraries.part row
   local -a rows=() packages=()
   # shellcheck disable=SC2154 # the table of scripts/packages.sh
   read -r -d '' -a rows <<<"${package_groups[build]}" || true
   for row in "${rows[@]}"; do
     [[ $row != *-dev=* ]] || packages+=("${row%%=*}")
   done
-  [[ -f $folder/packages && $(<"$folder/packages") == "${packages[*]}" ]] && return
+  [[ -d $folder/$arm64_database && $(<"$folder/packages") == "${packages[*]}" ]] && return
   note "unpacking the libraries of aarch64 into build/arm64-libraries"
   rm -rf "$part" "$folder"
   mkdir -p "$part/apt/lists/partial" "$part/apt/archives/partial"
@@ -42,8 +46,12 @@ set_up_arm64() {
   apt_get -- update "${arm64_only[@]}"
   apt_get -- install "${arm64_only[@]}" --download-only --yes --no-install-recommends "${packages[@]}"
   local package link
+  mkdir -p "$part/$arm64_database/info"
+  echo arm64 >"$part/$arm64_database/arch"
+  echo 1 >"$part/$arm64_database/info/format" # names of files have the machine
   for package in "$part"/apt/archives/*.deb; do
     dpkg-deb --extract "$package" "$part"
+    record_arm64_package "$package" "$part/$arm64_database"
   done
   # Absolute links would lead to this machine's libraries.
   while IFS= read -r link; do
@@ -52,6 +60,23 @@ set_up_arm64() {
   rm -rf "$part/apt"
   echo "${packages[*]}" >"$part/packages"
   mv "$part" "$folder"
+}
+
+# record_arm64_package FILE DATABASE: what dpkg itself would note. The packages that ./dev makes get
+# their dependencies and the versions of linked libraries from there.
+record_arm64_package() {
+  local name control
+  name=$(dpkg-deb --field "$1" Package)
+  if [[ $(dpkg-deb --field "$1" Multi-Arch) == same ]]; then
+    name+=:arm64
+  fi
+  { dpkg-deb --field "$1" | sed '1a Status: install ok installed' && echo; } >>"$2/status"
+  dpkg-deb --fsys-tarfile "$1" | tar --list |
+    sed "s|^\\.|$arm64_libraries|; s|/\$||" >"$2/info/$name.list"
+  for control in symbols shlibs; do
+    dpkg-deb --info "$1" "$control" >"$2/info/$name.$control" 2>/dev/null ||
+      rm "$2/info/$name.$control" # it has none
+  done
 }
 
 test_arm64() {

@@ -1,12 +1,23 @@
 # shellcheck shell=bash
 # Making the packages. Sourced by ./dev, which runs in the project's root.
 #
-#   package            the .deb files and the .tar.gz in build/package, with their bill of materials
+#   package            the .deb files and the .tar.gz in package_output, with their bill of materials
 #                      and hashes; prints the names
 #   package_into DIR   the same, into a folder, without building
+#   package_for_arm64  lets all of this, from now on, be for aarch64
 #
 # All of it is of the preset in package_preset.
 package_preset=dist
+package_output=build/package
+
+# Dependencies and versions are of the libraries that scripts/arm64.sh unpacks: Debian's tools read
+# these variables.
+package_for_arm64() {
+  package_preset=dist-arm64
+  package_output=build/package-arm64
+  # shellcheck disable=SC2154 # of scripts/arm64.sh
+  export DEB_HOST_ARCH=arm64 DPKG_ADMINDIR=$arm64_libraries/$arm64_database
+}
 
 # commit_time: seconds since 1970 of the packaged sources: of the last commit, or of the newest file
 # of an unpacked archive. SOURCE_DATE_EPOCH overrides it.
@@ -72,7 +83,7 @@ build_for_packages() {
 package() {
   build_for_packages
   note "packaging"
-  package_into "$PWD/build/package"
+  package_into "$PWD/$package_output"
   local LC_COLLATE=C
-  printf '%s\n' build/package/*
+  printf '%s\n' "$package_output"/*
 }

@@ -388,29 +388,35 @@ run_check() {
   status=$?
   set -e
   if ((status == 0)); then
-    printf 'ok    %-13s %s\n' "$1" "$2"
+    printf 'ok    %-19s %s\n' "$1" "$2"
     return
   fi
-  printf 'FAIL  %-13s %s\n' "$1" "$2"
+  printf 'FAIL  %-19s %s\n' "$1" "$2"
   sed 's/^/        /' "$package_folder/check.log"
   failed_checks=$((failed_checks + 1))
 }
 
+# run_checks ROW…: rows of a table such as package_checks. Never part of a condition, where no check
+# would end with its first failing command.
+run_checks() {
+  local failed_checks=0 name text
+  while read -r name text; do
+    run_check "$name" "$text"
+  done < <(printf '%s\n' "$@")
+  if ((failed_checks > 0)); then
+    [[ -z ${elsewhere:-} ]] || note "the second build is in $elsewhere"
+    echo "test-package: $failed_checks of $# checks failed"
+    return 1
+  fi
+  echo "test-package: all $# checks passed"
+}
+
 test_package() {
   ((EUID == 0)) || fail "test-package makes a root folder of its own, which takes root: use sudo"
-  local failed_checks=0 name text
   package >/dev/null
   use_proxy
   make_elsewhere
   make_root >&2
-  while read -r name text; do
-    run_check "$name" "$text"
-  done < <(printf '%s\n' "${package_checks[@]}")
-  if ((failed_checks > 0)); then
-    note "the second build is in $elsewhere"
-    echo "test-package: $failed_checks of ${#package_checks[@]} checks failed"
-    return 1
-  fi
+  run_checks "${package_checks[@]}"
   rm -rf "$elsewhere"
-  echo "test-package: all ${#package_checks[@]} checks passed"
 }
