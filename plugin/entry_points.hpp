@@ -38,9 +38,15 @@ inline constexpr const char* PRODUCT_VERSION = "10.15.4.1";
 // Logs the exception in flight for a plug-in that does not exist. Nothing leaves it.
 void reportFailedCreation(const char* plugin_name, const char* chain_id) noexcept;
 
+// A host may have a C++ library and an unwinder of its own. When an exception of its links passes
+// through this library, that unwinder calls the shared C++ library, which asks the shared unwinder for
+// registers. A shared unwinder that has never unwound ends the process there. So this lets it unwind.
+void wakeUnwinder() noexcept;
+
 template <class Codec>
 void* create(const char* plugin_name, const char* chain_id,
              const vlt_underlying_data_t* configuration, void* handle1, void* handle2) noexcept {
+  wakeUnwinder();
   try {
     const data_t nothing;
     const data_t& settings = configuration == nullptr ? nothing : data_t::view(*configuration);
