@@ -105,11 +105,16 @@ check_arm64_bill() {
   grep "^libsodium-dev $version:" "$arm64_archive/share/doc/$package_name/NOTICES"
 }
 
+check_arm64_lintian() {
+  expect_same "" "$(lintian --allow-root "$package_output"/*.deb)"
+}
+
 arm64_package_checks=(
   "arm64_hashes         SHA256SUMS holds the hashes of the packages, and these those of their files"
   "arm64_fields         the .deb files are for arm64 and ask for the libraries that they need"
   "arm64_machine        all programs and libraries are for aarch64, with their lines in -dbgsym"
   "arm64_bill           bill of materials and notices have the versions of the linked libraries"
+  "arm64_lintian        lintian finds nothing but the licence to be chosen"
   "arm64_archive_alone  the archive's tools need the C library and the host's, and no other"
   "arm64_readme         the commands of the archive's README show what it says, emulated"
   "arm64_same_events    the emulated ostrovia-replay makes the same of every sample as the native one"
