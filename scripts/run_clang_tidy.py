@@ -44,7 +44,7 @@ NOT_IN_BATCHES = "-bugprone-suspicious-include"
 PATHS_ALONE = "-*,clang-analyzer-*"
 WITHOUT_NAMES = "-readability-identifier-naming" # whose rules are those of C++
 # Two names that every program has, and every fuzz target.
-LINES_OF_SOURCE = """#define main main{number}
+LINES_OF_SOURCE = """#define main main{number} // NOLINT
 #define LLVMFuzzerTestOneInput LLVMFuzzerTestOneInput{number} // NOLINT
 #include "{path}"
 #undef LLVMFuzzerTestOneInput

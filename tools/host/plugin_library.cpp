@@ -1,8 +1,6 @@
 #include "tools/host/plugin_library.hpp"
 
 #include <dlfcn.h>
-#include <execinfo.h>
-#include <unwind.h>
 
 #include <filesystem>
 
@@ -17,15 +15,6 @@ std::string asFile(const std::string& path) {
   return path.find('/') == std::string::npos ? "./" + path : path;
 }
 
-// A tool that is linked statically has an unwinder of its own, and a plug-in the shared one. Either may
-// throw into the other's code. An unwinder prepares itself in its first walk, and gives the process up
-// where the other one began.
-void prepareUnwinders() {
-  void* here = nullptr;
-  backtrace(&here, 1); // the C library calls the shared one
-  _Unwind_Backtrace([](_Unwind_Context*, void*) { return _URC_END_OF_STACK; }, nullptr);
-}
-
 void* loaded(const std::string& path) {
   void* const handle = openLibrary(path);
   if (handle == nullptr) throw PluginError(std::string("cannot load ") + dlerror());
@@ -35,7 +24,6 @@ void* loaded(const std::string& path) {
 } // namespace
 
 void* openLibrary(const std::string& path, int more_flags) {
-  prepareUnwinders();
   return dlopen(asFile(path).c_str(), RTLD_NOW | RTLD_LOCAL | more_flags);
 }
 
