@@ -1,6 +1,7 @@
 """Writes the bill of materials of the packages in a folder, NAME-VERSION.spdx.json beside them: each
 file of each package with its hashes, the commit, the works of others that are linked in, and the
-packages of this machine that the build used. The form is SPDX 2.3; the same packages and time give the same bytes.
+packages of this machine that the build used. The form is SPDX 2.3; the same packages and time give
+the same bytes.
 
     bill_of_materials.py FOLDER TIME      TIME in seconds since 1970
 """
