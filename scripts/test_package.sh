@@ -11,6 +11,7 @@
 #   base.tar    the root as debootstrap made it, for the next run; remove it for a newer one
 #   root        the root of this run; the packages are in its folder /srv/packages
 #   bare        a root with nothing but the C library and coreutils, where the .tar.gz is unpacked
+#   elsewhere   the packages of the second build
 #
 # Commands in the root have mounts and processes of their own, which end with them.
 
@@ -321,10 +322,11 @@ check_debug_information() {
 }
 
 # make_elsewhere: begins a second build, in another folder, by another user with another umask, locale
-# and time zone, at another time, on one processor.
+# and time zone, at another time, on one processor. Its processes have a process tree of their own.
 make_elsewhere() {
   mkdir -p "$package_folder"
   elsewhere=$(mktemp --directory)
+  trap leave_elsewhere EXIT
   mkdir "$elsewhere/build"
   tar --create --exclude=./build . | tar --extract --directory "$elsewhere"
   cp -r build/simdjson "$elsewhere/build"
@@ -332,19 +334,34 @@ make_elsewhere() {
   (
     cd "$elsewhere"
     umask 077
-    exec taskset --cpu-list 0 setpriv --reuid nobody --clear-groups env --ignore-environment \
-      "PATH=$PATH" "HOME=$elsewhere/build" LC_ALL=C.UTF-8 LANGUAGE=tr TZ=Pacific/Apia \
+    exec unshare --mount --pid --fork --mount-proc taskset --cpu-list 0 \
+      setpriv --reuid nobody --clear-groups env --ignore-environment "PATH=$PATH" \
+      "HOME=$elsewhere/build" LC_ALL=C.UTF-8 LANGUAGE=tr TZ=Pacific/Apia \
       CMAKE_BUILD_PARALLEL_LEVEL=1 ./dev package
   ) >"$package_folder/elsewhere.log" 2>&1 </dev/null &
   elsewhere_process=$!
 }
 
-# Waits as any process may, since a check is no parent of the second build.
+# leave_elsewhere: ends the second build if it still runs, and removes its folder. The first process of
+# its tree is gone only after all others, so none can write into the folder later.
+leave_elsewhere() {
+  local first=''
+  if [[ -n ${elsewhere_process:-} ]]; then
+    read -r first </proc/"$elsewhere_process/task/$elsewhere_process/children" || true
+    kill -KILL "${first:-$elsewhere_process}" || true
+    wait "$elsewhere_process" || true
+  fi 2>/dev/null # it may have ended
+  rm -rf "$elsewhere"
+}
 
+# A check is no parent of the second build, so it cannot `wait`. The other packages stay in
+# build/package-test/elsewhere, to be compared by hand.
 check_reproducible() {
   tail --pid "$elsewhere_process" --follow /dev/null
   tail -20 "$package_folder/elsewhere.log"
-  diff --recursive build/package "$elsewhere/build/package"
+  rm -rf "$package_folder/elsewhere"
+  cp -r "$elsewhere/build/package" "$package_folder/elsewhere"
+  diff --recursive build/package "$package_folder/elsewhere"
 }
 
 check_nothing_left() {
@@ -404,7 +421,6 @@ run_checks() {
     run_check "$name" "$text"
   done < <(printf '%s\n' "$@")
   if ((failed_checks > 0)); then
-    [[ -z ${elsewhere:-} ]] || note "the second build is in $elsewhere"
     echo "test-package: $failed_checks of $# checks failed"
     return 1
   fi
@@ -418,5 +434,4 @@ test_package() {
   make_elsewhere
   make_root >&2
   run_checks "${package_checks[@]}"
-  rm -rf "$elsewhere"
 }
