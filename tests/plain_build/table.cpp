@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 #include "host/storage.h"
@@ -85,6 +86,7 @@ std::vector<Entry> Table::takeAll() {
 
 // The slot of `key`; a new one has an empty value.
 Table::Place Table::placeOf(Value key) {
+  if (key.raw().tag == VLT_TAG_EMPTY) throw std::runtime_error("Cannot have a null key");
   const uint64_t hash = hashOf(key.raw());
   if (Slot* const found = probe(table_, key.raw(), hash).found) return {found, false};
   makeRoom();
