@@ -70,7 +70,7 @@ void RecordingFiles::takeName() {
     OpenFile lock = openOrThrow(path, O_RDWR | O_CREAT, "make ");
     if (flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
       name_lock_ = std::move(lock);
-      name_ = name;
+      name_ = std::move(name);
       return;
     }
     if (errno != EWOULDBLOCK) throw DiskError("lock " + path, errno);
@@ -177,16 +177,16 @@ bool RecordingFiles::open() {
     if (!is_ring_) return false;
     removeOldest(present);
   }
-  const std::string path = pathOf(++number_);
+  std::string path = pathOf(++number_);
   file_ = openOrThrow(path, O_WRONLY | O_CREAT | O_EXCL | O_APPEND, "make ");
   size_ = 0;
-  path_ = path;
+  path_ = std::move(path); // a copy could fail, and leave the file without its head
   try {
     const std::string head = head_.first + std::to_string(number_) + head_.second;
     std::string_view text = head;
     put(text, text.size());
   } catch (...) { // no file without a head
-    unlink(path.c_str());
+    unlink(path_.c_str());
     file_.close();
     throw;
   }

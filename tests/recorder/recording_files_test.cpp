@@ -14,9 +14,11 @@ namespace {
 
 using recorder::DiskError;
 using recorder::RecordingFiles;
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using ::testing::StartsWith;
 
 constexpr std::uint64_t MEBIBYTE = 1U << 20U;
 
@@ -45,10 +47,10 @@ class RecordingFilesTest : public HostFixture {
   template <class... KeysAndValues>
   RecordingFiles make(KeysAndValues&&... settings) {
     return RecordingFiles(
-        recorder::readConfiguration(
-            mapOf("recordingFolder", text(folder_.path().c_str()), "recordingName", text("n"),
-                  "maxFileMebibytes", whole(1), std::forward<KeysAndValues>(settings)...),
-            "p", "c"),
+        recorder::readConfiguration(mapOf("recordingFolder", text(folder_.path().c_str()),
+                                          "recordingName", text(name_.c_str()), "maxFileMebibytes",
+                                          whole(1), std::forward<KeysAndValues>(settings)...),
+                                    "p", "c"),
         {"{\"recording\":{\"head\":{\"file\":", "}}}\n"});
   }
   // A message's line of `size` bytes, the next one in order.
@@ -62,6 +64,17 @@ class RecordingFilesTest : public HostFixture {
     for (std::size_t i = 0; i < count; ++i) all += line(size);
     return all;
   }
+  // Refuses the n-th allocation of `use`. False: there was none.
+  template <class Use>
+  static bool refuse(std::uint64_t n, const Use& use) {
+    failAllocation(n, false);
+    try {
+      use();
+    } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch): the files tell
+    }
+    failAllocation(0, false);
+    return refusedAllocations() > 0;
+  }
   std::uint64_t bytesOnDisk() const {
     std::uint64_t total = 0;
     for (const std::string& name : folder_.recordings()) {
@@ -71,6 +84,7 @@ class RecordingFilesTest : public HostFixture {
   }
 
   RecordingFolder folder_;
+  std::string name_ = "n";
   std::uint64_t number_ = 0;
 };
 
@@ -200,19 +214,38 @@ TEST_F(RecordingFilesTest, FullDiskLeavesWholeLinesAndAGap) {
 }
 
 TEST_F(RecordingFilesTest, WithoutMemoryLinesAreLostAndCounted) {
-  for (std::uint64_t n = 1, refused = 1; refused != 0; ++n) {
+  bool refused = true;
+  for (std::uint64_t n = 1; refused; ++n) {
     RecordingFiles files = make();
     const std::string text = lines(300, 5000); // two files
-    failAllocation(n, false);
-    try {
-      EXPECT_TRUE(files.write(text));
-    } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch): the counts tell
-    }
-    refused = refusedAllocations();
-    failAllocation(0, false);
+    refused = refuse(n, [&] { EXPECT_TRUE(files.write(text)); });
     EXPECT_EQ(files.recorded() + files.lost(), 300U) << "allocation " << n;
     EXPECT_TRUE(files.write(line(100)));
     EXPECT_EQ(files.recorded() + files.lost(), 301U) << "allocation " << n;
+  }
+}
+
+TEST_F(RecordingFilesTest, WithoutMemoryEachFileHasItsHead) {
+  bool refused = true;
+  for (std::uint64_t n = 1; refused && !HasFailure(); ++n) {
+    RecordingFiles files = make();
+    const std::string text = line(100);
+    refused = refuse(n, [&] { EXPECT_TRUE(files.write(text)); });
+    files.finish(1, 0);
+    EXPECT_THAT(startingWith(R"({"recording":{"head":)", folder_.lines()),
+                SizeIs(folder_.recordings().size()))
+        << "allocation " << n;
+  }
+}
+
+TEST_F(RecordingFilesTest, WithoutMemoryNoSecondNameIsTaken) {
+  name_ = "a-name-that-takes-an-allocation";
+  bool refused = true;
+  for (std::uint64_t n = 1; refused && !HasFailure(); ++n) {
+    RecordingFiles files = make();
+    refused = refuse(n, [&] { files.takeName(); });
+    EXPECT_TRUE(files.write(line(100)));
+    EXPECT_THAT(folder_.recordings(), Each(StartsWith(name_ + "."))) << "allocation " << n;
   }
 }
 
