@@ -173,6 +173,19 @@ class Operating : public HostFixture {
     }
   }
 
+  void misuseKeys() {
+    LoadedCodec codec(library_, mapOf("tenantId", text("")));
+    for (data_t (*const key)() : {+[] { return data_t(); }, +[] { return custom(); }}) {
+      map_t payload = eventPayload();
+      payload.insert(text("odd"), data_t(std::int64_t{5}));
+      for (auto entry : payload) {
+        if (entry.first == text("odd")) entry.first = key();
+      }
+      Message message = notification(EVENT_PATH, std::move(payload));
+      watch("an odd key", [&] { codec.sendTowardsHost(message); });
+    }
+  }
+
   // Each allocation of the host refused in turn, of a creation and of a notification.
   void exhaust() {
     for (std::uint64_t n = 1; n < 40; ++n) {
@@ -202,6 +215,7 @@ TEST_F(Operating, TablesHaveExactlyTheWrittenLines) {
   playSamples();
   playCases();
   misuseLinks();
+  misuseKeys();
   exhaust();
   documented_.expectAllSeen();
 }
