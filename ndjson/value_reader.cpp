@@ -223,7 +223,7 @@ data_t ValueReader::readScalar(ondemand::value& value, ondemand::json_type type)
   }
 }
 
-// Opens a container; `list` is what it is if it is an array.
+// Opens a container; `list` is the kind of an array.
 void ValueReader::begin(ondemand::value& value, ondemand::json_type type, Kind list) {
   type == ondemand::json_type::array ? beginArray(value, list) : beginObject(value);
 }

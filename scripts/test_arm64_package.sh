@@ -116,7 +116,7 @@ arm64_package_checks=(
   "arm64_bill           bill of materials and notices have the versions of the linked libraries"
   "arm64_lintian        lintian finds nothing but the licence to be chosen"
   "arm64_archive_alone  the archive's tools need the C library and the host's, and no other"
-  "arm64_readme         the commands of the archive's README show what it says, emulated"
+  "arm64_readme         the commands of the archive's README give the output in it, emulated"
   "arm64_same_events    the emulated ostrovia-replay makes the same of every sample as the native one"
   "arm64_plugins        the emulated codec and recorder pass the emulated ostrovia-check-plugin"
 )

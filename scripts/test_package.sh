@@ -385,7 +385,7 @@ package_checks=(
   "purge          purging the package removes everything of it"
   "archive        the .tar.gz runs in a folder with a blank in its name, as docs/operating.md shows"
   "bare           the tools start with nothing but the C library; with the C++ library, the codec works"
-  "readme         the archive's README and copyright are on top, and name what is there"
+  "readme         the archive's README and copyright are on top; its paths exist"
   "examples       the hosts in C build with CMake and pkg-config, and run the codec"
   "rpm            RPM's generator finds no library of a host in any packaged file"
   "lintian        lintian finds nothing but the licence to be chosen"

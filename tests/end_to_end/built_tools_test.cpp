@@ -35,7 +35,7 @@ std::string nameOf(const ::testing::TestParamInfo<const char*>& info) {
 
 } // namespace
 
-// The parts of the C library, of which the loader is one.
+// The parts of the C library, the loader included.
 TEST_P(StaticFileTest, NeedsTheCLibraryAndTheClientLibraryOnly) {
   const Pattern allowed(R"(libtvclient\.so\.10\.15|lib[cm]\.so\.6|ld-linux-[a-z0-9-]+\.so\.[12])");
   for (const std::string& name : file_.dynamicEntries("NEEDED")) {
@@ -44,7 +44,7 @@ TEST_P(StaticFileTest, NeedsTheCLibraryAndTheClientLibraryOnly) {
 }
 
 // 2.34 has the threads and the loader's functions in the C library itself, and the start of a
-// program: what is built with a later one cannot ask for less.
+// program. A program that is built with a later one cannot ask for less.
 TEST_P(StaticFileTest, RunsOnTheCLibraryOf2021) {
   EXPECT_LE(file_.highest("GLIBC_").first, (std::vector{2, 34}));
   EXPECT_THAT(file_.highest("GLIBCXX_").first, IsEmpty());

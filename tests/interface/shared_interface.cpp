@@ -3,7 +3,7 @@
 //
 //   the host's functions       by their declarations in host/
 //   the twelve entry points    by the definitions that VLT_EXPORT_CODEC makes
-//   other types of host/       those that no function leads to
+//   other types of host/       types to which no function leads
 //
 // Only this library has debugging information. It is read, never loaded.
 #include <utility>
