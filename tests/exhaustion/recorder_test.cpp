@@ -2,9 +2,6 @@
 // needing any, and the writer thread loses records and counts them.
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <thread>
-
 #include "tests/exhaustion/exhaustion_fixture.hpp"
 #include "tests/recording/chain.hpp"
 #include "tests/recording/recording.hpp"
@@ -35,7 +32,6 @@ class ExhaustedRecorder : private RecorderLibrary,
     int failures = recorders_.setNextTowardsHost(recorder, nullptr, ignore);
     failures += recorders_.start(recorder);
     failures += send(recorder);
-    if (awaits_writer_) awaitWriter();
     failures += recorders_.shutdown(recorder);
     return failures + recorders_.destroy(recorder);
   }
@@ -46,14 +42,6 @@ class ExhaustedRecorder : private RecorderLibrary,
           recorders_.sendBatchTowardsHost(recorder, batch_.data(), batch_.data() + batch_.size());
     }
     return failures;
-  }
-  // Until the writer thread was refused an allocation, or has written the messages sent.
-  void awaitWriter() const {
-    while (refusedElsewhere() == 0) {
-      const std::vector<recorded_file_t> files = recording();
-      if (!files.empty() && files.back().records.size() == 30) break;
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
   }
   // One line, unless there was no memory for it.
   static void expectReported(const std::vector<log_line_t>& lines) {
@@ -66,7 +54,6 @@ class ExhaustedRecorder : private RecorderLibrary,
     return readRecording(folder_.path(""), "recording");
   }
 
-  bool awaits_writer_ = false; // before the shutdown
   const TemporaryFolder folder_;
   const data_t settings_ = recorderSettings(folder_.path(""), "recordingName", text("recording"),
                                             "omit", listOf(text("payload.text")));
@@ -140,10 +127,6 @@ class ExhaustedWriter : public ExhaustedRecorder {
 
 TEST_F(ExhaustedWriter, LosesRecordsOnly) { exhaust(false); }
 TEST_F(ExhaustedWriter, LosesRecordsOnlyForGood) { exhaust(true); }
-TEST_F(ExhaustedWriter, LosesRecordsOnlyWellBeforeShutdown) {
-  awaits_writer_ = true;
-  exhaust(false);
-}
 
 } // namespace
 } // namespace com::velanto::connectivity::test
