@@ -44,7 +44,7 @@ std::span<Slot> slotsOf(RawTable* table) noexcept {
   return {reinterpret_cast<Slot*>(table + 1), static_cast<size_t>(table->capacity)};
 }
 
-bool isLive(const Slot& slot) noexcept { return slot.key.tag != VLT_TAG_EMPTY; }
+bool isLive(const Slot& slot) noexcept { return slot.hash > 1; } // 0 is free, 1 is deleted
 
 Slot* findSlot(RawTable* table, const RawValue& key) {
   return probe(table, key, hashOf(key)).found;
