@@ -89,7 +89,8 @@ TEST_F(RecordingEnds, KilledProcessLeavesWholeLines) {
     static_cast<void>(recording());
   }
   EXPECT_GT(recordsIn(recording()), 0);
-  EXPECT_FALSE(recording().back().foot);
+  const std::optional<foot_t> foot = recording().back().foot;
+  EXPECT_TRUE(!foot || foot->next); // it may die between two files
   EXPECT_LE(bytesIn(folder_.path("")), 4U << 20U);
 }
 
