@@ -75,7 +75,7 @@ package_into() {
 # build_for_packages: all that is installed.
 build_for_packages() {
   configure "$package_preset"
-  grep --quiet '^VLT_CLIENT_LIBRARY:[A-Z]*=$' "build/$package_preset/CMakeCache.txt" ||
+  grep --quiet '^VLT_CLIENT_LIBRARY:[^=]*=$' "build/$package_preset/CMakeCache.txt" ||
     fail "build/$package_preset is configured with VLT_CLIENT_LIBRARY: there is no package of that"
   build "$package_preset" all ostrovia-replay-shared ostrovia-check-plugin-shared
 }

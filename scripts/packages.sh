@@ -16,7 +16,7 @@
 #   package   ./dev package: dependencies of a .deb, what of a package is a program, the bill of
 #             materials, and the source of a library that the tools link
 #   root      ./dev test-package, together with package: a clean Debian to install in, judges of
-#             packages, and a second user and processor
+#             packages, and a second user, processor and locale
 #   cluster   ./dev test-cluster, together with package: a clean Debian for its daemons, and what
 #             enters it
 #   bench     ./dev bench; besides, scripts/bench.sh unpacks libboost1.81-dev, which conflicts with
@@ -62,6 +62,7 @@ declare -A package_groups=(
   [root]="
     debootstrap=debootstrap python3=python3
     lintian=lintian rpm=/usr/lib/rpm/elfdeps pkg-config=pkg-config util-linux=setpriv
+    locales=/usr/share/i18n/locales/tr_TR
     debian-archive-keyring=/usr/share/keyrings/debian-archive-keyring.gpg
   "
   [cluster]="

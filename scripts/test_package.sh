@@ -330,13 +330,14 @@ make_elsewhere() {
   mkdir "$elsewhere/build"
   tar --create --exclude=./build . | tar --extract --directory "$elsewhere"
   cp -r build/simdjson "$elsewhere/build"
+  localedef --no-archive -i tr_TR -f UTF-8 "$elsewhere/build/tr_TR.UTF-8"
   chown --recursive nobody "$elsewhere"
   (
     cd "$elsewhere"
     umask 077
     exec unshare --mount --pid --fork --mount-proc taskset --cpu-list 0 \
       setpriv --reuid nobody --clear-groups env --ignore-environment "PATH=$PATH" \
-      "HOME=$elsewhere/build" LC_ALL=C.UTF-8 LANGUAGE=tr TZ=Pacific/Apia \
+      "HOME=$elsewhere/build" "LOCPATH=$elsewhere/build" LC_ALL=tr_TR.UTF-8 TZ=Pacific/Apia \
       CMAKE_BUILD_PARALLEL_LEVEL=1 ./dev package
   ) >"$package_folder/elsewhere.log" 2>&1 </dev/null &
   elsewhere_process=$!
