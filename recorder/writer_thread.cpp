@@ -157,7 +157,7 @@ void WriterThread::settle() noexcept {
 void WriterThread::write(const RecordingBuffer::taken_t& taken) {
   const bool waits = is_failing_ && milliseconds() < next_attempt_ && !is_stopping_;
   if (waits || is_full_) return files_.lose(taken.lines);
-  const bool has_work = !taken.lines.empty() || (taken.state != State::ON && files_.isOpen());
+  const bool has_work = !taken.lines.empty() || (taken.state != State::ON && files_.isUnfinished());
   if (!has_work) return;
   if (!files_.write(taken.lines)) return reportFull();
   if (taken.state != State::ON) files_.finish(taken.seen, taken.filtered);

@@ -73,6 +73,18 @@ TEST_F(RecorderTroubleTest, MissingFolderCostsRecordsAndOneLine) {
                                           std::to_string(counts.lost))));
 }
 
+TEST_F(RecorderTroubleTest, LossesJustBeforeTheShutdownAreInAGap) {
+  std::filesystem::remove(folder_.path());
+  const auto recorder = make();
+  recorder->start();
+  send(*recorder, event("a"));
+  waitUntil([&] { return !takeLog().empty(); });
+  std::filesystem::create_directory(folder_.path());
+  recorder->shutdown();
+  ASSERT_THAT(folder_.gaps(), SizeIs(1));
+  EXPECT_EQ(folder_.counts(), (counts_t{1, 0, 0, 1}));
+}
+
 TEST_F(RecorderTroubleTest, StoppedRecordingLosesTheRest) {
   const auto recorder =
       make("maxFiles", whole(1), "maxFileMebibytes", whole(1), "whenFull", text("stop"));
