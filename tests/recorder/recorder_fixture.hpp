@@ -4,20 +4,19 @@
 #define VLT_TESTS_RECORDER_RECORDER_FIXTURE_HPP
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "plugin/plugin_constructor_parameters.hpp"
 #include "recorder/ostrovia_notifications_recorder.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"
+#include "tests/support/waiting.hpp"
 #include "tests/tools/temporary_folder.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -82,15 +81,6 @@ class RecordingFolder {
   TemporaryFolder folder_;
   std::filesystem::path path_ = folder_.path("");
 };
-
-// Waits until `condition` holds, as it must at some time.
-inline void waitUntil(const std::function<bool()>& condition) {
-  for (int i = 0; i < 3000; ++i) {
-    if (condition()) return;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  throw std::runtime_error("waited for nothing");
-}
 
 // A link that does what a test asks for.
 class AnyLink final : public HostSide, public TransportSide {

@@ -15,6 +15,7 @@
 #include "tests/recording/small_disk.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/plugin_library.hpp"
+#include "tests/support/waiting.hpp"
 #include "tests/tools/temporary_folder.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -84,6 +85,7 @@ TEST_F(RecordingEnds, KilledProcessLeavesWholeLines) {
       return 1;
     });
     std::this_thread::sleep_for(life);
+    if (life == 400ms) waitUntil([this] { return bytesIn(folder_.path("")) > 100'000; });
     kill(child, SIGKILL);
     EXPECT_EQ(endOf(child), -SIGKILL);
     static_cast<void>(recording());
