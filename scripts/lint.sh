@@ -5,10 +5,14 @@
 #   lint_shell    shellcheck is content with every script
 #   lint_scripts  the scripts that have tests pass them
 #   lint_layers   includes point down, no cycles, files stay short
+#   lint_c        gcc's path analysis finds nothing in the hosts written in C; of C++ it knows too little
+#   lint_values   cppcheck finds nothing in code that a host loads
 #   lint_tidy     clang-tidy is content with every source
 #
 #   prove_headers  every header is self-contained
 #   prove_calls    no function of the library is there for tests alone
+#   prove_values   cppcheck finds nothing in all other code but the tests
+#   prove_bench    clang-tidy is content with the benchmarks, which need packages of their own
 #   prove_paths    clang's path analysis finds nothing in code that a host loads
 #
 # The cheap checks come first. The second group takes minutes and seldom finds anything, so it is not
@@ -58,6 +62,29 @@ lint_layers() {
   c_and_cpp_files | xargs python3 scripts/check_layers.py
 }
 
+lint_c() {
+  project_files '*.c' |
+    xargs --max-args=1 gcc-12 -std=c11 -fanalyzer -O1 -Wall -Wextra -Werror -I . -c -o /dev/null
+}
+
+lint_values() { analyse_values host plugin codec recorder value; }
+
+prove_values() { analyse_values bench fuzz identity ndjson runtime standin tools; }
+
+# analyse_values FOLDER…
+analyse_values() {
+  cppcheck --quiet --error-exitcode=1 -j "$CMAKE_BUILD_PARALLEL_LEVEL" --std=c++20 -I . \
+    --enable=warning,performance,portability --library=posix --template=gcc \
+    --suppressions-list=scripts/cppcheck_suppressions.txt "$@"
+}
+
+prove_bench() {
+  set_up bench
+  unpack_boost_json
+  cmake --preset lint --log-level=NOTICE -B build/lint-bench -D VLT_BUILD_BENCH=ON >&2
+  python3 scripts/run_clang_tidy.py build/lint-bench bench
+}
+
 prove_calls() {
   list_sources
   python3 scripts/check_unreferenced.py build/lint
@@ -79,9 +106,9 @@ prove_paths() {
   python3 scripts/run_clang_tidy.py build/lint --paths
 }
 
-lint() { run_steps lint format shell scripts layers tidy; }
+lint() { run_steps lint format shell scripts layers c values tidy; }
 
-prove() { run_steps prove calls headers paths; }
+prove() { run_steps prove calls headers values bench paths; }
 
 # run_steps GROUP STEP…
 run_steps() {

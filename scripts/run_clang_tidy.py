@@ -13,10 +13,11 @@ names it.
 A source that passes is remembered by its key, a hash over everything of ours that can change the
 outcome, in <build>/clang-tidy/passed.json.
 
-With --paths it makes the path analysis (clang-analyzer) instead, which takes minutes: for the code
+With names of LAYERS it reads their sources alone. With --paths it makes the path analysis (clang-analyzer) instead, which takes minutes: for the code
 that is loaded into a host's process, each source alone. All else runs under the sanitizers.
 
-usage: run_clang_tidy.py BUILD_FOLDER [--paths]    in the project's root; exit status 1 on any finding
+usage: run_clang_tidy.py BUILD_FOLDER [--paths | LAYER…]    in the project's root; exit status 1 on any
+                                                            finding
 """
 
 import concurrent.futures
@@ -192,7 +193,8 @@ def confirmed(work, batch, output):
 
 
 def main():
-    build, paths = pathlib.Path(sys.argv[1]), sys.argv[2:] == ["--paths"]
+    build, chosen = pathlib.Path(sys.argv[1]), sys.argv[2:]
+    paths = chosen == ["--paths"]
     work = build / "clang-tidy"
     work.mkdir(exist_ok=True)
     graph = IncludeGraph(ROOT)
@@ -205,8 +207,9 @@ def main():
 
     sources = [Source(entry, graph, version) for entry in entries]
     layers = sorted({source.layer for source in sources})
-    if paths:
-        sources = [source for source in sources if source.layer in LAYERS_OF_PATHS]
+    if chosen:
+        chosen = LAYERS_OF_PATHS if paths else chosen
+        sources = [source for source in sources if source.layer in chosen]
     marks = work / ("passed_paths.json" if paths else "passed.json")
     passed = json.loads(marks.read_text(encoding="utf-8")) if marks.is_file() else {}
     stale = [source for source in sources if passed.get(source.name) != source.key]
