@@ -6,6 +6,7 @@
 #   build     compiling with g++ 12 and running the tests; git tells the commit of a build
 #   clang     the presets `clang` and `quick`, and clang-tidy's view of the sources
 #   lint      ./dev lint, ./dev format
+#   costs     ./dev costs
 #   coverage  ./dev coverage
 #   fuzz      ./dev fuzz and the preset `sanitize`, together with clang: the fuzzer's and the
 #             sanitizers' runtime, and names in their reports
@@ -43,10 +44,14 @@ declare -A package_groups=(
   "
   [clang]="clang-14=clang++-14"
   [lint]="
-    clang-format-14=clang-format-14 clang-tidy-14=clang-tidy-14
+    clang-format-14=clang-format-14 clang-tidy-14=clang-tidy-14 cppcheck=cppcheck
     git=git python3=python3 shellcheck=shellcheck
   "
-  [coverage]="gcovr=gcovr"
+  [costs]="valgrind=valgrind"
+  [coverage]="
+    clang-19=clang++-19 llvm-19=llvm-cov-19 python3=python3
+    libclang-rt-19-dev=/usr/lib/llvm-19/lib/clang/*/lib/linux/libclang_rt.profile-*.a
+  "
   [fuzz]="
     libclang-rt-14-dev=/usr/lib/llvm-14/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a
     llvm-14=llvm-symbolizer-14 python3=python3
@@ -157,9 +162,10 @@ apt_get() {
 # checks the signatures, with lists of its own, since most machines have none of sources.
 set_up_simdjson() {
   local folder=build/simdjson part=$PWD/build/simdjson.part version mirror
-  version=$(dpkg-query --show --showformat='${source:Version}' libsimdjson-dev)
+  # Headers from elsewhere will do, too: then Debian's newest source.
+  version=$(dpkg-query --show --showformat='${source:Version}' libsimdjson-dev 2>/dev/null) || version=''
   [[ -f $folder/simdjson.cpp && $(cat "$folder/version") == "$version" ]] && return
-  note "unpacking the source of simdjson $version into $folder"
+  note "unpacking the source of simdjson ${version:+$version }into $folder"
   mirror=$(debian_mirror)
   rm -rf "$part" "$folder"
   mkdir -p "$part/lists/partial"
@@ -168,7 +174,7 @@ set_up_simdjson() {
     --option Dir::Etc::SourceParts=/dev/null --option "Dir::State::Lists=$part/lists"
     --option "APT::Sandbox::User=$(id --user --name)")
   apt_get -- update "${lists[@]}"
-  (cd "$part" && apt_get -- source "${lists[@]}" --download-only "simdjson=$version")
+  (cd "$part" && apt_get -- source "${lists[@]}" --download-only "simdjson${version:+=$version}")
   dpkg-source --no-check --extract "$part"/*.dsc "$part/source" >/dev/null
   mkdir "$folder"
   cp "$part"/source/singleheader/simdjson.{cpp,h} "$part/source/debian/copyright" "$folder"
