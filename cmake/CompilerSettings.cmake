@@ -27,6 +27,9 @@ function(vlt_compile_quickly target)
 endfunction()
 
 if(VLT_COVERAGE)
-  add_compile_options(--coverage -fno-inline -fprofile-update=atomic)
-  add_link_options(--coverage)
+  add_compile_options(-fprofile-instr-generate -fprofile-update=atomic -fcoverage-mapping
+                      -fcoverage-mcdc
+                      # g++ 12's library uses what clang 19 knows to be deprecated
+                      -Wno-deprecated-declarations)
+  add_link_options(-fprofile-instr-generate)
 endif()
