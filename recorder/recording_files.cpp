@@ -236,7 +236,7 @@ void RecordingFiles::put(std::string_view& text, std::size_t size) {
 // ---- the end of a file
 
 void RecordingFiles::finish(std::uint64_t seen, std::uint64_t filtered) {
-  if (!isUnfinished() || (!file_.isOpen() && !open())) return;
+  if (!file_.isOpen() && !open()) return;
   writeGapOfDisk();
   close({seen, recorded_, filtered, lost()}, false);
 }

@@ -74,14 +74,14 @@ class RecordingFiles {
   // Counts lines as lost because of the disk, without an attempt.
   void lose(std::string_view lines) noexcept;
 
-  // Writes the foot into the open file and closes it. Without an open file, lost messages begin one
-  // for their gap. `seen` and `filtered` are the recorder's so far; lines written or lost here have
+  // Writes the foot into the open file and closes it. Without an open file it begins one, for the
+  // gap of lost messages. `seen` and `filtered` are the recorder's so far; lines written or lost here have
   // all its other messages. Throws DiskError and std::bad_alloc; the foot then waits for the next call.
   void finish(std::uint64_t seen, std::uint64_t filtered);
 
   [[nodiscard]] std::uint64_t recorded() const noexcept { return recorded_; }
   [[nodiscard]] std::uint64_t lost() const noexcept { return lost_ + gap_.lost; }
-  // Whether `finish` has anything to write.
+  // Whether there is anything to finish.
   [[nodiscard]] bool isUnfinished() const noexcept { return file_.isOpen() || gap_.lost != 0; }
   // The path of the current file, or of the last one; empty before the first.
   [[nodiscard]] const std::string& path() const noexcept { return path_; }

@@ -1,6 +1,7 @@
 // The recorder in trouble, and the ways in which it says so: refused creations, lines in the log, the
 // status of the host.
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -83,6 +84,28 @@ TEST_F(RecorderTroubleTest, LossesJustBeforeTheShutdownAreInAGap) {
   recorder->shutdown();
   ASSERT_THAT(folder_.gaps(), SizeIs(1));
   EXPECT_EQ(folder_.counts(), (counts_t{1, 0, 0, 1}));
+}
+
+TEST_F(RecorderTroubleTest, WithoutAThreadMessagesPassAndAreLost) {
+  const auto recorder = make();
+  const pid_t child = fork();
+  if (child == 0) {
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_NPROC, &none);
+    static_cast<void>(setuid(65534)); // the limit is not for root
+    recorder->start();
+    send(*recorder, event("a"));
+    recorder->shutdown();
+    const std::vector<log_line_t> log = takeLog();
+    _exit(log.size() == 1 && log[0] == line("Recording fails: cannot start a thread. Messages pass "
+                                            "on and are not recorded until it works again")
+              ? 0
+              : 1);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+  EXPECT_THAT(folder_.recordings(), IsEmpty());
 }
 
 TEST_F(RecorderTroubleTest, StoppedRecordingLosesTheRest) {
@@ -188,6 +211,19 @@ TEST_F(StatusTest, CountersReachTheHost) {
   send(*recorder, event("late"));
   recorder.reset();
   EXPECT_THAT(takeStatus(), ElementsAre("3 1 1 1 " + path));
+}
+
+TEST_F(StatusTest, NextSecondHasTheNextReport) {
+  auto recorder = make();
+  recorder->start();
+  send(*recorder, event("a"));
+  texts_t status;
+  waitUntil([&] { return !(status = takeStatus()).empty(); });
+  EXPECT_THAT(status.back(), testing::StartsWith("1 1 0 0 "));
+  send(*recorder, event("b"));
+  waitUntil([&] { return !(status = takeStatus()).empty(); });
+  EXPECT_THAT(status.back(), testing::StartsWith("2 2 0 0 "));
+  recorder->shutdown();
 }
 
 TEST_F(StatusTest, UnchangedCountersAreNotReported) {

@@ -145,10 +145,36 @@ TEST_F(RecordingFilesTest, FilesOfEarlierRunsCountIntoTheBound) {
   std::ofstream(folder_.path() / "n.000042.ndjson") << "x";
   std::ofstream(folder_.path() / "n.000042.ndjsonx") << "x";
   std::ofstream(folder_.path() / "m.000099.ndjson") << "x";
+  std::ofstream(folder_.path() / "n.0000421.ndjson") << "x";
+  std::ofstream(folder_.path() / "n.00x042.ndjson") << "x";
   RecordingFiles files = make("maxFiles", whole(2));
   EXPECT_TRUE(files.write(line(100)));
   EXPECT_THAT(folder_.recordings(),
-              ElementsAre("m.000099.ndjson", "n.000042.ndjson", "n.000043.ndjson"));
+              ElementsAre("m.000099.ndjson", "n.000042.ndjson", "n.0000421.ndjson",
+                          "n.000043.ndjson", "n.00x042.ndjson"));
+}
+
+TEST_F(RecordingFilesTest, OtherThingsUnderItsNameAreErrors) {
+  const std::string path = folder_.path().string() + "/n.000001.ndjson";
+  RecordingFiles files = make("maxFiles", whole(1));
+  std::filesystem::create_symlink("nowhere", path);
+  EXPECT_EQ(errorOf([&] { return files.write(line(100)); }),
+            "cannot tell the size of " + path + ": Too many levels of symbolic links");
+  std::filesystem::remove(path);
+  std::filesystem::create_directory(path);
+  EXPECT_EQ(errorOf([&] { return files.write(line(100)); }),
+            "cannot remove " + path + ": Is a directory");
+  EXPECT_EQ(files.lost(), 2U);
+}
+
+TEST_F(RecordingFilesTest, LossesBeyondTheBoundAreOnlyCounted) {
+  std::ofstream(folder_.path() / "n.000001.ndjson") << "x";
+  RecordingFiles files = make("maxFiles", whole(1), "whenFull", text("stop"));
+  files.takeName();
+  files.lose(line(100));
+  files.finish(1, 0);
+  EXPECT_EQ(files.lost(), 1U);
+  EXPECT_THAT(folder_.lines(), ElementsAre("x"));
 }
 
 TEST_F(RecordingFilesTest, CompressedFilesKeepTheirNumbers) {

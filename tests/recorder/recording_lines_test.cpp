@@ -78,6 +78,7 @@ TEST(RecordingLinesTest, PassageCountsMessagesAndGaps) {
   EXPECT_EQ(passage.recorded, 2U);
   EXPECT_EQ(passage.lost, 2U);
   EXPECT_EQ(readPassage("").first, 0U);
+  EXPECT_EQ(readPassage("{\"recorded\":{").recorded, 1U) << "a line without its end and number";
 }
 
 } // namespace
