@@ -184,4 +184,20 @@ std::vector<std::vector<std::string>> readTable(const document_t& document,
   return rows;
 }
 
+bool matches(std::string_view pattern, std::string_view text) {
+  constexpr std::string_view ANYTHING = "…";
+  std::size_t gap = pattern.find(ANYTHING);
+  if (gap == std::string_view::npos) return pattern == text;
+  if (text.substr(0, gap) != pattern.substr(0, gap)) return false;
+  text.remove_prefix(gap);
+  pattern.remove_prefix(gap + ANYTHING.size());
+  for (; (gap = pattern.find(ANYTHING)) != std::string_view::npos;
+       pattern.remove_prefix(gap + ANYTHING.size())) {
+    const std::size_t at = text.find(pattern.substr(0, gap));
+    if (at == std::string_view::npos) return false;
+    text.remove_prefix(at + gap);
+  }
+  return text.ends_with(pattern);
+}
+
 } // namespace com::velanto::connectivity::test

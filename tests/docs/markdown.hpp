@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace com::velanto::connectivity::test {
@@ -66,6 +67,9 @@ struct examples_t {
 // cells.
 [[nodiscard]] std::vector<std::vector<std::string>> readTable(const document_t& document,
                                                               const std::string& first_column);
+
+// Whether `text` is `pattern`, in which each … is any text.
+[[nodiscard]] bool matches(std::string_view pattern, std::string_view text);
 
 } // namespace com::velanto::connectivity::test
 

@@ -96,4 +96,14 @@ TEST(Table, MissingTableAndShortRowAreRefused) {
             "text:3: the row is not as long as the head");
 }
 
+TEST(Patterns, EllipsisMatchesAnyText) {
+  EXPECT_TRUE(matches("a", "a"));
+  EXPECT_FALSE(matches("a", "ab"));
+  EXPECT_TRUE(matches("a '…': b", "a '': b"));
+  EXPECT_TRUE(matches("a '…': b", "a 'x': ': b"));
+  EXPECT_FALSE(matches("a '…': b", "a 'x': c"));
+  EXPECT_TRUE(matches("…m…e", "middle, not the end: me"));
+  EXPECT_FALSE(matches("a…m…e", "amd"));
+}
+
 } // namespace com::velanto::connectivity::test
