@@ -16,8 +16,9 @@ from includes import IncludeGraph
 
 # Layer: the layers below it, which it may include with all that is below them. A layer is a folder;
 # a folder in it can be a layer of its own. The tools find the plug-in at run time, never by include.
-# Fuzz targets check against the models that the tests have; those stay with the tests. The plain
-# build is a second reading of the documents, so it must see nothing of the first.
+# Fuzz targets check against the models that the tests have; those stay with the tests. Simulated lives
+# send the messages of a fuzz target. The plain build is a second reading of the documents, so it must
+# see nothing of the first.
 LAYERS = {
     "identity": [],
     "runtime": [],
@@ -45,6 +46,7 @@ LAYERS = {
     "tests": ["codec", "recorder", "tools/replay", "tools/check"],
     "tests/plain_build": ["host"],
     "fuzz": ["tests"],
+    "tests/simulation": ["fuzz"],
 }
 
 LONG = 400

@@ -14,6 +14,7 @@ namespace com::velanto::connectivity::fuzz {
 struct blocks_t {
   std::vector<const void*> all;
   std::vector<const void*> uncopied; // lists, buffers, custom objects, which are only ever moved
+  bool are_shared = false;           // two values own the same block
 };
 
 class Batch {
@@ -30,7 +31,6 @@ class Batch {
   }
   [[nodiscard]] std::size_t size() const { return messages_.size(); }
 
-  // A finding when two values own the same block.
   [[nodiscard]] blocks_t blocks() const;
 
  private:

@@ -55,7 +55,9 @@ samples_t read() {
     auto& messages = path.filename() == "failing.ndjson" ? result.failing : result.messages;
     for (std::string line; std::getline(lines, line);) {
       const Message message = reader.parseMessage(line);
-      const auto& bytes = reinterpret_cast<const vlt_underlying_message_t&>(message);
+      const vlt_underlying_message_t bytes{
+          *message.getPayload().underlying(),
+          const_cast<vlt_underlying_map_table_t*>(message.getMetadataMap().table())};
       const message_t& added = messages.emplace_back(modelOf(bytes));
       collectWords(added.payload, words);
       collectWords(added.metadata, words);

@@ -97,6 +97,7 @@ outcome_t WatchedPlugin::send(send_t function, Batch& batch) {
 
   require(outcome.result == 0 || outcome.result == 1, "a result is 0 or 1");
   const blocks_t after = batch.blocks();
+  require(!before.are_shared && !after.are_shared, "a block has one owner");
   requireBlocks(elsewhere + static_cast<std::int64_t>(after.all.size()));
   require(build_ == Build::PLAIN || std::includes(before.uncopied.begin(), before.uncopied.end(),
                                                   after.uncopied.begin(), after.uncopied.end()),
