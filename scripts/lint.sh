@@ -14,6 +14,7 @@
 #   prove_values   cppcheck finds nothing in all other code but the tests
 #   prove_bench    clang-tidy is content with the benchmarks, which need packages of their own
 #   prove_paths    clang's path analysis finds nothing in code that a host loads
+#   prove_lives    no life of tests/simulation breaks a law, of a million or of the number given
 #
 # The cheap checks come first. The second group takes minutes and seldom finds anything, so it is not
 # part of each run of the tests.
@@ -106,9 +107,34 @@ prove_paths() {
   python3 scripts/run_clang_tidy.py build/lint --paths
 }
 
+# prove_lives [NUMBER]: from the seeds after those of the tests, shared by the processors.
+prove_lives() {
+  local count=${1:-1000000} first=10000 parts=$CMAKE_BUILD_PARALLEL_LEVEL part failed=0
+  local -a running=()
+  [[ $count =~ ^[1-9][0-9]*$ ]] || fail "no number of lives: '$count'"
+  build release ostrovia-lives
+  for ((part = 0; part < parts; part++)); do
+    build/release/bin/ostrovia-lives build/release/bin/libOstroviaNotifications{2Codec,Recorder}.so \
+      --seeds $((first + count * part / parts))-$((first + count * (part + 1) / parts - 1)) &
+    running+=($!)
+  done
+  for part in "${running[@]}"; do
+    wait "$part" || failed=1
+  done
+  return "$failed"
+}
+
 lint() { run_steps lint format shell scripts layers c values tidy; }
 
-prove() { run_steps prove calls headers values bench paths; }
+# prove [lives NUMBER]: all steps, or so many lives.
+prove() {
+  if (($#)); then
+    [[ $1 == lives && $# == 2 ]] || fail "prove takes nothing, or the word lives and a number"
+    prove_lives "$2"
+  else
+    run_steps prove calls headers values bench paths lives
+  fi
+}
 
 # run_steps GROUP STEP…
 run_steps() {
