@@ -14,7 +14,7 @@
 #   prove_values   cppcheck finds nothing in all other code but the tests
 #   prove_bench    clang-tidy is content with the benchmarks, which need packages of their own
 #   prove_paths    clang's path analysis finds nothing in code that a host loads
-#   prove_lives    no life of tests/simulation breaks a law, of a million or of the number given
+#   prove_words    reading eight digits at a time is right for every word, says a solver
 #
 # The cheap checks come first. The second group takes minutes and seldom finds anything, so it is not
 # part of each run of the tests.
@@ -47,9 +47,12 @@ lint_shell() {
   { project_files '*.sh' && printf '%s\n' dev .ci/run; } | xargs shellcheck --external-sources
 }
 
-lint_scripts() {
+lint_scripts() { test_scripts scripts; }
+
+# test_scripts FOLDER: runs the tests of the scripts in it, but not in folders below.
+test_scripts() {
   local output
-  output=$(python3 -m unittest discover --start-directory scripts --pattern 'test_*.py' 2>&1) ||
+  output=$(python3 -m unittest discover --start-directory "$1" --pattern 'test_*.py' 2>&1) ||
     fail "a script is broken:"$'\n'"$output"
 }
 
@@ -107,33 +110,24 @@ prove_paths() {
   python3 scripts/run_clang_tidy.py build/lint --paths
 }
 
-# prove_lives [NUMBER]: from the seeds after those of the tests, shared by the processors.
-prove_lives() {
-  local count=${1:-1000000} first=10000 parts=$CMAKE_BUILD_PARALLEL_LEVEL part failed=0
-  local -a running=()
-  [[ $count =~ ^[1-9][0-9]*$ ]] || fail "no number of lives: '$count'"
-  build release ostrovia-lives
-  for ((part = 0; part < parts; part++)); do
-    build/release/bin/ostrovia-lives build/release/bin/libOstroviaNotifications{2Codec,Recorder}.so \
-      --seeds $((first + count * part / parts))-$((first + count * (part + 1) / parts - 1)) &
-    running+=($!)
-  done
-  for part in "${running[@]}"; do
-    wait "$part" || failed=1
-  done
-  return "$failed"
+prove_words() {
+  test_scripts scripts/prove
+  python3 scripts/prove/words.py codec/timestamps.cpp
 }
 
 lint() { run_steps lint format shell scripts layers c values tidy; }
 
-# prove [lives NUMBER]: all steps, or so many lives.
+prove_steps=(calls headers values bench paths words)
+
+# prove [STEP…]: all steps without a name.
 prove() {
-  if (($#)); then
-    [[ $1 == lives && $# == 2 ]] || fail "prove takes nothing, or the word lives and a number"
-    prove_lives "$2"
-  else
-    run_steps prove calls headers values bench paths lives
-  fi
+  local step
+  for step in "$@"; do
+    [[ " ${prove_steps[*]} " == *" $step "* ]] ||
+      fail "there is no step '$step'; there are: ${prove_steps[*]}"
+  done
+  (($#)) || set -- "${prove_steps[@]}"
+  run_steps prove "$@"
 }
 
 # run_steps GROUP STEP…

@@ -7,6 +7,7 @@
 #   clang     the presets `clang` and `quick`, and clang-tidy's view of the sources
 #   lint      ./dev lint, ./dev format
 #   costs     ./dev costs
+#   prove     ./dev prove, together with clang and lint: a solver
 #   coverage  ./dev coverage
 #   fuzz      ./dev fuzz and the preset `sanitize`, together with clang: the fuzzer's and the
 #             sanitizers' runtime, and names in their reports
@@ -52,6 +53,7 @@ declare -A package_groups=(
     clang-19=clang++-19 llvm-19=llvm-cov-19 python3=python3
     libclang-rt-19-dev=/usr/lib/llvm-19/lib/clang/*/lib/linux/libclang_rt.profile-*.a
   "
+  [prove]="z3=z3"
   [fuzz]="
     libclang-rt-14-dev=/usr/lib/llvm-14/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a
     llvm-14=llvm-symbolizer-14 python3=python3
