@@ -14,6 +14,9 @@
 #   prove_values   cppcheck finds nothing in all other code but the tests
 #   prove_bench    clang-tidy is content with the benchmarks, which need packages of their own
 #   prove_paths    clang's path analysis finds nothing in code that a host loads
+#   prove_timestamps, prove_tables
+#                  every case of the spaces that tests/enumeration has, not only a share of them
+#   prove_lives    no life of tests/simulation breaks a law, of a million or of the number given
 #   prove_words    reading eight digits at a time is right for every word, says a solver
 #
 # The cheap checks come first. The second group takes minutes and seldom finds anything, so it is not
@@ -110,18 +113,64 @@ prove_paths() {
   python3 scripts/run_clang_tidy.py build/lint --paths
 }
 
+# share COMMAND…: on each processor, with the number of processors and its own, from 0.
+share() {
+  local part failed=0 parts=$CMAKE_BUILD_PARALLEL_LEVEL
+  local -a running=()
+  for ((part = 0; part < parts; part++)); do
+    "$@" "$parts" "$part" &
+    running+=($!)
+  done
+  for part in "${running[@]}"; do
+    wait "$part" || failed=1
+  done
+  return "$failed"
+}
+
+# enumerate_all NAME: all cases of a program of tests/enumeration.
+enumerate_all() {
+  build release "enumerate-$1"
+  share "build/release/bin/enumerate-$1"
+}
+
+prove_timestamps() { enumerate_all timestamps; }
+
+prove_tables() {
+  enumerate_all operations
+  enumerate_all inputs
+}
+
 prove_words() {
   test_scripts scripts/prove
   python3 scripts/prove/words.py codec/timestamps.cpp
 }
 
+# prove_lives [NUMBER]: from the seeds after those of the tests.
+prove_lives() {
+  local count=${1:-1000000}
+  [[ $count =~ ^[1-9][0-9]*$ ]] || fail "no number of lives: '$count'"
+  build release ostrovia-lives
+  share live_share "$count"
+}
+
+# live_share LIVES PARTS PART
+live_share() {
+  local first=10000
+  build/release/bin/ostrovia-lives build/release/bin/libOstroviaNotifications{2Codec,Recorder}.so \
+    --seeds $((first + $1 * $3 / $2))-$((first + $1 * ($3 + 1) / $2 - 1))
+}
+
 lint() { run_steps lint format shell scripts layers c values tidy; }
 
-prove_steps=(calls headers values bench paths words)
+prove_steps=(calls headers values bench paths words timestamps tables lives)
 
-# prove [STEP…]: all steps without a name.
+# prove [STEP…]: all steps without a name. prove lives NUMBER: so many lives.
 prove() {
   local step
+  if [[ $# == 2 && $1 == lives ]]; then
+    prove_lives "$2"
+    return
+  fi
   for step in "$@"; do
     [[ " ${prove_steps[*]} " == *" $step "* ]] ||
       fail "there is no step '$step'; there are: ${prove_steps[*]}"
