@@ -57,9 +57,7 @@ std::string channelPrefix(RawTable* settings) {
   const RawValue& prefix = slot->value;
   if (isString(prefix)) return textOf(prefix);
   char text[50] = "";
-  if (prefix.tag == VLT_TAG_BOOLEAN) { // a host may have set its byte to any number
-    return *reinterpret_cast<const unsigned char*>(&prefix.value) != 0 ? "true" : "false";
-  }
+  if (prefix.tag == VLT_TAG_BOOLEAN) return byteOf(prefix) != 0 ? "true" : "false";
   if (prefix.tag == VLT_TAG_INTEGER) return std::to_string(prefix.value.integer);
   if (prefix.tag == VLT_TAG_DOUBLE) std::snprintf(text, sizeof text, "%g", prefix.value.real);
   return text;

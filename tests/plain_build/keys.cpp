@@ -93,7 +93,7 @@ bool areEqualBuffers(const vlt_underlying_buffer_t* left, const vlt_underlying_b
 uint64_t hashOf(const RawValue& value, uint64_t seed) {
   switch (value.tag) {
     case VLT_TAG_BOOLEAN:
-      return value.value.boolean ? seed : ~seed;
+      return byteOf(value) != 0 ? seed : ~seed;
     case VLT_TAG_DOUBLE:
       return hashOfNumber(value.value.real == 0 ? 0.0 : value.value.real, seed);
     case VLT_TAG_INTEGER:
@@ -122,7 +122,7 @@ bool areEqual(const RawValue& left, const RawValue& right) {
     case VLT_TAG_EMPTY:
       return true;
     case VLT_TAG_BOOLEAN:
-      return left.value.boolean == right.value.boolean;
+      return byteOf(left) == byteOf(right);
     case VLT_TAG_DOUBLE:
       return left.value.real == right.value.real;
     case VLT_TAG_INTEGER:

@@ -77,6 +77,10 @@ RawValue Value::release() noexcept {
   return raw;
 }
 
+unsigned char byteOf(const RawValue& boolean) noexcept {
+  return *reinterpret_cast<const unsigned char*>(&boolean.value);
+}
+
 bool isString(const RawValue& value) noexcept {
   return value.tag == VLT_TAG_STRING || value.tag == VLT_TAG_BORROWED_STRING;
 }

@@ -42,6 +42,10 @@ class Value {
 constexpr const char* NULL_TEXT =
     "Cannot use a null char* as a data_t value (consider using an empty data_t() instead)";
 
+// The byte of a boolean, which a host may have set to any number. To read it as a bool would then be
+// undefined.
+unsigned char byteOf(const RawValue& boolean) noexcept;
+
 // Whether `value` is a string, owned or borrowed.
 bool isString(const RawValue& value) noexcept;
 
