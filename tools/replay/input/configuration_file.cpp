@@ -1,5 +1,6 @@
 #include "tools/replay/input/configuration_file.hpp"
 
+#include <yaml-cpp/eventhandler.h>
 #include <yaml-cpp/yaml.h>
 
 #include <algorithm>
@@ -119,9 +120,38 @@ std::string contentOf(const std::string& path) {
   return content.str();
 }
 
+// At a comma outside of a list, the library reads empty documents without an end. So this handler
+// refuses the second document at one place.
+class DocumentStarts final : public YAML::EventHandler {
+ public:
+  void OnDocumentStart(const YAML::Mark& mark) override {
+    if (begin_ == mark.pos) throw YAML::Exception(mark, "");
+    begin_ = mark.pos;
+  }
+  void OnDocumentEnd() override {}
+  void OnNull(const YAML::Mark&, YAML::anchor_t) override {}
+  void OnAlias(const YAML::Mark&, YAML::anchor_t) override {}
+  void OnScalar(const YAML::Mark&, const std::string&, YAML::anchor_t,
+                const std::string&) override {}
+  void OnSequenceStart(const YAML::Mark&, const std::string&, YAML::anchor_t,
+                       YAML::EmitterStyle::value) override {}
+  void OnSequenceEnd() override {}
+  void OnMapStart(const YAML::Mark&, const std::string&, YAML::anchor_t,
+                  YAML::EmitterStyle::value) override {}
+  void OnMapEnd() override {}
+
+ private:
+  std::optional<int> begin_; // of the last document
+};
+
 // The mapping of the first document; a null node without one.
 YAML::Node rootOf(const std::string& path, const Converter& converter) {
-  const std::vector<YAML::Node> documents = YAML::LoadAll(contentOf(path));
+  const std::string content = contentOf(path);
+  std::istringstream stream(content);
+  YAML::Parser parser(stream);
+  DocumentStarts starts;
+  while (parser.HandleNextDocument(starts)) continue;
+  const std::vector<YAML::Node> documents = YAML::LoadAll(content);
   for (std::size_t i = 1; i < documents.size(); ++i) {
     if (!documents[i].IsNull()) converter.refuse(documents[i].Mark(), "a second document");
   }

@@ -88,6 +88,9 @@ TEST_F(ConfigurationTest, OtherFilesAreRefusedWithTheirLine) {
       {"a: 1\nb: [1\n",
        "c.yaml:3:1: not well-formed YAML, here or just before; look at indentation, colons and "
        "quotes"},
+      {",\n",
+       "c.yaml:1:1: not well-formed YAML, here or just before; look at indentation, colons and "
+       "quotes"},
       {"a: 1\n b: 2\n",
        "c.yaml:2:3: not well-formed YAML, here or just before; look at indentation, colons and "
        "quotes"},
