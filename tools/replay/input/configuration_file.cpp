@@ -14,6 +14,7 @@
 #include <system_error>
 
 #include "ndjson/make_blocks.hpp"
+#include "ndjson/visible_text.hpp"
 #include "tools/options/exit_status.hpp"
 
 namespace com::velanto::connectivity::tools {
@@ -51,7 +52,7 @@ class Converter {
     throw ReplayError(EXIT_PLUGIN, path_ + ":" + placeOf(mark) + ": " + reason);
   }
   [[noreturn]] void refuseRepeated(const YAML::Node& key) const {
-    refuse(key.Mark(), "repeated key '" + key.Scalar() + "'");
+    refuse(key.Mark(), "repeated key '" + visible(key.Scalar()) + "'");
   }
   data_t textOf(const YAML::Node& node) const {
     if (node.Scalar().find('\0') != std::string::npos) {

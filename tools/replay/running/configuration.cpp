@@ -42,7 +42,7 @@ std::string fateOf(const configuration_entry_t& entry) {
 // The mistake in an entry, after its place, or nothing.
 std::string faultOf(const configuration_entry_t& entry) {
   const data_t& value = entry.value;
-  const std::string name = "'" + entry.key + "'";
+  const std::string name = "'" + visible(entry.key) + "'";
   if (std::find(KEYS.begin(), KEYS.end(), entry.key) == KEYS.end()) {
     return entry.key_place + ": unknown key " + name + " is ignored" + guessFor(entry.key, KEYS);
   }

@@ -81,6 +81,7 @@ TEST_F(ConfigurationTest, OtherFilesAreRefusedWithTheirLine) {
       {"- a\n", "c.yaml:1:1: not a mapping of keys to values"},
       {"tenantId: a\n\ntenantId: b\n", "c.yaml:3:1: repeated key 'tenantId'"},
       {"tenantId: t\nx:\n  - {a: 1, a: 2}\n", "c.yaml:3:12: repeated key 'a'"},
+      {"\"a\\nb\": 1\n\"a\\nb\": 2\n", "c.yaml:2:1: repeated key 'a\\u000ab'"},
       {"tenantId: t\n---\ntenantId: u\n", "c.yaml:3:1: a second document"},
       {"tenantId: t\nx: 9223372036854775808\n", "c.yaml:2:4: integer beyond 64 bits"},
       {"tenantId: t\n[1]: x\n", "c.yaml:2:1: a key that is no string"},
@@ -123,7 +124,7 @@ TEST_F(ConfigurationTest, SilentlyIgnoredEntriesAreReported) {
       "tenantId: t1\n"
       "tenantID: t2\n"
       "towardHostChannelPrefix: p\n"
-      "colour: blue\n"
+      "\"col\\nour\": blue\n"
       "measurementSplittingChannel: 5\n"
       "towardsHostChannelPrefix: [p]\n");
   EXPECT_EQ(result.status, 4);
@@ -133,7 +134,7 @@ TEST_F(ConfigurationTest, SilentlyIgnoredEntriesAreReported) {
             "c.yaml:3:1: unknown key 'tenantID' is ignored, did you mean 'tenantId'?\n"
             "c.yaml:4:1: unknown key 'towardHostChannelPrefix' is ignored, did you mean "
             "'towardsHostChannelPrefix'?\n"
-            "c.yaml:5:1: unknown key 'colour' is ignored\n"
+            "c.yaml:5:1: unknown key 'col\\u000aour' is ignored\n"
             "c.yaml:6:30: 'measurementSplittingChannel' is integer, not string, and silently "
             "becomes the default 'ostrovia.measurements'; put it in quotes\n"
             "c.yaml:7:27: 'towardsHostChannelPrefix' is list, not string, and silently becomes no "
