@@ -94,18 +94,17 @@ data_t Converter::scalar(const YAML::Node& node) const {
   if (text == "true" || text == "True" || text == "TRUE") return data_t(true);
   if (text == "false" || text == "False" || text == "FALSE") return data_t(false);
   std::string_view digits = text;
+  const bool is_signed = digits.starts_with('+') || digits.starts_with('-');
+  // After a sign, "inf" and "nan" are words, too.
+  if (digits.substr(is_signed ? 1 : 0).find_first_of(".0123456789") != 0) return textOf(node);
   if (digits.starts_with('+')) digits.remove_prefix(1);
   const auto decimal = numberIn<std::int64_t>(digits, 10);
   if (decimal) return data_t(*decimal);
-  if (digits.starts_with("0x")) {
+  if (digits.starts_with("0x") && !digits.starts_with("0x-")) {
     if (const auto hex = numberIn<std::int64_t>(digits.substr(2), 16)) return data_t(*hex);
   }
-  const bool is_integer =
-      !digits.empty() && digits.find_first_not_of("-0123456789") == std::string_view::npos &&
-      std::any_of(digits.begin(), digits.end(), [](char c) { return c != '-'; });
-  const bool begins_as_number =
-      !digits.empty() && std::string_view("-.0123456789").find(digits[0]) != std::string_view::npos;
-  const auto real = begins_as_number ? numberIn<double>(digits, 10) : std::nullopt;
+  const bool is_integer = digits.find_first_not_of("-0123456789") == std::string_view::npos;
+  const auto real = numberIn<double>(digits, 10);
   if (real && is_integer) refuse(node.Mark(), "integer beyond 64 bits");
   return real ? data_t(*real) : textOf(node);
 }
