@@ -4,11 +4,11 @@
 //   (2) Send each message alone, and compare with the laws (fuzz/plugin/laws.hpp) and with the
 //       second opinion, that of the plain build (fuzz/plugin/second_opinion.hpp).
 //   (3) Send all together: towards the transport unchanged, towards the host with the same outcome
-//       as alone and in their order.
+//       as alone and in their order. The second opinion gets all together, too.
 //   (4) Destroy the plug-in; no block is left.
 //
 // A run without memory, or with a link that throws or is missing, omits (2). In (3), it checks the
-// laws of every call only (fuzz/plugin/watched_plugin.hpp).
+// laws of every call (fuzz/plugin/watched_plugin.hpp) and, with memory, the second opinion.
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -63,7 +63,7 @@ void sendAlone(const scenario_t& scenario, const message_t& message, WatchedPlug
   Batch batch({&message, 1});
   const outcome_t outcome = chain.sendTowardsHost(batch);
   const verdict_t verdict = judge(scenario, message, batch[0], outcome);
-  if (plain != nullptr) requireSameOpinion(*plain, message, batch[0], outcome);
+  if (plain != nullptr) requireSameOpinion(*plain, {&message, 1}, batch, outcome);
   count(verdict);
   if (verdict.fate != fate_t::DROPPED) expected.kept.push_back(modelOf(batch[0]));
   expected.lines.insert(expected.lines.end(), outcome.lines.begin(), outcome.lines.end());
@@ -82,8 +82,17 @@ void sendTowardsTransport(const scenario_t& scenario, Batch& batch, WatchedPlugi
           "a link that throws is reported once");
 }
 
-void sendTogether(const scenario_t& scenario, WatchedPlugin& chain, const expectation_t& expected) {
+// The same of the plain build, whose batch is another one.
+void sendTowardsTransport(const scenario_t& scenario, WatchedPlugin* plain) {
+  if (plain == nullptr) return;
   Batch batch(scenario.messages);
+  sendTowardsTransport(scenario, batch, *plain);
+}
+
+void sendTogether(const scenario_t& scenario, WatchedPlugin& chain, WatchedPlugin* plain,
+                  const expectation_t& expected) {
+  Batch batch(scenario.messages);
+  sendTowardsTransport(scenario, plain);
   sendTowardsTransport(scenario, batch, chain);
   const outcome_t outcome = chain.sendTowardsHost(batch);
   require(outcome.result == 0, "a batch succeeds, also with dropped messages");
@@ -92,16 +101,21 @@ void sendTogether(const scenario_t& scenario, WatchedPlugin& chain, const expect
   for (std::size_t i = 0; i < expected.kept.size(); ++i) {
     requireNone(difference(batch[i], expected.kept[i]), "together and alone");
   }
+  if (plain != nullptr) requireSameOpinion(*plain, scenario.messages, batch, outcome);
 }
 
-void sendUnderFailure(const scenario_t& scenario, WatchedPlugin& chain) {
+void sendUnderFailure(const scenario_t& scenario, WatchedPlugin& chain, WatchedPlugin* plain) {
   Batch batch(scenario.messages);
+  sendTowardsTransport(scenario, plain);
   sendTowardsTransport(scenario, batch, chain);
   (scenario.refused_from_there_on ? standin_fail_allocations_from
                                   : standin_fail_allocation)(scenario.refused_in_batch);
   const outcome_t outcome = chain.sendTowardsHost(batch);
   const bool fails = scenario.links == links_t::THROWING;
   if (!fails) require(outcome.result == 0, "a batch succeeds, also with dropped messages");
+  if (plain != nullptr && scenario.refused_in_batch == 0) {
+    requireSameOpinion(*plain, scenario.messages, batch, outcome);
+  }
   if (scenario.links == links_t::NONE) return;
   require(outcome.kept.has_value(), "a batch is passed on, even an empty one");
   std::size_t reports = 0;
@@ -128,13 +142,13 @@ void run(const scenario_t& scenario) {
   }
   if (scenario.links != links_t::SET || scenario.refused_in_batch != 0) {
     ++counts.failing_batches;
-    return sendUnderFailure(scenario, chain);
+    return sendUnderFailure(scenario, chain, plain ? &*plain : nullptr);
   }
   expectation_t expected;
   for (const message_t& message : scenario.messages) {
     sendAlone(scenario, message, chain, plain ? &*plain : nullptr, expected);
   }
-  sendTogether(scenario, chain, expected);
+  sendTogether(scenario, chain, plain ? &*plain : nullptr, expected);
 }
 
 } // namespace

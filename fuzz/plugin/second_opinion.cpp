@@ -1,6 +1,7 @@
 #include "fuzz/plugin/second_opinion.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -56,19 +57,31 @@ std::string textOf(const std::vector<line_t>& lines) {
   return text;
 }
 
+// The kept messages in their order, and then the dropped ones, which have none. Without a link
+// nobody knows how many were kept.
+std::string textOf(const Batch& batch, const outcome_t& outcome) {
+  std::vector<std::string> messages;
+  for (std::size_t i = 0; i < batch.size(); ++i) {
+    const message_t message = modelOf(batch[i]);
+    messages.push_back(textOf(message.metadata) + " " + textOf(message.payload) + "\n");
+  }
+  std::sort(std::next(messages.begin(), static_cast<std::ptrdiff_t>(outcome.kept.value_or(0))),
+            messages.end());
+  std::string text;
+  for (const std::string& message : messages) text += message;
+  return text;
+}
+
 } // namespace
 
-void requireSameOpinion(WatchedPlugin& plain, const message_t& before,
-                        const vlt_underlying_message_t& after, const outcome_t& outcome) {
-  Batch batch({&before, 1});
+void requireSameOpinion(WatchedPlugin& plain, std::span<const message_t> before, const Batch& after,
+                        const outcome_t& outcome) {
+  Batch batch(before);
   const outcome_t opinion = plain.sendTowardsHost(batch);
   require(opinion.result == outcome.result, "both builds return the same");
   require(opinion.kept == outcome.kept, "both builds keep the same messages");
   requireSame(textOf(opinion.lines), textOf(outcome.lines), "the log");
-  const message_t theirs = modelOf(batch[0]);
-  const message_t ours = modelOf(after);
-  requireSame(textOf(theirs.payload), textOf(ours.payload), "the payload");
-  requireSame(textOf(theirs.metadata), textOf(ours.metadata), "the metadata");
+  requireSame(textOf(batch, opinion), textOf(after, outcome), "the messages");
 }
 
 } // namespace com::velanto::connectivity::fuzz
