@@ -4,6 +4,7 @@
 #define VLT_FUZZ_FINDING_HPP
 
 #include <string>
+#include <string_view>
 
 namespace com::velanto::connectivity::fuzz {
 
@@ -21,6 +22,11 @@ inline void requireNone(const std::string& difference, const char* what) {
 
 inline void require(bool holds, const char* law) {
   if (!holds) reportFinding(std::string("broken: ") + law);
+}
+
+// A refusal is clear when it says something, and on one line.
+inline void requireReason(std::string_view reason) {
+  require(!reason.empty() && reason.find('\n') == std::string_view::npos, "a reason is one line");
 }
 
 } // namespace com::velanto::connectivity::fuzz

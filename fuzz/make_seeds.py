@@ -11,6 +11,16 @@
   recording
            an odd byte and the end of a recorded line: of a sample's, and of each row of the
            notation; an even byte and random bytes, which are messages
+  recorder three bytes of settings, and random steps
+  decompression
+           a sample in each form, cut and damaged
+  configuration
+           a file with each kind of value, and files with each fault that has a reason of its own
+  dead_letters
+           a text of the log, and a line of the samples, with and without a remark
+  comparison
+           two neighbours of the samples; two values of every kind; a golden file
+  explain  a line of the samples
 
 usage: make_seeds.py FOLDER     writes FOLDER/TARGET/NAME; run in the project's root
 """
@@ -92,6 +102,48 @@ def of_every_kind():
     return payloads + paths
 
 
+def recorders():
+    """As fuzz/recorder.cpp reads them."""
+    return [bytes([files, 0, 0]) + program for files in range(4) for program in programs()]
+
+
+def compressed(lines):
+    """As fuzz/decompression.cpp reads them."""
+    return [bytes([form, members, 0, place, flips]) + lines[0].encode()
+            for form in range(2) for members in range(3) for place in (0, 20, 60) for flips in (0, 1)]
+
+
+def configurations():
+    values = ["12", "-7", "+7", "0x1F", "1.5", "1e3", "-.5", "true", "FALSE", "~", "null", "", "'12'",
+              '"a\\u00e9\\n\\0"', "[1, [a], {b: 2}]", "{a: [1], b: {}}", "|\n    two\n    lines",
+              ">-\n    one\n    line", "&a [x, *a]", "&a 1", "*a", "!!str 12", "9223372036854775808",
+              "-inf", "# remark", "a: b", "[1", "? [k]", "\u00e9"]
+    files = [f"tenantId: t1\nkey: {value}\n" for value in values]
+    files += [value for value in values if value[:1] in "-+.0123456789tFn"]
+    files += ["- a\n", "a: 1\na: 2\n", "a: 1\n---\nb: 2\n", "--- {a: 1}\n...\n", "[1]: x\n",
+              "a: 1\n b: 2\n", "", "%YAML 1.2\n---\na: 1\n", "\ufeffa: 1\n", "<<: {a: 1}\n"]
+    return [file.encode() for file in files]
+
+
+def dead_letters(lines):
+    """As fuzz/dead_letters.cpp reads them."""
+    log = "<connectivity.codec.chain> Error when transforming message towards host ('id' = '1'): "
+    texts = ["Key 'text' not found in payload", "Unrecognized alarm status: x", "", 'a "b" \\']
+    remark = '"dropped":{"file":"f","line":1,"reason":"r","key":"k","text":"t"}'
+    plain = [f"{log}{texts[i % len(texts)]}\n{line}" for i, line in enumerate(lines)]
+    again = [f"{log}\n{line[:-1]},{remark}}}" for line in lines[:3]]
+    return [text.encode() for text in [*plain, *again, log + "\n{}", f"{log}\n{{{remark}}}"]]
+
+
+def comparisons(lines):
+    pairs = [f"{one}\n{other}" for one, other in zip(lines, lines[1:])]
+    values = ["null", "true", "false", "1", "2", "1.0", '"a"', '"b"', "[]", "[1]", "{}", '{"a":1}']
+    pairs += [f'{{"k":{one}}}\n{{"k":{other}}}' for one in values for other in values]
+    golden = ['{"at":"a:1","outcome":"converted","event":{"payload":1}}', '{"made by":"a"}',
+              '{"at":"","outcome":"no message","log":[{"level":3,"text":"t"}]}']
+    return [text.encode() for text in [*pairs, "1.0\n1", "[1,{}]\n[2]", "\n".join(golden)]]
+
+
 def recordings(lines):
     """As fuzz/recording.cpp reads them."""
     digits = '"0123456789abcdef"'
@@ -122,6 +174,12 @@ def main():
     write(folder / "plugin", batches(len(common), len(failing))
           + spoilt(messages[:len(common)]) + of_every_kind())
     write(folder / "recording", recordings(lines))
+    write(folder / "recorder", recorders())
+    write(folder / "decompression", compressed(lines))
+    write(folder / "configuration", configurations())
+    write(folder / "dead_letters", dead_letters(lines))
+    write(folder / "comparison", comparisons(lines))
+    write(folder / "explain", [line.encode() for line in lines])
     write(folder / "replay", [line.encode() for line in lines + ["\n".join(lines[:3])]])
 
 

@@ -9,9 +9,9 @@
 #include <string>
 #include <string_view>
 
+#include "fuzz/block_count.hpp"
 #include "fuzz/finding.hpp"
 #include "ndjson/json_reader.hpp"
-#include "standin/standin.h"
 #include "tests/ndjson/recorded_law.hpp"
 #include "tools/replay/redacting/line_redactor.hpp"
 
@@ -52,10 +52,7 @@ void checkLine(std::string_view rest) {
   try {
     message = reader.parseMessage(line);
   } catch (const MalformedJson& e) {
-    const std::string_view reason = e.what();
-    fuzz::require(!reason.empty() && reason.find('\n') == std::string_view::npos,
-                  "a reason is one line");
-    return;
+    return fuzz::requireReason(e.what());
   }
   requireReadBack(message);
   checkRedaction(reader, line);
@@ -65,13 +62,12 @@ void checkLine(std::string_view rest) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
-  const std::int64_t live_before = standin_live_blocks_total();
+  const fuzz::BlockCount no_block_is_left;
   const std::span<const std::uint8_t> rest(data + 1, size - 1);
   if (data[0] % 2 == 0) {
     requireReadBack(test::messageFrom(rest));
   } else {
     checkLine({reinterpret_cast<const char*>(rest.data()), rest.size()});
   }
-  fuzz::require(standin_live_blocks_total() == live_before, "no block is left");
   return 0;
 }

@@ -12,11 +12,13 @@
 #   findings/TARGET   inputs that broke a check, crashed, leaked or took too long
 #   log/TARGET        the last run's output
 
-fuzz_targets=(plugin map replay recording time number)
+fuzz_targets=(plugin explain map replay recording recorder comparison dead_letters decompression
+  configuration time number)
 
 # The longest inputs, in bytes. Longer ones show little more and slow everything down.
 declare -A fuzz_longest=([time]=64 [number]=64 [map]=1024 [plugin]=256 [replay]=4096
-  [recording]=2048)
+  [recording]=2048 [recorder]=1024 [decompression]=1024 [configuration]=512 [dead_letters]=2048
+  [comparison]=2048 [explain]=1024)
 
 # An ordinary input takes milliseconds: one that takes seconds, on a busy machine too, found a way
 # to make the code slow. The memory includes 256 MB that AddressSanitizer holds back from reuse.
