@@ -4,13 +4,16 @@
 #   fuzz_all SECONDS             every target, as many at a time as there are processors
 #   fuzz_target TARGET SECONDS   one of them
 #   fuzz_file TARGET FILE        one input, once: the effect of a finding today
+#   fuzz_minimise                keeps the fewest inputs that reach all that is known, in fuzz/corpus
+#   fuzz_night HOURS             every target for its share of so many hours, then fuzz_minimise
 #
 # In build/fuzz, for each target:
 #
-#   seeds/TARGET      made from the samples by each run
+#   seeds/TARGET      made by each run from the samples and from fuzz/corpus, and run first
 #   corpus/TARGET     inputs that reached something new; later runs go on from there
 #   findings/TARGET   inputs that broke a check, crashed, leaked or took too long
 #   log/TARGET        the last run's output
+#   runs/TARGET       the number of inputs run so far
 
 fuzz_targets=(plugin explain map replay recording recorder comparison dead_letters decompression
   configuration time number)
@@ -50,7 +53,7 @@ fuzz_run() {
   local target=$1 seconds=$2 status=0 begin=$SECONDS
   local corpus=build/fuzz/corpus/$target findings=build/fuzz/findings/$target
   local log=build/fuzz/log/$target
-  mkdir -p "$corpus" "$findings" build/fuzz/log
+  mkdir -p "$corpus" "$findings" build/fuzz/{log,runs}
   touch "$log.begun"
   # Without the standard error of the code under test, which would fill the log line by line.
   fuzz_program "$target" -max_total_time="$seconds" -close_fd_mask=2 -print_final_stats=1 \
@@ -72,15 +75,19 @@ fuzz_run() {
   fi
 }
 
-# fuzz_closing_line TARGET LOG SECONDS FINDINGS
+# fuzz_closing_line TARGET LOG SECONDS FINDINGS: prints it, and adds the runs to those so far.
 fuzz_closing_line() {
-  awk -v target="$1" -v seconds="$3" -v findings="$4" '
+  local count=build/fuzz/runs/$1 before
+  before=$(cat "$count" 2>/dev/null) || before=0
+  awk -v target="$1" -v seconds="$3" -v findings="$4" -v before="$before" -v count="$count" '
     match($0, /cov: [0-9]+/) { coverage = substr($0, RSTART + 5, RLENGTH - 5) }
     /^stat::number_of_executed_units:/ { runs = $2 }
     /^COUNTS: / { counts = "; " substr($0, 9) }
     END {
-      printf "%s: %d runs, coverage %d, %d seconds, %d findings%s\n",
-             target, runs, coverage, seconds, findings, counts
+      # A %d ends at 31 bits.
+      printf "%s: %.0f runs, %.0f in all, coverage %d, %d seconds, %d findings%s\n",
+             target, runs, before + runs, coverage, seconds, findings, counts
+      printf "%.0f\n", before + runs >count
     }' "$2"
 }
 
@@ -88,6 +95,31 @@ prepare_fuzzing() {
   build_fuzz_targets "$@"
   rm -rf build/fuzz/seeds
   python3 fuzz/make_seeds.py build/fuzz/seeds
+  local target
+  for target in "$@"; do
+    # A new target has no corpus yet.
+    [[ ! -f fuzz/corpus/$target.txt ]] ||
+      python3 scripts/fuzz_corpus.py unpack "fuzz/corpus/$target.txt" "build/fuzz/seeds/$target"
+  done
+}
+
+# for_each_target FUNCTION [ARGS…]: as many at a time as there are processors. False: one of them failed.
+for_each_target() {
+  local function=$1 failed=0 running=0 target
+  shift
+  for target in "${fuzz_targets[@]}"; do
+    if ((running == CMAKE_BUILD_PARALLEL_LEVEL)); then
+      wait -n || failed=1
+      running=$((running - 1))
+    fi
+    "$function" "$target" "$@" &
+    running=$((running + 1))
+  done
+  while ((running > 0)); do
+    wait -n || failed=1
+    running=$((running - 1))
+  done
+  return "$failed"
 }
 
 fuzz_target() {
@@ -98,21 +130,41 @@ fuzz_target() {
 }
 
 fuzz_all() {
-  local seconds=$1 failed=0 running=0 target
+  local seconds=$1
   prepare_fuzzing "${fuzz_targets[@]}"
   note "fuzzing ${fuzz_targets[*]}, each for $seconds seconds"
-  for target in "${fuzz_targets[@]}"; do
-    if ((running == CMAKE_BUILD_PARALLEL_LEVEL)); then
-      wait -n || failed=1
-      running=$((running - 1))
-    fi
-    fuzz_run "$target" "$seconds" &
-    running=$((running + 1))
+  for_each_target fuzz_run "$seconds"
+}
+
+minimise_target() {
+  local target=$1 corpus=build/fuzz/corpus/$1 merged=build/fuzz/merged/$1
+  rm -rf "$merged"
+  mkdir -p "$merged" "$corpus" "build/fuzz/findings/$target" build/fuzz/log
+  fuzz_program "$target" -merge=1 -close_fd_mask=2 \
+    -artifact_prefix="build/fuzz/findings/$target/" \
+    "$merged" "build/fuzz/seeds/$target" "$corpus" >"build/fuzz/log/$target.merge" 2>&1 ||
+    fail "cannot merge the inputs of $target: build/fuzz/log/$target.merge"
+  rm -rf "$corpus"
+  mv "$merged" "$corpus"
+  python3 scripts/fuzz_corpus.py pack "$corpus" "fuzz/corpus/$target.txt"
+}
+
+fuzz_minimise() {
+  prepare_fuzzing "${fuzz_targets[@]}"
+  for_each_target minimise_target
+}
+
+# In rounds of at most ten minutes a target: one that finds something ends its round there.
+fuzz_night() {
+  local seconds failed=0 round end
+  seconds=$(LC_ALL=C awk -v hours="$1" 'BEGIN { print int(3600 * hours) }')
+  end=$((SECONDS + seconds))
+  round=$((seconds * CMAKE_BUILD_PARALLEL_LEVEL / ${#fuzz_targets[@]}))
+  ((round <= 600)) || round=600
+  while ((SECONDS < end)); do
+    fuzz_all "$((round > 0 ? round : 1))" || failed=1
   done
-  while ((running > 0)); do
-    wait -n || failed=1
-    running=$((running - 1))
-  done
+  fuzz_minimise
   return "$failed"
 }
 
@@ -122,9 +174,19 @@ fuzz_file() {
   fuzz_program "$target" "$file"
 }
 
-# fuzz [TARGET] [SECONDS | FILE]
+# fuzz [TARGET] [SECONDS | FILE], fuzz --minimise, fuzz --night HOURS
 fuzz() {
   local target='' seconds=30
+  if [[ ${1:-} == --minimise ]]; then
+    (($# == 1)) || fail "fuzz --minimise takes no arguments"
+    fuzz_minimise
+    return
+  fi
+  if [[ ${1:-} == --night ]]; then
+    [[ $# == 2 && $2 =~ ^[0-9]*\.?[0-9]+$ ]] || fail "fuzz --night takes a number of hours"
+    fuzz_night "$2"
+    return
+  fi
   if (($#)) && is_fuzz_target "$1"; then
     target=$1
     shift
