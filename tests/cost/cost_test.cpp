@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
+#include "codec/timestamps.hpp"
 #include "tests/codec/codec_fixture.hpp"
 #include "tests/cost/block_count.hpp"
 #include "tests/cost/forced_visits.hpp"
@@ -158,6 +160,20 @@ TEST_P(KindCostTest, StaysLeastWhenAllKeysCollide) {
   EXPECT_GT((together - apart) * PARTS, static_cast<double>(forced)) << "they do not collide";
   EXPECT_LT((together - apart) * PARTS,
             (BLOCKS_PER_VISIT + BLOCKS_PER_COMPARISON) * static_cast<double>(forced));
+}
+
+// The same time in an unusual zone takes the literal steps, too.
+TEST_F(CostTest, UsualTimesTakeNoLiteralSteps) {
+  const auto blocks_of = [](const std::string& time) {
+    return blocksEnteredBy([&] {
+      EXPECT_TRUE(plugins::pulsar::tryParseTime(("2023-04-05T06:07:08" + time).c_str()));
+    });
+  };
+  for (const auto& [usual, unusual] :
+       {std::pair("Z", "z"), std::pair(".123Z", ".123z"), std::pair("+02:30", "+0230"),
+        std::pair(".123-02:30", ".123-0230")}) {
+    EXPECT_LT(blocks_of(usual), blocks_of(unusual)) << usual;
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, KindCostTest,

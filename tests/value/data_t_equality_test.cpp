@@ -111,6 +111,7 @@ TEST_F(DataTEquality, BuffersAreComparedByLengthAndBytes) {
   EXPECT_EQ(bytes(std::string("a\0b", 3)), bytes(std::string("a\0b", 3)));
   EXPECT_NE(bytes(std::string("a\0b", 3)), bytes(std::string("a\0c", 3)));
   EXPECT_NE(bytes("ab"), bytes("abc"));
+  EXPECT_NE(bytes("a"), bytes("b"));
   EXPECT_EQ(tagged(8), tagged(8));
   EXPECT_EQ(tagged(8), bytes(""));
   EXPECT_EQ(bytes(""), tagged(8));

@@ -140,6 +140,13 @@ TEST_F(NestedEquality, TablesAreOfAnyCapacityAndHistory) {
   EXPECT_FALSE(are_equal(mapOf("a", whole(1)), table_of(0)));
 }
 
+TEST_F(NestedEquality, UncountedEntryIsLookedUpInNoTable) {
+  const map_t uncounted = mapOf("a", whole(1));
+  head_of(uncounted).live = 0;
+  EXPECT_FALSE(are_equal(uncounted, map_t()));
+  EXPECT_FALSE(are_equal(uncounted, table_of(0)));
+}
+
 // ---- a million deep
 
 constexpr int KEY_DEPTH = 1'000'000;
