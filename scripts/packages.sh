@@ -11,6 +11,7 @@
 #   coverage  ./dev coverage
 #   fuzz      ./dev fuzz and the preset `sanitize`, together with clang: the fuzzer's and the
 #             sanitizers' runtime, and names in their reports
+#   mutate    ./dev mutate, together with clang
 #   arm64     ./dev test-arm64 and a step of ./dev test: the compiler for aarch64 and an emulator;
 #             scripts/arm64.sh unpacks the libraries of group build for aarch64
 #   page      tests/page: a browser, what drives it, and npm, which installs the rest
@@ -58,6 +59,7 @@ declare -A package_groups=(
     libclang-rt-14-dev=/usr/lib/llvm-14/lib/clang/*/lib/linux/libclang_rt.fuzzer-*.a
     llvm-14=llvm-symbolizer-14 python3=python3
   "
+  [mutate]="python3=python3"
   [arm64]="
     gcc-12-aarch64-linux-gnu=aarch64-linux-gnu-gcc-12
     g++-12-aarch64-linux-gnu=aarch64-linux-gnu-g++-12
