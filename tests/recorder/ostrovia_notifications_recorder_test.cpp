@@ -217,6 +217,16 @@ TEST_F(RecorderTest, CreationWithoutMemoryLeavesNothing) {
 
 // ---- sessions
 
+TEST_F(RecorderTest, OtherDirectionsAreFiltered) {
+  const auto recorder = make("directions", listOf(text("transport")));
+  recorder->start();
+  send(*recorder, event("a"));
+  Message message = event("b");
+  recorder->sendBatchTowardsTransport(&message, &message + 1);
+  recorder->shutdown();
+  EXPECT_EQ(folder_.counts(), (recorder::counts_t{2, 1, 1, 0}));
+}
+
 TEST_F(RecorderTest, EndsAfterItsMessages) {
   const auto recorder = make("stopAfterMessages", whole(3));
   recorder->start();

@@ -141,13 +141,13 @@ TEST_F(RecordingFilesTest, StopKeepsTheOldestFiles) {
 }
 
 TEST_F(RecordingFilesTest, FilesOfEarlierRunsCountIntoTheBound) {
-  std::ofstream(folder_.path() / "n.000041.ndjson") << std::string(3 * MEBIBYTE / 2, 'x');
+  std::ofstream(folder_.path() / "n.000041.ndjson") << std::string(5 * MEBIBYTE / 2, 'x');
   std::ofstream(folder_.path() / "n.000042.ndjson") << "x";
   std::ofstream(folder_.path() / "n.000042.ndjsonx") << "x";
   std::ofstream(folder_.path() / "m.000099.ndjson") << "x";
   std::ofstream(folder_.path() / "n.0000421.ndjson") << "x";
   std::ofstream(folder_.path() / "n.00x042.ndjson") << "x";
-  RecordingFiles files = make("maxFiles", whole(2));
+  RecordingFiles files = make("maxFiles", whole(3));
   EXPECT_TRUE(files.write(line(100)));
   EXPECT_THAT(folder_.recordings(),
               ElementsAre("m.000099.ndjson", "n.000042.ndjson", "n.0000421.ndjson",
