@@ -2,7 +2,7 @@
 # What must hold of the sources beyond compiling. Sourced by ./dev, which runs in the project's root.
 #
 #   lint_format   clang-format would change nothing
-#   lint_shell    shellcheck is content with every script
+#   lint_shell    shellcheck is content with every script; no function of ./dev replaces another one
 #   lint_scripts  the scripts that have tests pass them
 #   lint_layers   includes point down, no cycles, files stay short
 #   lint_c        gcc's path analysis finds nothing in the hosts written in C; of C++ it knows too little
@@ -47,6 +47,9 @@ lint_format() {
 }
 
 lint_shell() {
+  local twice
+  twice=$(grep --no-filename --only-matching -E '^[a-z0-9_-]+\(\)' dev scripts/*.sh | sort | uniq -d)
+  [[ -z $twice ]] || fail "./dev sources two functions of one name: $twice"
   { project_files '*.sh' && printf '%s\n' dev .ci/run; } | xargs shellcheck --external-sources
 }
 

@@ -149,7 +149,7 @@ check_same() {
   done
 }
 
-check_nothing_left() {
+check_no_daemon() {
   (($(processes_of_cluster) > 5))
   stop_cluster
   local deadline=$((SECONDS + 10))
@@ -166,7 +166,7 @@ cluster_checks=(
   "slurm          a job array replays on both nodes, as docs/scaling.md shows"
   "failure        a part that fails leaves no summary and fails its job"
   "same           the merged summary and the events of each way are those of one run"
-  "nothing_left   no daemon outlives the cluster"
+  "no_daemon      no daemon outlives the cluster"
 )
 
 test_cluster() {

@@ -409,7 +409,7 @@ run_check() {
     printf 'ok    %-19s %s\n' "$1" "$2"
     return
   fi
-  printf 'FAIL  %-19s %s\n' "$1" "$2"
+  printf 'FAIL  %-19s %s (status %d)\n' "$1" "$2" "$status"
   sed 's/^/        /' "$package_folder/check.log"
   failed_checks=$((failed_checks + 1))
 }
