@@ -10,7 +10,7 @@
 
 #include "tests/recording/chain.hpp"
 #include "tests/recording/child.hpp"
-#include "tests/recording/death_in_write.hpp"
+#include "tests/recording/cut_writes.hpp"
 #include "tests/recording/recording.hpp"
 #include "tests/recording/small_disk.hpp"
 #include "tests/support/host_fixture.hpp"
@@ -112,6 +112,16 @@ TEST_F(RecordingEnds, ProcessKilledWithinAWriteLeavesACutLine) {
   EXPECT_TRUE(next.send(1));
   EXPECT_TRUE(next.plugin().shutdown());
   EXPECT_EQ(recordsIn(recording()), before + 10);
+}
+
+TEST_F(RecordingEnds, HalfAWriteIsContinued) {
+  const int end = inChild([this] {
+    LoneRecorder recorder(settings());
+    halveWrites();
+    return recorder.send(10) && recorder.plugin().shutdown() ? 0 : 1;
+  });
+  EXPECT_EQ(end, 0);
+  EXPECT_EQ(recordsIn(recording()), 100);
 }
 
 // A write beyond the limit also raises a signal, which ends a process by default.

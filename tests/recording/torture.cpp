@@ -21,7 +21,7 @@
 
 #include "tests/recording/chain.hpp"
 #include "tests/recording/child.hpp"
-#include "tests/recording/death_in_write.hpp"
+#include "tests/recording/cut_writes.hpp"
 #include "tests/recording/recording.hpp"
 #include "tests/recording/small_disk.hpp"
 #include "tests/tools/temporary_folder.hpp"

@@ -1,4 +1,4 @@
-#include "tests/recording/death_in_write.hpp"
+#include "tests/recording/cut_writes.hpp"
 
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -11,24 +11,27 @@ namespace {
 
 constexpr std::size_t LONGER_THAN_A_HEAD = 2000; // bytes
 
-std::atomic<bool> dies_in_write = false;
+enum class Cut { NONE, HALF, DEATH };
+std::atomic<Cut> cut = Cut::NONE;
 
 } // namespace
 
 namespace com::velanto::connectivity::test {
 
-void dieInNextWrite() noexcept { dies_in_write = true; }
+void dieInNextWrite() noexcept { cut = Cut::DEATH; }
+void halveWrites() noexcept { cut = Cut::HALF; }
 
 } // namespace com::velanto::connectivity::test
 
 // The recorder's library finds this one first.
 extern "C" [[gnu::visibility("default")]] ssize_t write(int descriptor, const void* bytes,
                                                         size_t size) {
-  if (!dies_in_write || size < LONGER_THAN_A_HEAD) {
+  if (cut == Cut::NONE || size < LONGER_THAN_A_HEAD) {
     return syscall(SYS_write, descriptor, bytes, size);
   }
   const std::string_view lines(static_cast<const char*>(bytes), size);
-  syscall(SYS_write, descriptor, bytes, lines.find_last_not_of('\n', size / 2) + 1);
-  kill(getpid(), SIGKILL);
-  return -1;
+  const std::size_t half = lines.find_last_not_of('\n', size / 2) + 1;
+  const ssize_t written = syscall(SYS_write, descriptor, bytes, half);
+  if (cut == Cut::DEATH) kill(getpid(), SIGKILL);
+  return written;
 }
