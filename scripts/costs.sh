@@ -12,7 +12,7 @@
 #                           ostrovia-replay spends in the entry point for batches towards the host
 #   lines/…                 of sources and headers
 #   seconds/release         of all its tests, one after the other, when they last ran
-#   percent/surviving-mutants   by hand from ./dev mutate, which takes a night
+#   percent/surviving-mutants   by hand from ./dev mutate --sample 60
 
 costs_file=bench/costs.tsv
 readonly costs_limit=1 # percent
