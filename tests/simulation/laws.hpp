@@ -42,7 +42,7 @@ struct figures_t {
   std::size_t recorded = 0;
   std::size_t refusals = 0;     // steps that were refused memory
   std::size_t failed_links = 0; // batches whose link failed
-  std::size_t parked = 0;       // batches in the middle of which other threads had their turns
+  std::size_t parked = 0;       // batches that waited while other threads had turns
 };
 [[nodiscard]] std::string describe(const figures_t& figures);
 
