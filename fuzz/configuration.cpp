@@ -15,7 +15,6 @@
 #include "fuzz/block_count.hpp"
 #include "fuzz/finding.hpp"
 #include "fuzz/memory_file.hpp"
-#include "ndjson/json_text.hpp"
 #include "ndjson/json_writer.hpp"
 #include "tools/options/exit_status.hpp"
 #include "tools/replay/input/configuration_file.hpp"
@@ -48,7 +47,6 @@ std::string asJson(const entries_t& entries) {
   std::string json = "{";
   for (const tools::configuration_entry_t& entry : entries) {
     if (json.size() > 1) json += ", ";
-    json += "? "; // without it, a key may have 1024 bytes
     writeJson(json, data_t(entry.key.c_str()));
     json += ": ";
     writeJson(json, entry.value);
@@ -62,7 +60,7 @@ std::optional<std::uint32_t> kindOf(const std::string& scalar) {
   static const regex EMPTY("|null|Null|NULL");
   static const regex BOOLEAN("true|True|TRUE|false|False|FALSE");
   static const regex INTEGER("[-+]?[0-9]{1,18}|[+]?0x[0-9a-fA-F]{1,15}");
-  static const regex REAL(R"([-+]?([0-9]{1,30}[.]?[0-9]*|[.][0-9]+)([eE][-+]?[0-9]{1,2})?)");
+  static const regex REAL(R"([-+]?([0-9]{1,30}([.][0-9]*)?|[.][0-9]+)([eE][-+]?[0-9]{1,2})?)");
   static const regex ANY_NUMBER("[-+]?([0-9.]+([eE][-+]?[0-9]+)?|0x[0-9a-fA-F]+)");
   if (std::regex_match(scalar, EMPTY)) return VLT_TAG_EMPTY;
   if (std::regex_match(scalar, BOOLEAN)) return VLT_TAG_BOOLEAN;
@@ -82,11 +80,15 @@ void checkScalar(const std::string& scalar) {
                 "a scalar has the kind of its form");
 }
 
+// In bytes, of a key without a "?" before it, which JSON has not.
+constexpr std::size_t LONGEST_KEY = 1024;
+
 void checkFile(std::string_view content) {
   const auto first = read(content);
-  const bool is_utf8 = com::velanto::connectivity::asUtf8(content) == content;
-  if (!first || !is_utf8) return; // no JSON has bytes of any other kind
-  const auto second = read(asJson(*first));
+  if (!first) return;
+  const std::string json = asJson(*first);
+  if (json.size() > LONGEST_KEY) return;
+  const auto second = read(json);
   fuzz::require(second.has_value() && second->size() == first->size(), "JSON is read, too");
   for (std::size_t i = 0; i < first->size(); ++i) {
     fuzz::require((*first)[i].key == (*second)[i].key && (*first)[i].value == (*second)[i].value,

@@ -8,11 +8,13 @@
 #include <charconv>
 #include <cstdint>
 #include <fstream>
+#include <iterator>
 #include <optional>
 #include <sstream>
 #include <string_view>
 #include <system_error>
 
+#include "ndjson/json_text.hpp"
 #include "ndjson/make_blocks.hpp"
 #include "ndjson/visible_text.hpp"
 #include "tools/options/exit_status.hpp"
@@ -58,6 +60,8 @@ class Converter {
     if (node.Scalar().find('\0') != std::string::npos) {
       refuse(node.Mark(), "string with an embedded NUL");
     }
+    // The library makes a lone byte of the escapes \N and \_.
+    if (asUtf8(node.Scalar()) != node.Scalar()) refuse(node.Mark(), "string that is not UTF-8");
     return data_t(node.Scalar().c_str());
   }
 
@@ -120,6 +124,20 @@ std::string contentOf(const std::string& path) {
   return content.str();
 }
 
+// The library takes other bytes as they are, NUL as an escape, and may read UTF-16.
+void requireUtf8(const std::string& content, const Converter& converter) {
+  const std::string utf8 = asUtf8(content);
+  const auto [other, replaced] =
+      std::mismatch(content.begin(), content.end(), utf8.begin(), utf8.end());
+  const auto end = std::find(content.begin(), other, '\0');
+  if (end == content.end()) return;
+  YAML::Mark mark;
+  mark.line = static_cast<int>(std::count(content.begin(), end, '\n'));
+  const auto line_end = std::find(std::make_reverse_iterator(end), content.rend(), '\n');
+  mark.column = static_cast<int>(end - line_end.base());
+  converter.refuse(mark, "not UTF-8 text");
+}
+
 // At a comma outside of a list, the library reads empty documents without an end. So this handler
 // refuses the second document at one place.
 class DocumentStarts final : public YAML::EventHandler {
@@ -147,6 +165,7 @@ class DocumentStarts final : public YAML::EventHandler {
 // The mapping of the first document; a null node without one.
 YAML::Node rootOf(const std::string& path, const Converter& converter) {
   const std::string content = contentOf(path);
+  requireUtf8(content, converter);
   std::istringstream stream(content);
   YAML::Parser parser(stream);
   DocumentStarts starts;

@@ -26,8 +26,8 @@ struct configuration_entry_t {
 };
 
 // The entries in the order of the file. Throws ReplayError: with EXIT_IO for a failed read, with
-// EXIT_PLUGIN "FILE:LINE:COLUMN: reason" for a file that is no such mapping, repeats a key or has a
-// second document.
+// EXIT_PLUGIN "FILE:LINE:COLUMN: reason" for a file that is no such mapping in UTF-8, repeats a key
+// or has a second document.
 [[nodiscard]] std::vector<configuration_entry_t> readConfiguration(const std::string& path);
 
 } // namespace com::velanto::connectivity::tools

@@ -89,6 +89,10 @@ TEST_F(ConfigurationTest, OtherFilesAreRefusedWithTheirLine) {
       {"tenantId: t\nx: 9223372036854775808\n", "c.yaml:2:4: integer beyond 64 bits"},
       {"tenantId: t\n[1]: x\n", "c.yaml:2:1: a key that is no string"},
       {"tenantId: \"a\\0b\"\n", "c.yaml:1:11: string with an embedded NUL"},
+      {"tenantId: \"a\\Nb\"\n", "c.yaml:1:11: string that is not UTF-8"},
+      {"a: 1\ntenantId: caf\xE9\n", "c.yaml:2:14: not UTF-8 text"},
+      {"\xFF\xFE\x61", "c.yaml:1:1: not UTF-8 text"},
+      {std::string("a: b\0c\n", 7), "c.yaml:1:5: not UTF-8 text"},
       {"a: 1\nb: [1\n",
        "c.yaml:3:1: not well-formed YAML, here or just before; look at indentation, colons and "
        "quotes"},
