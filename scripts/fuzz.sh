@@ -91,16 +91,21 @@ fuzz_closing_line() {
     }' "$2"
 }
 
-prepare_fuzzing() {
-  build_fuzz_targets "$@"
-  rm -rf build/fuzz/seeds
-  python3 fuzz/make_seeds.py build/fuzz/seeds
-  local target
-  for target in "$@"; do
+# make_fuzz_inputs FOLDER: of each target in FOLDER/TARGET, those to begin with.
+make_fuzz_inputs() {
+  local folder=$1 target
+  rm -rf "$folder"
+  python3 fuzz/make_seeds.py "$folder"
+  for target in "${fuzz_targets[@]}"; do
     # A new target has no corpus yet.
     [[ ! -f fuzz/corpus/$target.txt ]] ||
-      python3 scripts/fuzz_corpus.py unpack "fuzz/corpus/$target.txt" "build/fuzz/seeds/$target"
+      python3 scripts/fuzz_corpus.py unpack "fuzz/corpus/$target.txt" "$folder/$target"
   done
+}
+
+prepare_fuzzing() {
+  build_fuzz_targets "$@"
+  make_fuzz_inputs build/fuzz/seeds
 }
 
 # for_each_target FUNCTION [ARGS…]: as many at a time as there are processors. False: one of them failed.
