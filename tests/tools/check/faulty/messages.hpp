@@ -22,23 +22,23 @@ using message_t = vlt_underlying_message_t;
 
 namespace {
 
+bool isText(const vlt_underlying_data_t* value) {
+  return value != nullptr && value->tag == VLT_TAG_STRING && value->value.string != nullptr;
+}
+
 // The value under a string key, or null. Tables of messages are small: no need for hashes.
 vlt_underlying_data_t* find(vlt_underlying_map_table_t* table, const char* key) {
   if (table == nullptr) return nullptr;
   auto* const slots = reinterpret_cast<vlt_underlying_map_table_entry_t*>(table + 1);
   for (std::int64_t i = 0; i < table->capacity; ++i) {
-    if (slots[i].key.tag != VLT_TAG_STRING) continue;
-    if (std::strcmp(slots[i].key.value.string, key) == 0) return &slots[i].value;
+    const vlt_underlying_data_t& own = slots[i].key;
+    if (isText(&own) && std::strcmp(own.value.string, key) == 0) return &slots[i].value;
   }
   return nullptr;
 }
 
 vlt_underlying_data_t* findInPayload(const message_t& message, const char* key) {
   return message.payload.tag == VLT_TAG_MAP ? find(message.payload.value.map, key) : nullptr;
-}
-
-bool isText(const vlt_underlying_data_t* value) {
-  return value != nullptr && value->tag == VLT_TAG_STRING && value->value.string != nullptr;
 }
 
 void replaceText(vlt_underlying_data_t& value, const char* text) {
