@@ -11,7 +11,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <exception>
 #include <system_error>
 
 #include "tools/check/shared_file.hpp"
@@ -28,11 +27,7 @@ using clock_t = std::chrono::steady_clock;
 
 void runBody(Trial& trial, const std::function<void(Trial&)>& body) noexcept {
   try {
-    try {
-      body(trial);
-    } catch (const std::exception& e) {
-      trial.holds(false, "the check", "to come to its end", std::string("exception: ") + e.what());
-    }
+    trial.part([&] { body(trial); });
   } catch (const skipped_t&) { // NOLINT(bugprone-empty-catch): the record is written
   }
   trial.finish();

@@ -5,6 +5,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <exception>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -59,6 +60,17 @@ class Trial {
     const std::string left = shown(expected);
     const std::string right = shown(actual);
     return holds(left == right, where, left, right);
+  }
+
+  // Runs the check or a part of it, also in a thread of its own. An exception that leaves the part
+  // is a mismatch and ends the part, not the process; skipped_t passes.
+  template <class Part>
+  void part(const Part& part) {
+    try {
+      part();
+    } catch (const std::exception& e) {
+      holds(false, "the check", "to come to its end", std::string("exception: ") + e.what());
+    }
   }
 
   [[nodiscard]] int mismatches() const noexcept { return mismatches_; }

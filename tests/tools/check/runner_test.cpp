@@ -7,6 +7,7 @@
 #include <csignal>
 #include <iostream>
 #include <stdexcept>
+#include <thread>
 
 namespace com::velanto::connectivity::test {
 
@@ -47,6 +48,15 @@ TEST(RunnerTest, DifferencesAreLimitedInNumber) {
 
 TEST(RunnerTest, ExceptionIsADifference) {
   const verdict_t verdict = run([](Trial&) { throw std::runtime_error("jam"); });
+  EXPECT_EQ(verdict.ending, Ending::FAILED);
+  ASSERT_EQ(verdict.mismatches.size(), 1U);
+  EXPECT_EQ(verdict.mismatches[0].actual, "exception: jam");
+}
+
+TEST(RunnerTest, ExceptionInAThreadIsADifference) {
+  const verdict_t verdict = run([](Trial& trial) {
+    std::thread([&] { trial.part([] { throw std::runtime_error("jam"); }); }).join();
+  });
   EXPECT_EQ(verdict.ending, Ending::FAILED);
   ASSERT_EQ(verdict.mismatches.size(), 1U);
   EXPECT_EQ(verdict.mismatches[0].actual, "exception: jam");

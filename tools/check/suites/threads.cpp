@@ -16,6 +16,19 @@ namespace {
 
 constexpr int BATCHES = 300;
 
+// Runs `work` with an id in each of two threads at once, and comes back after both.
+template <class Work>
+void inTwoThreads(Trial& trial, const Work& work) {
+  std::barrier together(2);
+  const auto run = [&](const char* id) {
+    together.arrive_and_wait();
+    trial.part([&] { work(id); });
+  };
+  std::thread other(run, "other-id");
+  run("first-id");
+  other.join();
+}
+
 // The messages of a batch below that arrive, all with one payload.
 struct arriving_t {
   std::size_t messages;
@@ -54,17 +67,12 @@ void twoCodecs(Trial& trial) {
   Log log;
   const PluginLibrary library = load(trial);
   const BlockBalance balance;
-  std::barrier together(2);
-  const auto work = [&](const char* id, const char* tenant) {
-    const std::string json = std::string(R"({"tenantId": ")") + tenant + R"("})";
+  inTwoThreads(trial, [&](const char* id) {
+    const std::string json = std::string(R"({"tenantId": ")") + id + R"("})";
     Codec codec(trial, library, configured(trial, json), PLUGIN_NAME, id);
     codec.link();
-    together.arrive_and_wait();
-    sendAndExpect(trial, codec, codec.host, id, tenant);
-  };
-  std::thread other(work, "other-id", "t2");
-  work("first-id", "t1");
-  other.join();
+    sendAndExpect(trial, codec, codec.host, id, id);
+  });
   trial.equal("log lines", linesOfTwo(trial), log.take().size());
   balance.expectBack(trial, "after both codecs");
 }
@@ -81,16 +89,11 @@ void keepMine(void*, vlt_underlying_message_t* start, vlt_underlying_message_t* 
 void oneCodec(Trial& trial) {
   CheckFixture fixture(trial);
   fixture.codec.setNextTowardsHost(nullptr, keepMine);
-  std::barrier together(2);
-  const auto work = [&](const char* id) {
+  inTwoThreads(trial, [&](const char* id) {
     Link link; // for its messages only
     mine = &link.messages;
-    together.arrive_and_wait();
     sendAndExpect(trial, fixture.codec, link, id, "t1");
-  };
-  std::thread other(work, "other-id");
-  work("first-id");
-  other.join();
+  });
   trial.equal("log lines", linesOfTwo(trial), fixture.log.take().size());
 }
 
@@ -98,24 +101,19 @@ void createAndDestroy(Trial& trial) {
   const Log log;
   const PluginLibrary library = load(trial);
   const BlockBalance balance;
-  std::barrier together(2);
-  const auto work = [&](const char* id) {
-    together.arrive_and_wait();
+  inTwoThreads(trial, [&](const char* id) {
     for (int i = 0; i < BATCHES; ++i) {
       Codec codec(trial, library, configured(trial), PLUGIN_NAME, id);
       if (!trial.equal("created", true, codec.made())) return;
     }
-  };
-  std::thread other(work, "other");
-  work("first");
-  other.join();
+  });
   balance.expectBack(trial, "after all codecs");
 }
 
 // A host's threads come and go; a codec does not belong to the one that made it.
 void handedOver(Trial& trial) {
   CheckFixture fixture(trial);
-  const auto in_a_thread = [](const auto& call) { std::thread(call).join(); };
+  const auto in_a_thread = [&](const auto& call) { std::thread([&] { trial.part(call); }).join(); };
   in_a_thread([&] { trial.equal("start", 0, fixture.codec.start()); });
   in_a_thread([&] { sendAndExpect(trial, fixture.codec, fixture.codec.host, "1", "t1"); });
   in_a_thread([&] { trial.equal("destroy", 0, fixture.codec.destroy()); });
