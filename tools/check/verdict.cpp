@@ -54,8 +54,8 @@ records_t readRecords(std::string_view records) {
 
 std::string describeSignal(int signal) {
   const char* const name = sigabbrev_np(signal);
-  const std::string text = strsignal(signal); // NOLINT(concurrency-mt-unsafe): one thread
-  return name == nullptr ? text : std::string("SIG") + name + ", " + text;
+  return "signal " + std::to_string(signal) + (name == nullptr ? "" : std::string(", SIG") + name) +
+         ", " + strsignal(signal); // NOLINT(concurrency-mt-unsafe): one thread
 }
 
 } // namespace

@@ -187,7 +187,7 @@ TEST_F(OstroviaCheckPluginTest, CrashAndHangDiffer) {
   const strings_t crashed = linesOf(crash.out);
   EXPECT_EQ(crashed[0].substr(0, 18), "CRASH nulls.plugin");
   if (!heapIsReplaced()) { // AddressSanitizer ends the process itself
-    EXPECT_EQ(crashed[3], "        SIGSEGV, Segmentation fault");
+    EXPECT_EQ(crashed[3], "        signal 11, SIGSEGV, Segmentation fault");
   }
   const run_t hang = program_.run("--strict --timeout 0.2 --only lifecycle.hooks-call-nothing " +
                                   faultyPlugin("hangs_in_start"));

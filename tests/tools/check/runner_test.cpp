@@ -74,7 +74,7 @@ TEST(RunnerTest, SkippingEndsTheBody) {
 TEST(RunnerTest, SignalIsNamed) {
   const verdict_t verdict = run([](Trial&) { std::raise(SIGTERM); });
   EXPECT_EQ(verdict.ending, Ending::CRASHED);
-  EXPECT_EQ(verdict.reason, "SIGTERM, Terminated");
+  EXPECT_EQ(verdict.reason, "signal 15, SIGTERM, Terminated");
 }
 
 TEST(RunnerTest, ExitInTheMiddleIsNoSuccess) {

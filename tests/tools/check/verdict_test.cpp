@@ -48,7 +48,7 @@ TEST(VerdictTest, SkippedKeepsItsReason) {
 TEST(VerdictTest, SignalIsACrashAndKeepsEarlierRecords) {
   const auto verdict = tools::check::judge({false, SIGSEGV, records("F|here|4|3|"), ""});
   EXPECT_EQ(verdict.ending, Ending::CRASHED);
-  EXPECT_EQ(verdict.reason, "SIGSEGV, Segmentation fault");
+  EXPECT_EQ(verdict.reason, "signal 11, SIGSEGV, Segmentation fault");
   EXPECT_EQ(verdict.mismatches.size(), 1U);
 }
 
