@@ -2,6 +2,11 @@
 # Configuring, building and testing one preset of CMakePresets.json. Sourced by ./dev, which runs in
 # the project's root. Everything that builds speaks on stderr, and only when there is work.
 
+# The targets of tests that builds of all leave out where nothing is optimised (tests/CMakeLists.txt).
+slow_tests=(
+  tests/{cost,docs,enumeration,exhaustion,identity,install,misuse,simulation,soak,tools/check}/all
+)
+
 # configure PRESET
 configure() {
   local ninja_file=build/$1/build.ninja

@@ -9,7 +9,7 @@
 coverage() {
   local folder=$PWD/build/coverage file
   local -a objects=()
-  build coverage
+  build coverage all "${slow_tests[@]}"
   rm -rf "$folder/profiles"
   note "testing coverage"
   LLVM_PROFILE_FILE=$folder/profiles/%m.profraw ctest --preset coverage --label-exclude single \
