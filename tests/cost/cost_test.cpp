@@ -165,14 +165,15 @@ TEST_P(KindCostTest, StaysLeastWhenAllKeysCollide) {
 // The same time in an unusual zone takes the literal steps, too.
 TEST_F(CostTest, UsualTimesTakeNoLiteralSteps) {
   const auto blocks_of = [](const std::string& time) {
-    return blocksEnteredBy([&] {
-      EXPECT_TRUE(plugins::pulsar::tryParseTime(("2023-04-05T06:07:08" + time).c_str()));
-    });
+    return blocksEnteredBy([&] { EXPECT_TRUE(plugins::pulsar::tryParseTime(time.c_str())); });
   };
-  for (const auto& [usual, unusual] :
-       {std::pair("Z", "z"), std::pair(".123Z", ".123z"), std::pair("+02:30", "+0230"),
-        std::pair(".123-02:30", ".123-0230")}) {
-    EXPECT_LT(blocks_of(usual), blocks_of(unusual)) << usual;
+  for (const std::string time :
+       {"2023-04-05T06:07:08", "0000-01-01T00:00:00", "9999-12-31T23:59:61"}) {
+    for (const auto& [usual, unusual] :
+         {std::pair("Z", "z"), std::pair(".123Z", ".123z"), std::pair("+02:30", "+0230"),
+          std::pair(".123-02:30", ".123-0230"), std::pair(".999+23:59", ".999+2359")}) {
+      EXPECT_LT(blocks_of(time + usual), blocks_of(time + unusual)) << time << usual;
+    }
   }
 }
 

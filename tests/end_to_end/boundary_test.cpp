@@ -27,6 +27,25 @@ TEST_F(BoundaryTest, LinksExceptionEndsForTheHostToo) {
   takeLog();
 }
 
+// A payload with each field that any kind knows, the later ones of an event first.
+map_t everyField(const char* status) {
+  map_t payload = mapOf("o6a_More", whole(1));
+  for (const char* const key :
+       {"lastUpdated", "firstOccurrenceTime", "creationTime", "additionParents", "assetParents",
+        "deviceParents", "childAdditions", "childAssets", "childDevices", "type", "time", "text",
+        "name", "deviceId", "id"}) {
+    payload[text(key)] = text("2023-04-05T06:07:08.000Z");
+  }
+  payload[text("o6a_Position")] = mapOf("lat", real(1));
+  payload[text("o6a_SupportedMeasurements")] = listOf();
+  payload[text("o6a_SupportedOperations")] = listOf();
+  payload[text("status")] = text(status);
+  payload[text("source")] = mapOf("id", text("7"));
+  payload[text("severity")] = text("MINOR");
+  payload[text("count")] = whole(1);
+  return payload;
+}
+
 // Slots follow from the order of insertion where keys collide, and a host walks over slots. So all keys
 // collide here, at slot 0 of each capacity that these events have.
 TEST(FieldOrder, EventsGetTheirFieldsInOneOrder) {
@@ -34,27 +53,27 @@ TEST(FieldOrder, EventsGetTheirFieldsInOneOrder) {
   {
     const PluginLibrary library(VLT_PLUGIN_PATH);
     LoadedCodec codec(library, mapOf("tenantId", text("")));
-    const auto fields_of = [&codec](const char* path, const char* key, const char* word) {
-      map_t payload = eventPayload();
-      for (const char* const id : {"deviceId", "name"}) payload[text(id)] = text("7");
-      payload[text("count")] = whole(1);
-      payload[text("severity")] = text("MINOR");
-      payload[text(key)] = text(word);
-      const Message event = codec.converted(notification(path, std::move(payload)));
+    const auto fields_of = [&codec](const char* path, const char* status) {
+      const Message event = codec.converted(notification(path, everyField(status)));
       std::string fields;
       for (const auto& [field, value] : event.getPayload().get<map_t>()) {
         fields += std::string(field.get<const char*>()) + " ";
       }
       return fields;
     };
-    EXPECT_THAT(fields_of("a/b/alarms/1", "status", "ACTIVE"),
-                StartsWith("id count severity source status text time type "));
-    EXPECT_THAT(fields_of(EVENT_PATH, "o6a_More", "x"),
-                StartsWith("id source text firstOccurrenceTime type "));
-    EXPECT_THAT(fields_of(MEASUREMENT_PATH, "o6a_More", "x"), StartsWith("id source time type "));
-    EXPECT_THAT(fields_of("a/b/managedobjects/1", "o6a_More", "x"), StartsWith("id source "));
-    EXPECT_THAT(fields_of("a/b/operations/1", "status", "PENDING"),
-                StartsWith("id source status "));
+    const char* const dates = "creationTime firstOccurrenceTime lastUpdated o6a_More ";
+    EXPECT_THAT(fields_of("a/b/alarms/1", "ACTIVE"),
+                StartsWith(std::string("id count severity source status text time type ") + dates));
+    EXPECT_THAT(fields_of(EVENT_PATH, ""),
+                StartsWith("id source text firstOccurrenceTime type creationTime lastUpdated "));
+    EXPECT_THAT(fields_of(MEASUREMENT_PATH, ""),
+                StartsWith("id source time type creationTime lastUpdated o6a_More "));
+    EXPECT_THAT(fields_of("a/b/managedobjects/1", ""),
+                StartsWith("id source supportedOperations supportedMeasurements position "
+                           "childDeviceIds childAssetIds childAdditionIds deviceParentIds "
+                           "assetParentIds additionParentIds creationTime lastUpdated o6a_More "));
+    EXPECT_THAT(fields_of("a/b/operations/1", "PENDING"),
+                StartsWith(std::string("id source status ") + dates));
   }
   standin_set_string_hash(nullptr);
 }
