@@ -303,9 +303,10 @@ TEST_F(RecorderTest, DestructionWritesTheFoot) {
 TEST_F(RecorderTest, EndOfTheProcessWritesTheFoot) {
   const pid_t child = fork();
   if (child == 0) {
-    auto* const recorder = make().release(); // as a host that destroys nothing
-    recorder->start();
-    send(*recorder, event("a"));
+    // As a host that destroys nothing; static, so that leak checkers find it.
+    static auto* const RECORDER = make().release();
+    RECORDER->start();
+    send(*RECORDER, event("a"));
     std::exit(0);
   }
   int status = 0;
