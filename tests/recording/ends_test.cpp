@@ -130,22 +130,23 @@ TEST_F(RecordingEnds, LimitOfFileSizesCostsRecordsOnly) {
     const rlimit limit{200'000, RLIM_INFINITY};
     setrlimit(RLIMIT_FSIZE, &limit);
     LoneRecorder recorder(settings());
-    bool worked = true;
-    for (int i = 0; i < 20; ++i) {
-      worked = recorder.send(10) && worked;
-      std::this_thread::sleep_for(10ms);
-    }
+    bool worked = recorder.send(200);
+    waitUntil([&] { return !takeLog().empty(); }); // it fails
     const rlimit none{RLIM_INFINITY, RLIM_INFINITY};
     setrlimit(RLIMIT_FSIZE, &none);
-    std::this_thread::sleep_for(1100ms); // the recorder tries again once a second
-    worked = recorder.send(10) && worked;
-    return worked && recorder.plugin().shutdown() ? 0 : 1;
+    std::int64_t sent = 2000;
+    waitUntil([&] { // until it has tried again and works
+      worked = recorder.send(10) && worked;
+      sent += 100;
+      return !takeLog().empty();
+    });
+    worked = recorder.plugin().shutdown() && worked;
+    return worked && recording().back().foot->seen == sent ? 0 : 1;
   });
   EXPECT_EQ(end, 0);
   const std::vector<recorded_file_t> files = recording();
   ASSERT_FALSE(files.empty());
   ASSERT_TRUE(files.back().foot);
-  EXPECT_EQ(files.back().foot->seen, 2100);
   EXPECT_GT(files.back().foot->lost, 100);
   EXPECT_EQ(files.back().foot->recorded, recordsIn(files));
 }

@@ -1,13 +1,16 @@
 #include "tests/tools/program.hpp"
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
+#include "tests/support/waiting.hpp"
 #include "tests/tools/elapsed.hpp"
 
 namespace com::velanto::connectivity::test {
@@ -48,6 +51,18 @@ class Streams {
   posix_spawn_file_actions_t actions_{};
 };
 
+// By the states that the kernel shows, after the name in parentheses.
+bool allThreadsSleep(pid_t process) {
+  const std::filesystem::path threads = "/proc/" + std::to_string(process) + "/task";
+  for (const auto& thread : std::filesystem::directory_iterator(threads)) {
+    std::ifstream file(thread.path() / "stat");
+    std::string line;
+    std::getline(file, line);
+    if (line.find(") S ") == std::string::npos) return false;
+  }
+  return true;
+}
+
 } // namespace
 
 pid_t Program::start(const std::string& program, std::vector<std::string> arguments) {
@@ -74,6 +89,14 @@ result_t Program::waitFor(pid_t child) {
   EXPECT_EQ(wait4(child, &status, 0, &usage), child);
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder_.read("out"),
           withoutElapsed(folder_.read("diagnostics")), usage.ru_maxrss};
+}
+
+void Program::awaitIdle(pid_t child, int pipe) {
+  waitUntil([&] {
+    int unread = 0;
+    EXPECT_EQ(ioctl(pipe, FIONREAD, &unread), 0);
+    return unread == 0 && allThreadsSleep(child);
+  });
 }
 
 int Program::startOnTerminal(int& descriptor, const std::vector<std::string>& arguments,

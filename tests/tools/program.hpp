@@ -29,6 +29,8 @@ class Program : public ::testing::Test {
   // Starts it without waiting for its end.
   pid_t start(const std::string& program, std::vector<std::string> arguments);
   result_t waitFor(pid_t child);
+  // Waits until the tool has emptied the pipe, its standard input, and waits for more.
+  static void awaitIdle(pid_t child, int pipe);
   // Starts the tool with `descriptor`, one of the numbers below, on a terminal. Returns the
   // descriptor to read the output from, for the caller to close.
   int startOnTerminal(int& descriptor, const std::vector<std::string>& arguments, pid_t& child);

@@ -45,7 +45,7 @@ class OutputFileTest : public Program {
     const pid_t child = start(VLT_REPLAY_PATH, arguments);
     const std::string line = textlessLine("1");
     EXPECT_EQ(write(in[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
-    usleep(300000);
+    awaitIdle(child, in[0]);
     kill(child, signal);
     result_t result = waitFor(child);
     for (const int descriptor : in) close(descriptor);
@@ -237,8 +237,7 @@ TEST_F(OutputFileTest, InterruptedSuiteLeavesItsGoldenFiles) {
   {
     std::ofstream writer(pipe); // waits for the tool
     writer << lines_ << std::flush;
-    usleep(300000);
-    kill(child, SIGINT);
+    kill(child, SIGINT); // before the end of the pipe
   }
   const result_t result = waitFor(child);
   EXPECT_EQ(result.status, tools::EXIT_INTERRUPTED);

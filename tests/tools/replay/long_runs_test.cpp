@@ -230,7 +230,7 @@ TEST_F(LongRunsTest, InterruptedRunEndsWithItsFigures) {
     const pid_t child = start(VLT_REPLAY_PATH, options);
     const std::string line = passingLine("1");
     ASSERT_EQ(write(in[1], line.data(), line.size()), static_cast<ssize_t>(line.size()));
-    usleep(300000); // after reading the line, the tool waits for the next one
+    awaitIdle(child, in[0]);
     kill(child, SIGINT);
     const result_t result = waitFor(child);
     close(in[0]);
@@ -247,7 +247,7 @@ TEST_F(LongRunsTest, WaitForTheFirstByteCanBeInterrupted) {
   ASSERT_EQ(pipe2(in, O_CLOEXEC), 0);
   in_descriptor_ = in[0];
   const pid_t child = start(VLT_REPLAY_PATH, {});
-  usleep(300000); // the tool waits
+  awaitIdle(child, in[0]);
   kill(child, SIGINT);
   const result_t result = waitFor(child);
   close(in[0]);
