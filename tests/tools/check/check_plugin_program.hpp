@@ -31,6 +31,9 @@ class CheckPluginProgram {
   TemporaryFolder folder_;
 };
 
+// Time limit of a check for tests of its outcome: on a busy machine the default is short.
+inline const std::string UNHURRIED = "--timeout 300 ";
+
 // The plug-in of this build, and the one with a fault of this name.
 [[nodiscard]] std::string goodPlugin();
 [[nodiscard]] std::string faultyPlugin(const std::string& fault);

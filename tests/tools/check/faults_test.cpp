@@ -128,7 +128,7 @@ class FaultsTest : public ::testing::TestWithParam<planted_t> {};
 TEST_P(FaultsTest, IsFoundByItsCheck) {
   const planted_t& planted = GetParam();
   if (heapIsReplaced()) GTEST_SKIP() << "a minute of the tool's checks, which other tests run";
-  const std::string time_limit = planted.outcomes == HUNG ? "--timeout 0.4 " : "";
+  const std::string time_limit = planted.outcomes == HUNG ? "--timeout 0.4 " : UNHURRIED;
   const run_t run =
       CheckPluginProgram().run("--json --strict --seed 7 --only " + std::string(planted.check) +
                                " " + time_limit + faultyPlugin(planted.fault));
@@ -145,7 +145,8 @@ INSTANTIATE_TEST_SUITE_P(Planted, FaultsTest, ::testing::ValuesIn(PLANTED),
 // The front in front of the codec is no fault in itself.
 TEST(FaultFreeTest, WithoutAFaultNothingIsFound) {
   for (const char* const front : {"none", "no_recorder_fault"}) {
-    const run_t run = CheckPluginProgram().run("--json --seed 7 " + faultyPlugin(front));
+    const run_t run =
+        CheckPluginProgram().run(UNHURRIED + "--json --seed 7 " + faultyPlugin(front));
     EXPECT_EQ(run.status, 0) << front;
     for (const auto& [name, outcome] : outcomesOf(run.out)) {
       EXPECT_TRUE(outcome == "ok" || outcome == "skipped") << name << " " << outcome;

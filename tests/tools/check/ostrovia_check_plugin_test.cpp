@@ -69,7 +69,7 @@ std::string linesOfBuilds(const std::string& path) {
 } // namespace
 
 TEST_F(OstroviaCheckPluginTest, GoodBuildPassesEverything) {
-  const run_t run = program_.run("--seed 1 " + LIBRARY);
+  const run_t run = program_.run(UNHURRIED + "--seed 1 " + LIBRARY);
   EXPECT_EQ(run.status, 0) << run.out;
   EXPECT_EQ(run.diagnostics, "");
   strings_t lines = unwrapped(run.out);
@@ -89,7 +89,7 @@ TEST_F(OstroviaCheckPluginTest, GoodBuildPassesEverything) {
 
 // A build made from the documents alone: a check that it fails demands more than they state.
 TEST_F(OstroviaCheckPluginTest, PlainBuildPassesAllRequiredChecks) {
-  const run_t run = program_.run("--seed 1 " VLT_PLAIN_BUILD_PATH);
+  const run_t run = program_.run(UNHURRIED + "--seed 1 " VLT_PLAIN_BUILD_PATH);
   EXPECT_EQ(run.status, 0) << run.out;
 }
 
@@ -126,7 +126,7 @@ TEST_F(OstroviaCheckPluginTest, NoLineExceeds80Columns) {
 }
 
 TEST_F(OstroviaCheckPluginTest, GoodRecorderPassesEverything) {
-  const run_t run = program_.run("--json --seed 1 --timeout 60 " VLT_RECORDER_PATH);
+  const run_t run = program_.run(UNHURRIED + "--json --seed 1 " VLT_RECORDER_PATH);
   EXPECT_EQ(run.status, 0) << run.out;
   EXPECT_EQ(run.diagnostics, "");
   for (const auto& [name, outcome] : outcomesOf(run.out)) {
@@ -136,7 +136,7 @@ TEST_F(OstroviaCheckPluginTest, GoodRecorderPassesEverything) {
 
 TEST_F(OstroviaCheckPluginTest, OtherSeedsPassToo) {
   for (const char* const seed : {"2", "3", "18446744073709551615"}) {
-    EXPECT_EQ(program_.run(std::string("--only 'random.*' --seed ") + seed + " " + LIBRARY).status,
+    EXPECT_EQ(program_.run(UNHURRIED + "--only 'random.*' --seed " + seed + " " + LIBRARY).status,
               0)
         << seed;
   }
