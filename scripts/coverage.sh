@@ -9,6 +9,7 @@
 coverage() {
   local folder=$PWD/build/coverage file
   local -a objects=()
+  # shellcheck disable=SC2154 # of scripts/build.sh
   build coverage all "${slow_tests[@]}"
   rm -rf "$folder/profiles"
   note "testing coverage"

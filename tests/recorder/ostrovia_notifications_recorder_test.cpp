@@ -238,7 +238,7 @@ TEST_F(RecorderTest, EndsAfterItsMessages) {
 }
 
 TEST_F(RecorderTest, EndsAfterItsSeconds) {
-  const auto recorder = make("stopAfterSeconds", whole(1));
+  const auto recorder = make("stopAfterSeconds", whole(3));
   recorder->start();
   send(*recorder, event("a"));
   waitUntil([&] {
