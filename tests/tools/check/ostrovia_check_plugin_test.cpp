@@ -136,9 +136,9 @@ TEST_F(OstroviaCheckPluginTest, GoodRecorderPassesEverything) {
 
 TEST_F(OstroviaCheckPluginTest, OtherSeedsPassToo) {
   for (const char* const seed : {"2", "3", "18446744073709551615"}) {
-    EXPECT_EQ(program_.run(UNHURRIED + "--only 'random.*' --seed " + seed + " " + LIBRARY).status,
-              0)
-        << seed;
+    std::string arguments = UNHURRIED;
+    arguments.append("--only 'random.*' --seed ").append(seed).append(" ").append(LIBRARY);
+    EXPECT_EQ(program_.run(arguments).status, 0) << seed;
   }
 }
 
