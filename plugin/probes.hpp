@@ -33,9 +33,10 @@ class Batch {
     if (began_ != 0) fire(messages, kept);
   }
 
- private:
-  // Of a clock that never goes back.
+  // Of std::chrono::steady_clock.
   static std::int64_t nanoseconds() noexcept;
+
+ private:
   [[gnu::cold, gnu::noinline]] void fire(std::ptrdiff_t messages,
                                          std::ptrdiff_t kept) const noexcept;
 

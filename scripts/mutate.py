@@ -50,6 +50,7 @@ PROGRAMS = {
     "recording": Program("recording_tests"),
     "check_codec": Program("ostrovia-check-plugin", f"--timeout 60 {CODEC}"),
     "check_recorder": Program("ostrovia-check-plugin", f"--timeout 60 {RECORDER}"),
+    "tracers": Program("docs_tests", "--gtest_filter=OperatingDocument.TracersCountAsShown"),
     "soak": Program("ostrovia-soak", f"0.5 {CODEC} {RECORDER} {{samples}}"),
 }
 
@@ -58,7 +59,7 @@ ROADS = {
     "value": "value conformance codec end_to_end c_host plugin recorder misuse exhaustion check_codec "
              "recording check_recorder soak cost long_value",
     "plugin": "plugin conformance end_to_end codec c_host recorder misuse exhaustion check_codec "
-              "recording check_recorder soak cost",
+              "recording check_recorder soak cost tracers",
     "codec": "codec conformance end_to_end c_host misuse exhaustion check_codec soak cost",
     "recorder": "recorder recording exhaustion check_recorder threads soak",
 }
