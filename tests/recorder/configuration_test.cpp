@@ -70,6 +70,8 @@ TEST_F(ConfigurationTest, NameKeepsOnlyPlainCharacters) {
   EXPECT_EQ(readConfiguration(folder, "a/b", "c d.é").name, "a_b-c_d.__");
   EXPECT_EQ(readMore("recordingName", text("../x")).name, ".._x");
   EXPECT_EQ(readMore("recordingName", text("/09:@AZ[`az{")).name, "_09__AZ__az_");
+  EXPECT_EQ(readMore("recordingName", text(" !\"#$%&'()*+,-.;<=>?\\]^_|}~")).name,
+            "_____________-.____________");
   EXPECT_EQ(readConfiguration(folder, std::string(300, 'x'), "c").name, std::string(200, 'x'));
 }
 
