@@ -105,5 +105,13 @@ TEST_F(FilterTest, RecordersOfOneRunChooseTheSameBatches) {
   }
 }
 
+// The two recorders of a chain may be of different builds.
+TEST_F(FilterTest, EveryBuildChoosesTheSameBatches) {
+  const Filter filter = make("oneIn", whole(4));
+  std::string chosen;
+  for (std::uint64_t batch = 0; batch < 64; ++batch) chosen += filter.takesBatch(batch) ? '#' : '.';
+  EXPECT_EQ(chosen, "..#.#..###.##...#.......#...##.##......#..#.........##.#...#.#..");
+}
+
 } // namespace
 } // namespace com::velanto::connectivity::test
