@@ -87,6 +87,7 @@ TEST_F(FilterTest, CallsNoFunctionOfTheHost) {
 TEST_F(FilterTest, SampleHasNoBias) {
   const Filter filter = make("oneIn", whole(4));
   ASSERT_TRUE(filter.samples());
+  EXPECT_TRUE(make("oneIn", whole(2)).samples());
   constexpr std::uint64_t BATCHES = 262144;
   std::uint64_t chosen[4] = {};
   for (std::uint64_t batch = 1; batch <= BATCHES; ++batch) {
