@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -44,6 +45,19 @@ class RecordingBufferTest : public HostFixture {
     lost_ += passage.lost;
     EXPECT_EQ(taken.seen, recorded_ + taken.filtered + lost_);
     return passage;
+  }
+
+  // Whether nobody wakes the writer in that time.
+  bool sleeps(unsigned milliseconds) {
+    const auto begin = std::chrono::steady_clock::now();
+    buffer_.waker().sleep(milliseconds);
+    return std::chrono::steady_clock::now() - begin >= std::chrono::milliseconds(milliseconds);
+  }
+
+  static Message deepMessage() {
+    data_t deep;
+    for (std::size_t i = 0; i <= RecordedWriter::MAX_DEPTH; ++i) deep = listOf(std::move(deep));
+    return notification("t/s/events/1", std::move(deep));
   }
 
   Filter all_ = filterOf();
@@ -111,9 +125,7 @@ TEST_F(RecordingBufferTest, FullBufferLosesMessagesAndSaysSo) {
 TEST_F(RecordingBufferTest, DepthIsTheFaultOfTheMessageAlone) {
   buffer_.begin(ENDLESS);
   add(message(1'000'000));
-  data_t deep;
-  for (std::size_t i = 0; i <= RecordedWriter::MAX_DEPTH; ++i) deep = listOf(std::move(deep));
-  add(notification("t/s/events/1", std::move(deep)));
+  add(deepMessage());
   EXPECT_EQ(take().lost, 1U);
   EXPECT_TRUE(lines_.ends_with(
       "{\"recording\":{\"gap\":{\"first\":2,\"last\":2,\"lost\":1,\"reason\":\"message\"}}}\n"));
@@ -152,6 +164,23 @@ TEST_F(RecordingBufferTest, SessionEndsAfterItsMessages) {
   for (int i = 0; i < 3; ++i) add(message(1));
   EXPECT_EQ(take().recorded, 2U);
   EXPECT_EQ(buffer_.state(), State::OFF);
+}
+
+TEST_F(RecordingBufferTest, WriterSleepsUntilHalfIsFull) {
+  buffer_.begin(ENDLESS);
+  add(message(2'000'000));
+  EXPECT_TRUE(sleeps(50));
+  EXPECT_TRUE(sleeps(1000));
+  add(message(200'000));
+  EXPECT_FALSE(sleeps(600'000)); // or the test ends at its time limit
+}
+
+TEST_F(RecordingBufferTest, LossWakesTheWriterOfAnOpenRecording) {
+  add(message(1));
+  EXPECT_TRUE(sleeps(50));
+  buffer_.begin(ENDLESS);
+  add(deepMessage());
+  EXPECT_FALSE(sleeps(600'000));
 }
 
 TEST_F(RecordingBufferTest, AddingNeitherAllocatesNorCallsTheHost) {
