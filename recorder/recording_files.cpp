@@ -65,7 +65,7 @@ RecordingFiles::RecordingFiles(const configuration_t& configuration,
 void RecordingFiles::takeName() {
   if (!name_.empty()) return;
   std::string name = configured_name_;
-  for (unsigned i = 2; i <= NAMES; ++i) {
+  for (unsigned i = 1; i <= NAMES; ++i) {
     const std::string path = folder_ + "/" + name + ".lock";
     OpenFile lock = openOrThrow(path, O_RDWR | O_CREAT, "make ");
     if (flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
@@ -74,7 +74,7 @@ void RecordingFiles::takeName() {
       return;
     }
     if (errno != EWOULDBLOCK) throw DiskError("lock " + path, errno);
-    name = configured_name_ + "-" + std::to_string(i);
+    name = configured_name_ + "-" + std::to_string(i + 1);
   }
   throw DiskError("find a free name like " + folder_ + "/" + configured_name_, EBUSY);
 }

@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <string>
+#include <vector>
 
 #include "tests/recorder/recorder_fixture.hpp"
 #include "tests/support/allocations.hpp"
@@ -203,6 +204,31 @@ TEST_F(RecordingFilesTest, RecordersNeverShareAName) {
   EXPECT_TRUE(second.write(line(100)));
   EXPECT_THAT(folder_.recordings(),
               ElementsAre("n-2.000001.ndjson", "n-3.000001.ndjson", "n.000001.ndjson"));
+}
+
+TEST_F(RecordingFilesTest, NinetyNineRecordersMayWantOneName) {
+  std::vector<RecordingFiles> files;
+  files.reserve(99);
+  for (int i = 0; i < 99; ++i) {
+    files.push_back(make());
+    files.back().takeName();
+  }
+  EXPECT_TRUE(files.back().write(line(100)));
+  EXPECT_THAT(folder_.recordings(), ElementsAre("n-99.000001.ndjson"));
+  RecordingFiles another = make();
+  try {
+    another.takeName();
+    FAIL();
+  } catch (const recorder::DiskError& e) {
+    EXPECT_EQ(e.what(), "cannot find a free name like " + folder_.path().string() +
+                            "/n: Device or resource busy");
+  }
+}
+
+TEST_F(RecordingFilesTest, LongestLineIsHalfAFile) {
+  const auto configuration = recorder::readConfiguration(
+      mapOf("recordingFolder", text("f"), "maxFileMebibytes", whole(2)), "p", "c");
+  EXPECT_EQ(RecordingFiles::longestLine(configuration), std::size_t{1} << 20U);
 }
 
 TEST_F(RecordingFilesTest, NameIsFreeAfterItsRecorder) {
