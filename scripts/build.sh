@@ -3,7 +3,7 @@
 # the project's root. Everything that builds speaks on stderr, and only when there is work.
 
 # The targets of tests that builds of all leave out where nothing is optimised (tests/CMakeLists.txt).
-# shellcheck disable=SC2034 # for ./dev and scripts/coverage.sh
+# shellcheck disable=SC2034 # for ./dev
 slow_tests=(
   tests/{cost,docs,enumeration,exhaustion,identity,install,misuse,simulation,soak,tools/check}/all
 )

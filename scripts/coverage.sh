@@ -9,8 +9,7 @@
 coverage() {
   local folder=$PWD/build/coverage file
   local -a objects=()
-  # shellcheck disable=SC2154 # of scripts/build.sh
-  build coverage all "${slow_tests[@]}"
+  build coverage
   rm -rf "$folder/profiles"
   note "testing coverage"
   LLVM_PROFILE_FILE=$folder/profiles/%m.profraw ctest --preset coverage --label-exclude single \
