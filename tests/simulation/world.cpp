@@ -24,7 +24,7 @@ std::size_t indexOf(Direction direction) { return static_cast<std::size_t>(direc
 } // namespace
 
 struct World::plugin_t {
-  const PluginLibrary& library;
+  const PluginLibrary& functions;
   std::string name;
   void* plugin = nullptr;
   std::int64_t seen = 0;
@@ -167,8 +167,8 @@ void World::make(const step_t& step) {
     const Scope scope(lines);
     const Exhausted exhausted(*step.exhaustion, step.refused);
     for (plugin_t& plugin : chain->plugins) {
-      const bool is_codec = &plugin.library == &codecs_;
-      plugin.plugin = plugin.library.create(
+      const bool is_codec = &plugin.functions == &codecs_;
+      plugin.plugin = plugin.functions.create(
           plugin.name.c_str(), chain->id.c_str(),
           (is_codec ? codecs_settings : recorder_settings_).underlying(), nullptr, nullptr);
       is_complete = plugin.plugin != nullptr;
@@ -178,7 +178,7 @@ void World::make(const step_t& step) {
   }
   laws_.judgeCall(!is_complete, !step.has_tenant, was_refused, lines, chain->level);
   if (!is_complete) {
-    for (const plugin_t& plugin : chain->plugins) plugin.library.destroy(plugin.plugin);
+    for (const plugin_t& plugin : chain->plugins) plugin.functions.destroy(plugin.plugin);
     return;
   }
   chain->blocks = standin_live_blocks_total() - blocks_before;
@@ -205,8 +205,8 @@ void World::linkAll(chain_t& chain, bool with_ends) {
 
 // Null: a null function.
 int World::setLink(const plugin_t& plugin, Direction direction, const link_t* link) {
-  auto* const set = direction == Direction::TOWARDS_HOST ? plugin.library.setNextTowardsHost
-                                                         : plugin.library.setNextTowardsTransport;
+  auto* const set = direction == Direction::TOWARDS_HOST ? plugin.functions.setNextTowardsHost
+                                                         : plugin.functions.setNextTowardsTransport;
   return set(plugin.plugin, const_cast<link_t*>(link), link == nullptr ? nullptr : follow);
 }
 
@@ -233,7 +233,7 @@ void World::start(chain_t& chain) {
   if (std::exchange(chain.is_running, true)) return;
   int failures = 0;
   for (const plugin_t& plugin : chain.plugins) {
-    failures += plugin.library.start(plugin.plugin) + plugin.library.hostReady(plugin.plugin);
+    failures += plugin.functions.start(plugin.plugin) + plugin.functions.hostReady(plugin.plugin);
   }
   laws_.require(failures == 0, "calls", "a start fails");
 }
@@ -243,7 +243,7 @@ void World::shutDown(chain_t& chain, const step_t& step) {
   int failures = 0;
   test::failAllocationElsewhere(step.refused, step.exhaustion->for_good);
   for (plugin_t& plugin : chain.plugins) {
-    failures += plugin.library.shutdown(plugin.plugin);
+    failures += plugin.functions.shutdown(plugin.plugin);
     plugin.foot.seen = plugin.seen;
   }
   test::failAllocationElsewhere(0, false);
@@ -258,8 +258,8 @@ void World::shutDown(chain_t& chain, const step_t& step) {
 void World::destroy(chain_t& chain) {
   shutDown(chain, {});
   for (const plugin_t& plugin : chain.plugins) {
-    laws_.require(plugin.library.destroy(plugin.plugin) == 0, "calls", "a destruction fails");
-    if (&plugin.library == &codecs_) continue;
+    laws_.require(plugin.functions.destroy(plugin.plugin) == 0, "calls", "a destruction fails");
+    if (&plugin.functions == &codecs_) continue;
     laws_.judgeRecording(folder_.path(""), plugin.name + "-" + chain.id, plugin.foot,
                          chain.may_have_lost);
   }
@@ -298,8 +298,8 @@ int World::pass(chain_t& chain, std::size_t place, Direction direction, Message*
   plugin.seen += end - start;
   if (chain.is_running) plugin.foot.recorded += end - start;
   return direction == Direction::TOWARDS_HOST
-             ? plugin.library.sendBatchTowardsHost(plugin.plugin, start, end)
-             : plugin.library.sendBatchTowardsTransport(plugin.plugin, start, end);
+             ? plugin.functions.sendBatchTowardsHost(plugin.plugin, start, end)
+             : plugin.functions.sendBatchTowardsTransport(plugin.plugin, start, end);
 }
 
 void World::follow(void* link, vlt_underlying_message_t* start, vlt_underlying_message_t* end) {

@@ -179,7 +179,7 @@ void TextReport::add(const result_t& result) {
 
 void TextReport::close(const Counts& counts) {
   out_ << '\n';
-  const file_identity_t& library = heading_.library;
+  const file_identity_t& library = heading_.file;
   out_ << visible(library.path) << "\n  seed " << heading_.seed << '\n'; // whole, to be copied
   const auto or_else = [](const std::string& text, const char* other) {
     return text.empty() ? other : text;
@@ -197,7 +197,7 @@ void TextReport::close(const Counts& counts) {
 }
 
 JsonReport::JsonReport(std::ostream& out, const heading_t& heading) : out_(out) {
-  const file_identity_t& library = heading.library;
+  const file_identity_t& library = heading.file;
   const auto or_null = [](const std::string& text) { return text.empty() ? "null" : quoted(text); };
   out_ << R"({"version":1,"tool":)" << quoted(VLT_BUILD_NAME) << R"(,"library":)"
        << quoted(library.path) << ",\"size\":" << library.size << R"(,"sha256":)"

@@ -60,7 +60,7 @@ class Report {
 };
 
 struct heading_t {
-  file_identity_t library;
+  file_identity_t file;
   std::uint64_t seed = 0;
   bool loads = true;
   bool strict = false;
