@@ -37,7 +37,7 @@ NOT_COMPILED = "not compiled"
 SAME_CODE = "same code"
 SURVIVED = "survived"
 # A mutant may allocate without end, or leave a core each time. $0 is the processor time in seconds.
-LIMITED = ["sh", "-c", 'ulimit -c 0 -v 8388608 -t "$0"; exec "$@"']
+LIMITED = ["sh", "-c", 'ulimit -c 0; ulimit -v 8388608; ulimit -t "$0"; exec "$@"']
 PATIENCE = 5 # times as long as without a mutant, and at least
 SHORTEST_LIMIT = 20 # seconds of the processor; a busy machine makes no test fail
 WAITING = 10 # times as long by the clock: a mutant may wait for ever

@@ -1,12 +1,13 @@
 """Shows which faults are planted in a source, where, and which outcomes are kept."""
 
 import pathlib
+import subprocess
 import tempfile
 import unittest
 
 from jumps import condition_at
 from mutants import mutants_of
-from mutation_tree import SURVIVED, Results
+from mutation_tree import LIMITED, SURVIVED, Results
 
 
 def changes(text):
@@ -91,6 +92,13 @@ class ResultsTest(unittest.TestCase):
             self.assertEqual(SURVIVED, Results(path, "tests 1").of(survivor))
             self.assertIsNone(Results(path, "tests 2").of(survivor))
             self.assertEqual("value", Results(path, "tests 2").of(killed))
+
+
+class LimitsTest(unittest.TestCase):
+    def test_programs_have_a_limit_of_each_kind(self):
+        limits = subprocess.run([*LIMITED, "7", "sh", "-c", "ulimit -c; ulimit -v; ulimit -t"],
+                                capture_output=True, text=True, check=True)
+        self.assertEqual(["0", "8388608", "7"], limits.stdout.split())
 
 
 class JumpsTest(unittest.TestCase):
