@@ -1,5 +1,5 @@
 # Flags that every target of the project shares: warnings are errors with both compilers.
-add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wimplicit-fallthrough -Werror)
 
 if(VLT_SANITIZE)
   add_compile_options(-fsanitize=${VLT_SANITIZE} -fno-sanitize-recover=all

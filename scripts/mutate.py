@@ -18,6 +18,7 @@ usage: mutate.py (--sample N [--seed S] | --all | --only PREFIX) [--jumps]
 
 import argparse
 import collections
+import fcntl
 import pathlib
 import random
 import signal
@@ -169,7 +170,11 @@ def main():
     files = sys.stdin.read().splitlines()
     tests = digest_of(name for name in files if name.startswith(("tests/", "tools/check/")))
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143)) # for the trees to be restored
-    sys.exit(1 if (flip_jumps if options.jumps else mutate_sources)(files, options, tests) else 0)
+    FOLDER.mkdir(parents=True, exist_ok=True)
+    with (FOLDER / "lock").open("w", encoding="utf-8") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX) # an earlier run that was ended still withdraws its mutants
+        found = (flip_jumps if options.jumps else mutate_sources)(files, options, tests)
+    sys.exit(1 if found else 0)
 
 
 if __name__ == "__main__":

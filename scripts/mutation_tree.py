@@ -19,6 +19,7 @@ import operator
 import os
 import pathlib
 import queue
+import resource
 import shlex
 import shutil
 import signal
@@ -39,7 +40,7 @@ SURVIVED = "survived"
 # A mutant may allocate without end, or leave a core each time. $0 is the processor time in seconds.
 LIMITED = ["sh", "-c", 'ulimit -c 0; ulimit -v 8388608; ulimit -t "$0"; exec "$@"']
 PATIENCE = 5 # times as long as without a mutant, and at least
-SHORTEST_LIMIT = 20 # seconds of the processor; a busy machine makes no test fail
+SHORTEST_LIMIT = 20 # both in seconds of the processor: a busy machine makes no test fail
 WAITING = 10 # times as long by the clock: a mutant may wait for ever
 
 
@@ -134,6 +135,12 @@ class Tree:
                 end_group(process)
 
 
+def processor_seconds():
+    """Of all programs that have ended."""
+    usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return usage.ru_utime + usage.ru_stime
+
+
 def end_group(process):
     """Ends a program and all that it has started."""
     try:
@@ -192,17 +199,17 @@ class Laboratory:
         self._measure()
 
     def _measure(self):
-        """The time of each program without a mutant, when it must succeed."""
+        """The processor's time of each program without a mutant, when it must succeed."""
         tree, key = self.trees[0], digest_of(self.files)
         times = tree.build_folder / "times.json"
         known = json.loads(times.read_text(encoding="utf-8")) if times.is_file() else {}
         if known.get("key") != key or set(known) != {"key", *self.programs}:
             known = {"key": key}
             for name, program in self.programs.items():
-                begin = time.monotonic()
+                begin = processor_seconds()
                 if not tree.passes(program, 3600):
                     sys.exit(f"mutate.py: {name} fails without a mutant")
-                known[name] = round(time.monotonic() - begin, 1)
+                known[name] = round(processor_seconds() - begin, 1)
                 say(f"{name} takes {known[name]} s")
                 times.write_text(json.dumps(known), encoding="utf-8")
         self.limits = {name: max(PATIENCE * known[name], SHORTEST_LIMIT) for name in self.programs}

@@ -124,11 +124,21 @@ TEST_F(ConfigurationTest, NamesTheWrongPathToOmit) {
   EXPECT_TRUE(error.starts_with("Setting 'omit': path 'a..b': ")) << error;
 }
 
-TEST_F(ConfigurationTest, RefusesEndlessSettings) {
-  const std::string endless(70000, 'x');
-  EXPECT_EQ(
-      errorOf([&] { static_cast<void>(read(mapOf("recordingFolder", text(endless.c_str())))); }),
-      "The settings are too long");
+TEST_F(ConfigurationTest, TakesTheHighestNumbers) {
+  const configuration_t settings = readMore("maxFileMebibytes", whole(1048576), "maxFiles",
+                                            whole(100000), "stopAfterSeconds", whole(1000000000));
+  EXPECT_EQ(settings.max_file_bytes, std::uint64_t{1} << 40U);
+  EXPECT_EQ(settings.max_files, 100000u);
+  EXPECT_EQ(settings.stop_after_seconds, 1000000000u);
+}
+
+TEST_F(ConfigurationTest, RefusesSettingsAboveTheLongest) {
+  const auto json_with = [](const std::string& folder) {
+    return read(mapOf("recordingFolder", text(folder.c_str()))).json;
+  };
+  const std::string longest(65536 - json_with("f").size() + 1, 'x');
+  EXPECT_EQ(json_with(longest).size(), 65536u);
+  EXPECT_EQ(errorOf([&] { json_with(longest + 'x'); }), "The settings are too long");
 }
 
 TEST_F(ConfigurationTest, LeavesForeignSettingsAlone) {
