@@ -248,7 +248,9 @@ class Laboratory:
             return same
 
         with concurrent.futures.ThreadPoolExecutor(self.jobs) as workers:
-            for mutant, outcome, seconds in workers.map(examine, mutants):
+            examined = [workers.submit(examine, mutant) for mutant in mutants]
+            for done in concurrent.futures.as_completed(examined):
+                mutant, outcome, seconds = done.result()
                 results.add(mutant, outcome)
                 say(f"{mutant.name} {outcome}, {seconds:.1f} s")
 

@@ -59,6 +59,17 @@ TEST_F(FilterTest, TellsKindsAfterTheCodecByType) {
   EXPECT_TRUE(filter.takes(withType("com.tivra.ostrovia.Operation")));
   EXPECT_FALSE(filter.takes(withType("com.tivra.ostrovia.Alarm")));
   EXPECT_FALSE(filter.takes(withType("")));
+  EXPECT_TRUE(make("kinds", listOf(text("alarms"))).takes(withType("com.tivra.ostrovia.Alarm")));
+}
+
+// Some of these keys come before the path in their table, some after it.
+TEST_F(FilterTest, PathIsFoundAmongOtherKeys) {
+  const Filter filter = make("kinds", listOf(text("alarms")));
+  for (const char* other : {"a", "b", "c", "d", "e", "f", "g", "h"}) {
+    Message message = withPath("t/s/alarms/1");
+    message.getMetadataMap()[text(other)] = text("t/s/events/1");
+    EXPECT_TRUE(filter.takes(message)) << other;
+  }
 }
 
 TEST_F(FilterTest, MessageOfNoKindIsFilteredByKinds) {

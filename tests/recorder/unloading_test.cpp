@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "tests/recorder/recorder_fixture.hpp"
@@ -11,6 +12,7 @@
 namespace com::velanto::connectivity::test {
 namespace {
 
+using ::testing::HasSubstr;
 using ::testing::SizeIs;
 
 class UnloadingTest : public HostFixture {
@@ -62,6 +64,22 @@ TEST_F(UnloadingTest, LivesOfTheLibraryContinueTheNumbers) {
   }
   EXPECT_THAT(folder_.recordings(), SizeIs(16));
   EXPECT_EQ(folder_.recordings().back(), "before-site.000020.ndjson");
+}
+
+TEST_F(UnloadingTest, LivesOfTheLibraryAreRunsOfTheirOwn) {
+  std::set<std::string> runs;
+  for (int i = 0; i < 16; ++i) {
+    library_.emplace(VLT_RECORDER_PATH, PluginLibrary::Version::OURS, CLASS_NAME);
+    library_->destroy(open());
+    EXPECT_TRUE(unload());
+  }
+  for (const std::string& head : startingWith(R"({"recording":{"head":)", folder_.lines())) {
+    const std::string run = head.substr(head.find(R"("run":")") + 7, 16);
+    EXPECT_THAT(std::string("13579bdf"), HasSubstr(run.substr(15))) << run; // never 0
+    runs.insert(run);
+  }
+  EXPECT_THAT(runs, SizeIs(16));
+  for (const std::string& line : folder_.messages()) EXPECT_EQ(numberIn(line, "batch"), 1u);
 }
 
 } // namespace

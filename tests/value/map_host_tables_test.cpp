@@ -53,6 +53,7 @@ TEST_F(HostTables, FullTableIsSearchedOnceAround) {
   for (const char* key : {"0", "1", "2", "3", "4"}) EXPECT_TRUE(has(map, key)) << key;
   EXPECT_FALSE(has(map, "7"));
   EXPECT_FALSE(map.insert(text("4"), whole(9)).second);
+  EXPECT_TRUE(map.insert(text("3, too"), whole(9)).second); // of an equal hash
 }
 
 TEST_F(HostTables, FullTableGrowsOnInsertion) {
