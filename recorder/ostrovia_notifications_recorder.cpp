@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
+#include <cstdio>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -24,10 +24,9 @@ constexpr std::size_t LONGEST_HEAD = 131072; // a file has room for it and the l
 
 // In quotes, as 16 hexadecimal digits.
 std::string quotedDigits(std::uint64_t number) {
-  std::array<char, 16> digits{};
-  char* const end = std::to_chars(digits.begin(), digits.end(), number, 16).ptr;
-  const std::string text(digits.data(), end);
-  return '"' + std::string(digits.size() - text.size(), '0') + text + '"';
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "\"%016llx\"", static_cast<unsigned long long>(number));
+  return text.data();
 }
 
 // The line before and after the number of the file.

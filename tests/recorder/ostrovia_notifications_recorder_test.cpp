@@ -90,7 +90,55 @@ TEST_F(RecorderTest, ExceptionsOfTheLinkPass) {
   EXPECT_EQ(batches[1], batches[0] + 1);
 }
 
+TEST_F(RecorderTest, AnswerWithinABatchHasItsOwnNumber) {
+  const auto recorder = make();
+  recorder->setNextTowardsHost(std::make_unique<AnyLink>([&](Message* first, Message* last) {
+    recorder->sendBatchTowardsTransport(first, last);
+  }));
+  recorder->start();
+  send(*recorder, event("a"));
+  recorder->shutdown();
+  const auto batches = membersOf("batch");
+  ASSERT_THAT(batches, SizeIs(2));
+  EXPECT_EQ(batches[1], batches[0] + 1);
+}
+
+TEST_F(RecorderTest, ChainWithinAChainHasItsOwnNumbers) {
+  const auto inner = make();
+  OstroviaNotificationsRecorder outer(PluginConstructorParameters(
+      "before", "other", mapOf("recordingFolder", text(folder_.path().c_str())), nullptr, nullptr));
+  outer.setNextTowardsHost(std::make_unique<AnyLink>([&](Message* first, Message* last) {
+    inner->sendBatchTowardsHost(first, last);
+  }));
+  outer.start();
+  inner->start();
+  send(outer, event("a"));
+  outer.shutdown();
+  inner->shutdown();
+  const auto batches = membersOf("batch"); // by the names of the files: the outer chain first
+  ASSERT_THAT(batches, SizeIs(2));
+  EXPECT_EQ(batches[1], batches[0] + 1);
+}
+
 // ---- recording
+
+TEST_F(RecorderTest, SampleHasTheBatchesThatTheFilterTakes) {
+  const map_t settings =
+      mapOf("recordingFolder", text(folder_.path().c_str()), "oneIn", whole(2));
+  const auto recorder = makeNamed("before", settings);
+  const recorder::Filter filter(recorder::readConfiguration(settings, "before", "site"),
+                                recorder::currentRun());
+  std::vector<std::uint64_t> taken;
+  recorder->setNextTowardsHost(std::make_unique<AnyLink>([&](Message*, Message*) {
+    const std::uint64_t number = recorder::current_batch.number;
+    if (filter.takesBatch(number)) taken.push_back(number);
+  }));
+  recorder->start();
+  for (int i = 0; i < 64; ++i) send(*recorder, event("a"));
+  recorder->shutdown();
+  EXPECT_EQ(membersOf("batch"), taken);
+  EXPECT_EQ(folder_.counts(), (counts_t{64, taken.size(), 64 - taken.size(), 0}));
+}
 
 TEST_F(RecorderTest, HeadNamesEverythingAboutTheRecording) {
   const auto recorder = make("oneIn", whole(1), "omit", listOf(text("text")));

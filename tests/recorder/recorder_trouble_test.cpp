@@ -36,11 +36,19 @@ TEST_F(RecorderTroubleTest, WrongSettingRefusesTheCreationInOneLine) {
                                      "'maxFiles' must be an integer from 1 to 100000, not 0"}));
 }
 
-TEST_F(RecorderTroubleTest, EndlessNamesAreRefused) {
-  const std::string endless(200'000, 'x');
-  EXPECT_EQ(errorOf([&] {
-              makeNamed(endless.c_str(), mapOf("recordingFolder", text(folder_.path().c_str())));
-            }),
+TEST_F(RecorderTroubleTest, HeadAboveTheLongestIsRefused) {
+  const map_t settings =
+      mapOf("recordingFolder", text(folder_.path().c_str()), "recordingName", text("r"));
+  const auto head_with = [&](const std::string& name) {
+    const auto recorder = makeNamed(name.c_str(), settings);
+    recorder->start();
+    send(*recorder, event("a"));
+    recorder->shutdown();
+    return linesOf(folder_.path() / folder_.recordings().back())[0];
+  };
+  const std::string longest(131072 - head_with("").size(), 'x');
+  EXPECT_EQ(head_with(longest).size(), 131072u); // the file's number for the line's end
+  EXPECT_EQ(errorOf([&] { head_with(longest + 'x'); }),
             "Names and settings are too long for a file's head");
 }
 

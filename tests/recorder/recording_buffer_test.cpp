@@ -1,14 +1,19 @@
 #include "recorder/recording_buffer.hpp"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <atomic>
 #include <chrono>
+#include <fstream>
 #include <optional>
 #include <string>
+#include <thread>
 
 #include "tests/support/allocations.hpp"
 #include "tests/support/host_fixture.hpp"
 #include "tests/support/values.hpp"
+#include "tests/support/waiting.hpp"
 
 namespace com::velanto::connectivity::test {
 namespace {
@@ -52,6 +57,14 @@ class RecordingBufferTest : public HostFixture {
     const auto begin = std::chrono::steady_clock::now();
     buffer_.waker().sleep(milliseconds);
     return std::chrono::steady_clock::now() - begin >= std::chrono::milliseconds(milliseconds);
+  }
+
+  // Whether the thread of this process waits in the kernel.
+  static bool isBlocked(pid_t thread) {
+    std::ifstream status("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string number, name, state;
+    status >> number >> name >> state;
+    return state == "S";
   }
 
   static Message deepMessage() {
@@ -148,6 +161,33 @@ TEST_F(RecordingBufferTest, FullToTheLastByteStillTakesTheGap) {
   EXPECT_LE(buffer_.take().lines.size(), RecordingBuffer::CAPACITY);
 }
 
+TEST_F(RecordingBufferTest, LinesLeaveRoomForAGap) {
+  buffer_.begin(ENDLESS);
+  add(message(5000));
+  const std::size_t around = buffer_.take().lines.size() - 5000;
+  constexpr std::size_t ROOM = RecordingBuffer::CAPACITY - recorder::GAP_SIZE;
+  std::uint64_t lost = 0;
+  for (std::size_t excess = 0; excess < 300; excess += 20) {
+    add(message(2'000'000));
+    add(message(ROOM - 2 * around - 2'000'250 + excess));
+    const std::string_view lines = buffer_.take().lines;
+    const recorder::passage_t passage = recorder::readPassage(lines);
+    if (passage.lost == 0) EXPECT_LE(lines.size(), ROOM);
+    lost += passage.lost;
+  }
+  EXPECT_GT(lost, 0u);
+  EXPECT_LT(lost, 15u);
+}
+
+TEST_F(RecordingBufferTest, TakenLinesOutliveTheNextOnes) {
+  buffer_.begin(ENDLESS);
+  add(message(1));
+  const std::string_view taken = buffer_.take().lines;
+  const std::string before(taken);
+  add(message(2));
+  EXPECT_EQ(taken, before);
+}
+
 TEST_F(RecordingBufferTest, LongestLineIsTheLimit) {
   RecordingBuffer small(FieldSet(), 1000);
   small.begin(ENDLESS);
@@ -166,6 +206,24 @@ TEST_F(RecordingBufferTest, SessionEndsAfterItsMessages) {
   EXPECT_EQ(buffer_.state(), State::OFF);
 }
 
+TEST_F(RecordingBufferTest, LostMessagesAreNoneOfTheSession) {
+  buffer_.begin(1);
+  add(deepMessage());
+  add(message(1));
+  EXPECT_EQ(take().recorded, 1U);
+  EXPECT_EQ(buffer_.state(), State::OFF);
+}
+
+TEST_F(RecordingBufferTest, SleepingWriterWakes) {
+  std::atomic<pid_t> writer = 0;
+  std::jthread thread([&] {
+    writer = gettid();
+    EXPECT_FALSE(sleeps(600'000)); // or the test ends at its time limit
+  });
+  waitUntil([&] { return writer != 0 && isBlocked(writer); });
+  buffer_.waker().wake();
+}
+
 TEST_F(RecordingBufferTest, WriterSleepsUntilHalfIsFull) {
   buffer_.begin(ENDLESS);
   add(message(2'000'000));
@@ -173,6 +231,7 @@ TEST_F(RecordingBufferTest, WriterSleepsUntilHalfIsFull) {
   EXPECT_TRUE(sleeps(1000));
   add(message(200'000));
   EXPECT_FALSE(sleeps(600'000)); // or the test ends at its time limit
+  EXPECT_TRUE(sleeps(50));
 }
 
 TEST_F(RecordingBufferTest, LossWakesTheWriterOfAnOpenRecording) {
