@@ -61,7 +61,7 @@ ROADS = {
              "recording check_recorder soak cost long_value",
     "plugin": "plugin conformance end_to_end codec c_host recorder misuse exhaustion check_codec "
               "recording check_recorder soak cost tracers",
-    "codec": "codec conformance end_to_end c_host misuse exhaustion check_codec soak cost",
+    "codec": "codec conformance end_to_end cost c_host tracers misuse exhaustion check_codec soak",
     "recorder": "recorder recording exhaustion check_recorder threads soak",
 }
 JUMP_ROAD = ("conformance", "end_to_end", "exhaustion", "misuse")

@@ -1,4 +1,5 @@
-// Numbers whose reading depends on the locale. The lines of tools/check/conformance/ have all others.
+// Numbers whose reading depends on the locale, and their tails. The lines of
+// tools/check/conformance/ have all others.
 #include "codec/payload_fields.hpp"
 
 #include <clocale>
@@ -49,6 +50,12 @@ TEST_F(NumericTest, FollowsTheLocalesDecimalComma) {
   EXPECT_FALSE(numeric(".5"));
   EXPECT_TRUE(numeric("1.5"));
   EXPECT_TRUE(numeric("1,5"));
+}
+
+TEST_F(NumericTest, AnyTailButHexadecimalMayFollow) {
+  for (char c = 1; c < 127; ++c) {
+    EXPECT_EQ(numeric((std::string("1") + c).c_str()), c != 'x' && c != 'X') << c;
+  }
 }
 
 } // namespace

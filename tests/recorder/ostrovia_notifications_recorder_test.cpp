@@ -92,9 +92,8 @@ TEST_F(RecorderTest, ExceptionsOfTheLinkPass) {
 
 TEST_F(RecorderTest, AnswerWithinABatchHasItsOwnNumber) {
   const auto recorder = make();
-  recorder->setNextTowardsHost(std::make_unique<AnyLink>([&](Message* first, Message* last) {
-    recorder->sendBatchTowardsTransport(first, last);
-  }));
+  recorder->setNextTowardsHost(std::make_unique<AnyLink>(
+      [&](Message* first, Message* last) { recorder->sendBatchTowardsTransport(first, last); }));
   recorder->start();
   send(*recorder, event("a"));
   recorder->shutdown();
@@ -107,9 +106,8 @@ TEST_F(RecorderTest, ChainWithinAChainHasItsOwnNumbers) {
   const auto inner = make();
   OstroviaNotificationsRecorder outer(PluginConstructorParameters(
       "before", "other", mapOf("recordingFolder", text(folder_.path().c_str())), nullptr, nullptr));
-  outer.setNextTowardsHost(std::make_unique<AnyLink>([&](Message* first, Message* last) {
-    inner->sendBatchTowardsHost(first, last);
-  }));
+  outer.setNextTowardsHost(std::make_unique<AnyLink>(
+      [&](Message* first, Message* last) { inner->sendBatchTowardsHost(first, last); }));
   outer.start();
   inner->start();
   send(outer, event("a"));
@@ -123,8 +121,7 @@ TEST_F(RecorderTest, ChainWithinAChainHasItsOwnNumbers) {
 // ---- recording
 
 TEST_F(RecorderTest, SampleHasTheBatchesThatTheFilterTakes) {
-  const map_t settings =
-      mapOf("recordingFolder", text(folder_.path().c_str()), "oneIn", whole(2));
+  const map_t settings = mapOf("recordingFolder", text(folder_.path().c_str()), "oneIn", whole(2));
   const auto recorder = makeNamed("before", settings);
   const recorder::Filter filter(recorder::readConfiguration(settings, "before", "site"),
                                 recorder::currentRun());

@@ -17,6 +17,7 @@ using recorder::DiskError;
 using recorder::RecordingFiles;
 using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using ::testing::StartsWith;
@@ -183,6 +184,50 @@ TEST_F(RecordingFilesTest, CompressedFilesKeepTheirNumbers) {
   RecordingFiles files = make("maxFiles", whole(1));
   EXPECT_TRUE(files.write(line(100)));
   EXPECT_THAT(folder_.recordings(), ElementsAre("n.000008.ndjson"));
+}
+
+TEST_F(RecordingFilesTest, OnlyItsUncompressedFilesCountIntoTheBound) {
+  for (const char* name : {"n.000001.ndjson.gz", "n.000002.ndjson", "n.000003.ndjson.gz",
+                           "n.000004.ndjson.gz", "n.000005.ndjson.gz", "n.00x042.ndjson"}) {
+    const std::ofstream empty(folder_.path() / name);
+  }
+  {
+    RecordingFiles files = make("maxFiles", whole(2), "whenFull", text("stop"));
+    EXPECT_TRUE(files.write(line(100)));
+    EXPECT_EQ(files.path(), folder_.path().string() + "/n.000006.ndjson");
+  }
+  RecordingFiles full = make("maxFiles", whole(2), "whenFull", text("stop"));
+  EXPECT_FALSE(full.write(line(100)));
+}
+
+TEST_F(RecordingFilesTest, FileIsFullToTheByte) {
+  for (const std::size_t excess : {1U, 0U}) {
+    name_ = std::to_string(excess);
+    RecordingFiles files = make();
+    EXPECT_TRUE(files.write(line(1000)));
+    const std::size_t room = MEBIBYTE - recorder::FOOT_SIZE - recorder::GAP_SIZE -
+                             std::filesystem::file_size(files.path());
+    EXPECT_TRUE(files.write(lines(room / 1000 - 1, 1000)));
+    EXPECT_TRUE(files.write(line(1000 + room % 1000 + excess)));
+    EXPECT_THAT(files.path(), HasSubstr(excess == 0 ? ".000001." : ".000002."));
+    files.lose(line(100));
+    EXPECT_TRUE(files.write(line(100))); // after the line of the gap, so in the next file
+    EXPECT_THAT(files.path(), HasSubstr(".000002."));
+  }
+}
+
+TEST_F(RecordingFilesTest, GapThatFailsComesLater) {
+  RecordingFiles files = make();
+  EXPECT_TRUE(files.write(line(100)));
+  files.lose(line(100));
+  {
+    const FileSizeLimit limit(std::filesystem::file_size(files.path()) + 10);
+    EXPECT_THROW(static_cast<void>(files.write(line(100))), DiskError);
+  }
+  EXPECT_TRUE(files.write(line(100)));
+  EXPECT_THAT(
+      folder_.gaps(),
+      ElementsAre(R"({"recording":{"gap":{"first":2,"last":3,"lost":2,"reason":"disk"}}})"));
 }
 
 TEST_F(RecordingFilesTest, StopsAtTheHighestNumber) {
