@@ -15,7 +15,6 @@ import concurrent.futures
 import dataclasses
 import hashlib
 import json
-import operator
 import os
 import pathlib
 import queue
@@ -243,7 +242,7 @@ class Laboratory:
                 return False
             original = list(tree.codes_with(mutant.file))
             plant(tree, mutant)
-            same = all(map(operator.eq, original, tree.codes_with(mutant.file)))
+            same = original == list(tree.codes_with(mutant.file)) != []
             withdraw(tree, mutant)
             return same
 
