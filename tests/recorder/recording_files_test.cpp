@@ -99,6 +99,7 @@ TEST_F(RecordingFilesTest, FileAppearsWithItsFirstLine) {
   EXPECT_EQ(folder_.lines()[0], R"({"recording":{"head":{"file":1}}})");
   files.finish(1, 0);
   EXPECT_EQ(folder_.counts(), (recorder::counts_t{1, 1, 0, 0}));
+  EXPECT_EQ(folder_.lines().back().find("next"), std::string::npos);
 }
 
 TEST_F(RecordingFilesTest, OnlyTheOwnerReadsTheFiles) {
@@ -120,6 +121,15 @@ TEST_F(RecordingFilesTest, FullFileEndsWithCountsSoFar) {
   EXPECT_EQ(numberIn(foot, "recorded"), in_first.size());
   EXPECT_NE(foot.find(R"("next":true)"), std::string::npos);
   EXPECT_EQ(folder_.counts(), (recorder::counts_t{301, 300, 1, 0}));
+}
+
+TEST_F(RecordingFilesTest, FileOfOneMessageHasItsCounts) {
+  RecordingFiles files = make();
+  EXPECT_TRUE(files.write(line(600'000)));
+  EXPECT_TRUE(files.write(line(600'000)));
+  const std::string foot = linesOf(folder_.path() / "n.000001.ndjson").back();
+  EXPECT_EQ(numberIn(foot, "seen"), 1u);
+  EXPECT_EQ(numberIn(foot, "filtered"), 0u);
 }
 
 TEST_F(RecordingFilesTest, RingKeepsTheBoundAtEveryWrite) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <limits>
 #include <string>
 
@@ -18,6 +19,17 @@ std::string written(std::size_t size, const Write& write) {
   std::string memory(size, '#');
   memory.resize(static_cast<std::size_t>(write(memory.data()) - memory.data()));
   return memory;
+}
+
+TEST(RecordingLinesTest, TimeIsNanosecondsOfTheEpoch) {
+  const auto now = [] {
+    return static_cast<std::uint64_t>(
+        std::chrono::nanoseconds(std::chrono::system_clock::now().time_since_epoch()).count());
+  };
+  const std::uint64_t before = now();
+  const std::uint64_t time = timeNow();
+  EXPECT_LE(before, time);
+  EXPECT_LE(time, now());
 }
 
 TEST(RecordingLinesTest, RemarkIsTheFirstMember) {
