@@ -363,7 +363,8 @@ TEST_F(RecorderTest, SignalsAreForTheHostsThreads) {
   const auto recorder = make();
   recorder->start();
   const auto handler = std::signal(SIGUSR1, [](int) {});
-  sigset_t signals, before;
+  sigset_t signals;
+  sigset_t before;
   sigemptyset(&signals);
   sigaddset(&signals, SIGUSR1);
   pthread_sigmask(SIG_BLOCK, &signals, &before);

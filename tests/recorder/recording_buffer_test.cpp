@@ -62,7 +62,9 @@ class RecordingBufferTest : public HostFixture {
   // Whether the thread of this process waits in the kernel.
   static bool isBlocked(pid_t thread) {
     std::ifstream status("/proc/self/task/" + std::to_string(thread) + "/stat");
-    std::string number, name, state;
+    std::string number;
+    std::string name;
+    std::string state;
     status >> number >> name >> state;
     return state == "S";
   }
