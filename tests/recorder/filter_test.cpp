@@ -60,6 +60,9 @@ TEST_F(FilterTest, TellsKindsAfterTheCodecByType) {
   EXPECT_FALSE(filter.takes(withType("com.tivra.ostrovia.Alarm")));
   EXPECT_FALSE(filter.takes(withType("")));
   EXPECT_TRUE(make("kinds", listOf(text("alarms"))).takes(withType("com.tivra.ostrovia.Alarm")));
+  EXPECT_TRUE(make("kinds", listOf(text("events"))).takes(withType("com.tivra.ostrovia.Event")));
+  EXPECT_TRUE(make("kinds", listOf(text("measurements")))
+                  .takes(withType("com.tivra.ostrovia.Measurement")));
 }
 
 // Some of these keys come before the path in their table, some after it.

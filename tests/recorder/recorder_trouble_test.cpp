@@ -5,7 +5,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <fstream>
+#include <functional>
 #include <mutex>
+#include <thread>
 
 #include "plugin/entry_points.hpp"
 #include "tests/recorder/recorder_fixture.hpp"
@@ -65,6 +69,7 @@ TEST_F(RecorderTroubleTest, MissingFolderCostsRecordsAndOneLine) {
                                     "/before-site.lock: No such file or directory. Messages pass "
                                     "on and are not recorded until it works again")));
   send(*recorder, event("b"));
+  std::this_thread::sleep_for(std::chrono::milliseconds(1500)); // for attempts without a report
   std::filesystem::create_directory(folder_.path());
   waitUntil([&] {
     send(*recorder, event("c"));
@@ -116,6 +121,33 @@ TEST_F(RecorderTroubleTest, WithoutAThreadMessagesPassAndAreLost) {
   EXPECT_THAT(folder_.recordings(), IsEmpty());
 }
 
+TEST_F(RecorderTroubleTest, EachRecoveryTellsItsOwnLosses) {
+  const auto recorder = make();
+  recorder->start();
+  std::uint64_t told = 0;
+  const auto fails_until = [&](const std::function<void()>& mend) {
+    send(*recorder, event("a"));
+    waitUntil([&] { return !takeLog().empty(); });
+    mend();
+    waitUntil([&] {
+      send(*recorder, event("b"));
+      const auto log = takeLog();
+      if (!log.empty()) told += std::stoull(log[0].text.substr(log[0].text.rfind(' ')));
+      return !log.empty();
+    });
+  };
+  std::filesystem::remove_all(folder_.path());
+  fails_until([&] { std::filesystem::create_directory(folder_.path()); });
+  std::filesystem::remove_all(folder_.path());
+  std::ofstream(folder_.path().parent_path());
+  fails_until([&] {
+    std::filesystem::remove(folder_.path().parent_path());
+    std::filesystem::create_directory(folder_.path());
+  });
+  recorder->shutdown();
+  EXPECT_EQ(folder_.counts().lost, told);
+}
+
 TEST_F(RecorderTroubleTest, StoppedRecordingLosesTheRest) {
   const auto recorder =
       make("maxFiles", whole(1), "maxFileMebibytes", whole(1), "whenFull", text("stop"));
@@ -129,6 +161,7 @@ TEST_F(RecorderTroubleTest, StoppedRecordingLosesTheRest) {
                             "maxFileMebibytes. Messages pass on and are not recorded")));
   send(*recorder, event("late"));
   recorder->shutdown();
+  EXPECT_THAT(takeLog(), IsEmpty());
   EXPECT_THAT(folder_.messages(), SizeIs(10));
   EXPECT_EQ(folder_.counts(), (counts_t{10, 10, 0, 0}));
 }
@@ -238,6 +271,11 @@ TEST_F(StatusTest, UnchangedCountersAreNotReported) {
   auto recorder = make();
   recorder->start();
   recorder->shutdown();
+  EXPECT_THAT(takeStatus(), IsEmpty());
+  recorder->start();
+  send(*recorder, event("a"));
+  recorder->shutdown();
+  EXPECT_FALSE(takeStatus().empty());
   recorder.reset();
   EXPECT_THAT(takeStatus(), IsEmpty());
 }
