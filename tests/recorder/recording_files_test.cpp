@@ -1,12 +1,11 @@
 #include "recorder/recording_files.hpp"
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <string>
 #include <vector>
 
+#include "tests/recorder/file_size_limit.hpp"
 #include "tests/recorder/recorder_fixture.hpp"
 #include "tests/support/allocations.hpp"
 
@@ -23,26 +22,6 @@ using ::testing::SizeIs;
 using ::testing::StartsWith;
 
 constexpr std::uint64_t MEBIBYTE = 1U << 20U;
-
-// The files of this process can be so large for the length of a test.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limit{bytes, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, handler_);
-  }
-
- private:
-  rlimit before_{};
-  void (*handler_)(int);
-};
 
 class RecordingFilesTest : public HostFixture {
  protected:
