@@ -68,8 +68,10 @@ TEST_F(RecorderTroubleTest, MissingFolderCostsRecordsAndOneLine) {
   EXPECT_THAT(log, ElementsAre(line("Recording fails: cannot make " + folder_.path().string() +
                                     "/before-site.lock: No such file or directory. Messages pass "
                                     "on and are not recorded until it works again")));
-  send(*recorder, event("b"));
-  std::this_thread::sleep_for(std::chrono::milliseconds(1500)); // for attempts without a report
+  for (int i = 0; i < 15; ++i) { // attempts without a report
+    send(*recorder, event("b"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  }
   std::filesystem::create_directory(folder_.path());
   waitUntil([&] {
     send(*recorder, event("c"));
