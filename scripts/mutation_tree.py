@@ -15,6 +15,7 @@ import concurrent.futures
 import dataclasses
 import hashlib
 import json
+import operator
 import os
 import pathlib
 import queue
@@ -39,7 +40,7 @@ SURVIVED = "survived"
 # A mutant may allocate without end, or leave a core each time. $0 is the processor time in seconds.
 LIMITED = ["sh", "-c", 'ulimit -c 0; ulimit -v 8388608; ulimit -t "$0"; exec "$@"']
 PATIENCE = 5 # times as long as without a mutant, and at least
-SHORTEST_LIMIT = 20 # both in seconds of the processor: a busy machine makes no test fail
+SHORTEST_LIMIT = 20 # seconds of the processor; a busy machine makes no test fail
 WAITING = 10 # times as long by the clock: a mutant may wait for ever
 
 
@@ -242,16 +243,19 @@ class Laboratory:
                 return False
             original = list(tree.codes_with(mutant.file))
             plant(tree, mutant)
-            same = original == list(tree.codes_with(mutant.file)) != []
+            same = original != [] and all(map(operator.eq, original, tree.codes_with(mutant.file)))
             withdraw(tree, mutant)
             return same
 
         with concurrent.futures.ThreadPoolExecutor(self.jobs) as workers:
             examined = [workers.submit(examine, mutant) for mutant in mutants]
-            for done in concurrent.futures.as_completed(examined):
-                mutant, outcome, seconds = done.result()
-                results.add(mutant, outcome)
-                say(f"{mutant.name} {outcome}, {seconds:.1f} s")
+            try:
+                for done in concurrent.futures.as_completed(examined):
+                    mutant, outcome, seconds = done.result()
+                    results.add(mutant, outcome)
+                    say(f"{mutant.name} {outcome}, {seconds:.1f} s")
+            finally: # an interrupted run examines no more
+                workers.shutdown(wait=False, cancel_futures=True)
 
     def _outcome(self, tree, road):
         for name in road:

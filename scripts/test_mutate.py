@@ -3,11 +3,13 @@
 import pathlib
 import subprocess
 import tempfile
+import time
 import unittest
+import unittest.mock
 
 from jumps import condition_at
 from mutants import mutants_of
-from mutation_tree import LIMITED, SURVIVED, Results
+from mutation_tree import LIMITED, SURVIVED, Laboratory, Results
 
 
 def changes(text):
@@ -92,6 +94,22 @@ class ResultsTest(unittest.TestCase):
             self.assertEqual(SURVIVED, Results(path, "tests 1").of(survivor))
             self.assertIsNone(Results(path, "tests 2").of(survivor))
             self.assertEqual("value", Results(path, "tests 2").of(killed))
+
+
+class LaboratoryTest(unittest.TestCase):
+    def test_interrupted_run_examines_no_more(self):
+        mutants = mutants_of("a.cpp", "int a = b + c;\n" * 50)
+        planted = []
+
+        def plant(_, mutant):
+            planted.append(mutant)
+            time.sleep(0.01)
+
+        interrupted = unittest.mock.Mock(add=unittest.mock.Mock(side_effect=KeyboardInterrupt))
+        with self.assertRaises(KeyboardInterrupt):
+            Laboratory([], "none", {}, builds=False).run(
+                mutants, interrupted, lambda _: (), plant, lambda *_: None)
+        self.assertLess(len(planted), len(mutants))
 
 
 class LimitsTest(unittest.TestCase):
